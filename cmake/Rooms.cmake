@@ -1,0 +1,47 @@
+# How a room (a folder of src/) becomes a library, and a folder of tests/ a test program.
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(tavi_options INTERFACE)
+target_include_directories(tavi_options INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_options(tavi_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
+  -Woverloaded-virtual -Wnull-dereference -Werror)
+if(TAVI_SANITIZE)
+  # The optimizer's null and lifetime warnings are unreliable in instrumented code.
+  target_compile_options(tavi_options INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-null-dereference
+    -Wno-maybe-uninitialized)
+  target_link_options(tavi_options INTERFACE -fsanitize=address,undefined)
+endif()
+
+set(TAVI_PRECOMPILED_HEADERS
+  <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view>
+  <unordered_map> <utility> <variant> <vector>)
+
+# tavi_room(NAME SOURCES ... [USES ...]): a static library of one room; USES are the rooms below it.
+function(tavi_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
+  add_library(${name} STATIC ${ROOM_SOURCES})
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  target_link_libraries(${name} PUBLIC tavi_options ${ROOM_USES})
+  if(TAVI_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE ${TAVI_PRECOMPILED_HEADERS})
+  endif()
+endfunction()
+
+# tavi_test(NAME SOURCES ... USES ...): a test program; each of its cases is a test of ctest.
+function(tavi_test name)
+  cmake_parse_arguments(TEST "" "" "SOURCES;USES" ${ARGN})
+  add_executable(${name} ${TEST_SOURCES})
+  target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_compile_definitions(${name} PRIVATE TAVI_SOURCE_DIR="${CMAKE_SOURCE_DIR}")
+  if(TAVI_PRECOMPILE)
+    target_precompile_headers(${name} PRIVATE ${TAVI_PRECOMPILED_HEADERS} <gtest/gtest.h> <gmock/gmock.h>)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+endfunction()

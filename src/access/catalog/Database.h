@@ -1,0 +1,107 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "access/catalog/Table.h"
+#include "access/file/Pager.h"
+#include "platform/values/Date.h"
+
+namespace tavi::access {
+
+/// A column as it is to be made.
+struct ColumnDesign {
+  std::string name;
+  ColumnType type = ColumnType::Text;
+  std::uint16_t length = 255;  ///< Text: characters; Binary: bytes; others: ignored
+  std::uint8_t precision = 18; ///< Numeric
+  std::uint8_t scale = 0;      ///< Numeric
+  bool autoNumber = false;
+  bool required = false;
+  bool allowZeroLength = true;
+  bool compressed = true;      ///< Unicode compression of Text and Memo
+  std::string defaultExpression;  ///< expression text, empty for none
+};
+
+/// An index as it is to be made.
+struct IndexDesign {
+  std::string name;
+  struct Column {
+    std::string name;
+    bool ascending = true;
+  };
+  std::vector<Column> columns;
+  bool primaryKey = false;
+  bool unique = false;
+  bool ignoreNulls = false;
+  bool required = false;
+};
+
+struct TableDesign {
+  std::string name;
+  std::vector<ColumnDesign> columns;
+  std::vector<IndexDesign> indexes;
+};
+
+/// What the catalogue knows of an object that is a table or stands for one.
+struct CatalogEntry {
+  std::string name;
+  PageNumber page = 0;
+  bool isSystem = false;
+  bool isLinked = false;
+};
+
+/// The relationship rows of the file.
+struct Relationship {
+  std::string name;
+  std::string primaryTable;
+  std::vector<std::string> primaryColumns;
+  std::string foreignTable;
+  std::vector<std::string> foreignColumns;
+  bool enforced = false;
+  bool cascadeUpdates = false;
+  bool cascadeDeletes = false;
+};
+
+/// An Access file as a set of tables with names. One database belongs to one pager (connection, thread). Calls that
+/// change the file need an open write statement (WriteStatement), the others a read statement. Table and column names
+/// are compared ignoring case. A change that fails leaves pages half-changed in memory: roll the statement back.
+class Database {
+ public:
+  explicit Database(std::unique_ptr<Pager> pager);
+  ~Database();
+
+  /// Writes a new, empty Jet 4 file that holds the system tables only. Raises ProviderFailure when the file exists.
+  static void CreateFile(FileSystem& fileSystem, const std::string& path);
+
+  [[nodiscard]] Pager& GetPager();
+
+  /// Tables and links by name; system tables included and marked.
+  [[nodiscard]] std::vector<CatalogEntry> Tables();
+  [[nodiscard]] std::vector<Relationship> Relationships();
+  /// A table by name. The object is remembered and shared until the table is altered or the pager's generation changes:
+  /// fetch it anew in each statement. Raises ProviderNoTable.
+  [[nodiscard]] std::shared_ptr<Table> OpenTable(std::string_view name);
+  /// As OpenTable, but nothing when there is no such table.
+  [[nodiscard]] std::shared_ptr<Table> FindTable(std::string_view name);
+
+  /// Raises ProviderSyntax for an unusable name, ProviderFailure ("Table 'X' already exists.") for one in use.
+  void CreateTable(const TableDesign& design, Date now);
+  void DropTable(std::string_view name);
+  /// Raises ProviderBadStatus when the column exists, ProviderFailure ("Too many fields defined.") when 255 columns
+  /// were ever created in the table.
+  void AddColumn(std::string_view table, const ColumnDesign& column);
+  /// Raises ProviderBadParameter when there is no such column, ProviderFailure while an index or relationship uses it.
+  void DropColumn(std::string_view table, std::string_view column);
+  /// Builds the index from the rows. Raises ProviderIntegrity when they violate it.
+  void CreateIndex(std::string_view table, const IndexDesign& design);
+  void DropIndex(std::string_view table, std::string_view index);
+
+ private:
+  class Implementation;
+  std::unique_ptr<Implementation> implementation_;
+};
+
+}  // namespace tavi::access

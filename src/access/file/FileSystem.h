@@ -1,0 +1,63 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+namespace tavi::access {
+
+/// What the engine needs of files, as a small interface: the native one serves programs; the tests have one in memory,
+/// one that fails at a chosen call, and one that loses what was not flushed. Errors are tavi::Error ProviderFailure whose
+/// description names the file, the operation and the system's reason.
+class File {
+ public:
+  virtual ~File() = default;
+
+  /// Reads exactly the span. Raises an error when the file ends before it.
+  virtual void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) = 0;
+  /// Writes the span, extending the file when it goes past the end.
+  virtual void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> source) = 0;
+  [[nodiscard]] virtual std::uint64_t Size() = 0;
+  virtual void Truncate(std::uint64_t size) = 0;
+  /// Returns when everything written is on the device.
+  virtual void Sync() = 0;
+  /// A stamp that changes whenever any program writes the file (nanoseconds of its last change).
+  [[nodiscard]] virtual std::int64_t ModificationStamp() = 0;
+  /// True when the file was opened for reading only.
+  [[nodiscard]] virtual bool IsReadOnly() const = 0;
+
+  enum class LockKind { Shared, Exclusive };
+  /// Tries to lock a byte range against other openers of the file, in this process or another; false when one of them
+  /// holds it. A lock of this opener on the range is converted.
+  virtual bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) = 0;
+  virtual void Unlock(std::uint64_t offset, std::uint64_t length) = 0;
+  /// True when another opener holds any lock in the range.
+  virtual bool IsLockedByOther(std::uint64_t offset, std::uint64_t length) = 0;
+};
+
+class FileSystem {
+ public:
+  virtual ~FileSystem() = default;
+
+  enum class OpenMode { ReadOnly, ReadWrite, CreateNew };
+  /// Opens or creates a file. CreateNew fails when it exists. A file without any write permission counts as read-only
+  /// for everybody (the read-only attribute), so ReadWrite fails on it.
+  [[nodiscard]] virtual std::unique_ptr<File> Open(const std::string& path, OpenMode mode) = 0;
+  [[nodiscard]] virtual bool Exists(const std::string& path) = 0;
+  /// True when the file may be written and its folder may take new files.
+  [[nodiscard]] virtual bool IsWritable(const std::string& path) = 0;
+  virtual void Remove(const std::string& path) = 0;
+  virtual void Rename(const std::string& from, const std::string& to) = 0;
+  /// Makes creations, removals and renames in a file's folder durable.
+  virtual void SyncFolderOf(const std::string& path) = 0;
+  /// Waits a little before a lock is tried again.
+  virtual void Pause(std::chrono::milliseconds duration) = 0;
+};
+
+/// The operating system's files.
+std::shared_ptr<FileSystem> NativeFileSystem();
+
+}  // namespace tavi::access

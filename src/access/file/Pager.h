@@ -1,0 +1,119 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "access/file/FileSystem.h"
+#include "access/file/Page.h"
+
+namespace tavi::access {
+
+struct PagerOptions {
+  /// Memory that unchanged pages may take, in bytes.
+  std::size_t cacheBytes = std::size_t{64} << 20U;
+  /// How long a statement waits for another user of the file before it gives up.
+  std::chrono::milliseconds lockTimeout{10000};
+  /// Opens for reading even when the file could be written.
+  bool readOnly = false;
+};
+
+/// Hands out the pages of one open file and takes changed ones back; nobody above it touches the file. One pager belongs
+/// to one connection and one thread; several pagers (in this or other processes) may have the same file open.
+///
+/// Rules that hold at all times:
+///  1. Pages are read and changed only inside a statement (Begin... to Commit or Rollback). A read statement holds the
+///     file's lock shared, a write statement alone.
+///  2. Between BeginWrite and Commit changed pages live in memory only. Rollback forgets them: the file is as before.
+///  3. Commit appends all changed pages and a checksummed commit record to the redo log; from then on a crash of the
+///     process loses nothing. The database file itself is not touched.
+///  4. Only a checkpoint writes the database file: first the log is flushed, then its pages are written and flushed, then
+///     the log goes. Close makes a checkpoint; it can be repeated from the log after a crash at any point.
+///  5. At the start of each statement the pager takes in what others have committed: nobody sees stale pages.
+class Pager {
+ public:
+  /// Opens a file: applies a redo log that a crash left behind, decodes the header. Raises ProviderFailure when the file
+  /// is missing, is no Access database, has a version or password that is not supported, or is in use.
+  static std::unique_ptr<Pager> Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
+                                     const PagerOptions& options);
+  /// Writes a new file of the given pages (page i of the list is page i of the file), durable on return.
+  /// Raises ProviderFailure when the file exists already.
+  static void Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages);
+
+  virtual ~Pager() = default;
+
+  /// True when the file may only be read. BeginWrite then raises ProviderPermission.
+  [[nodiscard]] virtual bool IsReadOnly() const = 0;
+  [[nodiscard]] virtual const std::string& Path() const = 0;
+  /// True for Jet 3 files, which are only read. Their pages have 2048 bytes; the rest of each Page is zero.
+  [[nodiscard]] virtual bool IsJet3() const = 0;
+
+  virtual void BeginRead() = 0;
+  virtual void EndRead() = 0;
+  virtual void BeginWrite() = 0;
+  virtual void Commit() = 0;
+  virtual void Rollback() = 0;
+  [[nodiscard]] virtual bool InStatement() const = 0;
+  [[nodiscard]] virtual bool InWrite() const = 0;
+
+  /// Number of pages of the file, the current statement's new ones included.
+  [[nodiscard]] virtual PageNumber PageCount() const = 0;
+  /// A page as it is in this statement. A handle keeps its content even when the page is changed afterwards, so after
+  /// Write(n) read it again. Raises an error for a page past the end.
+  [[nodiscard]] virtual PageHandle Read(PageNumber number) = 0;
+  /// The statement's own copy of a page, to be changed. The reference is valid until Commit or Rollback.
+  [[nodiscard]] virtual Page& Write(PageNumber number) = 0;
+  /// A page that is to be written from scratch: all zero, not read from the file; extends the file when it lies at its
+  /// end. Allocation is the business of PageAllocator.
+  [[nodiscard]] virtual Page& WriteNew(PageNumber number) = 0;
+
+  /// Grows whenever something that was read before may have become untrue by other means than this pager's own
+  /// committed writes: another user's commit was taken in, or a statement was rolled back. Caches of what pages say
+  /// (table definitions, statistics) are dropped when it has changed.
+  [[nodiscard]] virtual std::uint64_t Generation() const = 0;
+
+  /// Checkpoint and release of the file. A second call does nothing; the destructor calls it, swallowing errors.
+  virtual void Close() = 0;
+};
+
+/// A read statement as a guard. Inside an open statement (read or write) it joins that one.
+class ReadStatement {
+ public:
+  explicit ReadStatement(Pager& pager) : pager_(pager), owns_(!pager.InStatement()) {
+    if (owns_) pager_.BeginRead();
+  }
+  ~ReadStatement() {
+    if (owns_) pager_.EndRead();
+  }
+  ReadStatement(const ReadStatement&) = delete;
+  ReadStatement& operator=(const ReadStatement&) = delete;
+
+ private:
+  Pager& pager_;
+  bool owns_;
+};
+
+/// A write statement as a guard: rolled back at the end of its life unless Commit was called. Inside an open write
+/// statement it joins that one (its Commit then does nothing, its failure must be passed on).
+class WriteStatement {
+ public:
+  explicit WriteStatement(Pager& pager) : pager_(pager), owns_(!pager.InWrite()) {
+    if (owns_) pager_.BeginWrite();
+  }
+  ~WriteStatement() {
+    if (owns_ && !committed_) pager_.Rollback();
+  }
+  void Commit() {
+    if (owns_) pager_.Commit();
+    committed_ = true;
+  }
+  WriteStatement(const WriteStatement&) = delete;
+  WriteStatement& operator=(const WriteStatement&) = delete;
+
+ private:
+  Pager& pager_;
+  bool owns_;
+  bool committed_ = false;
+};
+
+}  // namespace tavi::access

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+
+#include "access/sql/Statement.h"
+#include "platform/values/Date.h"
+
+namespace tavi::access::sql {
+
+/// What an expression is evaluated in: gives column values, aggregates and sub-selects, and the time.
+class Scope {
+ public:
+  virtual ~Scope() = default;
+  /// The value of a Column expression in the current row.
+  [[nodiscard]] virtual Value ColumnValue(const Expression& column) const = 0;
+  /// The value of an aggregate call (Count, Sum, Avg, Min, Max, First, Last, StDev, Var) in the current group.
+  [[nodiscard]] virtual Value AggregateValue(const Expression& call) const = 0;
+  /// The first column of the rows of a sub-select (for Subselect, In and Exists; at most `limit` rows).
+  [[nodiscard]] virtual std::vector<Value> SubselectValues(const Expression& expression, std::size_t limit) const = 0;
+  /// Local date and time, for Now(), Date(), Time().
+  [[nodiscard]] virtual Date Now() const = 0;
+};
+
+/// The value of an expression, by Access's rules: Null in, Null out (three-valued And, Or, Not); text compared by the
+/// file's sort order; numbers compared with dates as day counts; True is -1. Raises ProviderTypeConflict ("Data type
+/// mismatch in criteria expression.") for operands that do not go together, ProviderSyntax ("Undefined function 'X' in expression.").
+Value Evaluate(const Expression& expression, const Scope& scope);
+/// True when the expression's value is neither Null nor False nor 0.
+bool IsTrue(const Expression& expression, const Scope& scope);
+
+/// Compares two values that are not null as the operators = < > do: negative, 0, positive.
+int CompareValues(const Value& left, const Value& right);
+/// Orders values for ORDER BY: nulls first, then as CompareValues.
+int OrderValues(const Value& left, const Value& right);
+
+/// True when the call is an aggregate function.
+bool IsAggregate(const Expression& expression);
+/// Calls `visit` for the expression and everything below it, sub-selects left out.
+void VisitExpression(const Expression& expression, const std::function<void(const Expression&)>& visit);
+
+}  // namespace tavi::access::sql

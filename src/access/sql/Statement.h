@@ -1,0 +1,140 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "access/catalog/Database.h"
+#include "platform/values/Value.h"
+
+/// The tree that the parser makes of a statement. Plain data; names are as written, looked up ignoring case. `position`
+/// is the byte offset in the statement's text where the thing begins, for error messages that point at the place.
+namespace tavi::access::sql {
+
+struct Select;
+
+enum class ExpressionKind {
+  Literal,     // value
+  Column,      // qualifier (may be empty), name
+  Star,        // qualifier (may be empty); only in SELECT lists and Count(*)
+  Unary,       // op, arguments[0]
+  Binary,      // op, arguments[0..1]
+  Between,     // arguments: tested, low, high; negated
+  In,          // arguments: tested, items...; or a sub-select; negated
+  Exists,      // subselect; negated
+  IsNull,      // arguments[0]; negated
+  Like,        // arguments: tested, pattern; negated
+  Call,        // name, arguments; distinct for aggregates
+  Subselect    // a scalar sub-select
+};
+
+enum class Operator {
+  Or, Xor, Eqv, Imp, And, Not, Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, Add, Subtract, Multiply,
+  Divide, IntegerDivide, Modulo, Power, Concatenate, Negate, Plus
+};
+
+struct Expression {
+  ExpressionKind kind = ExpressionKind::Literal;
+  std::size_t position = 0;
+  Value value;
+  std::string qualifier;
+  std::string name;
+  Operator op = Operator::And;
+  bool negated = false;
+  bool distinct = false;
+  std::vector<std::unique_ptr<Expression>> arguments;
+  std::shared_ptr<Select> subselect;
+};
+using ExpressionPointer = std::unique_ptr<Expression>;
+
+/// A table, a sub-select with a name, or a join of two sources.
+struct Source {
+  enum class Kind { Table, Subselect, Join };
+  enum class Join { Inner, Left, Right, Cross };
+  Kind kind = Kind::Table;
+  std::size_t position = 0;
+  std::string table;
+  std::string alias;  ///< empty: the table's own name
+  std::shared_ptr<Select> subselect;
+  Join join = Join::Inner;
+  std::unique_ptr<Source> left, right;
+  ExpressionPointer on;
+};
+
+struct SelectItem {
+  ExpressionPointer expression;
+  std::string alias;  ///< empty: named after the column, or Expr1000, Expr1001, ...
+};
+struct OrderItem {
+  ExpressionPointer expression;
+  bool descending = false;
+};
+
+struct Select {
+  bool distinct = false;
+  bool distinctRow = false;
+  std::optional<std::int64_t> top;
+  bool topPercent = false;
+  std::vector<SelectItem> items;
+  std::string into;                 ///< SELECT ... INTO table
+  std::unique_ptr<Source> from;     ///< none: one row of constants
+  ExpressionPointer where;
+  std::vector<ExpressionPointer> groupBy;
+  ExpressionPointer having;
+  std::vector<OrderItem> orderBy;
+  std::shared_ptr<Select> unionWith;  ///< UNION [ALL]
+  bool unionAll = false;
+};
+
+struct Insert {
+  std::string table;
+  std::size_t position = 0;
+  std::vector<std::string> columns;  ///< empty: all, in order
+  std::vector<ExpressionPointer> values;
+  std::shared_ptr<Select> select;    ///< instead of values
+};
+struct Assignment {
+  ExpressionPointer column;  // a Column expression
+  ExpressionPointer value;
+};
+struct Update {
+  std::unique_ptr<Source> target;
+  std::vector<Assignment> assignments;
+  ExpressionPointer where;
+};
+struct Delete {
+  std::string table;  ///< the one to delete from when the source is a join (DELETE T.* FROM ...)
+  std::unique_ptr<Source> from;
+  ExpressionPointer where;
+};
+struct CreateTable {
+  TableDesign design;
+};
+struct DropTable {
+  std::string table;
+};
+struct AddColumn {
+  std::string table;
+  ColumnDesign column;
+  std::optional<IndexDesign> index;  ///< PRIMARY KEY or UNIQUE behind the column
+};
+struct DropColumn {
+  std::string table;
+  std::string column;
+};
+struct CreateIndex {
+  std::string table;
+  IndexDesign design;
+};
+struct DropIndex {
+  std::string table;
+  std::string index;
+};
+
+using Statement = std::variant<Select, Insert, Update, Delete, CreateTable, DropTable, AddColumn, DropColumn, CreateIndex,
+                               DropIndex>;
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <compare>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tavi {
+
+/// A day of the proleptic Gregorian calendar.
+struct CivilDay {
+  int year = 1899;
+  int month = 12;  // 1..12
+  int day = 30;    // 1..31
+  auto operator<=>(const CivilDay&) const = default;
+};
+
+/// A date and time of day as automation and Access hold it: whole days since 30 December 1899; the fraction is the time
+/// of day. In a negative value the whole part counts backwards but the fraction is still a positive time of day (-1.25
+/// is 29 December 1899, 06:00). The default value is the zero date, 30 December 1899, 00:00.
+struct Date {
+  double days = 0.0;
+
+  auto operator<=>(const Date&) const = default;
+
+  /// The date at midnight of a calendar day (years 100 to 9999).
+  /// Raises InvalidArgument when there is no such day.
+  static Date FromCivil(int year, int month, int day);
+  /// The calendar day, without the time of day.
+  [[nodiscard]] CivilDay Civil() const;
+  /// Seconds since midnight, rounded to the nearest whole second (0..86399; a value that rounds up to 24:00 is 86399).
+  [[nodiscard]] int SecondOfDay() const;
+  /// The same day at midnight.
+  [[nodiscard]] Date DayOnly() const;
+  /// The number of whole days since 30 December 1899, time of day dropped.
+  [[nodiscard]] int DayNumber() const;
+  /// The same day and month `years` later; 29 February becomes 28 February in an ordinary year.
+  [[nodiscard]] Date AddYears(int years) const;
+
+  /// "yyyy-mm-dd", and "Thh:mm:ss" behind it when there is a time of day.
+  [[nodiscard]] std::string Iso() const;
+  /// "d mmm yyyy" with English month names: "3 May 2001".
+  [[nodiscard]] std::string DayMonthYear() const;
+  /// Reads "yyyy-mm-dd" with or without "Thh:mm:ss" (a blank may stand for the T); nothing when it is none.
+  static std::optional<Date> FromIso(std::string_view text);
+};
+
+}  // namespace tavi
