@@ -1,0 +1,43 @@
+# Sourced by run and test: what a fresh Debian machine needs, and how a preset is configured and built.
+# Every step that has nothing to do is skipped in a few milliseconds.
+
+packages_to_build="g++ cmake ninja-build ccache libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev"
+packages_to_test="libgtest-dev libgmock-dev librapidcheck-dev libsqlite3-dev mdbtools python3"
+packages_to_measure="libbenchmark-dev libsqlite3-dev"
+
+say() { printf '%s\n' "$*" >&2; }
+
+# need_packages NAME...: installs those that are missing; remembers in build/ that they were there.
+need_packages() {
+  local stamp
+  stamp="build/.packages-$(printf '%s' "$*" | cksum | cut -d' ' -f1)"
+  [[ -e $stamp ]] && return
+  local missing=()
+  local name
+  for name in "$@"; do
+    dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -qx installed || missing+=("$name")
+  done
+  if ((${#missing[@]})); then
+    say "Installing ${missing[*]}"
+    local as_root=()
+    [[ $(id -u) -eq 0 ]] || as_root=(sudo)
+    "${as_root[@]}" apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+  fi
+  mkdir -p build
+  touch "$stamp"
+}
+
+# build_preset PRESET TARGET...: configures the preset once, then builds; silent when everything is up to date.
+build_preset() {
+  local preset=$1
+  shift
+  if [[ ! -e build/$preset/build.ninja ]]; then
+    say "Configuring build/$preset"
+    cmake --preset "$preset" >/dev/null
+  fi
+  if ! ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
+    say "Building build/$preset"
+    ninja -C "build/$preset" "$@" >&2
+  fi
+}
