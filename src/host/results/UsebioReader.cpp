@@ -1,0 +1,369 @@
+#include "host/results/UsebioReader.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <tuple>
+
+#include "host/results/Travellers.h"
+#include "host/results/XmlElement.h"
+#include "host/results/XmlText.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+constexpr std::size_t kMaximumContestants = 2000;
+constexpr std::size_t kMaximumNameLength = 100;
+constexpr int kMaximumAward = 32767;
+
+/// A part of an event that has its own list of contestants, and its travellers.
+struct SectionPart {
+  pugi::xml_node node;
+  int session = 1;
+  std::string name;
+};
+
+std::string WithoutLeadingZeros(const std::string& number) {
+  const std::size_t digit = number.find_first_not_of('0');
+  return digit == std::string::npos ? std::string() : number.substr(digit);
+}
+
+/// A national number, or empty for the figures that writers put where there is none.
+std::string NationalNumber(const std::string& written) {
+  const std::string number = WithoutLeadingZeros(written);
+  return number == "1" || number == "88888888" ? std::string() : number;
+}
+
+class EventReader {
+ public:
+  EventReader(const XmlDocument& document, pugi::xml_node node) : document_(document), node_(node) {}
+
+  Event Read() {
+    ReadHeader();
+    ReadSections();
+    if (event_.contestants.empty())
+      document_.Refuse(node_, "the event lists nobody; expected PARTICIPANTS with results");
+    RequireNumbersOnce();
+    if (event_.kind != Event::Kind::Teams) SettlePercentages();
+    RequireAllOrNoPercentages();
+    CountTables();
+    return std::move(event_);
+  }
+
+ private:
+  void ReadHeader() {
+    event_.name = document_.Leaf(node_, "EVENT_DESCRIPTION");
+    if (event_.name.empty()) event_.name = document_.Leaf(node_, "TITLE");
+    event_.date = document_.RequiredDate(node_, "DATE");
+    const std::string type = UpperCase(node_.attribute("EVENT_TYPE").as_string());
+    event_.kind = type.find("TEAM") != std::string::npos ? Event::Kind::Teams
+                  : type == "INDIVIDUAL"                 ? Event::Kind::Individual
+                                                         : Event::Kind::Pairs;
+    event_.swiss = type.find("SWISS") != std::string::npos;
+    event_.scoring = ScoringOf(type);
+    event_.winners = document_.Leaf(node_, "WINNER_TYPE") == "2" ? 2 : 1;
+    if (event_.name.empty()) {
+      event_.name = event_.kind == Event::Kind::Teams        ? "Teams"
+                    : event_.kind == Event::Kind::Individual ? "Individual"
+                                                             : "Pairs";
+      event_.remarks.push_back("the event has no name; it is stored as \"" + event_.name + "\"");
+    }
+  }
+
+  [[nodiscard]] Event::Scoring ScoringOf(const std::string& type) const {
+    std::string method = UpperCase(document_.Leaf(node_, "BOARD_SCORING_METHOD"));
+    if (method.empty()) method = type;
+    if (method.find("CROSS_IMP") != std::string::npos || method == "CROSS IMPS") return Event::Scoring::CrossImps;
+    if (method.find("BUTLER") != std::string::npos) return Event::Scoring::ButlerImps;
+    if (method == "AGGREGATE") return Event::Scoring::Aggregate;
+    if (method.find("MATCH") != std::string::npos || method == "MP_PAIRS") return Event::Scoring::MatchPoints;
+    const bool typeOnly = method == type;
+    if (typeOnly && event_.kind != Event::Kind::Teams && !event_.swiss) return Event::Scoring::MatchPoints;
+    return Event::Scoring::Other;
+  }
+
+  void ReadSections() {
+    std::vector<SectionPart> parts;
+    int session = 0;
+    for (const pugi::xml_node child : node_.children("SESSION")) AddParts(child, ++session, parts);
+    if (session == 0) AddParts(node_, session = 1, parts);
+    event_.sessions = session;
+    for (const SectionPart& part : parts) ReadSection(part);
+  }
+
+  static void AddParts(pugi::xml_node parent, int session, std::vector<SectionPart>& parts) {
+    if (parent.child("PARTICIPANTS")) parts.push_back({parent, session, ""});
+    for (const pugi::xml_node section : parent.children("SECTION")) {
+      parts.push_back({section, session, TidyText(section.attribute("SECTION_ID").as_string())});
+    }
+  }
+
+  void ReadSection(const SectionPart& part) {
+    const std::size_t first = event_.contestants.size();
+    for (const pugi::xml_node participants : part.node.children("PARTICIPANTS")) {
+      for (const pugi::xml_node child : participants.children()) ReadContestant(child, part);
+    }
+    if (event_.kind != Event::Kind::Pairs) return;
+    const Travellers travellers(document_, part.node);
+    std::vector<const Contestant*> listed;
+    for (std::size_t i = first; i < event_.contestants.size(); ++i) listed.push_back(&event_.contestants[i]);
+    travellers.RequireListedPairs(document_, listed);
+    for (const Contestant* contestant : listed) rawPercentages_.push_back(travellers.Percentage(*contestant));
+  }
+
+  void ReadContestant(pugi::xml_node node, const SectionPart& part) {
+    const std::string kind = node.name();
+    if (kind != "PAIR" && kind != "TEAM" && kind != "PLAYER") return;
+    if (event_.contestants.size() == kMaximumContestants) {
+      document_.Refuse(node,
+                       "more than " + std::to_string(kMaximumContestants) + " contestants; this is no club event");
+    }
+    Contestant contestant;
+    contestant.line = document_.Line(node);
+    contestant.session = part.session;
+    contestant.section = part.name;
+    ReadNumber(node, kind, contestant);
+    ReadResult(node, contestant);
+    ReadAwards(node, contestant);
+    if (kind == "PLAYER") {
+      contestant.players.push_back(ReadPlayer(node));
+    } else {
+      ReadPlayers(node, contestant);
+    }
+    CheckPlayers(node, kind, contestant);
+    event_.contestants.push_back(std::move(contestant));
+  }
+
+  void ReadNumber(pugi::xml_node node, const std::string& kind, Contestant& contestant) const {
+    if (kind == "TEAM") {
+      contestant.number = TidyText(node.attribute("TEAM_ID").as_string());
+    } else {
+      const char* element = kind == "PAIR" ? "PAIR_NUMBER" : "PLAYER_NUMBER";
+      const std::string written = document_.Leaf(node, element);
+      contestant.number = PlainPairNumber(written);
+      contestant.direction = UpperCase(document_.Leaf(node, "DIRECTION"));
+      if (contestant.direction.empty()) contestant.direction = DirectionInPairNumber(written);
+    }
+    if (contestant.number.empty()) document_.Refuse(node, "a " + kind + " has no number; expected one");
+  }
+
+  void ReadResult(pugi::xml_node node, Contestant& contestant) const {
+    std::string place = document_.Leaf(node, "PLACE");
+    contestant.tied = place.ends_with("=");
+    if (contestant.tied) place.pop_back();
+    const bool isNumber =
+        !place.empty() && place.size() < 6 && place.find_first_not_of("0123456789") == std::string::npos;
+    if (isNumber && std::stoi(place) > 0) contestant.place = std::stoi(place);
+    contestant.printedPercentage = document_.Number(node, "PERCENTAGE", true);
+    if (contestant.printedPercentage &&
+        (*contestant.printedPercentage < 0.0 || *contestant.printedPercentage > 100.0)) {
+      document_.Refuse(node.child("PERCENTAGE"),
+                       "PERCENTAGE is " + document_.Leaf(node, "PERCENTAGE") + "; expected 0 to 100");
+    }
+    contestant.total = document_.Number(node, "TOTAL_SCORE", true);
+    contestant.handicap = document_.Number(node, "HANDICAP", true);
+  }
+
+  void ReadAwards(pugi::xml_node node, Contestant& contestant) const {
+    bool nested = false;
+    for (const pugi::xml_node award : node.children("MASTER_POINTS")) {
+      nested = true;
+      AddAward(award, contestant);
+    }
+    if (!nested) AddAward(node, contestant);
+  }
+
+  void AddAward(pugi::xml_node parent, Contestant& contestant) const {
+    const std::optional<int> hundredths = document_.Whole(parent, "MASTER_POINTS_AWARDED");
+    if (!hundredths || *hundredths == 0) return;
+    if (*hundredths > kMaximumAward) {
+      document_.Refuse(parent.child("MASTER_POINTS_AWARDED"), "MASTER_POINTS_AWARDED is " +
+                                                                  std::to_string(*hundredths) +
+                                                                  "; expected hundredths of a point, at most 32767");
+    }
+    std::string colour = document_.Leaf(parent, "MASTER_POINT_TYPE");
+    if (colour.empty()) colour = document_.Leaf(node_, "MASTER_POINT_TYPE");
+    contestant.awards.push_back({*hundredths / 100.0, ColourCode(colour)});
+  }
+
+  void ReadPlayers(pugi::xml_node node, Contestant& contestant) const {
+    for (const pugi::xml_node child : node.children()) {
+      const std::string name = child.name();
+      if (name == "PLAYER") AddPlayerOnce(ReadPlayer(child), contestant);
+      if (name == "PAIR") {
+        for (const pugi::xml_node player : child.children("PLAYER")) AddPlayerOnce(ReadPlayer(player), contestant);
+      }
+    }
+  }
+
+  /// In teams one person can stand in several pairs.
+  void AddPlayerOnce(EventPlayer player, Contestant& contestant) const {
+    const bool known = event_.kind == Event::Kind::Teams &&
+                       std::any_of(contestant.players.begin(), contestant.players.end(), [&](const EventPlayer& other) {
+                         return other.name == player.name && other.nationalNumber == player.nationalNumber;
+                       });
+    if (!known) contestant.players.push_back(std::move(player));
+  }
+
+  [[nodiscard]] EventPlayer ReadPlayer(pugi::xml_node node) const {
+    EventPlayer player;
+    player.name = document_.Leaf(node, "PLAYER_NAME");
+    player.name = Trim(player.name.substr(0, player.name.find('#')));
+    if (TextLength(player.name) > kMaximumNameLength) {
+      document_.Refuse(node, "a player's name is longer than 100 characters; expected a name");
+    }
+    player.nationalNumber = NationalNumber(document_.Leaf(node, "NATIONAL_ID_NUMBER"));
+    player.clubNumber = WithoutLeadingZeros(document_.Leaf(node, "CLUB_ID_NUMBER"));
+    return player;
+  }
+
+  void CheckPlayers(pugi::xml_node node, const std::string& kind, const Contestant& contestant) {
+    for (const EventPlayer& player : contestant.players) {
+      if (player.name.empty() && player.nationalNumber.empty()) {
+        document_.Refuse(
+            node, "a player of " + kind + " " + contestant.number + " has neither name nor number; expected one");
+      }
+    }
+    if (kind != "PAIR") return;
+    if (contestant.players.size() < 2) {
+      document_.Refuse(node, "pair " + contestant.number + " has " + std::to_string(contestant.players.size()) +
+                                 " players; expected two");
+    }
+    if (contestant.players.size() > 2) {
+      event_.remarks.push_back("pair " + contestant.number + " has " + std::to_string(contestant.players.size()) +
+                               " players; the result is stored for the first two, " + contestant.players[0].name +
+                               " and " + contestant.players[1].name);
+    }
+  }
+
+  void RequireNumbersOnce() const {
+    std::set<std::tuple<int, std::string, std::string, std::string>> seen;
+    for (const Contestant& contestant : event_.contestants) {
+      if (!seen.emplace(contestant.session, contestant.section, contestant.number, contestant.direction).second) {
+        RefuseContestant(contestant,
+                         "number " + contestant.number + " is given to two contestants; expected each number once");
+      }
+    }
+  }
+
+  [[noreturn]] void RefuseContestant(const Contestant& contestant, const std::string& reason) const {
+    document_.RefuseLine(contestant.line, reason);
+  }
+
+  /// Finds out whether the file's handicaps are already in the printed percentages, by the travellers.
+  void SettlePercentages() {
+    const bool handicapped = std::any_of(event_.contestants.begin(), event_.contestants.end(),
+                                         [](const Contestant& c) { return c.handicap.value_or(0.0) != 0.0; });
+    const double share = handicapped ? HandicapShare() : 0.0;
+    for (Contestant& contestant : event_.contestants) {
+      contestant.actualPercentage = contestant.printedPercentage;
+      if (contestant.printedPercentage && share > 0.0) {
+        const double raw = *contestant.printedPercentage - share * contestant.handicap.value_or(0.0);
+        contestant.actualPercentage = std::clamp(RoundHalfEven(raw, 4), 0.0, 100.0);
+      }
+    }
+  }
+
+  /// How much of the handicap was added to the printed percentages: 0, 1/2 or 1.
+  double HandicapShare() {
+    double best = 0.0;
+    double bestDifference = -1.0;
+    for (const double share : {0.0, 0.5, 1.0}) {
+      const double difference = DifferenceFromTravellers(share);
+      if (difference >= 0.0 && (bestDifference < 0.0 || difference < bestDifference - 1e-9)) {
+        best = share;
+        bestDifference = difference;
+      }
+    }
+    if (bestDifference < 0.0) {
+      event_.remarks.emplace_back(
+          "the file has handicaps but no travellers; the printed percentages are taken as the actual scores");
+    } else if (best > 0.0) {
+      event_.remarks.push_back(std::string("the printed percentages hold ") + (best == 1.0 ? "the" : "half the") +
+                               " handicap; it was taken out again to get the actual scores");
+    }
+    return best;
+  }
+
+  /// Sum of the differences between travellers and printed percentages less a share of the handicap; -1 without any.
+  [[nodiscard]] double DifferenceFromTravellers(double share) const {
+    double sum = -1.0;
+    for (std::size_t i = 0; i < event_.contestants.size() && i < rawPercentages_.size(); ++i) {
+      const Contestant& contestant = event_.contestants[i];
+      if (!rawPercentages_[i] || !contestant.printedPercentage) continue;
+      const double raw = *contestant.printedPercentage - share * contestant.handicap.value_or(0.0);
+      sum = std::max(sum, 0.0) + std::abs(raw - *rawPercentages_[i]);
+    }
+    return sum;
+  }
+
+  void RequireAllOrNoPercentages() const {
+    if (event_.kind == Event::Kind::Teams) return;
+    const bool any = std::any_of(event_.contestants.begin(), event_.contestants.end(),
+                                 [](const Contestant& c) { return c.printedPercentage.has_value(); });
+    const bool expected = any || (event_.scoring == Event::Scoring::MatchPoints && !event_.swiss);
+    if (!expected) return;
+    for (const Contestant& contestant : event_.contestants) {
+      if (!contestant.printedPercentage) {
+        RefuseContestant(contestant,
+                         "number " + contestant.number + " has no PERCENTAGE; expected one for every contestant");
+      }
+    }
+  }
+
+  void CountTables() {
+    const auto inFirstSession = std::count_if(event_.contestants.begin(), event_.contestants.end(),
+                                              [](const Contestant& c) { return c.session == 1; });
+    const int contestants = static_cast<int>(inFirstSession);
+    const int perTable = event_.kind == Event::Kind::Individual ? 4 : 2;
+    event_.tables = (contestants + perTable - 1) / perTable;
+  }
+
+  const XmlDocument& document_;
+  pugi::xml_node node_;
+  Event event_;
+  std::vector<std::optional<double>> rawPercentages_;  // by contestant, of pairs events
+};
+
+/// Two events of one name and day would be one competition; the later ones get a number behind the name.
+void TellApart(std::vector<Event>& events) {
+  for (std::size_t i = 0; i < events.size(); ++i) {
+    int same = 1;
+    for (std::size_t before = 0; before < i; ++before) {
+      if (events[before].date == events[i].date && EqualIgnoringCase(events[before].name, events[i].name)) ++same;
+    }
+    if (same == 1) continue;
+    events[i].name += " (" + std::to_string(same) + ")";
+    events[i].remarks.push_back("another event of this name and day is in the file; this one is stored as \"" +
+                                events[i].name + "\"");
+  }
+}
+
+}  // namespace
+
+std::vector<Event> ReadUsebio(std::string_view bytes, const std::string& fileName) {
+  if (TidyText(bytes).empty()) {
+    throw Error(ErrorNumber::InvalidArgument, "tavi",
+                fileName + ":1: the file is empty; expected a USEBIO result file");
+  }
+  std::string text = DecodeXml(bytes, fileName);
+  CheckXmlIsHarmless(text, fileName);
+  const XmlDocument document(std::move(text), fileName);
+  const std::string root = document.Root().name();
+  if (root != "USEBIO") document.Refuse(document.Root(), "the root element is " + TidyText(root) + "; expected USEBIO");
+  std::vector<Event> events;
+  for (const pugi::xml_node node : document.Root().children("EVENT"))
+    events.push_back(EventReader(document, node).Read());
+  if (events.empty()) document.Refuse(document.Root(), "there is no EVENT in the file; expected one at least");
+  TellApart(events);
+  return events;
+}
+
+std::vector<Event> ReadUsebioFile(const std::string& path) {
+  return ReadUsebio(ReadWholeFile(path), path);
+}
+
+}  // namespace tavi::host

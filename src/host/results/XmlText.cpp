@@ -1,0 +1,189 @@
+#include "host/results/XmlText.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& fileName, std::size_t line, const std::string& reason) {
+  throw Error(ErrorNumber::InvalidArgument, "tavi", fileName + ":" + std::to_string(line) + ": " + reason);
+}
+
+// The characters of windows-1252 from 0x80 to 0x9F; 0 where the code page has none.
+constexpr std::array<char32_t, 32> kWindows1252 = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
+                                                   0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                                   0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
+
+std::string FromWindows1252(std::string_view bytes) {
+  std::u32string codePoints;
+  codePoints.reserve(bytes.size());
+  for (const char byte : bytes) {
+    const auto value = static_cast<unsigned char>(byte);
+    const char32_t special = value >= 0x80 && value < 0xA0 ? kWindows1252[value - 0x80U] : value;
+    codePoints.push_back(special == 0 && value != 0 ? U'\uFFFD' : special);
+  }
+  return FromCodePoints(codePoints);
+}
+
+std::string FromUtf16Bytes(std::string_view bytes, bool bigEndian) {
+  std::u16string units;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const auto first = static_cast<unsigned char>(bytes[i]);
+    const auto second = static_cast<unsigned char>(bytes[i + 1]);
+    units.push_back(static_cast<char16_t>(bigEndian ? first << 8U | second : second << 8U | first));
+  }
+  return FromUtf16(units);
+}
+
+/// Length of the well-formed UTF-8 sequence at a place, 0 when there is none.
+std::size_t Utf8SequenceLength(std::string_view bytes, std::size_t at) {
+  const auto lead = static_cast<unsigned char>(bytes[at]);
+  if (lead < 0x80) return 1;
+  const std::size_t length = lead >= 0xC2 && lead < 0xE0   ? 2
+                             : lead >= 0xE0 && lead < 0xF0 ? 3
+                             : lead >= 0xF0 && lead < 0xF5 ? 4
+                                                           : 0;
+  if (length == 0 || at + length > bytes.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((static_cast<unsigned char>(bytes[at + i]) & 0xC0U) != 0x80U) return 0;
+  }
+  const auto second = static_cast<unsigned char>(bytes[at + 1]);
+  const bool overlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
+  const bool outside = (lead == 0xED && second >= 0xA0) || (lead == 0xF4 && second >= 0x90);
+  return overlong || outside ? 0 : length;
+}
+
+/// Where the bytes stop being UTF-8; nothing when they are UTF-8 throughout.
+std::optional<std::size_t> FirstInvalidUtf8(std::string_view bytes) {
+  for (std::size_t at = 0; at < bytes.size();) {
+    const std::size_t length = Utf8SequenceLength(bytes, at);
+    if (length == 0) return at;
+    at += length;
+  }
+  return std::nullopt;
+}
+
+/// The encoding that the XML declaration names, in lower case; empty when it names none.
+std::string DeclaredEncoding(std::string_view bytes) {
+  if (!bytes.starts_with("<?xml")) return {};
+  const std::string_view declaration = bytes.substr(0, bytes.find("?>"));
+  const std::size_t name = declaration.find("encoding");
+  if (name == std::string_view::npos) return {};
+  const std::size_t open = declaration.find_first_of("\"'", name);
+  if (open == std::string_view::npos) return {};
+  const std::size_t close = declaration.find(declaration[open], open + 1);
+  if (close == std::string_view::npos) return {};
+  return LowerCase(declaration.substr(open + 1, close - open - 1));
+}
+
+bool IsLatin(const std::string& encoding) {
+  static constexpr std::array kNames = {"iso-8859-1", "iso_8859-1", "latin1", "latin-1", "windows-1252", "cp1252"};
+  return std::find(kNames.begin(), kNames.end(), encoding) != kNames.end();
+}
+
+/// Steps over markup that holds no elements; gives the place behind it.
+std::size_t SkipTo(std::string_view text, std::size_t at, std::string_view end, const std::string& fileName) {
+  const std::size_t found = text.find(end, at);
+  if (found == std::string_view::npos) {
+    Refuse(fileName, LineOf(text, at), "the file ends inside markup that should end with " + std::string(end));
+  }
+  return found + end.size();
+}
+
+std::size_t SkipDocumentType(std::string_view text, std::size_t at, const std::string& fileName) {
+  const std::size_t end = text.find('>', at);
+  const std::size_t subset = text.find('[', at);
+  if (subset == std::string_view::npos || subset > end) return SkipTo(text, at, ">", fileName);
+  const std::size_t close = SkipTo(text, subset, "]", fileName);
+  if (text.substr(subset, close - subset).find("<!ENTITY") != std::string_view::npos) {
+    Refuse(fileName, LineOf(text, text.find("<!ENTITY", subset)),
+           "the document type defines entities, which result files have no use for; the file is not read");
+  }
+  return SkipTo(text, close, ">", fileName);
+}
+
+}  // namespace
+
+std::string ReadWholeFile(const std::string& path) {
+  const auto refuse = [&path](const std::string& reason) {
+    throw Error(ErrorNumber::InvalidArgument, "tavi", path + ": " + reason);
+  };
+  std::error_code code;
+  const auto status = std::filesystem::status(path, code);
+  if (!std::filesystem::exists(status)) refuse("there is no such file");
+  if (std::filesystem::is_directory(status)) refuse("is a folder; a file was expected");
+  if (std::filesystem::is_regular_file(status) && std::filesystem::file_size(path, code) > kMaximumResultFileBytes) {
+    refuse("is larger than 32 MiB; a file of this kind is not so large");
+  }
+  std::ifstream stream(path, std::ios::binary);
+  if (!stream) refuse("cannot be opened for reading");
+  std::string bytes;
+  std::array<char, 65536> buffer{};
+  while (stream.read(buffer.data(), buffer.size()) || stream.gcount() > 0) {
+    bytes.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
+    if (bytes.size() > kMaximumResultFileBytes) refuse("is larger than 32 MiB; a file of this kind is not so large");
+  }
+  if (stream.bad()) refuse("cannot be read to its end");
+  return bytes;
+}
+
+std::size_t LineOf(std::string_view text, std::size_t offset) {
+  const std::string_view before = text.substr(0, std::min(offset, text.size()));
+  return 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
+}
+
+std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
+  if (bytes.starts_with("\xFF\xFE")) return FromUtf16Bytes(bytes.substr(2), false);
+  if (bytes.starts_with("\xFE\xFF")) return FromUtf16Bytes(bytes.substr(2), true);
+  const bool marked = bytes.starts_with("\xEF\xBB\xBF");
+  if (marked) bytes.remove_prefix(3);
+  const std::string declared = DeclaredEncoding(bytes);
+  if (!marked && IsLatin(declared)) return FromWindows1252(bytes);
+  const bool isUtf8 = marked || declared.empty() || declared == "utf-8" || declared == "utf8" || declared == "us-ascii";
+  if (!isUtf8) {
+    Refuse(fileName, 1,
+           "the encoding \"" + declared + "\" is not known; expected UTF-8, UTF-16, ISO-8859-1 or windows-1252");
+  }
+  if (const auto invalid = FirstInvalidUtf8(bytes)) {
+    if (!marked && declared.empty()) return FromWindows1252(bytes);
+    Refuse(fileName, LineOf(bytes, *invalid),
+           "the file says that it is UTF-8, but a byte here is not; save it again in the encoding that it names");
+  }
+  return std::string(bytes);
+}
+
+void CheckXmlIsHarmless(std::string_view text, const std::string& fileName) {
+  int depth = 0;
+  for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at)) {
+    const std::string_view rest = text.substr(at);
+    if (rest.starts_with("<!--")) {
+      at = SkipTo(text, at + 4, "-->", fileName);
+    } else if (rest.starts_with("<![CDATA[")) {
+      at = SkipTo(text, at, "]]>", fileName);
+    } else if (rest.starts_with("<!DOCTYPE")) {
+      at = SkipDocumentType(text, at, fileName);
+    } else if (rest.starts_with("<?")) {
+      at = SkipTo(text, at, "?>", fileName);
+    } else {
+      const std::size_t end = SkipTo(text, at, ">", fileName);
+      const bool closing = rest.starts_with("</");
+      const bool empty = text[end - 2] == '/';
+      if (closing) --depth;
+      if (!closing && !empty && ++depth > kMaximumElementDepth) {
+        Refuse(fileName, LineOf(text, at),
+               "elements lie more than " + std::to_string(kMaximumElementDepth) + " deep; this is no result file");
+      }
+      at = end;
+    }
+  }
+}
+
+}  // namespace tavi::host
