@@ -17,7 +17,8 @@ struct CivilDay {
 
 /// A date and time of day as automation and Access hold it: whole days since 30 December 1899; the fraction is the time
 /// of day. In a negative value the whole part counts backwards but the fraction is still a positive time of day (-1.25
-/// is 29 December 1899, 06:00). The default value is the zero date, 30 December 1899, 00:00.
+/// is 29 December 1899, 06:00). The default value is the zero date, 30 December 1899, 00:00. A value outside the years
+/// 100 to 9999, which only a damaged file holds, is read as the nearest day in them; one that is no number as day 0.
 struct Date {
   double days = 0.0;
 
@@ -34,7 +35,8 @@ struct Date {
   [[nodiscard]] Date DayOnly() const;
   /// The number of whole days since 30 December 1899, time of day dropped.
   [[nodiscard]] int DayNumber() const;
-  /// The same day and month `years` later; 29 February becomes 28 February in an ordinary year.
+  /// The same day and month `years` later; 29 February becomes 28 February in an ordinary year. The
+  /// time of day stays. Raises InvalidArgument when that leaves the years 100 to 9999.
   [[nodiscard]] Date AddYears(int years) const;
 
   /// "yyyy-mm-dd", and "Thh:mm:ss" behind it when there is a time of day.

@@ -1,0 +1,215 @@
+#include "platform/values/Convert.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <span>
+
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kSource = "TaviMembership";
+constexpr double kFirstDate = -657434.0;   // 1 January 100
+constexpr double kEndOfDates = 2958466.0;  // the day behind 31 December 9999
+constexpr int kSingleDigits = 7;
+
+/// A way of looking at each type of value with one function.
+template <typename... Functions>
+struct Overloaded : Functions... {
+  using Functions::operator()...;
+};
+template <typename... Functions>
+Overloaded(Functions...) -> Overloaded<Functions...>;
+
+std::string HexadecimalText(std::span<const std::uint8_t> bytes) {
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text.push_back(kDigits[byte >> 4U]);
+    text.push_back(kDigits[byte & 0xFU]);
+  }
+  return text;
+}
+
+std::string Shown(const Value& value) {
+  if (IsNull(value)) return "Null";
+  const std::string text = ToText(value);
+  constexpr std::size_t kMostCharacters = 40;
+  return "\"" + (TextLength(text) > kMostCharacters ? FirstCharacters(text, kMostCharacters) + "..." : text) + "\"";
+}
+
+[[noreturn]] void ThrowMismatch(const Value& value, const std::string& wanted) {
+  throw Error(ErrorNumber::TypeMismatch, kSource, "Type mismatch: " + Shown(value) + " is not " + wanted + ".");
+}
+
+[[noreturn]] void ThrowOverflow(const Value& value, const std::string& wanted) {
+  throw Error(ErrorNumber::Overflow, kSource, "Overflow: " + Shown(value) + " does not fit into " + wanted + ".");
+}
+
+/// Rounds a plain decimal text ("-12.5") exactly: a decimal number can hold more digits than a double.
+std::optional<std::int64_t> RoundedText(std::string_view text) {
+  const bool negative = text.starts_with('-');
+  if (negative) text.remove_prefix(1);
+  const std::size_t point = text.find('.');
+  std::int64_t whole = 0;
+  const std::string_view wholeText = text.substr(0, point);
+  if (std::from_chars(wholeText.data(), wholeText.data() + wholeText.size(), whole).ec != std::errc()) {
+    return std::nullopt;
+  }
+  const std::string_view fraction = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+  // No trailing zeros are written, so that a fraction of just "5" is exactly one half.
+  if (fraction > "5" || (fraction == "5" && whole % 2 != 0)) ++whole;
+  return negative ? -whole : whole;
+}
+
+std::optional<std::int64_t> RoundedDouble(double number) {
+  constexpr double kLimit = 9.0e18;
+  if (!(std::abs(number) < kLimit)) return std::nullopt;
+  return static_cast<std::int64_t>(RoundHalfEven(number, 0));
+}
+
+/// The value as a whole number, nothing when it is too large for 64 bits.
+std::optional<std::int64_t> WholeNumber(const Value& value) {
+  return std::visit(Overloaded{[](bool truth) -> std::optional<std::int64_t> { return truth ? -1 : 0; },
+                               [](std::uint8_t number) -> std::optional<std::int64_t> { return number; },
+                               [](std::int16_t number) -> std::optional<std::int64_t> { return number; },
+                               [](std::int32_t number) -> std::optional<std::int64_t> { return number; },
+                               [](Currency amount) { return RoundedText(CurrencyText(amount)); },
+                               [](const Decimal& number) { return RoundedText(DecimalText(number)); },
+                               [&value](const auto&) { return RoundedDouble(ToDouble(value)); }},
+                    value);
+}
+
+template <typename Whole>
+Whole ToWhole(const Value& value, const std::string& wanted) {
+  if (IsNull(value)) ThrowMismatch(value, wanted);
+  const std::optional<std::int64_t> number = WholeNumber(value);
+  if (!number || *number < std::numeric_limits<Whole>::min() || *number > std::numeric_limits<Whole>::max()) {
+    ThrowOverflow(value, wanted);
+  }
+  return static_cast<Whole>(*number);
+}
+
+double NumberFromText(const std::string& text) {
+  if (EqualIgnoringCase(text, "True")) return -1.0;
+  if (EqualIgnoringCase(text, "False")) return 0.0;
+  const std::optional<double> number = ParseNumber(text);
+  if (!number) ThrowMismatch(text, "a number");
+  return *number;
+}
+
+/// The number of an English month name, whole or of three letters; 0 for another text.
+int MonthNumber(std::string_view name) {
+  constexpr std::array<std::string_view, 12> kMonths{"January",   "February", "March",    "April",
+                                                     "May",       "June",     "July",     "August",
+                                                     "September", "October",  "November", "December"};
+  for (std::size_t index = 0; index < kMonths.size(); ++index) {
+    if (EqualIgnoringCase(name, kMonths.at(index)) || EqualIgnoringCase(name, kMonths.at(index).substr(0, 3))) {
+      return static_cast<int>(index) + 1;
+    }
+  }
+  return 0;
+}
+
+/// Reads up to four digits; 0 for another text.
+int SmallNumber(std::string_view text) {
+  int number = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  return read.ec == std::errc() && read.ptr == text.data() + text.size() && text.size() <= 4 ? number : 0;
+}
+
+/// Reads "d mmm yyyy" or "d/m/yyyy" by rewriting it in ISO form; a time of day may follow.
+std::optional<Date> DateFromText(const std::string& text) {
+  if (const std::optional<Date> date = Date::FromIso(text)) return date;
+  const bool hasSlashes = text.find('/') != std::string::npos;
+  std::vector<std::string> words = Split(text, ' ');
+  std::vector<std::string> parts = hasSlashes ? Split(words[0], '/') : words;
+  const std::size_t dateWords = hasSlashes ? 1 : 3;
+  if (parts.size() < 3 || words.size() > dateWords + 1 || parts[2].size() != 4) return std::nullopt;
+  const int day = SmallNumber(parts[0]);
+  const int month = hasSlashes ? SmallNumber(parts[1]) : MonthNumber(parts[1]);
+  if (day < 1 || day > 31 || month < 1 || month > 12) return std::nullopt;
+  const auto twoDigits = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  std::string iso = parts[2] + "-" + twoDigits(month) + "-" + twoDigits(day);
+  if (words.size() > dateWords) iso += "T" + words.back();
+  return Date::FromIso(iso);
+}
+
+std::string SingleText(float number) {
+  std::array<char, 40> buffer{};
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), static_cast<double>(number),
+                                     std::chars_format::scientific, kSingleDigits - 1);
+  // The seven digits that a single holds, written as any other number.
+  const auto rounded =
+      ParseNumber(std::string_view(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data())));
+  return NumberText(rounded.value_or(static_cast<double>(number)));
+}
+
+}  // namespace
+
+bool ToBoolean(const Value& value) {
+  if (const bool* truth = std::get_if<bool>(&value)) return *truth;
+  if (IsNull(value)) ThrowMismatch(value, "a truth value");
+  return ToDouble(value) != 0.0;
+}
+
+std::int16_t ToInt16(const Value& value) {
+  return ToWhole<std::int16_t>(value, "a 16-bit whole number");
+}
+
+std::int32_t ToInt32(const Value& value) {
+  return ToWhole<std::int32_t>(value, "a 32-bit whole number");
+}
+
+double ToDouble(const Value& value) {
+  return std::visit(
+      Overloaded{[](bool truth) { return truth ? -1.0 : 0.0; },
+                 [](std::uint8_t number) { return static_cast<double>(number); },
+                 [](std::int16_t number) { return static_cast<double>(number); },
+                 [](std::int32_t number) { return static_cast<double>(number); },
+                 [](float number) { return static_cast<double>(number); }, [](double number) { return number; },
+                 [](Currency amount) { return ParseNumber(CurrencyText(amount)).value_or(0.0); },
+                 [](const Decimal& number) { return ParseNumber(DecimalText(number)).value_or(0.0); },
+                 [](Date date) { return date.days; }, [](const std::string& text) { return NumberFromText(text); },
+                 [&value](const auto&) -> double { ThrowMismatch(value, "a number"); }},
+      value);
+}
+
+Date ToDate(const Value& value) {
+  if (const Date* date = std::get_if<Date>(&value)) return *date;
+  if (const std::string* text = std::get_if<std::string>(&value)) {
+    const std::optional<Date> date = DateFromText(Trim(*text));
+    if (!date) ThrowMismatch(value, "a date; write it as yyyy-mm-dd");
+    return *date;
+  }
+  const double days = ToDouble(value);
+  if (!(days >= kFirstDate && days < kEndOfDates)) ThrowOverflow(value, "a date of the years 100 to 9999");
+  return Date{days};
+}
+
+std::string ToText(const Value& value) {
+  return std::visit(
+      Overloaded{
+          [](bool truth) { return std::string(truth ? "True" : "False"); },
+          [](std::uint8_t number) { return std::to_string(number); },
+          [](std::int16_t number) { return std::to_string(number); },
+          [](std::int32_t number) { return std::to_string(number); }, [](float number) { return SingleText(number); },
+          [](double number) { return NumberText(number); }, [](Currency amount) { return CurrencyText(amount); },
+          [](const Decimal& number) { return DecimalText(number); }, [](Date date) { return date.Iso(); },
+          [](const std::string& text) { return text; }, [](const Bytes& bytes) { return HexadecimalText(bytes); },
+          [](const Guid& guid) { return GuidText(guid); },
+          [&value](Null) -> std::string { ThrowMismatch(value, "a text"); }},
+      value);
+}
+
+std::string GuidText(const Guid& guid) {
+  std::string text = HexadecimalText(guid.bytes);
+  for (const std::size_t position : {20U, 16U, 12U, 8U}) text.insert(position, "-");
+  return "{" + text + "}";
+}
+
+}  // namespace tavi

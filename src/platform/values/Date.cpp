@@ -1,0 +1,135 @@
+#include "platform/values/Date.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cmath>
+
+#include "platform/values/Error.h"
+
+namespace tavi {
+namespace {
+
+constexpr int kFirstYear = 100;
+constexpr int kLastYear = 9999;
+constexpr int kFirstDayNumber = -657434;  // 1 January 100
+constexpr int kLastDayNumber = 2958465;   // 31 December 9999
+constexpr int kSecondsOfDay = 86400;
+constexpr std::chrono::sys_days kDayZero{std::chrono::December / 30 / 1899};
+
+constexpr std::array<const char*, 12> kMonthNames{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+/// The day number, or nothing when there is no such day.
+std::optional<int> DayNumberOf(int year, int month, int day) {
+  if (year < kFirstYear || year > kLastYear || month < 1 || day < 1) return std::nullopt;
+  const std::chrono::year_month_day civil{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
+                                          std::chrono::day{static_cast<unsigned>(day)}};
+  if (month > 12 || day > 31 || !civil.ok()) return std::nullopt;
+  return static_cast<int>((std::chrono::sys_days{civil} - kDayZero).count());
+}
+
+/// The value of a day with a time of day, given as a fraction of a day.
+double WithTime(int dayNumber, double fraction) {
+  return dayNumber < 0 ? dayNumber - fraction : dayNumber + fraction;
+}
+
+/// The time of day as a fraction of a day, never negative.
+double TimeOf(double days) {
+  return std::isfinite(days) ? std::abs(days - std::trunc(days)) : 0.0;
+}
+
+std::string TwoDigits(int number) {
+  return (number < 10 ? "0" : "") + std::to_string(number);
+}
+
+/// Reads a few digits; -1 when a character is none.
+int DigitsOf(std::string_view text) {
+  int number = 0;
+  for (const char character : text) {
+    if (character < '0' || character > '9') return -1;
+    number = number * 10 + (character - '0');
+  }
+  return number;
+}
+
+/// Reads "hh:mm:ss" as a fraction of a day.
+std::optional<double> TimeFromText(std::string_view text) {
+  if (text.size() != 8 || text[2] != ':' || text[5] != ':') return std::nullopt;
+  const int hour = DigitsOf(text.substr(0, 2));
+  const int minute = DigitsOf(text.substr(3, 2));
+  const int second = DigitsOf(text.substr(6, 2));
+  if (hour < 0 || hour > 23 || minute < 0 || minute > 59 || second < 0 || second > 59) return std::nullopt;
+  return static_cast<double>(hour * 3600 + minute * 60 + second) / kSecondsOfDay;
+}
+
+}  // namespace
+
+Date Date::FromCivil(int year, int month, int day) {
+  const std::optional<int> number = DayNumberOf(year, month, day);
+  if (!number) {
+    throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
+                "There is no day " + std::to_string(day) + " of month " + std::to_string(month) + " of the year " +
+                    std::to_string(year) + "; use a day of the years 100 to 9999.");
+  }
+  return Date{static_cast<double>(*number)};
+}
+
+CivilDay Date::Civil() const {
+  const std::chrono::year_month_day civil{kDayZero + std::chrono::days{DayNumber()}};
+  return CivilDay{static_cast<int>(civil.year()), static_cast<int>(static_cast<unsigned>(civil.month())),
+                  static_cast<int>(static_cast<unsigned>(civil.day()))};
+}
+
+int Date::SecondOfDay() const {
+  const int second = static_cast<int>(std::lround(TimeOf(days) * kSecondsOfDay));
+  return second == kSecondsOfDay ? kSecondsOfDay - 1 : second;
+}
+
+Date Date::DayOnly() const {
+  return Date{static_cast<double>(DayNumber())};
+}
+
+int Date::DayNumber() const {
+  if (std::isnan(days)) return 0;
+  if (days <= kFirstDayNumber) return kFirstDayNumber;
+  return days >= kLastDayNumber ? kLastDayNumber : static_cast<int>(days);
+}
+
+Date Date::AddYears(int years) const {
+  CivilDay civil = Civil();
+  civil.year += std::clamp(years, -kLastYear, kLastYear);
+  if (civil.month == 2 && civil.day == 29 && !std::chrono::year{civil.year}.is_leap()) civil.day = 28;
+  return Date{WithTime(FromCivil(civil.year, civil.month, civil.day).DayNumber(), TimeOf(days))};
+}
+
+std::string Date::Iso() const {
+  const CivilDay civil = Civil();
+  const std::string year = std::to_string(civil.year);
+  std::string text =
+      std::string(4 - year.size(), '0') + year + "-" + TwoDigits(civil.month) + "-" + TwoDigits(civil.day);
+  if (const int second = SecondOfDay(); second != 0) {
+    text += "T" + TwoDigits(second / 3600) + ":" + TwoDigits(second / 60 % 60) + ":" + TwoDigits(second % 60);
+  }
+  return text;
+}
+
+std::string Date::DayMonthYear() const {
+  const CivilDay civil = Civil();
+  return std::to_string(civil.day) + " " + kMonthNames.at(static_cast<std::size_t>(civil.month - 1)) + " " +
+         std::to_string(civil.year);
+}
+
+std::optional<Date> Date::FromIso(std::string_view text) {
+  if (text.size() < 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
+  const std::optional<int> number =
+      DayNumberOf(DigitsOf(text.substr(0, 4)), DigitsOf(text.substr(5, 2)), DigitsOf(text.substr(8, 2)));
+  if (!number) return std::nullopt;
+  if (text.size() == 10) return Date{static_cast<double>(*number)};
+  if (text[10] != 'T' && text[10] != ' ') return std::nullopt;
+  const std::optional<double> time = TimeFromText(text.substr(11));
+  if (!time) return std::nullopt;
+  return Date{WithTime(*number, *time)};
+}
+
+}  // namespace tavi

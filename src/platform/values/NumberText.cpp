@@ -1,0 +1,99 @@
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+
+namespace tavi {
+namespace {
+
+constexpr int kSignificantDigits = 15;
+constexpr int kFirstPlainExponent = -5;
+
+/// Above this size a double has no digits behind the point that could be rounded.
+constexpr double kWholeFrom = 4503599627370496.0;  // 2^52
+
+/// The digits of a positive number without trailing zeros, and the power of ten of the first one.
+struct Digits {
+  std::string digits;
+  int exponent = 0;
+};
+
+Digits DigitsOf(double positive) {
+  std::array<char, 40> buffer{};
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), positive,
+                                     std::chars_format::scientific, kSignificantDigits - 1);
+  const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
+  const std::size_t mark = text.find('e');
+  Digits result;
+  for (const char character : text.substr(0, mark)) {
+    if (character != '.') result.digits.push_back(character);
+  }
+  result.digits.erase(result.digits.find_last_not_of('0') + 1);
+  const std::string_view exponent = text.substr(mark + (text[mark + 1] == '+' ? 2 : 1));
+  std::from_chars(exponent.data(), exponent.data() + exponent.size(), result.exponent);
+  return result;
+}
+
+std::string PlainText(const Digits& number) {
+  if (number.exponent < 0) {
+    return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
+  }
+  const std::size_t wholeDigits = static_cast<std::size_t>(number.exponent) + 1;
+  if (number.digits.size() <= wholeDigits) return number.digits + std::string(wholeDigits - number.digits.size(), '0');
+  return number.digits.substr(0, wholeDigits) + "." + number.digits.substr(wholeDigits);
+}
+
+std::string ExponentText(const Digits& number) {
+  std::string text = number.digits.substr(0, 1);
+  if (number.digits.size() > 1) text += "." + number.digits.substr(1);
+  const std::string exponent = std::to_string(std::abs(number.exponent));
+  return text + (number.exponent < 0 ? "E-" : "E+") + (exponent.size() < 2 ? "0" : "") + exponent;
+}
+
+/// True when a number that the library calls out of range is too small rather than too large.
+bool IsTiny(std::string_view text) {
+  const std::size_t mark = text.find_first_of("eE");
+  if (mark != std::string_view::npos) return text.substr(mark + 1).starts_with('-');
+  return text.find('.') < text.find_first_of("123456789");
+}
+
+}  // namespace
+
+std::string NumberText(double number) {
+  if (std::isnan(number)) return "NaN";
+  if (std::isinf(number)) return number > 0 ? "Infinity" : "-Infinity";
+  if (number == 0.0) return "0";
+  const Digits digits = DigitsOf(std::abs(number));
+  const bool plain = digits.exponent >= kFirstPlainExponent && digits.exponent < kSignificantDigits;
+  return (number < 0 ? "-" : "") + (plain ? PlainText(digits) : ExponentText(digits));
+}
+
+std::optional<double> ParseNumber(std::string_view text) {
+  const std::string trimmed = Trim(text);
+  std::string_view rest = trimmed;
+  const bool negative = rest.starts_with('-');
+  if (negative || rest.starts_with('+')) rest.remove_prefix(1);
+  // The library would also read "inf", "nan" and a second sign.
+  if (rest.empty() || !(rest[0] == '.' || (rest[0] >= '0' && rest[0] <= '9'))) return std::nullopt;
+  double number = 0.0;
+  const auto read = std::from_chars(rest.data(), rest.data() + rest.size(), number);
+  if (read.ptr != rest.data() + rest.size()) return std::nullopt;
+  if (read.ec == std::errc::result_out_of_range && IsTiny(rest)) return 0.0;
+  if (read.ec != std::errc()) return std::nullopt;
+  return negative ? -number : number;
+}
+
+double RoundHalfEven(double number, int decimals) {
+  const double scale = std::pow(10.0, decimals);
+  const double scaled = number * scale;
+  if (!std::isfinite(scaled) || std::abs(scaled) >= kWholeFrom) return number;
+  const double below = std::floor(scaled);
+  const double above = scaled - below;
+  const bool up = above > 0.5 || (above == 0.5 && std::fmod(below, 2.0) != 0.0);
+  return (up ? below + 1.0 : below) / scale;
+}
+
+}  // namespace tavi

@@ -1,0 +1,216 @@
+#include "platform/values/Text.h"
+
+#include <algorithm>
+
+#include "platform/values/CaseMapping.h"
+
+namespace tavi {
+namespace {
+
+constexpr char32_t kReplacement = 0xFFFD;
+constexpr char32_t kLastCodePoint = 0x10FFFF;
+constexpr char32_t kFirstSupplementary = 0x10000;
+
+bool IsHighSurrogate(char32_t unit) {
+  return unit >= 0xD800 && unit <= 0xDBFF;
+}
+bool IsLowSurrogate(char32_t unit) {
+  return unit >= 0xDC00 && unit <= 0xDFFF;
+}
+
+std::uint8_t ByteAt(std::string_view text, std::size_t position) {
+  return static_cast<std::uint8_t>(text[position]);
+}
+
+/// The length of the sequence that a lead byte announces; 0 for a byte that leads none.
+std::size_t SequenceLength(std::uint8_t lead) {
+  if (lead < 0x80) return 1;
+  if (lead < 0xC2) return 0;
+  if (lead < 0xE0) return 2;
+  if (lead < 0xF0) return 3;
+  return lead < 0xF5 ? 4 : 0;
+}
+
+/// Reads the code point at `position` and moves behind it. A byte that belongs to no sequence gives U+FFFD.
+char32_t NextCodePoint(std::string_view text, std::size_t& position) {
+  const std::uint8_t lead = ByteAt(text, position);
+  const std::size_t length = SequenceLength(lead);
+  if (length == 1) {
+    ++position;
+    return lead;
+  }
+  char32_t codePoint = length == 0 ? kReplacement : lead & (0xFFU >> (length + 1));
+  bool whole = length != 0 && text.size() - position >= length;
+  for (std::size_t index = 1; whole && index < length; ++index) {
+    const std::uint8_t next = ByteAt(text, position + index);
+    whole = (next & 0xC0U) == 0x80U;
+    codePoint = (codePoint << 6U) | (next & 0x3FU);
+  }
+  const bool shortest = (length != 3 || codePoint >= 0x800) && (length != 4 || codePoint >= kFirstSupplementary);
+  if (!whole || !shortest || codePoint > kLastCodePoint) {
+    ++position;
+    return kReplacement;
+  }
+  position += length;
+  return codePoint;
+}
+
+void Append(std::string& text, char32_t codePoint) {
+  const auto put = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
+  const auto putTail = [&put](char32_t bits) { put(0x80U | (bits & 0x3FU)); };
+  if (codePoint > kLastCodePoint) codePoint = kReplacement;
+  if (codePoint < 0x80) {
+    put(codePoint);
+  } else if (codePoint < 0x800) {
+    put(0xC0U | (codePoint >> 6U));
+    putTail(codePoint);
+  } else if (codePoint < kFirstSupplementary) {
+    put(0xE0U | (codePoint >> 12U));
+    putTail(codePoint >> 6U);
+    putTail(codePoint);
+  } else {
+    put(0xF0U | (codePoint >> 18U));
+    putTail(codePoint >> 12U);
+    putTail(codePoint >> 6U);
+    putTail(codePoint);
+  }
+}
+
+char32_t MapCase(char32_t codePoint, std::span<const CaseRun> runs) {
+  const auto run = std::lower_bound(runs.begin(), runs.end(), codePoint,
+                                    [](const CaseRun& entry, char32_t value) { return entry.last < value; });
+  if (run == runs.end() || codePoint < run->first || (codePoint - run->first) % run->step != 0) return codePoint;
+  return static_cast<char32_t>(static_cast<std::int32_t>(codePoint) + run->delta);
+}
+
+template <typename Mapping>
+std::string MapText(std::string_view text, Mapping mapping) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) Append(result, mapping(NextCodePoint(text, position)));
+  return result;
+}
+
+}  // namespace
+
+std::u32string ToCodePoints(std::string_view text) {
+  std::u32string result;
+  result.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) result.push_back(NextCodePoint(text, position));
+  return result;
+}
+
+std::string FromCodePoints(std::u32string_view codePoints) {
+  std::string result;
+  result.reserve(codePoints.size());
+  for (const char32_t codePoint : codePoints) Append(result, codePoint);
+  return result;
+}
+
+std::u16string ToUtf16(std::string_view text) {
+  std::u16string result;
+  result.reserve(text.size());
+  for (std::size_t position = 0; position < text.size();) {
+    const char32_t codePoint = NextCodePoint(text, position);
+    if (codePoint < kFirstSupplementary) {
+      result.push_back(static_cast<char16_t>(codePoint));
+    } else {
+      const char32_t bits = codePoint - kFirstSupplementary;
+      result.push_back(static_cast<char16_t>(0xD800U + (bits >> 10U)));
+      result.push_back(static_cast<char16_t>(0xDC00U + (bits & 0x3FFU)));
+    }
+  }
+  return result;
+}
+
+std::string FromUtf16(std::u16string_view text) {
+  std::string result;
+  result.reserve(text.size());
+  for (std::size_t index = 0; index < text.size(); ++index) {
+    const char32_t unit = text[index];
+    if (IsHighSurrogate(unit) && index + 1 < text.size() && IsLowSurrogate(text[index + 1])) {
+      const char32_t low = text[++index];
+      Append(result, kFirstSupplementary + ((unit - 0xD800U) << 10U) + (low - 0xDC00U));
+    } else {
+      Append(result, unit);
+    }
+  }
+  return result;
+}
+
+std::size_t TextLength(std::string_view text) {
+  std::size_t length = 0;
+  for (std::size_t position = 0; position < text.size(); ++length) NextCodePoint(text, position);
+  return length;
+}
+
+std::string FirstCharacters(std::string_view text, std::size_t count) {
+  std::size_t position = 0;
+  for (; count > 0 && position < text.size(); --count) NextCodePoint(text, position);
+  return std::string(text.substr(0, position));
+}
+
+char32_t UpperCase(char32_t codePoint) {
+  if (codePoint < 0x80) return codePoint >= U'a' && codePoint <= U'z' ? codePoint - 0x20U : codePoint;
+  return MapCase(codePoint, UpperCaseRuns());
+}
+
+std::string UpperCase(std::string_view text) {
+  return MapText(text, [](char32_t codePoint) { return UpperCase(codePoint); });
+}
+
+char32_t LowerCase(char32_t codePoint) {
+  if (codePoint < 0x80) return codePoint >= U'A' && codePoint <= U'Z' ? codePoint + 0x20U : codePoint;
+  return MapCase(codePoint, LowerCaseRuns());
+}
+
+std::string LowerCase(std::string_view text) {
+  return MapText(text, [](char32_t codePoint) { return LowerCase(codePoint); });
+}
+
+int CompareIgnoringCase(std::string_view left, std::string_view right) {
+  std::size_t leftPosition = 0;
+  std::size_t rightPosition = 0;
+  while (leftPosition < left.size() && rightPosition < right.size()) {
+    const char32_t leftLetter = UpperCase(NextCodePoint(left, leftPosition));
+    const char32_t rightLetter = UpperCase(NextCodePoint(right, rightPosition));
+    if (leftLetter != rightLetter) return leftLetter < rightLetter ? -1 : 1;
+  }
+  if (leftPosition < left.size()) return 1;
+  return rightPosition < right.size() ? -1 : 0;
+}
+
+bool EqualIgnoringCase(std::string_view left, std::string_view right) {
+  return CompareIgnoringCase(left, right) == 0;
+}
+
+std::string Trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return std::string(text.substr(first, text.find_last_not_of(' ') - first + 1));
+}
+
+std::string ReplaceAll(std::string_view text, std::string_view from, std::string_view to) {
+  std::string result;
+  std::size_t position = 0;
+  for (;;) {
+    const std::size_t found = from.empty() ? std::string_view::npos : text.find(from, position);
+    result += text.substr(position, found - position);
+    if (found == std::string_view::npos) return result;
+    result += to;
+    position = found + from.size();
+  }
+}
+
+std::vector<std::string> Split(std::string_view text, char separator) {
+  std::vector<std::string> pieces;
+  std::size_t position = 0;
+  for (;;) {
+    const std::size_t found = text.find(separator, position);
+    pieces.emplace_back(text.substr(position, found - position));
+    if (found == std::string_view::npos) return pieces;
+    position = found + 1;
+  }
+}
+
+}  // namespace tavi
