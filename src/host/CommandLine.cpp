@@ -1,0 +1,165 @@
+#include "host/CommandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <functional>
+#include <optional>
+#include <ostream>
+
+#include "composition/Composition.h"
+#include "host/commands/Context.h"
+#include "host/commands/Lists.h"
+#include "host/commands/Score.h"
+#include "host/tools/Import.h"
+#include "host/tools/NewClub.h"
+#include "host/tools/Sample.h"
+#include "host/tools/Sql.h"
+#include "platform/values/Error.h"
+
+namespace tavi::host {
+namespace {
+
+using Action = std::function<int(const Context&)>;
+
+/// The options that every subcommand takes, and the subcommand that was chosen.
+struct Choices {
+  std::string folder;
+  std::string today;
+  bool json = false;
+  std::string file;
+  std::vector<std::string> files;
+  std::string name;
+  std::string number;
+  std::string statement;
+  std::string from;
+  bool all = false;
+  bool recalculate = false;
+  Action action;
+};
+
+void AddNew(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("new", "Make a club's empty file ClubMembers.mdb in the folder");
+  command->add_option("--name", choices.name, "The club's name");
+  command->add_option("--ebu", choices.number, "The club's number at its governing body");
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) { return NewClub(context, {choices.name, choices.number}); };
+  });
+}
+
+void AddImport(CLI::App& parent, Choices& choices, const char* what,
+               int (*import)(const Context&, const std::string&)) {
+  CLI::App* command = parent.add_subcommand("import", std::string("Bring in ") + what + " from a comma-separated file");
+  command->add_option("FILE", choices.file, "The file; its first line names the columns")->required();
+  command->callback([&choices, import] {
+    choices.action = [&choices, import](const Context& context) { return import(context, choices.file); };
+  });
+}
+
+void AddMembers(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("members", "List the members, or bring them in");
+  command->add_flag("--all", choices.all, "Retired members too");
+  AddImport(*command, choices, "members", ImportMembers);
+  command->callback([&choices, command] {
+    if (!command->get_subcommands().empty()) return;
+    choices.action = [&choices](const Context& context) { return ListMembers(context, choices.all); };
+  });
+}
+
+void AddPairs(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("pairs", "List the regular partnerships, or bring them in");
+  command->add_flag("--all", choices.all, "Inactive ones too");
+  AddImport(*command, choices, "regular partnerships", ImportPairs);
+  command->callback([&choices, command] {
+    if (!command->get_subcommands().empty()) return;
+    choices.action = [&choices](const Context& context) { return ListPairs(context, choices.all); };
+  });
+}
+
+void AddScore(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("score", "Store the results of USEBIO files and show the ranking");
+  command->add_option("FILE", choices.files, "Result files; each is stored completely or not at all")->required();
+  command->callback(
+      [&choices] { choices.action = [&choices](const Context& context) { return Score(context, choices.files); }; });
+}
+
+void AddFind(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("find", "Find members by an exact or misspelt name");
+  command->add_option("NAME", choices.files, "The name, in one argument or several")->required();
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) {
+      return FindByName(context, CLI::detail::join(choices.files, " "));
+    };
+  });
+}
+
+void AddHandicaps(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("handicaps", "List the stored handicaps of members and partnerships");
+  command->add_flag("--recalculate", choices.recalculate, "Calculate all of them anew first");
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) { return ListHandicaps(context, choices.recalculate); };
+  });
+}
+
+void AddSql(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("sql", "Run one SQL statement on the file");
+  command->add_option("STATEMENT", choices.statement, "The statement, as Access understands it")->required();
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) { return RunSql(context, choices.statement); };
+  });
+}
+
+void AddInfo(CLI::App& app, Choices& choices) {
+  app.add_subcommand("info", "Tell where the club's file is and what is in it")->callback([&choices] {
+    choices.action = [](const Context& context) { return ShowInfo(context); };
+  });
+}
+
+void AddSample(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("sample", "Make a sample club in a new folder and score its season");
+  command->add_option("--from", choices.from, "Folder with members.csv, pairs.csv and evenings/*.xml")->required();
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) { return MakeSample(context, choices.from); };
+  });
+}
+
+std::optional<Date> TodayOf(const Choices& choices) {
+  if (choices.today.empty()) return std::nullopt;
+  const std::optional<Date> today = Date::FromIso(choices.today);
+  if (!today) throw CLI::ValidationError("--today", "\"" + choices.today + "\" is no date; expected yyyy-mm-dd");
+  return today;
+}
+
+}  // namespace
+
+int RunCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& error, bool outputIsTerminal,
+                   bool errorIsTerminal) {
+  Choices choices;
+  CLI::App app("Keeps a bridge club's members, results, master points and handicaps in its file ClubMembers.mdb.",
+               "tavi");
+  app.require_subcommand(1);
+  app.fallthrough();
+  app.add_option("--db", choices.folder, "The club's folder (else the one set for this machine)")->type_name("FOLDER");
+  app.add_option("--today", choices.today, "Take this day for today")->type_name("DATE");
+  app.add_flag("--json", choices.json, "Write JSON");
+  for (const auto add : {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddInfo, AddSample}) {
+    add(app, choices);
+  }
+  try {
+    std::reverse(arguments.begin(), arguments.end());
+    app.parse(arguments);
+    Context context{out, error};
+    context.format = choices.json ? OutputFormat::Json : outputIsTerminal ? OutputFormat::Table : OutputFormat::Tabs;
+    context.showProgress = errorIsTerminal;
+    context.folder = choices.folder;
+    context.platform = MakePlatform({TodayOf(choices)});
+    return choices.action(context);
+  } catch (const CLI::ParseError& problem) {
+    return app.exit(problem, out, error) == 0 ? kSucceeded : kWrongUse;
+  } catch (const Error& problem) {
+    error << "tavi: " << Printable(problem.Description()) << '\n';
+  } catch (const std::exception& problem) {
+    error << "tavi: " << problem.what() << '\n';
+  }
+  return kFailed;
+}
+
+}  // namespace tavi::host

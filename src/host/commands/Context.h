@@ -1,0 +1,35 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <string>
+
+#include "facade/MembershipDatabase.h"
+#include "host/text/Table.h"
+#include "platform/Platform.h"
+
+namespace tavi::host {
+
+/// What every subcommand is given: where to write, how, which club, and the outside world.
+struct Context {
+  std::ostream& out;
+  std::ostream& error;
+  OutputFormat format = OutputFormat::Table;
+  bool showProgress = false;
+  std::string folder;  ///< the club's folder; empty: the one that the component finds
+  std::shared_ptr<const Platform> platform;
+
+  /// A component object on the club's folder.
+  [[nodiscard]] std::unique_ptr<MembershipDatabase> OpenClub() const;
+  /// The folder in use, absolute.
+  [[nodiscard]] std::string ClubFolder() const;
+  /// The file in use.
+  [[nodiscard]] std::string ClubFile() const;
+};
+
+/// Exit codes of the command.
+inline constexpr int kSucceeded = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kWrongUse = 2;
+
+}  // namespace tavi::host

@@ -1,0 +1,158 @@
+#include "host/commands/Score.h"
+
+#include <algorithm>
+#include <iostream>
+#include <nlohmann/json.hpp>
+#include <numeric>
+
+#include "host/results/UsebioReader.h"
+#include "host/text/ProgressBar.h"
+#include "platform/values/Error.h"
+
+namespace tavi::host {
+namespace {
+
+constexpr int kPercentagePlaces = 2;
+
+Cell Percentage(const std::optional<double>& value) {
+  return value ? Cell(Decimals{*value, kPercentagePlaces}) : Cell();
+}
+
+double TotalAwards(const Contestant& contestant) {
+  return std::accumulate(contestant.awards.begin(), contestant.awards.end(), 0.0,
+                         [](double sum, const Award& award) { return sum + award.points; });
+}
+
+Table RankingTable(const ScoredEvent& scored) {
+  const Event& event = scored.event;
+  std::vector<std::string> columns = {"Place", "Number"};
+  if (event.sessions > 1) columns.insert(columns.begin(), "Session");
+  if (event.winners == 2) columns.emplace_back("Direction");
+  const bool percentages = event.HasPercentages();
+  for (const char* name : {"Players", percentages ? "Actual" : "Score"}) columns.emplace_back(name);
+  if (scored.countsForHandicaps) {
+    for (const char* name : {"Net", "Handicap before", "Handicap after"}) columns.emplace_back(name);
+  }
+  columns.emplace_back("Master points");
+  Table table(columns);
+  for (const ScoredContestant& entry : scored.contestants) {
+    const Contestant& contestant = entry.contestant;
+    std::vector<Cell> row;
+    if (event.sessions > 1) row.emplace_back(std::int64_t{contestant.session});
+    row.push_back(contestant.place ? Cell(std::to_string(*contestant.place) + (contestant.tied ? "=" : "")) : Cell());
+    row.emplace_back((contestant.section.empty() ? "" : contestant.section) + contestant.number);
+    if (event.winners == 2) row.emplace_back(contestant.direction);
+    row.emplace_back(entry.name);
+    row.push_back(Percentage(percentages ? contestant.actualPercentage : contestant.total));
+    if (scored.countsForHandicaps) {
+      row.push_back(Percentage(entry.net));
+      row.push_back(Percentage(entry.handicapBefore));
+      row.push_back(Percentage(entry.handicapAfter));
+    }
+    const double awards = TotalAwards(contestant);
+    row.push_back(awards > 0.0 ? Percentage(awards) : Cell());
+    table.Add(std::move(row));
+  }
+  return table;
+}
+
+void ScoreOne(MembershipDatabase& club, MemberDirectory& directory, ScoredFile& file) {
+  EveningScorer scorer(club, directory);
+  std::vector<ScoredEvent> prepared;
+  for (Event& event : ReadUsebioFile(file.path)) prepared.push_back(scorer.Prepare(std::move(event), file.path));
+  for (ScoredEvent& scored : prepared) {
+    scorer.Store(scored);
+    file.events.push_back(std::move(scored));
+  }
+}
+
+void WriteRemarks(const Context& context, const ScoredEvent& scored) {
+  for (const std::string& remark : scored.event.remarks) context.error << "note: " << Printable(remark) << '\n';
+  if (!scored.event.HasPercentages()) {
+    context.error << "note: " << Printable(scored.event.name)
+                  << " has no percentages: its master points are stored, its results are not\n";
+  }
+}
+
+void WriteSummary(const Context& context, const std::vector<ScoredFile>& files) {
+  Table table({"File", "Date", "Event", "Contestants", "Stored"});
+  for (const ScoredFile& file : files) {
+    for (const ScoredEvent& scored : file.events) {
+      table.Add({file.path, scored.event.date.Iso(), scored.event.name,
+                 static_cast<std::int64_t>(scored.contestants.size()), true});
+    }
+    if (!file.error.empty()) table.Add({file.path, Cell(), Cell(), Cell(), false});
+  }
+  table.Write(context.out, context.format);
+}
+
+void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
+  nlohmann::ordered_json document = nlohmann::ordered_json::array();
+  for (const ScoredFile& file : files) {
+    nlohmann::ordered_json entry = {{"file", file.path}, {"stored", file.error.empty()}};
+    if (!file.error.empty()) entry["error"] = file.error;
+    entry["events"] = nlohmann::ordered_json::array();
+    for (const ScoredEvent& scored : file.events) {
+      entry["events"].push_back({{"competition", scored.competition},
+                                 {"name", scored.event.name},
+                                 {"date", scored.event.date.Iso()},
+                                 {"ranking", nlohmann::ordered_json::parse(RankingTable(scored).Json())},
+                                 {"notes", scored.event.remarks}});
+    }
+    document.push_back(std::move(entry));
+  }
+  context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace
+
+std::vector<ScoredFile> ScoreFiles(const Context& context, MembershipDatabase& club,
+                                   const std::vector<std::string>& paths) {
+  MemberDirectory directory(club);
+  ProgressBar progress(context.error, context.showProgress && paths.size() > 1, paths.size());
+  std::vector<ScoredFile> files;
+  for (const std::string& path : paths) {
+    progress.Show(files.size(), path);
+    ScoredFile file;
+    file.path = path;
+    try {
+      ScoreOne(club, directory, file);
+    } catch (const Error& error) {
+      file.error = error.Description();
+    }
+    files.push_back(std::move(file));
+  }
+  return files;
+}
+
+void WriteRanking(const Context& context, const ScoredEvent& scored) {
+  if (context.format == OutputFormat::Table) {
+    context.out << Printable(scored.event.name) << ", " << scored.event.date.DayMonthYear() << "\n\n";
+  }
+  RankingTable(scored).Write(context.out, context.format);
+}
+
+int Score(const Context& context, const std::vector<std::string>& paths) {
+  const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
+  const std::vector<ScoredFile> files = ScoreFiles(context, *club, paths);
+  for (const ScoredFile& file : files) {
+    for (const ScoredEvent& scored : file.events) WriteRemarks(context, scored);
+  }
+  if (context.format == OutputFormat::Json) {
+    WriteJson(context, files);
+  } else if (files.size() == 1) {
+    for (const ScoredEvent& scored : files.front().events) WriteRanking(context, scored);
+  } else {
+    WriteSummary(context, files);
+  }
+  const auto refused = [](const ScoredFile& file) { return !file.error.empty(); };
+  for (const ScoredFile& file : files) {
+    if (refused(file)) context.error << "tavi: " << Printable(file.error) << '\n';
+  }
+  if (std::none_of(files.begin(), files.end(), refused)) return kSucceeded;
+  context.error << "tavi: nothing was stored of " << std::count_if(files.begin(), files.end(), refused) << " of "
+                << files.size() << (files.size() == 1 ? " file\n" : " files\n");
+  return kFailed;
+}
+
+}  // namespace tavi::host

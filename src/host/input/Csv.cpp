@@ -1,0 +1,129 @@
+#include "host/input/Csv.h"
+
+#include "host/results/XmlText.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+[[noreturn]] void RefuseLine(const std::string& fileName, std::size_t line, const std::string& reason) {
+  throw Error(ErrorNumber::InvalidArgument, "tavi", fileName + ":" + std::to_string(line) + ": " + reason);
+}
+
+char SeparatorOf(std::string_view text) {
+  const std::string_view header = text.substr(0, text.find('\n'));
+  if (header.find(',') != std::string_view::npos) return ',';
+  if (header.find(';') != std::string_view::npos) return ';';
+  return header.find('\t') != std::string_view::npos ? '\t' : ',';
+}
+
+/// Takes a text apart, one row after the other.
+class Scanner {
+ public:
+  Scanner(std::string_view text, const std::string& fileName)
+      : text_(text), fileName_(fileName), separator_(SeparatorOf(text)) {}
+
+  [[nodiscard]] bool AtEnd() const { return at_ >= text_.size(); }
+
+  CsvFile::Row NextRow() {
+    CsvFile::Row row;
+    row.line = line_;
+    row.fields.push_back(NextField());
+    while (!AtEnd() && text_[at_] == separator_) {
+      ++at_;
+      row.fields.push_back(NextField());
+    }
+    SkipLineEnd();
+    return row;
+  }
+
+ private:
+  std::string NextField() {
+    if (!AtEnd() && text_[at_] == '"') return QuotedField();
+    const std::size_t end = std::min(text_.find_first_of(std::string("\r\n") + separator_, at_), text_.size());
+    const std::string field = Trim(text_.substr(at_, end - at_));
+    at_ = end;
+    return field;
+  }
+
+  std::string QuotedField() {
+    const std::size_t firstLine = line_;
+    std::string field;
+    for (++at_; !AtEnd(); ++at_) {
+      if (text_[at_] == '"') {
+        if (at_ + 1 >= text_.size() || text_[at_ + 1] != '"') break;
+        ++at_;
+      }
+      if (text_[at_] == '\n') ++line_;
+      field.push_back(text_[at_]);
+    }
+    if (AtEnd()) RefuseLine(fileName_, firstLine, "a quoted field is not closed; expected a closing quote");
+    ++at_;
+    const bool ends = AtEnd() || text_[at_] == separator_ || text_[at_] == '\r' || text_[at_] == '\n';
+    if (!ends) RefuseLine(fileName_, line_, "text follows a quoted field; expected a separator or the end of the line");
+    return Trim(field);
+  }
+
+  void SkipLineEnd() {
+    if (!AtEnd() && text_[at_] == '\r') ++at_;
+    if (!AtEnd() && text_[at_] == '\n') ++at_;
+    ++line_;
+  }
+
+  std::string_view text_;
+  const std::string& fileName_;
+  char separator_;
+  std::size_t at_ = 0;
+  std::size_t line_ = 1;
+};
+
+}  // namespace
+
+CsvFile CsvFile::Read(const std::string& path) {
+  return Parse(ReadWholeFile(path), path);
+}
+
+CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
+  const std::string text = DecodeXml(bytes, fileName);
+  if (text.find('\0') != std::string::npos)
+    RefuseLine(fileName, 1, "the file holds NUL characters; expected a text file");
+  CsvFile file(fileName);
+  Scanner scanner(text, fileName);
+  if (scanner.AtEnd())
+    RefuseLine(fileName, 1, "the file is empty; expected a header line with the names of the columns");
+  file.SetHeader(scanner.NextRow());
+  while (!scanner.AtEnd()) {
+    Row row = scanner.NextRow();
+    if (row.fields.size() == 1 && row.fields[0].empty()) continue;
+    if (row.fields.size() != file.columns_.size()) {
+      file.Refuse(row, "the line has " + std::to_string(row.fields.size()) + " fields; expected " +
+                           std::to_string(file.columns_.size()) + " as in the header");
+    }
+    file.rows_.push_back(std::move(row));
+  }
+  return file;
+}
+
+void CsvFile::SetHeader(const Row& header) {
+  for (std::size_t i = 0; i < header.fields.size(); ++i) {
+    if (!columns_.emplace(LowerCase(header.fields[i]), i).second) {
+      Refuse(header, "the column " + header.fields[i] + " stands twice in the header; expected each name once");
+    }
+  }
+}
+
+std::string CsvFile::Field(const Row& row, const std::string& column) const {
+  const auto found = columns_.find(column);
+  return found == columns_.end() ? std::string() : row.fields[found->second];
+}
+
+void CsvFile::RequireColumn(const std::string& name) const {
+  if (!HasColumn(name)) RefuseLine(fileName_, 1, "the header has no column " + name + "; expected one");
+}
+
+void CsvFile::Refuse(const Row& row, const std::string& reason) const {
+  RefuseLine(fileName_, row.line, reason);
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tavi::host {
+
+/// A comma-separated file with a header line, as spreadsheets write it: UTF-8 (windows-1252 when it is not), fields in
+/// double quotes may hold commas, line breaks and doubled quotes. A semicolon or tab separates instead when the header
+/// has no comma.
+class CsvFile {
+ public:
+  struct Row {
+    std::size_t line = 0;
+    std::vector<std::string> fields;
+  };
+
+  /// Raises InvalidArgument ("FILE:LINE: ...") when the file is missing or empty, a quote is not closed, a name stands
+  /// twice in the header, or a row has more or fewer fields than the header.
+  static CsvFile Read(const std::string& path);
+  static CsvFile Parse(std::string_view bytes, const std::string& fileName);
+
+  [[nodiscard]] const std::vector<Row>& Rows() const { return rows_; }
+  [[nodiscard]] bool HasColumn(const std::string& name) const { return columns_.contains(name); }
+  /// The trimmed field of a row; empty when the file lacks the column. Names are in lower case.
+  [[nodiscard]] std::string Field(const Row& row, const std::string& column) const;
+  /// Raises InvalidArgument when a column is missing.
+  void RequireColumn(const std::string& name) const;
+  /// Raises InvalidArgument for a row.
+  [[noreturn]] void Refuse(const Row& row, const std::string& reason) const;
+
+ private:
+  explicit CsvFile(std::string fileName) : fileName_(std::move(fileName)) {}
+  void SetHeader(const Row& header);
+
+  std::string fileName_;
+  std::map<std::string, std::size_t> columns_;
+  std::vector<Row> rows_;
+};
+
+}  // namespace tavi::host

@@ -1,0 +1,192 @@
+#include "host/scoring/EveningScorer.h"
+
+#include <algorithm>
+#include <map>
+#include <tuple>
+
+#include "host/results/XmlElement.h"
+#include "host/scoring/NameFolding.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+/// The date that stands for today, with no competition left out.
+const Date kToday = Date::FromCivil(2000, 1, 1);
+constexpr double kNeutralHandicap = 50.0;
+constexpr std::int16_t kFirstAndLastName = 5;
+constexpr int kPlaceOfUnplaced = 1'000'000;
+constexpr const char* kGoverningBody = "EBU";
+
+/// The codes stored in ScoringMethod; only 0 (match points) counts for handicaps.
+std::int16_t ScoringCode(Event::Scoring scoring) {
+  switch (scoring) {
+    case Event::Scoring::MatchPoints:
+      return 0;
+    case Event::Scoring::CrossImps:
+      return 1;
+    case Event::Scoring::ButlerImps:
+      return 2;
+    case Event::Scoring::Aggregate:
+      return 3;
+    case Event::Scoring::Other:
+      return 4;
+  }
+  return 4;
+}
+
+std::int32_t NumberOf(const ScoredContestant& scored, std::size_t position) {
+  return position < scored.players.size() ? scored.players[position].number : -1;
+}
+
+std::string NameOf(const ScoredContestant& scored, std::size_t position) {
+  return position < scored.players.size() ? scored.players[position].name : std::string();
+}
+
+auto RankingOrder(const Event& event, const ScoredContestant& scored) {
+  const Contestant& contestant = scored.contestant;
+  return std::make_tuple(contestant.session, event.winners == 2 && contestant.direction == "EW" ? 1 : 0,
+                         contestant.place.value_or(kPlaceOfUnplaced),
+                         -contestant.actualPercentage.value_or(contestant.total.value_or(0.0)));
+}
+
+/// Closes the file at the end of an update, also when an error ends it early.
+class UpdateGuard {
+ public:
+  explicit UpdateGuard(MembershipDatabase& database) : database_(database) {}
+  ~UpdateGuard() {
+    try {
+      database_.CloseDatabase();
+    } catch (const std::exception&) {  // the first error is the one to report
+      return;
+    }
+  }
+  UpdateGuard(const UpdateGuard&) = delete;
+  UpdateGuard& operator=(const UpdateGuard&) = delete;
+
+ private:
+  MembershipDatabase& database_;
+};
+
+}  // namespace
+
+std::string StorableCompetitionName(const std::string& name) {
+  return TidyText(ReplaceAll(name, "%", ""));
+}
+
+ScoredEvent EveningScorer::Prepare(Event event, const std::string& fileName) {
+  ScoredEvent scored;
+  event.name = StorableCompetitionName(event.name);
+  if (event.name.empty()) event.name = "Event";
+  for (const Contestant& contestant : event.contestants) {
+    ScoredContestant entry;
+    entry.contestant = contestant;
+    for (const EventPlayer& player : contestant.players) {
+      entry.players.push_back(directory_.Resolve(player));
+      const std::string& remark = entry.players.back().remark;
+      const bool known = std::find(event.remarks.begin(), event.remarks.end(), remark) != event.remarks.end();
+      if (!remark.empty() && !known) event.remarks.push_back(remark);
+    }
+    scored.contestants.push_back(std::move(entry));
+  }
+  scored.event = std::move(event);
+  scored.countsForHandicaps = scored.event.kind != Event::Kind::Teams &&
+                              scored.event.scoring == Event::Scoring::MatchPoints && scored.event.HasPercentages();
+  RequireEverybodyOnce(scored, fileName);
+  std::stable_sort(scored.contestants.begin(), scored.contestants.end(),
+                   [&](const ScoredContestant& left, const ScoredContestant& right) {
+                     return RankingOrder(scored.event, left) < RankingOrder(scored.event, right);
+                   });
+  return scored;
+}
+
+void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::string& fileName) const {
+  std::map<std::tuple<int, std::int32_t, std::string>, std::string> seen;
+  for (const ScoredContestant& entry : scored.contestants) {
+    for (const ResolvedPlayer& player : entry.players) {
+      const std::string visitor = player.number == -1 ? FoldName(player.name) : std::string();
+      const auto [earlier, isNew] =
+          seen.emplace(std::make_tuple(entry.contestant.session, player.number, visitor), entry.contestant.number);
+      if (isNew) continue;
+      throw Error(ErrorNumber::InvalidArgument, "tavi",
+                  fileName + ":" + std::to_string(entry.contestant.line) + ": " + player.name +
+                      " is listed twice, with number " + earlier->second + " and with number " +
+                      entry.contestant.number + "; expected each player once in a session");
+    }
+  }
+}
+
+void EveningScorer::Store(ScoredEvent& scored) {
+  const UpdateGuard guard(database_);
+  Register(scored);
+  FindHandicapsBefore(scored);
+  NoteResults(scored);
+  PassAwards(scored);
+  database_.EndResultUpdate(scored.competition);
+  FindHandicapsAfter(scored);
+}
+
+void EveningScorer::Register(ScoredEvent& scored) {
+  const Event& event = scored.event;
+  const bool teams = event.kind == Event::Kind::Teams;
+  scored.competition = database_.SetCompetitionEx(
+      event.name, event.date, event.kind == Event::Kind::Individual, ScoringCode(event.scoring),
+      event.scoring == Event::Scoring::ButlerImps ? std::int16_t{1} : std::int16_t{0}, event.swiss, false, 0,
+      static_cast<std::int16_t>(event.tables), static_cast<std::int16_t>(event.winners), kGoverningBody, 0,
+      scored.countsForHandicaps, teams ? static_cast<std::int16_t>(event.contestants.size()) : std::int16_t{0});
+}
+
+void EveningScorer::FindHandicapsBefore(ScoredEvent& scored) {
+  if (!scored.countsForHandicaps) return;
+  const bool individual = scored.event.kind == Event::Kind::Individual;
+  for (ScoredContestant& entry : scored.contestants) {
+    const Handicaps handicaps = database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), scored.event.name,
+                                                             scored.event.date, individual);
+    entry.handicapBefore = handicaps.PartnershipHandicap();
+    entry.net = RoundHalfEven(*entry.contestant.actualPercentage - *entry.handicapBefore + kNeutralHandicap, 2);
+    entry.name = individual ? NameOf(entry, 0)
+                            : database_.GetPairName(NumberOf(entry, 0), NameOf(entry, 0), NumberOf(entry, 1),
+                                                    NameOf(entry, 1), kFirstAndLastName, true);
+  }
+}
+
+void EveningScorer::NoteResults(const ScoredEvent& scored) {
+  if (!scored.event.HasPercentages()) return;
+  for (const ScoredContestant& entry : scored.contestants) {
+    const double actual = *entry.contestant.actualPercentage;
+    database_.NoteCompetitorResult(scored.competition, NumberOf(entry, 0), NameOf(entry, 0), NumberOf(entry, 1),
+                                   NameOf(entry, 1), actual, entry.net.value_or(actual));
+  }
+}
+
+void EveningScorer::PassAwards(const ScoredEvent& scored) {
+  const std::size_t step = scored.event.kind == Event::Kind::Individual ? 1 : 2;
+  for (const ScoredContestant& entry : scored.contestants) {
+    // Pairs have two players whatever the file lists; a team's players receive the award two by two.
+    const std::size_t count =
+        scored.event.kind == Event::Kind::Teams ? entry.players.size() : std::min(step, entry.players.size());
+    for (const Award& award : entry.contestant.awards) {
+      for (std::size_t first = 0; first < count; first += step) {
+        database_.AddMasterPoints(scored.competition, static_cast<std::int16_t>(entry.contestant.session),
+                                  NumberOf(entry, first), NameOf(entry, first), NumberOf(entry, first + 1),
+                                  NameOf(entry, first + 1), award.points, award.colour);
+      }
+    }
+  }
+}
+
+void EveningScorer::FindHandicapsAfter(ScoredEvent& scored) {
+  const bool individual = scored.event.kind == Event::Kind::Individual;
+  for (ScoredContestant& entry : scored.contestants) {
+    if (entry.name.empty()) {
+      for (const ResolvedPlayer& player : entry.players) entry.name += (entry.name.empty() ? "" : " & ") + player.name;
+    }
+    if (!scored.countsForHandicaps) continue;
+    entry.handicapAfter = database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), "", kToday, individual)
+                              .PartnershipHandicap();
+  }
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,196 @@
+#include "host/scoring/MemberDirectory.h"
+
+#include <algorithm>
+
+#include "host/scoring/NameFolding.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+constexpr std::int16_t kFamiliarName = 9;
+/// Shorter names are too much alike for slips to be forgiven.
+constexpr std::size_t kShortestForSlips = 6;
+
+std::string WithoutLeadingZeros(const std::string& number) {
+  const std::size_t digit = number.find_first_not_of('0');
+  return digit == std::string::npos ? std::string() : number.substr(digit);
+}
+
+std::string Joined(const std::string& first, const std::string& last) {
+  return Trim(first + " " + last);
+}
+
+}  // namespace
+
+MemberDirectory::MemberDirectory(MembershipDatabase& database) : database_(database) {
+  struct Walked {
+    std::int32_t number;
+    std::string familiar;
+    bool retired;
+  };
+  std::vector<Walked> walked;
+  const bool before = database.IncludeInactiveMembers;
+  database.IncludeInactiveMembers = true;
+  std::int32_t number = 0;
+  std::string name;
+  double handicap = 0.0;
+  for (bool more = database.GetFirstMember(number, name, handicap, kFamiliarName); more;
+       more = database.GetNextMember(number, name, handicap, kFamiliarName)) {
+    walked.push_back({number, name, database.Retired()});
+  }
+  database.IncludeInactiveMembers = before;
+  for (const Walked& member : walked) AddMember(member.number, member.familiar, member.retired);
+}
+
+void MemberDirectory::AddMember(std::int32_t number, const std::string& familiarForm, bool retired) {
+  std::string first;
+  std::string initials;
+  std::string last;
+  Member member;
+  member.nationalNumber = WithoutLeadingZeros(database_.GetEBUNoAndNames(number, first, initials, last));
+  member.number = number;
+  member.retired = retired;
+  member.shown = Joined(first, last);
+  member.surname = FoldName(last);
+  member.writings = {FoldName(Joined(first, last)), FoldName(Joined(first + " " + initials, last))};
+  // Format 9 gives the familiar name alone, or first name and surname when there is none.
+  if (FoldName(familiarForm) != member.writings.front()) {
+    member.familiarWriting = FoldName(Joined(familiarForm, last));
+    member.writings.push_back(member.familiarWriting);
+  }
+  members_.emplace(number, std::move(member));
+}
+
+ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
+  const std::string clean = CleanWrittenName(player.name);
+  const Member* byNumber = ByNationalNumber(player.nationalNumber);
+  std::vector<const Member*> byName = ByWriting(FoldName(clean));
+  if (byNumber != nullptr) {
+    const bool otherName = byName.size() == 1 && byName.front() != byNumber && !NameFits(*byNumber, clean);
+    if (!otherName) return {byNumber->number, byNumber->shown, ""};
+    return {byName.front()->number, byName.front()->shown,
+            player.name + ": the national number " + player.nationalNumber + " is " + byNumber->shown +
+                "'s; taken for the member of that name"};
+  }
+  const std::string unknownNumber =
+      player.nationalNumber.empty() ? "" : player.name + ": no member has the national number " + player.nationalNumber;
+  if (byName.size() == 1) {
+    return {byName.front()->number, byName.front()->shown,
+            unknownNumber.empty() ? "" : unknownNumber + "; taken for the member of that name"};
+  }
+  if (const Member* member = ByClubNumber(player, clean)) return {member->number, member->shown, ""};
+  if (byName.size() > 1) {
+    return {-1, player.name,
+            player.name + ": several members have that name and no number tells which; stored as a non-member"};
+  }
+  if (const Member* member = OneNear(player, clean)) {
+    return {member->number, member->shown, player.name + ": taken for " + member->shown};
+  }
+  return {-1, player.name, player.name + " is not a member; stored by name"};
+}
+
+const MemberDirectory::Member* MemberDirectory::ByNationalNumber(const std::string& number) const {
+  if (number.empty()) return nullptr;
+  const auto found = std::find_if(members_.begin(), members_.end(),
+                                  [&](const auto& entry) { return entry.second.nationalNumber == number; });
+  return found == members_.end() ? nullptr : &found->second;
+}
+
+std::vector<const MemberDirectory::Member*> MemberDirectory::ByWriting(const std::string& folded) const {
+  std::vector<const Member*> found;
+  for (const auto& [number, member] : members_) {
+    const bool written = std::any_of(member.writings.begin(), member.writings.end(),
+                                     [&](const std::string& writing) { return FoldedEqual(writing, folded); });
+    if (written && !member.retired) found.push_back(&member);
+  }
+  if (found.size() < 2) return found;
+  // Of members of one name, one who goes by another familiar name is not the one who is written with the formal one,
+  // and one who goes by the written name is.
+  std::vector<const Member*> plain;
+  for (const Member* member : found) {
+    if (member->familiarWriting.empty() || member->familiarWriting == folded) plain.push_back(member);
+  }
+  return plain.size() == 1 ? plain : found;
+}
+
+const MemberDirectory::Member* MemberDirectory::ByClubNumber(const EventPlayer& player,
+                                                             const std::string& clean) const {
+  if (player.clubNumber.empty() || player.clubNumber.size() > 9 ||
+      player.clubNumber.find_first_not_of("0123456789") != std::string::npos) {
+    return nullptr;
+  }
+  const auto found = members_.find(std::stoi(player.clubNumber));
+  if (found == members_.end()) return nullptr;
+  const std::string folded = FoldName(clean);
+  const Member& member = found->second;
+  const bool near = std::any_of(member.writings.begin(), member.writings.end(),
+                                [&](const std::string& writing) { return WithinOneSlip(writing, folded); });
+  const std::vector<const Member*> byInitial = ByInitial(clean);
+  const bool initial = std::find(byInitial.begin(), byInitial.end(), &member) != byInitial.end();
+  return near || initial ? &member : nullptr;
+}
+
+std::vector<const MemberDirectory::Member*> MemberDirectory::ByInitial(const std::string& clean) const {
+  std::vector<const Member*> found;
+  const std::size_t blank = clean.find(' ');
+  if (blank == std::string::npos || TextLength(clean.substr(0, blank)) != 1) return found;
+  const std::string initial = FoldName(clean.substr(0, blank));
+  const std::string surname = FoldName(clean.substr(blank + 1));
+  for (const auto& [number, member] : members_) {
+    if (member.retired || !FoldedEqual(member.surname, surname)) continue;
+    const bool begins = std::any_of(member.writings.begin(), member.writings.end(),
+                                    [&](const std::string& writing) { return writing.starts_with(initial); });
+    if (begins) found.push_back(&member);
+  }
+  return found;
+}
+
+std::vector<const MemberDirectory::Member*> MemberDirectory::BySlip(const std::string& folded) const {
+  std::vector<const Member*> found;
+  if (folded.size() < kShortestForSlips) return found;
+  for (const auto& [number, member] : members_) {
+    const bool near = std::any_of(member.writings.begin(), member.writings.end(),
+                                  [&](const std::string& writing) { return WithinOneSlip(writing, folded); });
+    if (near && !member.retired) found.push_back(&member);
+  }
+  return found;
+}
+
+std::vector<const MemberDirectory::Member*> MemberDirectory::BySound(const std::string& clean) {
+  std::vector<const Member*> found;
+  if (clean.find(' ') == std::string::npos) return found;
+  const MatchList matches = database_.FindNearestMatches(clean);
+  if (matches.LowerBound == 0) return found;
+  for (const std::int32_t number : matches.Numbers) {
+    const auto member = members_.find(number);
+    if (member != members_.end()) found.push_back(&member->second);
+  }
+  return found;
+}
+
+const MemberDirectory::Member* MemberDirectory::OneNear(const EventPlayer& player, const std::string& clean) {
+  for (const std::vector<const Member*>& candidates : {ByInitial(clean), BySlip(FoldName(clean)), BySound(clean)}) {
+    if (candidates.size() == 1 && NumberAllows(*candidates.front(), player)) return candidates.front();
+    if (candidates.size() > 1) return nullptr;
+  }
+  return nullptr;
+}
+
+bool MemberDirectory::NumberAllows(const Member& member, const EventPlayer& player) {
+  // A number that differs in more than a slip belongs to somebody else of a similar name.
+  return player.nationalNumber.empty() || member.nationalNumber.empty() ||
+         WithinOneSlip(member.nationalNumber, player.nationalNumber);
+}
+
+bool MemberDirectory::NameFits(const Member& member, const std::string& clean) {
+  const std::string folded = FoldName(clean);
+  const auto near = [&](const std::string& writing) { return WithinOneSlip(writing, folded); };
+  if (std::any_of(member.writings.begin(), member.writings.end(), near)) return true;
+  for (const std::vector<const Member*>& candidates : {ByInitial(clean), BySound(clean)}) {
+    if (std::find(candidates.begin(), candidates.end(), &member) != candidates.end()) return true;
+  }
+  return false;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,105 @@
+#include "host/scoring/NameFolding.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+/// Upper-case letters and what they are without their accents.
+constexpr std::array<std::pair<std::u32string_view, std::string_view>, 27> kPlainLetters = {{
+    {U"ÀÁÂÃÄÅĀĂĄǍ", "A"}, {U"ÆǼ", "AE"},        {U"ÇĆĈĊČ", "C"}, {U"ĎĐÐ", "D"},   {U"ÈÉÊËĒĔĖĘĚ", "E"}, {U"ĜĞĠĢ", "G"},
+    {U"ĤĦ", "H"},         {U"ÌÍÎÏĨĪĬĮİ", "I"},  {U"Ĵ", "J"},     {U"Ķ", "K"},     {U"ĹĻĽĿŁ", "L"},     {U"ÑŃŅŇ", "N"},
+    {U"ÒÓÔÕÖØŌŎŐ", "O"},  {U"Œ", "OE"},         {U"ŔŖŘ", "R"},   {U"ŚŜŞŠȘ", "S"}, {U"ẞß", "SS"},       {U"ŢŤŦȚ", "T"},
+    {U"Þ", "TH"},         {U"ÙÚÛÜŨŪŬŮŰŲ", "U"}, {U"ŴẀẂẄ", "W"},  {U"ÝŶŸỲ", "Y"},  {U"ŹŻŽ", "Z"},       {U"ƁƂ", "B"},
+    {U"Ƒ", "F"},          {U"Ṁ", "M"},          {U"Ṗ", "P"},
+}};
+
+std::string PlainLetter(char32_t letter) {
+  if (letter < 0x80) return std::string(1, static_cast<char>(letter));
+  for (const auto& [accented, plain] : kPlainLetters) {
+    if (accented.find(letter) != std::u32string_view::npos) return std::string(plain);
+  }
+  return FromCodePoints(std::u32string(1, letter));
+}
+
+bool IsCombiningMark(char32_t c) {
+  return c >= 0x0300 && c <= 0x036F;
+}
+
+bool IsDropped(char32_t c) {
+  const bool plainSymbol = c < 0x80 && c != U'?' && (c < U'0' || (c > U'9' && c < U'A') || c > U'Z');
+  const bool quote = (c >= 0x2010 && c <= 0x2027) || c == 0x00B4 || c == 0x00A0 || c == 0x00AD || c == 0x02BC;
+  return plainSymbol || quote || IsCombiningMark(c);
+}
+
+bool IsTitle(const std::string& word) {
+  static constexpr std::array kTitles = {"MR",   "MRS",  "MS",   "MISS", "DR", "PROF", "REV", "SIR",
+                                         "LADY", "LORD", "DAME", "MX",   "FR", "MAJ",  "COL", "CAPT"};
+  const std::string upper = UpperCase(word);
+  return std::find(kTitles.begin(), kTitles.end(), upper) != kTitles.end();
+}
+
+bool IsFigure(const std::string& word) {
+  return !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
+}
+
+std::vector<std::string> Words(const std::string& text) {
+  std::vector<std::string> words;
+  for (std::string& word : Split(text, ' ')) {
+    if (!word.empty()) words.push_back(std::move(word));
+  }
+  return words;
+}
+
+}  // namespace
+
+std::string FoldName(const std::string& name) {
+  std::string folded;
+  for (const std::string& word : Words(ReplaceAll(name, "-", " "))) {
+    std::string plain;
+    for (const char32_t c : ToCodePoints(word)) {
+      const char32_t upper = UpperCase(c);
+      if (!IsDropped(upper)) plain += PlainLetter(upper);
+    }
+    folded += plain.starts_with("MAC") && plain.size() > 4 ? "MC" + plain.substr(3) : plain;
+  }
+  return folded;
+}
+
+std::string CleanWrittenName(const std::string& name) {
+  std::string text = name.substr(0, name.find_first_of("(["));
+  for (const char* apostrophe : {"’", "‘", "´", "`"}) text = ReplaceAll(text, apostrophe, "'");
+  std::vector<std::string> words = Words(ReplaceAll(text, ".", " "));
+  while (words.size() > 2 && IsTitle(words.front())) words.erase(words.begin());
+  while (words.size() > 2 && IsFigure(words.back())) words.pop_back();
+  std::string clean;
+  for (const std::string& word : words) clean += (clean.empty() ? "" : " ") + word;
+  return clean;
+}
+
+bool FoldedEqual(const std::string& left, const std::string& right) {
+  return left.size() == right.size() && std::equal(left.begin(), left.end(), right.begin(),
+                                                   [](char a, char b) { return a == b || a == '?' || b == '?'; });
+}
+
+bool WithinOneSlip(const std::string& left, const std::string& right) {
+  if (FoldedEqual(left, right)) return true;
+  const std::string& shorter = left.size() <= right.size() ? left : right;
+  const std::string& longer = left.size() <= right.size() ? right : left;
+  if (longer.size() - shorter.size() > 1) return false;
+  std::size_t first = 0;
+  while (first < shorter.size() && shorter[first] == longer[first]) ++first;
+  if (longer.size() > shorter.size()) return shorter.substr(first) == longer.substr(first + 1);
+  const bool changed = shorter.substr(first + 1) == longer.substr(first + 1);
+  const bool exchanged = first + 1 < shorter.size() && shorter[first] == longer[first + 1] &&
+                         shorter[first + 1] == longer[first] && shorter.substr(first + 2) == longer.substr(first + 2);
+  return changed || exchanged;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,38 @@
+#include "host/text/ProgressBar.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <ostream>
+
+#include "host/text/Table.h"
+
+namespace tavi::host {
+namespace {
+constexpr std::size_t kBarWidth = 30;
+constexpr const char* kClearLine = "\r\x1b[K";
+}  // namespace
+
+bool OutputIsTerminal() {
+  return isatty(STDOUT_FILENO) == 1;
+}
+bool ErrorIsTerminal() {
+  return isatty(STDERR_FILENO) == 1;
+}
+
+ProgressBar::~ProgressBar() {
+  if (!shown_.empty()) out_ << kClearLine << std::flush;
+}
+
+void ProgressBar::Show(std::size_t done, const std::string& label) {
+  if (!visible_ || total_ == 0) return;
+  const std::size_t filled = std::min(kBarWidth, kBarWidth * done / total_);
+  const std::string line = fmt::format("[{}{}] {}/{} {}", std::string(filled, '#'),
+                                       std::string(kBarWidth - filled, '.'), done, total_, Printable(label));
+  if (line == shown_) return;
+  shown_ = line;
+  out_ << kClearLine << line << std::flush;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,158 @@
+#include "host/text/Table.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <stdexcept>
+
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+/// The plain text of a cell.
+std::string CellText(const Cell& cell) {
+  struct Writer {
+    std::string operator()(std::monostate) const { return {}; }
+    std::string operator()(bool value) const { return value ? "yes" : "no"; }
+    std::string operator()(std::int64_t value) const { return std::to_string(value); }
+    std::string operator()(const Decimals& number) const { return fmt::format("{:.{}f}", number.value, number.places); }
+    std::string operator()(double value) const { return NumberText(value); }
+    std::string operator()(const std::string& value) const { return value; }
+  };
+  return std::visit(Writer{}, cell);
+}
+
+nlohmann::ordered_json CellJson(const Cell& cell) {
+  struct Writer {
+    nlohmann::ordered_json operator()(std::monostate) const { return nullptr; }
+    nlohmann::ordered_json operator()(bool value) const { return value; }
+    nlohmann::ordered_json operator()(std::int64_t value) const { return value; }
+    nlohmann::ordered_json operator()(const Decimals& number) const {
+      return RoundHalfEven(number.value, number.places);
+    }
+    nlohmann::ordered_json operator()(double value) const { return value; }
+    nlohmann::ordered_json operator()(const std::string& value) const { return value; }
+  };
+  return std::visit(Writer{}, cell);
+}
+
+bool IsNumber(const Cell& cell) {
+  return std::holds_alternative<std::int64_t>(cell) || std::holds_alternative<Decimals>(cell) ||
+         std::holds_alternative<double>(cell);
+}
+
+std::string TabText(const Cell& cell) {
+  std::string text = ReplaceAll(CellText(cell), "\\", "\\\\");
+  text = ReplaceAll(text, "\t", "\\t");
+  text = ReplaceAll(text, "\n", "\\n");
+  return ReplaceAll(text, "\r", "\\r");
+}
+
+bool IsWide(char32_t c) {
+  return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
+         (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
+         (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x1F300 && c <= 0x1FAFF) || (c >= 0x20000 && c <= 0x3FFFD);
+}
+
+bool IsCombining(char32_t c) {
+  return (c >= 0x0300 && c <= 0x036F) || (c >= 0x1AB0 && c <= 0x1AFF) || (c >= 0x20D0 && c <= 0x20FF) ||
+         (c >= 0xFE00 && c <= 0xFE0F) || c == 0x200B || c == 0x200D;
+}
+
+}  // namespace
+
+std::size_t DisplayWidth(const std::string& text) {
+  std::size_t width = 0;
+  for (const char32_t c : ToCodePoints(text)) width += IsCombining(c) ? 0U : IsWide(c) ? 2U : 1U;
+  return width;
+}
+
+std::string Printable(const std::string& text) {
+  std::string shown;
+  for (const char32_t c : ToCodePoints(text)) {
+    if (c == U'\n') {
+      shown += "\\n";
+    } else if (c == U'\r') {
+      shown += "\\r";
+    } else if (c == U'\t') {
+      shown += "\\t";
+    } else if (c < 0x20 || (c >= 0x7F && c < 0xA0)) {
+      shown += fmt::format("\\x{:02x}", static_cast<unsigned>(c));
+    } else {
+      shown += FromCodePoints(std::u32string(1, c));
+    }
+  }
+  return shown;
+}
+
+void Table::Add(std::vector<Cell> row) {
+  if (row.size() != columns_.size()) throw std::logic_error("a row of a table must have a cell for each column");
+  rows_.push_back(std::move(row));
+}
+
+void Table::Write(std::ostream& out, OutputFormat format) const {
+  if (format == OutputFormat::Json) {
+    out << Json() << '\n';
+  } else if (format == OutputFormat::Tabs) {
+    WriteTabs(out);
+  } else {
+    WriteAligned(out);
+  }
+}
+
+std::string Table::Json() const {
+  nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+  for (const std::vector<Cell>& row : rows_) {
+    nlohmann::ordered_json object = nlohmann::ordered_json::object();
+    for (std::size_t i = 0; i < columns_.size(); ++i) object[columns_[i]] = CellJson(row[i]);
+    rows.push_back(std::move(object));
+  }
+  return rows.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+}
+
+void Table::WriteTabs(std::ostream& out) const {
+  const auto writeLine = [&out](const auto& cells, const auto& text) {
+    for (std::size_t i = 0; i < cells.size(); ++i) out << (i == 0 ? "" : "\t") << text(cells[i]);
+    out << '\n';
+  };
+  writeLine(columns_, [](const std::string& name) { return name; });
+  for (const std::vector<Cell>& row : rows_) writeLine(row, TabText);
+}
+
+void Table::WriteAligned(std::ostream& out) const {
+  std::vector<std::size_t> widths;
+  std::vector<bool> numeric(columns_.size(), true);
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    widths.push_back(DisplayWidth(columns_[i]));
+    bool any = false;
+    for (const std::vector<Cell>& row : rows_) {
+      widths[i] = std::max(widths[i], DisplayWidth(Printable(CellText(row[i]))));
+      any = any || IsNumber(row[i]);
+      numeric[i] = numeric[i] && (IsNumber(row[i]) || std::holds_alternative<std::monostate>(row[i]));
+    }
+    numeric[i] = numeric[i] && any;
+  }
+  const auto writeLine = [&](const std::vector<std::string>& texts) {
+    std::string line;
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      const std::string padding(widths[i] - DisplayWidth(texts[i]), ' ');
+      line += (i == 0 ? "" : "  ") + (numeric[i] ? padding + texts[i] : texts[i] + padding);
+    }
+    out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
+  };
+  writeLine(columns_);
+  std::vector<std::string> rule;
+  for (const std::size_t width : widths) rule.emplace_back(width, '-');
+  writeLine(rule);
+  for (const std::vector<Cell>& row : rows_) {
+    std::vector<std::string> texts;
+    for (const Cell& cell : row) texts.push_back(Printable(CellText(cell)));
+    writeLine(texts);
+  }
+}
+
+}  // namespace tavi::host

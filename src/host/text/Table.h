@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace tavi::host {
+
+/// How results are written: aligned columns for people, tab-separated lines for other programs, JSON where one reads
+/// it.
+enum class OutputFormat { Table, Tabs, Json };
+
+/// A number with a fixed count of decimals.
+struct Decimals {
+  double value = 0.0;
+  int places = 2;
+};
+
+/// One cell; std::monostate is "nothing" (empty, or null in JSON).
+using Cell = std::variant<std::monostate, bool, std::int64_t, Decimals, double, std::string>;
+
+/// Rows under column names.
+class Table {
+ public:
+  explicit Table(std::vector<std::string> columns) : columns_(std::move(columns)) {}
+
+  /// A row has one cell for each column.
+  void Add(std::vector<Cell> row);
+  [[nodiscard]] std::size_t RowCount() const { return rows_.size(); }
+
+  /// Writes the table. Table: header, line, columns aligned by what a terminal shows, numbers to the right. Tabs:
+  /// header and rows; tab, line feed, carriage return and backslash in texts are written \t \n \r \\. Json: an array of
+  /// objects.
+  void Write(std::ostream& out, OutputFormat format) const;
+  /// The JSON array alone, for use inside a larger document.
+  [[nodiscard]] std::string Json() const;
+
+ private:
+  void WriteAligned(std::ostream& out) const;
+  void WriteTabs(std::ostream& out) const;
+
+  std::vector<std::string> columns_;
+  std::vector<std::vector<Cell>> rows_;
+};
+
+/// How many columns a terminal uses for a text: combining marks none, East Asian wide characters two.
+std::size_t DisplayWidth(const std::string& text);
+/// A text with control characters shown as escapes, so that stored data cannot steer a terminal.
+std::string Printable(const std::string& text);
+
+}  // namespace tavi::host

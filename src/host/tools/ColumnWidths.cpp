@@ -1,0 +1,30 @@
+#include "host/tools/ColumnWidths.h"
+
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+
+ColumnWidths::ColumnWidths(const Platform& platform, const std::string& filePath, const std::string& table) {
+  const std::unique_ptr<ado::Connection> connection =
+      platform.databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + filePath);
+  const std::unique_ptr<ado::Recordset> columns = connection->OpenSchema(ado::SchemaKind::Columns);
+  for (; !columns->AtEnd(); columns->MoveNext()) {
+    const Value width = columns->Get("CHARACTER_MAXIMUM_LENGTH");
+    if (IsNull(width) || !EqualIgnoringCase(ToText(columns->Get("TABLE_NAME")), table)) continue;
+    widths_[LowerCase(ToText(columns->Get("COLUMN_NAME")))] = ToInt32(width);
+  }
+}
+
+void ColumnWidths::Require(const std::string& where, const std::string& column, const std::string& text) const {
+  const auto width = widths_.find(LowerCase(column));
+  if (width == widths_.end() || width->second <= 0) return;
+  // Percent signs and line breaks take two characters each once stored.
+  const std::string stored = ReplaceAll(ReplaceAll(ReplaceAll(text, "%", "%p"), "\r", "%c"), "\n", "%l");
+  if (TextLength(stored) <= static_cast<std::size_t>(width->second)) return;
+  throw Error(ErrorNumber::InvalidArgument, "tavi",
+              where + ": " + column + " has " + std::to_string(TextLength(stored)) + " characters; expected at most " +
+                  std::to_string(width->second));
+}
+
+}  // namespace tavi::host

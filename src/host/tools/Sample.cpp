@@ -1,0 +1,69 @@
+#include "host/tools/Sample.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+#include <sstream>
+
+#include "host/commands/Score.h"
+#include "host/results/UsebioReader.h"
+#include "host/tools/Import.h"
+#include "host/tools/NewClub.h"
+#include "platform/values/Error.h"
+#include "util/NativePath.h"
+
+namespace tavi::host {
+namespace {
+
+/// A folder that is not there yet.
+std::string NewFolder() {
+  const std::string stem = (std::filesystem::current_path() / "sample-club").string();
+  std::string folder = stem;
+  for (int number = 2; std::filesystem::exists(folder); ++number) folder = stem + "-" + std::to_string(number);
+  return folder;
+}
+
+std::vector<std::string> ResultFiles(const std::string& from) {
+  std::vector<std::string> files;
+  const std::filesystem::path folder = std::filesystem::path(from) / "evenings";
+  if (std::filesystem::is_directory(folder)) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+      if (entry.path().extension() == ".xml") files.push_back(entry.path().string());
+    }
+  }
+  if (files.empty()) {
+    throw Error(ErrorNumber::InvalidArgument, "tavi",
+                folder.string() + " holds no result files; expected USEBIO files (.xml)");
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+}  // namespace
+
+int MakeSample(Context context, const std::string& from) {
+  const std::vector<std::string> files = ResultFiles(from);
+  if (context.folder.empty()) context.folder = NewFolder();
+  std::ostringstream unshown;
+  const Context quiet{unshown,        context.error,   OutputFormat::Tabs, context.showProgress,
+                      context.folder, context.platform};
+  MakeClub(quiet, {"Sample Bridge Club", ""});
+  ImportMembers(quiet, (std::filesystem::path(from) / "members.csv").string());
+  ImportPairs(quiet, (std::filesystem::path(from) / "pairs.csv").string());
+  const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
+  const std::vector<ScoredFile> scored = ScoreFiles(context, *club, files);
+  for (const ScoredFile& file : scored) {
+    if (!file.error.empty()) throw Error(ErrorNumber::InvalidArgument, "tavi", file.error);
+  }
+  for (const ScoredEvent& event : scored.back().events) WriteRanking(context, event);
+  if (context.format == OutputFormat::Table) {
+    context.out << '\n'
+                << files.size() << " evenings scored. The club's file is\n  " << NativePath(context.ClubFile())
+                << "\nLook further with\n  ./run --db " << context.folder << " handicaps\n";
+  } else {
+    context.error << NativePath(context.ClubFile()) << '\n';
+  }
+  return kSucceeded;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,170 @@
+#include "host/results/UsebioReader.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/values/Error.h"
+
+namespace tavi::host {
+namespace {
+
+using ::testing::HasSubstr;
+
+std::string Player(const std::string& name, const std::string& more = "") {
+  return "<PLAYER><PLAYER_NAME>" + name + "</PLAYER_NAME>" + more + "</PLAYER>\n";
+}
+
+std::string Pair(const std::string& number, const std::string& result, const std::string& players) {
+  return "<PAIR><PAIR_NUMBER>" + number + "</PAIR_NUMBER>\n" + result + "\n" + players + "</PAIR>\n";
+}
+
+std::string File(const std::string& inside, const std::string& type = "PAIRS", const std::string& date = "03/09/2024") {
+  return "<USEBIO Version=\"1.2\">\n<EVENT EVENT_TYPE=\"" + type + "\">\n<EVENT_DESCRIPTION>Tuesday</EVENT_DESCRIPTION>\n<DATE>" +
+         date + "</DATE>\n" + inside + "</EVENT>\n</USEBIO>\n";
+}
+
+const std::string kFirst = Pair("1", "<PERCENTAGE>55.5</PERCENTAGE><PLACE>1</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
+const std::string kSecond = Pair("2", "<PERCENTAGE>44.5</PERCENTAGE><PLACE>2</PLACE>", Player("Cat Fox") + Player("Dan Orr"));
+
+std::string Participants(const std::string& inside) { return "<PARTICIPANTS>\n" + inside + "</PARTICIPANTS>\n"; }
+
+std::string Refusal(const std::string& text) {
+  try {
+    ReadUsebio(text, "week.xml");
+  } catch (const Error& error) {
+    return error.Description();
+  }
+  return "it was read";
+}
+
+TEST(UsebioReader, ReadsNameDateAndResultsOfAPairsEvent) {
+  const std::vector<Event> events = ReadUsebio(File(Participants(kFirst + kSecond)), "week.xml");
+  ASSERT_EQ(events.size(), 1U);
+  EXPECT_EQ(events[0].name, "Tuesday");
+  EXPECT_EQ(events[0].date.Iso(), "2024-09-03");
+  EXPECT_EQ(events[0].kind, Event::Kind::Pairs);
+  ASSERT_EQ(events[0].contestants.size(), 2U);
+  EXPECT_DOUBLE_EQ(*events[0].contestants[0].actualPercentage, 55.5);
+  EXPECT_EQ(events[0].contestants[0].players[1].name, "Bob Ray");
+  EXPECT_TRUE(events[0].HasPercentages());
+}
+
+TEST(UsebioReader, TakesTheEqualsSignOffAPlaceAndKeepsThatItWasATie) {
+  const std::string tied = Pair("1", "<PERCENTAGE>50</PERCENTAGE><PLACE>3=</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
+  const Contestant contestant = ReadUsebio(File(Participants(tied)), "week.xml")[0].contestants[0];
+  EXPECT_EQ(contestant.place, 3);
+  EXPECT_TRUE(contestant.tied);
+}
+
+TEST(UsebioReader, CountsMasterPointsInHundredths) {
+  const std::string award =
+      "<PERCENTAGE>50</PERCENTAGE><MASTER_POINTS><MASTER_POINTS_AWARDED>24</MASTER_POINTS_AWARDED>"
+      "<MASTER_POINT_TYPE>Green</MASTER_POINT_TYPE></MASTER_POINTS>";
+  const Contestant contestant =
+      ReadUsebio(File(Participants(Pair("1", award, Player("Ann Lee") + Player("Bob Ray")))), "week.xml")[0].contestants[0];
+  ASSERT_EQ(contestant.awards.size(), 1U);
+  EXPECT_DOUBLE_EQ(contestant.awards[0].points, 0.24);
+  EXPECT_EQ(contestant.awards[0].colour, ColourCode("GREEN"));
+}
+
+TEST(UsebioReader, DropsLeadingZerosAndFigureNumbersThatMeanNone) {
+  const std::string numbers = Player("Ann Lee", "<NATIONAL_ID_NUMBER>00990183</NATIONAL_ID_NUMBER>") +
+                              Player("Bob Ray", "<NATIONAL_ID_NUMBER>88888888</NATIONAL_ID_NUMBER>");
+  const Contestant contestant =
+      ReadUsebio(File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", numbers))), "week.xml")[0].contestants[0];
+  EXPECT_EQ(contestant.players[0].nationalNumber, "990183");
+  EXPECT_EQ(contestant.players[1].nationalNumber, "");
+}
+
+TEST(UsebioReader, ReadsIsoDates) {
+  EXPECT_EQ(ReadUsebio(File(Participants(kFirst), "PAIRS", "2025-01-07"), "week.xml")[0].date.Iso(), "2025-01-07");
+}
+
+TEST(UsebioReader, ReadsLatinTextThatCallsItselfIso8859) {
+  const std::string text = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n" +
+                           File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", Player("Zo\xEB O\x92Hara") + Player("Bob Ray"))));
+  EXPECT_EQ(ReadUsebio(text, "week.xml")[0].contestants[0].players[0].name, "Zoë O’Hara");
+}
+
+TEST(UsebioReader, TakesAddedHandicapsOutAgainWhenTheTravellersTellThatTheyAreIn) {
+  const std::string players = Player("Ann Lee") + Player("Bob Ray");
+  const std::string others = Player("Cat Fox") + Player("Dan Orr");
+  const std::string line =
+      "<BOARD><BOARD_NUMBER>1</BOARD_NUMBER><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>2</EW_PAIR_NUMBER>"
+      "<NS_MATCH_POINTS>6</NS_MATCH_POINTS><EW_MATCH_POINTS>4</EW_MATCH_POINTS></TRAVELLER_LINE></BOARD>";
+  const std::string inside = Participants(Pair("1", "<PERCENTAGE>57</PERCENTAGE><HANDICAP>-3</HANDICAP>", players) +
+                                          Pair("2", "<PERCENTAGE>43</PERCENTAGE><HANDICAP>3</HANDICAP>", others)) +
+                             line;
+  const Event event = ReadUsebio(File(inside), "week.xml")[0];
+  EXPECT_DOUBLE_EQ(*event.contestants[0].actualPercentage, 60.0);
+  EXPECT_DOUBLE_EQ(*event.contestants[1].actualPercentage, 40.0);
+  EXPECT_FALSE(event.remarks.empty());
+}
+
+TEST(UsebioReader, TellsTwoEventsOfOneNameAndDayApart) {
+  std::string text = File(Participants(kFirst));
+  const std::string event = text.substr(text.find("<EVENT "), text.find("</EVENT>") + 9 - text.find("<EVENT "));
+  text.insert(text.find("</USEBIO>"), event);
+  const std::vector<Event> events = ReadUsebio(text, "week.xml");
+  ASSERT_EQ(events.size(), 2U);
+  EXPECT_EQ(events[1].name, "Tuesday (2)");
+}
+
+TEST(UsebioReader, StoresTheResultOfAPairOfThreeForTheFirstTwoAndSaysSo) {
+  const std::string three = Player("Ann Lee") + Player("Bob Ray") + Player("Cat Fox");
+  const Event event = ReadUsebio(File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", three))), "week.xml")[0];
+  ASSERT_EQ(event.remarks.size(), 1U);
+  EXPECT_THAT(event.remarks[0], HasSubstr("first two, Ann Lee and Bob Ray"));
+}
+
+TEST(UsebioReader, RefusesAFileInPlainWordsThatNameTheLine) {
+  const std::string noPercentage = Pair("3", "<PLACE>3</PLACE>", Player("Eve Poe") + Player("Fay Ash"));
+  const std::string tooMuch = Pair("3", "<PERCENTAGE>140.00</PERCENTAGE>", Player("Eve Poe") + Player("Fay Ash"));
+  const std::string comma = Pair("3", "<PERCENTAGE>52,38</PERCENTAGE>", Player("Eve Poe") + Player("Fay Ash"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst + noPercentage))), HasSubstr("week.xml:9: number 3 has no PERCENTAGE"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst + tooMuch))), HasSubstr("week.xml:10: PERCENTAGE is 140.00; expected 0 to 100"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst + comma))), HasSubstr("PERCENTAGE is \"52,38\"; expected a number"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst + kFirst))), HasSubstr("number 1 is given to two contestants"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst), "PAIRS", "2024-13-40")), HasSubstr("DATE is \"2024-13-40\""));
+  EXPECT_THAT(Refusal(File("")), HasSubstr("lists nobody"));
+  EXPECT_THAT(Refusal("<RESULTS/>"), HasSubstr("the root element is RESULTS; expected USEBIO"));
+  EXPECT_THAT(Refusal(""), HasSubstr("week.xml:1: the file is empty"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst)).substr(0, 120)), HasSubstr("week.xml:"));
+}
+
+TEST(UsebioReader, RefusesTravellersOfPairsThatAreNotListed) {
+  const std::string line =
+      "<BOARD><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>7</EW_PAIR_NUMBER></TRAVELLER_LINE></BOARD>";
+  EXPECT_THAT(Refusal(File(Participants(kFirst + kSecond) + line)), HasSubstr("names pair 7 sitting EW"));
+}
+
+TEST(UsebioReader, RefusesBytesThatAreNotInTheDeclaredEncoding) {
+  const std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + File(Participants(kFirst + "<!-- \xEB -->"));
+  EXPECT_THAT(Refusal(text), HasSubstr("says that it is UTF-8"));
+}
+
+TEST(UsebioReader, RefusesEntitiesWithoutExpandingOrOpeningThem) {
+  const std::string text = "<!DOCTYPE USEBIO [<!ENTITY x SYSTEM \"secret.txt\">]>\n" + File(Participants(kFirst));
+  EXPECT_THAT(Refusal(text), HasSubstr("defines entities"));
+}
+
+TEST(UsebioReader, RefusesElementsThatLieTooDeep) {
+  std::string deep;
+  for (int i = 0; i < 100000; ++i) deep += "<a>";
+  EXPECT_THAT(Refusal(File(deep)), HasSubstr("more than 64 deep"));
+}
+
+TEST(UsebioReader, AnswersOrRefusesWhateverBytesAreChanged) {
+  const std::string sound = File(Participants(kFirst + kSecond));
+  for (std::size_t at = 0; at < sound.size(); ++at) {
+    for (const char byte : {'<', '>', '&', '\0', '\xFF', '/', '"'}) {
+      std::string hurt = sound;
+      hurt[at] = byte;
+      EXPECT_NO_FATAL_FAILURE(Refusal(hurt));
+    }
+    EXPECT_NO_FATAL_FAILURE(Refusal(sound.substr(0, at)));
+  }
+}
+
+}  // namespace
+}  // namespace tavi::host
