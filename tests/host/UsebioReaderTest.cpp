@@ -19,14 +19,19 @@ std::string Pair(const std::string& number, const std::string& result, const std
 }
 
 std::string File(const std::string& inside, const std::string& type = "PAIRS", const std::string& date = "03/09/2024") {
-  return "<USEBIO Version=\"1.2\">\n<EVENT EVENT_TYPE=\"" + type + "\">\n<EVENT_DESCRIPTION>Tuesday</EVENT_DESCRIPTION>\n<DATE>" +
-         date + "</DATE>\n" + inside + "</EVENT>\n</USEBIO>\n";
+  return "<USEBIO Version=\"1.2\">\n<EVENT EVENT_TYPE=\"" + type +
+         "\">\n<EVENT_DESCRIPTION>Tuesday</EVENT_DESCRIPTION>\n<DATE>" + date + "</DATE>\n" + inside +
+         "</EVENT>\n</USEBIO>\n";
 }
 
-const std::string kFirst = Pair("1", "<PERCENTAGE>55.5</PERCENTAGE><PLACE>1</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
-const std::string kSecond = Pair("2", "<PERCENTAGE>44.5</PERCENTAGE><PLACE>2</PLACE>", Player("Cat Fox") + Player("Dan Orr"));
+const std::string kFirst =
+    Pair("1", "<PERCENTAGE>55.5</PERCENTAGE><PLACE>1</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
+const std::string kSecond =
+    Pair("2", "<PERCENTAGE>44.5</PERCENTAGE><PLACE>2</PLACE>", Player("Cat Fox") + Player("Dan Orr"));
 
-std::string Participants(const std::string& inside) { return "<PARTICIPANTS>\n" + inside + "</PARTICIPANTS>\n"; }
+std::string Participants(const std::string& inside) {
+  return "<PARTICIPANTS>\n" + inside + "</PARTICIPANTS>\n";
+}
 
 std::string Refusal(const std::string& text) {
   try {
@@ -50,7 +55,8 @@ TEST(UsebioReader, ReadsNameDateAndResultsOfAPairsEvent) {
 }
 
 TEST(UsebioReader, TakesTheEqualsSignOffAPlaceAndKeepsThatItWasATie) {
-  const std::string tied = Pair("1", "<PERCENTAGE>50</PERCENTAGE><PLACE>3=</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
+  const std::string tied =
+      Pair("1", "<PERCENTAGE>50</PERCENTAGE><PLACE>3=</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
   const Contestant contestant = ReadUsebio(File(Participants(tied)), "week.xml")[0].contestants[0];
   EXPECT_EQ(contestant.place, 3);
   EXPECT_TRUE(contestant.tied);
@@ -61,7 +67,8 @@ TEST(UsebioReader, CountsMasterPointsInHundredths) {
       "<PERCENTAGE>50</PERCENTAGE><MASTER_POINTS><MASTER_POINTS_AWARDED>24</MASTER_POINTS_AWARDED>"
       "<MASTER_POINT_TYPE>Green</MASTER_POINT_TYPE></MASTER_POINTS>";
   const Contestant contestant =
-      ReadUsebio(File(Participants(Pair("1", award, Player("Ann Lee") + Player("Bob Ray")))), "week.xml")[0].contestants[0];
+      ReadUsebio(File(Participants(Pair("1", award, Player("Ann Lee") + Player("Bob Ray")))), "week.xml")[0]
+          .contestants[0];
   ASSERT_EQ(contestant.awards.size(), 1U);
   EXPECT_DOUBLE_EQ(contestant.awards[0].points, 0.24);
   EXPECT_EQ(contestant.awards[0].colour, ColourCode("GREEN"));
@@ -81,8 +88,9 @@ TEST(UsebioReader, ReadsIsoDates) {
 }
 
 TEST(UsebioReader, ReadsLatinTextThatCallsItselfIso8859) {
-  const std::string text = "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n" +
-                           File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", Player("Zo\xEB O\x92Hara") + Player("Bob Ray"))));
+  const std::string text =
+      "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n" +
+      File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", Player("Zo\xEB O\x92Hara") + Player("Bob Ray"))));
   EXPECT_EQ(ReadUsebio(text, "week.xml")[0].contestants[0].players[0].name, "Zoë O’Hara");
 }
 
@@ -90,7 +98,8 @@ TEST(UsebioReader, TakesAddedHandicapsOutAgainWhenTheTravellersTellThatTheyAreIn
   const std::string players = Player("Ann Lee") + Player("Bob Ray");
   const std::string others = Player("Cat Fox") + Player("Dan Orr");
   const std::string line =
-      "<BOARD><BOARD_NUMBER>1</BOARD_NUMBER><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>2</EW_PAIR_NUMBER>"
+      "<BOARD><BOARD_NUMBER>1</BOARD_NUMBER><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>2</"
+      "EW_PAIR_NUMBER>"
       "<NS_MATCH_POINTS>6</NS_MATCH_POINTS><EW_MATCH_POINTS>4</EW_MATCH_POINTS></TRAVELLER_LINE></BOARD>";
   const std::string inside = Participants(Pair("1", "<PERCENTAGE>57</PERCENTAGE><HANDICAP>-3</HANDICAP>", players) +
                                           Pair("2", "<PERCENTAGE>43</PERCENTAGE><HANDICAP>3</HANDICAP>", others)) +
@@ -121,8 +130,9 @@ TEST(UsebioReader, RefusesAFileInPlainWordsThatNameTheLine) {
   const std::string noPercentage = Pair("3", "<PLACE>3</PLACE>", Player("Eve Poe") + Player("Fay Ash"));
   const std::string tooMuch = Pair("3", "<PERCENTAGE>140.00</PERCENTAGE>", Player("Eve Poe") + Player("Fay Ash"));
   const std::string comma = Pair("3", "<PERCENTAGE>52,38</PERCENTAGE>", Player("Eve Poe") + Player("Fay Ash"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst + noPercentage))), HasSubstr("week.xml:9: number 3 has no PERCENTAGE"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst + tooMuch))), HasSubstr("week.xml:10: PERCENTAGE is 140.00; expected 0 to 100"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst + noPercentage))), HasSubstr("week.xml:11: number 3 has no PERCENTAGE"));
+  EXPECT_THAT(Refusal(File(Participants(kFirst + tooMuch))),
+              HasSubstr("week.xml:12: PERCENTAGE is 140.00; expected 0 to 100"));
   EXPECT_THAT(Refusal(File(Participants(kFirst + comma))), HasSubstr("PERCENTAGE is \"52,38\"; expected a number"));
   EXPECT_THAT(Refusal(File(Participants(kFirst + kFirst))), HasSubstr("number 1 is given to two contestants"));
   EXPECT_THAT(Refusal(File(Participants(kFirst), "PAIRS", "2024-13-40")), HasSubstr("DATE is \"2024-13-40\""));
@@ -134,12 +144,14 @@ TEST(UsebioReader, RefusesAFileInPlainWordsThatNameTheLine) {
 
 TEST(UsebioReader, RefusesTravellersOfPairsThatAreNotListed) {
   const std::string line =
-      "<BOARD><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>7</EW_PAIR_NUMBER></TRAVELLER_LINE></BOARD>";
+      "<BOARD><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>7</EW_PAIR_NUMBER></TRAVELLER_LINE></"
+      "BOARD>";
   EXPECT_THAT(Refusal(File(Participants(kFirst + kSecond) + line)), HasSubstr("names pair 7 sitting EW"));
 }
 
 TEST(UsebioReader, RefusesBytesThatAreNotInTheDeclaredEncoding) {
-  const std::string text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + File(Participants(kFirst + "<!-- \xEB -->"));
+  const std::string text =
+      "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + File(Participants(kFirst + "<!-- \xEB -->"));
   EXPECT_THAT(Refusal(text), HasSubstr("says that it is UTF-8"));
 }
 

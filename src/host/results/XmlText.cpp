@@ -93,7 +93,8 @@ bool IsLatin(const std::string& encoding) {
 std::size_t SkipTo(std::string_view text, std::size_t at, std::string_view end, const std::string& fileName) {
   const std::size_t found = text.find(end, at);
   if (found == std::string_view::npos) {
-    Refuse(fileName, LineOf(text, at), "the file ends inside markup that should end with " + std::string(end));
+    Refuse(fileName, LineOf(text, at),
+           "the file ends inside markup; expected " + std::string(end) + " and the rest of the file");
   }
   return found + end.size();
 }
@@ -105,7 +106,7 @@ std::size_t SkipDocumentType(std::string_view text, std::size_t at, const std::s
   const std::size_t close = SkipTo(text, subset, "]", fileName);
   if (text.substr(subset, close - subset).find("<!ENTITY") != std::string_view::npos) {
     Refuse(fileName, LineOf(text, text.find("<!ENTITY", subset)),
-           "the document type defines entities, which result files have no use for; the file is not read");
+           "the document type defines entities, which result files have no use for; expected none");
   }
   return SkipTo(text, close, ">", fileName);
 }
@@ -155,7 +156,8 @@ std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
   if (const auto invalid = FirstInvalidUtf8(bytes)) {
     if (!marked && declared.empty()) return FromWindows1252(bytes);
     Refuse(fileName, LineOf(bytes, *invalid),
-           "the file says that it is UTF-8, but a byte here is not; save it again in the encoding that it names");
+           "the file says that it is UTF-8, but a byte here is not; expected UTF-8, or a declaration of the true "
+           "encoding");
   }
   return std::string(bytes);
 }
@@ -179,7 +181,8 @@ void CheckXmlIsHarmless(std::string_view text, const std::string& fileName) {
       if (closing) --depth;
       if (!closing && !empty && ++depth > kMaximumElementDepth) {
         Refuse(fileName, LineOf(text, at),
-               "elements lie more than " + std::to_string(kMaximumElementDepth) + " deep; this is no result file");
+               "elements lie more than " + std::to_string(kMaximumElementDepth) +
+                   " deep; expected 8 or so, as in result files");
       }
       at = end;
     }
