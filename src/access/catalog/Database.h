@@ -15,13 +15,13 @@ namespace tavi::access {
 struct ColumnDesign {
   std::string name;
   ColumnType type = ColumnType::Text;
-  std::uint16_t length = 255;  ///< Text: characters; Binary: bytes; others: ignored
-  std::uint8_t precision = 18; ///< Numeric
-  std::uint8_t scale = 0;      ///< Numeric
+  std::uint16_t length = 255;   ///< Text: characters; Binary: bytes; others: ignored
+  std::uint8_t precision = 18;  ///< Numeric
+  std::uint8_t scale = 0;       ///< Numeric
   bool autoNumber = false;
   bool required = false;
   bool allowZeroLength = true;
-  bool compressed = true;      ///< Unicode compression of Text and Memo
+  bool compressed = true;         ///< Unicode compression of Text and Memo
   std::string defaultExpression;  ///< expression text, empty for none
 };
 
@@ -73,8 +73,9 @@ class Database {
   explicit Database(std::unique_ptr<Pager> pager);
   ~Database();
 
-  /// Writes a new, empty Jet 4 file that holds the system tables only. Raises ProviderFailure when the file exists.
-  static void CreateFile(FileSystem& fileSystem, const std::string& path);
+  /// Writes a new, empty Jet 4 file that holds the system tables only, durable on return. `now` becomes the time at
+  /// which they were made. Raises ProviderFailure when the file exists.
+  static void CreateFile(FileSystem& fileSystem, const std::string& path, Date now);
 
   [[nodiscard]] Pager& GetPager();
 
@@ -87,17 +88,27 @@ class Database {
   /// As OpenTable, but nothing when there is no such table.
   [[nodiscard]] std::shared_ptr<Table> FindTable(std::string_view name);
 
-  /// Raises ProviderSyntax for an unusable name, ProviderFailure ("Table 'X' already exists.") for one in use.
+  // The changes of definitions below take the time for the table's date of change; without one that date stays.
+
+  /// Makes an empty table. An index without a name gets one. Raises ProviderSyntax for an unusable name,
+  /// ProviderFailure ("Table 'X' already exists.") for one in use, ProviderBadStatus for a column that is there twice,
+  /// ProviderFailure ("Too many fields defined.") for more than 255.
   void CreateTable(const TableDesign& design, Date now);
+  /// Raises ProviderNoTable, ProviderPermission for a table of the system, ProviderFailure while a relationship uses
+  /// it.
   void DropTable(std::string_view name);
-  /// Raises ProviderBadStatus when the column exists, ProviderFailure ("Too many fields defined.") when 255 columns
-  /// were ever created in the table.
-  void AddColumn(std::string_view table, const ColumnDesign& column);
+  /// Existing rows get null (a Boolean: False; an automatic number: 1, 2, ...); `required` and the default hold for
+  /// rows that are written from then on. Raises ProviderBadStatus when the column exists, ProviderFailure ("Too many
+  /// fields defined.") when 255 columns were ever created in the table.
+  void AddColumn(std::string_view table, const ColumnDesign& column, std::optional<Date> now = std::nullopt);
   /// Raises ProviderBadParameter when there is no such column, ProviderFailure while an index or relationship uses it.
-  void DropColumn(std::string_view table, std::string_view column);
-  /// Builds the index from the rows. Raises ProviderIntegrity when they violate it.
-  void CreateIndex(std::string_view table, const IndexDesign& design);
-  void DropIndex(std::string_view table, std::string_view index);
+  void DropColumn(std::string_view table, std::string_view column, std::optional<Date> now = std::nullopt);
+  /// Builds the index from the rows. Raises ProviderFailure for duplicate keys in a unique index, more than 32 indexes,
+  /// a name in use or a second primary key; ProviderIntegrity for a null in a key that must not have one;
+  /// ProviderBadParameter for an unknown column.
+  void CreateIndex(std::string_view table, const IndexDesign& design, std::optional<Date> now = std::nullopt);
+  /// Raises ProviderFailure when there is no such index or a relationship uses it.
+  void DropIndex(std::string_view table, std::string_view index, std::optional<Date> now = std::nullopt);
 
  private:
   class Implementation;

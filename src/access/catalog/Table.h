@@ -16,23 +16,23 @@ namespace tavi::access {
 struct Column {
   ColumnDefinition definition;
   bool required = false;
-  bool allowZeroLength = true;      ///< false only when the file says so expressly
-  std::string defaultExpression;    ///< expression text, empty for none
+  bool allowZeroLength = true;    ///< false only when the file says so expressly
+  std::string defaultExpression;  ///< expression text, empty for none
 };
 
 /// An index as statements see it: one for each physical index.
 struct Index {
-  std::string name;                 ///< of the first logical index on it
+  std::string name;  ///< of the first logical index on it
   RealIndexDefinition definition;
-  std::vector<std::size_t> columns; ///< positions in Table::Columns(), key order
+  std::vector<std::size_t> columns;  ///< positions in Table::Columns(), key order
   std::vector<bool> ascending;
   bool primaryKey = false;
   IndexStatistics statistics;
 };
 
 /// A table with its columns, rows, indexes, required columns and relationships: what SQL statements work on. Insert,
-/// Update and Delete keep rows and all indexes in step; they ask every index, required column and relationship first and
-/// change pages only when all agree, so a refused change leaves no trace.
+/// Update and Delete keep rows and all indexes in step; they ask every index, required column and relationship first
+/// and change pages only when all agree, so a refused change leaves no trace.
 class Table {
  public:
   virtual ~Table() = default;

@@ -1,0 +1,133 @@
+#include <algorithm>
+
+#include "access/catalog/CatalogRows.h"
+#include "access/catalog/ChangeErrors.h"
+#include "access/catalog/DefinitionChanges.h"
+#include "access/catalog/Names.h"
+#include "access/catalog/TableLayout.h"
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+#include "access/file/UsageMap.h"
+
+namespace tavi::access {
+
+namespace {
+
+bool IsText(ColumnType type) {
+  return type == ColumnType::Text || type == ColumnType::Memo;
+}
+
+const ColumnDefinition* FindSame(const TableDefinition& definition, std::string_view name) {
+  const auto found = std::ranges::find_if(definition.columns,
+                                          [&](const ColumnDefinition& column) { return SameName(column.name, name); });
+  return found == definition.columns.end() ? nullptr : &*found;
+}
+
+/// Where the fixed area of rows may have ended at any time. Columns that were dropped may have lain behind all that are
+/// left; their bytes are still in the rows. They are passed by unless nothing was dropped behind the last one left.
+std::size_t FreeFixedOffset(Pager& pager, const TableDefinition& definition) {
+  const std::size_t end = FixedAreaEnd(definition);
+  return end;
+}
+
+/// Numbers the rows that the table has already.
+void NumberRows(Pager& pager, StoredTable& table, std::size_t column) {
+  std::int32_t number = 0;
+  std::vector<RowPointer> rows;
+  table.Rows().Walk([&](RowPointer row) {
+    rows.push_back(row);
+    return true;
+  });
+  for (const RowPointer row : rows) {
+    RowValues values = table.Read(row);
+    values[column] = ++number;
+    table.Rows().Update(row, values);
+  }
+  SetLastAutoNumber(pager, table.Definition(), number);
+}
+
+void RefuseUsedColumn(Catalog& catalog, const StoredTable& table, const ColumnDefinition& column) {
+  for (const LogicalIndexDefinition& logical : table.Definition().logicalIndexes) {
+    if (logical.realIndex >= table.Definition().realIndexes.size()) continue;
+    const auto& used = table.Definition().realIndexes[logical.realIndex].columns;
+    if (std::ranges::find(used, column.id, &IndexColumn::columnId) != used.end())
+      RaiseColumnInUse(table.Name(), column.name, logical.name);
+  }
+  const auto isColumn = [&](const std::string& name) { return SameName(name, column.name); };
+  for (const Relationship& relationship : catalog.Relationships()) {
+    const bool primary =
+        SameName(relationship.primaryTable, table.Name()) && std::ranges::any_of(relationship.primaryColumns, isColumn);
+    const bool foreign =
+        SameName(relationship.foreignTable, table.Name()) && std::ranges::any_of(relationship.foreignColumns, isColumn);
+    if (primary || foreign) RaiseColumnInUse(table.Name(), column.name, relationship.name);
+  }
+}
+
+void DropLongValues(Pager& pager, StoredTable& table, TableDefinition& definition, std::uint16_t columnId) {
+  const auto maps = std::ranges::find(definition.longValueMaps, columnId, &LongValueMaps::columnId);
+  if (maps == definition.longValueMaps.end()) return;
+  table.Rows().RemoveLongValues(columnId);
+  PageAllocator allocator(pager);
+  if (!maps->ownedPages.IsNone()) allocator.RemoveUsageMap(maps->ownedPages);
+  if (!maps->freeSpacePages.IsNone()) allocator.RemoveUsageMap(maps->freeSpacePages);
+  definition.longValueMaps.erase(maps);
+}
+
+}  // namespace
+
+void DescribeColumn(PropertyBlob& properties, const ColumnDesign& design) {
+  if (design.required) properties.SetColumnFlag(design.name, property_name::kRequired, true);
+  if (IsText(design.type)) {
+    properties.SetColumnFlag(design.name, property_name::kAllowZeroLength, design.allowZeroLength);
+    properties.SetColumnFlag(design.name, property_name::kUnicodeCompression, design.compressed);
+  }
+  if (!design.defaultExpression.empty())
+    properties.SetColumnText(design.name, property_name::kDefaultValue, design.defaultExpression);
+}
+
+void AddColumn(Catalog& catalog, std::string_view table, const ColumnDesign& design, std::optional<Date> now) {
+  const CatalogObject object = ChangeableTable(catalog, table);
+  Pager& pager = catalog.GetPager();
+  TableDefinition definition = catalog.OpenTable(table)->Definition();
+  PropertyBlob properties = catalog.Properties(object);
+  if (FindSame(definition, design.name) != nullptr) RaiseColumnExists(object.name, design.name);
+
+  ColumnDefinition column = MakeColumn(design, FileSortOrder(catalog));
+  for (const ColumnDefinition& other : definition.columns)
+    column.ordinal = std::max<std::uint16_t>(column.ordinal, static_cast<std::uint16_t>(other.ordinal + 1));
+  AppendColumn(definition, std::move(column), FreeFixedOffset(pager, definition));
+  SortRecords(definition);
+  AllocateParts(pager, definition, 0);
+  WriteTableDefinition(pager, definition, true);
+
+  properties.RemoveColumn(design.name);
+  DescribeColumn(properties, design);
+  ChangeObject(catalog, object, &properties, now);
+  if (design.autoNumber && design.type == ColumnType::Long) {
+    const std::shared_ptr<StoredTable> altered = catalog.OpenTable(table);
+    NumberRows(pager, *altered, altered->FindColumn(design.name).value());
+  }
+}
+
+void DropColumn(Catalog& catalog, std::string_view table, std::string_view column, std::optional<Date> now) {
+  const CatalogObject object = ChangeableTable(catalog, table);
+  const std::shared_ptr<StoredTable> stored = catalog.OpenTable(table);
+  TableDefinition definition = stored->Definition();
+  const ColumnDefinition* found = FindSame(definition, column);
+  if (found == nullptr) RaiseNoColumn(object.name, column);
+  RefuseUsedColumn(catalog, *stored, *found);
+  if (definition.columns.size() == 1)
+    RaiseFailure("The field '" + found->name + "' is the only one of the table '" + object.name +
+                 "' and cannot be deleted. Delete the table instead.");
+
+  Pager& pager = catalog.GetPager();
+  PropertyBlob properties = catalog.Properties(object);
+  properties.RemoveColumn(found->name);
+  const std::uint16_t id = found->id;
+  DropLongValues(pager, *stored, definition, id);
+  std::erase_if(definition.columns, [&](const ColumnDefinition& other) { return other.id == id; });
+  WriteTableDefinition(pager, definition, true);
+  ChangeObject(catalog, object, &properties, now);
+}
+
+}  // namespace tavi::access

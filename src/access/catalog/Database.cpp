@@ -1,0 +1,83 @@
+#include "access/catalog/Database.h"
+
+#include "access/catalog/Catalog.h"
+#include "access/catalog/ChangeErrors.h"
+#include "access/catalog/DefinitionChanges.h"
+#include "access/catalog/NewFile.h"
+
+namespace tavi::access {
+
+class Database::Implementation {
+ public:
+  explicit Implementation(std::unique_ptr<Pager> opened) : pager(std::move(opened)), catalog(*pager) {}
+
+  std::unique_ptr<Pager> pager;
+  Catalog catalog;
+};
+
+Database::Database(std::unique_ptr<Pager> pager)
+    : implementation_(std::make_unique<Implementation>(std::move(pager))) {}
+
+Database::~Database() = default;
+
+void Database::CreateFile(FileSystem& fileSystem, const std::string& path, Date now) {
+  Pager::Create(fileSystem, path, MakeNewFile(now));
+}
+
+Pager& Database::GetPager() {
+  return *implementation_->pager;
+}
+
+std::vector<CatalogEntry> Database::Tables() {
+  std::vector<CatalogEntry> entries;
+  for (const CatalogObject& object : implementation_->catalog.Objects()) {
+    if (!object.IsTable() && !object.IsLinked()) continue;
+    CatalogEntry entry;
+    entry.name = object.name;
+    entry.page = object.IsTable() ? static_cast<PageNumber>(object.id) : 0;
+    entry.isSystem = object.IsSystem();
+    entry.isLinked = object.IsLinked();
+    entries.push_back(std::move(entry));
+  }
+  return entries;
+}
+
+std::vector<Relationship> Database::Relationships() {
+  return implementation_->catalog.Relationships();
+}
+
+std::shared_ptr<Table> Database::OpenTable(std::string_view name) {
+  return implementation_->catalog.OpenTable(name);
+}
+
+std::shared_ptr<Table> Database::FindTable(std::string_view name) {
+  const CatalogObject* object = implementation_->catalog.FindNamed(name);
+  if (object == nullptr || !object->IsTable()) return nullptr;
+  return implementation_->catalog.OpenTable(name);
+}
+
+void Database::CreateTable(const TableDesign& design, Date now) {
+  access::CreateTable(implementation_->catalog, design, now);
+}
+
+void Database::DropTable(std::string_view name) {
+  access::DropTable(implementation_->catalog, name);
+}
+
+void Database::AddColumn(std::string_view table, const ColumnDesign& column, std::optional<Date> now) {
+  access::AddColumn(implementation_->catalog, table, column, now);
+}
+
+void Database::DropColumn(std::string_view table, std::string_view column, std::optional<Date> now) {
+  access::DropColumn(implementation_->catalog, table, column, now);
+}
+
+void Database::CreateIndex(std::string_view table, const IndexDesign& design, std::optional<Date> now) {
+  access::CreateIndex(implementation_->catalog, table, design, now);
+}
+
+void Database::DropIndex(std::string_view table, std::string_view index, std::optional<Date> now) {
+  access::DropIndex(implementation_->catalog, table, index, now);
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,50 @@
+#include "access/catalog/MemoryPager.h"
+
+#include "access/file/EngineError.h"
+
+namespace tavi::access {
+
+MemoryPager::MemoryPager(PageNumber pageCount) {
+  for (PageNumber number = 0; number < pageCount; ++number) pages_.push_back(std::make_unique<Page>(number));
+}
+
+std::vector<Page> MemoryPager::Pages() const {
+  std::vector<Page> pages;
+  pages.reserve(pages_.size());
+  for (const auto& page : pages_) pages.push_back(*page);
+  return pages;
+}
+
+void MemoryPager::Rollback() {
+  throw Error(ErrorNumber::ProviderFailure, kErrorSource, "A file that is being made cannot be rolled back.");
+}
+
+PageNumber MemoryPager::PageCount() const {
+  return static_cast<PageNumber>(pages_.size());
+}
+
+// A handle keeps its content while writers go on with theirs.
+PageHandle MemoryPager::Read(PageNumber number) {
+  return std::make_shared<Page>(At(number));
+}
+
+Page& MemoryPager::Write(PageNumber number) {
+  return At(number);
+}
+
+Page& MemoryPager::WriteNew(PageNumber number) {
+  while (pages_.size() <= number) pages_.push_back(std::make_unique<Page>(PageCount()));
+  Page& page = At(number);
+  page.Fill(0, kPageSize, 0);
+  return page;
+}
+
+Page& MemoryPager::At(PageNumber number) {
+  if (number >= pages_.size()) {
+    throw Error(ErrorNumber::ProviderFailure, kErrorSource,
+                "Page " + std::to_string(number) + " lies past the end of the new file.");
+  }
+  return *pages_[number];
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,249 @@
+#include "access/catalog/PropertyBlob.h"
+
+#include <algorithm>
+
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access {
+
+// Layout, by a small blob (one column "X" whose Required is True):
+//   4D 52 32 00                                              "MR2" NUL
+//   18 00 00 00 80 00                                        chunk of 24 bytes, kind 0x80: names
+//     10 00 52 00 65 00 71 00 75 00 69 00 72 00 65 00 64 00  name 0: 16 bytes, "Required"
+//   17 00 00 00 01 00                                        chunk of 23 bytes, kind 1: a column's properties
+//     08 00 00 00 02 00 58 00                                name part of 8 bytes: 2 bytes, "X"
+//     09 00 01 01 00 00 01 00 01                             9 bytes, ddl flag, type 1, name 0, 1 data byte: True
+namespace {
+
+namespace layout = format::property;
+
+constexpr std::size_t kMaximumDataSize = 64000;
+
+/// Reads a blob from front to back; each read is checked.
+class Reader {
+ public:
+  Reader(std::span<const std::uint8_t> bytes, std::size_t base) : bytes_(bytes), base_(base) {}
+
+  [[nodiscard]] bool AtEnd() const { return place_ == bytes_.size(); }
+  [[nodiscard]] std::size_t Place() const { return base_ + place_; }
+
+  std::span<const std::uint8_t> Take(std::size_t count, const char* what) {
+    if (count > bytes_.size() - place_) Fail(what, "would need " + std::to_string(count) + " bytes");
+    const auto result = bytes_.subspan(place_, count);
+    place_ += count;
+    return result;
+  }
+  std::uint8_t U8(const char* what) { return Take(1, what)[0]; }
+  std::uint16_t U16(const char* what) {
+    const auto b = Take(2, what);
+    return static_cast<std::uint16_t>(b[0] | (b[1] << 8U));
+  }
+  std::uint32_t U32(const char* what) {
+    const std::uint32_t low = U16(what);
+    return low | (static_cast<std::uint32_t>(U16(what)) << 16U);
+  }
+  std::span<const std::uint8_t> Rest() { return Take(bytes_.size() - place_, "rest"); }
+  /// A reader of the next `count` bytes alone.
+  Reader Part(std::size_t count, const char* what) {
+    const std::size_t start = Place();
+    return {Take(count, what), start};
+  }
+
+  [[noreturn]] void Fail(const std::string& what, const std::string& found) const {
+    throw Error(ErrorNumber::ProviderFailure, kErrorSource,
+                "The stored properties are damaged: at byte " + std::to_string(Place()) + " the " + what + " " + found +
+                    ". Restore the database from a backup, or delete and set the properties again in Access.");
+  }
+
+ private:
+  std::span<const std::uint8_t> bytes_;
+  std::size_t base_;
+  std::size_t place_ = 0;
+};
+
+std::string DecodeText(std::span<const std::uint8_t> bytes, bool wide) {
+  if (!wide) {
+    std::u32string points;
+    for (const std::uint8_t byte : bytes) points.push_back(byte);
+    return FromCodePoints(points);
+  }
+  std::u16string units;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
+    units.push_back(static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8U)));
+  return FromUtf16(units);
+}
+
+void AppendU16(Bytes& out, std::size_t value) {
+  out.push_back(static_cast<std::uint8_t>(value));
+  out.push_back(static_cast<std::uint8_t>(value >> 8U));
+}
+
+void AppendU32(Bytes& out, std::size_t value) {
+  AppendU16(out, value & 0xFFFFU);
+  AppendU16(out, value >> 16U);
+}
+
+Bytes EncodeText(std::string_view text) {
+  Bytes out;
+  for (const char16_t unit : ToUtf16(text)) AppendU16(out, unit);
+  return out;
+}
+
+void AppendName(Bytes& out, std::string_view name) {
+  const Bytes encoded = EncodeText(name);
+  AppendU16(out, encoded.size());
+  out.insert(out.end(), encoded.begin(), encoded.end());
+}
+
+void AppendChunk(Bytes& out, std::uint16_t kind, const Bytes& body) {
+  AppendU32(out, layout::kChunkHeaderSize + body.size());
+  AppendU16(out, kind);
+  out.insert(out.end(), body.begin(), body.end());
+}
+
+std::string ReadName(Reader& reader, bool wide, const char* what) {
+  const std::size_t size = reader.U16(what);
+  return DecodeText(reader.Take(size, what), wide);
+}
+
+/// A value: u16 length, u8 ddl flag, u8 type, u16 name number, u16 data length, data.
+Property ReadProperty(Reader& chunk, const std::vector<std::string>& names) {
+  const std::size_t length = chunk.U16("length of a value");
+  if (length < layout::kValueDataOffset) chunk.Fail("value", "has only " + std::to_string(length) + " bytes");
+  Reader value = chunk.Part(length - layout::kNameLengthSize, "value");
+  Property property;
+  property.definitionRight = value.U8("flag of a value") != 0;
+  property.type = static_cast<ColumnType>(value.U8("type of a value"));
+  const std::size_t name = value.U16("name number of a value");
+  if (name >= names.size())
+    value.Fail("value", "names name " + std::to_string(name) + " of " + std::to_string(names.size()));
+  property.name = names[name];
+  const auto data = value.Take(value.U16("data length of a value"), "data of a value");
+  if (!value.AtEnd()) value.Fail("value", "is longer than its data");
+  property.data.assign(data.begin(), data.end());
+  return property;
+}
+
+}  // namespace
+
+PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
+  PropertyBlob blob;
+  Reader reader(bytes, 0);
+  const auto magic = reader.Take(layout::kMagic.size(), "mark");
+  const bool wide = std::ranges::equal(magic, layout::kMagic);
+  blob.wide_ = wide;
+  if (!wide && !std::ranges::equal(magic, format::jet3::property::kMagic)) reader.Fail("mark", "is unknown");
+  while (!reader.AtEnd()) {
+    const std::size_t length = reader.U32("length of a chunk");
+    if (length < layout::kChunkHeaderSize) reader.Fail("chunk", "has only " + std::to_string(length) + " bytes");
+    const std::uint16_t kind = reader.U16("kind of a chunk");
+    Reader chunk = reader.Part(length - layout::kChunkHeaderSize, "chunk");
+    if (kind == layout::kChunkNames) {
+      while (!chunk.AtEnd()) blob.names_.push_back(ReadName(chunk, wide, "name of a property"));
+      continue;
+    }
+    Group group;
+    group.kind = kind;
+    if (kind != layout::kChunkObject && kind != layout::kChunkColumn) {
+      const auto rest = chunk.Rest();
+      group.unknown.assign(rest.begin(), rest.end());
+    } else {
+      const std::size_t namePart = chunk.U32("length of a chunk's name");
+      if (namePart < layout::kNamePartLengthSize) chunk.Fail("name of a chunk", "has no bytes");
+      Reader name = chunk.Part(namePart - layout::kNamePartLengthSize, "name of a chunk");
+      group.name = ReadName(name, wide, "name of a chunk");
+      while (!chunk.AtEnd()) group.properties.push_back(ReadProperty(chunk, blob.names_));
+    }
+    blob.groups_.push_back(std::move(group));
+  }
+  return blob;
+}
+
+Bytes PropertyBlob::Serialize() const {
+  Bytes out(layout::kMagic.begin(), layout::kMagic.end());
+  Bytes names;
+  for (const std::string& name : names_) AppendName(names, name);
+  AppendChunk(out, layout::kChunkNames, names);
+  for (const Group& group : groups_) {
+    Bytes body = group.unknown;
+    if (group.kind == layout::kChunkObject || group.kind == layout::kChunkColumn) {
+      AppendU32(body, layout::kNamePartLengthSize + layout::kNameLengthSize + EncodeText(group.name).size());
+      AppendName(body, group.name);
+      for (const Property& property : group.properties) {
+        AppendU16(body, layout::kValueDataOffset + property.data.size());
+        body.push_back(property.definitionRight ? 1 : 0);
+        body.push_back(static_cast<std::uint8_t>(property.type));
+        const auto name = std::ranges::find(names_, property.name);
+        AppendU16(body, static_cast<std::size_t>(name - names_.begin()));
+        AppendU16(body, property.data.size());
+        body.insert(body.end(), property.data.begin(), property.data.end());
+      }
+    }
+    AppendChunk(out, group.kind, body);
+  }
+  return out;
+}
+
+const Property* PropertyBlob::Find(std::string_view column, std::string_view name) const {
+  for (const Group& group : groups_) {
+    if (group.kind != layout::kChunkColumn || !EqualIgnoringCase(group.name, column)) continue;
+    for (const Property& property : group.properties)
+      if (EqualIgnoringCase(property.name, name)) return &property;
+  }
+  return nullptr;
+}
+
+std::optional<bool> PropertyBlob::ColumnFlag(std::string_view column, std::string_view name) const {
+  const Property* property = Find(column, name);
+  if (property == nullptr || property->type != ColumnType::Boolean || property->data.empty()) return std::nullopt;
+  return property->data[0] != 0;
+}
+
+std::optional<std::string> PropertyBlob::ColumnText(std::string_view column, std::string_view name) const {
+  const Property* property = Find(column, name);
+  if (property == nullptr || (property->type != ColumnType::Text && property->type != ColumnType::Memo)) {
+    return std::nullopt;
+  }
+  return DecodeText(property->data, wide_);
+}
+
+void PropertyBlob::SetColumnFlag(std::string_view column, std::string_view name, bool value) {
+  Set(column, {std::string(name), ColumnType::Boolean, {static_cast<std::uint8_t>(value ? 1 : 0)}});
+}
+
+void PropertyBlob::SetColumnText(std::string_view column, std::string_view name, std::string_view value) {
+  Set(column, {std::string(name), ColumnType::Memo, EncodeText(value)});
+}
+
+void PropertyBlob::Set(std::string_view column, Property property) {
+  if (property.data.size() > kMaximumDataSize) {
+    throw Error(ErrorNumber::ProviderFailure, kErrorSource,
+                "The property '" + property.name + "' of the column '" + std::string(column) +
+                    "' is too long. Shorten it to 32,000 characters.");
+  }
+  if (std::ranges::find(names_, property.name) == names_.end()) names_.push_back(property.name);
+  auto group = std::ranges::find_if(groups_, [&](const Group& candidate) {
+    return candidate.kind == layout::kChunkColumn && EqualIgnoringCase(candidate.name, column);
+  });
+  if (group == groups_.end()) {
+    groups_.push_back({layout::kChunkColumn, std::string(column), {}, {}});
+    group = std::prev(groups_.end());
+  }
+  for (Property& existing : group->properties) {
+    if (existing.name == property.name) {
+      existing = std::move(property);
+      return;
+    }
+  }
+  group->properties.push_back(std::move(property));
+}
+
+void PropertyBlob::RemoveColumn(std::string_view column) {
+  std::erase_if(groups_, [&](const Group& group) {
+    return group.kind == layout::kChunkColumn && EqualIgnoringCase(group.name, column);
+  });
+}
+
+}  // namespace tavi::access

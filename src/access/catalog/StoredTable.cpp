@@ -1,0 +1,148 @@
+#include "access/catalog/StoredTable.h"
+
+#include "access/catalog/AutoNumbers.h"
+#include "access/catalog/ChangeErrors.h"
+#include "access/catalog/RelationshipRules.h"
+#include "access/file/EngineError.h"
+#include "access/table/RowCodec.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access {
+
+namespace {
+
+/// No real file has more tables than this in a chain of cascading relationships.
+constexpr int kMaximumCascadeDepth = 32;
+
+std::vector<Column> MakeColumns(const TableDefinition& definition, const PropertyBlob& properties) {
+  std::vector<Column> columns;
+  for (const ColumnDefinition& stored : definition.columns) {
+    Column column;
+    column.definition = stored;
+    column.required = properties.ColumnFlag(stored.name, property_name::kRequired).value_or(false);
+    column.allowZeroLength = properties.ColumnFlag(stored.name, property_name::kAllowZeroLength).value_or(true);
+    column.defaultExpression = properties.ColumnText(stored.name, property_name::kDefaultValue).value_or("");
+    columns.push_back(std::move(column));
+  }
+  return columns;
+}
+
+bool IsEmptyText(const Value& value) {
+  const std::string* text = std::get_if<std::string>(&value);
+  return text != nullptr && text->empty();
+}
+
+}  // namespace
+
+StoredTable::StoredTable(Pager& pager, std::string name, bool isSystem, TableDefinition definition,
+                         const PropertyBlob& properties, RelatedTables* related)
+    : pager_(&pager),
+      name_(std::move(name)),
+      isSystem_(isSystem),
+      definition_(std::move(definition)),
+      columns_(MakeColumns(definition_, properties)),
+      rows_(pager, definition_),
+      indexes_(pager, name_, definition_),
+      related_(related) {}
+
+std::optional<std::size_t> StoredTable::FindColumn(std::string_view name) const {
+  for (std::size_t i = 0; i < columns_.size(); ++i)
+    if (EqualIgnoringCase(columns_[i].definition.name, name)) return i;
+  return std::nullopt;
+}
+
+std::uint32_t StoredTable::RowCount() {
+  return access::RowCount(*pager_, definition_);
+}
+
+void StoredTable::CheckSize(const RowValues& values) const {
+  if (values.size() == columns_.size()) return;
+  RaiseFailure("The table '" + name_ + "' has " + std::to_string(columns_.size()) + " fields, but the row has " +
+               std::to_string(values.size()) + " values. Open the table again; it was altered.");
+}
+
+void StoredTable::ConvertValues(RowValues& values) const {
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = ConvertForColumn(values[i], columns_[i].definition);
+}
+
+void StoredTable::CheckColumns(const RowValues* before, const RowValues& after) const {
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    if (before != nullptr && (*before)[i] == after[i]) continue;
+    if (columns_[i].required && IsNull(after[i])) RaiseRequired(name_, columns_[i].definition.name);
+    if (!columns_[i].allowZeroLength && IsEmptyText(after[i])) RaiseZeroLength(name_, columns_[i].definition.name);
+  }
+}
+
+void StoredTable::CheckAutoNumbersKept(const RowValues& before, RowValues& after) const {
+  for (std::size_t i = 0; i < columns_.size(); ++i) {
+    if (columns_[i].definition.IsAutoNumber() && before[i] != after[i])
+      RaiseAutoNumberChange(name_, columns_[i].definition.name);
+  }
+}
+
+RowPointer StoredTable::Insert(RowValues& row) {
+  CheckSize(row);
+  RowValues values = row;
+  ConvertValues(values);
+  FillAutoNumbers(*pager_, *this, values);
+  CheckColumns(nullptr, values);
+  const std::vector<IndexChange> changes = indexes_.Plan(nullptr, &values);
+  if (related_ != nullptr) CheckPrimaryRows(*this, *related_, nullptr, values);
+
+  const RowPointer place = rows_.Insert(values);
+  indexes_.Apply(changes, place);
+  KeepLastAutoNumber(*pager_, *this, values);
+  row = std::move(values);
+  return place;
+}
+
+void StoredTable::Update(RowPointer row, RowValues values) {
+  UpdateCascading(row, std::move(values), 0);
+}
+
+void StoredTable::UpdateCascading(RowPointer row, RowValues values, int depth) {
+  if (depth > kMaximumCascadeDepth)
+    RaiseFailure("The relationships of the table '" + name_ + "' cascade updates in a circle. Correct them in Access.");
+  CheckSize(values);
+  const RowValues before = rows_.Read(row);
+  ConvertValues(values);
+  if (values == before) return;
+  CheckAutoNumbersKept(before, values);
+  CheckColumns(&before, values);
+  const std::vector<IndexChange> changes = indexes_.Plan(&before, &values);
+  std::vector<FollowingUpdate> following;
+  if (related_ != nullptr) {
+    CheckPrimaryRows(*this, *related_, &before, values);
+    following = PlanKeyChange(*this, *related_, before, values);
+  }
+
+  rows_.Update(row, values);
+  indexes_.Apply(changes, row);
+  for (const FollowingUpdate& update : following) {
+    RowValues next = update.row.table->Read(update.row.row);
+    for (const auto& [column, value] : update.values) next[column] = value;
+    update.row.table->UpdateCascading(update.row.row, std::move(next), depth + 1);
+  }
+}
+
+void StoredTable::Delete(RowPointer row) {
+  DeletePlan plan;
+  if (related_ != nullptr) plan = PlanDelete(*this, *related_, row);
+
+  for (const DeletePlan::Detached& detached : plan.detached) {
+    RowValues values = detached.row.table->Read(detached.row.row);
+    for (const std::size_t column : detached.columns) values[column] = Null{};
+    detached.row.table->Update(detached.row.row, std::move(values));
+  }
+  for (const TableRow& deleted : plan.deleted) deleted.table->DeleteAlone(deleted.row);
+  DeleteAlone(row);
+}
+
+void StoredTable::DeleteAlone(RowPointer row) {
+  const RowValues before = rows_.Read(row);
+  const std::vector<IndexChange> changes = indexes_.Plan(&before, nullptr);
+  rows_.Delete(row);
+  indexes_.Apply(changes, row);
+}
+
+}  // namespace tavi::access

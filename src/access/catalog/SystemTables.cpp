@@ -1,0 +1,136 @@
+#include "access/catalog/SystemTables.h"
+
+#include <vector>
+
+#include "access/catalog/TableLayout.h"
+#include "access/file/Format.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace names = system_name;
+
+/// A column, in the order of permanent numbers.
+struct ColumnPlan {
+  const char* name;
+  ColumnType type;
+  bool securityId = false;
+};
+
+/// An index, in the order of physical indexes; its logical index has the same number.
+struct IndexPlan {
+  const char* name;
+  std::vector<std::uint16_t> columnIds;
+  std::uint8_t flags;
+  bool primaryKey;
+};
+
+constexpr std::uint8_t kUnique = format::real_index::kFlagUnique;
+constexpr std::uint8_t kIgnoreNulls = format::real_index::kFlagIgnoreNulls;
+constexpr std::uint8_t kRequired = format::real_index::kFlagRequired;
+
+ColumnDefinition MakeSystemColumn(const ColumnPlan& plan) {
+  ColumnDesign design;
+  design.name = plan.name;
+  design.type = plan.type;
+  design.length = plan.type == ColumnType::Binary ? 510 : 255;
+  design.compressed = false;
+  ColumnDefinition column = MakeColumn(design, SortOrder{});
+  column.flags |= format::column_flag::kSystem;
+  if (plan.securityId) column.flags |= format::column_flag::kSecurityId;
+  return column;
+}
+
+SystemTable MakeTable(const char* tableName, PageNumber page, const std::vector<ColumnPlan>& columns,
+                      const std::vector<IndexPlan>& indexes) {
+  SystemTable table;
+  table.name = tableName;
+  table.definition.page = page;
+  table.definition.isSystem = true;
+  for (const ColumnPlan& plan : columns)
+    AppendColumn(table.definition, MakeSystemColumn(plan), FixedAreaEnd(table.definition));
+  for (const IndexPlan& plan : indexes) {
+    RealIndexDefinition real;
+    for (const std::uint16_t id : plan.columnIds) real.columns.push_back({id, true});
+    real.unique = (plan.flags & kUnique) != 0;
+    real.ignoreNulls = (plan.flags & kIgnoreNulls) != 0;
+    real.required = (plan.flags & kRequired) != 0;
+    real.flags = IndexFlags(real);
+    LogicalIndexDefinition logical;
+    logical.name = plan.name;
+    logical.number = logical.realIndex = static_cast<std::uint32_t>(table.definition.realIndexes.size());
+    if (plan.primaryKey) logical.kind = LogicalIndexDefinition::Kind::PrimaryKey;
+    table.definition.realIndexes.push_back(std::move(real));
+    table.definition.logicalIndexes.push_back(std::move(logical));
+  }
+  SortRecords(table.definition);
+  return table;
+}
+
+SystemTable MakeObjects() {
+  return MakeTable(names::kObjects, format::kObjectsTablePage,
+                   {{names::kId, ColumnType::Long},
+                    {names::kParentId, ColumnType::Long},
+                    {names::kName, ColumnType::Text},
+                    {names::kType, ColumnType::Integer},
+                    {names::kDateCreate, ColumnType::Date},
+                    {names::kDateUpdate, ColumnType::Date},
+                    {names::kOwner, ColumnType::Binary, true},
+                    {names::kFlags, ColumnType::Long},
+                    {"Database", ColumnType::Memo},
+                    {"Connect", ColumnType::Memo},
+                    {"ForeignName", ColumnType::Text},
+                    {"RmtInfoShort", ColumnType::Binary},
+                    {"RmtInfoLong", ColumnType::Ole},
+                    {"Lv", ColumnType::Ole},
+                    {names::kLvProp, ColumnType::Ole},
+                    {"LvModule", ColumnType::Ole},
+                    {"LvExtra", ColumnType::Ole}},
+                   {{"ParentIdName", {1, 2}, kUnique, false}, {"Id", {0}, kUnique, true}});
+}
+
+SystemTable MakeAces() {
+  return MakeTable(names::kAces, format::kAcesTablePage,
+                   {{names::kObjectId, ColumnType::Long},
+                    {names::kSid, ColumnType::Binary, true},
+                    {names::kAcm, ColumnType::Long},
+                    {names::kInheritable, ColumnType::Boolean}},
+                   {{"ObjectId", {0}, kRequired, false}});
+}
+
+SystemTable MakeQueries() {
+  return MakeTable(names::kQueries, format::kQueriesTablePage,
+                   {{names::kObjectId, ColumnType::Long},
+                    {"Attribute", ColumnType::Byte},
+                    {"Order", ColumnType::Binary},
+                    {"Name1", ColumnType::Text},
+                    {"Name2", ColumnType::Text},
+                    {"Expression", ColumnType::Memo},
+                    {"Flag", ColumnType::Integer},
+                    {"LvExtra", ColumnType::Long}},
+                   {{"ObjectIdAttribute", {0, 1, 2}, kUnique, true}});
+}
+
+SystemTable MakeRelationships() {
+  return MakeTable(names::kRelationships, format::kRelationshipsTablePage,
+                   {{names::kRelationship, ColumnType::Text},
+                    {names::kRelationFlags, ColumnType::Long},
+                    {names::kColumnCount, ColumnType::Long},
+                    {names::kColumnNumber, ColumnType::Long},
+                    {names::kObject, ColumnType::Text},
+                    {names::kColumn, ColumnType::Text},
+                    {names::kReferencedObject, ColumnType::Text},
+                    {names::kReferencedColumn, ColumnType::Text}},
+                   {{names::kRelationship, {0}, kIgnoreNulls, false},
+                    {names::kObject, {4}, kIgnoreNulls, false},
+                    {names::kReferencedObject, {6}, kIgnoreNulls, false}});
+}
+
+}  // namespace
+
+std::array<SystemTable, 4> MakeSystemTables() {
+  return {MakeObjects(), MakeAces(), MakeQueries(), MakeRelationships()};
+}
+
+}  // namespace tavi::access
