@@ -10,8 +10,8 @@
 namespace tavi::access {
 
 /// What the engine needs of files, as a small interface: the native one serves programs; the tests have one in memory,
-/// one that fails at a chosen call, and one that loses what was not flushed. Errors are tavi::Error ProviderFailure whose
-/// description names the file, the operation and the system's reason.
+/// one that fails at a chosen call, and one that loses what was not flushed. Errors are tavi::Error ProviderFailure
+/// whose description names the file, the operation and the system's reason.
 class File {
  public:
   virtual ~File() = default;
@@ -36,6 +36,9 @@ class File {
   virtual void Unlock(std::uint64_t offset, std::uint64_t length) = 0;
   /// True when another opener holds any lock in the range.
   virtual bool IsLockedByOther(std::uint64_t offset, std::uint64_t length) = 0;
+  /// Who holds a lock of another opener in the range, for error messages ("process 1234"); empty when nobody does or
+  /// the system does not tell.
+  [[nodiscard]] virtual std::string LockHolder(std::uint64_t offset, std::uint64_t length) = 0;
 };
 
 class FileSystem {
@@ -44,13 +47,19 @@ class FileSystem {
 
   enum class OpenMode { ReadOnly, ReadWrite, CreateNew };
   /// Opens or creates a file. CreateNew fails when it exists. A file without any write permission counts as read-only
-  /// for everybody (the read-only attribute), so ReadWrite fails on it.
+  /// for everybody (the read-only attribute), so ReadWrite fails on it; a folder without any write permission takes no
+  /// new files. Fails with "file already in use" when another program has locked the file as a whole.
   [[nodiscard]] virtual std::unique_ptr<File> Open(const std::string& path, OpenMode mode) = 0;
   [[nodiscard]] virtual bool Exists(const std::string& path) = 0;
   /// True when the file may be written and its folder may take new files.
   [[nodiscard]] virtual bool IsWritable(const std::string& path) = 0;
+  /// The one path of a file that may have several (links, relative paths); the path itself when it does not exist.
+  [[nodiscard]] virtual std::string CanonicalPath(const std::string& path) = 0;
   virtual void Remove(const std::string& path) = 0;
+  /// Replaces a file of the new name.
   virtual void Rename(const std::string& from, const std::string& to) = 0;
+  /// Lets a file be used by the same people as another one, as far as the system allows; never fails.
+  virtual void CopyPermissions(const std::string& from, const std::string& to) = 0;
   /// Makes creations, removals and renames in a file's folder durable.
   virtual void SyncFolderOf(const std::string& path) = 0;
   /// Waits a little before a lock is tried again.

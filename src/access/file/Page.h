@@ -23,12 +23,27 @@ class Page {
   /// Makes this page's bytes those of `other`, keeping its own number.
   void CopyFrom(const Page& other) { bytes_ = other.bytes_; }
 
-  [[nodiscard]] std::uint8_t U8(std::size_t offset) const;
-  [[nodiscard]] std::uint16_t U16(std::size_t offset) const;
-  [[nodiscard]] std::uint32_t U24(std::size_t offset) const;
-  [[nodiscard]] std::uint32_t U32(std::size_t offset) const;
+  [[nodiscard]] std::uint8_t U8(std::size_t offset) const {
+    Check(offset, 1);
+    return bytes_[offset];
+  }
+  [[nodiscard]] std::uint16_t U16(std::size_t offset) const {
+    Check(offset, 2);
+    return static_cast<std::uint16_t>(Byte(offset) | (Byte(offset + 1) << 8U));
+  }
+  [[nodiscard]] std::uint32_t U24(std::size_t offset) const {
+    Check(offset, 3);
+    return Byte(offset) | (Byte(offset + 1) << 8U) | (Byte(offset + 2) << 16U);
+  }
+  [[nodiscard]] std::uint32_t U32(std::size_t offset) const {
+    Check(offset, 4);
+    return Byte(offset) | (Byte(offset + 1) << 8U) | (Byte(offset + 2) << 16U) | (Byte(offset + 3) << 24U);
+  }
   /// A stretch of the page.
-  [[nodiscard]] std::span<const std::uint8_t> Slice(std::size_t offset, std::size_t length) const;
+  [[nodiscard]] std::span<const std::uint8_t> Slice(std::size_t offset, std::size_t length) const {
+    Check(offset, length);
+    return std::span<const std::uint8_t>(bytes_).subspan(offset, length);
+  }
   [[nodiscard]] std::span<const std::uint8_t, kPageSize> All() const { return bytes_; }
 
   void SetU8(std::size_t offset, std::uint8_t value);
@@ -42,6 +57,13 @@ class Page {
   [[nodiscard]] std::span<std::uint8_t, kPageSize> AllMutable() { return bytes_; }
 
  private:
+  // Inline, like the readers above: decoding rows and keys is little else.
+  void Check(std::size_t offset, std::size_t length) const {
+    if (offset > kPageSize || length > kPageSize - offset) RaisePastTheEnd(offset, length);
+  }
+  [[noreturn]] void RaisePastTheEnd(std::size_t offset, std::size_t length) const;
+  [[nodiscard]] std::uint32_t Byte(std::size_t offset) const { return bytes_[offset]; }
+
   PageNumber number_;
   std::array<std::uint8_t, kPageSize> bytes_{};
 };

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "access/file/FileSystem.h"
@@ -16,10 +19,15 @@ struct PagerOptions {
   std::chrono::milliseconds lockTimeout{10000};
   /// Opens for reading even when the file could be written.
   bool readOnly = false;
+  /// Size of the redo log in bytes from which on a commit makes a checkpoint.
+  std::uint64_t checkpointBytes = std::uint64_t{64} << 20U;
+  /// Told in words what people should know although nothing failed (a log set aside, a checkpoint put off). May be
+  /// empty.
+  std::function<void(const std::string&)> report;
 };
 
-/// Hands out the pages of one open file and takes changed ones back; nobody above it touches the file. One pager belongs
-/// to one connection and one thread; several pagers (in this or other processes) may have the same file open.
+/// Hands out the pages of one open file and takes changed ones back; nobody above it touches the file. One pager
+/// belongs to one connection and one thread; several pagers (in this or other processes) may have the same file open.
 ///
 /// Rules that hold at all times:
 ///  1. Pages are read and changed only inside a statement (Begin... to Commit or Rollback). A read statement holds the
@@ -27,17 +35,38 @@ struct PagerOptions {
 ///  2. Between BeginWrite and Commit changed pages live in memory only. Rollback forgets them: the file is as before.
 ///  3. Commit appends all changed pages and a checksummed commit record to the redo log; from then on a crash of the
 ///     process loses nothing. The database file itself is not touched.
-///  4. Only a checkpoint writes the database file: first the log is flushed, then its pages are written and flushed, then
+///  4. Only a checkpoint writes the database file: first the log is flushed, then its pages are written and flushed,
+///  then
 ///     the log goes. Close makes a checkpoint; it can be repeated from the log after a crash at any point.
 ///  5. At the start of each statement the pager takes in what others have committed: nobody sees stale pages.
+///
+/// States of a pager and what leads from one to the next:
+///
+///               BeginRead                      BeginWrite
+///   reading  <-------------  no statement  ------------------>  writing
+///            ------------->       |        <------------------
+///               EndRead           | Close    Commit, Rollback
+///                                 v
+///                               closed
+///
+/// States of a page in a write statement: as committed -> changed (Write, WriteNew) -> logged (Commit) -> in the
+/// database file (checkpoint). A page that was changed back to what it was is not logged.
+///
+/// Beside the database file NAME lie, while they are needed: NAME.redo (the log, layout in RedoLog.h) and
+/// NAME.redo-setaside-1, -2, ... (logs that belonged to an older state of the file; never read again).
 class Pager {
  public:
-  /// Opens a file: applies a redo log that a crash left behind, decodes the header. Raises ProviderFailure when the file
-  /// is missing, is no Access database, has a version or password that is not supported, or is in use.
+  /// Opens a file: applies a redo log that a crash left behind, decodes the header. Raises ProviderFailure when the
+  /// file is missing ("Could not find file ..."), is no Access database ("Unrecognized database format ..."), has a
+  /// version or password that is not supported, or is in use. A redo log that does not belong to the file as it now is,
+  /// because another program has written it since, is renamed aside and reported. A file that must not be written (its
+  /// own permissions, its folder's, Access 97) is opened for reading only; a pending log is then looked through, not
+  /// applied.
   static std::unique_ptr<Pager> Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
                                      const PagerOptions& options);
   /// Writes a new file of the given pages (page i of the list is page i of the file), durable on return.
-  /// Raises ProviderFailure when the file exists already.
+  /// Page 0 is given as it is stored (masked); when it holds a database key the other pages are encoded with it.
+  /// Raises ProviderFailure when the file exists already; on any error no file is left.
   static void Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages);
 
   virtual ~Pager() = default;
@@ -48,10 +77,17 @@ class Pager {
   /// True for Jet 3 files, which are only read. Their pages have 2048 bytes; the rest of each Page is zero.
   [[nodiscard]] virtual bool IsJet3() const = 0;
 
+  /// Begins a read statement. Raises ProviderFailure when another user writes for longer than the lock timeout.
   virtual void BeginRead() = 0;
   virtual void EndRead() = 0;
+  /// Begins a write statement. Raises ProviderPermission on a read-only file, ProviderFailure when others use the file
+  /// for longer than the lock timeout, when another database program has it open (the .ldb file beside it is locked),
+  /// or inside a read statement.
   virtual void BeginWrite() = 0;
+  /// Ends the write statement; its changes are in the log and others see them. On an error (disk full, ...) nothing has
+  /// changed for anybody and the statement is still open, to be rolled back.
   virtual void Commit() = 0;
+  /// Ends the write statement without a trace. Does nothing outside of one.
   virtual void Rollback() = 0;
   [[nodiscard]] virtual bool InStatement() const = 0;
   [[nodiscard]] virtual bool InWrite() const = 0;
@@ -59,7 +95,8 @@ class Pager {
   /// Number of pages of the file, the current statement's new ones included.
   [[nodiscard]] virtual PageNumber PageCount() const = 0;
   /// A page as it is in this statement. A handle keeps its content even when the page is changed afterwards, so after
-  /// Write(n) read it again. Raises an error for a page past the end.
+  /// Write(n) read it again. Page 0 is handed out as it is stored, masked (see DatabaseHeader.h). Raises an error for a
+  /// page past the end and outside of a statement.
   [[nodiscard]] virtual PageHandle Read(PageNumber number) = 0;
   /// The statement's own copy of a page, to be changed. The reference is valid until Commit or Rollback.
   [[nodiscard]] virtual Page& Write(PageNumber number) = 0;
@@ -72,7 +109,10 @@ class Pager {
   /// (table definitions, statistics) are dropped when it has changed.
   [[nodiscard]] virtual std::uint64_t Generation() const = 0;
 
-  /// Checkpoint and release of the file. A second call does nothing; the destructor calls it, swallowing errors.
+  /// Checkpoint and release of the file; an open statement is rolled back. Costs nothing when nothing is to be written.
+  /// Where others keep the file busy for longer than the lock timeout the log stays for them or the next opener. An
+  /// error of the disk is raised after the release; the log then stays too, and nothing is lost. A second call does
+  /// nothing; the destructor calls it, swallowing errors.
   virtual void Close() = 0;
 };
 

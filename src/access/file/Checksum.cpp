@@ -1,0 +1,53 @@
+#include "access/file/Checksum.h"
+
+#include <array>
+#include <bit>
+#include <cstddef>
+
+namespace tavi::access {
+
+namespace {
+
+// Odd, so that multiplying by them loses nothing; otherwise any numbers with well-mixed bits.
+constexpr std::uint64_t kMultiplier = 0xD6E8FEB86659FD93;
+constexpr std::uint64_t kFinisher = 0xA0761D6478BD642F;
+constexpr std::size_t kWordSize = 8;
+constexpr std::size_t kLaneCount = 4;
+
+std::uint64_t Word(const std::uint8_t* bytes) {
+  std::uint64_t word = 0;
+  for (unsigned i = 0; i < kWordSize; ++i) word |= static_cast<std::uint64_t>(bytes[i]) << (8U * i);
+  return word;
+}
+
+std::uint64_t Step(std::uint64_t state, std::uint64_t word) {
+  return std::rotl((state ^ word) * kMultiplier, 29);
+}
+
+std::uint64_t Finish(std::uint64_t state) {
+  state ^= state >> 32U;
+  state *= kFinisher;
+  return state ^ (state >> 29U);
+}
+
+}  // namespace
+
+std::uint64_t Checksum(std::uint64_t seed, std::span<const std::uint8_t> bytes) {
+  std::uint64_t state = seed ^ (bytes.size() * kFinisher);
+  const std::uint8_t* at = bytes.data();
+  std::size_t left = bytes.size();
+  if (left >= kWordSize * kLaneCount) {
+    // Four independent lanes keep the processor's multiplier busy.
+    std::array<std::uint64_t, kLaneCount> lanes = {state, state + 1, state + 2, state + 3};
+    for (; left >= kWordSize * kLaneCount; left -= kWordSize * kLaneCount, at += kWordSize * kLaneCount) {
+      for (std::size_t lane = 0; lane < kLaneCount; ++lane)
+        lanes[lane] = Step(lanes[lane], Word(at + lane * kWordSize));
+    }
+    for (const std::uint64_t lane : lanes) state = Step(state, lane);
+  }
+  for (; left >= kWordSize; left -= kWordSize, at += kWordSize) state = Step(state, Word(at));
+  for (; left > 0; --left, ++at) state = Step(state, *at);
+  return Finish(state);
+}
+
+}  // namespace tavi::access

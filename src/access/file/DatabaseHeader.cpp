@@ -1,0 +1,101 @@
+#include "access/file/DatabaseHeader.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <string_view>
+
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+#include "access/file/Rc4.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace header = format::header;
+
+constexpr std::size_t kDateMaskSize = 4;
+
+[[noreturn]] void RaiseUnrecognized(const std::string& path, const std::string& reason) {
+  RaiseFailure("Unrecognized database format '" + path + "'. " + reason);
+}
+
+std::string EngineName(const Page& page) {
+  const auto field = page.Slice(header::kEngineNameOffset, header::kEngineNameSize);
+  return {field.begin(), std::find(field.begin(), field.end(), std::uint8_t{0})};
+}
+
+void CheckEngine(const Page& page, const std::string& path) {
+  const std::string name = EngineName(page);
+  if (name == header::kEngineNameAce) {
+    RaiseUnrecognized(path,
+                      "It is a file of Access 2007 or later; save it in the Access 2002-2003 format (.mdb) first.");
+  }
+  if (name == header::kEngineNameMoney)
+    RaiseUnrecognized(path, "It is a Microsoft Money file, not an Access database.");
+  const auto magic = page.Slice(header::kMagicOffset, header::kMagic.size());
+  if (name != header::kEngineNameJet || !std::equal(magic.begin(), magic.end(), header::kMagic.begin())) {
+    RaiseUnrecognized(path, "It is not an Access database.");
+  }
+  const std::uint8_t version = page.U8(header::kVersionOffset);
+  if (version > header::kVersionJet4) {
+    RaiseUnrecognized(path, "Its format version is " + std::to_string(version) +
+                                "; only Access 97 (0) and Access 2000-2003 (1) are supported. Save it in the Access "
+                                "2002-2003 format (.mdb) first.");
+  }
+}
+
+// The whole days of the creation date; they are the password's mask. Any number of a damaged field is as good as none.
+std::uint32_t DateMask(const Page& page) {
+  const std::uint64_t low = page.U32(header::kCreationDateOffset);
+  const std::uint64_t high = page.U32(header::kCreationDateOffset + 4);
+  const double days = std::bit_cast<double>((high << 32U) | low);
+  constexpr double kLimit = 2147483647.0;
+  if (!std::isfinite(days) || std::fabs(days) > kLimit) return 0;
+  return static_cast<std::uint32_t>(static_cast<std::int32_t>(days));
+}
+
+bool HasPassword(const Page& page, bool isJet3) {
+  const std::size_t size = isJet3 ? header::kJet3PasswordSize : header::kPasswordSize;
+  const std::uint32_t mask = isJet3 ? 0 : DateMask(page);
+  for (std::size_t i = 0; i < size; i += kDateMaskSize) {
+    if (page.U32(header::kPasswordOffset + i) != mask) return true;
+  }
+  return false;
+}
+
+void ToggleMask(Page& page, std::size_t size) {
+  ApplyRc4(header::kMaskKey, page.AllMutable().subspan(header::kMaskOffset, size));
+}
+
+}  // namespace
+
+void ToggleHeaderMask(Page& page) {
+  ToggleMask(page, header::kMaskSize);
+}
+
+DatabaseHeader DecodeHeader(std::span<const std::uint8_t> start, std::uint64_t fileSize, const std::string& path) {
+  if (fileSize < format::jet3::kPageSize || start.size() < format::jet3::kPageSize) {
+    RaiseUnrecognized(path, "Its " + std::to_string(fileSize) + " bytes are less than a page of an Access database.");
+  }
+  Page page(format::kHeaderPage);
+  page.Put(0, start.first(std::min(start.size(), kPageSize)));
+  CheckEngine(page, path);
+
+  DatabaseHeader decoded;
+  decoded.isJet3 = page.U8(header::kVersionOffset) == header::kVersionJet3;
+  decoded.pageSize = decoded.isJet3 ? format::jet3::kPageSize : kPageSize;
+  if (fileSize < decoded.pageSize) {
+    RaiseUnrecognized(path, "Its " + std::to_string(fileSize) + " bytes are less than a page of an Access database.");
+  }
+  ToggleMask(page, decoded.isJet3 ? header::kJet3MaskSize : header::kMaskSize);
+  decoded.databaseKey = page.U32(header::kDatabaseKeyOffset);
+  if (HasPassword(page, decoded.isJet3)) {
+    RaiseFailure("Not a valid password. '" + path +
+                 "' is protected by a database password; remove the password in Access to use it here.");
+  }
+  return decoded;
+}
+
+}  // namespace tavi::access

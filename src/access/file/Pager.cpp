@@ -1,0 +1,61 @@
+#include "access/file/Pager.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "access/file/DatabaseHeader.h"
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+#include "access/file/PagerImplementation.h"
+#include "access/file/Rc4.h"
+
+namespace tavi::access {
+
+namespace {
+
+// Pages that are written at once.
+constexpr std::size_t kPagesPerWrite = 64;
+
+void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseKey) {
+  std::vector<std::uint8_t> chunk;
+  chunk.reserve(kPagesPerWrite * kPageSize);
+  for (std::size_t i = 0; i < pages.size(); ++i) {
+    chunk.insert(chunk.end(), pages[i].All().begin(), pages[i].All().end());
+    if (databaseKey != 0 && i != format::kHeaderPage) {
+      ApplyRc4(databaseKey ^ static_cast<PageNumber>(i), std::span(chunk).last(kPageSize));
+    }
+    if (chunk.size() < kPagesPerWrite * kPageSize && i + 1 < pages.size()) continue;
+    file.WriteAt((i + 1) * kPageSize - chunk.size(), chunk);
+    chunk.clear();
+  }
+}
+
+}  // namespace
+
+std::unique_ptr<Pager> Pager::Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
+                                   const PagerOptions& options) {
+  if (!fileSystem->Exists(path)) RaiseFailure("Could not find file '" + path + "'.");
+  return std::make_unique<PagerImplementation>(std::move(fileSystem), path, options);
+}
+
+void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages) {
+  if (pages.empty() || pages.size() > format::kMaximumPageCount) {
+    RaiseFailure("Could not create '" + path + "': an Access database cannot have " + std::to_string(pages.size()) +
+                 " pages.");
+  }
+  if (fileSystem.Exists(path)) RaiseFailure("Database '" + path + "' already exists.");
+  const DatabaseHeader header = DecodeHeader(pages.front().All(), pages.size() * kPageSize, path);
+  auto file = fileSystem.Open(path, FileSystem::OpenMode::CreateNew);
+  try {
+    WritePages(*file, pages, header.databaseKey);
+    file->Sync();
+    file.reset();
+    fileSystem.SyncFolderOf(path);
+  } catch (...) {
+    file.reset();
+    fileSystem.Remove(path);
+    throw;
+  }
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,273 @@
+// The operating system's files on POSIX systems (Linux). Locks are open-file-description locks, so that two openers in
+// one process exclude each other as two processes do.
+#define _FILE_OFFSET_BITS 64
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "access/file/EngineError.h"
+#include "access/file/FileSystem.h"
+
+namespace tavi::access {
+
+namespace {
+
+constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
+constexpr mode_t kNewFileMode = 0666;
+constexpr mode_t kPermissionBits = 07777;
+
+[[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, int code) {
+  RaiseFailure("Could not " + operation + " '" + path + "': " + std::generic_category().message(code) + ".");
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.find_last_of('/');
+  if (slash == std::string::npos) return ".";
+  return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+bool HasWriteBit(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && (status.st_mode & kAnyWrite) != 0;
+}
+
+void RequireFolderTakesFiles(const std::string& operation, const std::string& path) {
+  if (!HasWriteBit(FolderOf(path))) RaiseSystemError(operation, path, EACCES);
+}
+
+// Runs a call again while a signal interrupts it.
+template <typename Call>
+auto Retry(Call call) {
+  auto result = call();
+  while (result == -1 && errno == EINTR) result = call();
+  return result;
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int value) : value_(value) {}
+  ~Descriptor() {
+    if (value_ >= 0) ::close(value_);
+  }
+  Descriptor(Descriptor&& other) noexcept : value_(std::exchange(other.value_, -1)) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  Descriptor& operator=(Descriptor&&) = delete;
+  [[nodiscard]] int Value() const { return value_; }
+
+ private:
+  int value_;
+};
+
+class PosixFile final : public File {
+ public:
+  PosixFile(Descriptor descriptor, std::string path, bool isReadOnly)
+      : descriptor_(std::move(descriptor)), path_(std::move(path)), isReadOnly_(isReadOnly) {}
+
+  void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
+    while (!target.empty()) {
+      const ssize_t count =
+          Retry([&] { return ::pread(descriptor_.Value(), target.data(), target.size(), static_cast<off_t>(offset)); });
+      if (count < 0) RaiseSystemError("read", path_, errno);
+      if (count == 0)
+        RaiseFailure("Could not read '" + path_ + "': the file ends at byte " + std::to_string(offset) + ".");
+      offset += static_cast<std::uint64_t>(count);
+      target = target.subspan(static_cast<std::size_t>(count));
+    }
+  }
+
+  void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> source) override {
+    while (!source.empty()) {
+      const ssize_t count = Retry(
+          [&] { return ::pwrite(descriptor_.Value(), source.data(), source.size(), static_cast<off_t>(offset)); });
+      if (count < 0) RaiseSystemError("write", path_, errno);
+      if (count == 0) RaiseSystemError("write", path_, ENOSPC);
+      offset += static_cast<std::uint64_t>(count);
+      source = source.subspan(static_cast<std::size_t>(count));
+    }
+  }
+
+  std::uint64_t Size() override { return static_cast<std::uint64_t>(Status().st_size); }
+
+  void Truncate(std::uint64_t size) override {
+    if (Retry([&] { return ::ftruncate(descriptor_.Value(), static_cast<off_t>(size)); }) != 0) {
+      RaiseSystemError("change the length of", path_, errno);
+    }
+  }
+
+  void Sync() override {
+    if (Retry([&] { return ::fsync(descriptor_.Value()); }) != 0) RaiseSystemError("flush", path_, errno);
+  }
+
+  std::int64_t ModificationStamp() override {
+    constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+    const struct stat status = Status();
+    return status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
+  }
+
+  bool IsReadOnly() const override { return isReadOnly_; }
+
+  bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
+    struct flock range = Range(offset, length, kind == LockKind::Shared ? F_RDLCK : F_WRLCK);
+    if (Retry([&] { return ::fcntl(descriptor_.Value(), F_OFD_SETLK, &range); }) == 0) return true;
+    if (errno == EAGAIN || errno == EACCES) return false;
+    RaiseSystemError("lock", path_, errno);
+  }
+
+  void Unlock(std::uint64_t offset, std::uint64_t length) override {
+    struct flock range = Range(offset, length, F_UNLCK);
+    if (Retry([&] { return ::fcntl(descriptor_.Value(), F_OFD_SETLK, &range); }) != 0) {
+      RaiseSystemError("unlock", path_, errno);
+    }
+  }
+
+  bool IsLockedByOther(std::uint64_t offset, std::uint64_t length) override {
+    return FirstConflict(offset, length).l_type != F_UNLCK;
+  }
+
+  std::string LockHolder(std::uint64_t offset, std::uint64_t length) override {
+    const struct flock conflict = FirstConflict(offset, length);
+    // The system names the process of classic locks only; open-file-description locks show -1.
+    return conflict.l_type != F_UNLCK && conflict.l_pid > 0 ? "process " + std::to_string(conflict.l_pid) : "";
+  }
+
+ private:
+  [[nodiscard]] struct stat Status() const {
+    struct stat status {};
+    if (::fstat(descriptor_.Value(), &status) != 0) RaiseSystemError("examine", path_, errno);
+    return status;
+  }
+
+  static struct flock Range(std::uint64_t offset, std::uint64_t length, short kind) {
+    struct flock range {};
+    range.l_type = kind;
+    range.l_whence = SEEK_SET;
+    range.l_start = static_cast<off_t>(offset);
+    constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
+    range.l_len = length >= kLargest - offset ? 0 : static_cast<off_t>(length);  // 0: to the end, however far
+    return range;
+  }
+
+  struct flock FirstConflict(std::uint64_t offset, std::uint64_t length) {
+    struct flock range = Range(offset, length, F_WRLCK);
+    if (Retry([&] { return ::fcntl(descriptor_.Value(), F_OFD_GETLK, &range); }) != 0) {
+      RaiseSystemError("examine the locks of", path_, errno);
+    }
+    return range;
+  }
+
+  Descriptor descriptor_;
+  std::string path_;
+  bool isReadOnly_;
+};
+
+// Network file systems turn a lock of the whole file into one that would shut our own writers out.
+bool HoldsWholeFileLocksApart(int descriptor) {
+  constexpr auto kNetworkFileSystem = 0x6969;
+  struct statfs status {};
+  return ::fstatfs(descriptor, &status) == 0 && status.f_type != kNetworkFileSystem;
+}
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  std::unique_ptr<File> Open(const std::string& path, OpenMode mode) override {
+    if (mode == OpenMode::ReadWrite && Exists(path) && !HasWriteBit(path)) RaiseSystemError("open", path, EACCES);
+    if (mode == OpenMode::CreateNew) RequireFolderTakesFiles("create", path);
+    Descriptor descriptor(Retry([&] { return ::open(path.c_str(), Flags(mode), kNewFileMode); }));
+    if (descriptor.Value() < 0) RaiseSystemError(mode == OpenMode::CreateNew ? "create" : "open", path, errno);
+    struct stat status {};
+    if (::fstat(descriptor.Value(), &status) != 0) RaiseSystemError("examine", path, errno);
+    if (!S_ISREG(status.st_mode)) RaiseFailure("Could not open '" + path + "': it is not a file.");
+    if (HoldsWholeFileLocksApart(descriptor.Value()) && ::flock(descriptor.Value(), LOCK_SH | LOCK_NB) != 0 &&
+        errno == EWOULDBLOCK) {
+      RaiseFailure("Could not use '" + path + "'; file already in use. Another program has locked it as a whole.");
+    }
+    return std::make_unique<PosixFile>(std::move(descriptor), path, mode == OpenMode::ReadOnly);
+  }
+
+  bool Exists(const std::string& path) override {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0;
+  }
+
+  bool IsWritable(const std::string& path) override {
+    const std::string folder = FolderOf(path);
+    return HasWriteBit(path) && HasWriteBit(folder) && ::access(path.c_str(), W_OK) == 0 &&
+           ::access(folder.c_str(), W_OK | X_OK) == 0;
+  }
+
+  std::string CanonicalPath(const std::string& path) override {
+    const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
+    return resolved == nullptr ? path : std::string(resolved.get());
+  }
+
+  void Remove(const std::string& path) override {
+    if (::unlink(path.c_str()) != 0) RaiseSystemError("remove", path, errno);
+  }
+
+  void Rename(const std::string& from, const std::string& to) override {
+    RequireFolderTakesFiles("rename", to);
+    if (::rename(from.c_str(), to.c_str()) != 0) RaiseSystemError("rename", from, errno);
+  }
+
+  void CopyPermissions(const std::string& from, const std::string& to) override {
+    struct stat status {};
+    if (::stat(from.c_str(), &status) != 0) return;
+    const Descriptor target(::open(to.c_str(), O_RDONLY | O_CLOEXEC));
+    if (target.Value() < 0) return;
+    const bool sameGroup = ::fchown(target.Value(), static_cast<uid_t>(-1), status.st_gid) == 0;
+    // With another group its permissions would go to the wrong people.
+    const mode_t mode = sameGroup ? status.st_mode : status.st_mode & ~static_cast<mode_t>(S_IRWXG);
+    static_cast<void>(::fchmod(target.Value(), mode & kPermissionBits));
+  }
+
+  void SyncFolderOf(const std::string& path) override {
+    const std::string folder = FolderOf(path);
+    const Descriptor descriptor(Retry([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));
+    if (descriptor.Value() < 0) RaiseSystemError("open the folder", folder, errno);
+    // Some file systems keep folders durable by themselves and know no flush of them.
+    if (::fsync(descriptor.Value()) != 0 && errno != EINVAL && errno != EROFS) {
+      RaiseSystemError("flush the folder", folder, errno);
+    }
+  }
+
+  void Pause(std::chrono::milliseconds duration) override {
+    if (duration.count() > 0) {
+      std::this_thread::sleep_for(duration);
+    } else {
+      std::this_thread::yield();
+    }
+  }
+
+ private:
+  static int Flags(OpenMode mode) {
+    // Without waiting: a pipe under the name must not stop the program.
+    constexpr int kAlways = O_CLOEXEC | O_NONBLOCK;
+    switch (mode) {
+      case OpenMode::ReadOnly:
+        return O_RDONLY | kAlways;
+      case OpenMode::ReadWrite:
+        return O_RDWR | kAlways;
+      case OpenMode::CreateNew:
+        return O_RDWR | O_CREAT | O_EXCL | kAlways;
+    }
+    return O_RDONLY | kAlways;
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<FileSystem> NativeFileSystem() {
+  return std::make_shared<PosixFileSystem>();
+}
+
+}  // namespace tavi::access
