@@ -15,25 +15,47 @@
 namespace tavi::access::sql {
 
 struct Select;
+struct Function;
 
 enum class ExpressionKind {
-  Literal,     // value
-  Column,      // qualifier (may be empty), name
-  Star,        // qualifier (may be empty); only in SELECT lists and Count(*)
-  Unary,       // op, arguments[0]
-  Binary,      // op, arguments[0..1]
-  Between,     // arguments: tested, low, high; negated
-  In,          // arguments: tested, items...; or a sub-select; negated
-  Exists,      // subselect; negated
-  IsNull,      // arguments[0]; negated
-  Like,        // arguments: tested, pattern; negated
-  Call,        // name, arguments; distinct for aggregates
-  Subselect    // a scalar sub-select
+  Literal,    // value
+  Column,     // qualifier (may be empty), name
+  Star,       // qualifier (may be empty); only in SELECT lists and Count(*)
+  Unary,      // op, arguments[0]
+  Binary,     // op, arguments[0..1]
+  Between,    // arguments: tested, low, high; negated
+  In,         // arguments: tested, items...; or a sub-select; negated
+  Exists,     // subselect; negated
+  IsNull,     // arguments[0]; negated
+  Like,       // arguments: tested, pattern; negated
+  Call,       // name, arguments; distinct for aggregates
+  Subselect,  // a scalar sub-select
+  Quantified  // arguments[0] op ALL (all) or ANY (not all) of a sub-select
 };
 
 enum class Operator {
-  Or, Xor, Eqv, Imp, And, Not, Equal, NotEqual, Less, LessOrEqual, Greater, GreaterOrEqual, Add, Subtract, Multiply,
-  Divide, IntegerDivide, Modulo, Power, Concatenate, Negate, Plus
+  Or,
+  Xor,
+  Eqv,
+  Imp,
+  And,
+  Not,
+  Equal,
+  NotEqual,
+  Less,
+  LessOrEqual,
+  Greater,
+  GreaterOrEqual,
+  Add,
+  Subtract,
+  Multiply,
+  Divide,
+  IntegerDivide,
+  Modulo,
+  Power,
+  Concatenate,
+  Negate,
+  Plus
 };
 
 struct Expression {
@@ -45,8 +67,12 @@ struct Expression {
   Operator op = Operator::And;
   bool negated = false;
   bool distinct = false;
+  bool all = false;
+  std::uint16_t depth = 1;  ///< levels of the tree from here down, sub-selects included; at most kMaximumDepth
   std::vector<std::unique_ptr<Expression>> arguments;
   std::shared_ptr<Select> subselect;
+  const Function* function = nullptr;  ///< Call: the built-in function, found once; none for aggregates
+  std::size_t slot = 0;                ///< Column, aggregate, sub-select: for the planner's use; the parser leaves 0
 };
 using ExpressionPointer = std::unique_ptr<Expression>;
 
@@ -56,6 +82,7 @@ struct Source {
   enum class Join { Inner, Left, Right, Cross };
   Kind kind = Kind::Table;
   std::size_t position = 0;
+  std::uint16_t depth = 1;  ///< as in Expression
   std::string table;
   std::string alias;  ///< empty: the table's own name
   std::shared_ptr<Select> subselect;
@@ -73,14 +100,19 @@ struct OrderItem {
   bool descending = false;
 };
 
+/// In a union the first select holds the chain: it is united with `unionWith`, the result with that one's `unionWith`,
+/// and so on, from left to right; `unionAll` says how a select is united with its successor. The ORDER BY at the end of
+/// a union orders the whole and stands in the first select; the others have none.
 struct Select {
+  std::size_t position = 0;
+  std::uint16_t depth = 1;  ///< as in Expression
   bool distinct = false;
   bool distinctRow = false;
   std::optional<std::int64_t> top;
   bool topPercent = false;
   std::vector<SelectItem> items;
-  std::string into;                 ///< SELECT ... INTO table
-  std::unique_ptr<Source> from;     ///< none: one row of constants
+  std::string into;              ///< SELECT ... INTO table
+  std::unique_ptr<Source> from;  ///< none: one row of constants
   ExpressionPointer where;
   std::vector<ExpressionPointer> groupBy;
   ExpressionPointer having;
@@ -94,7 +126,7 @@ struct Insert {
   std::size_t position = 0;
   std::vector<std::string> columns;  ///< empty: all, in order
   std::vector<ExpressionPointer> values;
-  std::shared_ptr<Select> select;    ///< instead of values
+  std::shared_ptr<Select> select;  ///< instead of values
 };
 struct Assignment {
   ExpressionPointer column;  // a Column expression
@@ -134,7 +166,7 @@ struct DropIndex {
   std::string index;
 };
 
-using Statement = std::variant<Select, Insert, Update, Delete, CreateTable, DropTable, AddColumn, DropColumn, CreateIndex,
-                               DropIndex>;
+using Statement =
+    std::variant<Select, Insert, Update, Delete, CreateTable, DropTable, AddColumn, DropColumn, CreateIndex, DropIndex>;
 
 }  // namespace tavi::access::sql
