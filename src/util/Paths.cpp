@@ -1,0 +1,38 @@
+#include "util/Paths.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "platform/values/Error.h"
+#include "util/NativePath.h"
+
+namespace tavi {
+
+std::string PathJoin(std::string_view folder, std::string_view fileName, std::string_view separator) {
+  std::string path(folder);
+  if (!folder.empty() && folder.back() != '\\' && folder.back() != '/') path += separator;
+  path += fileName;
+  return path;
+}
+
+bool FileExists(std::string_view path) noexcept {
+  try {
+    std::error_code failure;
+    const std::filesystem::file_status status = std::filesystem::status(NativeFilePath(path), failure);
+    return !failure && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
+  } catch (...) {
+    return false;
+  }
+}
+
+std::string ParentPath(std::string_view path) {
+  const std::size_t end = path.find_last_of(":\\/");
+  if (end == std::string_view::npos) {
+    throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
+                "Invalid procedure call or argument: the path \"" + std::string(path) + "\" names no folder.");
+  }
+  const bool isDriveAlone = path.size() == 2 && path[1] == ':';
+  return isDriveAlone ? std::string() : std::string(path.substr(0, end));
+}
+
+}  // namespace tavi

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Paths as the component writes them; only FileExists looks at the disk.
+namespace tavi {
+
+/// Folder, separator and file name; no separator is put behind one that is there already ("\" or "/"), nor behind the
+/// empty folder.
+std::string PathJoin(std::string_view folder, std::string_view fileName, std::string_view separator = "\\");
+
+/// True for a file that is there and is no folder. Never raises an error.
+bool FileExists(std::string_view path) noexcept;
+
+/// Everything before the last ":", "\" or "/"; nothing for a drive alone ("C:"). Raises InvalidArgument for a path
+/// without any of them.
+std::string ParentPath(std::string_view path);
+
+}  // namespace tavi

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/Platform.h"
+
+namespace tavi {
+
+/// The settings file "Madrigo\Settings.xml" below the common application-data folder, loaded: the machine-wide values,
+/// each under a chain of elements named after its key ("Software\Pelmont" is <software><pelmont>, blanks become "_").
+/// Markup characters of a value stand in the file escaped twice, as all installed files have them.
+class SettingsFile {
+ public:
+  /// Loads the file; makes the folder and a file without values first where they are missing. Raises an error when the
+  /// file cannot be made, read or understood.
+  explicit SettingsFile(const Platform& platform);
+
+  /// The value, nothing when the file does not hold it.
+  [[nodiscard]] std::optional<std::string> Value(const std::string& keyPath, const std::string& valueName) const;
+  /// Sets a value; Save stores it.
+  void SetValue(const std::string& keyPath, const std::string& valueName, const std::string& value);
+  /// Writes the file when a value was set. Raises an error when that fails.
+  void Save();
+
+ private:
+  std::unique_ptr<SettingsDocument> document_;
+  bool changed_ = false;
+};
+
+}  // namespace tavi

@@ -1,0 +1,146 @@
+#include "util/SettingsStore.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <tuple>
+
+#include "platform/TemporaryFolder.h"
+#include "platform/portable/XdgShellFolders.h"
+#include "platform/portable/XmlSettingsDocuments.h"
+#include "platform/values/Error.h"
+#include "util/NativePath.h"
+#include "util/SettingsFile.h"
+
+namespace tavi {
+namespace {
+
+constexpr auto kMachine = RegistryRoot::LocalMachine;
+constexpr auto kUser = RegistryRoot::CurrentUser;
+
+/// A registry that holds what the test puts in and counts the questions.
+class FakeRegistry : public Registry {
+ public:
+  using Key = std::tuple<RegistryRoot, std::string, std::string>;
+  [[nodiscard]] std::optional<std::string> ReadText(RegistryRoot root, std::string_view keyPath,
+                                                    std::string_view valueName) const override {
+    ++questions;
+    const auto found = values.find(Key(root, std::string(keyPath), std::string(valueName)));
+    return found == values.end() ? std::nullopt : std::optional<std::string>(found->second);
+  }
+  std::map<Key, std::string> values;
+  mutable int questions = 0;
+};
+
+class SettingsStoreTest : public ::testing::Test {
+ protected:
+  static constexpr const char* kFile = "config/Madrigo/Settings.xml";
+
+  SettingsStoreTest() {
+    platform_.registry = registry_;
+    platform_.settingsDocuments =
+        std::make_shared<XmlSettingsDocuments>([](const std::string& path) { return NativePath(path); });
+    platform_.shellFolders = std::make_shared<XdgShellFolders>([this](const std::string& name) {
+      return name == "XDG_CONFIG_HOME" ? std::optional<std::string>(folder_.Path("config")) : std::nullopt;
+    });
+  }
+
+  std::string Get(RegistryRoot root, const std::string& name = kDatabaseFolderSetting) {
+    return GetSetting(platform_, root, kSettingsKey, name, "default");
+  }
+  void PutIntoRegistry(RegistryRoot root, const std::string& value) {
+    registry_->values[{root, kSettingsKey, kDatabaseFolderSetting}] = value;
+  }
+  void PutIntoFile(const std::string& element) {
+    folder_.WriteFile(kFile, "<settings><hkey_local_machine><software><pelmont><bridge><clubdatabase>" + element +
+                                 "</clubdatabase></bridge></pelmont></software></hkey_local_machine></settings>");
+  }
+
+  testing::TemporaryFolder folder_;
+  std::shared_ptr<FakeRegistry> registry_ = std::make_shared<FakeRegistry>();
+  Platform platform_;
+};
+
+TEST_F(SettingsStoreTest, TheFirstMachineWideQuestionMakesTheFileWithoutValues) {
+  EXPECT_EQ(Get(kMachine), "default");
+  EXPECT_EQ(folder_.ReadFile(kFile),
+            "<settings>\r\n  <hkey_local_machine>\r\n    <software>\r\n      <pelmont>\r\n      </pelmont>\r\n"
+            "    </software>\r\n  </hkey_local_machine>\r\n</settings>\r\n");
+}
+
+TEST_F(SettingsStoreTest, AMachineWideValueOfTheFileWinsAndTheRegistryIsNotAsked) {
+  PutIntoFile("<DB_Folder>D:\\Club</DB_Folder>");
+  PutIntoRegistry(kMachine, "C:\\Other");
+  EXPECT_EQ(Get(kMachine), "D:\\Club");
+  EXPECT_EQ(registry_->questions, 0);
+}
+
+TEST_F(SettingsStoreTest, AMachineWideValueOfTheRegistryIsCopiedIntoTheFile) {
+  PutIntoRegistry(kMachine, "C:\\Other");
+  EXPECT_EQ(Get(kMachine), "C:\\Other");
+  registry_->values.clear();
+  EXPECT_EQ(Get(kMachine), "C:\\Other");
+  const auto document = platform_.settingsDocuments->Load(folder_.Path(kFile));
+  EXPECT_EQ(
+      document->Text({"settings", "hkey_local_machine", "software", "pelmont", "bridge", "clubdatabase", "DB_Folder"}),
+      "C:\\Other");
+}
+
+TEST_F(SettingsStoreTest, PerUserValuesAreReadFromTheRegistryOnlyAndNeverCopied) {
+  PutIntoFile("<DB_Folder>D:\\Club</DB_Folder>");
+  EXPECT_EQ(Get(kUser), "default");
+  const std::string before = folder_.ReadFile(kFile);
+  PutIntoRegistry(kUser, "C:\\Mine");
+  EXPECT_EQ(Get(kUser), "C:\\Mine");
+  EXPECT_EQ(folder_.ReadFile(kFile), before);
+}
+
+TEST_F(SettingsStoreTest, APerUserQuestionMakesNoFile) {
+  EXPECT_EQ(Get(kUser), "default");
+  EXPECT_FALSE(folder_.Has("config"));
+}
+
+TEST_F(SettingsStoreTest, AnEmptyValueLeavesTheDefault) {
+  PutIntoFile("<DB_Folder></DB_Folder>");
+  PutIntoRegistry(kMachine, "");
+  PutIntoRegistry(kUser, "");
+  EXPECT_EQ(Get(kMachine), "default");
+  EXPECT_EQ(Get(kUser), "default");
+}
+
+TEST_F(SettingsStoreTest, MarkupCharactersStandInTheFileEscapedTwice) {
+  PutIntoRegistry(kMachine, "a<b>&c");
+  EXPECT_EQ(Get(kMachine), "a<b>&c");
+  EXPECT_NE(folder_.ReadFile(kFile).find("<DB_Folder>a&amp;lt;b&amp;gt;&amp;amp;c</DB_Folder>"), std::string::npos)
+      << folder_.ReadFile(kFile);
+  registry_->values.clear();
+  EXPECT_EQ(Get(kMachine), "a<b>&c");
+}
+
+TEST_F(SettingsStoreTest, KeysAreLowerCasedAndBlanksBecomeUnderscores) {
+  SettingsFile file(platform_);
+  file.SetValue("Software/My Club\\Éven", "Some Value", "x");
+  file.Save();
+  const auto document = platform_.settingsDocuments->Load(folder_.Path(kFile));
+  EXPECT_EQ(document->Text({"settings", "hkey_local_machine", "software", "my_club", "éven", "Some_Value"}), "x");
+  EXPECT_EQ(SettingsFile(platform_).Value("SOFTWARE\\my club\\éven", "Some Value"), "x");
+}
+
+TEST_F(SettingsStoreTest, AnUnreadableFileNeverFailsARead) {
+  folder_.WriteFile(kFile, "this is no XML");
+  EXPECT_EQ(Get(kMachine), "default");
+}
+
+TEST_F(SettingsStoreTest, WithoutAFolderTheRegistryAndTheDefaultStandIn) {
+  platform_.shellFolders = std::make_shared<XdgShellFolders>([](const std::string&) { return std::nullopt; });
+  EXPECT_EQ(Get(kMachine), "default");
+}
+
+TEST_F(SettingsStoreTest, AnErrorWhileTheFileIsWrittenReachesTheCaller) {
+  folder_.WriteFile(kFile, "this is no XML");
+  PutIntoRegistry(kMachine, "C:\\Other");
+  EXPECT_THROW(static_cast<void>(Get(kMachine)), Error);
+}
+
+}  // namespace
+}  // namespace tavi
