@@ -4,13 +4,11 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/Platform.h"
 #include "platform/ado/Provider.h"
 #include "platform/values/Date.h"
 #include "platform/values/Error.h"
-#include "store/cDbFieldDef.h"
 
 namespace tavi {
 
@@ -70,7 +68,8 @@ class cDatabase {
   /// "EBUMembershipList".
   [[nodiscard]] static std::string EBUMembersTable();
   /// Opens the file or counts one more use. The first open after the folder was set checks the layout and refreshes
-  /// the uniqueness flags. Raises "Attempt to use database before path set." and "Failed to open membership database ...".
+  /// the uniqueness flags. Raises "Attempt to use database before path set." and "Failed to open membership database
+  /// ..."; after an error the count is as before.
   void OpenDB();
   /// Counts one use less, or all of them, and closes the file at zero. On a closed store it does nothing.
   void CloseDB(bool ForceClose);
@@ -78,9 +77,13 @@ class cDatabase {
   [[nodiscard]] std::int16_t OpenCount() const { return openCount_; }
   /// Runs one statement between an OpenDB and a CloseDB; the count is balanced on errors too.
   void Execute(std::string_view CommandString);
-  /// Opens a record set on the open connection, for update. IsTable: `SQL` is a table's name.
-  [[nodiscard]] std::unique_ptr<ado::Recordset> OpenRecordset(
-      std::string_view SQL, ado::CursorType CursorType = ado::CursorType::ForwardOnly, bool IsTable = false);
+  /// Opens a record set on the open connection, for update. IsTable: `SQL` is a table's name. Does not open the file
+  /// itself: raises NoObject on a closed store.
+  [[nodiscard]] std::unique_ptr<ado::Recordset> OpenRecordset(std::string_view SQL,
+                                                              ado::CursorType CursorType = ado::CursorType::ForwardOnly,
+                                                              bool IsTable = false);
+  /// The tables, columns or indexes of the open file.
+  [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind);
 
   // --- SQL literals (store/Literals.cpp) -----------------------------------------------------------------------------
 
@@ -91,7 +94,8 @@ class cDatabase {
   /// becomes a single blank when EnsureNotEmpty.
   [[nodiscard]] static std::string SQLString(std::string_view StringValue, bool EnsureNotEmpty = false);
 
-  // --- Field readers (store/FieldReaders.cpp): null gives the default; a failure the zero value of the type, no error -
+  // --- Field readers (store/FieldReaders.cpp): null gives the default; a failure the zero value of the type, no error
+  // -
 
   [[nodiscard]] static std::string GetTextField(const ado::Recordset& rs, std::string_view FieldName,
                                                 bool Trimmed = false, const std::string& DefaultIfEmpty = "");
@@ -172,16 +176,14 @@ class cDatabase {
 
  private:
   // --- File layout (store/Layout.cpp) --------------------------------------------------------------------------------
+
   void CheckLayout();
-  void CheckColumn(const cDbFieldDef& wanted, bool& changeNeeded);
-  void RequestColumnRemoval(const std::string& TableName, const std::string& FieldName);
-  void ApplyChange(const cDbFieldDef& change);
-  void AddQueuedColumn(const cDbFieldDef& change);
-  void RemoveQueuedColumn(const cDbFieldDef& change);
-  void RepairMasterPointColours();
+  /// The one row of Settings, added when the table is empty.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSettingsRow();
 
   void OpenConnection();
+  /// The connection; raises NoObject on a closed store.
+  [[nodiscard]] ado::Connection& OpenFile();
 
   std::shared_ptr<const Platform> platform_;
   std::string folder_;
@@ -189,7 +191,6 @@ class cDatabase {
   std::int16_t openCount_ = 0;
   bool layoutCheckPending_ = true;
   bool fieldLimitMessageShown_ = false;
-  std::vector<cDbFieldDef> changeQueue_;
 };
 
 }  // namespace tavi

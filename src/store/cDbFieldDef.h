@@ -11,10 +11,10 @@ struct cDbFieldDef {
 
   std::string TableName;
   std::string FieldName;
-  std::string FieldType;             ///< an SQL type word: Text, Integer, Short, Long, Double, Date, Bit, Memo
-  std::int16_t TextFieldLength = 10; ///< in characters; used when FieldType is "Text"
+  std::string FieldType;              ///< an SQL type word: Text, Integer, Short, Long, Double, Date, Bit, Memo
+  std::int16_t TextFieldLength = 10;  ///< in characters; used when FieldType is "Text"
   bool SetDefault = false;
-  std::string DefaultValue;          ///< an SQL literal put into existing rows
+  std::string DefaultValue;  ///< an SQL literal put into existing rows
   ChangeAction Action = ChangeAction::Add;
 };
 

@@ -1,0 +1,76 @@
+#include "store/BaseFile.h"
+
+#include <array>
+
+#include "store/LayoutTable.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::array kTableStatements{
+    "Create Table Members (MembershipNumber Long Not Null, EBUNumber Text (20), Title Text (20), FirstName Text (50), "
+    "MiddleInitials Text (50), LastName Text (50), FuzzedFirstName Text (50), FuzzedLastName Text (50), "
+    "KnownAs Text (50), Sex Integer Default 0, DOB Date, email Text (255), HouseID Text (100), Address Memo, "
+    "PostCode Text (20), HomePhone Text (50), WorkPhone Text (50), MobilePhone Text (50), Notes Memo, "
+    "MemberType Text (50), DateOfJoining Date, SubsPaid Date, SubsDue Date, AmountOwing Currency, Privacy Bit Default "
+    "0, "
+    "Active Bit Default -1, Handicap Double Default 50, UniquenessFlag Integer, Stratum Integer Default 0, "
+    "HandicalcSeed Double, HandicalcSeedDate Date)",
+
+    "Create Table Partnerships (LowerPlayer Long Not Null, HigherPlayer Long Not Null, HigherFirst Short, "
+    "Handicap Double Default 50, KnownAs Text (255), Active Bit Default -1, HandicalcSeed Double, "
+    "HandicalcSeedDate Date)",
+
+    "Create Table Competitions (ID Counter, CompetitionName Text (255), CompetitionDate Date, Individual Short, "
+    "ScoringMethod Short, ButlerType Short, MasterPointsType Short, IncludeInHandicapCalculations Short, "
+    "NumberOfTables Integer, NumberOfWinners Short, MasterPointsColour Integer, IsTeams Bit Default 0, "
+    "IsSwiss Bit Default 0, IsExternal Bit Default 0, QualiFinal Bit Default 0, NatCode Text (20) Default 'EBU')",
+
+    "Create Table Results (Competition Long, Player Long, Partner Long, ActualPercentage Double, NetPercentage Double)",
+
+    "Create Table MasterPoints (ID Counter, MembershipNumber Long, NonMemberName Text (255), CompetitionID Long, "
+    "SessionNo Integer Default -1, MasterPoints Double, Colour Integer Default -1, Status Short, RecordUpdated Short, "
+    "TempMPTotal Double, MPTotalsString Memo)",
+
+    "Create Table Settings (MasterPointMethod Short, LastMPCertificate Long, LastMPUploadNo Long, "
+    "MPCertificatePrefix Text (4), CountyList Text (100), LastUploadDate Date, LastGotEBUNos Date)",
+
+    "Create Table ClubNames (ClubID Counter, ClubName Text (255), ClubEBUNumber Text (20), "
+    "Affiliation Text (10) Default 'EBU')",
+
+    "Create Table ClubPolicies (MemberType Text (50), SpecificDate Short, SubsDueDate Date, Subs Currency)",
+
+    "Create Table HandicalcSettings (MaxWeeks Short, MaxResults Short, SamePartnerWeighting Short, "
+    "RegularPairMultiplier Double, RegularPairAdd Double, UnknownPlayerHandicap Double, Disabled Bit Default 0)"};
+
+/// One index for each column, or set of columns, by which rows are looked up or sorted.
+constexpr std::array kIndexStatements{
+    "Create Index PrimaryKey On Members (MembershipNumber) With Primary",
+    "Create Index FullName On Members (FirstName, LastName, MiddleInitials)",
+    "Create Index LastName On Members (LastName)",
+    "Create Index FuzzedFirstName On Members (FuzzedFirstName)",
+    "Create Index FuzzedLastName On Members (FuzzedLastName)",
+    "Create Index EBUNumber On Members (EBUNumber)",
+    "Create Index PrimaryKey On Partnerships (LowerPlayer, HigherPlayer) With Primary",
+    "Create Index HigherPlayer On Partnerships (HigherPlayer)",
+    "Create Index PrimaryKey On Competitions (ID) With Primary",
+    "Create Index DateAndName On Competitions (CompetitionDate, CompetitionName)",
+    "Create Index Competition On Results (Competition)",
+    "Create Index Player On Results (Player)",
+    "Create Index Partner On Results (Partner)",
+    "Create Index PrimaryKey On MasterPoints (ID) With Primary",
+    "Create Index CompetitionID On MasterPoints (CompetitionID)",
+    "Create Index MembershipNumber On MasterPoints (MembershipNumber)",
+    "Create Index PrimaryKey On ClubNames (ClubID) With Primary",
+    "Create Index ClubName On ClubNames (ClubName)",
+    "Create Index FullName On EBUMembershipList (LastName, FirstName)"};
+
+}  // namespace
+
+void CreateBaseFile(ado::Connection& connection) {
+  for (const char* statement : kTableStatements) connection.Execute(statement);
+  connection.Execute(kCreateEbuMembersTable);
+  for (const char* statement : kIndexStatements) connection.Execute(statement);
+}
+
+}  // namespace tavi

@@ -1,0 +1,116 @@
+#include <exception>
+#include <limits>
+
+#include "platform/values/Text.h"
+#include "store/cDatabase.h"
+#include "util/Diagnostics.h"
+#include "util/Paths.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kSource = "cDatabase";
+constexpr const char* kFileName = "ClubMembers.mdb";
+constexpr const char* kConnectionText = "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=";
+
+/// Counts one use less while another error is on its way, which must stay the one that is seen.
+void CloseQuietly(cDatabase& database, bool forceClose) noexcept {
+  try {
+    database.CloseDB(forceClose);
+  } catch (...) {
+    return;
+  }
+}
+
+}  // namespace
+
+cDatabase::cDatabase(std::shared_ptr<const Platform> platform) : platform_(std::move(platform)) {
+  WriteDiagnostic("TaviMembership Initialising");
+}
+
+cDatabase::~cDatabase() {
+  CloseQuietly(*this, true);
+}
+
+std::string cDatabase::DatabaseFilePath() const {
+  return PathJoin(folder_, kFileName);
+}
+
+void cDatabase::SetDatabaseFolder(const std::string& newFolder) {
+  if (!EqualIgnoringCase(newFolder, folder_)) NewDatabase();
+  folder_ = newFolder;
+}
+
+std::string cDatabase::EBUMembersTable() {
+  return "EBUMembershipList";
+}
+
+void cDatabase::OpenConnection() {
+  try {
+    connection_ = platform_->databaseProvider->Open(kConnectionText + DatabaseFilePath());
+  } catch (const std::exception& error) {
+    const std::string message =
+        "Failed to open membership database " + DatabaseFilePath() + ":\r\n\r\n" + std::string(error.what());
+    WriteDiagnostic(message);
+    throw Error(ErrorNumber::Component, kSource, message);
+  }
+}
+
+void cDatabase::OpenDB() {
+  if (folder_.empty()) {
+    throw Error(ErrorNumber::Component, kSource, "Attempt to use database before path set.");
+  }
+  if (openCount_ == std::numeric_limits<std::int16_t>::max()) {
+    throw Error(ErrorNumber::Overflow, kSource, "Overflow: the membership database was opened too often; close it.");
+  }
+  if (openCount_ == 0) OpenConnection();
+  ++openCount_;
+  if (!layoutCheckPending_) return;
+  layoutCheckPending_ = false;
+  try {
+    CheckLayout();
+    SetNameUniquenessFlags("");
+  } catch (...) {
+    CloseQuietly(*this, false);
+    throw;
+  }
+}
+
+void cDatabase::CloseDB(bool ForceClose) {
+  if (openCount_ == 0) return;
+  openCount_ = ForceClose ? std::int16_t{0} : static_cast<std::int16_t>(openCount_ - 1);
+  if (openCount_ > 0) return;
+  const std::unique_ptr<ado::Connection> closing = std::move(connection_);
+  closing->Close();
+}
+
+void cDatabase::Execute(std::string_view CommandString) {
+  OpenDB();
+  try {
+    connection_->Execute(CommandString);
+  } catch (...) {
+    CloseQuietly(*this, false);
+    throw;
+  }
+  CloseDB(false);
+}
+
+std::unique_ptr<ado::Recordset> cDatabase::OpenRecordset(std::string_view SQL, ado::CursorType CursorType,
+                                                         bool IsTable) {
+  return OpenFile().OpenRecordset(SQL, CursorType, ado::LockType::Pessimistic,
+                                  IsTable ? ado::SourceKind::TableDirect : ado::SourceKind::CommandText);
+}
+
+std::unique_ptr<ado::Recordset> cDatabase::OpenSchema(ado::SchemaKind kind) {
+  return OpenFile().OpenSchema(kind);
+}
+
+ado::Connection& cDatabase::OpenFile() {
+  if (!connection_) {
+    throw Error(ErrorNumber::NoObject, kSource,
+                "Object variable not set: a record set needs the open membership database; call OpenDB first.");
+  }
+  return *connection_;
+}
+
+}  // namespace tavi

@@ -1,0 +1,73 @@
+#include "store/LayoutChange.h"
+
+#include "store/OpenUse.h"
+#include "util/TextHelpers.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kErrorTitle = "Error updating database layout";
+constexpr const char* kWarningTitle = "Database Update Warning";
+
+constexpr const char* kFieldLimitText =
+    "Your database has reached the maximum number of field updates. This is "
+    "a limitation of Microsoft Access databases. If you have Microsoft Access "
+    "installed on your computer you can fix the problem as follows:"
+    "\r\n\r\n"
+    "1. Close the Club Database Manager application."
+    "\r\n"
+    "2. Start Microsoft Access and open your Club Membership "
+    "\r\n"
+    "    Database file."
+    "\r\n"
+    "3. Click on the \"Tools\" menu and choose \"Database Utilities...\""
+    "\r\n"
+    "    then \"Compact and Repair Database\""
+    "\r\n\r\n"
+    "If you do not have Microsoft Access, please contact your supplier of the "
+    "Bexmoor Club Option Pack, who should be able to help you fix your "
+    "database.";
+
+void ShowAddFailure(const MessageBoxes& boxes, const Error& error, bool& fieldLimitMessageShown) {
+  if (error.Is(ErrorNumber::ProviderFailure)) {
+    if (!fieldLimitMessageShown) boxes.Show(MessageBoxIcon::Critical, kErrorTitle, kFieldLimitText);
+    fieldLimitMessageShown = true;
+  } else if (!error.Is(ErrorNumber::ProviderBadStatus)) {
+    boxes.Show(MessageBoxIcon::Exclamation, kErrorTitle,
+               "MS Access reports the following error:\r\n\r\n" + error.Description());
+  }
+}
+
+void AddColumn(cDatabase& database, const cDbFieldDef& change) {
+  OpenUse use(database);
+  std::string type = change.FieldType;
+  if (type == "Text") type += " (" + std::to_string(change.TextFieldLength) + ")";
+  database.Execute("Alter Table " + change.TableName + " Add Column " + change.FieldName + " " + type);
+  if (!change.SetDefault) return;
+  database.Execute("Update " + change.TableName + " Set " + change.FieldName + " = " + change.DefaultValue);
+}
+
+void ShowRemoveFailure(const MessageBoxes& boxes, const cDbFieldDef& change, const Error& error) {
+  boxes.Show(MessageBoxIcon::Information, kWarningTitle,
+             "Failed to remove obsolete column " + change.FieldName + " from database table " + change.TableName +
+                 "\r\n\r\nMicrosoft Access reports error number " + HexadecimalNumber(error.Number()) + ": " +
+                 error.Description());
+}
+
+}  // namespace
+
+void ApplyChange(cDatabase& database, const cDbFieldDef& change, bool& fieldLimitMessageShown) {
+  const MessageBoxes& boxes = *database.GetPlatform().messageBoxes;
+  const bool isAdd = change.Action == cDbFieldDef::ChangeAction::Add;
+  try {
+    if (isAdd) {
+      AddColumn(database, change);
+    } else {
+      database.Execute("Alter Table " + change.TableName + " Drop Column " + change.FieldName);
+    }
+  } catch (const Error& error) {
+    isAdd ? ShowAddFailure(boxes, error, fieldLimitMessageShown) : ShowRemoveFailure(boxes, change, error);
+  }
+}
+
+}  // namespace tavi

@@ -1,0 +1,157 @@
+#include "store/LayoutCheck.h"
+
+#include <algorithm>
+#include <exception>
+
+#include "platform/values/Text.h"
+#include "store/LayoutChange.h"
+#include "store/LayoutConversions.h"
+#include "store/LayoutTable.h"
+#include "store/OpenUse.h"
+#include "util/Diagnostics.h"
+#include "util/SettingsStore.h"
+
+namespace tavi {
+namespace {
+
+using Action = cDbFieldDef::ChangeAction;
+
+constexpr const char* kUpdateTitle = "Database Update Required";
+// "compatible" stands twice, as clubs have always read it.
+constexpr const char* kUpdateText =
+    "I need to update your club membership database file to make it compatible "
+    "compatible with the latest software version. When you click OK, this update "
+    "will take place automatically.";
+
+constexpr const char* kGoverningBody = "EBU";
+
+cDbFieldDef TextColumnWithDefault(const char* table, const char* field, std::int16_t length, const std::string& value) {
+  cDbFieldDef column;
+  column.TableName = table;
+  column.FieldName = field;
+  column.FieldType = "Text";
+  column.TextFieldLength = length;
+  column.SetDefault = true;
+  column.DefaultValue = cDatabase::SQLString(value);
+  return column;
+}
+
+cDbFieldDef DisabledColumn() {
+  cDbFieldDef column;
+  column.TableName = "HandicalcSettings";
+  column.FieldName = "Disabled";
+  column.FieldType = "Bit";
+  column.SetDefault = true;
+  column.DefaultValue = "0";
+  return column;
+}
+
+bool Concerns(const cDbFieldDef& change, Action action, std::string_view fieldName) {
+  return change.Action == action && change.TableName == "Competitions" && change.FieldName == fieldName;
+}
+
+}  // namespace
+
+bool LayoutCheck::Attempt(const std::string& step, const std::function<void()>& action) {
+  try {
+    action();
+    return true;
+  } catch (const std::exception& error) {
+    WriteDiagnostic("Database layout: " + step + " failed: " + error.what());
+    return false;
+  }
+}
+
+void LayoutCheck::CheckColumn(const cDbFieldDef& wanted, bool& changeNeeded) {
+  bool exists = true;
+  try {
+    OpenUse use(database_);
+    database_.Execute("Select Top 1 " + wanted.FieldName + " From " + wanted.TableName);
+  } catch (const std::exception&) {
+    exists = false;
+  }
+  if (exists == (wanted.Action == Action::Add)) return;
+  queue_.push_back(wanted);
+  changeNeeded = true;
+}
+
+void LayoutCheck::CheckColumns(const std::vector<cDbFieldDef>& wanted, bool& changeNeeded) {
+  for (const cDbFieldDef& column : wanted) CheckColumn(column, changeNeeded);
+}
+
+void LayoutCheck::RequestColumnRemoval(const std::string& tableName, const std::string& fieldName) {
+  bool discarded = false;
+  CheckColumn(ObsoleteColumn(tableName, fieldName), discarded);
+}
+
+void LayoutCheck::CheckTypeOfTemporaryTotal() {
+  constexpr auto kDouble = static_cast<std::int32_t>(ado::DataType::Double);
+  const auto columns = database_.OpenSchema(ado::SchemaKind::Columns);
+  for (; !columns->AtEnd(); columns->MoveNext()) {
+    if (!EqualIgnoringCase(cDatabase::GetTextField(*columns, "TABLE_NAME"), "MasterPoints")) continue;
+    if (!EqualIgnoringCase(cDatabase::GetTextField(*columns, "COLUMN_NAME"), "TempMPTotal")) continue;
+    const bool isDouble = cDatabase::GetNumericField(*columns, "DATA_TYPE") == kDouble;
+    columns->Close();
+    if (!isDouble) RequestColumnRemoval("MasterPoints", "TempMPTotal");
+    return;
+  }
+}
+
+bool LayoutCheck::QueueChanges() {
+  bool mainFlag = false;
+  CheckColumns(AddedSettingsColumns(), mainFlag);
+  CheckColumn(ObsoleteColumn("Settings", "DirectCreditMPs"), mainFlag);
+  RequestColumnRemoval("Settings", "DirectCreditMPs");
+  CheckColumns(AddedMembersColumns(), mainFlag);
+  Attempt("looking up the type of TempMPTotal", [this] { CheckTypeOfTemporaryTotal(); });
+  CheckColumns(AddedResultColumns(), mainFlag);
+  const bool conversionNeeded = mainFlag;
+
+  bool affiliationFlag = false;
+  const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
+                                      kGoverningBodySetting, kGoverningBody);
+  CheckColumn(TextColumnWithDefault("ClubNames", "Affiliation", 10, body), affiliationFlag);
+  RequestColumnRemoval("Competitions", "GoverningBody");
+  CheckColumn(TextColumnWithDefault("Competitions", "NatCode", 20, kGoverningBody), affiliationFlag);
+  RequestColumnRemoval("Competitions", "ExternalType");
+  RequestColumnRemoval("Competitions", "MasterPointsCode");
+  CheckColumn(DisabledColumn(), mainFlag);
+  return conversionNeeded;
+}
+
+bool LayoutCheck::CarryOverCompetitionTypes() {
+  const bool isExternalIsNew = std::any_of(queue_.begin(), queue_.end(), [](const cDbFieldDef& change) {
+    return Concerns(change, Action::Add, "IsExternal");
+  });
+  return Attempt("carrying over the kinds of competitions",
+                 [&] { ConvertCompetitionTypes(database_, isExternalIsNew); });
+}
+
+void LayoutCheck::ApplyQueue() {
+  for (const cDbFieldDef& change : queue_) {
+    // The new columns stand before this removal in the queue. While the old column's content is not safe in them, it
+    // stays where it is.
+    if (Concerns(change, Action::Remove, "ExternalType") && !CarryOverCompetitionTypes()) continue;
+    ApplyChange(database_, change, fieldLimitMessageShown_);
+  }
+}
+
+void LayoutCheck::Run() {
+  OpenUse use(database_);
+  queue_.clear();
+  try {
+    database_.Execute(kCreateEbuMembersTable);
+  } catch (const std::exception&) {
+    // Nearly always the table is there already; where it is not, the operations that need it say so.
+    queue_.clear();
+  }
+  const bool conversionNeeded = QueueChanges();
+  if (!queue_.empty()) {
+    database_.GetPlatform().messageBoxes->Show(MessageBoxIcon::Information, kUpdateTitle, kUpdateText);
+    ApplyQueue();
+  }
+  if (conversionNeeded) Attempt("marking awards without a colour", [this] { ConvertMasterPointColours(database_); });
+  Attempt("repairing the colours of awards", [this] { RepairMasterPointColours(database_); });
+}
+
+}  // namespace tavi

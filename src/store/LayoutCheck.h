@@ -1,0 +1,46 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "store/cDatabase.h"
+#include "store/cDbFieldDef.h"
+
+namespace tavi {
+
+/// Brings the layout of the open file up to date: makes the table of the governing body's members, adds the columns
+/// that later versions introduced, removes obsolete ones and converts old data. What has to be changed is found out
+/// first and queued; the person is told in a message box before the queue is applied. A current file is left unchanged,
+/// without any message.
+class LayoutCheck {
+ public:
+  /// `fieldLimitMessageShown`: see ApplyChange. Both outlive this object.
+  LayoutCheck(cDatabase& database, bool& fieldLimitMessageShown)
+      : database_(database), fieldLimitMessageShown_(fieldLimitMessageShown) {}
+
+  /// Raises an error only when the file cannot be opened. What fails in it is shown in message boxes; what fails in a
+  /// conversion of data is written to the diagnostics log and tried again at the next check.
+  void Run();
+
+ private:
+  /// True when a change is queued after which old data have to be converted.
+  [[nodiscard]] bool QueueChanges();
+  /// Queues `wanted` when the file differs, and sets `changeNeeded` then.
+  void CheckColumn(const cDbFieldDef& wanted, bool& changeNeeded);
+  void CheckColumns(const std::vector<cDbFieldDef>& wanted, bool& changeNeeded);
+  void RequestColumnRemoval(const std::string& tableName, const std::string& fieldName);
+  /// Older files hold MasterPoints.TempMPTotal as a whole number. It is removed now and added anew at the next check.
+  void CheckTypeOfTemporaryTotal();
+  void ApplyQueue();
+  /// False when it failed.
+  [[nodiscard]] bool CarryOverCompetitionTypes();
+  /// Does a step that must not stop the opening of the file; false when it failed.
+  bool Attempt(const std::string& step, const std::function<void()>& action);
+
+  cDatabase& database_;
+  bool& fieldLimitMessageShown_;
+  std::vector<cDbFieldDef> queue_;
+};
+
+}  // namespace tavi

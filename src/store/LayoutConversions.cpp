@@ -1,0 +1,49 @@
+#include "store/LayoutConversions.h"
+
+#include <array>
+
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+struct CompetitionKind {
+  const char* code;
+  const char* assignments;
+};
+
+constexpr std::array<CompetitionKind, 4> kCompetitionKinds{{{"P", "Individual = 0, IsSwiss = 0, IsTeams = 0"},
+                                                            {"I", "Individual = 1, IsSwiss = 0, IsTeams = 0"},
+                                                            {"S", "Individual = 0, IsSwiss = 1, IsTeams = 0"},
+                                                            {"T", "Individual = 0, IsSwiss = 0, IsTeams = 1"}}};
+
+}  // namespace
+
+void ConvertCompetitionTypes(cDatabase& database, bool setIsExternal) {
+  OpenUse use(database);
+  for (const CompetitionKind& kind : kCompetitionKinds) {
+    database.Execute("Update Competitions Set " + std::string(kind.assignments) +
+                     (setIsExternal ? ", IsExternal = 1" : "") + " Where ExternalType = '" + kind.code + "'");
+  }
+}
+
+void ConvertMasterPointColours(cDatabase& database) {
+  database.Execute("Update MasterPoints Set Colour = -1 Where Colour Is Null");
+}
+
+void RepairMasterPointColours(cDatabase& database) {
+  OpenUse use(database);
+  const auto awards = database.OpenRecordset(
+      "Select MasterPointsColour, Colour from MasterPoints Inner Join Competitions On MasterPoints.CompetitionID = "
+      "Competitions.ID Where Colour < 0",
+      ado::CursorType::Dynamic);
+  for (; !awards->AtEnd(); awards->MoveNext()) {
+    const Value colour = awards->Get("MasterPointsColour");
+    // Writing what is there already would change the file on every opening.
+    if (IsNull(colour) || colour == awards->Get("Colour")) continue;
+    awards->Set("Colour", colour);
+    awards->Update();
+  }
+}
+
+}  // namespace tavi

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "store/cDatabase.h"
+
+namespace tavi {
+
+/// Turns the one-letter codes of the old column Competitions.ExternalType ("P" pairs, "I" individual, "S" Swiss, "T"
+/// teams) into Individual, IsSwiss and IsTeams. `setIsExternal`: IsExternal is a new column, so it becomes True for the
+/// events that have a code; a column that was there keeps what it holds. Rows without a code stay as they are.
+void ConvertCompetitionTypes(cDatabase& database, bool setIsExternal);
+
+/// Awards without any colour get the mark -1, which the repair then replaces.
+void ConvertMasterPointColours(cDatabase& database);
+
+/// Awards marked with a colour below 0 take the colour of their competition, where that has one.
+void RepairMasterPointColours(cDatabase& database);
+
+}  // namespace tavi

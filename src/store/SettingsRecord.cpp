@@ -1,0 +1,148 @@
+#include <limits>
+
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+#include "store/OpenUse.h"
+#include "store/cDatabase.h"
+#include "util/TextHelpers.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kPrefixColumn = "MPCertificatePrefix";
+constexpr const char* kCertificateColumn = "LastMPCertificate";
+constexpr const char* kUploadColumn = "LastMPUploadNo";
+constexpr const char* kMethodColumn = "MasterPointMethod";
+constexpr const char* kCountyColumn = "CountyList";
+constexpr const char* kEbuListColumn = "LastGotEBUNos";
+constexpr const char* kUploadDateColumn = "LastUploadDate";
+constexpr std::size_t kCertificateDigits = 5;
+constexpr std::size_t kLongestPrefix = 4;
+/// 4 December 2000: the answer of both dates while none is stored.
+constexpr Date kNoDateYet{36864.0};
+
+void Store(ado::Recordset& settings, const char* column, const Value& value) {
+  settings.Set(column, value);
+  settings.Update();
+}
+
+/// Adds 1 to a counter column and returns the new number.
+std::int32_t CountOn(ado::Recordset& settings, const char* column) {
+  const std::int32_t last = cDatabase::GetNumericField(settings, column);
+  if (last == std::numeric_limits<std::int32_t>::max()) {
+    throw Error(ErrorNumber::Overflow, "cDatabase",
+                "Overflow: " + std::string(column) + " in the table Settings has reached its end; set it back.");
+  }
+  Store(settings, column, last + 1);
+  return last + 1;
+}
+
+bool IsWhiteSpace(char character) {
+  return character == ' ' || character == '\t' || character == '\r' || character == '\n';
+}
+
+}  // namespace
+
+std::string cDatabase::MPCertificatePrefix() {
+  OpenUse use(*this);
+  const auto settings = OpenSettingsRow();
+  std::string prefix = GetTextField(*settings, kPrefixColumn);
+  if (prefix.empty()) {
+    prefix = DefaultMPPrefix("MP");
+    Store(*settings, kPrefixColumn, prefix);
+  }
+  return prefix;
+}
+
+std::string cDatabase::FullCertificateNumber(std::int32_t NumericPart) {
+  return MPCertificatePrefix() + PaddedNumber(NumericPart, kCertificateDigits);
+}
+
+std::string cDatabase::NextMPCertificateNumber() {
+  OpenUse use(*this);
+  const std::int32_t number = CountOn(*OpenSettingsRow(), kCertificateColumn);
+  return FullCertificateNumber(number);
+}
+
+std::int32_t cDatabase::GetLastMPCertificateNo() {
+  OpenUse use(*this);
+  return GetNumericField(*OpenSettingsRow(), kCertificateColumn);
+}
+
+void cDatabase::ResetLastMPCertificateNo(std::int32_t LastCertNo) {
+  OpenUse use(*this);
+  Store(*OpenSettingsRow(), kCertificateColumn, LastCertNo);
+}
+
+std::int32_t cDatabase::NextMPUploadNumber() {
+  OpenUse use(*this);
+  return CountOn(*OpenSettingsRow(), kUploadColumn);
+}
+
+std::string cDatabase::DefaultMPPrefix(const std::string& DefaultIfNone) {
+  std::string prefix;
+  bool isWordStart = true;
+  for (const char character : UpperCase(Trim(LatestClubName()))) {
+    if (IsWhiteSpace(character)) isWordStart = true;
+    if (!isWordStart || character < 'A' || character > 'Z') continue;
+    prefix.push_back(character);
+    isWordStart = false;
+    if (prefix.size() == kLongestPrefix) break;
+  }
+  return prefix.empty() ? DefaultIfNone : prefix;
+}
+
+std::int16_t cDatabase::MasterPointIssueMethod() {
+  OpenUse use(*this);
+  const auto rows = OpenRecordset("Select MasterPointMethod from Settings");
+  return ToInt16(GetNumericField(*rows, kMethodColumn));
+}
+
+void cDatabase::SetMasterPointIssueMethod(std::int16_t NewMethod) {
+  OpenUse use(*this);
+  Store(*OpenSettingsRow(), kMethodColumn, NewMethod);
+}
+
+std::string cDatabase::CountyList() {
+  OpenUse use(*this);
+  return GetTextField(*OpenSettingsRow(), kCountyColumn);
+}
+
+void cDatabase::SetCountyList(const std::string& NewList) {
+  OpenUse use(*this);
+  Store(*OpenSettingsRow(), kCountyColumn, NewList);
+}
+
+Date cDatabase::LastGotEBUNumbers() {
+  OpenUse use(*this);
+  return GetDateField(*OpenSettingsRow(), kEbuListColumn, kNoDateYet);
+}
+
+void cDatabase::SetLastGotEBUNumbers(Date NewDate) {
+  OpenUse use(*this);
+  Store(*OpenSettingsRow(), kEbuListColumn, NewDate);
+}
+
+Date cDatabase::LastUploadDate() {
+  OpenUse use(*this);
+  return GetDateField(*OpenSettingsRow(), kUploadDateColumn, kNoDateYet);
+}
+
+void cDatabase::SetLastUploadDate(Date NewDate) {
+  OpenUse use(*this);
+  Store(*OpenSettingsRow(), kUploadDateColumn, NewDate);
+}
+
+std::string cDatabase::LatestClubName() {
+  OpenUse use(*this);
+  return GetTextField(*OpenRecordset("Select top 1 ClubName from ClubNames Order by ClubID Desc"), "ClubName");
+}
+
+void cDatabase::SetLatestClubName(const std::string& name) {
+  OpenUse use(*this);
+  Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
+  const std::string prefix = DefaultMPPrefix("");
+  if (!prefix.empty()) Store(*OpenSettingsRow(), kPrefixColumn, prefix);
+}
+
+}  // namespace tavi
