@@ -11,8 +11,22 @@ namespace tavi::access {
 
 /// Type codes of columns, as stored.
 enum class ColumnType : std::uint8_t {
-  Boolean = 0x01, Byte = 0x02, Integer = 0x03, Long = 0x04, Currency = 0x05, Single = 0x06, Double = 0x07, Date = 0x08,
-  Binary = 0x09, Text = 0x0A, Ole = 0x0B, Memo = 0x0C, Guid = 0x0F, Numeric = 0x10, FixedBinary = 0x11, Complex = 0x12
+  Boolean = 0x01,
+  Byte = 0x02,
+  Integer = 0x03,
+  Long = 0x04,
+  Currency = 0x05,
+  Single = 0x06,
+  Double = 0x07,
+  Date = 0x08,
+  Binary = 0x09,
+  Text = 0x0A,
+  Ole = 0x0B,
+  Memo = 0x0C,
+  Guid = 0x0F,
+  Numeric = 0x10,
+  FixedBinary = 0x11,
+  Complex = 0x12
 };
 
 /// One column record of a table definition.
@@ -24,17 +38,17 @@ struct ColumnDefinition {
   std::uint16_t ordinal = 0;        ///< display position
   std::uint16_t sortOrder = 1033;   ///< LCID of text columns
   std::uint8_t sortVersion = 0;
-  std::uint8_t precision = 0;       ///< Numeric
-  std::uint8_t scale = 0;           ///< Numeric
-  std::uint8_t flags = 0;           ///< as stored (fixed, autonumber, ...)
-  std::uint8_t extendedFlags = 0;   ///< as stored (Unicode compression)
-  std::uint16_t fixedOffset = 0;    ///< in the fixed area (fixed columns)
-  std::uint16_t length = 0;         ///< in bytes; 0 for Memo and OLE
+  std::uint8_t precision = 0;      ///< Numeric
+  std::uint8_t scale = 0;          ///< Numeric
+  std::uint8_t flags = 0;          ///< as stored (fixed, autonumber, ...)
+  std::uint8_t extendedFlags = 0;  ///< as stored (Unicode compression)
+  std::uint16_t fixedOffset = 0;   ///< in the fixed area (fixed columns)
+  std::uint16_t length = 0;        ///< in bytes; 0 for Memo and OLE
 
-  [[nodiscard]] bool IsFixed() const;         ///< stored in the fixed area of a row
-  [[nodiscard]] bool IsAutoNumber() const;    ///< Long autonumber
-  [[nodiscard]] bool IsLongValue() const;     ///< Memo or OLE
-  [[nodiscard]] bool IsCompressed() const;    ///< Unicode compression switched on
+  [[nodiscard]] bool IsFixed() const;       ///< stored in the fixed area of a row
+  [[nodiscard]] bool IsAutoNumber() const;  ///< Long autonumber
+  [[nodiscard]] bool IsLongValue() const;   ///< Memo or OLE
+  [[nodiscard]] bool IsCompressed() const;  ///< Unicode compression switched on
 };
 
 /// A column of a physical index.
@@ -81,11 +95,11 @@ struct LongValueMaps {
 struct TableDefinition {
   PageNumber page = 0;  ///< first page; identifies the table
   bool isSystem = false;
-  std::uint16_t columnIdCounter = 0;       ///< columns ever created
-  std::uint16_t variableColumnCounter = 0; ///< variable columns ever created
+  std::uint16_t columnIdCounter = 0;        ///< columns ever created
+  std::uint16_t variableColumnCounter = 0;  ///< variable columns ever created
   RowPointer ownedPages;
   RowPointer freeSpacePages;
-  std::vector<ColumnDefinition> columns;          ///< in stored order (ordinal, then name)
+  std::vector<ColumnDefinition> columns;  ///< in stored order (ordinal, then name)
   std::vector<RealIndexDefinition> realIndexes;
   std::vector<LogicalIndexDefinition> logicalIndexes;  ///< in stored order (by name)
   std::vector<LongValueMaps> longValueMaps;
@@ -100,8 +114,8 @@ struct TableDefinition {
 TableDefinition ReadTableDefinition(Pager& pager, PageNumber page);
 
 /// Writes a whole definition to its first page (definition.page, already allocated) and continuation pages, allocating
-/// or freeing those as needed. Counters already stored there (row count, autonumber, index statistics, by position of the
-/// real index) are kept when `keepCounters`, else they start at zero.
+/// or freeing those as needed. Counters already stored there (row count, autonumber, index statistics, by position of
+/// the real index) are kept when `keepCounters`, else they start at zero.
 void WriteTableDefinition(Pager& pager, const TableDefinition& definition, bool keepCounters);
 /// All pages of a definition, the first included.
 std::vector<PageNumber> TableDefinitionPages(Pager& pager, PageNumber page);

@@ -31,7 +31,8 @@ class TableRows {
   [[nodiscard]] bool Exists(RowPointer row) const;
   /// All values of a row. Raises ProviderFailure when there is none or it is damaged.
   [[nodiscard]] RowValues Read(RowPointer row) const;
-  /// The values of some columns (positions in TableDefinition::columns); the others are null. Saves fetching long values.
+  /// The values of some columns (positions in TableDefinition::columns); the others are null. Saves fetching long
+  /// values.
   [[nodiscard]] RowValues Read(RowPointer row, const std::vector<bool>& wanted) const;
 
   /// The live rows in the order of pages and row numbers. `after` none starts at the first. Nothing at the end.
