@@ -1,0 +1,27 @@
+#include "names/MemberRow.h"
+
+#include "store/cDatabase.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int32_t kNoMember = -1;
+constexpr double kNeutralHandicap = 50.0;
+constexpr std::int16_t kFirstNameAndSurname = 2;
+
+}  // namespace
+
+std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
+                                              const std::shared_ptr<const NameKeyService>& nameKeyService) {
+  auto player = std::make_shared<cPlayerDetails>(nameKeyService);
+  player->MembershipNumber = cDatabase::GetNumericField(row, "MembershipNumber", kNoMember);
+  player->SetNameComponents(cDatabase::GetTextField(row, "FirstName"), cDatabase::GetTextField(row, "MiddleInitials"),
+                            cDatabase::GetTextField(row, "LastName"));
+  player->KnownAs = cDatabase::GetTextField(row, "KnownAs");
+  player->Handicap = cDatabase::GetNonIntegerField(row, "Handicap", kNeutralHandicap);
+  player->EBUNumber = cDatabase::GetTextField(row, "EBUNumber");
+  player->UniquenessFlag = kFirstNameAndSurname;
+  return player;
+}
+
+}  // namespace tavi

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <memory>
+
+#include "names/cPlayerDetails.h"
+#include "platform/ado/Provider.h"
+
+namespace tavi {
+
+/// The columns of Members that ReadMemberRow reads, for a SELECT statement.
+inline constexpr const char* kMemberRowColumns =
+    "MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag";
+
+/// The player of the current row. The uniqueness flag is 2 whatever the row holds.
+std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
+                                              const std::shared_ptr<const NameKeyService>& nameKeyService);
+
+}  // namespace tavi

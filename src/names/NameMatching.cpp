@@ -1,0 +1,58 @@
+#include "names/NameMatching.h"
+
+#include "platform/values/Text.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int16_t kSame = 4;
+constexpr std::int16_t kSoundsAlike = 3;
+constexpr std::int16_t kAbbreviation = 2;
+constexpr std::int16_t kNothingKnown = 1;
+constexpr std::int16_t kDifferent = 0;
+
+constexpr int kFirstNameFactor = 10;
+constexpr int kSurnameFactor = 100;
+
+/// True when one of the two is the initial of the other.
+bool IsInitialOf(std::string_view left, std::string_view right) {
+  const bool isShort = TextLength(left) == 1 || TextLength(right) == 1;
+  return isShort && UpperCase(FirstCharacters(left, 1)) == UpperCase(FirstCharacters(right, 1));
+}
+
+/// True when the letters of `part` occur in `whole` in their order.
+bool OccursInOrder(std::u32string_view part, std::u32string_view whole) {
+  std::size_t position = 0;
+  for (const char32_t letter : part) {
+    position = whole.find(letter, position);
+    if (position == std::u32string_view::npos) return false;
+    ++position;
+  }
+  return true;
+}
+
+}  // namespace
+
+std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std::string_view Other,
+                             std::string_view OtherKey) {
+  if (EqualIgnoringCase(Other, Own)) return kSame;
+  if (OtherKey == OwnKey) return kSoundsAlike;
+  if (IsInitialOf(Own, Other)) return kAbbreviation;
+  return Own.empty() || Other.empty() ? kNothingKnown : kDifferent;
+}
+
+std::int16_t CompareInitials(std::string_view Own, std::string_view Other) {
+  const std::u32string own = ToCodePoints(UpperCase(Own));
+  const std::u32string other = ToCodePoints(UpperCase(Other));
+  if (own == other) return kSame;
+  if (own.empty()) return kNothingKnown;
+  if (own.size() == other.size()) return kDifferent;
+  const bool occurs = own.size() < other.size() ? OccursInOrder(own, other) : OccursInOrder(other, own);
+  return occurs ? kAbbreviation : kDifferent;
+}
+
+std::int16_t CombineMatchScores(std::int16_t FirstNameScore, std::int16_t InitialsScore, std::int16_t SurnameScore) {
+  return static_cast<std::int16_t>(kSurnameFactor * SurnameScore + kFirstNameFactor * FirstNameScore + InitialsScore);
+}
+
+}  // namespace tavi

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+/// How well two writings of a name agree. The scores are combined to the weight by which found members are sorted.
+namespace tavi {
+
+/// Compares one name part with its sound-alike key: 4 the same (ignoring case), 3 sounding alike, 2 one is the initial
+/// of the other, 1 nothing is known (one or both empty), 0 different.
+std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std::string_view Other,
+                             std::string_view OtherKey);
+
+/// Compares initials, ignoring case: 4 the same, 2 the shorter ones occur in that order in the longer ones, 1 `Own` is
+/// empty, 0 different. Not symmetric: an empty `Other` scores 2.
+std::int16_t CompareInitials(std::string_view Own, std::string_view Other);
+
+/// 100 x surname + 10 x first name + initials: the surname weighs most.
+std::int16_t CombineMatchScores(std::int16_t FirstNameScore, std::int16_t InitialsScore, std::int16_t SurnameScore);
+
+}  // namespace tavi

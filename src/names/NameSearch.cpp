@@ -1,0 +1,86 @@
+#include "names/NameSearch.h"
+
+#include <algorithm>
+
+#include "names/MemberRow.h"
+#include "names/NameMatching.h"
+#include "names/NameText.h"
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int32_t kNoMember = -1;
+constexpr std::int16_t kInitialsFit = 2;
+
+/// The only active member of this first name and surname whose initials fit, or -1.
+std::int32_t FindByInitials(cDatabase& database, const PlayerNameParts& name) {
+  const auto rows =
+      database.OpenRecordset("Select * from Members where FirstName = " + cDatabase::SQLString(name.FirstName) +
+                             " And LastName = " + cDatabase::SQLString(name.Surname) + " And Active <> 0");
+  std::int32_t found = kNoMember;
+  for (bool hasHit = false; !rows->AtEnd(); rows->MoveNext()) {
+    const std::string initials = cDatabase::GetTextField(*rows, "MiddleInitials");
+    if (CompareInitials(name.Initials, initials) < kInitialsFit) continue;
+    if (hasHit) return kNoMember;
+    hasHit = true;
+    found = cDatabase::GetNumericField(*rows, "MembershipNumber", kNoMember);
+  }
+  return found;
+}
+
+/// Active members whose keys equal those of the typed name's parts.
+std::string ConditionFor(const cPlayerDetails& typed) {
+  std::string condition = "Where Active <> 0";
+  if (!typed.FirstName().empty())
+    condition += " And FuzzedFirstName = " + cDatabase::SQLString(typed.FuzzedFirstName());
+  if (!typed.Surname().empty()) condition += " And FuzzedLastName = " + cDatabase::SQLString(typed.FuzzedSurname());
+  return condition;
+}
+
+using Candidates = std::vector<std::shared_ptr<cPlayerDetails>>;
+
+std::int16_t WeightOf(const std::shared_ptr<cPlayerDetails>& candidate) {
+  return std::get<std::int16_t>(candidate->CandidateWeight);
+}
+
+/// Keeps the list sorted by weight; among equal weights the earlier row stays first.
+void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> candidate, std::int16_t weight) {
+  const auto place = std::find_if(candidates.begin(), candidates.end(),
+                                  [weight](const auto& other) { return WeightOf(other) < weight; });
+  candidate->CandidateWeight = weight;
+  candidates.insert(place, std::move(candidate));
+}
+
+}  // namespace
+
+std::int32_t FindMember(cDatabase& database, const std::string& Name, bool ExactMatchRequired) {
+  OpenUse use(database);
+  const PlayerNameParts name = SplitName(Name);
+  bool retired = false;
+  const std::int32_t exact = database.GetMembershipID(name.FirstName, name.Initials, name.Surname, retired);
+  if (exact != kNoMember && !retired) return exact;
+  return ExactMatchRequired ? kNoMember : FindByInitials(database, name);
+}
+
+std::vector<std::int32_t> FindNearestMatches(cDatabase& database, const std::string& Name) {
+  if (Name.empty()) return {};
+  const auto& service = database.GetPlatform().nameKeyService;
+  cPlayerDetails typed(service);
+  typed.SetName(Name);
+
+  OpenUse use(database);
+  const auto rows =
+      database.OpenRecordset("Select " + std::string(kMemberRowColumns) + " from Members " + ConditionFor(typed));
+  Candidates candidates;
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    auto candidate = ReadMemberRow(*rows, service);
+    const std::int16_t weight = typed.MatchWeight(*candidate);
+    if (weight >= 1) InsertByWeight(candidates, std::move(candidate), weight);
+  }
+  std::vector<std::int32_t> numbers;
+  for (const auto& candidate : candidates) numbers.push_back(candidate->MembershipNumber);
+  return numbers;
+}
+
+}  // namespace tavi

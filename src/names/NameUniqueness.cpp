@@ -1,0 +1,66 @@
+#include <algorithm>
+
+#include "platform/values/Text.h"
+#include "store/OpenUse.h"
+#include "store/cDatabase.h"
+
+namespace tavi {
+namespace {
+
+/// How much of a name is needed to tell it from another one (the values of the column UniquenessFlag).
+constexpr std::int32_t kAllOfIt = 1;
+constexpr std::int32_t kSurname = 2;
+constexpr std::int32_t kSurnameLetter = 3;
+constexpr std::int32_t kFirstName = 4;
+constexpr std::int32_t kNotStored = 0;
+
+struct ActiveMember {
+  std::string firstName;
+  std::string surname;
+  std::int32_t storedFlag = kNotStored;
+  std::int32_t flag = kFirstName;
+};
+
+std::int32_t LevelBetween(const ActiveMember& left, const ActiveMember& right) {
+  if (!EqualIgnoringCase(left.firstName, right.firstName)) return kFirstName;
+  if (UpperCase(FirstCharacters(left.surname, 1)) != UpperCase(FirstCharacters(right.surname, 1)))
+    return kSurnameLetter;
+  return EqualIgnoringCase(left.surname, right.surname) ? kAllOfIt : kSurname;
+}
+
+/// Reads all rows and gives each the smaller level of its two neighbours.
+std::vector<ActiveMember> ReadMembers(ado::Recordset& rows) {
+  std::vector<ActiveMember> members;
+  for (; !rows.AtEnd(); rows.MoveNext()) {
+    ActiveMember member{cDatabase::GetTextField(rows, "FirstName"), cDatabase::GetTextField(rows, "LastName"),
+                        cDatabase::GetNumericField(rows, "UniquenessFlag", kNotStored)};
+    if (!members.empty()) {
+      const std::int32_t level = LevelBetween(members.back(), member);
+      members.back().flag = std::min(members.back().flag, level);
+      member.flag = level;
+    }
+    members.push_back(std::move(member));
+  }
+  return members;
+}
+
+}  // namespace
+
+void cDatabase::SetNameUniquenessFlags(const std::string& FirstName) {
+  OpenUse use(*this);
+  const std::string condition = FirstName.empty() ? "" : " And FirstName = " + SQLString(FirstName);
+  const auto rows =
+      OpenRecordset("Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0 " +
+                        condition + "Order By FirstName, LastName, MiddleInitials",
+                    ado::CursorType::Dynamic);
+  const std::vector<ActiveMember> members = ReadMembers(*rows);
+  // Backwards over the rows again, writing only what differs: opening an unchanged club must not change its file.
+  for (auto member = members.rbegin(); member != members.rend(); ++member) {
+    rows->MovePrevious();
+    if (member->storedFlag == member->flag) continue;
+    rows->Set("UniquenessFlag", static_cast<std::int16_t>(member->flag));
+    rows->Update();
+  }
+}
+
+}  // namespace tavi

@@ -1,0 +1,65 @@
+#include "names/cPartnership.h"
+
+#include "names/NameText.h"
+#include "platform/values/Text.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int16_t kFamiliar = 9;
+constexpr std::int16_t kSurnameFirst = 10;
+constexpr const char* kAnd = " & ";
+
+/// A player's name in a format, without the surname.
+std::string NameWithoutSurname(const cPlayerDetails& player, std::int16_t format) {
+  const auto copy = player.Clone();
+  copy->SetSurname("");
+  return copy->Name(format);
+}
+
+/// Without the "&" that an empty name leaves at an end.
+std::string WithoutStrayAnd(std::string_view text) {
+  if (text.starts_with('&')) return Trim(text.substr(1));
+  if (text.ends_with('&')) return Trim(text.substr(0, text.size() - 1));
+  return std::string(text);
+}
+
+}  // namespace
+
+cPartnership::cPartnership(const std::shared_ptr<const NameKeyService>& nameKeyService)
+    : Player1(std::make_shared<cPlayerDetails>(nameKeyService)),
+      Player2(std::make_shared<cPlayerDetails>(nameKeyService)) {}
+
+cPartnership::cPartnership(std::shared_ptr<cPlayerDetails> player1, std::shared_ptr<cPlayerDetails> player2)
+    : Player1(std::move(player1)), Player2(std::move(player2)) {}
+
+cPartnership cPartnership::OtherOrder() const {
+  cPartnership other(Player2, Player1);
+  other.KnownAs = KnownAs;
+  other.Handicap = Handicap;
+  return other;
+}
+
+std::string cPartnership::FamiliarNames(bool alternate) const {
+  const std::string& first = Player1->FamiliarName();
+  const std::string& second = Player2->FamiliarName();
+  if (alternate && EqualIgnoringCase(first, second)) return {};
+  return first + kAnd + second;
+}
+
+std::string cPartnership::SharedSurnameName(std::int16_t format) const {
+  if (format == kSurnameFirst) return Player1->Name(format) + kAnd + NameWithoutSurname(*Player2, format);
+  return NameWithoutSurname(*Player1, format) + kAnd + Player2->Name(format);
+}
+
+std::string cPartnership::Name(std::int16_t NameFormat, bool TransferSurname, bool Alternate) const {
+  if (!KnownAs.empty() && NameFormat != kSurnameFirst) return Alternate ? std::string() : KnownAs;
+  if (NameFormat == kFamiliar) return WithoutStrayAnd(FamiliarNames(Alternate));
+  if (Alternate) return OtherOrder().Name(NameFormat, TransferSurname, false);
+  const std::string text = TransferSurname && Player1->SameSurnameAs(*Player2)
+                               ? SharedSurnameName(NameFormat)
+                               : Player1->Name(NameFormat) + kAnd + Player2->Name(NameFormat);
+  return WithoutStrayAnd(CollapseWhitespace(text, true));
+}
+
+}  // namespace tavi

@@ -1,0 +1,137 @@
+#include "names/cPlayerDetails.h"
+
+#include "names/NameMatching.h"
+#include "names/NameText.h"
+#include "platform/values/Text.h"
+
+namespace tavi {
+namespace {
+
+/// The codes of the display formats.
+constexpr std::int16_t kFirstNameOnly = 1;
+constexpr std::int16_t kInitialsOnly = 2;
+constexpr std::int16_t kSurnameOnly = 3;
+constexpr std::int16_t kFirstNameWithInitials = 4;
+constexpr std::int16_t kFirstAndLast = 5;
+constexpr std::int16_t kFirstAndLastIfUnique = 6;
+constexpr std::int16_t kInFull = 7;
+constexpr std::int16_t kFirstAndLetter = 8;
+constexpr std::int16_t kFamiliar = 9;
+constexpr std::int16_t kSurnameFirst = 10;
+
+/// The values of UniquenessFlag that ask for more of the name.
+constexpr std::int16_t kNeedsSurname = 2;
+constexpr std::int16_t kNeedsSurnameLetter = 3;
+
+/// The format that shows enough of the name to tell the player apart.
+std::int16_t Adjusted(std::int16_t format, std::int16_t flag) {
+  if (format == kFirstAndLastIfUnique) return flag < kNeedsSurname ? kInFull : format;
+  if (format != kFirstAndLetter && format != kFamiliar) return format;
+  if (flag == 0 || flag == 1) return kInFull;
+  if (flag == kNeedsSurname) return kFirstAndLast;
+  return flag == kNeedsSurnameLetter ? kFirstAndLetter : format;
+}
+
+std::string Text(const PlayerNameParts& name, std::int16_t format) {
+  switch (format) {
+    case kFirstNameOnly:
+    case kFamiliar:
+      return name.FirstName;
+    case kInitialsOnly:
+      return name.Initials;
+    case kSurnameOnly:
+      return name.Surname;
+    case kFirstNameWithInitials:
+      return name.FirstName + name.Initials;
+    case kFirstAndLast:
+    case kFirstAndLastIfUnique:
+      return name.FirstName + " " + name.Surname;
+    case kFirstAndLetter:
+      return name.FirstName + " " + FirstCharacters(name.Surname, 1);
+    case kSurnameFirst:
+      return name.Surname + ", " + name.FirstName + " " + name.Initials;
+    default:
+      return name.FirstName + " " + name.Initials + " " + name.Surname;
+  }
+}
+
+/// Without the comma that a missing surname or first name leaves at an end.
+std::string WithoutStrayComma(std::string_view text) {
+  if (text.starts_with(',')) return Trim(text.substr(1));
+  if (text.ends_with(',')) return Trim(text.substr(0, text.size() - 1));
+  return std::string(text);
+}
+
+}  // namespace
+
+cPlayerDetails::cPlayerDetails(std::shared_ptr<const NameKeyService> nameKeyService)
+    : nameKeyService_(std::move(nameKeyService)) {
+  RefreshKeys();
+}
+
+void cPlayerDetails::RefreshKeys() {
+  MakeFuzzedNames(fuzzedFirstName_, fuzzedSurname_, parts_, *nameKeyService_);
+}
+
+void cPlayerDetails::Clear() {
+  *this = cPlayerDetails(nameKeyService_);
+}
+
+std::shared_ptr<cPlayerDetails> cPlayerDetails::Clone() const {
+  auto copy = std::make_shared<cPlayerDetails>(*this);
+  copy->CandidateWeight = Null();
+  return copy;
+}
+
+const std::string& cPlayerDetails::FamiliarName() const {
+  return KnownAs.empty() ? parts_.FirstName : KnownAs;
+}
+
+void cPlayerDetails::SetFirstName(const std::string& firstName) {
+  parts_.FirstName = firstName;
+  RefreshKeys();
+}
+
+void cPlayerDetails::SetInitials(const std::string& initials) {
+  parts_.Initials = initials;
+}
+
+void cPlayerDetails::SetSurname(const std::string& surname) {
+  parts_.Surname = surname;
+  RefreshKeys();
+}
+
+void cPlayerDetails::SetName(std::string_view FullName) {
+  parts_ = SplitName(FullName);
+  RefreshKeys();
+}
+
+void cPlayerDetails::SetNameComponents(const std::string& FirstName, const std::string& Initials,
+                                       const std::string& Surname) {
+  parts_ = PlayerNameParts{FirstName, Initials, Surname};
+  RefreshKeys();
+}
+
+bool cPlayerDetails::SameSurnameAs(const cPlayerDetails& other) const {
+  return EqualIgnoringCase(parts_.Surname, other.parts_.Surname);
+}
+
+std::string cPlayerDetails::Name(std::int16_t NameFormat) const {
+  if (NameFormat == kFamiliar && !KnownAs.empty()) return KnownAs;
+  const std::int16_t format = Adjusted(NameFormat, UniquenessFlag);
+  const std::string text = CollapseWhitespace(Text(parts_, format), true);
+  return format == kSurnameFirst ? WithoutStrayComma(text) : text;
+}
+
+std::int16_t cPlayerDetails::MatchWeight(const cPlayerDetails& other) const {
+  const std::int16_t surname =
+      CompareNamePart(parts_.Surname, fuzzedSurname_, other.parts_.Surname, other.fuzzedSurname_);
+  const std::int16_t firstName =
+      CompareNamePart(parts_.FirstName, fuzzedFirstName_, other.parts_.FirstName, other.fuzzedFirstName_);
+  const std::int16_t initials = CompareInitials(parts_.Initials, other.parts_.Initials);
+  const bool nothingCompared = firstName == 1 && surname == 1;
+  if (firstName == 0 || initials == 0 || surname == 0 || nothingCompared) return 0;
+  return CombineMatchScores(firstName, initials, surname);
+}
+
+}  // namespace tavi
