@@ -1,0 +1,29 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/Platform.h"
+
+/// Where the parts are put together: the component's platform on this machine, with the embedded engine as the database
+/// provider.
+namespace tavi {
+
+struct PlatformOptions {
+  /// Stands still as the current date and time; none: the machine's clock.
+  std::optional<Date> now = std::nullopt;
+  /// Shows messages; none: they are written to standard error.
+  std::shared_ptr<const MessageBoxes> messageBoxes = nullptr;
+};
+
+/// A platform of this machine. Usable on all threads.
+std::shared_ptr<const Platform> MakePlatform(const PlatformOptions& options);
+/// The one that MembershipDatabase starts with by default.
+std::shared_ptr<const Platform> DefaultPlatform();
+
+/// Writes a new Access file without tables. `path` is one of this system. Raises ProviderFailure when the file exists
+/// or cannot be written.
+void CreateEmptyDatabase(const std::string& path, Date now);
+
+}  // namespace tavi
