@@ -18,7 +18,8 @@ void PageCache::Put(PageHandle page) {
     placeOfPage_.resize(std::max<std::size_t>(std::size_t{number} + 1, placeOfPage_.size() * 2), kNoPlace);
   }
   if (placeOfPage_[number] == kNoPlace) placeOfPage_[number] = MakeRoom();
-  places_[placeOfPage_[number]] = {std::move(page), true};
+  // Not counted as used: pages of a scan, which are asked for once, then go before those that are asked for again.
+  places_[placeOfPage_[number]] = {std::move(page), false};
 }
 
 PageCache::PlaceNumber PageCache::MakeRoom() {

@@ -23,7 +23,7 @@ struct PagerOptions {
   std::uint64_t checkpointBytes = std::uint64_t{64} << 20U;
   /// Told in words what people should know although nothing failed (a log set aside, a checkpoint put off). May be
   /// empty.
-  std::function<void(const std::string&)> report;
+  std::function<void(const std::string&)> report = {};
 };
 
 /// Hands out the pages of one open file and takes changed ones back; nobody above it touches the file. One pager

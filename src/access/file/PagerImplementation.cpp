@@ -240,14 +240,15 @@ void PagerImplementation::RefreshForWriting() {
 }
 
 void PagerImplementation::SetLogAside(bool isAlone) {
+  const std::string reason = log_.IsUnknown()
+                                 ? "' cannot be understood; its start is damaged, or it is something else."
+                                 : "' does not belong to the file as it now is, because another program has "
+                                   "written the file.";
   const std::string target = log_.SetAside(isAlone);
   DropCache();
   stamp_.reset();
   hasOwnStatements_ = false;
-  Report("The log of '" + path_ +
-         "' does not belong to the file as it now is, because another program has written the file. It was not applied "
-         "but set aside as '" +
-         target + "'.");
+  Report("The log of '" + path_ + reason + " It was not applied but set aside as '" + target + "'.");
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

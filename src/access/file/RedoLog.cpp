@@ -113,7 +113,9 @@ RedoLog::News RedoLog::TakeIn(std::vector<PageNumber>& changed) {
   header_ = header;
   if (!isSame) {
     Forget();
-    if (!TakeInHeader()) return BecomeEmpty(true);
+    // Zeros are what a power failure leaves of a start that was never written.
+    const bool isBlank = std::all_of(header.begin(), header.end(), [](std::uint8_t byte) { return byte == 0; });
+    if (isBlank || !TakeInHeader()) return BecomeEmpty(!isBlank);
   }
   const bool more = fileSize_ > end_ && salt_ != ignored_ && TakeInStatements(fileSize_, changed);
   if (!isSame || isFirstSight) return News::Replaced;

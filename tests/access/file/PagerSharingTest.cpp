@@ -1,0 +1,426 @@
+// Several users of one file: rules 1 and 5 of Pager.h, locks, other programs.
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "access/file/Pager.h"
+#include "access/file/support/FailingFileSystem.h"
+#include "access/file/support/MemoryFileSystem.h"
+#include "access/file/support/SmallDatabase.h"
+#include "platform/values/Error.h"
+
+namespace tavi::access {
+namespace {
+
+using test::CrashKind;
+using test::MakeSmallDatabase;
+using test::MemoryFileSystem;
+using test::PageText;
+using test::ReadText;
+using test::SetPageText;
+using test::WriteText;
+
+constexpr char kPath[] = "club.mdb";
+constexpr char kLog[] = "club.mdb.redo";
+constexpr char kAside[] = "club.mdb.redo-setaside-1";
+constexpr std::uint64_t kWholeFile = std::numeric_limits<std::uint64_t>::max();
+
+class PagerSharingTest : public ::testing::Test {
+ protected:
+  void SetUp() override { Pager::Create(*memory_, kPath, MakeSmallDatabase(8)); }
+
+  std::unique_ptr<Pager> Open(std::uint64_t checkpointBytes = 1U << 26U, bool readOnly = false) {
+    PagerOptions options;
+    options.lockTimeout = std::chrono::milliseconds(100);
+    options.checkpointBytes = checkpointBytes;
+    options.readOnly = readOnly;
+    options.report = [this](const std::string& text) { reports_.push_back(text); };
+    return Pager::Open(memory_, kPath, options);
+  }
+  template <typename Action>
+  static std::string FailureOf(Action action) {
+    try {
+      action();
+      return "";
+    } catch (const Error& error) {
+      EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
+      return error.Description();
+    }
+  }
+
+  std::shared_ptr<MemoryFileSystem> memory_ = std::make_shared<MemoryFileSystem>();
+  std::vector<std::string> reports_;
+};
+
+TEST_F(PagerSharingTest, EachSeesWhatTheOtherHasCommitted) {
+  const auto one = Open();
+  const auto two = Open();
+  EXPECT_EQ(ReadText(*two, 3), "page 3");
+  for (int round = 0; round < 20; ++round) {
+    WriteText(*one, 3, "one " + std::to_string(round));
+    EXPECT_EQ(ReadText(*two, 3), "one " + std::to_string(round));
+    WriteText(*two, 3, "two " + std::to_string(round));
+    EXPECT_EQ(ReadText(*one, 3), "two " + std::to_string(round));
+  }
+}
+
+TEST_F(PagerSharingTest, NewPagesOfTheOtherAreSeen) {
+  const auto one = Open();
+  const auto two = Open();
+  {
+    WriteStatement statement(*one);
+    SetPageText(one->WriteNew(8), "eight");
+    statement.Commit();
+  }
+  {
+    WriteStatement statement(*two);
+    EXPECT_EQ(two->PageCount(), 9u);
+    EXPECT_EQ(PageText(*two->Read(8)), "eight");
+    SetPageText(two->WriteNew(9), "nine");
+    statement.Commit();
+  }
+  EXPECT_EQ(ReadText(*one, 9), "nine");
+  EXPECT_EQ(one->PageCount(), 10u);
+}
+
+TEST_F(PagerSharingTest, NobodySeesAnUnfinishedStatement) {
+  const auto one = Open();
+  const auto two = Open();
+  one->BeginWrite();
+  SetPageText(one->Write(3), "half");
+  EXPECT_NE(FailureOf([&] { two->BeginRead(); }), "");
+  one->Rollback();
+  EXPECT_EQ(ReadText(*two, 3), "page 3");
+}
+
+TEST_F(PagerSharingTest, GenerationTellsThatAnotherHasCommitted) {
+  const auto one = Open();
+  const auto two = Open();
+  ReadText(*two, 3);
+  const std::uint64_t before = two->Generation();
+  ReadText(*two, 4);
+  EXPECT_EQ(two->Generation(), before);
+  WriteText(*one, 3, "changed");
+  EXPECT_EQ(two->Generation(), before);
+  ReadText(*two, 4);
+  EXPECT_GT(two->Generation(), before);
+}
+
+TEST_F(PagerSharingTest, ACheckpointOfTheOtherLeavesNoStalePages) {
+  // Each statement of `one` is brought into the file at once, so `two` meets another log every time.
+  const auto one = Open(1);
+  const auto two = Open();
+  for (int round = 0; round < 20; ++round) {
+    WriteText(*one, 3, "one " + std::to_string(round));
+    EXPECT_EQ(ReadText(*two, 3), "one " + std::to_string(round));
+    WriteText(*two, 4, "two " + std::to_string(round));
+    EXPECT_EQ(ReadText(*one, 4), "two " + std::to_string(round));
+  }
+}
+
+TEST_F(PagerSharingTest, CheckpointsBetweenTwoStatementsAreNoticedEvenAtTheSameLogLength) {
+  const auto one = Open(1);
+  const auto two = Open();
+  EXPECT_EQ(ReadText(*two, 3), "page 3");
+  WriteText(*one, 3, "first");
+  EXPECT_EQ(ReadText(*two, 3), "first");
+  WriteText(*one, 3, "second");
+  WriteText(*one, 3, "third");
+  EXPECT_EQ(ReadText(*two, 3), "third");
+}
+
+TEST_F(PagerSharingTest, TheOtherMayCloseAndLeaveItsPagesInTheFile) {
+  auto one = Open();
+  const auto two = Open();
+  WriteText(*one, 3, "left");
+  EXPECT_EQ(ReadText(*two, 3), "left");
+  one->Close();
+  EXPECT_EQ(memory_->Contents(kLog).size(), 0x60u);
+  EXPECT_EQ(ReadText(*two, 3), "left");
+  WriteText(*two, 3, "right");
+  two->Close();
+  EXPECT_FALSE(memory_->Exists(kLog));
+  EXPECT_EQ(ReadText(*Open(), 3), "right");
+}
+
+TEST_F(PagerSharingTest, AReaderThatClosesLeavesTheLogToItsWriter) {
+  const auto one = Open();
+  const auto two = Open();
+  WriteText(*one, 3, "mine");
+  EXPECT_EQ(ReadText(*two, 3), "mine");
+  const auto log = memory_->Contents(kLog);
+  two->Close();
+  EXPECT_EQ(memory_->Contents(kLog), log);
+  EXPECT_EQ(ReadText(*one, 3), "mine");
+}
+
+TEST_F(PagerSharingTest, TheLastOneOutMakesTheCheckpointOfACrashedWriter) {
+  const auto one = Open();
+  const auto two = Open();
+  WriteText(*one, 3, "first");
+  WriteText(*two, 4, "second");
+  two->Close();
+  one->Close();
+  EXPECT_EQ(memory_->Paths(), std::vector<std::string>{kPath});
+  EXPECT_EQ(ReadText(*Open(), 3), "first");
+  EXPECT_EQ(ReadText(*Open(), 4), "second");
+}
+
+TEST_F(PagerSharingTest, ManyInterleavedStatementsEndAsOneAfterTheOther) {
+  std::vector<std::unique_ptr<Pager>> pagers;
+  std::vector<std::string> model;
+  for (int i = 0; i < 3; ++i) pagers.push_back(Open(40000));
+  for (PageNumber number = 0; number < 8; ++number) model.push_back("page " + std::to_string(number));
+  unsigned random = 1;
+  const auto next = [&random](unsigned count) { return (random = random * 1103515245 + 12345) / 65536 % count; };
+  for (int step = 0; step < 2000; ++step) {
+    auto& pager = pagers[next(3)];
+    const PageNumber number = 2 + next(static_cast<unsigned>(model.size()) - 2);
+    switch (next(8)) {
+      case 0:
+        pager->Close();
+        pager = Open(40000);
+        break;
+      case 1: {
+        WriteStatement statement(*pager);
+        ASSERT_EQ(pager->PageCount(), model.size());
+        model.push_back("new " + std::to_string(step));
+        SetPageText(pager->WriteNew(static_cast<PageNumber>(model.size() - 1)), model.back());
+        statement.Commit();
+        break;
+      }
+      case 2: {
+        const WriteStatement statement(*pager);
+        SetPageText(pager->Write(number), "rolled back");
+        break;
+      }
+      case 3:
+      case 4:
+        model[number] = "text " + std::to_string(step);
+        WriteText(*pager, number, model[number]);
+        break;
+      default:
+        ASSERT_EQ(ReadText(*pager, number), model[number]) << "step " << step;
+    }
+  }
+  pagers.clear();
+  EXPECT_EQ(memory_->Paths(), std::vector<std::string>{kPath});
+  const auto pager = Open();
+  for (PageNumber number = 2; number < model.size(); ++number) EXPECT_EQ(ReadText(*pager, number), model[number]);
+}
+
+TEST_F(PagerSharingTest, ReadersDoNotDisturbEachOther) {
+  const auto one = Open();
+  const auto two = Open();
+  const ReadStatement first(*one);
+  const ReadStatement second(*two);
+  EXPECT_EQ(PageText(*one->Read(3)), PageText(*two->Read(3)));
+}
+
+TEST_F(PagerSharingTest, AWriterWaitsForReaders) {
+  const auto one = Open();
+  const auto two = Open();
+  one->BeginRead();
+  int pauses = 0;
+  memory_->OnPause([&] {
+    if (++pauses == 5) one->EndRead();
+  });
+  WriteText(*two, 3, "written");
+  EXPECT_EQ(pauses, 5);
+}
+
+TEST_F(PagerSharingTest, AWaitingWriterLetsNoNewReaderIn) {
+  const auto reader = Open();
+  const auto newcomer = Open();
+  const auto writer = Open();
+  reader->BeginRead();
+  int pauses = 0;
+  bool triedToEnter = false;
+  memory_->OnPause([&] {
+    ++pauses;
+    if (pauses == 3) {
+      memory_->OnPause({});
+      triedToEnter = true;
+      EXPECT_NE(FailureOf([&] { newcomer->BeginRead(); }), "");
+      reader->EndRead();
+    }
+  });
+  WriteText(*writer, 3, "written");
+  EXPECT_TRUE(triedToEnter);
+  EXPECT_EQ(ReadText(*newcomer, 3), "written");
+}
+
+TEST_F(PagerSharingTest, AfterTheTimeoutTheErrorSaysWhoHasTheFile) {
+  const auto one = Open();
+  const auto two = Open();
+  one->BeginRead();
+  const std::string failure = FailureOf([&] { two->BeginWrite(); });
+  EXPECT_EQ(
+      failure,
+      "Could not use 'club.mdb'; file already in use by process 4711. It stayed locked for 100 milliseconds; try again "
+      "when the other user has finished.");
+  EXPECT_GE(memory_->Paused().count(), 100);
+  EXPECT_LE(memory_->Paused().count(), 130);
+  one->EndRead();
+  // The gate is open again, too.
+  EXPECT_EQ(ReadText(*one, 3), "page 3");
+  WriteText(*two, 3, "now");
+}
+
+TEST_F(PagerSharingTest, ALockOfTheWholeFileByAnotherProgramKeepsUsOut) {
+  const auto pager = Open();
+  const auto foreign = memory_->Open(kPath, FileSystem::OpenMode::ReadWrite);
+  EXPECT_FALSE(foreign->TryLock(0, kWholeFile, File::LockKind::Exclusive));
+  pager->Close();
+  ASSERT_TRUE(foreign->TryLock(0, kWholeFile, File::LockKind::Exclusive));
+  EXPECT_EQ(FailureOf([&] { static_cast<void>(Open()); }).substr(0, 59),
+            "Could not use 'club.mdb'; file already in use by process 47");
+  ASSERT_TRUE(foreign->TryLock(0, kWholeFile, File::LockKind::Shared));
+  const auto reader = Open();
+  EXPECT_EQ(ReadText(*reader, 3), "page 3");
+  EXPECT_NE(FailureOf([&] { reader->BeginWrite(); }), "");
+}
+
+TEST_F(PagerSharingTest, AnotherDatabaseProgramIsToldByItsLockFile) {
+  const auto pager = Open();
+  memory_->SetContents("club.ldb", std::vector<std::uint8_t>(64));
+  WriteText(*pager, 3, "a lock file left behind by a crash does not matter");
+  {
+    const auto foreign = memory_->Open("club.ldb", FileSystem::OpenMode::ReadWrite);
+    ASSERT_TRUE(foreign->TryLock(0x10000001, 1, File::LockKind::Exclusive));
+    EXPECT_EQ(FailureOf([&] { pager->BeginWrite(); }),
+              "Could not use 'club.mdb'; file already in use. Another database program has it open, as its lock file "
+              "'club.ldb' shows; close the database there and try again.");
+    EXPECT_FALSE(pager->InStatement());
+    EXPECT_EQ(ReadText(*pager, 4), "page 4");
+  }
+  WriteText(*pager, 3, "works again");
+}
+
+TEST_F(PagerSharingTest, WhileAnotherDatabaseProgramIsThereTheLogIsNotBroughtIn) {
+  memory_->SetContents("club.ldb", {1});
+  {
+    const auto pager = Open();
+    WriteText(*pager, 3, "logged");
+    const auto database = memory_->Contents(kPath);
+    const auto foreign = memory_->Open("club.ldb", FileSystem::OpenMode::ReadWrite);
+    ASSERT_TRUE(foreign->TryLock(0, 1, File::LockKind::Shared));
+    pager->Close();
+    EXPECT_EQ(memory_->Contents(kPath), database);
+    EXPECT_EQ(reports_.size(), 1u);
+    const auto other = Open();
+    EXPECT_EQ(ReadText(*other, 3), "logged");
+    other->Close();
+    EXPECT_EQ(memory_->Contents(kPath), database);
+  }
+  EXPECT_EQ(ReadText(*Open(), 3), "logged");
+  EXPECT_FALSE(memory_->Exists(kLog));
+}
+
+TEST_F(PagerSharingTest, PagesWrittenByAnotherProgramAreNotTakenFromTheCache) {
+  const auto pager = Open();
+  EXPECT_EQ(ReadText(*pager, 3), "page 3");
+  const std::uint64_t generation = pager->Generation();
+  auto pages = MakeSmallDatabase(9);
+  SetPageText(pages[3], "foreign");
+  std::vector<std::uint8_t> bytes;
+  for (const Page& page : pages) bytes.insert(bytes.end(), page.All().begin(), page.All().end());
+  memory_->SetContents(kPath, bytes);
+  EXPECT_EQ(ReadText(*pager, 3), "foreign");
+  EXPECT_EQ(pager->PageCount(), 9u);
+  EXPECT_GT(pager->Generation(), generation);
+  WriteText(*pager, 8, "ours");
+  pager->Close();
+  EXPECT_EQ(ReadText(*Open(), 8), "ours");
+  EXPECT_EQ(ReadText(*Open(), 3), "foreign");
+}
+
+TEST_F(PagerSharingTest, AnEmptyLogFollowsAForeignChangeOfTheFile) {
+  const auto one = Open(1);
+  const auto two = Open();
+  WriteText(*one, 3, "brought in");
+  auto bytes = memory_->Contents(kPath);
+  bytes.resize(bytes.size() + kPageSize);
+  memory_->SetContents(kPath, bytes);
+  WriteText(*two, 4, "after the foreign change");
+  memory_ = memory_->AfterCrash(CrashKind::Kept, 0);
+  EXPECT_EQ(ReadText(*Open(), 4), "after the foreign change");
+  EXPECT_FALSE(memory_->Exists(kAside));
+}
+
+TEST_F(PagerSharingTest, AForeignChangeUnderALiveLogSetsTheLogAside) {
+  const auto one = Open();
+  const auto two = Open();
+  WriteText(*one, 3, "logged");
+  EXPECT_EQ(ReadText(*two, 3), "logged");
+  const auto log = memory_->Contents(kLog);
+  auto bytes = memory_->Contents(kPath);
+  bytes[3 * kPageSize + 17] = '!';
+  memory_->SetContents(kPath, bytes);
+  EXPECT_EQ(ReadText(*two, 3), "p!ge 3");
+  EXPECT_EQ(memory_->Contents(kAside), log);
+  EXPECT_EQ(reports_.size(), 1u);
+  EXPECT_EQ(ReadText(*one, 3), "p!ge 3");
+  WriteText(*one, 4, "goes on");
+  EXPECT_EQ(ReadText(*two, 4), "goes on");
+  one->Close();
+  two->Close();
+  EXPECT_EQ(ReadText(*Open(), 3), "p!ge 3");
+  EXPECT_EQ(ReadText(*Open(), 4), "goes on");
+}
+
+TEST_F(PagerSharingTest, AForeignChangeIsAlsoMetByAWriter) {
+  const auto pager = Open();
+  WriteText(*pager, 3, "logged");
+  auto bytes = memory_->Contents(kPath);
+  bytes[3 * kPageSize + 17] = '!';
+  memory_->SetContents(kPath, bytes);
+  WriteText(*pager, 4, "goes on");
+  EXPECT_EQ(ReadText(*pager, 3), "p!ge 3");
+  EXPECT_TRUE(memory_->Exists(kAside));
+  pager->Close();
+  EXPECT_EQ(ReadText(*Open(), 4), "goes on");
+}
+
+TEST_F(PagerSharingTest, AForeignChangeOfOtherPagesLeavesTheLogInForce) {
+  const auto pager = Open();
+  WriteText(*pager, 3, "logged");
+  EXPECT_EQ(ReadText(*pager, 5), "page 5");
+  auto bytes = memory_->Contents(kPath);
+  bytes[5 * kPageSize + 17] = '!';
+  memory_->SetContents(kPath, bytes);
+  EXPECT_EQ(ReadText(*pager, 5), "p!ge 5");
+  EXPECT_EQ(ReadText(*pager, 3), "logged");
+  EXPECT_FALSE(memory_->Exists(kAside));
+}
+
+TEST_F(PagerSharingTest, AReadOnlyUserSeesTheCommitsOfAWriter) {
+  const auto writer = Open(1);
+  const auto reader = Open(1, true);
+  for (int round = 0; round < 5; ++round) {
+    WriteText(*writer, 3, std::to_string(round));
+    EXPECT_EQ(ReadText(*reader, 3), std::to_string(round));
+  }
+  const auto logging = Open();
+  WriteText(*logging, 3, "in the log");
+  EXPECT_EQ(ReadText(*reader, 3), "in the log");
+}
+
+TEST_F(PagerSharingTest, CloseLeavesTheLogWhenOthersKeepTheFileBusy) {
+  const auto one = Open();
+  const auto two = Open();
+  WriteText(*one, 3, "logged");
+  const auto database = memory_->Contents(kPath);
+  two->BeginRead();
+  one->Close();
+  EXPECT_EQ(memory_->Contents(kPath), database);
+  EXPECT_EQ(reports_.size(), 1u);
+  EXPECT_EQ(PageText(*two->Read(3)), "logged");
+  two->EndRead();
+  two->Close();
+  EXPECT_FALSE(memory_->Exists(kLog));
+  EXPECT_EQ(ReadText(*Open(), 3), "logged");
+}
+
+}  // namespace
+}  // namespace tavi::access

@@ -1,0 +1,267 @@
+#include "access/file/support/MemoryFileSystem.h"
+
+#include <algorithm>
+#include <random>
+
+#include "access/file/EngineError.h"
+
+namespace tavi::access::test {
+
+namespace {
+
+std::uint64_t EndOf(std::uint64_t offset, std::uint64_t length) {
+  return length > ~std::uint64_t{0} - offset ? ~std::uint64_t{0} : offset + length;
+}
+
+}  // namespace
+
+class MemoryFile final : public File {
+ public:
+  using Node = MemoryFileSystem::Node;
+  using Lock = MemoryFileSystem::Lock;
+
+  MemoryFile(MemoryFileSystem& system, std::shared_ptr<Node> node, std::string path, bool isReadOnly)
+      : system_(system), node_(std::move(node)), path_(std::move(path)), isReadOnly_(isReadOnly) {}
+  ~MemoryFile() override {
+    std::erase_if(node_->locks, [this](const Lock& lock) { return lock.opener == this; });
+  }
+  MemoryFile(const MemoryFile&) = delete;
+  MemoryFile& operator=(const MemoryFile&) = delete;
+
+  void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
+    if (EndOf(offset, target.size()) > node_->bytes.size())
+      RaiseFailure("Could not read '" + path_ + "': the file ends.");
+    std::copy_n(node_->bytes.begin() + static_cast<std::ptrdiff_t>(offset), target.size(), target.begin());
+  }
+
+  void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> source) override {
+    RequireWritable();
+    const std::uint64_t size = node_->bytes.size();
+    const std::uint64_t growth = offset + source.size() > size ? offset + source.size() - size : 0;
+    const std::uint64_t room = system_.capacity_ - std::min(system_.capacity_, system_.BytesUsed());
+    const bool fits = growth <= room;
+    if (!fits)
+      source =
+          source.first(source.size() - static_cast<std::size_t>(std::min<std::uint64_t>(growth - room, source.size())));
+    if (!source.empty()) Change(MemoryFileSystem::WriteChange{offset, {source.begin(), source.end()}});
+    if (!fits) RaiseFailure("Could not write '" + path_ + "': No space left on device.");
+  }
+
+  std::uint64_t Size() override { return node_->bytes.size(); }
+
+  void Truncate(std::uint64_t size) override {
+    RequireWritable();
+    Change(MemoryFileSystem::TruncateChange{size});
+  }
+
+  void Sync() override {
+    node_->durable = node_->bytes;
+    node_->unflushed.clear();
+  }
+
+  std::int64_t ModificationStamp() override { return node_->stamp; }
+  bool IsReadOnly() const override { return isReadOnly_; }
+
+  bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
+    if (kind == LockKind::Exclusive) RequireWritable();
+    const std::uint64_t end = EndOf(offset, length);
+    for (const Lock& lock : node_->locks) {
+      const bool excludes = kind == LockKind::Exclusive || lock.kind == LockKind::Exclusive;
+      if (lock.opener != this && lock.start < end && offset < lock.end && excludes) return false;
+    }
+    RemoveOwn(offset, end);
+    node_->locks.push_back({this, offset, end, kind});
+    return true;
+  }
+
+  void Unlock(std::uint64_t offset, std::uint64_t length) override { RemoveOwn(offset, EndOf(offset, length)); }
+
+  bool IsLockedByOther(std::uint64_t offset, std::uint64_t length) override {
+    const std::uint64_t end = EndOf(offset, length);
+    return std::any_of(node_->locks.begin(), node_->locks.end(),
+                       [&](const Lock& lock) { return lock.opener != this && lock.start < end && offset < lock.end; });
+  }
+
+  std::string LockHolder(std::uint64_t offset, std::uint64_t length) override {
+    return IsLockedByOther(offset, length) ? "process 4711" : "";
+  }
+
+ private:
+  void RequireWritable() const {
+    if (isReadOnly_) RaiseFailure("Could not write '" + path_ + "': it was opened for reading.");
+  }
+
+  void Change(MemoryFileSystem::Change change) {
+    MemoryFileSystem::Apply(change, node_->bytes);
+    node_->unflushed.push_back(std::move(change));
+    node_->stamp = ++system_.clock_;
+  }
+
+  void RemoveOwn(std::uint64_t start, std::uint64_t end) {
+    std::vector<Lock> kept;
+    for (const Lock& lock : node_->locks) {
+      if (lock.opener != this || lock.end <= start || end <= lock.start) {
+        kept.push_back(lock);
+        continue;
+      }
+      if (lock.start < start) kept.push_back({this, lock.start, start, lock.kind});
+      if (end < lock.end) kept.push_back({this, end, lock.end, lock.kind});
+    }
+    node_->locks = std::move(kept);
+  }
+
+  MemoryFileSystem& system_;
+  std::shared_ptr<Node> node_;
+  std::string path_;
+  bool isReadOnly_;
+};
+
+void MemoryFileSystem::Apply(const Change& change, Bytes& bytes) {
+  if (const auto* truncate = std::get_if<TruncateChange>(&change)) {
+    bytes.resize(static_cast<std::size_t>(truncate->size));
+    return;
+  }
+  const auto& write = std::get<WriteChange>(change);
+  const std::size_t end = static_cast<std::size_t>(write.offset) + write.bytes.size();
+  if (bytes.size() < end) bytes.resize(end);
+  std::copy(write.bytes.begin(), write.bytes.end(), bytes.begin() + static_cast<std::ptrdiff_t>(write.offset));
+}
+
+std::shared_ptr<MemoryFileSystem::Node> MemoryFileSystem::Find(const std::string& path) const {
+  const auto link = links_.find(path);
+  const auto found = names_.find(link == links_.end() ? path : link->second);
+  return found == names_.end() ? nullptr : found->second;
+}
+
+std::unique_ptr<File> MemoryFileSystem::Open(const std::string& path, OpenMode mode) {
+  std::shared_ptr<Node> node = Find(path);
+  if (mode == OpenMode::CreateNew) {
+    if (node) RaiseFailure("Could not create '" + path + "': File exists.");
+    if (folderIsReadOnly_) RaiseFailure("Could not create '" + path + "': Permission denied.");
+    node = std::make_shared<Node>();
+    node->stamp = ++clock_;
+    names_[path] = node;
+    NamesChanged();
+  }
+  if (!node) RaiseFailure("Could not open '" + path + "': No such file or directory.");
+  if (mode == OpenMode::ReadWrite && node->isReadOnly)
+    RaiseFailure("Could not open '" + path + "': Permission denied.");
+  return std::make_unique<MemoryFile>(*this, node, path, mode == OpenMode::ReadOnly);
+}
+
+bool MemoryFileSystem::Exists(const std::string& path) {
+  return Find(path) != nullptr;
+}
+
+bool MemoryFileSystem::IsWritable(const std::string& path) {
+  const auto node = Find(path);
+  return node && !node->isReadOnly && !folderIsReadOnly_;
+}
+
+std::string MemoryFileSystem::CanonicalPath(const std::string& path) {
+  const auto link = links_.find(path);
+  return link == links_.end() ? path : link->second;
+}
+
+void MemoryFileSystem::Remove(const std::string& path) {
+  if (names_.erase(path) == 0) RaiseFailure("Could not remove '" + path + "': No such file or directory.");
+  NamesChanged();
+}
+
+void MemoryFileSystem::Rename(const std::string& from, const std::string& to) {
+  const auto node = Find(from);
+  if (!node || folderIsReadOnly_) RaiseFailure("Could not rename '" + from + "'.");
+  names_.erase(from);
+  names_[to] = node;
+  NamesChanged();
+}
+
+void MemoryFileSystem::CopyPermissions(const std::string& from, const std::string& to) {
+  if (const auto source = Find(from), target = Find(to); source && target) target->isReadOnly = source->isReadOnly;
+}
+
+void MemoryFileSystem::SyncFolderOf(const std::string& /*path*/) {
+  durableNames_ = names_;
+  unflushedNames_.clear();
+}
+
+void MemoryFileSystem::Pause(std::chrono::milliseconds duration) {
+  paused_ += duration;
+  if (onPause_) onPause_();
+}
+
+MemoryFileSystem::Bytes MemoryFileSystem::Contents(const std::string& path) const {
+  const auto node = Find(path);
+  return node ? node->bytes : Bytes{};
+}
+
+void MemoryFileSystem::SetContents(const std::string& path, Bytes bytes) {
+  std::shared_ptr<Node> node = Find(path);
+  if (!node) {
+    node = std::make_shared<Node>();
+    names_[path] = node;
+    durableNames_[path] = node;
+  }
+  node->bytes = bytes;
+  node->durable = std::move(bytes);
+  node->unflushed.clear();
+  node->stamp = ++clock_;
+}
+
+std::vector<std::string> MemoryFileSystem::Paths() const {
+  std::vector<std::string> paths;
+  for (const auto& entry : names_) paths.push_back(entry.first);
+  return paths;
+}
+
+void MemoryFileSystem::SetReadOnly(const std::string& path, bool readOnly) {
+  if (const auto node = Find(path)) node->isReadOnly = readOnly;
+}
+
+std::uint64_t MemoryFileSystem::BytesUsed() const {
+  std::uint64_t used = 0;
+  for (const auto& entry : names_) used += entry.second->bytes.size();
+  return used;
+}
+
+std::shared_ptr<MemoryFileSystem> MemoryFileSystem::AfterCrash(CrashKind kind, std::uint32_t seed) const {
+  std::mt19937 random(seed);
+  const auto choose = [&random](std::size_t count) {
+    return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
+  };
+
+  // A folder's changes become durable in their order.
+  const Names* names = kind == CrashKind::Kept ? &names_ : &durableNames_;
+  if (kind == CrashKind::Torn) {
+    const std::size_t done = choose(unflushedNames_.size() + 1);
+    if (done > 0) names = &unflushedNames_[done - 1];
+  }
+  auto after = std::make_shared<MemoryFileSystem>();
+  after->clock_ = clock_;
+  for (const auto& [path, node] : *names) {
+    Bytes bytes = kind == CrashKind::Kept ? node->bytes : node->durable;
+    if (kind == CrashKind::Torn) {
+      for (Change change : node->unflushed) {
+        constexpr std::size_t kWhole = 0;
+        constexpr std::size_t kNot = 1;
+        const std::size_t fate = choose(4);
+        if (fate == kNot) continue;
+        if (auto* write = std::get_if<WriteChange>(&change); write && fate != kWhole) {
+          const std::size_t cut = choose(write->bytes.size() + 1);
+          if (fate == 2) {
+            write->bytes.resize(cut);
+          } else {
+            write->bytes.erase(write->bytes.begin(), write->bytes.begin() + static_cast<std::ptrdiff_t>(cut));
+            write->offset += cut;
+          }
+        }
+        Apply(change, bytes);
+      }
+    }
+    after->SetContents(path, std::move(bytes));
+    after->SetReadOnly(path, node->isReadOnly);
+  }
+  return after;
+}
+
+}  // namespace tavi::access::test

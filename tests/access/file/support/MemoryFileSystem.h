@@ -1,0 +1,101 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "access/file/FileSystem.h"
+
+namespace tavi::access::test {
+
+/// What of the things that were not flushed a crash leaves behind.
+enum class CrashKind {
+  Kept,     // all: only the process died
+  Dropped,  // nothing: the machine went off, the disk had written nothing ahead
+  Torn,     // some, chosen by the seed: whole, in part or not at all, in any order within a file
+};
+
+/// A file system in memory. Counts what is flushed and what is not, so that the state after a crash can be made; knows
+/// locks, read-only files, links and a limited disk. For one thread.
+class MemoryFileSystem final : public FileSystem {
+ public:
+  using Bytes = std::vector<std::uint8_t>;
+
+  std::unique_ptr<File> Open(const std::string& path, OpenMode mode) override;
+  bool Exists(const std::string& path) override;
+  bool IsWritable(const std::string& path) override;
+  std::string CanonicalPath(const std::string& path) override;
+  void Remove(const std::string& path) override;
+  void Rename(const std::string& from, const std::string& to) override;
+  void CopyPermissions(const std::string& from, const std::string& to) override;
+  void SyncFolderOf(const std::string& path) override;
+  void Pause(std::chrono::milliseconds duration) override;
+
+  /// The content of a file.
+  [[nodiscard]] Bytes Contents(const std::string& path) const;
+  /// Gives a file another content, durably, as another program would (the modification stamp changes).
+  void SetContents(const std::string& path, Bytes bytes);
+  [[nodiscard]] std::vector<std::string> Paths() const;
+  /// Sets or takes away the read-only attribute of a file.
+  void SetReadOnly(const std::string& path, bool readOnly);
+  /// Lets the folder take no new files.
+  void SetFolderReadOnly(bool readOnly) { folderIsReadOnly_ = readOnly; }
+  /// Another path of a file.
+  void AddLink(const std::string& link, const std::string& path) { links_[link] = path; }
+  /// Bytes that all files together may have. A write past it stores what fits and fails.
+  void SetCapacity(std::uint64_t bytes) { capacity_ = bytes; }
+  [[nodiscard]] std::uint64_t BytesUsed() const;
+  /// Called in each Pause, for another user's turn.
+  void OnPause(std::function<void()> action) { onPause_ = std::move(action); }
+  [[nodiscard]] std::chrono::milliseconds Paused() const { return paused_; }
+
+  /// The file system as it is found after a crash now: no locks, nothing unflushed.
+  [[nodiscard]] std::shared_ptr<MemoryFileSystem> AfterCrash(CrashKind kind, std::uint32_t seed) const;
+
+ private:
+  friend class MemoryFile;
+
+  struct WriteChange {
+    std::uint64_t offset;
+    Bytes bytes;
+  };
+  struct TruncateChange {
+    std::uint64_t size;
+  };
+  using Change = std::variant<WriteChange, TruncateChange>;
+  struct Lock {
+    const void* opener;
+    std::uint64_t start;
+    std::uint64_t end;
+    File::LockKind kind;
+  };
+  struct Node {
+    Bytes bytes;
+    Bytes durable;
+    std::vector<Change> unflushed;
+    std::int64_t stamp = 0;
+    bool isReadOnly = false;
+    std::vector<Lock> locks;
+  };
+  using Names = std::map<std::string, std::shared_ptr<Node>>;
+
+  static void Apply(const Change& change, Bytes& bytes);
+  std::shared_ptr<Node> Find(const std::string& path) const;
+  void NamesChanged() { unflushedNames_.push_back(names_); }
+
+  Names names_;
+  Names durableNames_;
+  std::vector<Names> unflushedNames_;  // after each change since the folder was flushed
+  std::map<std::string, std::string> links_;
+  bool folderIsReadOnly_ = false;
+  std::uint64_t capacity_ = ~std::uint64_t{0};
+  std::int64_t clock_ = 0;
+  std::function<void()> onPause_;
+  std::chrono::milliseconds paused_{0};
+};
+
+}  // namespace tavi::access::test
