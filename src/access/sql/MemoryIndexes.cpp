@@ -1,0 +1,89 @@
+#include "access/sql/MemoryIndexes.h"
+
+#include "access/sql/ValueKey.h"
+
+namespace tavi::access::sql {
+
+MemoryIndexes::Key MemoryIndexes::KeyOf(const Table& table, std::size_t column) {
+  return {table.Definition().page, table.Columns()[column].definition.id};
+}
+
+void MemoryIndexes::DropWhenStale() {
+  const std::uint64_t generation = pager_->Generation();
+  if (generation == generation_) return;
+  for (auto& [key, entry] : entries_) entry.index.reset();
+  generation_ = generation;
+}
+
+std::optional<double> MemoryIndexes::RowsPerKey(const Table& table, std::size_t column) const {
+  const auto found = entries_.find(KeyOf(table, column));
+  return found == entries_.end() ? std::nullopt : found->second.rowsPerKey;
+}
+
+bool MemoryIndexes::IsBuilt(const Table& table, std::size_t column) const {
+  if (pager_->Generation() != generation_) return false;
+  const auto found = entries_.find(KeyOf(table, column));
+  return found != entries_.end() && found->second.index.has_value();
+}
+
+const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool manyLookUps) {
+  DropWhenStale();
+  Entry& entry = entries_[KeyOf(table, column)];
+  entry.lastUse = ++uses_;
+  ++entry.requests;
+  if (entry.index) return &*entry.index;
+  const std::uint32_t rows = table.RowCount();
+  if (rows < kMinimumRows || rows > kMaximumEntries) return nullptr;
+  if (!manyLookUps && entry.requests < kRequestsThatPay) return nullptr;
+  entry.index = Build(table, column);
+  entry.rowsPerKey = entry.index->RowsPerKey();
+  MakeRoom(kMaximumEntries);
+  return &*entry.index;
+}
+
+HashIndex MemoryIndexes::Build(Table& table, std::size_t column) const {
+  std::vector<bool> wanted(table.Columns().size(), false);
+  wanted[column] = true;
+  std::vector<HashIndex::Entry> entries;
+  for (auto row = table.Next(std::nullopt); row; row = table.Next(row)) {
+    const RowValues values = table.Read(*row, wanted);
+    if (!IsNull(values[column])) entries.emplace_back(HashOf(values[column]), row->Packed());
+  }
+  return HashIndex(std::move(entries));
+}
+
+void MemoryIndexes::MakeRoom(std::size_t entries) {
+  while (true) {
+    std::size_t total = 0;
+    Entry* oldest = nullptr;
+    for (auto& [key, entry] : entries_) {
+      if (!entry.index) continue;
+      total += entry.index->Size();
+      if (oldest == nullptr || entry.lastUse < oldest->lastUse) oldest = &entry;
+    }
+    if (total <= entries || oldest == nullptr || oldest->lastUse == uses_) return;
+    oldest->index.reset();
+  }
+}
+
+void MemoryIndexes::RowInserted(const Table& table, RowPointer row, const RowValues& values) {
+  for (std::size_t column = 0; column < values.size() && !entries_.empty(); ++column) {
+    const auto found = entries_.find(KeyOf(table, column));
+    if (found == entries_.end() || !found->second.index || IsNull(values[column])) continue;
+    found->second.index->Add(HashOf(values[column]), row.Packed());
+  }
+}
+
+void MemoryIndexes::RowUpdated(const Table& table, RowPointer row, const RowValues& before, const RowValues& after) {
+  for (std::size_t column = 0; column < after.size() && !entries_.empty(); ++column) {
+    const auto found = entries_.find(KeyOf(table, column));
+    if (found == entries_.end() || !found->second.index || IsNull(after[column])) continue;
+    if (!SameKey(before[column], after[column])) found->second.index->Add(HashOf(after[column]), row.Packed());
+  }
+}
+
+void MemoryIndexes::Clear() {
+  entries_.clear();
+}
+
+}  // namespace tavi::access::sql

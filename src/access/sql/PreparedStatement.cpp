@@ -1,0 +1,74 @@
+#include "access/sql/PreparedStatement.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+/// A plan is made anew when a table has grown or shrunk by this factor, and by more rows than the other number.
+constexpr std::uint32_t kGrowthFactor = 4;
+constexpr std::uint32_t kGrowthRows = 100;
+
+bool IsOtherSize(std::uint32_t planned, std::uint32_t now) {
+  const std::uint32_t smaller = std::min(planned, now);
+  const std::uint32_t larger = std::max(planned, now);
+  return larger - smaller > kGrowthRows && larger / kGrowthFactor > smaller;
+}
+
+std::vector<Expression*> ExpressionsOf(const Update& update) {
+  std::vector<Expression*> expressions;
+  for (const Assignment& assignment : update.assignments) {
+    expressions.push_back(assignment.column.get());
+    expressions.push_back(assignment.value.get());
+  }
+  return expressions;
+}
+
+std::vector<Expression*> ExpressionsOf(const Insert& insert) {
+  std::vector<Expression*> expressions;
+  for (const ExpressionPointer& value : insert.values) expressions.push_back(value.get());
+  return expressions;
+}
+
+struct PlanMaker {
+  PlanContext& context;
+
+  std::unique_ptr<SelectPlan> operator()(Select& select) const { return PlanSelect(context, select, nullptr); }
+  std::unique_ptr<SelectPlan> operator()(Insert& insert) const {
+    return insert.select ? PlanSelect(context, *insert.select, nullptr) : PlanConstants(context, ExpressionsOf(insert));
+  }
+  std::unique_ptr<SelectPlan> operator()(Update& update) const {
+    return PlanRows(context, *update.target, update.where.get(), ExpressionsOf(update));
+  }
+  std::unique_ptr<SelectPlan> operator()(Delete& statement) const {
+    return PlanRows(context, *statement.from, statement.where.get(), {});
+  }
+  template <typename Other>
+  std::unique_ptr<SelectPlan> operator()(Other& /*definition*/) const {
+    return nullptr;
+  }
+};
+
+}  // namespace
+
+void Plan(PreparedStatement& prepared, PlanContext& context) {
+  prepared.isSpoiled = true;
+  prepared.plan = std::visit(PlanMaker{context}, prepared.statement);
+  prepared.isSpoiled = false;
+}
+
+bool IsStillGood(const SelectPlan& plan, Database& database) {
+  for (const PlannedSource& source : plan.sources) {
+    if (source.derived) {
+      if (!IsStillGood(*source.derived, database)) return false;
+      continue;
+    }
+    const std::shared_ptr<Table> table = database.FindTable(source.table->Name());
+    if (table != source.table || IsOtherSize(source.plannedRowCount, table->RowCount())) return false;
+  }
+  for (const auto& subselect : plan.subselects) {
+    if (subselect && !IsStillGood(*subselect, database)) return false;
+  }
+  return !plan.unionWith || IsStillGood(*plan.unionWith, database);
+}
+
+}  // namespace tavi::access::sql

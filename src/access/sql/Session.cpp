@@ -1,0 +1,143 @@
+#include "access/sql/Session.h"
+
+#include "access/sql/ChangeRun.h"
+#include "access/sql/ExecutionErrors.h"
+#include "access/sql/KeysetResult.h"
+#include "access/sql/Parser.h"
+#include "access/sql/SelectRun.h"
+#include "access/sql/ValuesResult.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+/// Stands before the names of whole tables among the remembered texts; no statement begins with it.
+constexpr char kTableMark = '\x01';
+
+Statement SelectAll(std::string_view table) {
+  Select select;
+  SelectItem star;
+  star.expression = std::make_unique<Expression>();
+  star.expression->kind = ExpressionKind::Star;
+  select.items.push_back(std::move(star));
+  select.from = std::make_unique<Source>();
+  select.from->table = table;
+  return select;
+}
+
+bool IsQuery(const Statement& statement) {
+  const Select* select = std::get_if<Select>(&statement);
+  return select != nullptr && select->into.empty();
+}
+
+bool IsDefinition(const Statement& statement) {
+  return !std::holds_alternative<Select>(statement) && !std::holds_alternative<Insert>(statement) &&
+         !std::holds_alternative<Update>(statement) && !std::holds_alternative<Delete>(statement);
+}
+
+}  // namespace
+
+Session::Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options)
+    : database_(database), clock_(std::move(clock)), options_(options), memoryIndexes_(database.GetPager()) {}
+
+StatementContext Session::MakeContext() {
+  return {database_, memoryIndexes_, clock_->Now()};
+}
+
+std::shared_ptr<PreparedStatement> Session::Prepare(std::string_view key, Parsing parse) {
+  if (auto known = statements_.Find(key)) return known;
+  auto prepared = std::make_shared<PreparedStatement>(parse());
+  statements_.Put(key, prepared);
+  return prepared;
+}
+
+void Session::MakeReady(std::shared_ptr<PreparedStatement>& prepared, std::string_view key, Parsing parse) {
+  if (prepared->plan && IsStillGood(*prepared->plan, database_)) return;
+  if (prepared->plan || prepared->isSpoiled) {
+    prepared = std::make_shared<PreparedStatement>(parse());
+    statements_.Put(key, prepared);
+  }
+  PlanContext context{database_, memoryIndexes_, options_};
+  Plan(*prepared, context);
+}
+
+Outcome Session::Run(std::string_view text) {
+  const auto parse = [&] { return Parse(text); };
+  std::shared_ptr<PreparedStatement> prepared = Prepare(text, parse);
+  if (IsQuery(prepared->statement)) {
+    const ReadStatement reading(database_.GetPager());
+    MakeReady(prepared, text, parse);
+    return {OpenSelect(std::move(prepared)), 0};
+  }
+  Outcome outcome;
+  Change([&](StatementContext& context, TableChanges& changes) {
+    MakeReady(prepared, text, parse);
+    outcome.affected = RunChange(*prepared, context, changes);
+  });
+  return outcome;
+}
+
+std::unique_ptr<ResultSet> Session::OpenTable(std::string_view name) {
+  const std::string key = kTableMark + std::string(name);
+  const auto parse = [&] { return SelectAll(name); };
+  std::shared_ptr<PreparedStatement> prepared = Prepare(key, parse);
+  const ReadStatement reading(database_.GetPager());
+  MakeReady(prepared, key, parse);
+  return OpenSelect(std::move(prepared));
+}
+
+bool Session::HasTable(std::string_view name) {
+  const ReadStatement reading(database_.GetPager());
+  return database_.FindTable(name) != nullptr;
+}
+
+std::string Session::Explain(std::string_view text) {
+  const auto parse = [&] { return Parse(text); };
+  std::shared_ptr<PreparedStatement> prepared = Prepare(text, parse);
+  const ReadStatement reading(database_.GetPager());
+  MakeReady(prepared, text, parse);
+  return prepared->plan ? Describe(*prepared->plan) : std::string();
+}
+
+std::unique_ptr<ResultSet> Session::OpenSelect(std::shared_ptr<PreparedStatement> prepared) {
+  const SelectPlan& plan = *prepared->plan;
+  StatementContext context = MakeContext();
+  std::vector<ResultColumn> columns;
+  for (const OutputColumn& output : plan.outputs) columns.push_back(output.column);
+  if (!plan.IsKeyset()) {
+    return std::make_unique<ValuesResult>(std::move(columns), CollectValues(context, plan, nullptr));
+  }
+  std::vector<std::uint32_t> keys = CollectKeyset(context, plan);
+  return std::make_unique<KeysetResult>(*this, std::move(prepared), std::move(columns), std::move(keys));
+}
+
+void Session::Change(FunctionReference<void(StatementContext&, TableChanges&)> change) {
+  Pager& pager = database_.GetPager();
+  if (pager.IsReadOnly()) throw ReadOnlyError(pager.Path());
+  WriteStatement writing(pager);
+  TableChanges changes(memoryIndexes_);
+  StatementContext context = MakeContext();
+  ++changeCount_;
+  change(context, changes);
+  writing.Commit();
+}
+
+std::int64_t Session::RunChange(const PreparedStatement& prepared, StatementContext& context, TableChanges& changes) {
+  if (IsDefinition(prepared.statement)) {
+    RunDefinition(context, prepared.statement);
+    memoryIndexes_.Clear();
+    statements_.Clear();
+    return 0;
+  }
+  const SelectPlan& plan = *prepared.plan;
+  if (const auto* insert = std::get_if<Insert>(&prepared.statement)) {
+    return RunInsert(context, changes, defaults_, *insert, plan);
+  }
+  if (const auto* update = std::get_if<Update>(&prepared.statement)) return RunUpdate(context, changes, *update, plan);
+  if (const auto* statement = std::get_if<Delete>(&prepared.statement)) {
+    return RunDelete(context, changes, *statement, plan);
+  }
+  return RunSelectInto(context, changes, std::get<Select>(prepared.statement), plan);
+}
+
+}  // namespace tavi::access::sql

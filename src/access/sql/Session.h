@@ -1,0 +1,78 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "access/catalog/Database.h"
+#include "access/sql/Defaults.h"
+#include "access/sql/FunctionReference.h"
+#include "access/sql/MemoryIndexes.h"
+#include "access/sql/ResultSet.h"
+#include "access/sql/RowScope.h"
+#include "access/sql/StatementCache.h"
+#include "access/sql/TableChanges.h"
+#include "platform/Platform.h"
+
+namespace tavi::access::sql {
+
+/// What a statement gave: rows (SELECT), or the number of rows that it inserted, changed or deleted.
+struct Outcome {
+  std::unique_ptr<ResultSet> rows;
+  std::int64_t affected = 0;
+};
+
+/// Runs SQL statements on a database. One session belongs to a connection and its thread. Each statement is atomic: it
+/// happens wholly, or, on any error, not at all. Result sets stay usable between other statements and must not outlive
+/// the session. Statements are parsed and planned once and remembered.
+///
+/// Errors (source "Microsoft JET Database Engine"): ProviderSyntax for a text that is not understood, ProviderNoTable,
+/// ProviderBadParameter for an unknown column, ProviderPermission for changes to a read-only file, ProviderIntegrity
+/// and ProviderFailure for changes that the table refuses, ProviderTypeConflict for values that do not fit.
+class Session {
+ public:
+  Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options = {});
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  /// Runs one statement.
+  Outcome Run(std::string_view text);
+  /// The rows of a whole table, in the order in which they are stored; rows can be added, changed and read.
+  std::unique_ptr<ResultSet> OpenTable(std::string_view name);
+  /// True when the file has a table of this name.
+  [[nodiscard]] bool HasTable(std::string_view name);
+  /// How a SELECT, INSERT, UPDATE or DELETE would be run: which index, which scan, which sort, a line for each step.
+  [[nodiscard]] std::string Explain(std::string_view text);
+
+  // --- For result sets and the runs of statements -----------------------------------------------------------------
+
+  [[nodiscard]] Database& GetDatabase() const { return database_; }
+  [[nodiscard]] Defaults& ColumnDefaults() { return defaults_; }
+  [[nodiscard]] StatementContext MakeContext();
+  /// Runs a change of rows as one statement of its own.
+  void Change(FunctionReference<void(StatementContext&, TableChanges&)> change);
+  /// Grows with each change that this session makes: what was read before may be out of date.
+  [[nodiscard]] std::uint64_t ChangeCount() const { return changeCount_; }
+
+ private:
+  using Parsing = FunctionReference<Statement()>;
+
+  /// The statement remembered under `key`, or what `parse` gives.
+  [[nodiscard]] std::shared_ptr<PreparedStatement> Prepare(std::string_view key, Parsing parse);
+  /// Plans a statement, which is made anew when its tables have changed since it was planned. Inside a statement.
+  void MakeReady(std::shared_ptr<PreparedStatement>& prepared, std::string_view key, Parsing parse);
+  [[nodiscard]] std::unique_ptr<ResultSet> OpenSelect(std::shared_ptr<PreparedStatement> prepared);
+  [[nodiscard]] std::int64_t RunChange(const PreparedStatement& prepared, StatementContext& context,
+                                       TableChanges& changes);
+
+  Database& database_;
+  std::shared_ptr<const Clock> clock_;
+  PlanOptions options_;
+  MemoryIndexes memoryIndexes_;
+  StatementCache statements_;
+  Defaults defaults_;
+  std::uint64_t changeCount_ = 0;
+};
+
+}  // namespace tavi::access::sql
