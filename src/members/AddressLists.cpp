@@ -1,0 +1,64 @@
+#include "members/AddressLists.h"
+
+#include "platform/values/Text.h"
+#include "store/OpenUse.h"
+#include "util/KeyedList.h"
+
+namespace tavi {
+namespace {
+
+void AddDetails(const ado::Recordset& row, std::vector<EBUMembershipDetails>& found) {
+  EBUMembershipDetails details;
+  details.SetEBUNumber(std::to_string(cDatabase::GetNumericField(row, "EBUNumber", 0)));
+  details.SetFirstName(cDatabase::GetTextField(row, "FirstName"));
+  details.SetLastName(cDatabase::GetTextField(row, "LastName"));
+  details.SetCountyCode(cDatabase::GetTextField(row, "CountyCode"));
+  details.SetLocation(cDatabase::GetTextField(row, "Location"));
+  found.push_back(std::move(details));
+}
+
+}  // namespace
+
+std::string MembersEmailAddress(cDatabase& store, std::int32_t MemberNo) {
+  OpenUse use(store);
+  const auto rows =
+      store.OpenRecordset("Select email from Members where MembershipNumber = " + std::to_string(MemberNo));
+  const std::string address = rows->AtEnd() ? std::string() : cDatabase::GetTextField(*rows, "email", true);
+  rows->Close();
+  use.Close();
+  return address;
+}
+
+std::vector<std::string> AllEmailAddresses(cDatabase& store) {
+  KeyedList<std::string, std::string> addresses;
+  OpenUse use(store);
+  const auto rows = store.OpenRecordset("Select email from Members where Active <> 0");
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const std::string address = cDatabase::GetTextField(*rows, "email", true);
+    if (!address.empty()) addresses.Append(UpperCase(address), address);
+  }
+  rows->Close();
+  use.Close();
+  std::vector<std::string> list;
+  for (const auto& [key, address] : addresses) list.push_back(address);
+  return list;
+}
+
+std::vector<EBUMembershipDetails> SearchEBUList(cDatabase& store, const std::string& GivenName,
+                                                const std::string& Surname) {
+  std::vector<EBUMembershipDetails> found;
+  OpenUse use(store);
+  std::string statement = "Select * from EBUMembershipList where LastName = " + cDatabase::SQLString(Surname);
+  if (!GivenName.empty()) statement += " and FirstName = " + cDatabase::SQLString(GivenName);
+  const auto rows = store.OpenRecordset(statement);
+  try {
+    for (; !rows->AtEnd(); rows->MoveNext()) AddDetails(*rows, found);
+  } catch (const Error&) {
+    return found;
+  }
+  rows->Close();
+  use.Close();
+  return found;
+}
+
+}  // namespace tavi

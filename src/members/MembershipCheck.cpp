@@ -1,0 +1,76 @@
+#include "members/MembershipCheck.h"
+
+#include <optional>
+
+#include "names/NameText.h"
+#include "platform/values/Convert.h"
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kStandardMember = "Standard";
+constexpr std::int32_t kEnrolled = -1;
+
+/// The fixed day of this year, or of the next when it is not after today.
+Date NextFixedDay(Date fixedDay, Date today) {
+  const std::string text = fixedDay.DayMonthYear();
+  const std::string dayAndMonth = text.substr(0, text.rfind(' ') + 1);
+  const Date thisYear = ToDate(dayAndMonth + std::to_string(today.Civil().year));
+  return thisYear <= today ? thisYear.AddYears(1) : thisYear;
+}
+
+void Enrol(cDatabase& store, std::int32_t number, const PlayerNameParts& name, double handicap) {
+  const SubscriptionTerms terms = GetStandardSubscriptionTerms(store);
+  MemberDetails member;
+  member.FirstName = name.FirstName;
+  member.Initials = name.Initials;
+  member.LastName = name.Surname;
+  member.Handicap = handicap;
+  member.MemberType = kStandardMember;
+  member.NextDue = terms.NextDue;
+  member.Subs = terms.Amount;
+  member.RequiredID = number;
+  store.AddMember(member);
+}
+
+}  // namespace
+
+SubscriptionTerms GetStandardSubscriptionTerms(cDatabase& store) {
+  const Date today = store.GetPlatform().clock->Now().DayOnly();
+  SubscriptionTerms terms{today.AddYears(1), 0.0};
+  std::optional<Date> fixedDay;
+  OpenUse use(store);
+  const auto rows =
+      store.OpenRecordset("Select * from ClubPolicies Where MemberType = " + cDatabase::SQLString(kStandardMember));
+  if (!rows->AtEnd()) {
+    if (ToBoolean(rows->Get("SpecificDate"))) fixedDay = cDatabase::GetDateField(*rows, "SubsDueDate", terms.NextDue);
+    terms.Amount = ToDouble(rows->Get("Subs"));
+  }
+  rows->Close();
+  use.Close();
+  if (fixedDay) terms.NextDue = NextFixedDay(*fixedDay, today);
+  return terms;
+}
+
+std::int32_t CheckMembershipID(cDatabase& store, std::int32_t MembershipID, const std::string& Name, double Par,
+                               bool& Retired) {
+  const PlayerNameParts name = SplitName(Name);
+  OpenUse use(store);
+  bool retiredNamesake = false;
+  const std::int32_t namesake = store.GetMembershipID(name.FirstName, name.Initials, name.Surname, retiredNamesake);
+  std::int32_t result = namesake;
+  if (namesake == -1 || namesake == MembershipID) {
+    const auto rows =
+        store.OpenRecordset("Select Active from Members Where MembershipNumber = " + std::to_string(MembershipID));
+    const bool known = !rows->AtEnd();
+    if (known) Retired = !ToBoolean(rows->Get("Active"));
+    rows->Close();
+    if (!known) Enrol(store, MembershipID, name, Par);
+    result = known ? MembershipID : kEnrolled;
+  }
+  use.Close();
+  return result;
+}
+
+}  // namespace tavi

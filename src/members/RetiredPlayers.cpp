@@ -1,0 +1,31 @@
+#include "members/RetiredPlayers.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+namespace tavi {
+namespace {
+
+void RetireFrom(cDatabase& store, std::int32_t memberNumber) {
+  const std::string number = std::to_string(memberNumber);
+  store.Execute("Update Partnerships set Active = 0 where LowerPlayer = " + number + " Or HigherPlayer = " + number);
+}
+
+}  // namespace
+
+void RetiredPlayers::Add(std::int32_t memberNumber) {
+  using Limits = std::numeric_limits<std::int16_t>;
+  if (memberNumber >= Limits::min() && memberNumber <= Limits::max()) {
+    list_.Add(static_cast<std::int16_t>(memberNumber));
+  } else if (std::find(beyondList_.begin(), beyondList_.end(), memberNumber) == beyondList_.end()) {
+    beyondList_.push_back(memberNumber);
+  }
+}
+
+void RetiredPlayers::RetireFromPartnerships(cDatabase& store) const {
+  for (std::int16_t position = 1; position <= list_.Count(); ++position) RetireFrom(store, list_.Item(position));
+  for (const std::int32_t number : beyondList_) RetireFrom(store, number);
+}
+
+}  // namespace tavi

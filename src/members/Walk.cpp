@@ -1,0 +1,127 @@
+#include "members/Walk.h"
+
+#include "names/MemberRow.h"
+#include "names/cPartnership.h"
+#include "platform/values/Convert.h"
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+constexpr double kSurnameFirstFormat = 10.0;
+
+/// The active member of a number; a new player numbered -1 when there is none.
+std::shared_ptr<cPlayerDetails> GetActiveMemberDetails(cDatabase& store, std::int32_t memberNumber) {
+  const std::shared_ptr<const NameKeyService> keys = store.GetPlatform().nameKeyService;
+  OpenUse use(store);
+  const auto rows = store.OpenRecordset(std::string("Select ") + kMemberRowColumns +
+                                        " From Members Where MembershipNumber = " + std::to_string(memberNumber) +
+                                        " And Active <> 0");
+  std::shared_ptr<cPlayerDetails> player =
+      rows->AtEnd() ? std::make_shared<cPlayerDetails>(keys) : ReadMemberRow(*rows, keys);
+  rows->Close();
+  use.Close();
+  return player;
+}
+
+std::string ActiveRows(const std::string& select) {
+  return select + " Where Active <> 0";
+}
+
+}  // namespace
+
+bool Walk::GetFirstMember(cDatabase& store, bool includeInactive, std::int32_t& Number, std::string& Name,
+                          double& ParScore, std::int16_t NameFormat) {
+  EndGet(store);
+  store.OpenDB();
+  cursor_ = includeInactive
+                ? store.OpenRecordset("Members", ado::CursorType::ForwardOnly, true)
+                : store.OpenRecordset(ActiveRows(std::string("Select ") + kMemberRowColumns + " From Members"));
+  return GetNextMember(store, includeInactive, Number, Name, ParScore, NameFormat);
+}
+
+bool Walk::GetFirstEBURecord(cDatabase& store, std::string& EBUNumber, std::string& Name, std::int16_t NameFormat) {
+  EndGet(store);
+  store.OpenDB();
+  cursor_ = store.OpenRecordset(cDatabase::EBUMembersTable(), ado::CursorType::ForwardOnly, true);
+  return GetNextEBURecord(store, EBUNumber, Name, std::to_string(NameFormat));
+}
+
+bool Walk::GetFirstPartnership(cDatabase& store, bool includeInactive, WalkedPartnership& partnership,
+                               std::int16_t NameFormat) {
+  EndGet(store);
+  retiredPlayers_.emplace();
+  store.OpenDB();
+  cursor_ = includeInactive ? store.OpenRecordset("Partnerships", ado::CursorType::ForwardOnly, true)
+                            : store.OpenRecordset(ActiveRows("Select * From Partnerships"));
+  return GetNextPartnership(store, partnership, NameFormat);
+}
+
+bool Walk::HasRow(cDatabase& store) {
+  if (!cursor_) return false;
+  if (!cursor_->AtEnd()) return true;
+  EndGet(store);
+  return false;
+}
+
+bool Walk::GetNextMember(cDatabase& store, bool includeInactive, std::int32_t& Number, std::string& Name,
+                         double& ParScore, std::int16_t NameFormat) {
+  if (!HasRow(store)) return false;
+  const std::shared_ptr<cPlayerDetails> player = ReadMemberRow(*cursor_, store.GetPlatform().nameKeyService);
+  Number = player->MembershipNumber;
+  ParScore = player->Handicap;
+  Name = player->Name(NameFormat);
+  retired_ = includeInactive && !ToBoolean(cursor_->Get("Active"));
+  cursor_->MoveNext();
+  return true;
+}
+
+bool Walk::GetNextEBURecord(cDatabase& store, std::string& EBUNumber, std::string& Name,
+                            const std::string& NameFormat) {
+  if (!HasRow(store)) return false;
+  const std::string firstName = ToText(cursor_->Get("FirstName"));
+  const std::string lastName = ToText(cursor_->Get("LastName"));
+  EBUNumber = ToText(cursor_->Get("EBUNumber"));
+  const bool surnameFirst = ToDouble(NameFormat) == kSurnameFirstFormat;
+  Name = surnameFirst ? lastName + ", " + firstName : firstName + " " + lastName;
+  cursor_->MoveNext();
+  return true;
+}
+
+bool Walk::GetNextPartnership(cDatabase& store, WalkedPartnership& partnership, std::int16_t NameFormat) {
+  while (HasRow(store)) {
+    const std::int32_t lowerNumber = ToInt32(cursor_->Get("LowerPlayer"));
+    const std::int32_t higherNumber = ToInt32(cursor_->Get("HigherPlayer"));
+    const std::shared_ptr<cPlayerDetails> lower = GetActiveMemberDetails(store, lowerNumber);
+    const std::shared_ptr<cPlayerDetails> higher = GetActiveMemberDetails(store, higherNumber);
+    const bool complete = lower->MembershipNumber >= 0 && higher->MembershipNumber >= 0;
+    if (complete) ReadPartnership(lower, higher, partnership, NameFormat);
+    if (retiredPlayers_ && lower->MembershipNumber < 0) retiredPlayers_->Add(lowerNumber);
+    if (retiredPlayers_ && higher->MembershipNumber < 0) retiredPlayers_->Add(higherNumber);
+    cursor_->MoveNext();
+    if (complete) return true;
+  }
+  return false;
+}
+
+void Walk::ReadPartnership(const std::shared_ptr<cPlayerDetails>& lower, const std::shared_ptr<cPlayerDetails>& higher,
+                           WalkedPartnership& partnership, std::int16_t NameFormat) const {
+  const bool lowerFirst = !ToBoolean(cursor_->Get("HigherFirst"));
+  cPartnership pair(lowerFirst ? lower : higher, lowerFirst ? higher : lower);
+  pair.Handicap = ToDouble(cursor_->Get("Handicap"));
+  pair.KnownAs = cDatabase::GetTextField(*cursor_, "KnownAs");
+  partnership.P1Number = pair.Player1->MembershipNumber;
+  partnership.P1Name = pair.Player1->Name(NameFormat);
+  partnership.P2Number = pair.Player2->MembershipNumber;
+  partnership.P2Name = pair.Player2->Name(NameFormat);
+  partnership.PartnershipName = pair.Name(NameFormat, true, false);
+  partnership.AlternateName = pair.Name(NameFormat, true, true);
+}
+
+void Walk::EndGet(cDatabase& store) {
+  store.CloseDB(true);
+  cursor_.reset();
+  if (retiredPlayers_) retiredPlayers_->RetireFromPartnerships(store);
+}
+
+}  // namespace tavi
