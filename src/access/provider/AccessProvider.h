@@ -15,8 +15,8 @@ struct ProviderOptions {
   std::function<std::string(const std::string&)> nativePath;
 };
 
-/// The engine as a database provider. Answers "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=PATH". Errors have the source
-/// "Microsoft JET Database Engine".
+/// The engine as a database provider. Answers "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=PATH". Errors have the
+/// source "Microsoft JET Database Engine".
 std::shared_ptr<const ado::Provider> MakeAccessProvider(std::shared_ptr<FileSystem> fileSystem,
                                                         std::shared_ptr<const Clock> clock, ProviderOptions options);
 

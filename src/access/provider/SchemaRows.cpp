@@ -1,0 +1,153 @@
+#include "access/provider/SchemaRows.h"
+
+#include <algorithm>
+
+#include "access/sql/ExecutionErrors.h"
+#include "access/sql/ExpressionShape.h"
+#include "access/sql/ValuesResult.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access {
+
+namespace {
+
+using ado::DataType;
+
+constexpr std::int16_t kAscending = 1;
+constexpr std::int16_t kDescending = 2;
+
+std::vector<sql::ResultColumn> Named(std::initializer_list<std::pair<const char*, DataType>> columns) {
+  std::vector<sql::ResultColumn> named;
+  for (const auto& [name, type] : columns) named.push_back({name, "", "", type});
+  return named;
+}
+
+/// The tables that can be described, by name.
+std::vector<std::shared_ptr<Table>> UserTables(Database& database) {
+  std::vector<std::shared_ptr<Table>> tables;
+  for (const CatalogEntry& entry : database.Tables()) {
+    if (entry.isSystem || entry.isLinked) continue;
+    try {
+      if (auto table = database.FindTable(entry.name)) tables.push_back(std::move(table));
+    } catch (const Error&) {
+      continue;  // damaged: the other tables can be described all the same
+    }
+  }
+  std::sort(tables.begin(), tables.end(),
+            [](const auto& left, const auto& right) { return CompareIgnoringCase(left->Name(), right->Name()) < 0; });
+  return tables;
+}
+
+/// OLE columns are told apart from other bytes only by having no limit.
+std::int32_t SchemaType(const ColumnDefinition& column) {
+  const DataType type = sql::TypeOf(column);
+  return static_cast<std::int32_t>(type == DataType::LongVarBinary ? DataType::Binary : type);
+}
+
+Value MaximumLength(const ColumnDefinition& column) {
+  switch (column.type) {
+    case ColumnType::Text:
+      return static_cast<std::int32_t>(column.length / 2);
+    case ColumnType::Binary:
+    case ColumnType::FixedBinary:
+      return static_cast<std::int32_t>(column.length);
+    case ColumnType::Memo:
+    case ColumnType::Ole:
+      return std::int32_t{0};
+    default:
+      return Null{};
+  }
+}
+
+RowValues ColumnRow(const Table& table, std::size_t position) {
+  const Column& column = table.Columns()[position];
+  const bool hasDefault = !column.defaultExpression.empty();
+  return {table.Name(),
+          column.definition.name,
+          static_cast<std::int32_t>(position + 1),
+          SchemaType(column.definition),
+          MaximumLength(column.definition),
+          !column.required,
+          hasDefault,
+          hasDefault ? Value{column.defaultExpression} : Value{}};
+}
+
+std::unique_ptr<sql::ResultSet> ListColumns(Database& database) {
+  std::vector<RowValues> rows;
+  for (const auto& table : UserTables(database)) {
+    std::vector<std::size_t> positions;
+    for (std::size_t i = 0; i < table->Columns().size(); ++i) positions.push_back(i);
+    std::sort(positions.begin(), positions.end(), [&](std::size_t left, std::size_t right) {
+      const auto& columns = table->Columns();
+      return CompareIgnoringCase(columns[left].definition.name, columns[right].definition.name) < 0;
+    });
+    for (const std::size_t position : positions) rows.push_back(ColumnRow(*table, position));
+  }
+  return std::make_unique<sql::ValuesResult>(Named({{"TABLE_NAME", DataType::WChar},
+                                                    {"COLUMN_NAME", DataType::WChar},
+                                                    {"ORDINAL_POSITION", DataType::Integer},
+                                                    {"DATA_TYPE", DataType::Integer},
+                                                    {"CHARACTER_MAXIMUM_LENGTH", DataType::Integer},
+                                                    {"IS_NULLABLE", DataType::Boolean},
+                                                    {"COLUMN_HASDEFAULT", DataType::Boolean},
+                                                    {"COLUMN_DEFAULT", DataType::WChar}}),
+                                             std::move(rows));
+}
+
+std::unique_ptr<sql::ResultSet> ListTables(Database& database) {
+  std::vector<CatalogEntry> entries = database.Tables();
+  std::sort(entries.begin(), entries.end(), [](const CatalogEntry& left, const CatalogEntry& right) {
+    return CompareIgnoringCase(left.name, right.name) < 0;
+  });
+  std::vector<RowValues> rows;
+  for (const CatalogEntry& entry : entries) {
+    const std::string type = entry.isLinked ? "LINK" : entry.isSystem ? "SYSTEM TABLE" : "TABLE";
+    rows.push_back({entry.name, type});
+  }
+  return std::make_unique<sql::ValuesResult>(Named({{"TABLE_NAME", DataType::WChar}, {"TABLE_TYPE", DataType::WChar}}),
+                                             std::move(rows));
+}
+
+void AddIndexRows(const Table& table, std::vector<RowValues>& rows) {
+  std::vector<const Index*> indexes;
+  for (const Index& index : table.Indexes()) indexes.push_back(&index);
+  std::sort(indexes.begin(), indexes.end(),
+            [](const Index* left, const Index* right) { return CompareIgnoringCase(left->name, right->name) < 0; });
+  for (const Index* index : indexes) {
+    for (std::size_t i = 0; i < index->columns.size(); ++i) {
+      rows.push_back({table.Name(), index->name, index->primaryKey, index->definition.unique,
+                      static_cast<std::int32_t>(i + 1), table.Columns()[index->columns[i]].definition.name,
+                      index->ascending[i] ? kAscending : kDescending});
+    }
+  }
+}
+
+std::unique_ptr<sql::ResultSet> ListIndexes(Database& database) {
+  std::vector<RowValues> rows;
+  for (const auto& table : UserTables(database)) AddIndexRows(*table, rows);
+  return std::make_unique<sql::ValuesResult>(Named({{"TABLE_NAME", DataType::WChar},
+                                                    {"INDEX_NAME", DataType::WChar},
+                                                    {"PRIMARY_KEY", DataType::Boolean},
+                                                    {"UNIQUE", DataType::Boolean},
+                                                    {"ORDINAL_POSITION", DataType::Integer},
+                                                    {"COLUMN_NAME", DataType::WChar},
+                                                    {"COLLATION", DataType::SmallInt}}),
+                                             std::move(rows));
+}
+
+}  // namespace
+
+std::unique_ptr<sql::ResultSet> ListSchema(Database& database, ado::SchemaKind kind) {
+  const ReadStatement reading(database.GetPager());
+  switch (kind) {
+    case ado::SchemaKind::Columns:
+      return ListColumns(database);
+    case ado::SchemaKind::Tables:
+      return ListTables(database);
+    case ado::SchemaKind::Indexes:
+      return ListIndexes(database);
+  }
+  throw sql::StatementError("The schema list " + std::to_string(static_cast<int>(kind)) + " is not known.");
+}
+
+}  // namespace tavi::access
