@@ -1,0 +1,201 @@
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+#include "platform/TemporaryFolder.h"
+#include "store/OpenUse.h"
+#include "store/cDatabase.h"
+#include "store/support/FakeFile.h"
+
+namespace tavi {
+namespace {
+
+using testing::FakePlatform;
+using testing::TemporaryFolder;
+
+class StoreConnectionTest : public ::testing::Test {
+ protected:
+  StoreConnectionTest() { store_.SetDatabaseFolder("C:\\Bridge\\Database"); }
+  /// How often the layout was checked.
+  std::size_t LayoutChecks() const { return fake_.file->StatementsWith("Create Table EBUMembershipList").size(); }
+
+  FakePlatform fake_;
+  cDatabase store_{fake_.platform};
+};
+
+Error ErrorOf(const std::function<void()>& call) {
+  try {
+    call();
+  } catch (const Error& error) {
+    return error;
+  }
+  return Error(0, "none", "no error was raised");
+}
+
+TEST_F(StoreConnectionTest, TheFilePathIsFolderAndFileName) {
+  EXPECT_EQ(store_.DatabaseFilePath(), "C:\\Bridge\\Database\\ClubMembers.mdb");
+  EXPECT_EQ(store_.DatabaseFolder(), "C:\\Bridge\\Database");
+  EXPECT_EQ(cDatabase::EBUMembersTable(), "EBUMembershipList");
+}
+
+TEST_F(StoreConnectionTest, WithoutAFolderNothingIsOpened) {
+  cDatabase store(fake_.platform);
+  const Error error = ErrorOf([&] { store.OpenDB(); });
+  EXPECT_TRUE(error.Is(ErrorNumber::Component));
+  EXPECT_EQ(error.Number(), -2147221504);
+  EXPECT_EQ(error.Source(), "cDatabase");
+  EXPECT_EQ(error.Description(), "Attempt to use database before path set.");
+  EXPECT_EQ(fake_.file->connectionStrings.size(), 0U);
+}
+
+TEST_F(StoreConnectionTest, TheConnectionStringNamesProviderAndFile) {
+  store_.OpenDB();
+  EXPECT_EQ(fake_.file->connectionStrings.at(0),
+            "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\Bridge\\Database\\ClubMembers.mdb");
+}
+
+TEST_F(StoreConnectionTest, AFileThatCannotBeOpenedIsLoggedAndRaised) {
+  const TemporaryFolder folder;
+  folder.MakeFolder("c/Diagnostics");
+  setenv("TAVI_DRIVES", folder.Path().c_str(), 1);
+  fake_.file->openFailures = 1;
+  const Error error = ErrorOf([&] { store_.OpenDB(); });
+  const std::string message =
+      "Failed to open membership database C:\\Bridge\\Database\\ClubMembers.mdb:\r\n\r\nCould not find file.";
+  EXPECT_TRUE(error.Is(ErrorNumber::Component));
+  EXPECT_EQ(error.Source(), "cDatabase");
+  EXPECT_EQ(error.Description(), message);
+  EXPECT_EQ(folder.ReadFile("c/Diagnostics/Tallyman.txt"), message + "\r\n");
+  EXPECT_EQ(store_.OpenCount(), 0);
+  store_.OpenDB();
+  EXPECT_EQ(store_.OpenCount(), 1);
+  EXPECT_EQ(LayoutChecks(), 1U) << "the failed opening has not used up the layout check";
+}
+
+TEST_F(StoreConnectionTest, CreatingAStoreWritesADiagnosticsLine) {
+  const TemporaryFolder folder;
+  folder.MakeFolder("c/Diagnostics");
+  setenv("TAVI_DRIVES", folder.Path().c_str(), 1);
+  const cDatabase store(fake_.platform);
+  EXPECT_EQ(folder.ReadFile("c/Diagnostics/Tallyman.txt"), "TaviMembership Initialising\r\n");
+}
+
+TEST_F(StoreConnectionTest, TwoOpensAndOneCloseLeaveTheFileOpenAndAForcedCloseClosesIt) {
+  store_.OpenDB();
+  store_.OpenDB();
+  store_.CloseDB(false);
+  EXPECT_EQ(store_.OpenCount(), 1);
+  EXPECT_EQ(fake_.file->closes, 0);
+  store_.OpenDB();
+  store_.CloseDB(true);
+  EXPECT_EQ(store_.OpenCount(), 0);
+  EXPECT_EQ(fake_.file->opens, 1);
+  EXPECT_EQ(fake_.file->closes, 1);
+}
+
+TEST_F(StoreConnectionTest, ClosingAClosedStoreDoesNothing) {
+  store_.CloseDB(false);
+  store_.CloseDB(true);
+  EXPECT_EQ(store_.OpenCount(), 0);
+  EXPECT_EQ(fake_.file->closes, 0);
+}
+
+TEST_F(StoreConnectionTest, TheOpenCountOverflowsInsteadOfWrapping) {
+  for (int count = 0; count < 32767; ++count) store_.OpenDB();
+  EXPECT_TRUE(ErrorOf([&] { store_.OpenDB(); }).Is(ErrorNumber::Overflow));
+  EXPECT_EQ(store_.OpenCount(), 32767);
+}
+
+TEST_F(StoreConnectionTest, DestroyingAStoreClosesItsFile) {
+  {
+    cDatabase store(fake_.platform);
+    store.SetDatabaseFolder("C:\\Other");
+    store.OpenDB();
+    store.OpenDB();
+  }
+  EXPECT_EQ(fake_.file->closes, 1);
+}
+
+TEST_F(StoreConnectionTest, ExecuteOpensAndClosesAClosedStore) {
+  store_.Execute("Delete from Results");
+  EXPECT_EQ(fake_.file->opens, 1);
+  EXPECT_EQ(fake_.file->closes, 1);
+  EXPECT_EQ(fake_.file->statements.back(), "Delete from Results");
+}
+
+TEST_F(StoreConnectionTest, ExecuteRaisesTheProvidersErrorUnchangedAndBalancesTheCount) {
+  store_.OpenDB();
+  fake_.file->failures.emplace_back("Delete", Error(ErrorNumber::ProviderNoTable, "Microsoft JET", "No such table."));
+  const Error error = ErrorOf([&] { store_.Execute("Delete from Nothing"); });
+  EXPECT_TRUE(error.Is(ErrorNumber::ProviderNoTable));
+  EXPECT_EQ(error.Source(), "Microsoft JET");
+  EXPECT_EQ(error.Description(), "No such table.");
+  EXPECT_EQ(store_.OpenCount(), 1);
+}
+
+TEST_F(StoreConnectionTest, RecordSetsAreOpenedPessimisticallyAsTextOrTable) {
+  store_.OpenDB();
+  static_cast<void>(store_.OpenRecordset("Settings", ado::CursorType::Dynamic, true));
+  EXPECT_EQ(fake_.file->recordsets.back().sourceKind, ado::SourceKind::TableDirect);
+  EXPECT_EQ(fake_.file->recordsets.back().cursorType, ado::CursorType::Dynamic);
+  static_cast<void>(store_.OpenRecordset("Select * from Members"));
+  EXPECT_EQ(fake_.file->recordsets.back().sourceKind, ado::SourceKind::CommandText);
+  EXPECT_EQ(fake_.file->recordsets.back().cursorType, ado::CursorType::ForwardOnly);
+  EXPECT_EQ(fake_.file->recordsets.back().lockType, ado::LockType::Pessimistic);
+  EXPECT_EQ(store_.OpenCount(), 1) << "record sets are not counted";
+}
+
+TEST_F(StoreConnectionTest, ARecordSetNeedsAnOpenStore) {
+  EXPECT_TRUE(ErrorOf([&] { static_cast<void>(store_.OpenRecordset("Members")); }).Is(ErrorNumber::NoObject));
+}
+
+TEST_F(StoreConnectionTest, TheFirstOpenChecksTheLayoutOnce) {
+  store_.OpenDB();
+  store_.CloseDB(true);
+  store_.OpenDB();
+  EXPECT_EQ(LayoutChecks(), 1U);
+  EXPECT_EQ(store_.OpenCount(), 1);
+}
+
+TEST_F(StoreConnectionTest, AnotherFolderMakesTheCheckPendingAgainButNotAnotherLetterCase) {
+  store_.Execute("x");
+  store_.SetDatabaseFolder("c:\\BRIDGE\\database");
+  EXPECT_EQ(store_.DatabaseFolder(), "c:\\BRIDGE\\database") << "the new writing is kept all the same";
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 1U);
+  store_.SetDatabaseFolder("D:\\Bridge");
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 2U);
+  store_.NewDatabase();
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 3U);
+}
+
+TEST_F(StoreConnectionTest, AnErrorOfTheFirstOpenLeavesTheCountBalanced) {
+  fake_.file->failures.emplace_back("UniquenessFlag From Members",
+                                    Error(ErrorNumber::ProviderNoTable, "Microsoft JET", "No such table."));
+  EXPECT_TRUE(ErrorOf([&] { store_.OpenDB(); }).Is(ErrorNumber::ProviderNoTable));
+  EXPECT_EQ(store_.OpenCount(), 0);
+  EXPECT_EQ(fake_.file->closes, 1);
+}
+
+TEST_F(StoreConnectionTest, AnOpenUseCountsDownOnEveryPath) {
+  {
+    const OpenUse use(store_);
+    EXPECT_EQ(store_.OpenCount(), 1);
+  }
+  EXPECT_EQ(store_.OpenCount(), 0);
+  ErrorOf([&] {
+    const OpenUse use(store_);
+    throw Error(ErrorNumber::Component, "test", "on its way");
+  });
+  EXPECT_EQ(store_.OpenCount(), 0);
+  {
+    OpenUse use(store_);
+    use.KeepOpen();
+  }
+  EXPECT_EQ(store_.OpenCount(), 1);
+}
+
+}  // namespace
+}  // namespace tavi

@@ -1,0 +1,205 @@
+#include "store/support/FakeFile.h"
+
+#include <regex>
+
+#include "platform/values/Text.h"
+
+namespace tavi::testing {
+namespace {
+
+constexpr const char* kSource = "Fake provider";
+
+class FakeRecordset : public ado::Recordset {
+ public:
+  explicit FakeRecordset(FakeRows& rows) : rows_(rows) {
+    for (const std::string& name : rows.fields) fields_.push_back({name, ado::DataType::WChar});
+  }
+  [[nodiscard]] const std::vector<ado::Field>& Fields() const override { return fields_; }
+  [[nodiscard]] bool AtEnd() const override { return position_ >= rows_.rows.size(); }
+  void MoveNext() override {
+    if (AtEnd()) throw Error(ErrorNumber::ProviderEndOfRecords, kSource, "at the end");
+    ++position_;
+  }
+  void MovePrevious() override {
+    if (position_ == 0) throw Error(ErrorNumber::ProviderEndOfRecords, kSource, "before the first row");
+    --position_;
+  }
+  [[nodiscard]] Value Get(std::string_view fieldName) const override {
+    if (AtEnd()) throw Error(ErrorNumber::ProviderEndOfRecords, kSource, "no current row");
+    return rows_.rows[position_][IndexOf(fieldName)];
+  }
+  void Set(std::string_view fieldName, const Value& value) override {
+    if (buffer_.empty()) buffer_ = rows_.rows.at(position_);
+    buffer_[IndexOf(fieldName)] = value;
+  }
+  void AddNew() override {
+    position_ = rows_.rows.size();
+    buffer_.assign(fields_.size(), Null());
+  }
+  void Update() override {
+    if (buffer_.empty()) return;
+    if (position_ == rows_.rows.size()) rows_.rows.emplace_back();
+    rows_.rows[position_] = std::move(buffer_);
+    buffer_.clear();
+  }
+  void CancelUpdate() override { buffer_.clear(); }
+  void Close() override {}
+
+ private:
+  [[nodiscard]] std::size_t IndexOf(std::string_view fieldName) const {
+    for (std::size_t index = 0; index < fields_.size(); ++index) {
+      if (EqualIgnoringCase(fields_[index].name, fieldName)) return index;
+    }
+    throw Error(ErrorNumber::ProviderNoColumn, kSource, "no field " + std::string(fieldName));
+  }
+
+  FakeRows& rows_;
+  std::vector<ado::Field> fields_;
+  std::vector<Value> buffer_;
+  std::size_t position_ = 0;
+};
+
+class FakeConnection : public ado::Connection {
+ public:
+  explicit FakeConnection(std::shared_ptr<FakeFile> file) : file_(std::move(file)) {}
+
+  std::int64_t Execute(std::string_view commandText) override {
+    const std::string statement(commandText);
+    file_->statements.push_back(statement);
+    for (const auto& [text, error] : file_->failures) {
+      if (statement.find(text) != std::string::npos) throw error;
+    }
+    Run(statement);
+    return 0;
+  }
+  std::unique_ptr<ado::Recordset> OpenRecordset(std::string_view source, ado::CursorType cursorType,
+                                                ado::LockType lockType, ado::SourceKind sourceKind) override {
+    file_->recordsets.push_back({std::string(source), cursorType, lockType, sourceKind});
+    for (const auto& [text, error] : file_->failures) {
+      if (source.find(text) != std::string::npos) throw error;
+    }
+    return MakeFakeRecordset(file_->answers[std::string(source)]);
+  }
+  std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind /*kind*/) override {
+    schema_.fields = {"TABLE_NAME", "COLUMN_NAME", "DATA_TYPE"};
+    schema_.rows.clear();
+    for (const auto& [table, columns] : file_->tables) {
+      for (const auto& [column, type] : columns) {
+        const std::int32_t number = type == "Double" ? 5 : 3;
+        schema_.rows.push_back({table, column, number});
+      }
+    }
+    return MakeFakeRecordset(schema_);
+  }
+  void Close() override { ++file_->closes; }
+
+ private:
+  void Run(const std::string& statement) {
+    static const std::regex kSelect("Select Top 1 (\\w+) From (\\w+)");
+    static const std::regex kAdd("Alter Table (\\w+) Add Column (\\w+) (.+)");
+    static const std::regex kDrop("Alter Table (\\w+) Drop Column (\\w+)");
+    static const std::regex kCreate("Create Table (\\w+) .*");
+    std::smatch found;
+    if (std::regex_match(statement, found, kSelect) && !file_->HasColumn(found[2], found[1])) {
+      throw Error(ErrorNumber::ProviderBadParameter, kSource, "no column " + found[1].str());
+    }
+    if (std::regex_match(statement, found, kAdd)) file_->tables[found[1]][found[2]] = found[3];
+    if (std::regex_match(statement, found, kDrop) && file_->tables[found[1]].erase(found[2]) == 0) {
+      throw Error(ErrorNumber::ProviderBadParameter, kSource, "nothing to drop");
+    }
+    if (std::regex_match(statement, found, kCreate) && !file_->tables.try_emplace(found[1]).second) {
+      throw Error(ErrorNumber::ProviderFailure, kSource, "the table exists");
+    }
+  }
+
+  std::shared_ptr<FakeFile> file_;
+  FakeRows schema_;
+};
+
+class FakeProvider : public ado::Provider {
+ public:
+  explicit FakeProvider(std::shared_ptr<FakeFile> file) : file_(std::move(file)) {}
+  [[nodiscard]] std::unique_ptr<ado::Connection> Open(std::string_view connectionString) const override {
+    file_->connectionStrings.emplace_back(connectionString);
+    if (file_->openFailures > 0) {
+      --file_->openFailures;
+      throw Error(ErrorNumber::ProviderFailure, kSource, "Could not find file.");
+    }
+    ++file_->opens;
+    return std::make_unique<FakeConnection>(file_);
+  }
+
+ private:
+  std::shared_ptr<FakeFile> file_;
+};
+
+/// Makes a key of a name that can be told from the name.
+class FakeNameKeys : public NameKeyService {
+ public:
+  [[nodiscard]] std::string Key(NameKeyMode mode, std::string_view name) const override {
+    return (mode == NameKeyMode::Surname ? "S:" : "F:") + UpperCase(name);
+  }
+};
+
+/// A registry that holds the governing body only.
+class FakeRegistry : public Registry {
+ public:
+  explicit FakeRegistry(const std::optional<std::string>& governingBody) : governingBody_(governingBody) {}
+  [[nodiscard]] std::optional<std::string> ReadText(RegistryRoot root, std::string_view keyPath,
+                                                    std::string_view valueName) const override {
+    const bool isAsked = root == RegistryRoot::CurrentUser && keyPath == "Software\\Pelmont\\Bridge\\ClubDatabase" &&
+                         valueName == "Governing Body";
+    return isAsked ? governingBody_ : std::nullopt;
+  }
+
+ private:
+  const std::optional<std::string>& governingBody_;
+};
+
+}  // namespace
+
+std::vector<std::string> FakeFile::StatementsWith(const std::string& beginning) const {
+  std::vector<std::string> found;
+  for (const std::string& statement : statements) {
+    if (statement.starts_with(beginning)) found.push_back(statement);
+  }
+  return found;
+}
+
+bool FakeFile::HasColumn(const std::string& table, const std::string& column) const {
+  const auto found = tables.find(table);
+  return found != tables.end() && found->second.contains(column);
+}
+
+std::shared_ptr<FakeFile> CurrentFakeFile() {
+  auto file = std::make_shared<FakeFile>();
+  const auto add = [&file](const char* table, const std::vector<std::string>& columns) {
+    for (const std::string& column : columns) file->tables[table][column] = "Long";
+  };
+  add("Settings", {"LastMPCertificate", "LastMPUploadNo", "MPCertificatePrefix", "CountyList", "LastUploadDate",
+                   "MasterPointMethod", "LastGotEBUNos"});
+  add("Members", {"MembershipNumber", "HandicalcSeed", "HandicalcSeedDate", "UniquenessFlag", "Sex", "HouseID",
+                  "PostCode", "DOB", "Title", "Stratum", "Privacy"});
+  add("MasterPoints", {"ID", "MPTotalsString", "Colour", "SessionNo"});
+  file->tables["MasterPoints"]["TempMPTotal"] = "Double";
+  add("Partnerships", {"HandicalcSeed", "HandicalcSeedDate"});
+  add("Competitions", {"ID", "NumberOfTables", "NumberOfWinners", "MasterPointsColour", "IsTeams", "IsSwiss",
+                       "IsExternal", "QualiFinal", "NatCode", "Individual"});
+  add("ClubNames", {"ClubID", "Affiliation"});
+  add("HandicalcSettings", {"Disabled"});
+  add("EBUMembershipList", {"EBUNumber"});
+  return file;
+}
+
+std::unique_ptr<ado::Recordset> MakeFakeRecordset(FakeRows& rows) {
+  return std::make_unique<FakeRecordset>(rows);
+}
+
+FakePlatform::FakePlatform() {
+  platform->databaseProvider = std::make_shared<FakeProvider>(file);
+  platform->messageBoxes = messages;
+  platform->nameKeyService = std::make_shared<FakeNameKeys>();
+  platform->registry = std::make_shared<FakeRegistry>(governingBody);
+}
+
+}  // namespace tavi::testing
