@@ -55,6 +55,11 @@ std::string Text(const PlayerNameParts& name, std::int16_t format) {
   }
 }
 
+/// True when there is neither first name nor surname.
+bool IsNameless(const PlayerNameParts& name) {
+  return name.FirstName.empty() && name.Surname.empty();
+}
+
 /// Without the comma that a missing surname or first name leaves at an end.
 std::string WithoutStrayComma(std::string_view text) {
   if (text.starts_with(',')) return Trim(text.substr(1));
@@ -124,13 +129,14 @@ std::string cPlayerDetails::Name(std::int16_t NameFormat) const {
 }
 
 std::int16_t cPlayerDetails::MatchWeight(const cPlayerDetails& other) const {
+  const bool bothNameless = IsNameless(parts_) && IsNameless(other.parts_);
   const std::int16_t surname =
       CompareNamePart(parts_.Surname, fuzzedSurname_, other.parts_.Surname, other.fuzzedSurname_);
   const std::int16_t firstName =
       CompareNamePart(parts_.FirstName, fuzzedFirstName_, other.parts_.FirstName, other.fuzzedFirstName_);
   const std::int16_t initials = CompareInitials(parts_.Initials, other.parts_.Initials);
   const bool nothingCompared = firstName == 1 && surname == 1;
-  if (firstName == 0 || initials == 0 || surname == 0 || nothingCompared) return 0;
+  if (firstName == 0 || initials == 0 || surname == 0 || nothingCompared || bothNameless) return 0;
   return CombineMatchScores(firstName, initials, surname);
 }
 

@@ -1,0 +1,137 @@
+#include "names/NameSearch.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "names/MemberRow.h"
+#include "names/support/LetterKeys.h"
+#include "store/support/FakeFile.h"
+
+namespace tavi {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::FakePlatform;
+using testing::FakeRows;
+using ::testing::IsEmpty;
+
+struct Member {
+  std::int32_t number;
+  const char* first;
+  const char* initials;
+  const char* last;
+};
+
+class NameSearchTest : public ::testing::Test {
+ protected:
+  NameSearchTest() { store_.SetDatabaseFolder("C:\\Bridge"); }
+
+  /// Rows that a search statement gives.
+  void Answer(const std::string& statement, const std::vector<Member>& members, bool active = true) {
+    FakeRows& rows = fake_.file->answers[statement];
+    rows.fields = {"MembershipNumber", "FirstName", "MiddleInitials", "LastName",      "Active",
+                   "KnownAs",          "Handicap",  "EBUNumber",      "UniquenessFlag"};
+    rows.rows.clear();
+    for (const Member& member : members) {
+      rows.rows.push_back({member.number, std::string(member.first), std::string(member.initials),
+                           std::string(member.last), active, Null(), 61.5, std::string("99"), std::int16_t{1}});
+    }
+  }
+  void AnswerExact(const std::string& first, const std::string& initials, const std::string& last,
+                   const std::vector<Member>& members, bool active = true) {
+    Answer("Select MembershipNumber, Active from Members Where FirstName = '" + first + "' And MiddleInitials = '" +
+               initials + "' And LastName = '" + last + "'",
+           members, active);
+  }
+  void AnswerSameNames(const std::vector<Member>& members) {
+    Answer("Select * from Members where FirstName = 'John' And LastName = 'Smith' And Active <> 0", members);
+  }
+  std::int32_t Find(const std::string& name, bool exact = false) { return FindMember(store_, name, exact); }
+
+  FakePlatform fake_;
+  cDatabase store_{fake_.platform};
+};
+
+TEST_F(NameSearchTest, AnExactActiveMemberIsTheAnswer) {
+  AnswerExact("John", "A", "Smith", {{12, "", "", ""}, {13, "", "", ""}});
+  EXPECT_EQ(Find("John A Smith"), 12) << "the first of two of exactly this name";
+  EXPECT_EQ(Find("  John\tA  Smith", true), 12);
+  EXPECT_EQ(store_.OpenCount(), 0);
+}
+
+TEST_F(NameSearchTest, ARetiredMemberOfExactlyThisNameIsNoAnswer) {
+  AnswerExact("John", "A", "Smith", {{12, "", "", ""}}, false);
+  AnswerSameNames({{14, "John", "A", "Smith"}});
+  EXPECT_EQ(Find("John A Smith", true), -1);
+  EXPECT_EQ(Find("John A Smith"), 14);
+}
+
+TEST_F(NameSearchTest, TwoMembersWhoFitMakeTheNameAmbiguous) {
+  AnswerExact("John", "A", "Smith", {{12, "", "", ""}}, false);
+  AnswerSameNames({{14, "John", "AB", "Smith"}, {15, "John", "C", "Smith"}, {16, "John", "", "Smith"}});
+  EXPECT_EQ(Find("John A Smith"), -1);
+}
+
+TEST_F(NameSearchTest, InitialsThatFitFindTheOnlyMember) {
+  AnswerSameNames({{15, "John", "C", "Smith"}, {14, "John", "AB", "Smith"}});
+  EXPECT_EQ(Find("John A Smith"), 14);
+}
+
+TEST_F(NameSearchTest, ANameWithoutInitialsFindsNoMemberWhoHasSome) {
+  AnswerSameNames({{14, "John", "AB", "Smith"}});
+  EXPECT_EQ(Find("John Smith"), -1);
+}
+
+TEST_F(NameSearchTest, ASingleWordMeansAMemberWithoutSurname) {
+  AnswerExact("Smith", "", "", {{7, "", "", ""}});
+  EXPECT_EQ(Find("Smith"), 7);
+  EXPECT_EQ(Find(""), -1);
+}
+
+constexpr const char* kByBothKeys =
+    "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag from "
+    "Members Where Active <> 0 And FuzzedFirstName = 'F:JOHN' And FuzzedLastName = 'S:O''NEIL'";
+
+TEST_F(NameSearchTest, NearestMatchesComeBestFirstAndEqualOnesInTheOrderOfTheFile) {
+  Answer(kByBothKeys, {{1, "John", "A", "O'Neil"},
+                       {2, "John", "", "O'Neil"},
+                       {3, "John", "B", "O'Neil"},
+                       {4, "Bob", "", "O'Neil"},
+                       {5, "john", "", "o'neil"}});
+  EXPECT_THAT(FindNearestMatches(store_, "John O'Neil"), ElementsAre(2, 5, 1, 3)) << "another first name is dropped";
+  EXPECT_EQ(store_.OpenCount(), 0);
+}
+
+TEST_F(NameSearchTest, ASingleWordIsLookedForAsAFirstName) {
+  EXPECT_THAT(FindNearestMatches(store_, "John"), IsEmpty());
+  EXPECT_TRUE(fake_.file->recordsets.back().source.ends_with("Where Active <> 0 And FuzzedFirstName = 'F:JOHN'"));
+}
+
+TEST_F(NameSearchTest, AnEmptyNameHasNoMatchesAndOpensNothing) {
+  EXPECT_THAT(FindNearestMatches(store_, ""), IsEmpty());
+  EXPECT_EQ(fake_.file->opens, 0);
+}
+
+TEST_F(NameSearchTest, BlanksAloneMatchNobody) {
+  Answer(
+      "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag "
+      "from Members Where Active <> 0",
+      {{1, "John", "", "Smith"}});
+  EXPECT_THAT(FindNearestMatches(store_, "  "), IsEmpty());
+}
+
+TEST_F(NameSearchTest, ReadMemberRowTakesTheColumnsAndFlagTwo) {
+  Answer("x", {{1, "John", "A", "Smith"}});
+  const auto row = testing::MakeFakeRecordset(fake_.file->answers["x"]);
+  const auto player = ReadMemberRow(*row, testing::Keys());
+  EXPECT_EQ(player->MembershipNumber, 1);
+  EXPECT_EQ(player->Name(10), "Smith, John A");
+  EXPECT_EQ(player->KnownAs, "");
+  EXPECT_EQ(player->Handicap, 61.5);
+  EXPECT_EQ(player->EBUNumber, "99");
+  EXPECT_EQ(player->UniquenessFlag, 2) << "whatever the row holds";
+  EXPECT_EQ(player->FuzzedSurname(), "SSMTH");
+}
+
+}  // namespace
+}  // namespace tavi
