@@ -8,6 +8,7 @@
 
 #include "handicaps/HandiCalcSettings.h"
 #include "handicaps/Handicaps.h"
+#include "members/EBUMembershipDetails.h"
 #include "platform/values/Date.h"
 #include "platform/values/Error.h"
 
@@ -25,13 +26,14 @@ struct MatchList {
 /// A bridge club's membership records in the file ClubMembers.mdb of one folder: the public class that scoring programs
 /// use.
 ///
-/// Creating one makes a new store for the calling thread and finds the database folder; the file itself is opened by the
-/// first operation that needs it and closed again at its end, unless OpenDatabase holds it open. All objects of a thread
-/// share the thread's newest store. Use an object only on the thread that created it.
+/// Creating one makes a new store for the calling thread and finds the database folder; the file itself is opened by
+/// the first operation that needs it and closed again at its end, unless OpenDatabase holds it open. All objects of a
+/// thread share the thread's newest store. Use an object only on the thread that created it.
 ///
-/// Numbers of members are 32-bit; -1 means no member. Percentages and handicaps are in per cent. Errors: the component's
-/// own have number 0x80040000 and source "cDatabase"; those of the database pass through with their own number. Every
-/// operation that reaches the file can raise "Failed to open membership database ..." and the database's errors.
+/// Numbers of members are 32-bit; -1 means no member. Percentages and handicaps are in per cent. Errors: the
+/// component's own have number 0x80040000 and source "cDatabase"; those of the database pass through with their own
+/// number. Every operation that reaches the file can raise "Failed to open membership database ..." and the database's
+/// errors.
 class MembershipDatabase {
  public:
   /// Starts with this machine's own platform. Never fails: problems are written to the diagnostics log.
@@ -52,7 +54,8 @@ class MembershipDatabase {
   void SetDatabaseFolder(const std::string& folder);
   /// The full path of the file.
   [[nodiscard]] std::string DatabaseFileName() const;
-  /// Opens the file and keeps it open until CloseDatabase. Raises "Attempt to use database before path set." and "Failed to open membership database ...".
+  /// Opens the file and keeps it open until CloseDatabase. Raises "Attempt to use database before path set." and
+  /// "Failed to open membership database ...".
   void OpenDatabase();
   /// Closes the file at once, however often it was opened.
   void CloseDatabase();
@@ -96,6 +99,43 @@ class MembershipDatabase {
   [[nodiscard]] std::int32_t FindMember(const std::string& Name, bool ExactMatchRequired = false);
   /// The active members whose names sound like it, best first.
   [[nodiscard]] MatchList FindNearestMatches(const std::string& Name);
+
+  // --- Walks and address lists ---------------------------------------------------------------------------------------
+
+  // One walk at a time is open on an object: a "first" call ends the one before and returns the first row, each "next"
+  // call the next one; false means that there was none (any more), and the walk has ended. Rows come in the order of
+  // the file. With IncludeInactiveMembers inactive members and partnerships are returned too. The file stays open until
+  // EndGet.
+
+  /// Number, name in a display format, and handicap of a member.
+  bool GetFirstMember(std::int32_t& Number, std::string& Name, double& ParScore, std::int16_t NameFormat);
+  bool GetNextMember(std::int32_t& Number, std::string& Name, double& ParScore, std::int16_t NameFormat);
+  /// Whether the member that a walk with IncludeInactiveMembers returned last is inactive.
+  [[nodiscard]] bool Retired() const;
+  /// A row of the governing body's list. Format 10 gives "Surname, First name", all others "First name Surname"; the
+  /// next call takes the format as text and raises TypeMismatch when it is no number.
+  bool GetFirstEBURecord(std::string& EBUNumber, std::string& Name, std::int16_t NameFormat);
+  bool GetNextEBURecord(std::string& EBUNumber, std::string& Name, const std::string& NameFormat);
+  /// Numbers and names of a regular pair's players, the pair's name and its name in the other order. ParScore stays as
+  /// it was. Pairs of players who are not active members are left out; ending the walk makes them inactive.
+  bool GetFirstPartnership(std::int32_t& P1Number, std::string& P1Name, std::int32_t& P2Number, std::string& P2Name,
+                           std::string& PartnershipName, std::string& AlternateName, double& ParScore,
+                           std::int16_t NameFormat);
+  bool GetNextPartnership(std::int32_t& P1Number, std::string& P1Name, std::int32_t& P2Number, std::string& P2Name,
+                          std::string& PartnershipName, std::string& AlternateName, double& ParScore,
+                          std::int16_t NameFormat);
+  /// Ends a walk and closes the file, however often it was opened.
+  void EndGet();
+  /// A member's e-mail address, retired members' too; empty for an unknown number.
+  [[nodiscard]] std::string MembersEmailAddress(std::int32_t MemberNo);
+  /// The addresses of all active members. Two members who share one raise DuplicateKey.
+  [[nodiscard]] std::vector<std::string> AllEmailAddresses();
+  /// The rows of the governing body's list with a surname, and a given name unless it is empty.
+  [[nodiscard]] std::vector<EBUMembershipDetails> SearchEBUList(const std::string& GivenName,
+                                                                const std::string& Surname);
+  /// Checks a number and name: another member's number when that member bears the name; the number itself when it is
+  /// known (Retired is passed back); otherwise the player is enrolled under it and the result is -1.
+  std::int32_t CheckMembershipID(std::int32_t MembershipID, const std::string& Name, double Par, bool& Retired);
 
   // --- Regular partnerships ------------------------------------------------------------------------------------------
 

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tavi {
+
+/// The pair, or the player, that a result or an award belongs to. Who is no member has the number -1 and is known by
+/// name; in an individual competition the second player is not looked at.
+struct Competitors {
+  std::int32_t Player1ID = -1;
+  std::string P1Name;
+  std::int32_t Player2ID = -1;
+  std::string P2Name;
+};
+
+}  // namespace tavi

@@ -1,0 +1,179 @@
+#include "competitions/ResultUpdate.h"
+
+#include "competitions/CompetitionAttributes.h"
+#include "competitions/MasterPoints.h"
+#include "handicaps/HandicapCalculation.h"
+#include "platform/values/Convert.h"
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int32_t kNoMember = -1;
+constexpr std::int16_t kFirstSession = 1;
+
+/// True as the integer that a column of numbers holds for it.
+std::int16_t TruthNumber(bool truth) {
+  return truth ? std::int16_t{-1} : std::int16_t{0};
+}
+
+std::unique_ptr<ado::Recordset> OpenCompetition(cDatabase& database, const CompetitionRegistration& registration) {
+  return database.OpenRecordset(
+      "Select * from Competitions Where CompetitionName = " + cDatabase::SQLString(registration.CompName) +
+          " And CompetitionDate = " + cDatabase::SQLDate(registration.CompDate),
+      ado::CursorType::Dynamic);
+}
+
+std::int32_t AddCompetition(ado::Recordset& rows, const CompetitionRegistration& registration) {
+  rows.AddNew();
+  rows.Set("CompetitionName", registration.CompName);
+  rows.Set("CompetitionDate", registration.CompDate);
+  rows.Update();
+  return ToInt32(rows.Get("ID"));
+}
+
+/// The identifier of the current row, whose results are deleted and whose awards are marked as not yet stored again.
+std::int32_t PrepareForReplacement(cDatabase& database, const ado::Recordset& row) {
+  const std::int32_t identifier = ToInt32(row.Get("ID"));
+  database.Execute("Delete from Results where Competition = " + std::to_string(identifier));
+  database.Execute("Update MasterPoints set RecordUpdated = 0 Where CompetitionID = " + std::to_string(identifier));
+  return identifier;
+}
+
+void StoreAttributes(ado::Recordset& row, const CompetitionRegistration& registration) {
+  row.Set("Individual", TruthNumber(registration.Individual));
+  row.Set("ScoringMethod", registration.ScoringMethod);
+  row.Set("ButlerType", registration.ButlerType);
+  row.Set("MasterPointsType", registration.MasterPointsLevel);
+  row.Set("IncludeInHandicapCalculations", TruthNumber(registration.IncludeInHandicaps));
+  row.Set("NumberOfWinners", registration.NumberOfWinners);
+  row.Set("NumberOfTables", registration.NumberOfTables);
+  // The colour travels with each award; the competition's is always 0.
+  row.Set("MasterPointsColour", std::int32_t{0});
+  row.Set("IsTeams", registration.NumberOfTeams > 0);
+  row.Set("IsSwiss", registration.IsSwiss);
+  row.Set("IsExternal", false);
+  row.Set("QualiFinal", registration.QualiFinal);
+  row.Set("NatCode", registration.Gov);
+  row.Update();
+}
+
+void InsertResult(cDatabase& database, const CompetitorResult& result) {
+  database.Execute("Insert into Results (Competition, Player, Partner,  ActualPercentage,  NetPercentage) Values (" +
+                   std::to_string(result.CompetitionID) + ", " + std::to_string(result.Players.Player1ID) + ", " +
+                   std::to_string(result.Players.Player2ID) + ", " + NumberText(result.ActualPercent) + ", " +
+                   NumberText(result.NetPercent) + ")");
+}
+
+std::string SetMemberHandicap(double handicap, std::int32_t memberNumber) {
+  return "Update Members Set Handicap = " + NumberText(handicap) +
+         " Where MembershipNumber = " + std::to_string(memberNumber);
+}
+
+void StorePairHandicap(cDatabase& database, const Competitors& pair, double handicap) {
+  database.Execute("Update Partnerships Set Handicap = " + NumberText(handicap) + " Where " +
+                   cDatabase::PairWhereClause(pair.Player1ID, pair.Player2ID));
+}
+
+void StoreCalculated(cDatabase& database, const Competitors& players, const Handicaps& handicaps, bool isRegularPair) {
+  if (isRegularPair) StorePairHandicap(database, players, handicaps.PartnershipHandicap());
+  if (players.Player1ID != kNoMember) {
+    database.Execute(SetMemberHandicap(handicaps.Player1Handicap(), players.Player1ID));
+  }
+  if (players.Player2ID != kNoMember) {
+    database.Execute(SetMemberHandicap(handicaps.Player2Handicap(), players.Player2ID));
+  }
+}
+
+/// True when the pair has a record, active or not.
+bool HasPartnershipRecord(cDatabase& database, const Competitors& pair) {
+  std::string name;
+  double handicap = 0.0;
+  bool inactive = false;
+  return database.IsRegularPartnership(pair.Player1ID, pair.Player2ID, name, handicap, inactive);
+}
+
+/// The colour that nobody uses is read all the same; nothing depends on the outcome.
+void ReadCompetitionColour(cDatabase& database, std::int32_t competition) {
+  try {
+    const auto row =
+        database.OpenRecordset("Select MasterPointsColour from Competitions Where ID = " + std::to_string(competition));
+    static_cast<void>(cDatabase::GetNumericField(*row, "MasterPointsColour"));
+  } catch (const std::exception&) {
+    return;
+  }
+}
+
+/// Notes the result and awards the points, with the first name and the second number exchanged.
+void NoteAndAward(ResultUpdate& update, cDatabase& database, const CompetitorResult& result, std::int16_t points) {
+  update.NoteCompetitorResult(database, result);
+  if (points <= 0) return;
+  const Competitors exchanged{result.Players.Player1ID, std::to_string(result.Players.Player2ID),
+                              ToInt32(result.Players.P1Name), result.Players.P2Name};
+  AddMasterPoints(database, {result.CompetitionID, kFirstSession, static_cast<double>(points), 0}, exchanged);
+}
+
+}  // namespace
+
+std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const CompetitionRegistration& registration) {
+  currentCompetitionInHandicaps_ = registration.IncludeInHandicaps;
+  held_.LoadHandicalcSettings(database);
+  // EndResultUpdate makes the matching CloseDB.
+  database.OpenDB();
+  const auto row = OpenCompetition(database, registration);
+  const std::int32_t identifier =
+      row->AtEnd() ? AddCompetition(*row, registration) : PrepareForReplacement(database, *row);
+  StoreAttributes(*row, registration);
+  return identifier;
+}
+
+void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorResult& result) {
+  OpenUse use(database);
+  const bool isIndividual = ReadCompetitionAttributes(database, result.CompetitionID).Individual;
+  CompetitorResult noted = result;
+  Competitors& players = noted.Players;
+  if (isIndividual) {
+    players.Player2ID = kNoMember;
+    players.P2Name.clear();
+  }
+  const bool isRegularPair = !isIndividual && HasPartnershipRecord(database, players);
+  if (players.Player1ID != kNoMember || players.Player2ID != kNoMember) {
+    InsertResult(database, noted);
+    if (currentCompetitionInHandicaps_) RefreshHandicaps(database, noted, isIndividual, isRegularPair);
+  }
+  ClearCompetitorMasterPoints(database, result.CompetitionID, players.Player1ID, players.P1Name);
+  if (!isIndividual) {
+    ClearCompetitorMasterPoints(database, result.CompetitionID, players.Player2ID, players.P2Name);
+  }
+}
+
+void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult& result, bool isIndividual,
+                                    bool isRegularPair) {
+  const Competitors& players = result.Players;
+  if (result.AppliedHandicap > 0.0) {
+    database.Execute(SetMemberHandicap(result.AppliedHandicap, players.Player1ID) +
+                     " Or MembershipNumber = " + std::to_string(players.Player2ID));
+    if (isRegularPair) StorePairHandicap(database, players, result.AppliedHandicap);
+  }
+  if (held_.HeldDisabled()) return;
+  const Handicaps handicaps =
+      CalculateHandicaps(database, held_, {players.Player1ID, players.Player2ID, "", kNoCompetitionDate, isIndividual});
+  StoreCalculated(database, players, handicaps, isRegularPair);
+}
+
+void ResultUpdate::UpdateResult(cDatabase& database, const CompetitorResult& result, std::int16_t MasterPoints) {
+  database.OpenDB();
+  ReadCompetitionColour(database, result.CompetitionID);
+  for (;;) {
+    try {
+      NoteAndAward(*this, database, result, MasterPoints);
+      database.CloseDB(false);
+      return;
+    } catch (const std::exception&) {
+      // Older scoring programs rely on the repetition; one that cannot end is theirs to avoid.
+      continue;
+    }
+  }
+}
+
+}  // namespace tavi

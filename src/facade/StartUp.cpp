@@ -1,0 +1,55 @@
+#include "facade/StartUp.h"
+
+#include <exception>
+#include <string>
+
+#include "util/Diagnostics.h"
+#include "util/Paths.h"
+#include "util/SettingsStore.h"
+#include "util/SpecialFolders.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kFolderBelowDocuments = "Bridge\\Database";
+constexpr const char* kFolderOfLastResort = "C:\\My Documents\\Bridge\\Database";
+
+/// Takes one step; an error is written to the log behind `introduction`.
+template <typename Step>
+void Attempt(const std::string& introduction, Step step) {
+  try {
+    step();
+  } catch (const std::exception& error) {
+    WriteDiagnostic(introduction + ": " + error.what());
+  }
+}
+
+std::string DocumentsFolder(const ShellFolders& shell) {
+  std::string folder;
+  const auto ask = [&](std::int32_t number, const std::string& name) {
+    Attempt("TaviMembership initialisation error getting " + name,
+            [&] { folder = SpecialFolderPath(shell, number, false); });
+  };
+  ask(kCommonDocumentsFolder, "CSIDL_COMMON_DOCUMENTS");
+  if (folder.empty()) ask(kPersonalFolder, "CSIDL_PERSONAL");
+  return folder;
+}
+
+}  // namespace
+
+void FindDatabaseFolder(cDatabase& store) {
+  const Platform& platform = store.GetPlatform();
+  const std::string documents = DocumentsFolder(*platform.shellFolders);
+
+  const auto attempt = [](auto step) { Attempt("Unexpected exception in TaviMembership initialisation", step); };
+  std::string folder = kFolderOfLastResort;
+  attempt([&] {
+    if (!documents.empty()) folder = PathJoin(documents, kFolderBelowDocuments);
+  });
+  for (const RegistryRoot root : {RegistryRoot::LocalMachine, RegistryRoot::CurrentUser}) {
+    attempt([&] { folder = GetSetting(platform, root, kSettingsKey, kDatabaseFolderSetting, folder); });
+  }
+  attempt([&] { store.SetDatabaseFolder(folder); });
+}
+
+}  // namespace tavi

@@ -1,0 +1,41 @@
+#include "handicaps/HandiCalcSettings.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavi {
+namespace {
+
+constexpr std::int16_t kPlayersAlone = 50;
+constexpr std::int16_t kJointResultsAlone = 100;
+constexpr double kTolerance = 0.00001;
+/// What two doubles that are written 1 and 1.00001 differ by beyond the tolerance.
+constexpr double kNoise = 1e-12;
+
+bool IsActive(double difference) {
+  return std::abs(difference) > kTolerance + kNoise;
+}
+
+}  // namespace
+
+HandiCalcSettings HandiCalcSettings::Clone() const {
+  return *this;
+}
+
+void HandiCalcSettings::SetDefaults() {
+  *this = HandiCalcSettings();
+}
+
+void HandiCalcSettings::SetSamePartnerWeighting(std::int16_t value) {
+  samePartnerWeighting_ = std::clamp(value, kPlayersAlone, kJointResultsAlone);
+}
+
+bool HandiCalcSettings::MultiplierIsActive() const {
+  return IsActive(1.0 - regularPairMultiplier_);
+}
+
+bool HandiCalcSettings::AddIsActive() const {
+  return IsActive(regularPairAdd_);
+}
+
+}  // namespace tavi

@@ -1,0 +1,214 @@
+#include "handicaps/HandicapCalculation.h"
+
+#include <cmath>
+#include <utility>
+
+#include "members/Pairs.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int32_t kNoMember = -1;
+constexpr std::int32_t kSeedIdentifier = 0;
+constexpr std::int32_t kNotNoMember = 0;
+constexpr std::int16_t kPlayersAlone = 50;
+constexpr std::int16_t kJointResultsAlone = 100;
+constexpr int kDecimals = 2;
+constexpr const char* kCountingCompetitions = "IncludeInHandicapCalculations <> 0 And ScoringMethod = 0";
+
+/// The same time of day some weeks earlier. The days of a date count backwards from day 0, its time of day never does.
+Date WeeksBefore(Date date, std::int32_t weeks) {
+  const double day = std::trunc(date.days);
+  const double timeOfDay = std::abs(date.days - day);
+  const double earlier = day - 7.0 * weeks;
+  return Date{earlier < 0 ? earlier - timeOfDay : earlier + timeOfDay};
+}
+
+/// The seed of the current row, when there is one: a handicap above 0.
+std::optional<cHandiCalcResultData> SeedOf(const ado::Recordset& row, const cPairMemberNumbers& pair, bool isOfPair) {
+  if (row.AtEnd()) return std::nullopt;
+  const double seed = cDatabase::GetNonIntegerField(row, "HandicalcSeed");
+  if (!(seed > 0.0)) return std::nullopt;
+  return cHandiCalcResultData::Create(kSeedIdentifier, cDatabase::GetDateField(row, "HandicalcSeedDate", Date()), seed,
+                                      pair, isOfPair);
+}
+
+cHandiCalcResultData ResultOf(const ado::Recordset& row, const cPairMemberNumbers& pair, bool samePair) {
+  return cHandiCalcResultData::Create(cDatabase::GetNumericField(row, "Competitions.ID"),
+                                      cDatabase::GetDateField(row, "Competitions.CompetitionDate", Date()),
+                                      cDatabase::GetNonIntegerField(row, "ActualPercentage"), pair, samePair);
+}
+
+cPairMemberNumbers PairOf(const ado::Recordset& row) {
+  return cPairMemberNumbers::Create(cDatabase::GetNumericField(row, "Player", kNoMember),
+                                    cDatabase::GetNumericField(row, "Partner", kNoMember));
+}
+
+}  // namespace
+
+Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request) {
+  held.LoadHandicalcSettings(database);
+  const std::shared_ptr<const HandiCalcSettings> settings = held.Held();
+  HandicapRequest asked = request;
+  if (asked.Individual) asked.PartnerID = kNoMember;
+  if (cPairMemberNumbers::Create(asked.PlayerID, asked.PartnerID).BothNonMembers()) {
+    Handicaps unknown;
+    unknown.SetPlayer1Handicap(settings->UnknownPlayerHandicap());
+    unknown.SetPlayer2Handicap(settings->UnknownPlayerHandicap());
+    unknown.SetPartnershipHandicap(settings->UnknownPlayerHandicap());
+    return unknown;
+  }
+  // Deliberately without its CloseDB.
+  database.OpenDB();
+  return HandicapCalculation(database, *settings, std::move(asked)).Run();
+}
+
+HandicapCalculation::HandicapCalculation(cDatabase& database, const HandiCalcSettings& settings,
+                                         HandicapRequest request)
+    : database_(database),
+      settings_(settings),
+      request_(std::move(request)),
+      pair_(cPairMemberNumbers::Create(request_.PlayerID, request_.PartnerID)) {
+  BuildClauses();
+}
+
+void HandicapCalculation::BuildClauses() {
+  dateClause_ = DateClause();
+  seedDateClause_ = ReplaceAll(dateClause_, "CompetitionDate", "HandicalcSeedDate");
+  if (settings_.MaxResults() != 0) topClause_ = " Top " + std::to_string(settings_.MaxResults()) + " ";
+  exclusionClause_ = ExclusionClause();
+}
+
+std::string HandicapCalculation::DateClause() const {
+  const std::string upTo = IsMarker() ? "" : " And CompetitionDate <= " + cDatabase::SQLDate(request_.CompetitionDate);
+  if (settings_.MaxWeeks() < 1) return upTo;
+  const Date end = IsMarker() ? database_.GetPlatform().clock->Now().DayOnly() : request_.CompetitionDate;
+  return " And CompetitionDate >= " + cDatabase::SQLDate(WeeksBefore(end, settings_.MaxWeeks())) + upTo;
+}
+
+std::string HandicapCalculation::ExclusionClause() const {
+  if (IsMarker()) return {};
+  return " And (CompetitionDate <> " + cDatabase::SQLDate(request_.CompetitionDate) + " Or CompetitionName <> " +
+         cDatabase::SQLString(request_.CompetitionName) +
+         (request_.Individual ? " Or Individual = 0)" : " Or Individual <> 0)");
+}
+
+void HandicapCalculation::ReadPairSeed() {
+  if (!pair_.BothMembers()) return;
+  const auto row = database_.OpenRecordset("Select HandicalcSeed, HandicalcSeedDate From Partnerships Where (" +
+                                           cDatabase::PairWhereClause(request_.PlayerID, request_.PartnerID) + ")" +
+                                           seedDateClause_);
+  pairSeed_ = SeedOf(*row, pair_, true);
+  if (!pairSeed_) return;
+  list1_.Append(pairSeed_->Key(), *pairSeed_);
+  list2_.Append(pairSeed_->Key(), *pairSeed_);
+}
+
+void HandicapCalculation::ReadPlayer(std::int32_t number, HandicapResultList& list) {
+  if (number == kNoMember) return;
+  if (!pairSeed_) ReadPlayerSeed(number, list);
+  ReadPlayerResults(number, list);
+  TrimSeeds(list, settings_.MaxResults());
+}
+
+void HandicapCalculation::ReadPlayerSeed(std::int32_t number, HandicapResultList& list) {
+  const auto row = database_.OpenRecordset(
+      "Select MembershipNumber, HandicalcSeed, HandicalcSeedDate From Members Where MembershipNumber = " +
+      std::to_string(number) + seedDateClause_);
+  const auto seed = SeedOf(*row, cPairMemberNumbers::Create(number, kNoMember), false);
+  if (seed) list.Append(seed->Key(), *seed);
+}
+
+std::unique_ptr<ado::Recordset> HandicapCalculation::OpenResults(const std::string& condition) {
+  return database_.OpenRecordset("Select " + topClause_ +
+                                 "ActualPercentage, Player, Partner, Competitions.ID, Competitions.CompetitionDate "
+                                 " From Results Inner Join Competitions "
+                                 " On Results.Competition = Competitions.ID "
+                                 " Where " +
+                                 condition + " And " + kCountingCompetitions + dateClause_ + exclusionClause_ +
+                                 " Order By Competitions.CompetitionDate Desc");
+}
+
+void HandicapCalculation::ReadPlayerResults(std::int32_t number, HandicapResultList& list) {
+  const std::string player = std::to_string(number);
+  const auto rows = OpenResults("(Player = " + player + " Or Partner = " + player + ") ");
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const cPairMemberNumbers rowPair = PairOf(*rows);
+    AddResultInOrder(list, ResultOf(*rows, rowPair, pair_.SameAs(rowPair)));
+  }
+}
+
+HandicapResultList HandicapCalculation::ReadJointResults() {
+  const std::string player = std::to_string(request_.PlayerID);
+  const std::string partner = std::to_string(request_.PartnerID);
+  const auto rows = OpenResults("( (Player = " + player + " And Partner = " + partner + ")  Or (Player = " + partner +
+                                " And Partner = " + player + ")) ");
+  HandicapResultList joint;
+  for (; !rows->AtEnd(); rows->MoveNext()) AddResultInOrder(joint, ResultOf(*rows, pair_, true));
+  return joint;
+}
+
+HandicapResultList HandicapCalculation::SharedEntries() const {
+  HandicapResultList joint;
+  for (const HandicapResultList* list : {&list1_, &list2_}) {
+    for (const auto& [key, entry] : *list) {
+      if (entry.SamePairResult() && !entry.IsSeed()) AddResultInOrder(joint, entry);
+    }
+  }
+  return joint;
+}
+
+HandicapResultList HandicapCalculation::JointResults() {
+  HandicapResultList joint = settings_.MaxResults() != 0 ? ReadJointResults() : SharedEntries();
+  const bool isFull = settings_.MaxResults() != 0 && static_cast<std::int64_t>(joint.Count()) >= settings_.MaxResults();
+  if (pairSeed_ && !isFull && !KeyExists(joint, pairSeed_->Key())) joint.Append(pairSeed_->Key(), *pairSeed_);
+  return joint;
+}
+
+double HandicapCalculation::Blend(double joint, double gross) {
+  list1_.Remove(cHandiCalcResultData::kPairSeedKey);
+  list2_.Remove(cHandiCalcResultData::kPairSeedKey);
+  const bool hasOtherEntries = !list1_.IsEmpty() || !list2_.IsEmpty();
+  if (settings_.SamePartnerWeighting() == kJointResultsAlone || !hasOtherEntries) return joint;
+  const double weight = (settings_.SamePartnerWeighting() - kPlayersAlone) / 50.0;
+  return weight * (joint - gross) + gross;
+}
+
+double HandicapCalculation::PartnershipHandicap(double gross) {
+  if (settings_.SamePartnerWeighting() == kPlayersAlone || !pair_.BothMembers()) return gross;
+  const HandicapResultList joint = JointResults();
+  if (joint.IsEmpty()) return gross;
+  return Blend(AverageOf(joint, kNotNoMember, settings_.UnknownPlayerHandicap()), gross);
+}
+
+double HandicapCalculation::AdjustedForRegularPair(double handicap) {
+  if (!settings_.IncludesRegularPairAdjustment()) return handicap;
+  std::string alias;
+  double parScore = 0.0;
+  const bool isRegular = IsRegularPair(database_, request_.PlayerID, request_.PartnerID, alias, parScore);
+  return isRegular ? settings_.AdjustRegularPair(handicap) : handicap;
+}
+
+Handicaps HandicapCalculation::Run() {
+  ReadPairSeed();
+  ReadPlayer(request_.PlayerID, list1_);
+  ReadPlayer(request_.PartnerID, list2_);
+  const double player1 = AverageOf(list1_, request_.PlayerID, settings_.UnknownPlayerHandicap());
+  const double player2 = AverageOf(list2_, request_.PartnerID, settings_.UnknownPlayerHandicap());
+
+  Handicaps handicaps;
+  handicaps.SetPlayer1Handicap(RoundHalfEven(player1, kDecimals));
+  if (request_.Individual) {
+    handicaps.SetPlayer2Handicap(player2);
+    handicaps.SetPartnershipHandicap(handicaps.Player1Handicap());
+    return handicaps;
+  }
+  handicaps.SetPlayer2Handicap(RoundHalfEven(player2, kDecimals));
+  const double partnership = AdjustedForRegularPair(PartnershipHandicap((player1 + player2) / 2.0));
+  handicaps.SetPartnershipHandicap(RoundHalfEven(partnership, kDecimals));
+  return handicaps;
+}
+
+}  // namespace tavi

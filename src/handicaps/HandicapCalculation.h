@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "handicaps/HandiCalcSettings.h"
+#include "handicaps/HandicapResultList.h"
+#include "handicaps/Handicaps.h"
+#include "handicaps/HeldSettings.h"
+#include "platform/values/Date.h"
+#include "store/cDatabase.h"
+
+namespace tavi {
+
+/// As the date of a competition: today, with no competition to leave out (1 January 2000).
+inline constexpr Date kNoCompetitionDate{36526.0};
+
+/// Whose handicaps are asked for, and the competition about to be scored, which is left out of its own handicaps.
+struct HandicapRequest {
+  std::int32_t PlayerID = -1;
+  std::int32_t PartnerID = -1;  ///< not looked at in an individual competition
+  std::string CompetitionName;
+  Date CompetitionDate = kNoCompetitionDate;
+  bool Individual = false;
+};
+
+/// The handicaps of a pair or a player. The store is left open once more than before (except for two players of number
+/// -1), so that the next calculation finds it open: hosts rely on it. Errors of the store pass on.
+Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request);
+
+/// One calculation, on the open store.
+class HandicapCalculation {
+ public:
+  /// `request` has the partner -1 when it is individual. Database and settings must outlive the calculation.
+  HandicapCalculation(cDatabase& database, const HandiCalcSettings& settings, HandicapRequest request);
+
+  /// Reads the results and seeds and computes the handicaps, rounded to two decimals. Call it once.
+  [[nodiscard]] Handicaps Run();
+
+ private:
+  [[nodiscard]] bool IsMarker() const { return request_.CompetitionDate == kNoCompetitionDate; }
+  void BuildClauses();
+  [[nodiscard]] std::string DateClause() const;
+  [[nodiscard]] std::string ExclusionClause() const;
+
+  void ReadPairSeed();
+  void ReadPlayer(std::int32_t number, HandicapResultList& list);
+  void ReadPlayerSeed(std::int32_t number, HandicapResultList& list);
+  void ReadPlayerResults(std::int32_t number, HandicapResultList& list);
+  [[nodiscard]] std::unique_ptr<ado::Recordset> OpenResults(const std::string& condition);
+
+  [[nodiscard]] double PartnershipHandicap(double gross);
+  [[nodiscard]] HandicapResultList JointResults();
+  [[nodiscard]] HandicapResultList ReadJointResults();
+  [[nodiscard]] HandicapResultList SharedEntries() const;
+  [[nodiscard]] double Blend(double joint, double gross);
+  [[nodiscard]] double AdjustedForRegularPair(double handicap);
+
+  cDatabase& database_;
+  const HandiCalcSettings& settings_;
+  HandicapRequest request_;
+  cPairMemberNumbers pair_;
+
+  std::string dateClause_;
+  std::string seedDateClause_;
+  std::string topClause_;
+  std::string exclusionClause_;
+
+  std::optional<cHandiCalcResultData> pairSeed_;
+  HandicapResultList list1_;
+  HandicapResultList list2_;
+};
+
+}  // namespace tavi

@@ -1,0 +1,76 @@
+#include "handicaps/HeldSettings.h"
+
+#include <string>
+
+#include "platform/values/Convert.h"
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+void ReadRow(const ado::Recordset& row, HandiCalcSettings& settings) {
+  settings.SetMaxWeeks(ToInt16(row.Get("MaxWeeks")));
+  settings.SetMaxResults(ToInt16(row.Get("MaxResults")));
+  settings.SetSamePartnerWeighting(ToInt16(row.Get("SamePartnerWeighting")));
+  settings.SetRegularPairMultiplier(ToDouble(row.Get("RegularPairMultiplier")));
+  settings.SetRegularPairAdd(ToDouble(row.Get("RegularPairAdd")));
+  settings.SetUnknownPlayerHandicap(ToDouble(row.Get("UnknownPlayerHandicap")));
+  // Files of older versions lack the column; the reader then gives False.
+  settings.SetDisabled(cDatabase::GetBooleanField(row, "Disabled"));
+}
+
+std::string InsertStatement(const HandiCalcSettings& settings) {
+  return "Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
+         "RegularPairAdd, UnknownPlayerHandicap, Disabled) Values (" +
+         std::to_string(settings.MaxWeeks()) + ", " + std::to_string(settings.MaxResults()) + ", " +
+         std::to_string(settings.SamePartnerWeighting()) + ", " + NumberText(settings.RegularPairMultiplier()) + ", " +
+         NumberText(settings.RegularPairAdd()) + ", " + NumberText(settings.UnknownPlayerHandicap()) + ", 0)";
+}
+
+}  // namespace
+
+void HeldSettings::LoadHandicalcSettings(cDatabase& database) {
+  if (held_) return;
+  held_ = std::make_shared<HandiCalcSettings>();
+  OpenUse use(database);
+  const auto row = database.OpenRecordset("HandicalcSettings", ado::CursorType::ForwardOnly, true);
+  if (!row->AtEnd()) ReadRow(*row, *held_);
+}
+
+HandiCalcSettings& HeldSettings::Require() const {
+  if (!held_) {
+    throw Error(ErrorNumber::NoObject, "TaviMembership",
+                "Object variable not set: no handicap settings are held yet; read or store HandicalcOptions first.");
+  }
+  return *held_;
+}
+
+bool HeldSettings::HeldDisabled() const {
+  return Require().Disabled();
+}
+
+HandiCalcSettings HeldSettings::HandicalcOptions(cDatabase& database) {
+  LoadHandicalcSettings(database);
+  return held_->Clone();
+}
+
+void HeldSettings::SetHandicalcOptions(cDatabase& database, const std::shared_ptr<HandiCalcSettings>& settings) {
+  held_ = settings;
+  Require().SetDisabled(false);
+  OpenUse use(database);
+  database.Execute("Delete from HandicalcSettings");
+  database.Execute(InsertStatement(*settings));
+}
+
+bool HeldSettings::HandiCalcDisabled(cDatabase& database) {
+  LoadHandicalcSettings(database);
+  return held_->Disabled();
+}
+
+void HeldSettings::SetHandiCalcDisabled(cDatabase& database, bool disabled) {
+  Require().SetDisabled(disabled);
+  OpenUse use(database);
+  database.Execute(std::string("Update HandicalcSettings Set Disabled = ") + (disabled ? "1" : "0"));
+}
+
+}  // namespace tavi

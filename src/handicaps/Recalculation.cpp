@@ -1,0 +1,68 @@
+#include "handicaps/Recalculation.h"
+
+#include "handicaps/HandicapCalculation.h"
+#include "store/OpenUse.h"
+
+namespace tavi {
+namespace {
+
+constexpr std::int32_t kNoMember = -1;
+
+std::string KeyOf(std::int32_t memberNumber) {
+  return std::to_string(memberNumber) + "M";
+}
+
+void Store(ado::Recordset& row, double handicap) {
+  row.Set("Handicap", handicap);
+  row.Update();
+}
+
+HandicapRequest RequestFor(std::int32_t player, std::int32_t partner, bool individual) {
+  HandicapRequest request;
+  request.PlayerID = player;
+  request.PartnerID = partner;
+  request.Individual = individual;
+  return request;
+}
+
+RememberedHandicaps RecalculatePartnerships(cDatabase& database, HeldSettings& held) {
+  RememberedHandicaps remembered;
+  const auto rows = database.OpenRecordset("Select * from Partnerships Where Active <> 0", ado::CursorType::Dynamic);
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const std::int32_t lower = cDatabase::GetNumericField(*rows, "LowerPlayer", kNoMember);
+    const std::int32_t higher = cDatabase::GetNumericField(*rows, "HigherPlayer", kNoMember);
+    const Handicaps handicaps = CalculateHandicaps(database, held, RequestFor(lower, higher, false));
+    Store(*rows, handicaps.PartnershipHandicap());
+    RememberHandicap(remembered, lower, handicaps.Player1Handicap());
+    RememberHandicap(remembered, higher, handicaps.Player2Handicap());
+  }
+  return remembered;
+}
+
+void RecalculateMembers(cDatabase& database, HeldSettings& held, const RememberedHandicaps& remembered) {
+  const auto rows = database.OpenRecordset("Select * from Members Where Active <> 0", ado::CursorType::Dynamic);
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const std::int32_t number = cDatabase::GetNumericField(*rows, "MembershipNumber", kNoMember);
+    const double* known = remembered.Find(KeyOf(number));
+    double handicap = known == nullptr ? 0.0 : *known;
+    if (handicap == 0.0) {
+      handicap = CalculateHandicaps(database, held, RequestFor(number, kNoMember, true)).Player1Handicap();
+    }
+    Store(*rows, handicap);
+  }
+}
+
+}  // namespace
+
+void RememberHandicap(RememberedHandicaps& list, std::int32_t memberNumber, double handicap) {
+  const std::string key = KeyOf(memberNumber);
+  if (list.Find(key) == nullptr) list.Append(key, handicap);
+}
+
+void RecalculateAllHandicaps(cDatabase& database, HeldSettings& held) {
+  OpenUse use(database);
+  const RememberedHandicaps remembered = RecalculatePartnerships(database, held);
+  RecalculateMembers(database, held, remembered);
+}
+
+}  // namespace tavi
