@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "facade/DefaultPlatform.h"
 #include "platform/Platform.h"
 
 /// Where the parts are put together: the component's platform on this machine, with the embedded engine as the database
@@ -17,10 +18,8 @@ struct PlatformOptions {
   std::shared_ptr<const MessageBoxes> messageBoxes = nullptr;
 };
 
-/// A platform of this machine. Usable on all threads.
+/// A platform of this machine. Usable on all threads. DefaultPlatform is the one without any option.
 std::shared_ptr<const Platform> MakePlatform(const PlatformOptions& options);
-/// The one that MembershipDatabase starts with by default.
-std::shared_ptr<const Platform> DefaultPlatform();
 
 /// Writes a new Access file without tables. `path` is one of this system. Raises ProviderFailure when the file exists
 /// or cannot be written.
