@@ -13,9 +13,11 @@ class Scope {
   virtual ~Scope() = default;
   /// The value of a Column expression in the current row.
   [[nodiscard]] virtual Value ColumnValue(const Expression& column) const = 0;
+  /// The same without a copy, where the current row holds the value (until it changes); null elsewhere.
+  [[nodiscard]] virtual const Value* ColumnReference(const Expression& column) const;
   /// The value of an aggregate call (Count, Sum, Avg, Min, Max, First, Last, StDev, Var) in the current group.
   [[nodiscard]] virtual Value AggregateValue(const Expression& call) const = 0;
-  /// The first column of the rows of a sub-select (for Subselect, In and Exists; at most `limit` rows).
+  /// The first column of the rows of a sub-select (for Subselect, In, Exists and Quantified; at most `limit` rows).
   [[nodiscard]] virtual std::vector<Value> SubselectValues(const Expression& expression, std::size_t limit) const = 0;
   /// Local date and time, for Now(), Date(), Time().
   [[nodiscard]] virtual Date Now() const = 0;
@@ -23,7 +25,8 @@ class Scope {
 
 /// The value of an expression, by Access's rules: Null in, Null out (three-valued And, Or, Not); text compared by the
 /// file's sort order; numbers compared with dates as day counts; True is -1. Raises ProviderTypeConflict ("Data type
-/// mismatch in criteria expression.") for operands that do not go together, ProviderSyntax ("Undefined function 'X' in expression.").
+/// mismatch in criteria expression.") for operands that do not go together, ProviderSyntax ("Undefined function 'X' in
+/// expression.").
 Value Evaluate(const Expression& expression, const Scope& scope);
 /// True when the expression's value is neither Null nor False nor 0.
 bool IsTrue(const Expression& expression, const Scope& scope);

@@ -2,12 +2,14 @@
 
 #include <string_view>
 
+#include "access/sql/Limits.h"
 #include "access/sql/Statement.h"
 
 namespace tavi::access::sql {
 
 /// Understands one SQL statement (a semicolon may end it). Raises ProviderSyntax that says what was found, what was
-/// expected, and points at the place. Nesting is bounded (kMaximumDepth); text is bounded (64,000 characters).
+/// expected, and points at the place; unknown functions and wrong counts of arguments are found here too. Nesting is
+/// bounded by kMaximumDepth, the text by kMaximumStatementLength.
 Statement Parse(std::string_view text);
 
 /// Understands one expression, as column defaults are written ("0", "'EBU'", "=No", "Date()").

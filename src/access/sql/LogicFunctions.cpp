@@ -1,0 +1,76 @@
+#include "access/sql/Coercion.h"
+#include "access/sql/DateText.h"
+#include "access/sql/Functions.h"
+#include "platform/values/Convert.h"
+
+namespace tavi::access::sql {
+namespace {
+
+using Arguments = std::span<const Value>;
+using LazyArguments = std::span<const ExpressionPointer>;
+
+/// IIf(condition, value, otherwise): only the chosen one is evaluated. Null is not true.
+Value IIf(LazyArguments arguments, const Scope& scope) {
+  return Evaluate(IsTrue(*arguments[0], scope) ? *arguments[1] : *arguments[2], scope);
+}
+
+/// Switch(condition, value, condition, value, ...): the value behind the first true condition, or Null.
+Value Switch(LazyArguments arguments, const Scope& scope) {
+  if (arguments.size() % 2 != 0) RaiseInvalidCall("Switch takes pairs of a condition and a value");
+  for (std::size_t i = 0; i < arguments.size(); i += 2) {
+    if (IsTrue(*arguments[i], scope)) return Evaluate(*arguments[i + 1], scope);
+  }
+  return Null{};
+}
+
+/// Choose(number, first, second, ...): Null when there is no such choice.
+Value Choose(LazyArguments arguments, const Scope& scope) {
+  const Value choice = Evaluate(*arguments[0], scope);
+  if (IsNull(choice)) return choice;
+  const double number = NumberOf(choice);
+  if (!(number >= 1.0 && number < static_cast<double>(arguments.size()))) return Null{};
+  return Evaluate(*arguments[static_cast<std::size_t>(number)], scope);
+}
+
+/// Nz(value [, instead]): without a second argument, empty text.
+Value Nz(LazyArguments arguments, const Scope& scope) {
+  Value value = Evaluate(*arguments[0], scope);
+  if (!IsNull(value)) return value;
+  return arguments.size() > 1 ? Evaluate(*arguments[1], scope) : Value(std::string());
+}
+
+Value TestNull(Arguments arguments, const Scope&) {
+  return IsNull(arguments[0]);
+}
+
+Value IsDate(Arguments arguments, const Scope&) {
+  if (std::holds_alternative<Date>(arguments[0])) return true;
+  const auto* text = std::get_if<std::string>(&arguments[0]);
+  return text != nullptr && ParseDateText(*text, DateOrder::DayFirst).has_value();
+}
+
+Value IsNumeric(Arguments arguments, const Scope&) {
+  const Value& value = arguments[0];
+  if (const auto* text = std::get_if<std::string>(&value)) return ParseNumber(*text).has_value();
+  return !IsNull(value) && !std::holds_alternative<Date>(value) && !std::holds_alternative<Bytes>(value) &&
+         !std::holds_alternative<Guid>(value);
+}
+
+constexpr auto kPass = Function::Nulls::Pass;
+constexpr Function kFunctions[] = {
+    {"IIF", 3, 3, kPass, nullptr, IIf},
+    {"SWITCH", 2, Function::kAnyNumber, kPass, nullptr, Switch},
+    {"CHOOSE", 2, Function::kAnyNumber, kPass, nullptr, Choose},
+    {"NZ", 1, 2, kPass, nullptr, Nz},
+    {"ISNULL", 1, 1, kPass, TestNull},
+    {"ISDATE", 1, 1, kPass, IsDate},
+    {"ISNUMERIC", 1, 1, kPass, IsNumeric},
+};
+
+}  // namespace
+
+std::span<const Function> LogicFunctions() {
+  return kFunctions;
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,43 @@
+#include "access/sql/Parser.h"
+
+#include "access/sql/ChangeParser.h"
+#include "access/sql/DefinitionParser.h"
+#include "access/sql/ExpressionParser.h"
+#include "access/sql/SelectParser.h"
+#include "access/sql/TokenStream.h"
+
+namespace tavi::access::sql {
+namespace {
+
+Statement ReadStatement(TokenStream& stream) {
+  if (stream.Peek().IsWord("SELECT")) return std::move(*ReadSelect(stream));
+  if (stream.TakeWord("INSERT")) return ReadInsert(stream);
+  if (stream.TakeWord("UPDATE")) return ReadUpdate(stream);
+  if (stream.TakeWord("DELETE")) return ReadDelete(stream);
+  if (stream.TakeWord("CREATE")) return ReadCreate(stream);
+  if (stream.TakeWord("ALTER")) return ReadAlter(stream);
+  if (stream.TakeWord("DROP")) return ReadDrop(stream);
+  stream.Fail(stream.Peek().position,
+              "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER and DROP");
+}
+
+}  // namespace
+
+Statement Parse(std::string_view text) {
+  TokenStream stream(text);
+  Statement statement = ReadStatement(stream);
+  stream.TakeSymbol(";");
+  if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the statement");
+  return statement;
+}
+
+ExpressionPointer ParseExpression(std::string_view text) {
+  TokenStream stream(text);
+  stream.EnterPart("expression");
+  stream.TakeSymbol("=");
+  ExpressionPointer expression = ReadExpression(stream);
+  if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the expression");
+  return expression;
+}
+
+}  // namespace tavi::access::sql
