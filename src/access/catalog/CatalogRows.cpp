@@ -35,13 +35,12 @@ Bytes CreatorOf(const Bytes& owner) {
   return MaskedSecurityId(std::span<const std::uint8_t, 2>(owner.data(), 2), format::security::kCreator);
 }
 
-/// What the container of tables hands down to a new one. The creator's rights become the owner's.
-std::vector<Right> InheritedRights(Catalog& catalog, const Bytes& owner) {
+/// What a container hands down to a new object. The creator's rights become the owner's.
+std::vector<Right> InheritedRights(Catalog& catalog, std::uint32_t container, const Bytes& owner) {
   const std::shared_ptr<StoredTable> table = catalog.TableAt(format::kAcesTablePage);
   const Bytes creator = CreatorOf(owner);
   std::vector<Right> rights;
-  const auto container = static_cast<std::int32_t>(format::catalog::kTablesId);
-  for (const RowPointer place : RowsWithValue(*table, names::kObjectId, container)) {
+  for (const RowPointer place : RowsWithValue(*table, names::kObjectId, static_cast<std::int32_t>(container))) {
     const SystemRow row(*table, table->Read(place));
     if (row.Get(names::kInheritable) != Value(true)) continue;
     Right right{row.Binary(names::kSid), static_cast<std::uint32_t>(row.Number(names::kAcm))};
@@ -65,35 +64,40 @@ Bytes MaskedSecurityId(std::span<const std::uint8_t, 2> maskedAdmin, std::span<c
   return result;
 }
 
-void AddTableObject(Catalog& catalog, const std::string& name, PageNumber page, const PropertyBlob& properties,
-                    Date now) {
+void AddObject(Catalog& catalog, const NewObject& object, Date now) {
   const std::shared_ptr<StoredTable> objects = catalog.TableAt(format::kObjectsTablePage);
   const Bytes owner = ReadOwner(catalog);
-  const std::vector<Right> rights = InheritedRights(catalog, owner);
-  const auto id = static_cast<std::int32_t>(page);
+  const std::vector<Right> rights = InheritedRights(catalog, object.container, owner);
 
   SystemRow row(*objects);
-  row.Set(names::kId, id)
-      .Set(names::kParentId, static_cast<std::int32_t>(format::catalog::kTablesId))
-      .Set(names::kName, name)
-      .Set(names::kType, format::catalog::kTypeTable)
+  row.Set(names::kId, object.id)
+      .Set(names::kParentId, static_cast<std::int32_t>(object.container))
+      .Set(names::kName, object.name)
+      .Set(names::kType, object.type)
       .Set(names::kFlags, std::int32_t{0})
       .Set(names::kDateCreate, now)
       .Set(names::kDateUpdate, now)
       .Set(names::kOwner, owner);
-  if (!properties.IsEmpty()) row.Set(names::kLvProp, properties.Serialize());
+  if (!object.properties.IsEmpty()) row.Set(names::kLvProp, object.properties.Serialize());
   objects->Insert(row.Values());
 
   const std::shared_ptr<StoredTable> aces = catalog.TableAt(format::kAcesTablePage);
   for (const Right& right : rights) {
     SystemRow ace(*aces);
-    ace.Set(names::kObjectId, id)
+    ace.Set(names::kObjectId, object.id)
         .Set(names::kAcm, static_cast<std::int32_t>(right.mask))
         .Set(names::kInheritable, false)
         .Set(names::kSid, right.securityId);
     aces->Insert(ace.Values());
   }
   catalog.Forget();
+}
+
+std::int32_t FreeObjectId(Catalog& catalog) {
+  auto id = static_cast<std::int32_t>(format::catalog::kFirstFreeId);
+  for (const CatalogObject& object : catalog.Objects())
+    if (object.id < 0) id = std::max(id, object.id + 1);
+  return id;
 }
 
 void RemoveObject(Catalog& catalog, const CatalogObject& object) {

@@ -1,14 +1,26 @@
 #pragma once
 
 #include "access/catalog/Catalog.h"
+#include "access/file/Format.h"
 
-/// Writes the rows of the system tables that stand for a table.
+/// Writes the rows of the system tables that stand for objects.
 namespace tavi::access {
 
-/// Adds the row of a new table to MSysObjects and its rights to MSysACEs: those that the container of tables hands
-/// down, the creator's for the owner of the file.
-void AddTableObject(Catalog& catalog, const std::string& name, PageNumber page, const PropertyBlob& properties,
-                    Date now);
+/// A new object: its row in MSysObjects, and the container whose rights it inherits.
+struct NewObject {
+  std::int32_t id = 0;
+  std::uint32_t container = format::catalog::kTablesId;
+  std::int16_t type = format::catalog::kTypeTable;
+  std::string name;
+  PropertyBlob properties;
+};
+
+/// Adds the row of a new object to MSysObjects and its rights to MSysACEs: those that the container hands down, the
+/// creator's for the owner of the file.
+void AddObject(Catalog& catalog, const NewObject& object, Date now);
+
+/// A number for a new object that is no table.
+std::int32_t FreeObjectId(Catalog& catalog);
 
 /// Removes an object's row and rights.
 void RemoveObject(Catalog& catalog, const CatalogObject& object);

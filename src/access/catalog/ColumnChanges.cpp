@@ -2,11 +2,14 @@
 
 #include "access/catalog/CatalogRows.h"
 #include "access/catalog/ChangeErrors.h"
+#include "access/catalog/DataPageCheck.h"
 #include "access/catalog/DefinitionChanges.h"
 #include "access/catalog/Names.h"
+#include "access/catalog/RowShape.h"
 #include "access/catalog/TableLayout.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
+#include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
 
 namespace tavi::access {
@@ -23,11 +26,32 @@ const ColumnDefinition* FindSame(const TableDefinition& definition, std::string_
   return found == definition.columns.end() ? nullptr : &*found;
 }
 
-/// Where the fixed area of rows may have ended at any time. Columns that were dropped may have lain behind all that are
-/// left; their bytes are still in the rows. They are passed by unless nothing was dropped behind the last one left.
+/// Whether fixed columns were dropped: each column made was fixed or took one of the slots for variable ones.
+bool HasDroppedFixedColumns(const TableDefinition& definition) {
+  const auto variable = std::ranges::count_if(definition.columns, [](const auto& column) { return !column.IsFixed(); });
+  const std::size_t dropped = definition.columnIdCounter - definition.columns.size();
+  return dropped > definition.variableColumnCounter - static_cast<std::size_t>(variable);
+}
+
+/// The end of the longest fixed area of the rows.
+std::size_t LongestFixedArea(Pager& pager, const TableDefinition& definition) {
+  std::size_t longest = 0;
+  CheckReport ignored;
+  for (const PageNumber number : UsageMap(pager, definition.ownedPages).Pages()) {
+    const PageHandle page = pager.Read(number);
+    for (const RowSlot& slot : CheckDataPage(*page, definition.page, "", ignored)) {
+      if (slot.deleted || slot.moved) continue;
+      longest = std::max(longest, RowShape(page->Slice(slot.offset, slot.length), definition).FixedAreaSize());
+    }
+  }
+  return longest;
+}
+
+/// Where a new fixed column may lie. Dropped columns may have lain behind all that are left, and rows keep their bytes:
+/// these are passed by.
 std::size_t FreeFixedOffset(Pager& pager, const TableDefinition& definition) {
   const std::size_t end = FixedAreaEnd(definition);
-  return end;
+  return HasDroppedFixedColumns(definition) ? std::max(end, LongestFixedArea(pager, definition)) : end;
 }
 
 /// Numbers the rows that the table has already.

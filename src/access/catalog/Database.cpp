@@ -80,4 +80,12 @@ void Database::DropIndex(std::string_view table, std::string_view index, std::op
   access::DropIndex(implementation_->catalog, table, index, now);
 }
 
+void Database::CreateRelationship(const Relationship& relationship, Date now) {
+  access::CreateRelationship(implementation_->catalog, relationship, now);
+}
+
+void Database::DropRelationship(std::string_view name) {
+  access::DropRelationship(implementation_->catalog, name);
+}
+
 }  // namespace tavi::access

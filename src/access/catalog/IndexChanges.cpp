@@ -7,7 +7,7 @@
 #include "access/catalog/TableLayout.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
-#include "access/file/UsageMap.h"
+#include "access/file/PageAllocator.h"
 
 namespace tavi::access {
 
@@ -38,9 +38,7 @@ void CheckDesign(const TableDefinition& definition, const std::string& table, co
   CheckName(design.name, "index");
   if (HasIndex(definition, design.name))
     RaiseFailure("Table '" + table + "' already has an index named '" + design.name + "'. Give it another name.");
-  if (definition.logicalIndexes.size() >= format::table::kMaximumIndexCount)
-    RaiseFailure("Operation failed. There are too many indexes on table '" + table +
-                 "'. Delete some of the indexes on the table and try the operation again.");
+  RefuseFullIndexList(definition, table);
   if (design.columns.empty() || design.columns.size() > format::real_index::kMaximumColumnCount)
     RaiseImpossible(table, design.name, "it needs 1 to 10 columns.");
   if (design.primaryKey && std::ranges::any_of(definition.logicalIndexes, [](const LogicalIndexDefinition& logical) {
@@ -105,7 +103,14 @@ std::vector<IndexStatistics> AllStatistics(Pager& pager, const TableDefinition& 
   return all;
 }
 
-/// Takes a physical index out of a definition and frees its pages. Later ones move up.
+}  // namespace
+
+void RefuseFullIndexList(const TableDefinition& definition, const std::string& table) {
+  if (definition.logicalIndexes.size() < format::table::kMaximumIndexCount) return;
+  RaiseFailure("Operation failed. There are too many indexes on table '" + table +
+               "'. Delete some of the indexes on the table and try the operation again.");
+}
+
 void RemoveRealIndex(Pager& pager, StoredTable& table, TableDefinition& definition, std::uint32_t realIndex) {
   std::vector<IndexStatistics> statistics = AllStatistics(pager, definition);
   table.Tree(realIndex).Clear(false);
@@ -118,7 +123,12 @@ void RemoveRealIndex(Pager& pager, StoredTable& table, TableDefinition& definiti
   for (std::size_t i = 0; i < statistics.size(); ++i) WriteIndexStatistics(pager, definition, i, statistics[i]);
 }
 
-}  // namespace
+void FillIndex(Pager& pager, StoredTable& table, std::size_t index) {
+  IndexStatistics statistics;
+  std::vector<IndexEntry> entries = CollectEntries(table, index, statistics);
+  table.Tree(index).Build(std::move(entries));
+  WriteIndexStatistics(pager, table.Definition(), index, statistics);
+}
 
 void AppendIndex(TableDefinition& definition, const std::string& table, const IndexDesign& design) {
   IndexDesign named = design;
@@ -147,11 +157,7 @@ void CreateIndex(Catalog& catalog, std::string_view table, const IndexDesign& de
   catalog.Forget();
 
   const std::shared_ptr<StoredTable> altered = catalog.OpenTable(table);
-  const std::size_t index = altered->Indexes().size() - 1;
-  IndexStatistics statistics;
-  std::vector<IndexEntry> entries = CollectEntries(*altered, index, statistics);
-  altered->Tree(index).Build(std::move(entries));
-  WriteIndexStatistics(pager, definition, index, statistics);
+  FillIndex(pager, *altered, altered->Indexes().size() - 1);
   ChangeObject(catalog, object, nullptr, now);
 }
 

@@ -5,7 +5,7 @@
 #include "access/catalog/TableLayout.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
-#include "access/file/UsageMap.h"
+#include "access/file/PageAllocator.h"
 
 namespace tavi::access {
 
@@ -79,7 +79,11 @@ void CreateTable(Catalog& catalog, const TableDesign& design, Date now) {
   definition.page = PageAllocator(pager).Allocate().Number();
   AllocateParts(pager, definition, 0);
   WriteTableDefinition(pager, definition, false);
-  AddTableObject(catalog, design.name, definition.page, properties, now);
+  NewObject object;
+  object.id = static_cast<std::int32_t>(definition.page);
+  object.name = design.name;
+  object.properties = std::move(properties);
+  AddObject(catalog, object, now);
 }
 
 void DropTable(Catalog& catalog, std::string_view name) {

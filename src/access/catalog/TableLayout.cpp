@@ -5,6 +5,7 @@
 #include "access/catalog/Names.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
+#include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
 #include "access/index/BTree.h"
 

@@ -1,0 +1,61 @@
+#include "access/catalog/DataPageCheck.h"
+
+#include "access/file/Format.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace layout = format::data;
+
+RowSlot MakeSlot(std::uint16_t entry, std::size_t end) {
+  const std::uint16_t flags = entry & layout::kRowFlagsMask;
+  RowSlot slot;
+  slot.offset = entry & layout::kRowOffsetMask;
+  slot.length = end >= slot.offset ? end - slot.offset : 0;
+  slot.deleted = flags == layout::kRowDeleted;
+  slot.moved = flags == layout::kRowMoved;
+  slot.movedTarget = flags == layout::kRowMovedTarget;
+  return slot;
+}
+
+}  // namespace
+
+std::vector<RowSlot> CheckDataPage(const Page& page, std::uint32_t owner, const std::string& where,
+                                   CheckReport& report) {
+  const std::uint8_t type = page.U8(format::kPageTypeOffset);
+  if (type != format::page_type::kData) {
+    report.Add(where + " has type " + std::to_string(type) + " instead of that of a data page.");
+    return {};
+  }
+  if (page.U32(layout::kOwnerOffset) != owner) {
+    report.Add(where + " names the owner " + std::to_string(page.U32(layout::kOwnerOffset)) + " instead of " +
+               std::to_string(owner) + ".");
+    return {};
+  }
+  const std::size_t count = page.U16(layout::kRowCountOffset);
+  const std::size_t directoryEnd = layout::kRowDirectoryOffset + count * layout::kRowEntrySize;
+  if (count > layout::kMaximumRowCount) {
+    report.Add(where + " has " + std::to_string(count) + " rows; 255 are the most.");
+    return {};
+  }
+  std::vector<RowSlot> slots;
+  std::size_t end = kPageSize;
+  for (std::size_t row = 0; row < count; ++row) {
+    const RowSlot slot = MakeSlot(page.U16(layout::kRowDirectoryOffset + row * layout::kRowEntrySize), end);
+    if (slot.offset > end || slot.offset < directoryEnd) {
+      report.Add(where + ": row " + std::to_string(row) + " begins at byte " + std::to_string(slot.offset) +
+                 ", which is not between " + std::to_string(directoryEnd) + " and " + std::to_string(end) + ".");
+      return {};
+    }
+    slots.push_back(slot);
+    end = slot.offset;
+  }
+  const std::size_t freeBytes = page.U16(layout::kFreeBytesOffset);
+  if (freeBytes != end - directoryEnd)
+    report.Add(where + " counts " + std::to_string(freeBytes) + " free bytes; there are " +
+               std::to_string(end - directoryEnd) + ".");
+  return slots;
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,118 @@
+#include <algorithm>
+
+#include "access/catalog/TableCheck.h"
+#include "access/file/UsageMap.h"
+
+namespace tavi::access {
+
+namespace {
+
+std::string NameOf(RowPointer row) {
+  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+}
+
+/// One index of a table, while it is checked.
+class IndexCheck {
+ public:
+  IndexCheck(Pager& pager, Table& table, std::size_t index, PageOwners& owners, CheckReport& report)
+      : pager_(pager),
+        table_(table),
+        index_(index),
+        made_(table.Indexes()[index]),
+        owners_(owners),
+        report_(report),
+        where_("index '" + made_.name + "' of table '" + table.Name() + "'") {}
+
+  void Run() {
+    report_.Guard("The " + where_, [&] { CheckPages(); });
+    report_.Guard("The " + where_, [&] { CheckEntries(); });
+  }
+
+ private:
+  void CheckPages() {
+    owners_.ClaimMap(made_.definition.ownedPages, "the " + where_);
+    std::vector<PageNumber> owned = UsageMap(pager_, made_.definition.ownedPages).Pages();
+    std::vector<PageNumber> used = table_.Tree(index_).Pages();
+    for (const PageNumber page : owned) owners_.Claim(page, "the " + where_);
+    std::ranges::sort(used);
+    if (owned != used)
+      report_.Add("The " + where_ + " owns " + std::to_string(owned.size()) + " pages, but its tree has " +
+                  std::to_string(used.size()) + " or others.");
+  }
+
+  void CheckEntries() {
+    std::vector<IndexEntry> stored;
+    for (auto cursor = table_.Tree(index_).SeekFirst(std::nullopt); cursor->Current() != nullptr; cursor->Next())
+      stored.push_back(*cursor->Current());
+    const KeyEncoder* encoder = FindEncoder();
+    if (encoder == nullptr) return;
+    std::vector<IndexEntry> expected = MakeEntries(*encoder);
+    std::vector<IndexEntry> sorted = stored;
+    if (!std::ranges::is_sorted(stored)) report_.Add("The entries of " + where_ + " are not in order.");
+    std::ranges::sort(sorted);
+    std::ranges::sort(expected);
+    Compare(sorted, expected);
+    CheckUnique(sorted);
+  }
+
+  /// Keys of foreign sort orders cannot be made here: then only the tree itself is looked at.
+  const KeyEncoder* FindEncoder() {
+    try {
+      return &table_.Encoder(index_);
+    } catch (const Error&) {
+      return nullptr;
+    }
+  }
+
+  std::vector<IndexEntry> MakeEntries(const KeyEncoder& encoder) {
+    std::vector<bool> wanted(table_.Columns().size());
+    for (const std::size_t column : made_.columns) wanted[column] = true;
+    std::vector<IndexEntry> entries;
+    for (auto row = table_.Next(std::nullopt); row.has_value(); row = table_.Next(row)) {
+      const RowValues values = table_.Read(*row, wanted);
+      if ((made_.primaryKey || made_.definition.required) && encoder.AnyNull(values))
+        report_.Add("The " + NameOf(*row) + " has a null in the key of " + where_ + ".");
+      if (!encoder.HasEntry(values)) continue;
+      entries.push_back({encoder.RowKey(values), *row});
+      if (encoder.AllNull(values)) nullKey_ = entries.back().key;
+    }
+    return entries;
+  }
+
+  void Compare(const std::vector<IndexEntry>& stored, const std::vector<IndexEntry>& expected) {
+    std::vector<IndexEntry> missing;
+    std::vector<IndexEntry> unwanted;
+    std::ranges::set_difference(expected, stored, std::back_inserter(missing));
+    std::ranges::set_difference(stored, expected, std::back_inserter(unwanted));
+    for (const IndexEntry& entry : missing)
+      report_.Add("The " + NameOf(entry.row) + " is not in the " + where_ + " under its key.");
+    for (const IndexEntry& entry : unwanted)
+      report_.Add("The " + where_ + " has an entry for the " + NameOf(entry.row) + " that no such row has.");
+  }
+
+  void CheckUnique(const std::vector<IndexEntry>& stored) {
+    if (!made_.definition.unique) return;
+    for (std::size_t i = 1; i < stored.size(); ++i) {
+      if (stored[i].key == stored[i - 1].key && stored[i].key != nullKey_)
+        report_.Add("The " + NameOf(stored[i - 1].row) + " and the " + NameOf(stored[i].row) +
+                    " have the same key in the unique " + where_ + ".");
+    }
+  }
+
+  Pager& pager_;
+  Table& table_;
+  std::size_t index_;
+  const Index& made_;
+  PageOwners& owners_;
+  CheckReport& report_;
+  std::string where_;
+  std::optional<IndexKey> nullKey_;
+};
+
+}  // namespace
+
+void CheckIndex(Pager& pager, Table& table, std::size_t index, PageOwners& owners, CheckReport& report) {
+  IndexCheck(pager, table, index, owners, report).Run();
+}
+
+}  // namespace tavi::access

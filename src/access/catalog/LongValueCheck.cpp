@@ -1,0 +1,106 @@
+#include "access/catalog/LongValueCheck.h"
+
+#include "access/file/Bytes.h"
+#include "access/file/Format.h"
+#include "access/file/UsageMap.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace layout = format::long_value;
+
+std::string NameOf(RowPointer row) {
+  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+}
+
+}  // namespace
+
+LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueMaps& maps, PageOwners& owners,
+                               CheckReport& report)
+    : pager_(pager), where_(std::move(where)), report_(report) {
+  if (!maps.ownedPages.IsNone()) owners.ClaimMap(maps.ownedPages, where_);
+  if (!maps.freeSpacePages.IsNone()) owners.ClaimMap(maps.freeSpacePages, where_);
+  report_.Guard(where_, [&] {
+    for (const PageNumber page : UsageMap(pager_, maps.freeSpacePages).Pages()) freeSpacePages_.insert(page);
+    for (const PageNumber number : UsageMap(pager_, maps.ownedPages).Pages()) {
+      owners.Claim(number, where_);
+      const std::string place = "Page " + std::to_string(number) + " of " + where_;
+      const std::vector<RowSlot> slots =
+          CheckDataPage(*pager_.Read(number), format::data::kOwnerLongValues, place, report_);
+      for (std::size_t row = 0; row < slots.size(); ++row) {
+        if (slots[row].IsLive())
+          parts_[{number, static_cast<std::uint8_t>(row)}] = {slots[row].offset, slots[row].length};
+      }
+    }
+  });
+}
+
+LongValueCheck::Part* LongValueCheck::Take(RowPointer place, const std::string& value) {
+  const auto part = parts_.find(place);
+  if (part == parts_.end()) {
+    report_.Add(value + " refers to " + NameOf(place) + ", which is none of the column's long values.");
+    return nullptr;
+  }
+  if (part->second.used) {
+    report_.Add(value + " refers to " + NameOf(place) + ", which belongs to another value.");
+    return nullptr;
+  }
+  part->second.used = true;
+  return &part->second;
+}
+
+void LongValueCheck::Use(std::span<const std::uint8_t> descriptor, RowPointer row) {
+  const std::string value = "The value of " + where_ + " in " + NameOf(row);
+  if (descriptor.size() < layout::kDescriptorSize) {
+    report_.Add(value + " has only " + std::to_string(descriptor.size()) + " bytes.");
+    return;
+  }
+  const auto head = GetLittle<std::uint32_t>(descriptor, layout::kLengthOffset);
+  const std::size_t length = head & layout::kLengthMask;
+  const auto place = RowPointer::FromPacked(GetLittle<std::uint32_t>(descriptor, layout::kPointerOffset));
+  switch (head & layout::kFormMask) {
+    case layout::kFormInline:
+      if (length > descriptor.size() - layout::kDescriptorSize) report_.Add(value + " is cut off.");
+      break;
+    case layout::kFormSingle:
+      UseSingle(place, length, value);
+      break;
+    case layout::kFormChain:
+      UseChain(place, length, value);
+      break;
+    default:
+      report_.Add(value + " has an unknown form.");
+  }
+}
+
+void LongValueCheck::UseSingle(RowPointer place, std::size_t length, const std::string& value) {
+  const Part* part = Take(place, value);
+  if (part != nullptr && part->length != length)
+    report_.Add(value + " has " + std::to_string(part->length) + " bytes instead of " + std::to_string(length) + ".");
+}
+
+void LongValueCheck::UseChain(RowPointer place, std::size_t length, const std::string& value) {
+  std::size_t found = 0;
+  while (!place.IsNone()) {
+    const Part* part = Take(place, value);
+    if (part == nullptr) return;
+    if (part->length < layout::kChainPointerSize) {
+      report_.Add(value + " has a part without a link.");
+      return;
+    }
+    if (freeSpacePages_.contains(place.page))
+      report_.Add(value + " has a part on page " + std::to_string(place.page) + ", which is offered for other values.");
+    found += part->length - layout::kChainPointerSize;
+    place = RowPointer::FromPacked(pager_.Read(place.page)->U32(part->offset));
+  }
+  if (found != length)
+    report_.Add(value + " has " + std::to_string(found) + " bytes instead of " + std::to_string(length) + ".");
+}
+
+void LongValueCheck::ReportUnused() {
+  for (const auto& [place, part] : parts_)
+    if (!part.used) report_.Add("The long value in " + NameOf(place) + " of " + where_ + " is used by no row.");
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,60 @@
+#include "access/catalog/PageOwners.h"
+
+#include "access/file/Format.h"
+#include "access/file/PageAllocator.h"
+#include "access/file/UsageMap.h"
+
+namespace tavi::access {
+
+namespace {
+
+constexpr char kMapPages[] = "the usage maps";
+
+}  // namespace
+
+PageOwners::PageOwners(Pager& pager, CheckReport& report) : pager_(pager), report_(report), owners_(pager.PageCount()) {
+  Claim(format::kHeaderPage, "the header");
+  Claim(format::kGlobalMapPage, "the map of free pages");
+  for (const std::uint8_t row : {format::kGlobalFreeMapRow, format::kGlobalSecondMapRow})
+    ClaimMap({format::kGlobalMapPage, row}, "the file");
+}
+
+void PageOwners::Claim(PageNumber page, const std::string& owner) {
+  const std::string where = "Page " + std::to_string(page) + " of " + owner;
+  if (page >= owners_.size()) {
+    report_.Add(where + " lies past the end of the file.");
+    return;
+  }
+  if (!owners_[page].empty()) {
+    report_.Add(where + " belongs to " + owners_[page] + " too.");
+    return;
+  }
+  owners_[page] = owner;
+  report_.Guard(where, [&] {
+    if (PageAllocator(pager_).IsFree(page)) report_.Add(where + " is marked free.");
+  });
+}
+
+void PageOwners::ClaimMap(RowPointer map, const std::string& owner) {
+  const auto [known, isNew] = maps_.emplace(map, owner);
+  if (!isNew) {
+    report_.Add("The usage map in row " + std::to_string(map.row) + " of page " + std::to_string(map.page) +
+                " serves " + known->second + " and " + owner + ".");
+    return;
+  }
+  if (map.page != format::kGlobalMapPage && (map.page >= owners_.size() || owners_[map.page] != kMapPages))
+    Claim(map.page, kMapPages);
+  report_.Guard("A usage map of " + owner, [&] {
+    for (const PageNumber bitmap : UsageMap(pager_, map).BitmapPages()) Claim(bitmap, "the bits of a map of " + owner);
+  });
+}
+
+void PageOwners::ReportLeaks() {
+  const PageAllocator allocator(pager_);
+  for (PageNumber page = 0; page < owners_.size(); ++page) {
+    if (owners_[page].empty() && !allocator.IsFree(page))
+      report_.Add("Page " + std::to_string(page) + " is neither free nor owned by anything.");
+  }
+}
+
+}  // namespace tavi::access

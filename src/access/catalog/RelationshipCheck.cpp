@@ -1,0 +1,74 @@
+#include <algorithm>
+
+#include "access/catalog/KeyLookup.h"
+#include "access/catalog/TableCheck.h"
+
+namespace tavi::access {
+
+namespace {
+
+using Kind = LogicalIndexDefinition::Kind;
+using Side = LogicalIndexDefinition::Side;
+
+std::shared_ptr<Table> TableOfPage(Database& database, PageNumber page) {
+  for (const CatalogEntry& entry : database.Tables())
+    if (entry.page == page && !entry.isLinked) return database.OpenTable(entry.name);
+  return nullptr;
+}
+
+const LogicalIndexDefinition* FindPartner(const Table& table, const LogicalIndexDefinition& logical) {
+  const auto& indexes = table.Definition().logicalIndexes;
+  const auto partner = std::ranges::find(indexes, logical.partnerNumber, &LogicalIndexDefinition::number);
+  return partner == indexes.end() ? nullptr : &*partner;
+}
+
+bool AreSides(const Table& table, const LogicalIndexDefinition& logical, const LogicalIndexDefinition& partner) {
+  const bool sidesDiffer = logical.side != Side::None && partner.side != Side::None && logical.side != partner.side;
+  return partner.kind == Kind::Relationship && sidesDiffer && partner.partnerNumber == logical.number &&
+         partner.partnerTable == table.Definition().page && partner.cascadeUpdates == logical.cascadeUpdates &&
+         partner.cascadeDeletes == logical.cascadeDeletes;
+}
+
+void CheckForeignRows(Table& table, std::size_t index, Table& primary, std::size_t primaryIndex,
+                      const std::string& where, CheckReport& report) {
+  const std::vector<std::size_t>& columns = table.Indexes()[index].columns;
+  std::vector<bool> wanted(table.Columns().size());
+  for (const std::size_t column : columns) wanted[column] = true;
+  for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
+    const RowValues values = table.Read(*row, wanted);
+    std::vector<Value> key;
+    for (const std::size_t column : columns) key.push_back(values[column]);
+    if (std::ranges::any_of(key, IsNull) || !RowsWithKey(primary, primaryIndex, key).empty()) continue;
+    report.Add(where + ": row " + std::to_string(row->row) + " of page " + std::to_string(row->page) + " of table '" +
+               table.Name() + "' has no row in table '" + primary.Name() + "'.");
+  }
+}
+
+void CheckSide(Database& database, Table& table, const LogicalIndexDefinition& logical, const std::string& where,
+               CheckReport& report) {
+  const std::shared_ptr<Table> other = TableOfPage(database, logical.partnerTable);
+  if (other == nullptr) {
+    report.Add(where + " leads to page " + std::to_string(logical.partnerTable) + ", where no table is.");
+    return;
+  }
+  const LogicalIndexDefinition* partner = FindPartner(*other, logical);
+  if (partner == nullptr || !AreSides(table, logical, *partner)) {
+    report.Add(where + " is not the same on its other side, table '" + other->Name() + "'.");
+    return;
+  }
+  if (logical.side != Side::Foreign) return;
+  if (logical.realIndex < table.Indexes().size() && partner->realIndex < other->Indexes().size())
+    CheckForeignRows(table, logical.realIndex, *other, partner->realIndex, where, report);
+}
+
+}  // namespace
+
+void CheckRelationships(Database& database, Table& table, CheckReport& report) {
+  for (const LogicalIndexDefinition& logical : table.Definition().logicalIndexes) {
+    if (logical.kind != Kind::Relationship) continue;
+    const std::string where = "The relationship '" + logical.name + "' of table '" + table.Name() + "'";
+    report.Guard(where, [&] { CheckSide(database, table, logical, where, report); });
+  }
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,78 @@
+#include "access/catalog/RowShape.h"
+
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace layout = format::row;
+
+/// How many variable columns a table can have had when it had `columnCount` columns. Each column record holds that
+/// number for the time when its column was made.
+std::size_t MostVariablesAt(const TableDefinition& definition, std::size_t columnCount) {
+  std::size_t most = definition.variableColumnCounter;
+  std::size_t nearest = definition.columnIdCounter;
+  for (const ColumnDefinition& column : definition.columns) {
+    if (column.id < columnCount || column.id >= nearest) continue;
+    nearest = column.id;
+    most = column.variableIndex;
+  }
+  return most;
+}
+
+}  // namespace
+
+RowShape::RowShape(std::span<const std::uint8_t> row, const TableDefinition& definition) : row_(row) {
+  if (row.size() < layout::kMinimumSize) RaiseDamage("a row has only " + std::to_string(row.size()) + " bytes.");
+  columnCount_ = Word(layout::kColumnCountOffset);
+  maskSize_ = (columnCount_ + 7) / 8;
+  fixedStart_ = layout::kFixedAreaOffset;
+  if (columnCount_ > definition.columnIdCounter)
+    RaiseDamage("a row has " + std::to_string(columnCount_) + " columns, its table only ever had " +
+                std::to_string(definition.columnIdCounter) + ".");
+  if (fixedStart_ + maskSize_ > row.size()) RaiseDamage("a row is too short for its null mask.");
+  const std::size_t mostVariables = MostVariablesAt(definition, columnCount_);
+  if (mostVariables > 0 && TakeVariableOffsets(mostVariables)) return;
+  // A table without variable columns: the rows have no offsets. Where columns came and went it may have been either.
+  variableCount_ = 0;
+  fixedEnd_ = row.size() - maskSize_;
+}
+
+bool RowShape::TakeVariableOffsets(std::size_t mostVariables) {
+  const std::size_t trailer = maskSize_ + layout::kVariableCountSize + layout::kEndOfDataSize;
+  if (fixedStart_ + trailer > row_.size()) return false;
+  variableCount_ = Word(row_.size() - maskSize_ - layout::kVariableCountSize);
+  const std::size_t directory = trailer + variableCount_ * layout::kVariableOffsetSize;
+  if (variableCount_ > mostVariables || fixedStart_ + directory > row_.size()) return false;
+  for (std::size_t i = 0; i <= variableCount_; ++i) {
+    const std::size_t start = i == 0 ? fixedStart_ : VariableOffset(i - 1);
+    if (VariableOffset(i) < start || VariableOffset(i) > row_.size() - directory) return false;
+  }
+  fixedEnd_ = VariableOffset(0);
+  return true;
+}
+
+std::uint16_t RowShape::Word(std::size_t offset) const {
+  return static_cast<std::uint16_t>(row_[offset] | (row_[offset + 1] << 8U));
+}
+
+// The offset behind that of the last column is the end of the data.
+std::size_t RowShape::VariableOffset(std::size_t variableIndex) const {
+  return Word(row_.size() - maskSize_ - layout::kVariableCountSize - (variableIndex + 1) * layout::kVariableOffsetSize);
+}
+
+bool RowShape::HasValue(std::uint16_t columnId) const {
+  if (columnId >= columnCount_) return false;
+  const std::uint8_t bits = row_[row_.size() - maskSize_ + columnId / 8U];
+  return ((bits >> (columnId % 8U)) & 1U) != 0;
+}
+
+std::optional<std::span<const std::uint8_t>> RowShape::Variable(std::size_t variableIndex) const {
+  if (variableIndex >= variableCount_) return std::nullopt;
+  const std::size_t start = VariableOffset(variableIndex);
+  return row_.subspan(start, VariableOffset(variableIndex + 1) - start);
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,181 @@
+#include "access/catalog/TableCheck.h"
+
+#include <algorithm>
+
+#include "access/catalog/Names.h"
+#include "access/catalog/RowShape.h"
+#include "access/file/Format.h"
+#include "access/file/UsageMap.h"
+
+namespace tavi::access {
+
+namespace {
+
+std::string NameOf(RowPointer row) {
+  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+}
+
+}  // namespace
+
+TableCheck::TableCheck(Pager& pager, Table& table, CheckKind kind, PageOwners& owners, CheckReport& report)
+    : pager_(pager),
+      table_(table),
+      definition_(table.Definition()),
+      kind_(kind),
+      owners_(owners),
+      report_(report),
+      name_("table '" + table.Name() + "'") {}
+
+std::string TableCheck::Where(const std::string& part) const {
+  return part + " of " + name_;
+}
+
+void TableCheck::Run() {
+  report_.Guard(Where("The definition"), [&] { CheckDefinition(); });
+  report_.Guard(Where("The pages"), [&] { CheckPages(); });
+  for (const auto& [number, slots] : pages_) CheckRows(number, slots);
+  CheckTargets();
+  for (auto& [id, check] : longValues_) check.ReportUnused();
+  report_.Guard(Where("The counters"), [&] { CheckCounters(); });
+  for (std::size_t i = 0; i < table_.Indexes().size(); ++i) CheckIndex(pager_, table_, i, owners_, report_);
+}
+
+void TableCheck::CheckDefinition() {
+  for (const PageNumber page : TableDefinitionPages(pager_, definition_.page))
+    owners_.Claim(page, "the definition of " + name_);
+  CheckColumns();
+  for (std::size_t i = 1; i < definition_.logicalIndexes.size(); ++i) {
+    if (NameBefore(definition_.logicalIndexes[i].name, definition_.logicalIndexes[i - 1].name))
+      report_.Add(Where("The index '" + definition_.logicalIndexes[i].name + "'") + " is not in the order of names.");
+  }
+  for (const LogicalIndexDefinition& logical : definition_.logicalIndexes) {
+    if (logical.realIndex >= definition_.realIndexes.size())
+      report_.Add(Where("The index '" + logical.name + "'") + " has no tree.");
+  }
+}
+
+void TableCheck::CheckColumns() {
+  std::set<std::uint16_t> ids;
+  std::set<std::uint16_t> slots;
+  std::map<std::size_t, std::size_t> fixedAreas;
+  for (const ColumnDefinition& column : definition_.columns) {
+    const std::string where = Where("The column '" + column.name + "'");
+    if (column.id >= definition_.columnIdCounter || !ids.insert(column.id).second)
+      report_.Add(where + " has the number " + std::to_string(column.id) + ", which is taken or too high.");
+    if (!column.IsFixed()) {
+      if (column.variableIndex >= definition_.variableColumnCounter || !slots.insert(column.variableIndex).second)
+        report_.Add(where + " has the slot " + std::to_string(column.variableIndex) + ", which is taken or too high.");
+    } else if (column.type != ColumnType::Boolean) {
+      fixedAreas.emplace(column.fixedOffset, column.length);
+    }
+    const bool hasMaps = std::ranges::find(definition_.longValueMaps, column.id, &LongValueMaps::columnId) !=
+                         definition_.longValueMaps.end();
+    if (hasMaps != column.IsLongValue()) report_.Add(where + " has long-value maps by its type or in fact, not both.");
+  }
+  std::size_t end = 0;
+  for (const auto& [offset, length] : fixedAreas) {
+    if (offset < end) report_.Add(Where("The column at byte " + std::to_string(offset)) + " overlaps the one before.");
+    end = offset + length;
+  }
+}
+
+void TableCheck::CheckPages() {
+  owners_.ClaimMap(definition_.ownedPages, "the rows of " + name_);
+  owners_.ClaimMap(definition_.freeSpacePages, "the free space of " + name_);
+  for (const PageNumber number : UsageMap(pager_, definition_.ownedPages).Pages()) {
+    owners_.Claim(number, "the rows of " + name_);
+    pages_[number] = CheckDataPage(*pager_.Read(number), definition_.page,
+                                   "Page " + std::to_string(number) + " of " + name_, report_);
+  }
+  for (const PageNumber number : UsageMap(pager_, definition_.freeSpacePages).Pages()) {
+    if (!pages_.contains(number))
+      report_.Add(Where("Page " + std::to_string(number)) + " is offered for rows but not the table's.");
+  }
+  for (const LongValueMaps& maps : definition_.longValueMaps) {
+    const ColumnDefinition* column = definition_.FindColumn(maps.columnId);
+    const std::string columnName = column == nullptr ? std::to_string(maps.columnId) : column->name;
+    longValues_.try_emplace(maps.columnId, pager_, Where("the column '" + columnName + "'"), maps, owners_, report_);
+  }
+}
+
+void TableCheck::CheckRows(PageNumber number, const std::vector<RowSlot>& slots) {
+  report_.Guard(Where("Page " + std::to_string(number)), [&] {
+    const PageHandle page = pager_.Read(number);
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+      const RowPointer row{number, static_cast<std::uint8_t>(i)};
+      if (!slots[i].IsLive() || slots[i].movedTarget) continue;
+      ++liveRows_;
+      if (slots[i].moved) {
+        CheckMoved(*page, slots[i], row);
+      } else {
+        CheckRow(page->Slice(slots[i].offset, slots[i].length), row);
+      }
+      report_.Guard(Where("The " + NameOf(row)), [&] { static_cast<void>(table_.Read(row)); });
+    }
+  });
+}
+
+void TableCheck::CheckMoved(const Page& page, const RowSlot& slot, RowPointer row) {
+  const std::string where = Where("The moved " + NameOf(row));
+  if (slot.length < format::row::kRowPointerSize) {
+    report_.Add(where + " is too short for its link.");
+    return;
+  }
+  const RowPointer target = RowPointer::FromPacked(page.U32(slot.offset));
+  const auto holder = pages_.find(target.page);
+  if (holder == pages_.end() || target.row >= holder->second.size() || !holder->second[target.row].movedTarget) {
+    report_.Add(where + " leads to the " + NameOf(target) + ", which is no moved row of the table.");
+    return;
+  }
+  if (!movedTargets_.insert(target).second) {
+    report_.Add(where + " leads to the " + NameOf(target) + ", as another row does.");
+    return;
+  }
+  const RowSlot& targetSlot = holder->second[target.row];
+  CheckRow(pager_.Read(target.page)->Slice(targetSlot.offset, targetSlot.length), row);
+}
+
+void TableCheck::CheckRow(std::span<const std::uint8_t> bytes, RowPointer row) {
+  report_.Guard(Where("The " + NameOf(row)), [&] {
+    const RowShape shape(bytes, definition_);
+    for (const ColumnDefinition& column : definition_.columns) {
+      const auto check = longValues_.find(column.id);
+      if (check == longValues_.end() || !shape.HasValue(column.id)) continue;
+      const auto value = shape.Variable(column.variableIndex);
+      if (value.has_value() && !value->empty()) check->second.Use(*value, row);
+    }
+  });
+}
+
+void TableCheck::CheckTargets() {
+  for (const auto& [number, slots] : pages_) {
+    for (std::size_t i = 0; i < slots.size(); ++i) {
+      const RowPointer row{number, static_cast<std::uint8_t>(i)};
+      if (slots[i].movedTarget && !movedTargets_.contains(row))
+        report_.Add(Where("The moved bytes in " + NameOf(row)) + " belong to no row.");
+    }
+  }
+}
+
+void TableCheck::CheckCounters() {
+  const bool exact = kind_ == CheckKind::Strict || !table_.IsSystem();
+  if (exact && table_.RowCount() != liveRows_)
+    report_.Add(Where("The counter") + " says " + std::to_string(table_.RowCount()) + " rows; there are " +
+                std::to_string(liveRows_) + ".");
+  if (kind_ != CheckKind::Strict) return;
+  const std::int32_t last = LastAutoNumber(pager_, definition_);
+  for (std::size_t i = 0; i < table_.Columns().size(); ++i) {
+    if (!table_.Columns()[i].definition.IsAutoNumber()) continue;
+    std::vector<bool> wanted(table_.Columns().size());
+    wanted[i] = true;
+    for (auto row = table_.Next(std::nullopt); row.has_value(); row = table_.Next(row)) {
+      const RowValues values = table_.Read(*row, wanted);
+      const auto* number = std::get_if<std::int32_t>(&values[i]);
+      if (number != nullptr && *number > last)
+        report_.Add(Where("The automatic number " + std::to_string(*number)) + " is above the last one, " +
+                    std::to_string(last) + ".");
+    }
+  }
+}
+
+}  // namespace tavi::access
