@@ -1,6 +1,7 @@
 #include "host/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <functional>
 #include <optional>
 #include <ostream>

@@ -16,8 +16,8 @@ struct Context {
   std::ostream& error;
   OutputFormat format = OutputFormat::Table;
   bool showProgress = false;
-  std::string folder;  ///< the club's folder; empty: the one that the component finds
-  std::shared_ptr<const Platform> platform;
+  std::string folder{};  ///< the club's folder; empty: the one that the component finds
+  std::shared_ptr<const Platform> platform{};
 
   /// A component object on the club's folder.
   [[nodiscard]] std::unique_ptr<MembershipDatabase> OpenClub() const;

@@ -1,0 +1,298 @@
+// The command from its arguments to its output and exit code, on real files.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+
+#include "host/support/Command.h"
+
+namespace tavi::host {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+using ::testing::UnorderedElementsAre;
+
+constexpr const char* kMembers =
+    "club_number,ebu_number,title,first,initials,last,known_as,sex,email,phone,mobile,join_date,member_type,house,"
+    "address,town,"
+    "postcode,active\n"
+    "7,00990101,Mrs,Ann,,Lee,,F,ann@example.org,,,2001-02-03,Standard,,1 Mill Lane,Ashby,AB1 2CD,y\n"
+    "8,00990102,Mr,Robert,J,Ray,Bob,M,,,,,,,,,,y\n"
+    "9,,Ms,Éloïse,,D'Arcy,,F,,,,,,,,,,y\n"
+    "10,00990104,Mr,Łukasz,,Wójcik,,M,,,,,,,,,,y\n"
+    "11,00990105,Mr,Old,,Timer,,M,,,,,,,,,,n\n";
+
+std::string Player(const std::string& name, const std::string& number = "") {
+  return "<PLAYER><PLAYER_NAME>" + name + "</PLAYER_NAME>" +
+         (number.empty() ? "" : "<NATIONAL_ID_NUMBER>" + number + "</NATIONAL_ID_NUMBER>") + "</PLAYER>";
+}
+
+std::string Pair(const std::string& number, const std::string& percentage, const std::string& players,
+                 const std::string& more = "") {
+  return "<PAIR><PAIR_NUMBER>" + number + "</PAIR_NUMBER><PERCENTAGE>" + percentage + "</PERCENTAGE>" + more + players +
+         "</PAIR>\n";
+}
+
+std::string Award(const std::string& hundredths) {
+  return "<MASTER_POINTS><MASTER_POINTS_AWARDED>" + hundredths +
+         "</MASTER_POINTS_AWARDED><MASTER_POINT_TYPE>BLACK</MASTER_POINT_TYPE></MASTER_POINTS>";
+}
+
+std::string Evening(const std::string& pairs, const std::string& date = "06/01/2026",
+                    const std::string& name = "Tuesday") {
+  return "<USEBIO Version=\"1.2\"><EVENT EVENT_TYPE=\"PAIRS\"><EVENT_DESCRIPTION>" + name +
+         "</EVENT_DESCRIPTION><DATE>" + date + "</DATE><PARTICIPANTS>\n" + pairs + "</PARTICIPANTS></EVENT></USEBIO>\n";
+}
+
+const std::string kTwoPairs =
+    Pair("1", "60.00", Player("Ann Lee", "990101") + Player("Bob Ray", "00990102"), "<PLACE>1</PLACE>" + Award("24")) +
+    Pair("2", "40.00", Player("Eloise Darcy") + Player("Vera Visitor", "123456"), "<PLACE>2</PLACE>");
+
+class Command : public ::testing::Test {
+ protected:
+  void MakeClub() {
+    ASSERT_EQ(folder_.Run({"new", "--name", "Ashby Bridge Club"}).code, 0);
+    const Outcome imported = folder_.Run({"members", "import", folder_.Write("members.csv", kMembers)});
+    ASSERT_EQ(imported.code, 0) << imported.error;
+  }
+
+  CommandFolder folder_;
+};
+
+TEST_F(Command, HelpSucceedsAndWrongUseGivesTwo) {
+  EXPECT_EQ(folder_.Run({"--help"}).code, 0);
+  EXPECT_THAT(folder_.Run({"score", "--help"}).out, HasSubstr("FILE"));
+  EXPECT_EQ(folder_.Run({}).code, 2);
+  EXPECT_EQ(folder_.Run({"frobnicate"}).code, 2);
+  EXPECT_EQ(folder_.Run({"score"}).code, 2);
+  EXPECT_EQ(folder_.Run({"members", "--today", "yesterday"}).code, 2);
+}
+
+TEST_F(Command, NewMakesAnEmptyClubAndRefusesToReplaceOne) {
+  EXPECT_EQ(folder_.Run({"new", "--name", "Ashby Bridge Club"}).code, 0);
+  EXPECT_TRUE(std::filesystem::exists(folder_.ClubFile()));
+  EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Ashby Bridge Club"));
+  const auto size = std::filesystem::file_size(folder_.ClubFile());
+  const Outcome again = folder_.Run({"new", "--name", "Other"});
+  EXPECT_EQ(again.code, 1);
+  EXPECT_THAT(again.error, HasSubstr("exists already"));
+  EXPECT_EQ(std::filesystem::file_size(folder_.ClubFile()), size);
+}
+
+TEST_F(Command, AFolderWithoutAFileIsAnErrorThatNamesTheFile) {
+  std::filesystem::create_directories(folder_.Club());
+  const Outcome outcome = folder_.Run({"members"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("Failed to open membership database"));
+  EXPECT_THAT(outcome.error, HasSubstr("ClubMembers.mdb"));
+  EXPECT_TRUE(std::filesystem::is_empty(folder_.Club()));
+}
+
+TEST_F(Command, AFileThatIsNoDatabaseIsRefusedAndLeftAlone) {
+  std::filesystem::create_directories(folder_.Club());
+  folder_.Write("club/ClubMembers.mdb", std::string(8192, 'x'));
+  const Outcome outcome = folder_.Run({"members"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("Failed to open membership database"));
+  EXPECT_EQ(std::filesystem::file_size(folder_.ClubFile()), 8192U);
+}
+
+TEST_F(Command, AFileMarkedReadOnlyIsNotChanged) {
+  MakeClub();
+  std::filesystem::permissions(folder_.ClubFile(), std::filesystem::perms::owner_read);
+  const auto before = std::filesystem::last_write_time(folder_.ClubFile());
+  const Outcome outcome = folder_.Run({"score", folder_.Write("week.xml", Evening(kTwoPairs))});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("read-only"));
+  EXPECT_EQ(std::filesystem::last_write_time(folder_.ClubFile()), before);
+}
+
+TEST_F(Command, ImportedMembersAreStoredIntactAndListed) {
+  MakeClub();
+  EXPECT_THAT(folder_.Query("Select LastName, EBUNumber From Members Where MembershipNumber = 7"),
+              ElementsAre("Lee\t990101"));
+  EXPECT_THAT(folder_.Query("Select FirstName, LastName From Members Where MembershipNumber = 9"),
+              ElementsAre("Éloïse\tD'Arcy"));
+  const Outcome listed = folder_.Run({"members"});
+  EXPECT_THAT(listed.out, HasSubstr("10\tWójcik, Łukasz\t990104\t50.00\tyes"));
+  EXPECT_THAT(listed.out, Not(HasSubstr("Timer")));
+  EXPECT_THAT(folder_.Run({"members", "--all"}).out, HasSubstr("Timer, Old\t990105\t50.00\tno"));
+}
+
+TEST_F(Command, ImportingAgainUpdatesWhoIsThere) {
+  MakeClub();
+  const Outcome again = folder_.Run({"members", "import", folder_.Write("members.csv", kMembers)});
+  EXPECT_THAT(again.out, HasSubstr("\t0\t5"));
+  EXPECT_THAT(folder_.Query("Select Count(*) From Members"), ElementsAre("5"));
+}
+
+TEST_F(Command, AMembersFileWithOneWrongLineStoresNobody) {
+  ASSERT_EQ(folder_.Run({"new"}).code, 0);
+  const auto refusal = [&](const std::string& line) {
+    const Outcome outcome = folder_.Run({"members", "import", folder_.Write("members.csv", kMembers + line)});
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_THAT(folder_.Query("Select Count(*) From Members"), ElementsAre("0"));
+    return outcome.error;
+  };
+  EXPECT_THAT(refusal("x,,,A,,B,,,,,,,,,,,,\n"), HasSubstr("members.csv:7: club_number is \"x\""));
+  EXPECT_THAT(refusal("7,,,A,,B,,,,,,,,,,,,\n"), HasSubstr("given to two members"));
+  EXPECT_THAT(refusal("12,,,A,,B,,X,,,,,,,,,,\n"), HasSubstr("sex is"));
+  EXPECT_THAT(refusal("12,,,A,,B,,,,,,2001-02-30,,,,,,\n"), HasSubstr("join_date"));
+  EXPECT_THAT(refusal("12,,A title that is longer than twenty characters,A,,B,,,,,,,,,,,,\n"), HasSubstr("Title has"));
+  EXPECT_THAT(refusal("12,,,,,,,,,,,,,,,,,\n"), HasSubstr("no name"));
+}
+
+TEST_F(Command, PairsAreImportedOnlyWhenBothPlayersAreMembers) {
+  MakeClub();
+  const Outcome refused =
+      folder_.Run({"pairs", "import", folder_.Write("bad.csv", "club_number_1,club_number_2\n7,8\n7,99\n")});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_THAT(refused.error, HasSubstr("bad.csv:3: there is no member number 99"));
+  EXPECT_THAT(folder_.Query("Select Count(*) From Partnerships"), ElementsAre("0"));
+  const std::string file =
+      folder_.Write("pairs.csv", "club_number_1,club_number_2,known_as,active\n8,7,,y\n9,10,The Mix,y\n");
+  EXPECT_EQ(folder_.Run({"pairs", "import", file}).code, 0);
+  const Outcome listed = folder_.Run({"pairs"});
+  EXPECT_THAT(listed.out, HasSubstr("8\tRobert Ray\t7\tAnn Lee\tRobert Ray & Ann Lee\t50.00\tyes"));
+  EXPECT_THAT(listed.out, HasSubstr("The Mix"));
+}
+
+TEST_F(Command, ScoringStoresResultsAwardsAndHandicapsAndSaysWhoIsNoMember) {
+  MakeClub();
+  const Outcome scored = folder_.Run({"score", folder_.Write("week.xml", Evening(kTwoPairs))});
+  ASSERT_EQ(scored.code, 0) << scored.error;
+  EXPECT_THAT(scored.out, HasSubstr("1\t1\tAnn Lee & Robert Ray\t60.00\t60.00\t50.00\t60.00\t0.24"));
+  EXPECT_THAT(scored.error, HasSubstr("Vera Visitor is not a member"));
+  EXPECT_THAT(folder_.Query("Select Player, Partner, ActualPercentage, NetPercentage From Results Order By Player"),
+              ElementsAre("7\t8\t60\t60", "9\t-1\t40\t40"));
+  EXPECT_THAT(folder_.Query("Select MembershipNumber, MasterPoints, SessionNo, RecordUpdated From MasterPoints"),
+              UnorderedElementsAre("7\t0.24\t1\t1", "8\t0.24\t1\t1"));
+  EXPECT_THAT(folder_.Query("Select Handicap From Members Where MembershipNumber = 7"), ElementsAre("60"));
+  EXPECT_THAT(folder_.Query("Select CompetitionName, Individual, NatCode From Competitions"),
+              ElementsAre("Tuesday\t0\tEBU"));
+}
+
+TEST_F(Command, ScoringTheSameFileTwiceChangesNothing) {
+  MakeClub();
+  const std::string file = folder_.Write("week.xml", Evening(kTwoPairs));
+  ASSERT_EQ(folder_.Run({"score", file}).code, 0);
+  const auto contents = [&] {
+    return std::make_tuple(
+        folder_.Query("Select Player, Partner, ActualPercentage, NetPercentage From Results Order By Player"),
+        folder_.Query(
+            "Select MembershipNumber, NonMemberName, MasterPoints From MasterPoints Order By MembershipNumber"),
+        folder_.Query("Select ID, CompetitionName, CompetitionDate From Competitions"),
+        folder_.Query("Select MembershipNumber, Handicap From Members Order By MembershipNumber"));
+  };
+  const auto first = contents();
+  ASSERT_EQ(folder_.Run({"score", file}).code, 0);
+  EXPECT_EQ(contents(), first);
+}
+
+TEST_F(Command, OddCompetitionNamesAreFoundAgain) {
+  MakeClub();
+  const std::string file =
+      folder_.Write("week.xml", Evening(kTwoPairs, "06/01/2026", " 100% of O&apos;Neil&apos;s\n\"Cup\" "));
+  ASSERT_EQ(folder_.Run({"score", file}).code, 0);
+  ASSERT_EQ(folder_.Run({"score", file}).code, 0);
+  EXPECT_THAT(folder_.Query("Select CompetitionName From Competitions"), ElementsAre("100 of O'Neil's \"Cup\""));
+}
+
+TEST_F(Command, NonMembersNamesAreStoredIntact) {
+  MakeClub();
+  const std::string pairs = Pair("1", "55", Player("O&apos;Neil 50% Jr") + Player("Иван Петров"), Award("10"));
+  ASSERT_EQ(folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))}).code, 0);
+  EXPECT_THAT(folder_.Query("Select NonMemberName From MasterPoints"),
+              UnorderedElementsAre("O'Neil 50%p Jr", "Иван Петров"));
+  EXPECT_THAT(folder_.Query("Select Count(*) From Results"), ElementsAre("0"));
+}
+
+TEST_F(Command, OfSeveralFilesTheGoodOnesAreStoredAndTheBadOnesListed) {
+  MakeClub();
+  const std::string good = folder_.Write("good.xml", Evening(kTwoPairs));
+  const std::string bad =
+      folder_.Write("bad.xml", Evening(Pair("1", "140", Player("Ann Lee") + Player("Bob Ray")), "13/01/2026"));
+  const Outcome outcome = folder_.Run({"score", bad, good});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("bad.xml:2: PERCENTAGE is 140; expected 0 to 100"));
+  EXPECT_THAT(folder_.Query("Select CompetitionName, CompetitionDate From Competitions"),
+              ElementsAre("Tuesday\t2026-01-06"));
+}
+
+TEST_F(Command, APlayerListedTwiceIsRefusedBeforeAnythingIsStored) {
+  MakeClub();
+  const std::string pairs = Pair("1", "60", Player("Ann Lee", "990101") + Player("Bob Ray")) +
+                            Pair("2", "40", Player("Ann Lee") + Player("X Y"));
+  const Outcome outcome = folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("Ann Lee is listed twice"));
+  EXPECT_THAT(folder_.Query("Select Count(*) From Competitions"), ElementsAre("0"));
+}
+
+TEST_F(Command, FindGivesTheMemberOrThoseWhoSoundAlike) {
+  MakeClub();
+  EXPECT_THAT(folder_.Run({"find", "Ann Lee"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\tby name"));
+  EXPECT_THAT(folder_.Run({"find", "Anne", "Lea"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\tsounds alike"));
+  EXPECT_EQ(folder_.Run({"find", "Nobody Whatsoever"}).code, 1);
+}
+
+TEST_F(Command, JsonIsReadByAProgram) {
+  MakeClub();
+  const auto members = nlohmann::json::parse(folder_.Run({"members", "--json"}).out);
+  ASSERT_EQ(members.size(), 4U);
+  EXPECT_EQ(members[0]["Number"], 7);
+  const auto scored =
+      nlohmann::json::parse(folder_.Run({"--json", "score", folder_.Write("week.xml", Evening(kTwoPairs))}).out);
+  EXPECT_EQ(scored[0]["events"][0]["ranking"][0]["Net"], 60.0);
+  EXPECT_EQ(scored[0]["stored"], true);
+}
+
+TEST_F(Command, SqlShowsRowsCountsChangesAndExplainsErrors) {
+  MakeClub();
+  EXPECT_THAT(folder_.Run({"sql", "Update Members Set Stratum = 2 Where MembershipNumber < 9"}).out, HasSubstr("2"));
+  const Outcome wrong = folder_.Run({"sql", "Selct * From Members"});
+  EXPECT_EQ(wrong.code, 1);
+  EXPECT_THAT(wrong.error, Not(IsEmpty()));
+  EXPECT_THAT(folder_.Run({"sql", "Select * From Nowhere"}).error, HasSubstr("Nowhere"));
+}
+
+TEST_F(Command, InfoTellsWhereTheFileIsAndWhatIsInIt) {
+  MakeClub();
+  const Outcome info = folder_.Run({"info"});
+  EXPECT_THAT(info.out, HasSubstr("File\t" + folder_.ClubFile()));
+  EXPECT_THAT(info.out, HasSubstr("Members\t5"));
+  EXPECT_THAT(info.out, HasSubstr("Active members\t4"));
+}
+
+TEST_F(Command, HandicapsAreListedAndRecalculated) {
+  MakeClub();
+  ASSERT_EQ(folder_.Run({"score", folder_.Write("week.xml", Evening(kTwoPairs))}).code, 0);
+  ASSERT_EQ(folder_.Run({"sql", "Update Members Set Handicap = 1"}).code, 0);
+  EXPECT_THAT(folder_.Run({"handicaps"}).out, HasSubstr("member\t7\t\tAnn Lee\t1.00"));
+  EXPECT_THAT(folder_.Run({"handicaps", "--recalculate"}).out, HasSubstr("member\t7\t\tAnn Lee\t60.00"));
+}
+
+TEST_F(Command, MdbtoolsReadsWhatWasWritten) {
+  if (!RunProgram("mdb-ver -M 2>/dev/null; command -v mdb-tables").succeeded)
+    GTEST_SKIP() << "mdbtools is not installed";
+  MakeClub();
+  ASSERT_EQ(folder_.Run({"score", folder_.Write("week.xml", Evening(kTwoPairs))}).code, 0);
+  const std::string file = "'" + folder_.ClubFile() + "'";
+  const std::string tables = RunProgram("mdb-tables -1 " + file).text;
+  for (const char* table : {"Members", "Partnerships", "Competitions", "Results", "MasterPoints", "Settings",
+                            "ClubNames", "ClubPolicies", "HandicalcSettings", "EBUMembershipList"}) {
+    EXPECT_THAT(tables, HasSubstr(std::string(table) + "\n"));
+  }
+  const std::string members = RunProgram("mdb-export " + file + " Members").text;
+  EXPECT_THAT(members, HasSubstr("\"Éloïse\""));
+  EXPECT_THAT(RunProgram("mdb-export " + file + " Results").text, HasSubstr(",7,8,60,60"));
+  EXPECT_THAT(RunProgram("mdb-schema " + file + " access").text, HasSubstr("[MembershipNumber]"));
+}
+
+}  // namespace
+}  // namespace tavi::host

@@ -1,0 +1,74 @@
+#include "host/support/Command.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "host/CommandLine.h"
+
+namespace tavi::host {
+
+CommandFolder::CommandFolder() {
+  const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
+  std::string name = std::string(test->test_suite_name()) + "-" + test->name();
+  for (char& c : name) c = c == '/' ? '-' : c;
+  folder_ = std::filesystem::temp_directory_path() / ("tavi-" + std::to_string(getpid()) + "-" + name);
+  std::filesystem::remove_all(folder_);
+  std::filesystem::create_directories(folder_);
+}
+
+CommandFolder::~CommandFolder() {
+  std::error_code ignored;
+  std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, ignored);
+  std::filesystem::remove_all(folder_, ignored);
+}
+
+std::string CommandFolder::Path(const std::string& name) const {
+  return name.empty() ? folder_.string() : (folder_ / name).string();
+}
+
+std::string CommandFolder::Write(const std::string& name, const std::string& content) const {
+  std::ofstream(Path(name), std::ios::binary) << content;
+  return Path(name);
+}
+
+Outcome CommandFolder::Run(std::vector<std::string> arguments) const {
+  arguments.insert(arguments.begin(), {"--db", Club(), "--today", "2026-01-15"});
+  std::ostringstream out;
+  std::ostringstream error;
+  Outcome outcome;
+  outcome.code = RunCommandLine(std::move(arguments), out, error, false, false);
+  outcome.out = out.str();
+  outcome.error = error.str();
+  return outcome;
+}
+
+std::vector<std::string> CommandFolder::Query(const std::string& statement) const {
+  const Outcome outcome = Run({"sql", statement});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  std::vector<std::string> rows;
+  std::istringstream lines(outcome.out);
+  std::string line;
+  std::getline(lines, line);
+  while (std::getline(lines, line)) rows.push_back(line);
+  return rows;
+}
+
+ProgramOutput RunProgram(const std::string& commandLine) {
+  const std::unique_ptr<FILE, int (*)(FILE*)> pipe(popen(commandLine.c_str(), "r"),
+                                                   [](FILE* file) { return pclose(file); });
+  ProgramOutput output;
+  if (!pipe) return output;
+  std::array<char, 4096> buffer{};
+  while (const std::size_t count = fread(buffer.data(), 1, buffer.size(), pipe.get()))
+    output.text.append(buffer.data(), count);
+  output.succeeded = !output.text.empty();
+  return output;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tavi::host {
+
+/// What one run of the command gave.
+struct Outcome {
+  int code = -1;
+  std::string out;
+  std::string error;
+};
+
+/// A folder of one test, gone afterwards, and the command run in it.
+class CommandFolder {
+ public:
+  CommandFolder();
+  ~CommandFolder();
+  CommandFolder(const CommandFolder&) = delete;
+  CommandFolder& operator=(const CommandFolder&) = delete;
+
+  [[nodiscard]] std::string Path(const std::string& name = "") const;
+  /// Where the club lies.
+  [[nodiscard]] std::string Club() const { return Path("club"); }
+  [[nodiscard]] std::string ClubFile() const { return Path("club/ClubMembers.mdb"); }
+  /// Writes a file into the folder and gives its path.
+  std::string Write(const std::string& name, const std::string& content) const;
+  /// Runs the command on the club, as if its output went into a file.
+  [[nodiscard]] Outcome Run(std::vector<std::string> arguments) const;
+  /// The tab-separated rows of a statement, without the header.
+  [[nodiscard]] std::vector<std::string> Query(const std::string& statement) const;
+
+ private:
+  std::filesystem::path folder_;
+};
+
+/// The standard output of a program, and whether it could be run and succeeded.
+struct ProgramOutput {
+  bool succeeded = false;
+  std::string text;
+};
+ProgramOutput RunProgram(const std::string& commandLine);
+
+}  // namespace tavi::host
