@@ -1,108 +1,207 @@
 #include "access/table/DataPage.h"
 
 #include <algorithm>
+#include <string>
 
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
 namespace tavi::access {
+
 namespace {
-namespace d = format::data;
+
+namespace data = format::data;
+
+// A page with less room is not offered, however short its rows are.
+constexpr std::size_t kLeastUsefulRoom = 60;
+
 }  // namespace
 
-DataPageView::DataPageView(const Page& page) : page_(page), rowCount_(page.U16(d::kRowCountOffset)) {
+const DataPageLayout& Jet4DataPageLayout() {
+  static constexpr DataPageLayout kLayout = {kPageSize, data::kRowCountOffset, data::kRowDirectoryOffset};
+  return kLayout;
+}
+
+const DataPageLayout& DataPageLayoutOf(const Pager& pager) {
+  static constexpr DataPageLayout kJet3Layout = {format::jet3::kPageSize, format::jet3::data::kRowCountOffset,
+                                                 format::jet3::data::kRowDirectoryOffset};
+  return pager.IsJet3() ? kJet3Layout : Jet4DataPageLayout();
+}
+
+bool RowEntry::IsDeleted() const {
+  return flags == data::kRowDeleted;
+}
+
+bool RowEntry::IsMoved() const {
+  return flags == data::kRowMoved;
+}
+
+bool RowEntry::IsMovedTarget() const {
+  return flags == data::kRowMovedTarget;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Reading
+// ---------------------------------------------------------------------------------------------------------------------
+
+DataPageReader::DataPageReader(const Page& page, const DataPageLayout& layout)
+    : page_(&page), layout_(&layout), rowCount_(page.U16(layout.rowCountOffset)) {
   if (page.U8(format::kPageTypeOffset) != format::page_type::kData) {
-    RaiseDamage("Page " + std::to_string(page.Number()) + " is no data page");
+    RaiseDamage("page " + std::to_string(page.Number()) + " has type " +
+                std::to_string(page.U8(format::kPageTypeOffset)) + " instead of that of a data page.");
   }
-  if (d::kRowDirectoryOffset + rowCount_ * d::kRowEntrySize > kPageSize) {
-    RaiseDamage("Page " + std::to_string(page.Number()) + " counts " + std::to_string(rowCount_) + " rows");
+  if (rowCount_ > data::kMaximumRowCount) {
+    RaiseDamage("page " + std::to_string(page.Number()) + " is said to have " + std::to_string(rowCount_) + " rows.");
   }
 }
 
-std::uint32_t DataPageView::Owner() const {
-  return page_.U32(d::kOwnerOffset);
+bool DataPageReader::IsOwnedBy(const Page& page, std::uint32_t owner) {
+  return page.U8(format::kPageTypeOffset) == format::page_type::kData && page.U32(data::kOwnerOffset) == owner;
 }
 
-std::uint16_t DataPageView::Flags(std::size_t row) const {
-  return page_.U16(d::kRowDirectoryOffset + row * d::kRowEntrySize) & d::kRowFlagsMask;
+std::uint16_t DataPageReader::StoredEntry(std::size_t row) const {
+  return page_->U16(layout_->rowDirectoryOffset + row * data::kRowEntrySize);
 }
 
-std::size_t DataPageView::Start(std::size_t row) const {
-  return page_.U16(d::kRowDirectoryOffset + row * d::kRowEntrySize) & d::kRowOffsetMask;
-}
-
-std::span<const std::uint8_t> DataPageView::RowBytes(std::size_t row) const {
-  const std::size_t start = Start(row);
-  const std::size_t end = End(row);
-  if (row >= rowCount_ || start > end || end > kPageSize ||
-      start < d::kRowDirectoryOffset + rowCount_ * d::kRowEntrySize) {
-    RaiseDamage("Row " + std::to_string(row) + " of page " + std::to_string(page_.Number()) + " lies outside the page");
+RowEntry DataPageReader::Entry(std::size_t row) const {
+  const std::uint16_t stored = StoredEntry(row);
+  const std::size_t offset = stored & data::kRowOffsetMask;
+  const std::size_t end = row == 0 ? layout_->pageSize : StoredEntry(row - 1) & std::size_t{data::kRowOffsetMask};
+  const std::size_t directoryEnd = layout_->rowDirectoryOffset + rowCount_ * data::kRowEntrySize;
+  if (offset > end || end > layout_->pageSize || offset < directoryEnd) {
+    RaiseDamage("row " + std::to_string(row) + " of page " + std::to_string(page_->Number()) + " lies at bytes " +
+                std::to_string(offset) + " to " + std::to_string(end) + ", which is no place for a row.");
   }
-  return page_.Slice(start, end - start);
+  return {offset, end - offset, static_cast<std::uint16_t>(stored & data::kRowFlagsMask)};
 }
 
-std::size_t DataPageView::FreeBytes() const {
-  const std::size_t directoryEnd = d::kRowDirectoryOffset + rowCount_ * d::kRowEntrySize;
-  const std::size_t lowest = rowCount_ == 0 ? kPageSize : Start(rowCount_ - 1);
-  return lowest > directoryEnd ? lowest - directoryEnd : 0;
+std::span<const std::uint8_t> DataPageReader::Bytes(const RowEntry& entry) const {
+  return page_->Slice(entry.offset, entry.length);
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Changing
+// ---------------------------------------------------------------------------------------------------------------------
+
+DataPageEditor::DataPageEditor(Page& page) : page_(&page) {
+  const DataPageReader reader(page, Jet4DataPageLayout());
+  for (std::size_t row = 0; row < reader.RowCount(); ++row) static_cast<void>(reader.Entry(row));
 }
 
 void DataPageEditor::Format(Page& page, std::uint32_t owner) {
   page.SetU8(format::kPageTypeOffset, format::page_type::kData);
   page.SetU8(format::kPageMarkOffset, format::kPageMark);
-  page.SetU16(d::kFreeBytesOffset, static_cast<std::uint16_t>(d::kEmptyFreeBytes));
-  page.SetU32(d::kOwnerOffset, owner);
+  page.SetU32(data::kOwnerOffset, owner);
+  page.SetU16(data::kFreeBytesOffset, static_cast<std::uint16_t>(data::kEmptyFreeBytes));
 }
 
-bool DataPageEditor::HasRoom(std::size_t size) const {
-  const DataPageView view(page_);
-  return view.RowCount() < d::kMaximumRowCount && size + d::kRowEntrySize <= view.FreeBytes();
+RowEntry DataPageEditor::Entry(std::size_t row) const {
+  return DataPageReader(*page_, Jet4DataPageLayout()).Entry(row);
 }
 
-bool DataPageEditor::CanResize(std::size_t row, std::size_t size) const {
-  const DataPageView view(page_);
-  return size <= view.RowBytes(row).size() + view.FreeBytes();
+std::size_t DataPageEditor::RowCount() const {
+  return page_->U16(data::kRowCountOffset);
 }
 
-std::uint8_t DataPageEditor::Add(std::span<const std::uint8_t> bytes, std::uint16_t flags) {
-  const DataPageView view(page_);
-  const std::size_t row = view.RowCount();
-  const std::size_t start = view.End(row) - bytes.size();
-  page_.Put(start, bytes);
-  page_.SetU16(d::kRowCountOffset, static_cast<std::uint16_t>(row + 1));
-  SetEntry(row, start, flags);
+std::size_t DataPageEditor::LowestOffset() const {
+  const std::size_t count = RowCount();
+  return count == 0 ? kPageSize : Entry(count - 1).offset;
+}
+
+std::size_t DataPageEditor::FreeBytes() const {
+  return LowestOffset() - data::kRowDirectoryOffset - RowCount() * data::kRowEntrySize;
+}
+
+std::size_t DataPageEditor::ReclaimableBytes() const {
+  std::size_t bytes = 0;
+  for (std::size_t row = 0; row < RowCount(); ++row) {
+    const RowEntry entry = Entry(row);
+    if (entry.IsDeleted()) bytes += entry.length;
+  }
+  return bytes;
+}
+
+bool DataPageEditor::Takes(std::size_t size) const {
+  if (RowCount() >= data::kMaximumRowCount) return false;
+  const std::size_t needed = size + data::kRowEntrySize;
+  return needed <= FreeBytes() || needed <= FreeBytes() + ReclaimableBytes();
+}
+
+std::uint8_t DataPageEditor::Append(std::span<const std::uint8_t> bytes, std::uint16_t flags) {
+  if (bytes.size() + data::kRowEntrySize > FreeBytes()) ReclaimDeleted();
+  const std::size_t row = RowCount();
+  const std::size_t offset = LowestOffset() - bytes.size();
+  page_->SetU16(data::kRowCountOffset, static_cast<std::uint16_t>(row + 1));
+  SetEntry(row, offset, flags);
+  page_->Put(offset, bytes);
   UpdateFreeBytes();
   return static_cast<std::uint8_t>(row);
 }
 
-void DataPageEditor::Replace(std::size_t row, std::span<const std::uint8_t> bytes, std::uint16_t flags) {
-  const DataPageView view(page_);
-  const std::vector<std::uint8_t> copy(bytes.begin(), bytes.end());
-  const std::size_t end = view.End(row);
-  const std::size_t oldStart = end - view.RowBytes(row).size();
-  const std::size_t lowest = view.Start(view.RowCount() - 1);
-  const std::size_t newStart = end - copy.size();
-  // Rows behind this one lie below it; they slide by the difference.
-  const auto below = page_.Slice(lowest, oldStart - lowest);
-  page_.Put(lowest + newStart - oldStart, std::vector<std::uint8_t>(below.begin(), below.end()));
-  page_.Put(newStart, copy);
-  for (std::size_t other = row + 1; other < view.RowCount(); ++other) {
-    SetEntry(other, view.Start(other) + newStart - oldStart, view.Flags(other));
-  }
-  SetEntry(row, newStart, flags);
+bool DataPageEditor::TakesInstead(std::uint8_t row, std::size_t size) const {
+  const std::size_t room = Entry(row).length + FreeBytes();
+  return size <= room || size <= room + ReclaimableBytes();
+}
+
+void DataPageEditor::Replace(std::uint8_t row, std::span<const std::uint8_t> bytes, std::uint16_t flags) {
+  if (bytes.size() > Entry(row).length + FreeBytes()) ReclaimDeleted();
+  Resize(row, bytes.size(), flags);
+  page_->Put(Entry(row).offset, bytes);
   UpdateFreeBytes();
 }
 
-void DataPageEditor::Delete(std::size_t row) {
-  Replace(row, {}, d::kRowDeleted);
+void DataPageEditor::Delete(std::uint8_t row) {
+  Resize(row, 0, data::kRowDeleted);
+  UpdateFreeBytes();
 }
 
-void DataPageEditor::SetEntry(std::size_t row, std::size_t offset, std::uint16_t flags) {
-  page_.SetU16(d::kRowDirectoryOffset + row * d::kRowEntrySize, static_cast<std::uint16_t>(offset | flags));
+// Moves the row's first byte so that it has `size` bytes, and the rows below with it. The content of a row that grows
+// is the caller's business.
+void DataPageEditor::Resize(std::size_t row, std::size_t size, std::uint16_t flags) {
+  const RowEntry entry = Entry(row);
+  const std::size_t lowest = LowestOffset();
+  const std::size_t newOffset = entry.offset + entry.length - size;
+  page_->Put(newOffset - (entry.offset - lowest), page_->Slice(lowest, entry.offset - lowest));
+  for (std::size_t below = RowCount() - 1; below > row; --below) {
+    const RowEntry other = Entry(below);
+    SetEntry(below, other.offset + newOffset - entry.offset, other.flags);
+  }
+  SetEntry(row, newOffset, flags);
+}
+
+void DataPageEditor::ReclaimDeleted() {
+  for (std::size_t row = 0; row < RowCount(); ++row) {
+    if (Entry(row).IsDeleted()) Resize(row, 0, data::kRowDeleted);
+  }
+}
+
+void DataPageEditor::SetEntry(std::size_t row, std::size_t offset, unsigned flags) {
+  page_->SetU16(data::kRowDirectoryOffset + row * data::kRowEntrySize, static_cast<std::uint16_t>(offset | flags));
 }
 
 void DataPageEditor::UpdateFreeBytes() {
-  page_.SetU16(d::kFreeBytesOffset, static_cast<std::uint16_t>(DataPageView(page_).FreeBytes()));
+  page_->SetU16(data::kFreeBytesOffset, static_cast<std::uint16_t>(FreeBytes()));
+}
+
+bool DataPageEditor::HasOnlyDeletedRows() const {
+  for (std::size_t row = 0; row < RowCount(); ++row) {
+    if (!Entry(row).IsDeleted()) return false;
+  }
+  return true;
+}
+
+bool DataPageEditor::HasRoomForTypicalRow() const {
+  if (RowCount() >= data::kMaximumRowCount) return false;
+  std::size_t rows = 0;
+  std::size_t bytes = 0;
+  for (std::size_t row = 0; row < RowCount(); ++row) {
+    const RowEntry entry = Entry(row);
+    if (entry.IsDeleted() || entry.IsMoved()) continue;
+    ++rows;
+    bytes += entry.length;
+  }
+  const std::size_t typical = rows == 0 ? 0 : bytes / rows + data::kRowEntrySize;
+  return FreeBytes() >= std::max(kLeastUsefulRoom, typical);
 }
 
 }  // namespace tavi::access

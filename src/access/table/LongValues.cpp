@@ -1,188 +1,200 @@
 #include "access/table/LongValues.h"
 
 #include <algorithm>
+#include <string>
+#include <vector>
 
 #include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 #include "access/table/DataPage.h"
+#include "access/table/RowFinder.h"
+#include "access/table/RowSpace.h"
 #include "access/table/TextEncoding.h"
+#include "access/table/ValueCodec.h"
 
 namespace tavi::access {
+
 namespace {
 
-namespace v = format::long_value;
+namespace layout = format::long_value;
+namespace data = format::data;
+
+using Stored = std::span<const std::uint8_t>;
+using Form = PreparedLongValue::Form;
 
 struct Descriptor {
-  std::uint32_t length = 0;
   std::uint32_t form = 0;
+  std::size_t length = 0;
   RowPointer first;
 };
 
-Descriptor ParseDescriptor(std::span<const std::uint8_t> bytes) {
-  if (bytes.size() < v::kDescriptorSize) {
-    RaiseDamage("A long value's descriptor has " + std::to_string(bytes.size()) + " bytes instead of 12");
-  }
-  const auto lengthAndForm = GetLittle<std::uint32_t>(bytes, v::kLengthOffset);
-  return {lengthAndForm & v::kLengthMask, lengthAndForm & v::kFormMask,
-          RowPointer::FromPacked(GetLittle<std::uint32_t>(bytes, v::kPointerOffset))};
+std::optional<Descriptor> ReadDescriptor(Stored stored) {
+  if (stored.size() < layout::kDescriptorSize) return std::nullopt;
+  const auto head = GetLittle<std::uint32_t>(stored, layout::kLengthOffset);
+  return Descriptor{head & layout::kFormMask, head & layout::kLengthMask,
+                    RowPointer::FromPacked(GetLittle<std::uint32_t>(stored, layout::kPointerOffset))};
 }
 
-std::vector<std::uint8_t> MakeDescriptor(std::size_t length, std::uint32_t form, RowPointer first) {
-  std::vector<std::uint8_t> bytes(v::kDescriptorSize);
-  PutLittle<std::uint32_t>(bytes, v::kLengthOffset, static_cast<std::uint32_t>(length) | form);
-  PutLittle<std::uint32_t>(bytes, v::kPointerOffset, first.Packed());
+Bytes MakeDescriptor(std::uint32_t form, std::size_t length, RowPointer first) {
+  Bytes bytes(layout::kDescriptorSize);
+  PutLittle(std::span(bytes), layout::kLengthOffset, form | static_cast<std::uint32_t>(length));
+  PutLittle(std::span(bytes), layout::kPointerOffset, first.Packed());
   return bytes;
 }
 
-/// A row of a long-value page, copied.
-std::vector<std::uint8_t> LongValueRow(Pager& pager, RowPointer row) {
-  const PageHandle page = pager.Read(row.page);
-  const DataPageView view(*page);
-  const bool usable = view.Owner() == format::data::kOwnerLongValues && row.row < view.RowCount() &&
-                      view.Flags(row.row) != format::data::kRowDeleted;
-  if (!usable) {
-    RaiseDamage("A long value leads to row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
-                ", which holds none");
-  }
-  const auto bytes = view.RowBytes(row.row);
-  return {bytes.begin(), bytes.end()};
+[[noreturn]] void RaiseBadValue(const ColumnDefinition& column, const std::string& what) {
+  RaiseDamage("the long value of the field '" + column.name + "' " + what);
+}
+
+std::string NameOf(RowPointer row) {
+  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+}
+
+Form FormFor(std::size_t uncompressedSize) {
+  if (uncompressedSize <= layout::kMaximumInlineSize) return Form::Inline;
+  return uncompressedSize <= layout::kMaximumSingleSize ? Form::Single : Form::Chain;
+}
+
+RowSpace SpaceOf(Pager& pager, const LongValueMaps& maps) {
+  return {pager, data::kOwnerLongValues, maps.ownedPages, maps.freeSpacePages};
 }
 
 }  // namespace
 
-std::vector<std::uint8_t> EncodeMemo(const std::string& text, const ColumnDefinition& column) {
-  const std::vector<std::uint8_t> plain = EncodePlainText(text);
-  const bool compress =
-      plain.size() <= v::kMaximumInlineSize || (column.IsCompressed() && plain.size() <= v::kMaximumSingleSize);
-  return compress ? EncodeText(text, true) : plain;
+std::size_t PreparedLongValue::SizeInRow() const {
+  return layout::kDescriptorSize + (form == Form::Inline ? data.size() : 0);
 }
 
-std::vector<std::uint8_t> LongValueStore::Read(std::span<const std::uint8_t> bytes) const {
-  const Descriptor descriptor = ParseDescriptor(bytes);
-  if (descriptor.form == v::kFormInline) {
-    const auto data = bytes.subspan(v::kDescriptorSize);
-    if (descriptor.length > data.size()) RaiseDamage("A long value in a row is longer than the row");
-    return {data.begin(), data.begin() + descriptor.length};
-  }
-  std::vector<std::uint8_t> data;
-  if (descriptor.form == v::kFormSingle) {
-    data = LongValueRow(pager_, descriptor.first);
-    if (data.size() < descriptor.length) RaiseDamage("A long value is shorter than its descriptor says");
+PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& column) {
+  PreparedLongValue prepared;
+  const auto* text = std::get_if<std::string>(&value);
+  if (column.type == ColumnType::Memo && text != nullptr) {
+    prepared.form = FormFor(Utf16Length(*text) * sizeof(char16_t));
+    const bool compress = prepared.form == Form::Inline || (prepared.form == Form::Single && column.IsCompressed());
+    prepared.data = EncodeText(*text, compress);
+  } else if (const auto* bytes = std::get_if<Bytes>(&value); column.type == ColumnType::Ole && bytes != nullptr) {
+    prepared.form = FormFor(bytes->size());
+    prepared.data = *bytes;
   } else {
-    for (RowPointer next = descriptor.first; data.size() < descriptor.length;) {
-      if (next.IsNone()) RaiseDamage("A long value's chain of pages ends too early");
-      const std::vector<std::uint8_t> row = LongValueRow(pager_, next);
-      if (row.size() <= v::kChainPointerSize)
-        RaiseDamage("Page " + std::to_string(next.page) + " of a long value is empty");
-      data.insert(data.end(), row.begin() + v::kChainPointerSize, row.end());
-      next = RowPointer::FromPacked(GetLittle<std::uint32_t>(row, 0));
+    throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,
+                "Data type mismatch in criteria expression. The value for the field '" + column.name +
+                    "' is not of the field's type.");
+  }
+  if (prepared.data.size() > layout::kLengthMask) {
+    RaiseFailure("The value for the field '" + column.name + "' has " + std::to_string(prepared.data.size()) +
+                 " bytes; a field can hold " + std::to_string(layout::kLengthMask) +
+                 ". Store it in a file of its own.");
+  }
+  return prepared;
+}
+
+bool LongValues::IsElsewhere(Stored stored) {
+  const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
+  return descriptor && descriptor->form != layout::kFormInline;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Reading
+// ---------------------------------------------------------------------------------------------------------------------
+
+Value LongValues::Read(Stored stored, const ColumnDefinition& column) const {
+  const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
+  if (descriptor && descriptor->form == layout::kFormInline) {
+    const Stored inlined = stored.subspan(layout::kDescriptorSize);
+    if (descriptor->length > inlined.size()) RaiseBadValue(column, "is cut off in its row.");
+    return DecodeValue(inlined.first(descriptor->length), column, version_);
+  }
+  return DecodeValue(ReadBytes(stored, column), column, version_);
+}
+
+Bytes LongValues::ReadBytes(Stored stored, const ColumnDefinition& column) const {
+  if (stored.empty()) return {};
+  const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
+  if (!descriptor) RaiseBadValue(column, "has a descriptor of only " + std::to_string(stored.size()) + " bytes.");
+  if (descriptor->form == layout::kFormChain) return ReadChain(descriptor->first, descriptor->length, column);
+  if (descriptor->form != layout::kFormSingle) RaiseBadValue(column, "has an unknown form.");
+  const auto row = RowFinder(*pager_, data::kOwnerLongValues).Find(descriptor->first);
+  if (!row || row->bytes.size() < descriptor->length) {
+    RaiseBadValue(column, "should have " + std::to_string(descriptor->length) + " bytes in " +
+                              NameOf(descriptor->first) + ", which are not there.");
+  }
+  const Stored bytes = row->bytes.first(descriptor->length);
+  return {bytes.begin(), bytes.end()};
+}
+
+// Each link must bring data and no value is larger than the file, so that links in a circle come to an end.
+Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDefinition& column) const {
+  if (length > std::size_t{pager_->PageCount()} * kPageSize) {
+    RaiseBadValue(column, "is said to have " + std::to_string(length) + " bytes, more than the file.");
+  }
+  const RowFinder finder(*pager_, data::kOwnerLongValues);
+  Bytes value;
+  value.reserve(length);
+  for (RowPointer place = first; value.size() < length;) {
+    const auto row = place.IsNone() ? std::nullopt : finder.Find(place);
+    if (!row || row->bytes.size() <= layout::kChainPointerSize) {
+      RaiseBadValue(column, "breaks off after " + std::to_string(value.size()) + " of " + std::to_string(length) +
+                                " bytes: the next part, " + NameOf(place) + ", is not there.");
     }
+    const Stored part = row->bytes.subspan(layout::kChainPointerSize);
+    const Stored needed = part.first(std::min(part.size(), length - value.size()));
+    value.insert(value.end(), needed.begin(), needed.end());
+    place = RowPointer::FromPacked(GetLittle<std::uint32_t>(row->bytes, 0));
   }
-  data.resize(descriptor.length);
-  return data;
+  return value;
 }
 
-std::vector<std::uint8_t> LongValueStore::Write(const ColumnDefinition& column, std::span<const std::uint8_t> data,
-                                                std::size_t plainSize) {
-  if (plainSize <= v::kMaximumInlineSize) {
-    std::vector<std::uint8_t> bytes = MakeDescriptor(data.size(), v::kFormInline, {});
-    bytes.insert(bytes.end(), data.begin(), data.end());
-    return bytes;
+// ---------------------------------------------------------------------------------------------------------------------
+// Storing and freeing
+// ---------------------------------------------------------------------------------------------------------------------
+
+Bytes LongValues::Store(const PreparedLongValue& value, const LongValueMaps& maps) {
+  switch (value.form) {
+    case Form::Single:
+      return MakeDescriptor(layout::kFormSingle, value.data.size(),
+                            SpaceOf(*pager_, maps).Insert(value.data, data::kRowNormal, 0));
+    case Form::Chain:
+      return MakeDescriptor(layout::kFormChain, value.data.size(), StoreChain(value.data, maps));
+    default:
+      Bytes bytes = MakeDescriptor(layout::kFormInline, value.data.size(), {});
+      bytes.insert(bytes.end(), value.data.begin(), value.data.end());
+      return bytes;
   }
-  if (data.size() > v::kLengthMask) RaiseFailure("The value for column " + column.name + " is longer than 1 GB.");
-  const LongValueMaps maps = MapsOf(column);
-  if (plainSize <= v::kMaximumSingleSize) return MakeDescriptor(data.size(), v::kFormSingle, WriteSingle(maps, data));
-  return MakeDescriptor(data.size(), v::kFormChain, WriteChain(maps, data));
 }
 
-LongValueMaps LongValueStore::MapsOf(const ColumnDefinition& column) const {
-  const auto found = std::find_if(definition_.longValueMaps.begin(), definition_.longValueMaps.end(),
-                                  [&](const LongValueMaps& maps) { return maps.columnId == column.id; });
-  if (found != definition_.longValueMaps.end() && !found->ownedPages.IsNone() && !found->freeSpacePages.IsNone()) {
-    return *found;
-  }
-  // Some programs leave a column without maps until it needs a page. The stored definition may have them by now.
-  TableDefinition stored = ReadTableDefinition(pager_, definition_.page);
-  for (LongValueMaps& maps : stored.longValueMaps) {
-    if (maps.columnId != column.id) continue;
-    PageAllocator allocator(pager_);
-    const PageNumber near = stored.ownedPages.page;
-    const bool complete = !maps.ownedPages.IsNone() && !maps.freeSpacePages.IsNone();
-    if (maps.ownedPages.IsNone()) maps.ownedPages = allocator.AddUsageMap(near);
-    if (maps.freeSpacePages.IsNone()) maps.freeSpacePages = allocator.AddUsageMap(near);
-    if (!complete) WriteTableDefinition(pager_, stored, true);
-    return maps;
-  }
-  RaiseDamage("The definition at page " + std::to_string(definition_.page) + " has no map record for column " +
-              column.name);
-}
-
-Page& LongValueStore::NewPage(const LongValueMaps& maps) {
-  Page& page = PageAllocator(pager_).Allocate();
-  DataPageEditor::Format(page, format::data::kOwnerLongValues);
-  UsageMap(pager_, maps.ownedPages).Add(page.Number());
-  return pager_.Write(page.Number());
-}
-
-RowPointer LongValueStore::WriteSingle(const LongValueMaps& maps, std::span<const std::uint8_t> data) {
-  UsageMap freeSpace(pager_, maps.freeSpacePages);
-  const std::vector<PageNumber> candidates = freeSpace.Pages();
-  for (auto candidate = candidates.rbegin(); candidate != candidates.rend(); ++candidate) {
-    Page& page = pager_.Write(*candidate);
-    if (DataPageEditor(page).HasRoom(data.size()))
-      return {*candidate, DataPageEditor(page).Add(data, format::data::kRowNormal)};
-    freeSpace.Remove(*candidate);
-  }
-  Page& page = NewPage(maps);
-  freeSpace.Add(page.Number());
-  return {page.Number(), DataPageEditor(pager_.Write(page.Number())).Add(data, format::data::kRowNormal)};
-}
-
-RowPointer LongValueStore::WriteChain(const LongValueMaps& maps, std::span<const std::uint8_t> data) {
+// The stamp stays zero, on the first page as in the descriptor.
+RowPointer LongValues::StoreChain(Stored bytes, const LongValueMaps& maps) {
+  RowSpace space = SpaceOf(*pager_, maps);
   std::vector<PageNumber> pages;
-  for (std::size_t stored = 0; stored < data.size(); stored += v::kChainDataSize)
-    pages.push_back(NewPage(maps).Number());
+  for (std::size_t begin = 0; begin < bytes.size(); begin += layout::kChainDataSize) {
+    pages.push_back(space.AddPage().Number());
+  }
   for (std::size_t i = 0; i < pages.size(); ++i) {
-    const auto chunk =
-        data.subspan(i * v::kChainDataSize, std::min(v::kChainDataSize, data.size() - i * v::kChainDataSize));
-    std::vector<std::uint8_t> row(v::kChainPointerSize);
-    const RowPointer next = i + 1 < pages.size() ? RowPointer{pages[i + 1], 0} : RowPointer{};
-    PutLittle<std::uint32_t>(row, 0, next.Packed());
-    row.insert(row.end(), chunk.begin(), chunk.end());
-    DataPageEditor(pager_.Write(pages[i])).Add(row, format::data::kRowNormal);
+    const Stored part = bytes.subspan(i * layout::kChainDataSize);
+    const RowPointer next = {i + 1 < pages.size() ? pages[i + 1] : 0, 0};
+    Bytes row(layout::kChainPointerSize);
+    PutLittle(std::span(row), 0, next.Packed());
+    const Stored taken = part.first(std::min(part.size(), layout::kChainDataSize));
+    row.insert(row.end(), taken.begin(), taken.end());
+    DataPageEditor(pager_->Write(pages[i])).Append(row, data::kRowNormal);
   }
   return {pages.front(), 0};
 }
 
-void LongValueStore::Free(const ColumnDefinition& column, std::span<const std::uint8_t> bytes) {
-  const Descriptor descriptor = ParseDescriptor(bytes);
-  if (descriptor.form == v::kFormInline || descriptor.first.IsNone()) return;
-  const LongValueMaps maps = MapsOf(column);
-  if (descriptor.form == v::kFormSingle) return FreeRow(maps, descriptor.first);
-  std::size_t freed = 0;
-  for (RowPointer next = descriptor.first; !next.IsNone() && freed < descriptor.length;) {
-    const std::vector<std::uint8_t> row = LongValueRow(pager_, next);
-    if (row.size() <= v::kChainPointerSize)
-      RaiseDamage("Page " + std::to_string(next.page) + " of a long value is empty");
-    FreeRow(maps, next);
-    freed += row.size() - v::kChainPointerSize;
-    next = RowPointer::FromPacked(GetLittle<std::uint32_t>(row, 0));
+void LongValues::Remove(Stored stored, const LongValueMaps& maps) {
+  const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
+  if (!descriptor || descriptor->form == layout::kFormInline) return;
+  RowSpace space = SpaceOf(*pager_, maps);
+  const RowFinder finder(*pager_, data::kOwnerLongValues);
+  for (RowPointer place = descriptor->first; !place.IsNone() && space.Owns(place.page);) {
+    const auto row = finder.Find(place);
+    if (!row) return;
+    const bool hasNext = descriptor->form == layout::kFormChain && row->bytes.size() >= layout::kChainPointerSize;
+    const RowPointer next = hasNext ? RowPointer::FromPacked(GetLittle<std::uint32_t>(row->bytes, 0)) : RowPointer{};
+    space.Delete(place);
+    place = next;
   }
-}
-
-void LongValueStore::FreeRow(const LongValueMaps& maps, RowPointer row) {
-  Page& page = pager_.Write(row.page);
-  DataPageEditor(page).Delete(row.row);
-  const DataPageView view(page);
-  bool empty = true;
-  for (std::size_t i = 0; i < view.RowCount(); ++i) empty = empty && view.Flags(i) == format::data::kRowDeleted;
-  UsageMap freeSpace(pager_, maps.freeSpacePages);
-  if (!empty) return freeSpace.Add(row.page);
-  freeSpace.Remove(row.page);
-  UsageMap(pager_, maps.ownedPages).Remove(row.page);
-  page.SetU8(format::kPageTypeOffset, format::page_type::kReleasedData);
-  PageAllocator(pager_).Free(row.page);
 }
 
 }  // namespace tavi::access

@@ -1,43 +1,66 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <span>
-#include <vector>
 
-#include "access/file/UsageMap.h"
+#include "access/file/Pager.h"
+#include "access/table/FormatVersion.h"
 #include "access/table/TableDefinition.h"
+#include "platform/values/Value.h"
 
 namespace tavi::access {
 
-/// The long values (Memo, OLE) of one table: what a row holds of them is a descriptor of 12 bytes — length [4, top two
-/// bits the form], row pointer [4], stamp [4] — followed by the data themselves in the inline form. Otherwise the data
-/// are one row of a long-value page, or a chain of pages each of whose row 0 begins with the pointer to the next.
-/// Example: 07 00 00 80 00 00 00 00 00 00 00 00 FF FE 48 65 6C 6C 6F is the memo "Hello", inline and compressed.
-class LongValueStore {
- public:
-  LongValueStore(Pager& pager, const TableDefinition& definition) : pager_(pager), definition_(definition) {}
+// Long values (MEMO, OLE). The row holds a descriptor of 12 bytes (offset, size):
+//
+//   00 [4] length in bytes (low 30 bits) and form (top 2 bits)
+//   04 [4] row pointer (row u8, page u24) of the first row on LVAL pages; 0 in the form inline
+//   08 [4] form chain: stamp, as on the first page; else 0
+//
+//   form    top bits  where the data are
+//   inline  80        behind the descriptor, in the row
+//   single  40        a row on an LVAL page (data page with owner "LVAL"), shared with other values of the column
+//   chain   00        rows on LVAL pages of their own: row pointer to the next one [4] (0 = last), then data
+//
+// Example, inline, a compressed memo:    07 00 00 80 00 00 00 00 00 00 00 00 FF FE 48 65 6C 6C 6F    "Hello"
 
-  /// The data that a descriptor leads to. Damage raises ProviderFailure.
-  [[nodiscard]] std::vector<std::uint8_t> Read(std::span<const std::uint8_t> descriptor) const;
-  /// Stores data for a column and returns its descriptor. `plainSize` is the length before compression, which decides
-  /// the form.
-  std::vector<std::uint8_t> Write(const ColumnDefinition& column, std::span<const std::uint8_t> data,
-                                  std::size_t plainSize);
-  /// Gives back the pages and rows that a descriptor leads to.
-  void Free(const ColumnDefinition& column, std::span<const std::uint8_t> descriptor);
+/// A long value made ready to be stored: its form is decided, nothing is written yet.
+struct PreparedLongValue {
+  enum class Form : std::uint8_t { Inline, Single, Chain };
+  Form form = Form::Inline;
+  Bytes data;
 
- private:
-  [[nodiscard]] LongValueMaps MapsOf(const ColumnDefinition& column) const;
-  RowPointer WriteSingle(const LongValueMaps& maps, std::span<const std::uint8_t> data);
-  RowPointer WriteChain(const LongValueMaps& maps, std::span<const std::uint8_t> data);
-  Page& NewPage(const LongValueMaps& maps);
-  void FreeRow(const LongValueMaps& maps, RowPointer row);
-
-  Pager& pager_;
-  const TableDefinition& definition_;
+  /// What it will take in the row, in bytes.
+  [[nodiscard]] std::size_t SizeInRow() const;
 };
 
-/// The form in which a memo's text is stored: compressed when it is short enough to be inline, or the column says so
-/// and it is not a chain.
-std::vector<std::uint8_t> EncodeMemo(const std::string& text, const ColumnDefinition& column);
+/// Decides form and compression as Access does: inline up to 64 bytes, in one row up to about 3.8 KB, else a chain (all
+/// before compression). Text of a Memo: inline is compressed where it can be, single only in columns with compression,
+/// a chain never. `value` is a text for a Memo and Bytes for an OLE column, else ProviderTypeConflict is raised; so is
+/// ProviderFailure for a value of a GB or more.
+[[nodiscard]] PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& column);
+
+/// Reads, stores and frees the long values of one column. Damage raises ProviderFailure.
+class LongValues {
+ public:
+  LongValues(Pager& pager, const FormatVersion& version) : pager_(&pager), version_(version) {}
+
+  /// The value that a row's stored bytes (descriptor and what follows) stand for. No bytes at all are an empty value.
+  [[nodiscard]] Value Read(std::span<const std::uint8_t> stored, const ColumnDefinition& column) const;
+  /// Stores a value and returns what belongs in the row. `maps` are the column's; not used for an inline value.
+  [[nodiscard]] Bytes Store(const PreparedLongValue& value, const LongValueMaps& maps);
+  /// Frees what a row's stored bytes refer to. Parts that are not the column's (a damaged file) are left alone.
+  void Remove(std::span<const std::uint8_t> stored, const LongValueMaps& maps);
+  /// True when the stored bytes refer to rows on LVAL pages.
+  [[nodiscard]] static bool IsElsewhere(std::span<const std::uint8_t> stored);
+
+ private:
+  [[nodiscard]] Bytes ReadBytes(std::span<const std::uint8_t> stored, const ColumnDefinition& column) const;
+  [[nodiscard]] Bytes ReadChain(RowPointer first, std::size_t length, const ColumnDefinition& column) const;
+  [[nodiscard]] RowPointer StoreChain(std::span<const std::uint8_t> data, const LongValueMaps& maps);
+
+  Pager* pager_;
+  FormatVersion version_;
+};
 
 }  // namespace tavi::access

@@ -1,119 +1,123 @@
 #include "access/table/RowCodec.h"
 
-#include <cmath>
-#include <limits>
+#include <algorithm>
+#include <span>
+#include <string>
 
+#include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
-#include "access/table/TextEncoding.h"
-#include "platform/values/Convert.h"
+#include "access/file/Format.h"
+#include "access/table/ValueCodec.h"
 
 namespace tavi::access {
+
 namespace {
 
-constexpr double kCurrencyScale = 10000.0;
+namespace layout = format::row;
 
-[[noreturn]] void RaiseConflict(const ColumnDefinition& column) {
-  throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,
-              "Data type mismatch: the value does not fit the type of column " + column.name + ".");
-}
+constexpr std::size_t kBitsPerByte = 8;
 
-/// A number rounded to the nearest whole one, ties to even, within the limits of a type.
-template <typename Integer>
-Integer ToWhole(const Value& value, const ColumnDefinition& column) {
-  const double rounded = RoundHalfEven(ToDouble(value), 0);
-  if (!(rounded >= static_cast<double>(std::numeric_limits<Integer>::min()) &&
-        rounded <= static_cast<double>(std::numeric_limits<Integer>::max()))) {
-    throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,
-                "Overflow: " + NumberText(rounded) + " is out of the range of column " + column.name + ".");
+std::size_t FixedAreaEnd(const TableDefinition& definition) {
+  std::size_t end = layout::kFixedAreaOffset;
+  for (const ColumnDefinition& column : definition.columns) {
+    if (!column.IsFixed() || column.type == ColumnType::Boolean) continue;
+    const std::size_t size = SizeOfType(column.type).value_or(column.length);
+    end = std::max(end, layout::kFixedAreaOffset + column.fixedOffset + size);
   }
-  return static_cast<Integer>(rounded);
+  return end;
 }
 
-Currency ToCurrency(const Value& value, const ColumnDefinition& column) {
-  if (const auto* amount = std::get_if<Currency>(&value)) return *amount;
-  const double scaled = RoundHalfEven(ToDouble(value) * kCurrencyScale, 0);
-  if (!(std::abs(scaled) < 9.2e18)) RaiseConflict(column);
-  return {static_cast<std::int64_t>(scaled)};
+void AppendWord(Bytes& bytes, std::size_t word) {
+  bytes.push_back(static_cast<std::uint8_t>(word & 0xFFU));
+  bytes.push_back(static_cast<std::uint8_t>(word >> 8U));
 }
 
-Decimal ToDecimal(const Value& value, const ColumnDefinition& column) {
-  if (const auto* number = std::get_if<Decimal>(&value); number != nullptr && number->scale == column.scale)
-    return *number;
-  const double scaled = RoundHalfEven(ToDouble(value) * std::pow(10.0, column.scale), 0);
-  if (!(std::abs(scaled) < 3.4e38)) RaiseConflict(column);
-  const double magnitude = std::abs(scaled);
-  constexpr double kHigh = 18446744073709551616.0;  // 2^64
-  Decimal number;
-  number.high = static_cast<std::uint64_t>(magnitude / kHigh);
-  number.low = static_cast<std::uint64_t>(magnitude - static_cast<double>(number.high) * kHigh);
-  number.negative = scaled < 0.0;
-  number.scale = column.scale;
-  return number;
+bool MaskBitOf(const Value& value) {
+  if (const bool* truth = std::get_if<bool>(&value)) return *truth;
+  return !IsNull(value);
 }
 
-std::string ToColumnText(const Value& value, const ColumnDefinition& column) {
-  std::string text = ToText(value);
-  if (column.type == ColumnType::Text && StoredLength(text) * 2 > column.length) {
-    RaiseFailure(
-        "The field is too small to accept the amount of data you attempted to add. Try inserting or pasting less "
-        "data. (Column " +
-        column.name + " takes " + std::to_string(column.length / 2) + " characters.)");
+/// Puts the parts of a row together.
+class RowWriter {
+ public:
+  RowWriter(const TableDefinition& definition, const RowValues& values, const std::vector<Bytes>& longValues)
+      : definition_(definition), values_(values), longValues_(longValues), row_(FixedAreaEnd(definition)) {}
+
+  Bytes Write() {
+    PutLittle(std::span(row_), layout::kColumnCountOffset, definition_.columnIdCounter);
+    PutFixed();
+    if (definition_.variableColumnCounter > 0) AppendVariable();
+    AppendMask();
+    if (row_.size() > layout::kMaximumSize) {
+      RaiseFailure("Record is too large. It needs " + std::to_string(row_.size()) +
+                   " bytes, of which a record can have " + std::to_string(layout::kMaximumSize) +
+                   "; shorten its texts or keep them in Memo fields.");
+    }
+    return std::move(row_);
   }
-  return text;
-}
 
-Bytes ToBytes(const Value& value, const ColumnDefinition& column) {
-  const auto* bytes = std::get_if<Bytes>(&value);
-  if (bytes == nullptr) RaiseConflict(column);
-  if (column.type != ColumnType::Ole && bytes->size() > column.length) {
-    RaiseFailure("The field is too small to accept the amount of data you attempted to add. (Column " + column.name +
-                 " takes " + std::to_string(column.length) + " bytes.)");
+ private:
+  void PutFixed() {
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+      const ColumnDefinition& column = definition_.columns[i];
+      if (!column.IsFixed() || column.type == ColumnType::Boolean || IsNull(values_[i])) continue;
+      const Bytes stored = EncodeValue(values_[i], column);
+      std::ranges::copy(stored, row_.begin() + layout::kFixedAreaOffset + column.fixedOffset);
+    }
   }
-  return *bytes;
-}
 
-Value Converted(const Value& value, const ColumnDefinition& column) {
-  switch (column.type) {
-    case ColumnType::Boolean:
-      return ToBoolean(value);
-    case ColumnType::Byte:
-      return ToWhole<std::uint8_t>(value, column);
-    case ColumnType::Integer:
-      return ToWhole<std::int16_t>(value, column);
-    case ColumnType::Long:
-    case ColumnType::Complex:
-      return ToWhole<std::int32_t>(value, column);
-    case ColumnType::Currency:
-      return ToCurrency(value, column);
-    case ColumnType::Single:
-      return static_cast<float>(ToDouble(value));
-    case ColumnType::Double:
-      return ToDouble(value);
-    case ColumnType::Date:
-      return ToDate(value);
-    case ColumnType::Text:
-    case ColumnType::Memo:
-      return ToColumnText(value, column);
-    case ColumnType::Numeric:
-      return ToDecimal(value, column);
-    case ColumnType::Guid:
-      if (!std::holds_alternative<Guid>(value)) RaiseConflict(column);
-      return value;
-    default:
-      return ToBytes(value, column);
+  void AppendVariable() {
+    const std::vector<Bytes> stored = StoredByIndex();
+    std::vector<std::size_t> offsets;
+    for (const Bytes& value : stored) {
+      offsets.push_back(row_.size());
+      row_.insert(row_.end(), value.begin(), value.end());
+    }
+    // Longer ones are refused in the end, but offsets must fit in a word before.
+    AppendWord(row_, row_.size());
+    for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) AppendWord(row_, *offset);
+    AppendWord(row_, stored.size());
   }
-}
+
+  std::vector<Bytes> StoredByIndex() const {
+    std::vector<Bytes> stored(definition_.variableColumnCounter);
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+      const ColumnDefinition& column = definition_.columns[i];
+      if (column.IsFixed() || column.type == ColumnType::Boolean || IsNull(values_[i])) continue;
+      stored.at(column.variableIndex) = column.IsLongValue() ? longValues_.at(i) : EncodeValue(values_[i], column);
+    }
+    return stored;
+  }
+
+  void AppendMask() {
+    Bytes mask((definition_.columnIdCounter + kBitsPerByte - 1) / kBitsPerByte);
+    for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
+      if (!MaskBitOf(values_[i])) continue;
+      const std::uint16_t id = definition_.columns[i].id;
+      mask.at(id / kBitsPerByte) |= static_cast<std::uint8_t>(1U << (id % kBitsPerByte));
+    }
+    // A row must be able to hold the pointer that it leaves behind when it moves.
+    if (row_.size() + mask.size() < layout::kMinimumSize) row_.resize(layout::kMinimumSize - mask.size());
+    row_.insert(row_.end(), mask.begin(), mask.end());
+  }
+
+  const TableDefinition& definition_;
+  const RowValues& values_;
+  const std::vector<Bytes>& longValues_;
+  Bytes row_;
+};
 
 }  // namespace
 
-Value ConvertForColumn(const Value& value, const ColumnDefinition& column) {
-  if (IsNull(value)) return column.type == ColumnType::Boolean ? Value(false) : value;
-  try {
-    return Converted(value, column);
-  } catch (const Error& error) {
-    if (error.Is(ErrorNumber::TypeMismatch) || error.Is(ErrorNumber::Overflow)) RaiseConflict(column);
-    throw;
-  }
+void RequireValuePerColumn(const TableDefinition& definition, const RowValues& values) {
+  if (values.size() == definition.columns.size()) return;
+  RaiseFailure("A row of " + std::to_string(values.size()) + " values was given for a table of " +
+               std::to_string(definition.columns.size()) + " fields. Open the table again; it was altered.");
+}
+
+Bytes EncodeRow(const TableDefinition& definition, const RowValues& values, const std::vector<Bytes>& longValues) {
+  RequireValuePerColumn(definition, values);
+  return RowWriter(definition, values, longValues).Write();
 }
 
 }  // namespace tavi::access

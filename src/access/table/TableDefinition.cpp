@@ -24,13 +24,13 @@ bool ColumnDefinition::IsCompressed() const {
 }
 
 const ColumnDefinition* TableDefinition::FindColumn(std::uint16_t id) const {
-  const auto found = std::find_if(columns.begin(), columns.end(), [&](const auto& column) { return column.id == id; });
+  const auto found = std::ranges::find(columns, id, &ColumnDefinition::id);
   return found == columns.end() ? nullptr : &*found;
 }
 
 const ColumnDefinition* TableDefinition::FindColumn(std::string_view name) const {
-  const auto found = std::find_if(columns.begin(), columns.end(),
-                                  [&](const auto& column) { return EqualIgnoringCase(column.name, name); });
+  const auto found = std::ranges::find_if(
+      columns, [name](const ColumnDefinition& column) { return EqualIgnoringCase(column.name, name); });
   return found == columns.end() ? nullptr : &*found;
 }
 

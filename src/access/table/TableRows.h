@@ -2,28 +2,38 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "access/file/Pager.h"
+#include "access/table/FormatVersion.h"
+#include "access/table/LongValues.h"
+#include "access/table/RowCodec.h"
+#include "access/table/RowFinder.h"
+#include "access/table/RowSpace.h"
+#include "access/table/RowView.h"
 #include "access/table/TableDefinition.h"
 #include "platform/values/Value.h"
 
 namespace tavi::access {
 
-/// A row's values, one for each column of TableDefinition::columns, in that order.
-using RowValues = std::vector<Value>;
-
 /// The rows of one table without its indexes: insert, read, update, delete, walk. Long values are stored and fetched
-/// here too. Holds a reference to the definition; every call works in the pager's current statement.
+/// here too, and the row count in the definition is kept. Holds a reference to the definition; every call works in the
+/// pager's current statement. An error while a row is stored or changed ("Record is too large.", a value of a wrong
+/// type) leaves the pages as they were; after any other error the statement is to be rolled back.
 class TableRows {
  public:
+  /// `definition` is changed in one case only: a long-value column gets its usage maps when it first needs a page.
+  TableRows(Pager& pager, TableDefinition& definition)
+      : pager_(&pager), definition_(&definition), writableDefinition_(&definition) {}
+  /// As above, but new usage maps are only written to the file, and looked up there later on.
   TableRows(Pager& pager, const TableDefinition& definition) : pager_(&pager), definition_(&definition) {}
 
   /// Stores a row and returns where. Values must already have their column's type (see ConvertForColumn in RowCodec.h)
   /// and length. Raises ProviderFailure when the row is larger than a page takes ("Record is too large.").
   RowPointer Insert(const RowValues& values);
   /// Replaces a row; its RowPointer stays the same even when the bytes move to another page. Long values that did not
-  /// change are kept where they are. A row whose bytes stay the same is not written.
+  /// change are kept where they are. Nothing is written when no value changes.
   void Update(RowPointer row, const RowValues& values);
   void Delete(RowPointer row);
 
@@ -35,7 +45,8 @@ class TableRows {
   /// values.
   [[nodiscard]] RowValues Read(RowPointer row, const std::vector<bool>& wanted) const;
 
-  /// The live rows in the order of pages and row numbers. `after` none starts at the first. Nothing at the end.
+  /// The live rows in the order of pages and row numbers. `after` none starts at the first. Nothing at the end. Rows
+  /// may be changed and deleted between calls, `after` included.
   [[nodiscard]] std::optional<RowPointer> Next(std::optional<RowPointer> after) const;
   /// Calls `visit` for each live row; rows may not be changed meanwhile. Returns early when it gives false.
   void Walk(const std::function<bool(RowPointer)>& visit) const;
@@ -46,8 +57,24 @@ class TableRows {
   void RemoveLongValues(std::uint16_t columnId);
 
  private:
+  using Stored = std::span<const std::uint8_t>;
+
+  [[nodiscard]] FormatVersion Version() const;
+  [[nodiscard]] FoundRow Require(RowPointer row) const;
+  [[nodiscard]] Value ReadValue(const RowView& view, const ColumnDefinition& column) const;
+  [[nodiscard]] const Page* OwnedPage(PageNumber number, PageHandle& holder) const;
+  [[nodiscard]] RowSpace Space() const;
+
+  [[nodiscard]] LongValueMaps MapsOf(std::uint16_t columnId) const;
+  [[nodiscard]] LongValueMaps MapsForStoring(std::uint16_t columnId);
+  [[nodiscard]] Bytes StoreLongValue(const PreparedLongValue& value, std::uint16_t columnId);
+  void ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes);
+
   Pager* pager_;
   const TableDefinition* definition_;
+  TableDefinition* writableDefinition_ = nullptr;
+  PageNumber lastInserted_ = 0;  // page, tried first for the next row
+  mutable std::optional<FormatVersion> version_;
 };
 
 }  // namespace tavi::access

@@ -6,75 +6,133 @@
 #include "platform/values/Text.h"
 
 namespace tavi::access {
+
 namespace {
 
-bool IsCompressed(std::span<const std::uint8_t> bytes) {
-  return bytes.size() >= 2 && bytes[0] == format::text::kCompressedMark[0] &&
-         bytes[1] == format::text::kCompressedMark[1];
+namespace layout = format::text;
+
+constexpr std::uint8_t kFirstNonAscii = 0x80;
+constexpr std::size_t kUnitSize = 2;
+
+using Stored = std::span<const std::uint8_t>;
+
+bool IsMarkedCompressed(Stored stored) {
+  return stored.size() >= layout::kCompressedMark.size() && stored[0] == layout::kCompressedMark[0] &&
+         stored[1] == layout::kCompressedMark[1];
 }
 
-std::u16string PlainUnits(std::span<const std::uint8_t> bytes) {
-  std::u16string units;
-  units.reserve(bytes.size() / 2);
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    units.push_back(static_cast<char16_t>(bytes[i] | bytes[i + 1] << 8U));
+bool IsAscii(Stored bytes) {
+  return std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte < kFirstNonAscii; });
+}
+
+bool IsAscii(std::string_view text) {
+  return std::ranges::all_of(text, [](char byte) { return static_cast<std::uint8_t>(byte) < kFirstNonAscii; });
+}
+
+void AppendUnits(std::u16string& units, Stored plain) {
+  for (std::size_t i = 0; i + 1 < plain.size(); i += kUnitSize) {
+    units.push_back(static_cast<char16_t>(plain[i] | (plain[i + 1] << 8U)));
   }
-  return units;
 }
 
-std::u16string CompressedUnits(std::span<const std::uint8_t> bytes) {
+void AppendLatin(std::string& text, Stored bytes) {
+  for (const std::uint8_t byte : bytes) {
+    if (byte < kFirstNonAscii) {
+      text.push_back(static_cast<char>(byte));
+    } else {
+      text.push_back(static_cast<char>(0xC0U | (byte >> 6U)));
+      text.push_back(static_cast<char>(0x80U | (byte & 0x3FU)));
+    }
+  }
+}
+
+std::string DecodeSegments(Stored body) {
   std::u16string units;
-  bool compressed = true;
-  while (!bytes.empty()) {
-    const auto end = std::find(bytes.begin(), bytes.end(), format::text::kModeSwitch);
-    const auto length = static_cast<std::size_t>(end - bytes.begin());
-    const auto segment = bytes.first(length);
-    if (compressed) {
+  bool isCompressed = true;
+  while (!body.empty()) {
+    const auto end = std::ranges::find(body, layout::kModeSwitch);
+    const auto length = static_cast<std::size_t>(end - body.begin());
+    const Stored segment = body.first(length);
+    if (isCompressed) {
       units.append(segment.begin(), segment.end());
     } else {
-      units += PlainUnits(segment);
+      AppendUnits(units, segment);
     }
-    bytes = bytes.subspan(std::min(length + 1, bytes.size()));
-    compressed = !compressed;
+    if (end == body.end()) break;
+    body = body.subspan(length + 1);
+    isCompressed = !isCompressed;
   }
-  return units;
+  return FromUtf16(units);
 }
 
-bool IsCompressible(const std::u16string& units) {
-  return units.size() >= format::text::kMinimumCompressedLength &&
-         std::all_of(units.begin(), units.end(), [](char16_t unit) { return unit >= 1 && unit <= 0xFF; });
-}
-
-std::vector<std::uint8_t> Plain(const std::u16string& units) {
-  std::vector<std::uint8_t> bytes;
-  bytes.reserve(units.size() * 2);
-  for (const char16_t unit : units) {
-    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFFU));
-    bytes.push_back(static_cast<std::uint8_t>(unit >> 8U));
-  }
-  return bytes;
+std::string DecodeCompressed(Stored body) {
+  if (std::ranges::find(body, layout::kModeSwitch) != body.end()) return DecodeSegments(body);
+  if (IsAscii(body)) return {body.begin(), body.end()};
+  std::string text;
+  text.reserve(body.size() + body.size() / 2);
+  AppendLatin(text, body);
+  return text;
 }
 
 }  // namespace
 
-std::string DecodeText(std::span<const std::uint8_t> bytes) {
-  return FromUtf16(IsCompressed(bytes) ? CompressedUnits(bytes.subspan(2)) : PlainUnits(bytes));
+std::string DecodeText(Stored stored) {
+  if (IsMarkedCompressed(stored)) return DecodeCompressed(stored.subspan(layout::kCompressedMark.size()));
+  return DecodePlainText(stored);
 }
 
-std::vector<std::uint8_t> EncodeText(std::string_view text, bool mayCompress) {
-  const std::u16string units = ToUtf16(text);
-  if (!mayCompress || !IsCompressible(units)) return Plain(units);
-  std::vector<std::uint8_t> bytes(format::text::kCompressedMark.begin(), format::text::kCompressedMark.end());
-  for (const char16_t unit : units) bytes.push_back(static_cast<std::uint8_t>(unit));
+std::string DecodePlainText(Stored stored) {
+  std::string text;
+  text.reserve(stored.size() / kUnitSize);
+  for (std::size_t i = 0; i + 1 < stored.size(); i += kUnitSize) {
+    if (stored[i + 1] != 0 || stored[i] >= kFirstNonAscii) {
+      std::u16string units;
+      units.reserve(stored.size() / kUnitSize);
+      AppendUnits(units, stored);
+      return FromUtf16(units);
+    }
+    text.push_back(static_cast<char>(stored[i]));
+  }
+  return text;
+}
+
+Bytes EncodePlainText(std::string_view text) {
+  Bytes bytes;
+  bytes.reserve(text.size() * kUnitSize);
+  const auto put = [&bytes](char16_t unit) {
+    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFFU));
+    bytes.push_back(static_cast<std::uint8_t>(unit >> 8U));
+  };
+  if (IsAscii(text)) {
+    for (const char character : text) put(static_cast<char16_t>(character));
+  } else {
+    for (const char16_t unit : ToUtf16(text)) put(unit);
+  }
   return bytes;
 }
 
-std::vector<std::uint8_t> EncodePlainText(std::string_view text) {
-  return Plain(ToUtf16(text));
+bool IsCompressible(std::string_view text) {
+  if (IsAscii(text)) {
+    return text.size() >= layout::kMinimumCompressedLength && text.find('\0') == std::string_view::npos;
+  }
+  const std::u16string units = ToUtf16(text);
+  return units.size() >= layout::kMinimumCompressedLength &&
+         std::ranges::all_of(units, [](char16_t unit) { return unit >= 0x01 && unit <= 0xFF; });
 }
 
-std::size_t StoredLength(std::string_view text) {
-  return ToUtf16(text).size();
+Bytes EncodeText(std::string_view text, bool compress) {
+  if (!compress || !IsCompressible(text)) return EncodePlainText(text);
+  Bytes bytes(layout::kCompressedMark.begin(), layout::kCompressedMark.end());
+  if (IsAscii(text)) {
+    bytes.insert(bytes.end(), text.begin(), text.end());
+  } else {
+    for (const char16_t unit : ToUtf16(text)) bytes.push_back(static_cast<std::uint8_t>(unit));
+  }
+  return bytes;
+}
+
+std::size_t Utf16Length(std::string_view text) {
+  return IsAscii(text) ? text.size() : ToUtf16(text).size();
 }
 
 }  // namespace tavi::access

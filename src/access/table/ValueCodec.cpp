@@ -2,78 +2,86 @@
 
 #include <algorithm>
 #include <bit>
+#include <string>
+#include <utility>
 
 #include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
+#include "access/table/AnsiText.h"
 #include "access/table/TextEncoding.h"
 
 namespace tavi::access {
+
 namespace {
 
+namespace numeric = format::numeric;
+
+using Stored = std::span<const std::uint8_t>;
+
 constexpr std::uint8_t kBlank = 0x20;
+constexpr std::size_t kGuidSize = 16;
 
-template <typename Integer>
-Integer Whole(std::span<const std::uint8_t> bytes, const ColumnDefinition& column) {
-  if (bytes.size() < sizeof(Integer)) {
-    RaiseDamage("The value of column " + column.name + " has " + std::to_string(bytes.size()) + " bytes instead of " +
-                std::to_string(sizeof(Integer)));
-  }
-  return GetLittle<Integer>(bytes, 0);
+double GetDouble(Stored stored) {
+  return std::bit_cast<double>(GetLittle<std::uint64_t>(stored, 0));
 }
 
-template <typename Integer>
-std::vector<std::uint8_t> Little(Integer value) {
-  std::vector<std::uint8_t> bytes(sizeof(Integer));
-  PutLittle<Integer>(bytes, 0, value);
-  return bytes;
-}
+// Stored bytes are swapped in the first three groups against the printed order; the same map leads back.
+constexpr std::array<std::size_t, kGuidSize> kGuidOrder = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
 
-// Bytes 0-3 little-endian, 4-5, 6-7 likewise, the rest as written; this turns either form into the other.
-void SwapGuidParts(std::array<std::uint8_t, 16>& bytes) {
-  std::reverse(bytes.begin(), bytes.begin() + 4);
-  std::reverse(bytes.begin() + 4, bytes.begin() + 6);
-  std::reverse(bytes.begin() + 6, bytes.begin() + 8);
-}
-
-Value DecodeGuid(std::span<const std::uint8_t> bytes, const ColumnDefinition& column) {
-  static_cast<void>(Whole<std::uint64_t>(bytes.size() < 16 ? bytes.first(0) : bytes, column));
+Guid DecodeGuid(Stored stored) {
   Guid guid;
-  std::copy_n(bytes.begin(), guid.bytes.size(), guid.bytes.begin());
-  SwapGuidParts(guid.bytes);
+  for (std::size_t i = 0; i < kGuidSize; ++i) guid.bytes[i] = stored[kGuidOrder[i]];
   return guid;
 }
 
-Value DecodeNumeric(std::span<const std::uint8_t> bytes, const ColumnDefinition& column) {
-  namespace n = format::numeric;
-  if (bytes.size() < n::kSize) static_cast<void>(Whole<std::uint64_t>(bytes.first(0), column));
-  const auto word = [&](std::size_t i) {
-    return std::uint64_t{GetLittle<std::uint32_t>(bytes, n::kMagnitudeOffset + 4 * i)};
-  };
+Decimal DecodeNumeric(Stored stored, std::uint8_t scale) {
+  std::array<std::uint64_t, numeric::kWordCount> words{};
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    words[i] = GetLittle<std::uint32_t>(stored, numeric::kMagnitudeOffset + i * sizeof(std::uint32_t));
+  }
   Decimal number;
-  number.negative = bytes[0] != n::kPositive;
-  number.high = word(0) << 32U | word(1);
-  number.low = word(2) << 32U | word(3);
-  number.scale = column.scale;
-  if (number.high == 0 && number.low == 0) number.negative = false;
+  number.negative = (stored[0] & numeric::kNegative) != 0;
+  number.high = (words[0] << 32U) | words[1];
+  number.low = (words[2] << 32U) | words[3];
+  number.scale = scale;
   return number;
 }
 
-std::vector<std::uint8_t> EncodeNumeric(const Decimal& number) {
-  namespace n = format::numeric;
-  std::vector<std::uint8_t> bytes(n::kSize);
-  bytes[0] = number.negative ? n::kNegative : n::kPositive;
-  const std::uint64_t halves[] = {number.high, number.low};
-  for (std::size_t i = 0; i < 2; ++i) {
-    PutLittle<std::uint32_t>(bytes, n::kMagnitudeOffset + 8 * i, static_cast<std::uint32_t>(halves[i] >> 32U));
-    PutLittle<std::uint32_t>(bytes, n::kMagnitudeOffset + 8 * i + 4, static_cast<std::uint32_t>(halves[i]));
+std::string DecodeTextColumn(Stored stored, const ColumnDefinition& column, const FormatVersion& version) {
+  if (version.isJet3) return DecodeAnsiText(stored, version.codePage);
+  return column.IsFixed() ? DecodePlainText(stored) : DecodeText(stored);
+}
+
+template <typename Integer>
+Bytes LittleEndian(Integer value) {
+  Bytes bytes(sizeof(Integer));
+  PutLittle(std::span(bytes), 0, value);
+  return bytes;
+}
+
+Bytes EncodeGuid(const Guid& guid) {
+  Bytes bytes(kGuidSize);
+  for (std::size_t i = 0; i < kGuidSize; ++i) bytes[kGuidOrder[i]] = guid.bytes[i];
+  return bytes;
+}
+
+Bytes EncodeNumeric(const Decimal& number) {
+  const std::array<std::uint64_t, numeric::kWordCount> words = {number.high >> 32U, number.high, number.low >> 32U,
+                                                                number.low};
+  Bytes bytes(numeric::kSize);
+  const bool isZero = number.high == 0 && number.low == 0;
+  bytes[0] = number.negative && !isZero ? numeric::kNegative : numeric::kPositive;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    PutLittle(std::span(bytes), numeric::kMagnitudeOffset + i * sizeof(std::uint32_t),
+              static_cast<std::uint32_t>(words[i]));
   }
   return bytes;
 }
 
-std::vector<std::uint8_t> EncodeTextColumn(const std::string& text, const ColumnDefinition& column) {
+Bytes EncodeTextColumn(const std::string& text, const ColumnDefinition& column) {
   if (!column.IsFixed()) return EncodeText(text, column.IsCompressed());
-  std::vector<std::uint8_t> bytes = EncodePlainText(text);
+  Bytes bytes = EncodePlainText(text);
   while (bytes.size() + 1 < column.length) {
     bytes.push_back(kBlank);
     bytes.push_back(0);
@@ -82,71 +90,109 @@ std::vector<std::uint8_t> EncodeTextColumn(const std::string& text, const Column
   return bytes;
 }
 
-}  // namespace
-
-std::size_t FixedSize(const ColumnDefinition& column) {
-  return column.type == ColumnType::Boolean ? 0 : column.length;
+Bytes EncodeBinary(Bytes bytes, const ColumnDefinition& column) {
+  if (column.IsFixed()) bytes.resize(column.length);
+  return bytes;
 }
 
-Value DecodeValue(std::span<const std::uint8_t> bytes, const ColumnDefinition& column) {
-  switch (column.type) {
+[[noreturn]] void RaiseWrongType(const ColumnDefinition& column) {
+  throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,
+              "Data type mismatch in criteria expression. The value for the field '" + column.name +
+                  "' is not of the field's type.");
+}
+
+template <typename Type>
+const Type& Require(const Value& value, const ColumnDefinition& column) {
+  const Type* held = std::get_if<Type>(&value);
+  if (held == nullptr) RaiseWrongType(column);
+  return *held;
+}
+
+}  // namespace
+
+std::optional<std::size_t> SizeOfType(ColumnType type) {
+  switch (type) {
     case ColumnType::Byte:
-      return Whole<std::uint8_t>(bytes, column);
+      return sizeof(std::uint8_t);
     case ColumnType::Integer:
-      return static_cast<std::int16_t>(Whole<std::uint16_t>(bytes, column));
+      return sizeof(std::int16_t);
     case ColumnType::Long:
     case ColumnType::Complex:
-      return static_cast<std::int32_t>(Whole<std::uint32_t>(bytes, column));
-    case ColumnType::Currency:
-      return Currency{static_cast<std::int64_t>(Whole<std::uint64_t>(bytes, column))};
+      return sizeof(std::int32_t);
     case ColumnType::Single:
-      return std::bit_cast<float>(Whole<std::uint32_t>(bytes, column));
+      return sizeof(float);
+    case ColumnType::Currency:
     case ColumnType::Double:
-      return std::bit_cast<double>(Whole<std::uint64_t>(bytes, column));
     case ColumnType::Date:
-      return Date{std::bit_cast<double>(Whole<std::uint64_t>(bytes, column))};
+      return sizeof(double);
     case ColumnType::Guid:
-      return DecodeGuid(bytes, column);
+      return kGuidSize;
     case ColumnType::Numeric:
-      return DecodeNumeric(bytes, column);
-    case ColumnType::Text:
-      return DecodeText(bytes);
+      return numeric::kSize;
     default:
-      return Bytes(bytes.begin(), bytes.end());
+      return std::nullopt;
   }
 }
 
-std::vector<std::uint8_t> EncodeValue(const Value& value, const ColumnDefinition& column) {
+Value DecodeValue(Stored stored, const ColumnDefinition& column, const FormatVersion& version) {
+  const std::size_t size = SizeOfType(column.type).value_or(0);
+  if (stored.size() < size) {
+    RaiseDamage("the value of the field '" + column.name + "' has " + std::to_string(stored.size()) +
+                " bytes instead of " + std::to_string(size) + ".");
+  }
   switch (column.type) {
     case ColumnType::Byte:
-      return Little(std::get<std::uint8_t>(value));
+      return stored[0];
     case ColumnType::Integer:
-      return Little(static_cast<std::uint16_t>(std::get<std::int16_t>(value)));
+      return static_cast<std::int16_t>(GetLittle<std::uint16_t>(stored, 0));
     case ColumnType::Long:
     case ColumnType::Complex:
-      return Little(static_cast<std::uint32_t>(std::get<std::int32_t>(value)));
+      return static_cast<std::int32_t>(GetLittle<std::uint32_t>(stored, 0));
     case ColumnType::Currency:
-      return Little(static_cast<std::uint64_t>(std::get<Currency>(value).tenThousandths));
+      return Currency{static_cast<std::int64_t>(GetLittle<std::uint64_t>(stored, 0))};
     case ColumnType::Single:
-      return Little(std::bit_cast<std::uint32_t>(std::get<float>(value)));
+      return std::bit_cast<float>(GetLittle<std::uint32_t>(stored, 0));
     case ColumnType::Double:
-      return Little(std::bit_cast<std::uint64_t>(std::get<double>(value)));
+      return GetDouble(stored);
     case ColumnType::Date:
-      return Little(std::bit_cast<std::uint64_t>(std::get<Date>(value).days));
+      return Date{GetDouble(stored)};
+    case ColumnType::Guid:
+      return DecodeGuid(stored);
     case ColumnType::Numeric:
-      return EncodeNumeric(std::get<Decimal>(value));
+      return DecodeNumeric(stored, column.scale);
     case ColumnType::Text:
-      return EncodeTextColumn(std::get<std::string>(value), column);
-    case ColumnType::Guid: {
-      std::array<std::uint8_t, 16> bytes = std::get<Guid>(value).bytes;
-      SwapGuidParts(bytes);
-      return {bytes.begin(), bytes.end()};
-    }
-    default: {
-      std::vector<std::uint8_t> bytes = std::get<Bytes>(value);
-      if (column.IsFixed()) bytes.resize(column.length);
-      return bytes;
-    }
+    case ColumnType::Memo:
+      return DecodeTextColumn(stored, column, version);
+    default:
+      return Bytes(stored.begin(), stored.end());
+  }
+}
+
+Bytes EncodeValue(const Value& value, const ColumnDefinition& column) {
+  switch (column.type) {
+    case ColumnType::Byte:
+      return {Require<std::uint8_t>(value, column)};
+    case ColumnType::Integer:
+      return LittleEndian(static_cast<std::uint16_t>(Require<std::int16_t>(value, column)));
+    case ColumnType::Long:
+    case ColumnType::Complex:
+      return LittleEndian(static_cast<std::uint32_t>(Require<std::int32_t>(value, column)));
+    case ColumnType::Currency:
+      return LittleEndian(static_cast<std::uint64_t>(Require<Currency>(value, column).tenThousandths));
+    case ColumnType::Single:
+      return LittleEndian(std::bit_cast<std::uint32_t>(Require<float>(value, column)));
+    case ColumnType::Double:
+      return LittleEndian(std::bit_cast<std::uint64_t>(Require<double>(value, column)));
+    case ColumnType::Date:
+      return LittleEndian(std::bit_cast<std::uint64_t>(Require<Date>(value, column).days));
+    case ColumnType::Guid:
+      return EncodeGuid(Require<Guid>(value, column));
+    case ColumnType::Numeric:
+      return EncodeNumeric(Require<Decimal>(value, column));
+    case ColumnType::Text:
+      return EncodeTextColumn(Require<std::string>(value, column), column);
+    default:
+      return EncodeBinary(Require<Bytes>(value, column), column);
   }
 }
 

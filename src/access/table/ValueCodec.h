@@ -1,21 +1,36 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
-#include <vector>
 
+#include "access/table/FormatVersion.h"
 #include "access/table/TableDefinition.h"
 #include "platform/values/Value.h"
 
 namespace tavi::access {
 
-/// The value that the stored bytes of a column hold (not Boolean, Memo and OLE). Too few bytes raise ProviderFailure
-/// that names the column. A column of an unknown type gives the bytes.
-Value DecodeValue(std::span<const std::uint8_t> bytes, const ColumnDefinition& column);
-/// The stored bytes of a value that already has its column's type (not Boolean, Memo and OLE). Fixed text is padded
-/// with blanks, fixed binary with zeros, to the column's length.
-std::vector<std::uint8_t> EncodeValue(const Value& value, const ColumnDefinition& column);
-/// How many bytes a fixed column takes in a row: its length, none for a Boolean.
-std::size_t FixedSize(const ColumnDefinition& column);
+// Stored values, between Value and the bytes of a row; long values (MEMO, OLE) lie elsewhere, see LongValues.h, and a
+// Boolean is a bit of the null mask. Little-endian.
+//
+//   Byte u8   Integer i16   Long i32   Currency i64, ten-thousandths   Single f32   Double f64   Date f64, days
+//   GUID      u32, u16, u16, then 8 bytes as printed
+//   Numeric   sign 00 or 80, then value x 10^scale as four u32, the most significant first
+//   Text      see TextEncoding.h; in a fixed-length column plain and padded with blanks
+//   Binary    the bytes
+//
+// Example: Numeric of scale 3, -1110.554     80  00 00 00 00  00 00 00 00  00 00 00 00  1A F2 10 00
+
+/// Bytes of a value in a row when the type alone decides (not Boolean, Text, Binary, long values).
+[[nodiscard]] std::optional<std::size_t> SizeOfType(ColumnType type);
+
+/// The value of stored bytes, as many as belong to it or more. Types that are not known give Bytes. Raises
+/// ProviderFailure when the bytes are too few; the description names the column.
+[[nodiscard]] Value DecodeValue(std::span<const std::uint8_t> stored, const ColumnDefinition& column,
+                                const FormatVersion& version);
+
+/// The bytes of a value that is not null, of its column's type (see ConvertForColumn). For a fixed-length column as
+/// many bytes as it has. Raises ProviderTypeConflict for a value of another type; the description names the column.
+[[nodiscard]] Bytes EncodeValue(const Value& value, const ColumnDefinition& column);
 
 }  // namespace tavi::access

@@ -1,0 +1,36 @@
+#include "access/table/DefinitionLayout.h"
+
+#include "access/file/Format.h"
+#include "access/file/Page.h"
+
+namespace tavi::access {
+
+const DefinitionLayout& Jet4DefinitionLayout() {
+  namespace table = format::table;
+  namespace index_slot = format::index_slot;
+  namespace column = format::column;
+  namespace real_index = format::real_index;
+  namespace logical_index = format::logical_index;
+  // The sort order is the LCID [2], an unused byte and the version.
+  constexpr std::size_t kSortVersionOffset = column::kSortOrderOffset + 3;
+  static constexpr DefinitionLayout kLayout = {
+      kPageSize,
+      {table::kLengthOffset, table::kRowCountOffset, table::kLastAutonumberOffset, table::kTypeOffset,
+       table::kColumnIdCounterOffset, table::kVariableCountOffset, table::kColumnCountOffset,
+       table::kLogicalIndexCountOffset, table::kRealIndexCountOffset, table::kOwnedPagesOffset,
+       table::kFreeSpacePagesOffset, table::kHeaderSize},
+      {index_slot::kEntryCountOffset, index_slot::kDistinctCountOffset, index_slot::kSize},
+      {column::kTypeOffset, column::kIdOffset, column::kVariableIndexOffset, column::kOrdinalOffset,
+       column::kSortOrderOffset, kSortVersionOffset, column::kPrecisionOffset, column::kScaleOffset,
+       column::kFlagsOffset, column::kExtendedFlagsOffset, column::kFixedOffsetOffset, column::kLengthOffset,
+       column::kSize},
+      {real_index::kColumnsOffset, real_index::kUsageMapOffset, real_index::kRootPageOffset, real_index::kFlagsOffset,
+       real_index::kSize},
+      {logical_index::kNumberOffset, logical_index::kRealIndexOffset, logical_index::kSideOffset,
+       logical_index::kPartnerOffset, logical_index::kOtherTableOffset, logical_index::kCascadeUpdatesOffset,
+       logical_index::kCascadeDeletesOffset, logical_index::kTypeOffset, logical_index::kSize},
+      table::kNameLengthSize};
+  return kLayout;
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,222 @@
+#include <algorithm>
+#include <string>
+
+#include "access/file/Format.h"
+#include "access/table/AnsiText.h"
+#include "access/table/DefinitionBytes.h"
+#include "access/table/DefinitionLayout.h"
+#include "access/table/DefinitionReader.h"
+#include "access/table/TextEncoding.h"
+
+namespace tavi::access {
+
+namespace {
+
+const DefinitionLayout& LayoutOf(const FormatVersion& version) {
+  return version.isJet3 ? Jet3DefinitionLayout() : Jet4DefinitionLayout();
+}
+
+/// How many records of each kind follow the header.
+struct RecordCounts {
+  std::size_t columns;
+  std::size_t realIndexes;
+  std::size_t logicalIndexes;
+};
+
+// Records are far smaller than the definition, so that a hostile count is found before anything is allocated for it.
+std::size_t CheckedCount(const DefinitionReader& reader, std::size_t count, std::size_t size, const char* what) {
+  if (count > reader.Bytes().size() / size) {
+    reader.Raise("it is said to have " + std::to_string(count) + " " + what + ", more than its " +
+                 std::to_string(reader.Bytes().size()) + " bytes can hold.");
+  }
+  return count;
+}
+
+RecordCounts ReadHeader(const DefinitionReader& reader, const DefinitionLayout& layout, TableDefinition& definition) {
+  const DefinitionLayout::Header& header = layout.header;
+  definition.isSystem = reader.U8(header.type, "the table type") == format::table::kTypeSystem;
+  definition.columnIdCounter = reader.U16(header.columnIdCounter, "the column counter");
+  definition.variableColumnCounter = reader.U16(header.variableCount, "the counter of variable columns");
+  definition.ownedPages = reader.Pointer(header.ownedPages, "the map of owned pages");
+  definition.freeSpacePages = reader.Pointer(header.freeSpacePages, "the map of pages with room");
+  return {CheckedCount(reader, reader.U16(header.columnCount, "the column count"), layout.column.size, "columns"),
+          CheckedCount(reader, reader.U32(header.realIndexCount, "the index count"), layout.realIndex.size, "indexes"),
+          CheckedCount(reader, reader.U32(header.logicalIndexCount, "the count of named indexes"),
+                       layout.logicalIndex.size, "named indexes")};
+}
+
+ColumnDefinition ReadColumn(const DefinitionReader& record, const DefinitionLayout::Column& layout) {
+  constexpr const char* kField = "a column";
+  ColumnDefinition column;
+  column.type = static_cast<ColumnType>(record.U8(layout.type, kField));
+  column.id = record.U16(layout.id, kField);
+  column.variableIndex = record.U16(layout.variableIndex, kField);
+  column.ordinal = record.U16(layout.ordinal, kField);
+  if (column.type == ColumnType::Numeric) {
+    column.precision = record.U8(layout.precision, kField);
+    column.scale = record.U8(layout.scale, kField);
+  } else {
+    column.sortOrder = record.U16(layout.sortOrder, kField);
+    if (layout.sortVersion != DefinitionLayout::kNotStored) column.sortVersion = record.U8(layout.sortVersion, kField);
+  }
+  column.flags = record.U8(layout.flags, kField);
+  if (layout.extendedFlags != DefinitionLayout::kNotStored) {
+    column.extendedFlags = record.U8(layout.extendedFlags, kField);
+  }
+  column.fixedOffset = column.IsFixed() ? record.U16(layout.fixedOffset, kField) : std::uint16_t{0};
+  column.length = record.U16(layout.length, kField);
+  return column;
+}
+
+std::string ReadName(DefinitionReader& reader, const DefinitionLayout& layout, const FormatVersion& version,
+                     const char* what) {
+  const DefinitionReader prefix = reader.Record(layout.nameLengthSize, what);
+  const std::size_t length = version.isJet3 ? prefix.U8(0, what) : prefix.U16(0, what);
+  const auto stored = reader.Record(length, what).Bytes();
+  return version.isJet3 ? DecodeAnsiText(stored, version.codePage) : DecodePlainText(stored);
+}
+
+RealIndexDefinition ReadRealIndex(const DefinitionReader& record, const DefinitionLayout::RealIndex& layout) {
+  namespace real_index = format::real_index;
+  constexpr const char* kField = "an index";
+  RealIndexDefinition index;
+  for (std::size_t i = 0; i < real_index::kMaximumColumnCount; ++i) {
+    const std::size_t place = layout.columns + i * real_index::kColumnSize;
+    const std::uint16_t id = record.U16(place, kField);
+    if (id == real_index::kNoColumn) continue;
+    const std::uint8_t order = record.U8(place + real_index::kColumnOrderOffset, kField);
+    index.columns.push_back({id, order == real_index::kAscending});
+  }
+  index.ownedPages = record.Pointer(layout.usageMap, kField);
+  index.root = record.U32(layout.rootPage, kField);
+  index.flags = record.U8(layout.flags, kField);
+  index.unique = (index.flags & real_index::kFlagUnique) != 0;
+  index.ignoreNulls = (index.flags & real_index::kFlagIgnoreNulls) != 0;
+  index.required = (index.flags & real_index::kFlagRequired) != 0;
+  return index;
+}
+
+// Bytes beyond the known values are damage of no consequence: the index then counts as an ordinary one.
+template <typename Kind>
+Kind KnownKind(std::uint8_t stored, Kind last) {
+  return stored <= static_cast<std::uint8_t>(last) ? static_cast<Kind>(stored) : Kind{};
+}
+
+LogicalIndexDefinition ReadLogicalIndex(const DefinitionReader& record, const DefinitionLayout::LogicalIndex& layout) {
+  constexpr const char* kField = "a named index";
+  LogicalIndexDefinition index;
+  index.number = record.U32(layout.number, kField);
+  index.realIndex = record.U32(layout.realIndex, kField);
+  index.side = KnownKind(record.U8(layout.side, kField), LogicalIndexDefinition::Side::Foreign);
+  index.partnerNumber = record.U32(layout.partner, kField);
+  index.partnerTable = record.U32(layout.otherTable, kField);
+  index.cascadeUpdates = record.U8(layout.cascadeUpdates, kField);
+  index.cascadeDeletes = record.U8(layout.cascadeDeletes, kField);
+  index.kind = KnownKind(record.U8(layout.type, kField), LogicalIndexDefinition::Kind::Relationship);
+  return index;
+}
+
+std::vector<LongValueMaps> ReadLongValueMaps(DefinitionReader& reader) {
+  namespace maps = format::long_value_maps;
+  constexpr const char* kField = "the maps of a long-value column";
+  std::vector<LongValueMaps> all;
+  while (reader.U16(reader.Position(), "the terminator") != format::table::kTerminator) {
+    const DefinitionReader record = reader.Record(maps::kSize, kField);
+    all.push_back({record.U16(maps::kColumnIdOffset, kField), record.Pointer(maps::kOwnedPagesOffset, kField),
+                   record.Pointer(maps::kFreeSpaceOffset, kField)});
+  }
+  return all;
+}
+
+// What everybody above relies on: numbers that are unique and below their counters, fixed places inside of a row.
+void CheckColumns(const DefinitionReader& reader, const TableDefinition& definition) {
+  std::vector<bool> ids(definition.columnIdCounter);
+  std::vector<bool> slots(definition.variableColumnCounter);
+  for (const ColumnDefinition& column : definition.columns) {
+    const std::string name = "the column '" + column.name + "' has ";
+    if (column.id >= ids.size() || ids[column.id]) {
+      reader.Raise(name + "the number " + std::to_string(column.id) + ", which is taken or not below the counter " +
+                   std::to_string(ids.size()) + ".");
+    }
+    ids[column.id] = true;
+    if (column.IsFixed()) {
+      if (std::size_t{column.fixedOffset} + column.length > kPageSize) {
+        reader.Raise(name + "the place " + std::to_string(column.fixedOffset) + " and the length " +
+                     std::to_string(column.length) + ", more than a row has.");
+      }
+    } else if (column.variableIndex >= slots.size() || slots[column.variableIndex]) {
+      reader.Raise(name + "the slot " + std::to_string(column.variableIndex) +
+                   ", which is taken or not below the counter " + std::to_string(slots.size()) + ".");
+    } else {
+      slots[column.variableIndex] = true;
+    }
+  }
+}
+
+void CheckIndexes(const DefinitionReader& reader, const TableDefinition& definition) {
+  for (const RealIndexDefinition& index : definition.realIndexes) {
+    for (const IndexColumn& column : index.columns) {
+      if (definition.FindColumn(column.columnId) != nullptr) continue;
+      reader.Raise("an index uses the column number " + std::to_string(column.columnId) + ", which does not exist.");
+    }
+  }
+  for (const LogicalIndexDefinition& index : definition.logicalIndexes) {
+    if (index.realIndex < definition.realIndexes.size()) continue;
+    reader.Raise("the index '" + index.name + "' refers to tree number " + std::to_string(index.realIndex) + " of " +
+                 std::to_string(definition.realIndexes.size()) + ".");
+  }
+}
+
+}  // namespace
+
+TableDefinition ParseTableDefinition(std::span<const std::uint8_t> bytes, PageNumber page,
+                                     const FormatVersion& version) {
+  const DefinitionLayout& layout = LayoutOf(version);
+  const std::size_t length = DefinitionReader(bytes, page).U32(layout.header.length, "the length");
+  if (length < layout.header.size || length > bytes.size()) {
+    DefinitionReader(bytes, page)
+        .Raise("its length is stated as " + std::to_string(length) + ", its pages have " +
+               std::to_string(bytes.size()) + " bytes.");
+  }
+  DefinitionReader reader(bytes.first(length), page);
+  TableDefinition definition;
+  definition.page = page;
+  const RecordCounts counts = ReadHeader(reader, layout, definition);
+  reader.MoveTo(layout.header.size + counts.realIndexes * layout.indexSlot.size);
+  for (std::size_t i = 0; i < counts.columns; ++i) {
+    definition.columns.push_back(ReadColumn(reader.Record(layout.column.size, "a column"), layout.column));
+  }
+  for (ColumnDefinition& column : definition.columns) column.name = ReadName(reader, layout, version, "a column name");
+  for (std::size_t i = 0; i < counts.realIndexes; ++i) {
+    definition.realIndexes.push_back(ReadRealIndex(reader.Record(layout.realIndex.size, "an index"), layout.realIndex));
+  }
+  for (std::size_t i = 0; i < counts.logicalIndexes; ++i) {
+    definition.logicalIndexes.push_back(
+        ReadLogicalIndex(reader.Record(layout.logicalIndex.size, "a named index"), layout.logicalIndex));
+  }
+  for (LogicalIndexDefinition& index : definition.logicalIndexes) {
+    index.name = ReadName(reader, layout, version, "an index name");
+  }
+  definition.longValueMaps = ReadLongValueMaps(reader);
+  CheckColumns(reader, definition);
+  CheckIndexes(reader, definition);
+  return definition;
+}
+
+DefinitionCounters ParseCounters(std::span<const std::uint8_t> bytes, PageNumber page) {
+  const DefinitionLayout& layout = Jet4DefinitionLayout();
+  const DefinitionReader reader(bytes, page);
+  DefinitionCounters counters;
+  counters.rows = reader.U32(layout.header.rowCount, "the row count");
+  counters.lastAutoNumber = static_cast<std::int32_t>(reader.U32(layout.header.lastAutonumber, "the last autonumber"));
+  const std::size_t count = CheckedCount(reader, reader.U32(layout.header.realIndexCount, "the index count"),
+                                         layout.indexSlot.size, "indexes");
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t slot = layout.header.size + i * layout.indexSlot.size;
+    counters.indexes.push_back({reader.U32(slot + layout.indexSlot.entryCount, "an index slot"),
+                                reader.U32(slot + layout.indexSlot.distinctCount, "an index slot")});
+  }
+  return counters;
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,57 @@
+#include "access/table/RowFinder.h"
+
+#include <string>
+#include <utility>
+
+#include "access/file/Bytes.h"
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+
+namespace tavi::access {
+
+namespace {
+
+bool IsRowOfItsOwn(const RowEntry& entry) {
+  return !entry.IsDeleted() && !entry.IsMovedTarget();
+}
+
+}  // namespace
+
+std::optional<FoundRow> RowFinder::Find(RowPointer row) const {
+  if (row.page == 0 || row.page >= pager_->PageCount()) return std::nullopt;
+  PageHandle page = pager_->Read(row.page);
+  if (!DataPageReader::IsOwnedBy(*page, owner_)) return std::nullopt;
+  const DataPageReader reader(*page, DataPageLayoutOf(*pager_));
+  if (row.row >= reader.RowCount()) return std::nullopt;
+  const RowEntry entry = reader.Entry(row.row);
+  if (!IsRowOfItsOwn(entry)) return std::nullopt;
+  const auto bytes = reader.Bytes(entry);
+  if (entry.IsMoved()) return FollowMoved(row, bytes);
+  return FoundRow{row, std::move(page), bytes};
+}
+
+FoundRow RowFinder::FollowMoved(RowPointer row, std::span<const std::uint8_t> stub) const {
+  const std::string name = "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+  if (stub.size() < format::row::kRowPointerSize) RaiseDamage(name + " was moved, but does not say where to.");
+  const RowPointer body = RowPointer::FromPacked(GetLittle<std::uint32_t>(stub, 0));
+  if (body.page != 0 && body.page < pager_->PageCount()) {
+    PageHandle page = pager_->Read(body.page);
+    if (DataPageReader::IsOwnedBy(*page, owner_)) {
+      const DataPageReader reader(*page, DataPageLayoutOf(*pager_));
+      const RowEntry entry = body.row < reader.RowCount() ? reader.Entry(body.row) : RowEntry{};
+      if (entry.IsMovedTarget()) return FoundRow{body, page, reader.Bytes(entry)};
+    }
+  }
+  RaiseDamage(name + " was moved to row " + std::to_string(body.row) + " of page " + std::to_string(body.page) +
+              ", where no moved row is.");
+}
+
+std::optional<std::uint8_t> RowFinder::NextOnPage(const Page& page, std::size_t from) const {
+  const DataPageReader reader(page, DataPageLayoutOf(*pager_));
+  for (std::size_t row = from; row < reader.RowCount(); ++row) {
+    if (IsRowOfItsOwn(reader.Entry(row))) return static_cast<std::uint8_t>(row);
+  }
+  return std::nullopt;
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,109 @@
+#include "access/table/RowView.h"
+
+#include <string>
+
+#include "access/file/Bytes.h"
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+#include "access/table/Jet3Row.h"
+#include "access/table/ValueCodec.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace layout = format::row;
+
+constexpr std::size_t kBitsPerByte = 8;
+
+}  // namespace
+
+RowView::RowView(std::span<const std::uint8_t> bytes, const FormatVersion& version, RowPointer row)
+    : bytes_(bytes), version_(version), row_(row) {
+  const std::size_t countSize = version_.isJet3 ? format::jet3::row::kColumnCountSize : layout::kColumnCountSize;
+  if (bytes_.size() >= countSize) {
+    columnCount_ = version_.isJet3 ? bytes_[0] : GetLittle<std::uint16_t>(bytes_, layout::kColumnCountOffset);
+  }
+  maskSize_ = (columnCount_ + kBitsPerByte - 1) / kBitsPerByte;
+  if (bytes_.size() < countSize + maskSize_) {
+    Raise("it is too short, " + std::to_string(bytes_.size()) + " bytes for " + std::to_string(columnCount_) +
+          " columns.");
+  }
+}
+
+void RowView::Raise(const std::string& what) const {
+  RaiseDamage("row " + std::to_string(row_.row) + " of page " + std::to_string(row_.page) + ": " + what);
+}
+
+bool RowView::MaskBit(std::uint16_t columnId) const {
+  if (columnId >= columnCount_) return false;
+  const std::size_t mask = bytes_.size() - maskSize_;
+  return ((bytes_[mask + columnId / kBitsPerByte] >> (columnId % kBitsPerByte)) & 1U) != 0;
+}
+
+bool RowView::IsNull(const ColumnDefinition& column) const {
+  if (column.type == ColumnType::Boolean) return false;
+  if (!MaskBit(column.id)) return true;
+  return !column.IsFixed() && column.variableIndex >= VariableCount();
+}
+
+std::span<const std::uint8_t> RowView::Stored(const ColumnDefinition& column) const {
+  return column.IsFixed() ? FixedBytes(column) : VariableBytes(column);
+}
+
+Value RowView::Get(const ColumnDefinition& column) const {
+  if (column.type == ColumnType::Boolean) return MaskBit(column.id);
+  if (IsNull(column)) return Null{};
+  return DecodeValue(Stored(column), column, version_);
+}
+
+std::span<const std::uint8_t> RowView::FixedBytes(const ColumnDefinition& column) const {
+  const std::size_t area = version_.isJet3 ? format::jet3::row::kFixedAreaOffset : layout::kFixedAreaOffset;
+  const std::size_t begin = area + column.fixedOffset;
+  const std::size_t size = SizeOfType(column.type).value_or(column.length);
+  const std::size_t end = bytes_.size() - maskSize_;
+  if (begin > end || size > end - begin) {
+    Raise("the field '" + column.name + "' at byte " + std::to_string(begin) + " lies past the end, " +
+          std::to_string(end) + ".");
+  }
+  return bytes_.subspan(begin, size);
+}
+
+// A column that has a mask bit existed when the row was written, so there is a variable part when it is a variable one.
+std::size_t RowView::VariableCount() const {
+  if (version_.isJet3) return Jet3VariableCount(bytes_, maskSize_);
+  const std::size_t trailer = maskSize_ + layout::kVariableCountSize + layout::kEndOfDataSize;
+  if (bytes_.size() < layout::kColumnCountSize + trailer) Raise("it is too short for its variable fields.");
+  return GetLittle<std::uint16_t>(bytes_, bytes_.size() - maskSize_ - layout::kVariableCountSize);
+}
+
+std::span<const std::uint8_t> RowView::VariableBytes(const ColumnDefinition& column) const {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  std::size_t limit = bytes_.size() - maskSize_;
+  if (version_.isJet3) {
+    const Jet3Extent extent = FindJet3Variable(bytes_, maskSize_, column.variableIndex).value_or(Jet3Extent{});
+    begin = extent.first;
+    end = extent.end;
+  } else {
+    const std::size_t count = VariableCount();
+    const std::size_t trailer =
+        layout::kVariableCountSize + count * layout::kVariableOffsetSize + layout::kEndOfDataSize;
+    if (column.variableIndex >= count || limit < layout::kColumnCountSize + trailer) {
+      Raise("its " + std::to_string(count) + " variable fields do not fit into " + std::to_string(bytes_.size()) +
+            " bytes.");
+    }
+    const std::size_t place = limit - layout::kVariableCountSize - layout::kVariableOffsetSize -
+                              column.variableIndex * layout::kVariableOffsetSize;
+    begin = GetLittle<std::uint16_t>(bytes_, place);
+    end = GetLittle<std::uint16_t>(bytes_, place - layout::kVariableOffsetSize);
+    limit -= trailer;
+  }
+  if (begin > end || end > limit) {
+    Raise("the field '" + column.name + "' is said to lie at bytes " + std::to_string(begin) + " to " +
+          std::to_string(end) + " of " + std::to_string(limit) + ".");
+  }
+  return bytes_.subspan(begin, end - begin);
+}
+
+}  // namespace tavi::access

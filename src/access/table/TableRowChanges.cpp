@@ -1,0 +1,215 @@
+#include <algorithm>
+#include <bit>
+#include <span>
+#include <string>
+
+#include "access/file/Bytes.h"
+#include "access/file/EngineError.h"
+#include "access/file/Format.h"
+#include "access/file/PageAllocator.h"
+#include "access/table/TableRows.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace data = format::data;
+
+/// The MEMO and OLE values of a row on their way into it, by position in TableDefinition::columns.
+struct LongValuePlan {
+  explicit LongValuePlan(std::size_t columnCount) : toStore(columnCount), inRow(columnCount) {}
+
+  void Store(std::size_t position, const Value& value, const ColumnDefinition& column) {
+    toStore[position] = PrepareLongValue(value, column);
+    inRow[position].resize(toStore[position]->SizeInRow());
+  }
+
+  std::vector<std::optional<PreparedLongValue>> toStore;  // nothing for a null, a value that stays, another type
+  std::vector<Bytes> inRow;  // what the row will hold; until a value is stored as many bytes as that will be
+};
+
+// Floating-point values are the same when their bits are.
+bool IsSameStored(const Value& left, const Value& right) {
+  if (left.index() != right.index()) return false;
+  if (const auto* number = std::get_if<double>(&left)) {
+    return std::bit_cast<std::uint64_t>(*number) == std::bit_cast<std::uint64_t>(std::get<double>(right));
+  }
+  if (const auto* date = std::get_if<Date>(&left)) {
+    return std::bit_cast<std::uint64_t>(date->days) == std::bit_cast<std::uint64_t>(std::get<Date>(right).days);
+  }
+  if (const auto* number = std::get_if<float>(&left)) {
+    return std::bit_cast<std::uint32_t>(*number) == std::bit_cast<std::uint32_t>(std::get<float>(right));
+  }
+  return left == right;
+}
+
+Bytes MakeStub(RowPointer body) {
+  Bytes stub(format::row::kRowPointerSize);
+  PutLittle(std::span(stub), 0, body.Packed());
+  return stub;
+}
+
+// The count may be wrong in files of other programs; it never falls below zero.
+void CountRow(Pager& pager, const TableDefinition& definition, bool isAdded) {
+  Page& page = pager.Write(definition.page);
+  const std::uint32_t count = page.U32(format::table::kRowCountOffset);
+  if (!isAdded && count == 0) return;
+  page.SetU32(format::table::kRowCountOffset, isAdded ? count + 1 : count - 1);
+}
+
+const LongValueMaps* FindMaps(const TableDefinition& definition, std::uint16_t columnId) {
+  const auto found = std::ranges::find(definition.longValueMaps, columnId, &LongValueMaps::columnId);
+  return found == definition.longValueMaps.end() ? nullptr : &*found;
+}
+
+bool IsComplete(const LongValueMaps& maps) {
+  return !maps.ownedPages.IsNone() && !maps.freeSpacePages.IsNone();
+}
+
+}  // namespace
+
+RowSpace TableRows::Space() const {
+  return {*pager_, definition_->page, definition_->ownedPages, definition_->freeSpacePages};
+}
+
+RowPointer TableRows::Insert(const RowValues& values) {
+  RequireValuePerColumn(*definition_, values);
+  LongValuePlan plan(values.size());
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const ColumnDefinition& column = definition_->columns[i];
+    if (column.IsLongValue() && !IsNull(values[i])) plan.Store(i, values[i], column);
+  }
+  // Encoded before anything is written, so that a refusal leaves no trace.
+  Bytes bytes = EncodeRow(*definition_, values, plan.inRow);
+  bool hasStored = false;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (!plan.toStore[i]) continue;
+    plan.inRow[i] = StoreLongValue(*plan.toStore[i], definition_->columns[i].id);
+    hasStored = true;
+  }
+  if (hasStored) bytes = EncodeRow(*definition_, values, plan.inRow);
+  const RowPointer row = Space().Insert(bytes, data::kRowNormal, lastInserted_);
+  lastInserted_ = row.page;
+  CountRow(*pager_, *definition_, true);
+  return row;
+}
+
+void TableRows::Update(RowPointer row, const RowValues& values) {
+  RequireValuePerColumn(*definition_, values);
+  const FoundRow found = Require(row);
+  const RowView view(found.bytes, Version(), row);
+  LongValuePlan plan(values.size());
+  bool isChanged = false;
+  std::vector<std::size_t> replaced;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const ColumnDefinition& column = definition_->columns[i];
+    const bool isSame = IsSameStored(ReadValue(view, column), values[i]);
+    isChanged = isChanged || !isSame;
+    if (!column.IsLongValue()) continue;
+    if (!isSame) replaced.push_back(i);
+    if (IsNull(values[i])) continue;
+    if (isSame) {
+      const Stored kept = view.Stored(column);
+      plan.inRow[i].assign(kept.begin(), kept.end());
+    } else {
+      plan.Store(i, values[i], column);
+    }
+  }
+  if (!isChanged) return;
+  Bytes bytes = EncodeRow(*definition_, values, plan.inRow);
+  for (const std::size_t i : replaced) {
+    const ColumnDefinition& column = definition_->columns[i];
+    if (plan.toStore[i]) plan.inRow[i] = StoreLongValue(*plan.toStore[i], column.id);
+    if (!view.IsNull(column) && LongValues::IsElsewhere(view.Stored(column))) {
+      LongValues(*pager_, Version()).Remove(view.Stored(column), MapsOf(column.id));
+    }
+  }
+  if (!replaced.empty()) bytes = EncodeRow(*definition_, values, plan.inRow);
+  ReplaceBytes(row, found.body, bytes);
+}
+
+// In its own place, or back there if it was moved; else where it was moved to; else somewhere new.
+void TableRows::ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes) {
+  RowSpace space = Space();
+  const bool wasMoved = body != row;
+  if (space.TryReplace(row, bytes, data::kRowNormal)) {
+    if (wasMoved) space.Delete(body);
+    return;
+  }
+  if (wasMoved && space.TryReplace(body, bytes, data::kRowMovedTarget)) return;
+  const RowPointer next = space.Insert(bytes, data::kRowMovedTarget, lastInserted_);
+  if (!space.TryReplace(row, MakeStub(next), data::kRowMoved)) {
+    RaiseDamage("row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
+                " is too short to say where it was moved to.");
+  }
+  if (wasMoved) space.Delete(body);
+}
+
+void TableRows::Delete(RowPointer row) {
+  const FoundRow found = Require(row);
+  const RowView view(found.bytes, Version(), row);
+  for (const ColumnDefinition& column : definition_->columns) {
+    if (!column.IsLongValue() || view.IsNull(column) || !LongValues::IsElsewhere(view.Stored(column))) continue;
+    LongValues(*pager_, Version()).Remove(view.Stored(column), MapsOf(column.id));
+  }
+  RowSpace space = Space();
+  if (found.body != row) space.Delete(found.body);
+  space.Delete(row);
+  CountRow(*pager_, *definition_, false);
+}
+
+void TableRows::RemoveAll() {
+  Space().ReleaseAll();
+  for (const ColumnDefinition& column : definition_->columns) {
+    if (column.IsLongValue()) RemoveLongValues(column.id);
+  }
+  SetRowCount(*pager_, *definition_, 0);
+  lastInserted_ = 0;
+}
+
+void TableRows::RemoveLongValues(std::uint16_t columnId) {
+  const LongValueMaps maps = MapsOf(columnId);
+  RowSpace(*pager_, data::kOwnerLongValues, maps.ownedPages, maps.freeSpacePages).ReleaseAll();
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Long values
+// ---------------------------------------------------------------------------------------------------------------------
+
+LongValueMaps TableRows::MapsOf(std::uint16_t columnId) const {
+  const LongValueMaps* maps = FindMaps(*definition_, columnId);
+  if (maps != nullptr && IsComplete(*maps)) return *maps;
+  // Others may have made them since this definition was read.
+  const TableDefinition stored = ReadTableDefinition(*pager_, definition_->page);
+  const LongValueMaps* storedMaps = FindMaps(stored, columnId);
+  return storedMaps == nullptr ? LongValueMaps{columnId, {}, {}} : *storedMaps;
+}
+
+LongValueMaps TableRows::MapsForStoring(std::uint16_t columnId) {
+  LongValueMaps maps = MapsOf(columnId);
+  if (IsComplete(maps)) return maps;
+  PageAllocator allocator(*pager_);
+  const PageNumber near = definition_->ownedPages.page;
+  if (maps.ownedPages.IsNone()) maps.ownedPages = allocator.AddUsageMap(near);
+  if (maps.freeSpacePages.IsNone()) maps.freeSpacePages = allocator.AddUsageMap(near);
+
+  TableDefinition stored = ReadTableDefinition(*pager_, definition_->page);
+  for (TableDefinition* definition : {&stored, writableDefinition_}) {
+    if (definition == nullptr) continue;
+    const auto record = std::ranges::find(definition->longValueMaps, columnId, &LongValueMaps::columnId);
+    if (record == definition->longValueMaps.end()) {
+      definition->longValueMaps.push_back(maps);
+    } else {
+      *record = maps;
+    }
+  }
+  WriteTableDefinition(*pager_, stored, true);
+  return maps;
+}
+
+Bytes TableRows::StoreLongValue(const PreparedLongValue& value, std::uint16_t columnId) {
+  const bool isInline = value.form == PreparedLongValue::Form::Inline;
+  return LongValues(*pager_, Version()).Store(value, isInline ? LongValueMaps{} : MapsForStoring(columnId));
+}
+
+}  // namespace tavi::access

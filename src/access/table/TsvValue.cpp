@@ -1,0 +1,129 @@
+#include "access/table/TsvValue.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <span>
+
+#include "access/table/Sha256.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access {
+
+namespace {
+
+constexpr std::size_t kLongestHexadecimal = 256;
+constexpr double kSecondsOfDay = 86400.0;
+
+std::string Hexadecimal(std::span<const std::uint8_t> bytes) {
+  constexpr std::string_view kDigits = "0123456789abcdef";
+  std::string text;
+  for (const std::uint8_t byte : bytes) {
+    text.push_back(kDigits[byte >> 4U]);
+    text.push_back(kDigits[byte & 0xFU]);
+  }
+  return text;
+}
+
+std::string BytesText(const Bytes& bytes) {
+  return bytes.size() > kLongestHexadecimal ? "sha256:" + Hexadecimal(Sha256(bytes)) : Hexadecimal(bytes);
+}
+
+// What is read as "1.25e+20" becomes "1.25e20", and "1e-07" becomes "1e-7".
+std::string TidyExponent(std::string text) {
+  const std::size_t mark = text.find('e');
+  if (mark == std::string::npos) return text;
+  std::string exponent = text.substr(mark + 1);
+  const bool negative = exponent.starts_with('-');
+  exponent.erase(0, exponent.find_first_of("123456789"));
+  return text.substr(0, mark) + (negative ? "e-" : "e") + exponent;
+}
+
+template <typename Float>
+std::string FloatText(Float number) {
+  if (std::isnan(number)) return "nan";
+  if (std::isinf(number)) return number > 0 ? "inf" : "-inf";
+  if (number == Float{0}) return "0";
+  const double size = std::abs(static_cast<double>(number));
+  const bool isPlain = size >= 1e-5 && size < 1e16;
+  std::array<char, 64> buffer{};
+  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                     isPlain ? std::chars_format::fixed : std::chars_format::scientific);
+  return TidyExponent(std::string(buffer.data(), written.ptr));
+}
+
+std::string DateText(Date date) {
+  const double day = std::trunc(date.days);
+  const double seconds = std::floor((std::abs(date.days) - std::abs(day)) * kSecondsOfDay + 0.5);
+  Date shown{day};
+  int second = static_cast<int>(seconds);
+  if (seconds >= kSecondsOfDay) {
+    shown.days += 1;
+    second = 0;
+  }
+  const auto twoDigits = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
+  return shown.Iso().substr(0, 10) + "T" + twoDigits(second / 3600) + ":" + twoDigits(second / 60 % 60) + ":" +
+         twoDigits(second % 60);
+}
+
+bool IsSurrogate(char32_t codePoint) {
+  return codePoint >= 0xD800 && codePoint <= 0xDFFF;
+}
+
+std::string SurrogateText(char32_t codePoint) {
+  const std::array<std::uint8_t, 2> bytes = {static_cast<std::uint8_t>(codePoint >> 8U),
+                                             static_cast<std::uint8_t>(codePoint & 0xFFU)};
+  return "\\u" + Hexadecimal(bytes);
+}
+
+std::string EscapedText(const std::string& text) {
+  std::string escaped;
+  for (const char32_t codePoint : ToCodePoints(text)) {
+    switch (codePoint) {
+      case U'\\':
+        escaped += "\\\\";
+        break;
+      case U'\t':
+        escaped += "\\t";
+        break;
+      case U'\n':
+        escaped += "\\n";
+        break;
+      case U'\r':
+        escaped += "\\r";
+        break;
+      case U'\0':
+        escaped += "\\0";
+        break;
+      default:
+        escaped += IsSurrogate(codePoint) ? SurrogateText(codePoint) : FromCodePoints({&codePoint, 1});
+    }
+  }
+  return escaped;
+}
+
+/// Chooses the form by the type of the value.
+struct Formatter {
+  std::string operator()(Null) const { return "\\N"; }
+  std::string operator()(bool value) const { return value ? "true" : "false"; }
+  std::string operator()(std::uint8_t value) const { return std::to_string(value); }
+  std::string operator()(std::int16_t value) const { return std::to_string(value); }
+  std::string operator()(std::int32_t value) const { return std::to_string(value); }
+  std::string operator()(float value) const { return FloatText(value); }
+  std::string operator()(double value) const { return FloatText(value); }
+  std::string operator()(Currency value) const { return CurrencyText(value); }
+  std::string operator()(const Decimal& value) const { return DecimalText(value); }
+  std::string operator()(Date value) const { return DateText(value); }
+  std::string operator()(const std::string& value) const { return EscapedText(value); }
+  std::string operator()(const Bytes& value) const { return BytesText(value); }
+  std::string operator()(const Guid& value) const { return GuidText(value); }
+};
+
+}  // namespace
+
+std::string TsvText(const Value& value) {
+  return std::visit(Formatter{}, value);
+}
+
+}  // namespace tavi::access
