@@ -1,0 +1,171 @@
+#include "access/index/BTreeCheck.h"
+
+#include <algorithm>
+
+#include "access/file/PageAllocator.h"
+#include "access/index/NodeContent.h"
+#include "platform/values/Error.h"
+
+namespace tavi::access {
+
+namespace {
+
+namespace layout = format::index;
+
+std::string At(std::size_t offset) {
+  return "at " + std::to_string(offset);
+}
+
+}  // namespace
+
+bool BTreeReport::IsSound() const {
+  return std::ranges::all_of(findings, [](const BTreeFinding& finding) { return finding.isWarning; });
+}
+
+std::string BTreeReport::Text() const {
+  std::string text;
+  for (const BTreeFinding& finding : findings) text += finding.text + "\n";
+  return text;
+}
+
+BTreeCheck::BTreeCheck(Pager& pager, PageNumber tablePage, PageNumber root, RowPointer ownedPages)
+    : pager_(&pager), pages_(pager, tablePage, ownedPages), root_(root), ownedPages_(ownedPages) {}
+
+BTreeReport BTreeCheck::Run() {
+  stack_.push_back({root_, 0, std::nullopt});
+  while (!stack_.empty() && !IsFull()) {
+    const Step step = stack_.back();
+    stack_.pop_back();
+    try {
+      Visit(step);
+    } catch (const Error& error) {
+      report_.findings.push_back({step.page, error.Description(), false});
+    }
+  }
+  report_.levels = levels_.size();
+  if (!IsFull()) {
+    CheckLevels();
+    CheckOwnedPages();
+  }
+  return std::move(report_);
+}
+
+void BTreeCheck::Report(PageNumber page, const std::string& what, bool isWarning) {
+  if (IsFull()) return;
+  report_.findings.push_back({page, "Index page " + std::to_string(page) + " " + what + ".", isWarning});
+}
+
+void BTreeCheck::Visit(const Step& step) {
+  if (!visited_.insert(step.page).second) return Report(step.page, "is reached twice");
+  if (step.depth >= kMaximumIndexLevels) return Report(step.page, "lies too deep in its tree");
+  const ReadIndexPage page(pages_, step.page);
+  if (levels_.size() <= step.depth) levels_.resize(step.depth + 1);
+  levels_[step.depth].push_back(
+      {step.page, page.view.Previous(), page.view.Next(), page.view.Level(), page.view.IsLeaf()});
+  CheckHeader(page.view, step.depth);
+  if (page.view.IsLeaf()) {
+    CheckLeaf(step, page.view);
+  } else {
+    CheckNode(step, page.view);
+  }
+}
+
+void BTreeCheck::CheckHeader(const IndexPage& page, std::size_t depth) {
+  const std::size_t free = layout::kEntriesSize - page.End();
+  if (page.FreeBytes() != free) {
+    Report(page.Number(),
+           "states " + std::to_string(page.FreeBytes()) + " free bytes instead of " + std::to_string(free));
+  }
+  if (page.IsLeaf() && page.Tail() != 0) Report(page.Number(), "is a leaf with a tail page");
+  if (page.IsLeaf() && page.IsEmpty() && depth > 0) Report(page.Number(), "is a leaf without entries");
+  if (!page.IsLeaf() && page.Tail() == 0) Report(page.Number(), "is a node without a tail page");
+  if (!page.IsLeaf() && page.IsEmpty()) Report(page.Number(), "is a node without entries");
+}
+
+void BTreeCheck::CheckEntries(const IndexPage& page, const EntryBytes& from) {
+  EntryBytes before = from;
+  EntryBytes bytes;
+  bool prefixIsShort = true;
+  for (std::size_t offset = 0; offset < page.End();) {
+    const EntryPlace place = page.EntryAt(offset);
+    page.Decode(place, bytes);
+    if (!before.empty() && bytes <= before) Report(page.Number(), "has an entry " + At(offset) + " out of order");
+    prefixIsShort = prefixIsShort && page.PrefixLength() + layout::kEntryRowPointerSize <= bytes.size();
+    before = bytes;
+    offset = place.end;
+  }
+  if (!prefixIsShort) Report(page.Number(), "has a prefix that reaches into the row of an entry", true);
+}
+
+void BTreeCheck::CheckLeaf(const Step& step, const IndexPage& page) {
+  ++report_.leafPages;
+  CheckEntries(page, reached_);
+  if (page.IsEmpty()) return;
+  for (std::size_t offset = 0; offset < page.End(); offset = page.EntryAt(offset).end) ++report_.entries;
+  EntryBytes last;
+  page.Decode(page.EntryAt(page.End() - 1), last);
+  if (step.bound.has_value() && *step.bound < last) Report(step.page, "has entries greater than its entry in the node");
+  if (step.bound.has_value() && *step.bound > last)
+    Report(step.page, "ends before the entry that it has in the node", true);
+  reached_ = std::max(last, step.bound.value_or(EntryBytes()));
+}
+
+void BTreeCheck::CheckNode(const Step& step, const IndexPage& page) {
+  ++report_.nodePages;
+  CheckEntries(page, EntryBytes());
+  std::vector<Step> children;
+  for (std::size_t offset = 0; offset < page.End();) {
+    const EntryPlace place = page.EntryAt(offset);
+    children.push_back({page.Child(place), step.depth + 1, EntryBytes()});
+    page.Decode(place, *children.back().bound);
+    offset = place.end;
+  }
+  if (!children.empty() && step.bound.has_value() && *children.back().bound > *step.bound)
+    Report(step.page, "has entries greater than its entry in the node above");
+  if (page.Tail() != 0) children.push_back({page.Tail(), step.depth + 1, step.bound});
+  stack_.insert(stack_.end(), children.rbegin(), children.rend());
+}
+
+void BTreeCheck::CheckLevels() {
+  for (std::size_t depth = 0; depth < levels_.size(); ++depth) {
+    const bool isLast = depth + 1 == levels_.size();
+    for (const Seen& seen : levels_[depth]) {
+      if (seen.isLeaf && !isLast) Report(seen.page, "is a leaf above the lowest level");
+      const std::size_t level = levels_.size() - 1 - depth;
+      if (seen.level != level) {
+        Report(seen.page, "states level " + std::to_string(seen.level) + " instead of " + std::to_string(level), true);
+      }
+    }
+    CheckChain(levels_[depth]);
+  }
+}
+
+void BTreeCheck::CheckChain(const std::vector<Seen>& level) {
+  for (std::size_t i = 0; i < level.size(); ++i) {
+    const PageNumber previous = i == 0 ? 0 : level[i - 1].page;
+    const PageNumber next = i + 1 == level.size() ? 0 : level[i + 1].page;
+    if (level[i].previous == previous && level[i].next == next) continue;
+    Report(level[i].page,
+           "is linked to " + std::to_string(level[i].previous) + " and " + std::to_string(level[i].next) +
+               " instead of " + std::to_string(previous) + " and " + std::to_string(next),
+           !level[i].isLeaf);
+  }
+}
+
+void BTreeCheck::CheckOwnedPages() {
+  try {
+    const std::vector<PageNumber> owned = UsageMap(*pager_, ownedPages_).Pages();
+    const std::set<PageNumber> ownedSet(owned.begin(), owned.end());
+    const PageAllocator allocator(*pager_);
+    for (const PageNumber page : visited_) {
+      if (!ownedSet.contains(page)) Report(page, "is not in the map of the index's pages");
+      if (page < pager_->PageCount() && allocator.IsFree(page)) Report(page, "is marked free");
+    }
+    for (const PageNumber page : owned)
+      if (!visited_.contains(page)) Report(page, "is in the map of the index's pages but not in the tree");
+  } catch (const Error& error) {
+    report_.findings.push_back({ownedPages_.page, error.Description(), false});
+  }
+}
+
+}  // namespace tavi::access
