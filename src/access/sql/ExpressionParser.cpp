@@ -252,8 +252,10 @@ class ExpressionReader {
     return node;
   }
 
-  /// Left and Right join tables, and are functions.
-  static bool IsCallable(const Token& word) { return !IsReserved(word) || word.IsWord("LEFT") || word.IsWord("RIGHT"); }
+  /// Left and Right join tables, Asc orders, and all three are functions.
+  static bool IsCallable(const Token& word) {
+    return !IsReserved(word) || word.IsWord("LEFT") || word.IsWord("RIGHT") || word.IsWord("ASC");
+  }
 
   ExpressionPointer ReadCall() {
     ExpressionPointer call = MakeExpression(ExpressionKind::Call, stream_.Peek().position);

@@ -135,7 +135,7 @@ class LayoutReader {
       hasPoint_ = true;
       layout_.pieces.push_back({Piece::Kind::Point, ".", 0, false});
     } else if (character == ',') {
-      if (layout_.wholePlaces > 0) ++commas_;
+      if (layout_.wholePlaces > 0 && !hasPoint_) ++commas_;
     } else if ((character == 'E' || character == 'e') && BeginsExponent()) {
       ReadExponent();
       return;

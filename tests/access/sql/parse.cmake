@@ -1,0 +1,14 @@
+list(APPEND TAVI_ACCESS_SQL_TESTS
+  ClubStatementsTest.cpp
+  DateTextTest.cpp
+  EvaluatorTest.cpp
+  ExpressionText.cpp
+  FormatTest.cpp
+  FunctionTest.cpp
+  LexerTest.cpp
+  LikeTest.cpp
+  LogicExhaustiveTest.cpp
+  ParserErrorTest.cpp
+  ParserTest.cpp
+  ParserRobustnessTest.cpp
+  TreeText.cpp)
