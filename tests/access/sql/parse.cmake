@@ -1,5 +1,5 @@
 list(APPEND TAVI_ACCESS_SQL_TESTS
-  ClubStatementsTest.cpp
+  ClubStatementTreesTest.cpp
   DateTextTest.cpp
   EvaluatorTest.cpp
   ExpressionText.cpp

@@ -19,7 +19,7 @@ void ExpectTrees(const Case (&cases)[kCount]) {
   for (const Case& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
 }
 
-TEST(ClubStatements, OfTheLayoutCheck) {
+TEST(ClubStatementTrees, OfTheLayoutCheck) {
   const Case cases[] = {
       {"Select Top 1 HandicalcSeed From Members", "(select top 1 [HandicalcSeed] from Members)"},
       {"Create Table EBUMembershipList (EBUNumber Long PRIMARY KEY, FirstName Text (50), LastName Text (50), "
@@ -58,7 +58,7 @@ TEST(ClubStatements, OfTheLayoutCheck) {
   ExpectTrees(cases);
 }
 
-TEST(ClubStatements, OfMembers) {
+TEST(ClubStatementTrees, OfMembers) {
   const Case cases[] = {
       {"Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc",
        "(select top 1 [MembershipNumber] from Members order [MembershipNumber desc])"},
@@ -138,7 +138,7 @@ TEST(ClubStatements, OfMembers) {
   ExpectTrees(cases);
 }
 
-TEST(ClubStatements, OfPartnerships) {
+TEST(ClubStatementTrees, OfPartnerships) {
   const Case cases[] = {
       {"Select * from Partnerships Where LowerPlayer = 3 And HigherPlayer = 7",
        "(select [*] from Partnerships where (And (= LowerPlayer 3L) (= HigherPlayer 7L)))"},
@@ -168,7 +168,7 @@ TEST(ClubStatements, OfPartnerships) {
   ExpectTrees(cases);
 }
 
-TEST(ClubStatements, OfCompetitionsAndResults) {
+TEST(ClubStatementTrees, OfCompetitionsAndResults) {
   const Case cases[] = {
       {"Select * from Competitions Where CompetitionName = 'Club Pairs' And CompetitionDate = 37014",
        "(select [*] from Competitions where (And (= CompetitionName 'Club Pairs') (= CompetitionDate 37014L)))"},
@@ -193,7 +193,7 @@ TEST(ClubStatements, OfCompetitionsAndResults) {
   ExpectTrees(cases);
 }
 
-TEST(ClubStatements, OfHandicaps) {
+TEST(ClubStatementTrees, OfHandicaps) {
   const Case cases[] = {
       {"Delete from HandicalcSettings", "(delete from HandicalcSettings)"},
       {"Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
