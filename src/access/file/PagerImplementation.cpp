@@ -176,8 +176,7 @@ bool PagerImplementation::Refresh() {
   try {
     return TakeInOthers();
   } catch (...) {
-    // Part of the news may have been taken in.
-    DropCache();
+    // Part of the news may have been taken in. Without the stamp the next statement trusts no page that is cached.
     stamp_.reset();
     throw;
   }

@@ -225,5 +225,33 @@ TEST(PagerCrash, AnotherUserGoesOnWhereAWriterDied) {
   }
 }
 
+// A close, then a change by another program, then a power failure: the log that was done with must not come back and
+// undo the change.
+void ExpectForeignChangeSurvives(MemoryFileSystem& memory) {
+  auto bytes = memory.Contents(kPath);
+  Page page(3);
+  page.Put(0, std::span(bytes).subspan(3 * kPageSize, kPageSize));
+  SetPageText(page, "foreign");
+  std::copy(page.All().begin(), page.All().end(), bytes.begin() + 3 * kPageSize);
+  memory.SetContents(kPath, bytes);
+  const auto after = memory.AfterCrash(CrashKind::Dropped, 0);
+  EXPECT_EQ(ReadText(*Pager::Open(after, kPath, {}), 3), "foreign");
+}
+
+TEST(PagerCrash, ALogThatWasRemovedDoesNotComeBack) {
+  const auto memory = std::make_shared<MemoryFileSystem>();
+  Pager::Create(*memory, kPath, MakeSmallDatabase(8));
+  test::WriteText(*Pager::Open(memory, kPath, {}), 3, "ours");
+  ExpectForeignChangeSurvives(*memory);
+}
+
+TEST(PagerCrash, ALogThatWasBegunAnewDoesNotComeBack) {
+  const auto memory = std::make_shared<MemoryFileSystem>();
+  Pager::Create(*memory, kPath, MakeSmallDatabase(8));
+  const auto other = Pager::Open(memory, kPath, {});
+  test::WriteText(*Pager::Open(memory, kPath, {}), 3, "ours");
+  ExpectForeignChangeSurvives(*memory);
+}
+
 }  // namespace
 }  // namespace tavi::access

@@ -205,5 +205,27 @@ TEST_F(PagerFaultTest, WithoutALogThereIsNoStatement) {
   EXPECT_EQ(ReadText(*pager, 3), "kept");
 }
 
+TEST_F(PagerFaultTest, NewsThatWereTakenInOnlyInPartLeaveNoStalePages) {
+  const auto writer = Pager::Open(memory_, kPath, {});
+  const auto reader = Pager::Open(failing_, kPath, {});
+  WriteText(*writer, 3, "begun");
+  for (std::size_t call = 0;; ++call) {
+    EXPECT_EQ(ReadText(*reader, 3), ReadText(*writer, 3));
+    EXPECT_EQ(ReadText(*reader, 4), ReadText(*writer, 4));
+    WriteText(*writer, 3, "three " + std::to_string(call));
+    WriteText(*writer, 4, "four " + std::to_string(call));
+    failing_->FailCall(call, {Operation::Read});
+    try {
+      static_cast<void>(ReadText(*reader, 3));
+    } catch (const Error&) {
+    }
+    const bool hasFailed = failing_->HasFailed();
+    failing_->FailNothing();
+    EXPECT_EQ(ReadText(*reader, 3), "three " + std::to_string(call)) << call;
+    EXPECT_EQ(ReadText(*reader, 4), "four " + std::to_string(call)) << call;
+    if (!hasFailed) break;
+  }
+}
+
 }  // namespace
 }  // namespace tavi::access
