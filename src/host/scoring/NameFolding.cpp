@@ -75,6 +75,9 @@ std::string FoldName(const std::string& name) {
 std::string CleanWrittenName(const std::string& name) {
   std::string text = name.substr(0, name.find_first_of("(["));
   for (const char* apostrophe : {"’", "‘", "´", "`"}) text = ReplaceAll(text, apostrophe, "'");
+  if (const std::size_t comma = text.find(','); comma != std::string::npos) {
+    text = text.substr(comma + 1) + " " + text.substr(0, comma);
+  }
   std::vector<std::string> words = Words(ReplaceAll(text, ".", " "));
   while (words.size() > 2 && IsTitle(words.front())) words.erase(words.begin());
   while (words.size() > 2 && IsFigure(words.back())) words.pop_back();

@@ -10,7 +10,7 @@ namespace tavi::host {
 std::string FoldName(const std::string& name);
 
 /// A written name without what does not belong to it: titles in front, a figure or a remark in brackets behind, points
-/// behind initials, typographic apostrophes as plain ones.
+/// behind initials, typographic apostrophes as plain ones; "Surname, First" the usual way round.
 std::string CleanWrittenName(const std::string& name);
 
 /// True when two folded names are equal, "?" standing for any one letter.
