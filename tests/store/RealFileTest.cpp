@@ -1,0 +1,248 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <random>
+
+#include "names/NameSearch.h"
+#include "platform/values/Text.h"
+#include "store/OpenUse.h"
+#include "store/support/ClubFile.h"
+
+namespace tavi {
+namespace {
+
+using testing::ClubFile;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// A store on a real file that a test first brings into an older state.
+class RealFileTest : public ::testing::Test {
+ protected:
+  void Open() {
+    club_.store.NewDatabase();
+    club_.messages->shown.clear();
+    club_.store.OpenDB();
+    club_.store.CloseDB(false);
+  }
+  std::vector<std::string> Titles() const {
+    std::vector<std::string> titles;
+    for (const auto& message : club_.messages->shown) titles.push_back(message.title);
+    return titles;
+  }
+  void AddMember(int number, const std::string& first, const std::string& initials, const std::string& last) {
+    const NameKeyService& keys = *club_.platform->nameKeyService;
+    club_.store.Execute(
+        "Insert into Members (MembershipNumber, FirstName, MiddleInitials, LastName, FuzzedFirstName, "
+        "FuzzedLastName) Values (" +
+        std::to_string(number) + ", " + cDatabase::SQLString(first) + ", " + cDatabase::SQLString(initials) + ", " +
+        cDatabase::SQLString(last) + ", " + cDatabase::SQLString(keys.Key(NameKeyMode::FirstName, first)) + ", " +
+        cDatabase::SQLString(keys.Key(NameKeyMode::Surname, last)) + ")");
+  }
+
+  ClubFile club_;
+};
+
+TEST_F(RealFileTest, AMissingColumnIsAddedAndEveryMemberGetsItsDefault) {
+  club_.Prepare({"Alter Table Members Drop Column Stratum", "Insert into Members (MembershipNumber) Values (1)",
+                 "Insert into Members (MembershipNumber) Values (2)"});
+  Open();
+  EXPECT_THAT(Titles(), ElementsAre("Database Update Required"));
+  EXPECT_THAT(club_.Column("Select Stratum From Members"), ElementsAre("0", "0"));
+  Open();
+  EXPECT_THAT(Titles(), IsEmpty());
+}
+
+TEST_F(RealFileTest, AFileWithoutTheGoverningBodysTableGetsItWithoutAMessage) {
+  club_.Prepare({"Drop Table EBUMembershipList"});
+  Open();
+  EXPECT_THAT(Titles(), IsEmpty());
+  EXPECT_EQ(club_.ColumnTypes("EBUMembershipList").size(), 5U);
+}
+
+TEST_F(RealFileTest, TheSecondDropOfDirectCreditWarns) {
+  club_.Prepare({"Alter Table Settings Add Column DirectCreditMPs Bit"});
+  Open();
+  EXPECT_THAT(Titles(), ElementsAre("Database Update Required", "Database Update Warning"));
+  EXPECT_FALSE(club_.ColumnTypes("Settings").contains("DirectCreditMPs"));
+  Open();
+  EXPECT_THAT(Titles(), IsEmpty());
+}
+
+TEST_F(RealFileTest, ATemporaryTotalOfAnotherTypeIsReplacedInTwoOpenings) {
+  club_.Prepare(
+      {"Alter Table MasterPoints Drop Column TempMPTotal", "Alter Table MasterPoints Add Column TempMPTotal Long"});
+  Open();
+  EXPECT_FALSE(club_.ColumnTypes("MasterPoints").contains("TempMPTotal"));
+  Open();
+  EXPECT_EQ(club_.ColumnTypes("MasterPoints").at("TempMPTotal"), 5);
+  Open();
+  EXPECT_THAT(Titles(), IsEmpty());
+}
+
+TEST_F(RealFileTest, OldKindsOfCompetitionsSurviveTheirColumn) {
+  club_.Prepare({"Alter Table Competitions Drop Column IsExternal", "Alter Table Competitions Drop Column IsTeams",
+                 "Alter Table Competitions Add Column ExternalType Text (1)",
+                 "Insert into Competitions (CompetitionName, Individual, ExternalType) Values ('pairs', 0, 'P')",
+                 "Insert into Competitions (CompetitionName, Individual, ExternalType) Values ('single', 0, 'I')",
+                 "Insert into Competitions (CompetitionName, Individual, ExternalType) Values ('swiss', 0, 's')",
+                 "Insert into Competitions (CompetitionName, Individual, ExternalType) Values ('teams', 0, 'T')",
+                 "Insert into Competitions (CompetitionName, Individual, ExternalType) Values ('ours', 5, '')",
+                 "Insert into Competitions (CompetitionName, Individual) Values ('plain', 5)"});
+  Open();
+  EXPECT_FALSE(club_.ColumnTypes("Competitions").contains("ExternalType"));
+  const std::string order = " From Competitions Order By ID";
+  EXPECT_THAT(club_.Column("Select Individual" + order), ElementsAre("0", "1", "0", "0", "5", "5"));
+  EXPECT_THAT(club_.Column("Select IsSwiss" + order), ElementsAre("False", "False", "True", "False", "False", "False"));
+  EXPECT_THAT(club_.Column("Select IsTeams" + order), ElementsAre("False", "False", "False", "True", "False", "False"));
+  EXPECT_THAT(club_.Column("Select IsExternal" + order), ElementsAre("True", "True", "True", "True", "False", "False"));
+}
+
+TEST_F(RealFileTest, AwardsTakeTheColourOfTheirCompetition) {
+  club_.Prepare({"Insert into Competitions (CompetitionName, MasterPointsColour) Values ('one', 2)",
+                 "Insert into Competitions (CompetitionName) Values ('two')",
+                 "Insert into MasterPoints (CompetitionID, Colour) Values (1, -1)",
+                 "Insert into MasterPoints (CompetitionID, Colour) Values (1, 1)",
+                 "Insert into MasterPoints (CompetitionID, Colour) Values (2, -1)",
+                 "Insert into MasterPoints (CompetitionID, Colour) Values (9, -1)"});
+  Open();
+  EXPECT_THAT(club_.Column("Select Colour From MasterPoints Order By ID"), ElementsAre("2", "1", "-1", "-1"));
+  const std::string before = club_.Content();
+  Open();
+  EXPECT_EQ(club_.Content(), before) << "the second opening has nothing to write";
+}
+
+TEST_F(RealFileTest, AwardsOfAnOlderFileAreMarkedAndThenRepaired) {
+  club_.Prepare({"Alter Table MasterPoints Drop Column Colour",
+                 "Insert into Competitions (CompetitionName, MasterPointsColour) Values ('one', 2)",
+                 "Insert into MasterPoints (CompetitionID) Values (1)",
+                 "Insert into MasterPoints (CompetitionID) Values (7)"});
+  Open();
+  EXPECT_THAT(club_.Column("Select Colour From MasterPoints Order By ID"), ElementsAre("2", "-1"));
+}
+
+TEST_F(RealFileTest, TextsComeBackAsTheyWere) {
+  const std::array<std::string, 5> texts{"50% O'Neil", "one\r\ntwo", "Éloïse Łukasz Müller-Lüdenscheidt", "%p%c%l %",
+                                         std::string(5000, 'x') + "\U0001F0A1"};
+  int number = 0;
+  for (const std::string& text : texts) {
+    club_.store.Execute("Insert into Members (MembershipNumber, Notes) Values (" + std::to_string(++number) + ", " +
+                        cDatabase::SQLString(text) + ")");
+  }
+  OpenUse use(club_.store);
+  const auto rows = club_.store.OpenRecordset("Select Notes From Members Order By MembershipNumber");
+  for (const std::string& text : texts) {
+    EXPECT_EQ(cDatabase::GetTextField(*rows, "Notes"), text);
+    rows->MoveNext();
+  }
+}
+
+TEST_F(RealFileTest, DatesAreFoundByTheirNumber) {
+  const Date day = Date::FromCivil(2024, 2, 29);
+  club_.store.Execute("Insert into Competitions (CompetitionName, CompetitionDate) Values ('leap', " +
+                      cDatabase::SQLDate(day) + ")");
+  OpenUse use(club_.store);
+  const auto rows =
+      club_.store.OpenRecordset("Select * From Competitions Where CompetitionDate = " + cDatabase::SQLDate(day));
+  ASSERT_FALSE(rows->AtEnd());
+  EXPECT_EQ(cDatabase::GetDateField(*rows, "CompetitionDate", Date{}), day);
+}
+
+TEST_F(RealFileTest, TheSettingsRecordKeepsItsValues) {
+  cDatabase& store = club_.store;
+  store.SetLatestClubName("Hillcrest Bridge Club");
+  EXPECT_EQ(store.NextMPCertificateNumber(), "HBC00001");
+  EXPECT_EQ(store.NextMPCertificateNumber(), "HBC00002");
+  store.SetLatestClubName("St. Anne's");
+  EXPECT_EQ(store.LatestClubName(), "St. Anne's");
+  EXPECT_EQ(store.NextMPCertificateNumber(), "SA00003");
+  EXPECT_EQ(store.NextMPUploadNumber(), 1);
+  store.SetMasterPointIssueMethod(2);
+  EXPECT_EQ(store.MasterPointIssueMethod(), 2);
+  store.SetCountyList("Kent,Surrey");
+  EXPECT_EQ(store.CountyList(), "Kent,Surrey");
+  EXPECT_EQ(store.LastUploadDate(), Date::FromCivil(2000, 12, 4));
+  store.SetLastUploadDate(Date::FromCivil(2024, 3, 1));
+  EXPECT_EQ(store.LastUploadDate(), Date::FromCivil(2024, 3, 1));
+  EXPECT_EQ(store.OpenCount(), 0);
+  EXPECT_THAT(club_.Column("Select Count(*) From Settings"), ElementsAre("1"));
+}
+
+TEST_F(RealFileTest, AMissingFileIsSaidWithItsPath) {
+  club_.store.SetDatabaseFolder(club_.folder.Path("nowhere"));
+  try {
+    club_.store.OpenDB();
+    FAIL();
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::Component));
+    EXPECT_TRUE(error.Description().starts_with("Failed to open membership database " + club_.folder.Path("nowhere") +
+                                                "\\ClubMembers.mdb:\r\n\r\n"));
+  }
+}
+
+/// The flag of a member by comparing it with every other one.
+int FlagByBruteForce(const std::vector<std::pair<std::string, std::string>>& names, std::size_t member) {
+  int flag = 4;
+  for (std::size_t other = 0; other < names.size(); ++other) {
+    if (other == member || !EqualIgnoringCase(names[other].first, names[member].first)) continue;
+    const std::string& left = names[other].second;
+    const std::string& right = names[member].second;
+    const bool sameLetter = EqualIgnoringCase(FirstCharacters(left, 1), FirstCharacters(right, 1));
+    flag = std::min(flag, EqualIgnoringCase(left, right) ? 1 : sameLetter ? 2 : 3);
+  }
+  return flag;
+}
+
+TEST_F(RealFileTest, UniquenessFlagsAgreeWithComparingEveryPairOfMembers) {
+  const std::array<const char*, 5> firstNames{"Ann", "ANN", "Anna", "John", "john"};
+  const std::array<const char*, 8> surnames{"Smith", "smith", "Smyth", "Brown", "Bro", "Lee", "LEE", "Young"};
+  std::mt19937 random(20240315);
+  for (int round = 0; round < 20; ++round) {
+    club_.store.Execute("Delete From Members");
+    std::vector<std::pair<std::string, std::string>> names;
+    for (int number = 1; number <= 8; ++number) {
+      names.emplace_back(firstNames.at(random() % firstNames.size()), surnames.at(random() % surnames.size()));
+      AddMember(number, names.back().first, "", names.back().second);
+    }
+    club_.store.SetNameUniquenessFlags("");
+    std::vector<std::string> expected;
+    for (std::size_t member = 0; member < names.size(); ++member) {
+      expected.push_back(std::to_string(FlagByBruteForce(names, member)));
+    }
+    ASSERT_EQ(club_.Column("Select UniquenessFlag From Members Order By MembershipNumber"), expected) << round;
+  }
+}
+
+TEST_F(RealFileTest, FlagsOfOtherFirstNamesAndOfRetiredMembersStay) {
+  AddMember(1, "John", "", "Smith");
+  AddMember(2, "John", "", "Smyth");
+  AddMember(3, "Ann", "", "Lee");
+  AddMember(4, "John", "", "Smith");
+  club_.store.Execute("Update Members Set UniquenessFlag = 7");
+  club_.store.Execute("Update Members Set Active = 0 Where MembershipNumber = 4");
+  club_.store.SetNameUniquenessFlags("John");
+  EXPECT_THAT(club_.Column("Select UniquenessFlag From Members Order By MembershipNumber"),
+              ElementsAre("2", "2", "7", "7"));
+  club_.store.SetNameUniquenessFlags("");
+  EXPECT_THAT(club_.Column("Select UniquenessFlag From Members Order By MembershipNumber"),
+              ElementsAre("2", "2", "4", "7"));
+}
+
+TEST_F(RealFileTest, MembersAreFoundByTypedNames) {
+  AddMember(1, "John", "A", "O'Neil");
+  AddMember(2, "John", "", "O'Neil");
+  AddMember(3, "Éloïse", "", "Łukasz");
+  AddMember(4, "Stephen", "", "Phillips");
+  EXPECT_EQ(FindMember(club_.store, "John O'Neil", true), 2);
+  EXPECT_EQ(FindMember(club_.store, "John A O'Neil", true), 1);
+  EXPECT_EQ(FindMember(club_.store, "John AB O'Neil", false), -1) << "both fit";
+  EXPECT_EQ(FindMember(club_.store, "Éloïse Łukasz", true), 3);
+  EXPECT_THAT(FindNearestMatches(club_.store, "John ONeil"), ElementsAre(2, 1));
+  EXPECT_THAT(FindNearestMatches(club_.store, "Steven Philips"), ElementsAre(4));
+  EXPECT_THAT(FindNearestMatches(club_.store, "Eloise Lukasz"), ElementsAre(3));
+  EXPECT_THAT(FindNearestMatches(club_.store, "Nobody Known"), IsEmpty());
+}
+
+}  // namespace
+}  // namespace tavi

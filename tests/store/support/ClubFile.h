@@ -1,0 +1,51 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "composition/Composition.h"
+#include "platform/TemporaryFolder.h"
+#include "store/BaseFile.h"
+#include "store/cDatabase.h"
+#include "store/support/FakeFile.h"
+
+namespace tavi::testing {
+
+/// A real membership file of the current layout in a folder of its own, with a store on it.
+class ClubFile {
+ public:
+  ClubFile() {
+    CreateEmptyDatabase(FilePath(), kNow);
+    const auto connection = Connect();
+    CreateBaseFile(*connection);
+    connection->Close();
+    store.SetDatabaseFolder(folder.Path());
+  }
+
+  static constexpr Date kNow{45366.5};  // 15 March 2024, 12:00
+
+  [[nodiscard]] std::string FilePath() const { return folder.Path("ClubMembers.mdb"); }
+  [[nodiscard]] std::string Content() const { return folder.ReadFile("ClubMembers.mdb"); }
+  /// A connection beside the store.
+  [[nodiscard]] std::unique_ptr<ado::Connection> Connect() const {
+    return platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + FilePath());
+  }
+  /// Runs statements on the file without the store.
+  void Prepare(const std::vector<std::string>& statements) const {
+    const auto connection = Connect();
+    for (const std::string& statement : statements) connection->Execute(statement);
+    connection->Close();
+  }
+  /// The first field of every row of a statement, as text ("Null" for null).
+  [[nodiscard]] std::vector<std::string> Column(const std::string& statement) const;
+  /// The types of a table's columns by name.
+  [[nodiscard]] std::map<std::string, std::int32_t> ColumnTypes(const std::string& table) const;
+
+  TemporaryFolder folder;
+  std::shared_ptr<RecordedMessages> messages = std::make_shared<RecordedMessages>();
+  std::shared_ptr<const Platform> platform = MakePlatform({kNow, messages});
+  cDatabase store{platform};
+};
+
+}  // namespace tavi::testing
