@@ -13,12 +13,12 @@ struct DefinitionRunner {
   void operator()(const CreateTable& statement) const { database.CreateTable(statement.design, now); }
   void operator()(const DropTable& statement) const { database.DropTable(statement.table); }
   void operator()(const AddColumn& statement) const {
-    database.AddColumn(statement.table, statement.column);
-    if (statement.index) database.CreateIndex(statement.table, *statement.index);
+    database.AddColumn(statement.table, statement.column, now);
+    if (statement.index) database.CreateIndex(statement.table, *statement.index, now);
   }
-  void operator()(const DropColumn& statement) const { database.DropColumn(statement.table, statement.column); }
-  void operator()(const CreateIndex& statement) const { database.CreateIndex(statement.table, statement.design); }
-  void operator()(const DropIndex& statement) const { database.DropIndex(statement.table, statement.index); }
+  void operator()(const DropColumn& statement) const { database.DropColumn(statement.table, statement.column, now); }
+  void operator()(const CreateIndex& statement) const { database.CreateIndex(statement.table, statement.design, now); }
+  void operator()(const DropIndex& statement) const { database.DropIndex(statement.table, statement.index, now); }
   template <typename Other>
   void operator()(const Other& /*changes rows*/) const {}
 };

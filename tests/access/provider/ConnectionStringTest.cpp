@@ -1,0 +1,31 @@
+#include "access/provider/ConnectionString.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/values/Error.h"
+
+namespace tavi::access {
+namespace {
+
+TEST(ConnectionString, NamesIgnoreCaseAndBlanks) {
+  EXPECT_EQ(ParseConnectionString("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\Club\\a b.mdb").dataSource,
+            "C:\\Club\\a b.mdb");
+  EXPECT_EQ(ParseConnectionString(" data source = x.mdb ; PROVIDER=microsoft.ace.oledb.12.0;").dataSource, "x.mdb");
+}
+
+TEST(ConnectionString, ValuesMayBeQuoted) {
+  EXPECT_EQ(ParseConnectionString("Data Source=\"a;b.mdb\";Mode=Read").dataSource, "a;b.mdb");
+  EXPECT_TRUE(ParseConnectionString("Data Source='a;b.mdb';Mode=Read").readOnly);
+  EXPECT_FALSE(ParseConnectionString("Data Source=a.mdb;Mode=ReadWrite").readOnly);
+}
+
+TEST(ConnectionString, WhatCannotBeOpenedIsRefused) {
+  EXPECT_THROW(ParseConnectionString(""), Error);
+  EXPECT_THROW(ParseConnectionString("Provider=Microsoft.Jet.OLEDB.4.0"), Error);
+  EXPECT_THROW(ParseConnectionString("Provider=SQLOLEDB;Data Source=x"), Error);
+  EXPECT_THROW(ParseConnectionString("Data Source='x"), Error);
+  EXPECT_THROW(ParseConnectionString("rubbish"), Error);
+}
+
+}  // namespace
+}  // namespace tavi::access
