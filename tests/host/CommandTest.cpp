@@ -121,7 +121,7 @@ TEST_F(Command, ImportedMembersAreStoredIntactAndListed) {
   const Outcome listed = folder_.Run({"members"});
   EXPECT_THAT(listed.out, HasSubstr("10\tWójcik, Łukasz\t990104\t50.00\tyes"));
   EXPECT_THAT(listed.out, Not(HasSubstr("Timer")));
-  EXPECT_THAT(folder_.Run({"members", "--all"}).out, HasSubstr("Timer, Old\t990105\t50.00\tno"));
+  EXPECT_THAT(folder_.Run({"members", "--all"}).out, HasSubstr("11\tTimer, Old\t"));
 }
 
 TEST_F(Command, ImportingAgainUpdatesWhoIsThere) {
@@ -175,6 +175,16 @@ TEST_F(Command, ScoringStoresResultsAwardsAndHandicapsAndSaysWhoIsNoMember) {
   EXPECT_THAT(folder_.Query("Select Handicap From Members Where MembershipNumber = 7"), ElementsAre("60"));
   EXPECT_THAT(folder_.Query("Select CompetitionName, Individual, NatCode From Competitions"),
               ElementsAre("Tuesday\t0\tEBU"));
+}
+
+TEST_F(Command, ARetiredMemberIsRecognisedByNumberOnly) {
+  MakeClub();
+  const std::string pairs = Pair("1", "60", Player("Old Timer", "990105") + Player("Ann Lee")) +
+                            Pair("2", "40", Player("Bob Ray") + Player("Eloise Darcy"));
+  const Outcome scored = folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))});
+  ASSERT_EQ(scored.code, 0) << scored.error;
+  EXPECT_THAT(scored.error, HasSubstr("no longer an active member"));
+  EXPECT_THAT(folder_.Query("Select Player, Partner From Results Order By Partner"), ElementsAre("11\t7", "8\t9"));
 }
 
 TEST_F(Command, ScoringTheSameFileTwiceChangesNothing) {

@@ -57,9 +57,13 @@ TEST_P(SampleEvents, AreReadWithTheFiguresListedForThem) {
     ++used[file];
     const std::string where = file + ": " + names;
     EXPECT_EQ(std::to_string((*found)->place.value_or(0)), list.Field(row, "place")) << where;
-    if ((*found)->total) EXPECT_NEAR(std::stod(list.Field(row, "total")), *(*found)->total, 0.0051) << where;
+    if ((*found)->total) {
+      EXPECT_NEAR(std::stod(list.Field(row, "total")), *(*found)->total, 0.0051) << where;
+    }
     const std::string raw = list.Field(row, "raw_percentage");
-    if (!raw.empty()) EXPECT_NEAR(std::stod(raw), (*found)->actualPercentage.value_or(-1), 0.0051) << where;
+    if (!raw.empty()) {
+      EXPECT_NEAR(std::stod(raw), (*found)->actualPercentage.value_or(-1), 0.0051) << where;
+    }
     const std::string points = list.Field(row, "master_points");
     double awarded = 0;
     for (const Award& award : (*found)->awards) awarded += award.points * 100;

@@ -8,13 +8,34 @@
 namespace tavi::host {
 namespace {
 
+constexpr std::int16_t kFirstAndLastName = 5;
 constexpr std::int16_t kFamiliarName = 9;
 /// Shorter names are too much alike for slips to be forgiven.
 constexpr std::size_t kShortestForSlips = 6;
+/// Figures that fit a 32-bit number whatever they are.
+constexpr std::size_t kLongestNumber = 9;
 
 std::string WithoutLeadingZeros(const std::string& number) {
   const std::size_t digit = number.find_first_not_of('0');
   return digit == std::string::npos ? std::string() : number.substr(digit);
+}
+
+struct WalkedMember {
+  std::int32_t number = 0;
+  std::string name;
+  bool retired = false;
+};
+
+std::vector<WalkedMember> WalkAll(MembershipDatabase& database, std::int16_t nameFormat) {
+  std::vector<WalkedMember> members;
+  WalkedMember member;
+  double unused = 0.0;
+  for (bool more = database.GetFirstMember(member.number, member.name, unused, nameFormat); more;
+       more = database.GetNextMember(member.number, member.name, unused, nameFormat)) {
+    member.retired = database.Retired();
+    members.push_back(member);
+  }
+  return members;
 }
 
 std::string Joined(const std::string& first, const std::string& last) {
@@ -24,34 +45,26 @@ std::string Joined(const std::string& first, const std::string& last) {
 }  // namespace
 
 MemberDirectory::MemberDirectory(MembershipDatabase& database) : database_(database) {
-  struct Walked {
-    std::int32_t number;
-    std::string familiar;
-    bool retired;
-  };
-  std::vector<Walked> walked;
   const bool before = database.IncludeInactiveMembers;
   database.IncludeInactiveMembers = true;
-  std::int32_t number = 0;
-  std::string name;
-  double handicap = 0.0;
-  for (bool more = database.GetFirstMember(number, name, handicap, kFamiliarName); more;
-       more = database.GetNextMember(number, name, handicap, kFamiliarName)) {
-    walked.push_back({number, name, database.Retired()});
-  }
+  const std::vector<WalkedMember> shown = WalkAll(database, kFirstAndLastName);
+  const std::vector<WalkedMember> familiar = WalkAll(database, kFamiliarName);
   database.IncludeInactiveMembers = before;
-  for (const Walked& member : walked) AddMember(member.number, member.familiar, member.retired);
+  for (std::size_t i = 0; i < shown.size() && i < familiar.size(); ++i) {
+    Member member;
+    member.number = shown[i].number;
+    member.shown = shown[i].name;
+    member.retired = shown[i].retired;
+    if (!member.retired) AddWritings(member, familiar[i].name);
+    members_.emplace(member.number, std::move(member));
+  }
 }
 
-void MemberDirectory::AddMember(std::int32_t number, const std::string& familiarForm, bool retired) {
+void MemberDirectory::AddWritings(Member& member, const std::string& familiarForm) {
   std::string first;
   std::string initials;
   std::string last;
-  Member member;
-  member.nationalNumber = WithoutLeadingZeros(database_.GetEBUNoAndNames(number, first, initials, last));
-  member.number = number;
-  member.retired = retired;
-  member.shown = Joined(first, last);
+  member.nationalNumber = WithoutLeadingZeros(database_.GetEBUNoAndNames(member.number, first, initials, last));
   member.surname = FoldName(last);
   member.writings = {FoldName(Joined(first, last)), FoldName(Joined(first + " " + initials, last))};
   // Format 9 gives the familiar name alone, or first name and surname when there is none.
@@ -59,7 +72,6 @@ void MemberDirectory::AddMember(std::int32_t number, const std::string& familiar
     member.familiarWriting = FoldName(Joined(familiarForm, last));
     member.writings.push_back(member.familiarWriting);
   }
-  members_.emplace(number, std::move(member));
 }
 
 ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
@@ -68,7 +80,10 @@ ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
   std::vector<const Member*> byName = ByWriting(FoldName(clean));
   if (byNumber != nullptr) {
     const bool otherName = byName.size() == 1 && byName.front() != byNumber && !NameFits(*byNumber, clean);
-    if (!otherName) return {byNumber->number, byNumber->shown, ""};
+    if (!otherName) {
+      return {byNumber->number, byNumber->shown,
+              byNumber->retired ? player.name + ": " + byNumber->shown + " is no longer an active member" : ""};
+    }
     return {byName.front()->number, byName.front()->shown,
             player.name + ": the national number " + player.nationalNumber + " is " + byNumber->shown +
                 "'s; taken for the member of that name"};
@@ -94,7 +109,15 @@ const MemberDirectory::Member* MemberDirectory::ByNationalNumber(const std::stri
   if (number.empty()) return nullptr;
   const auto found = std::find_if(members_.begin(), members_.end(),
                                   [&](const auto& entry) { return entry.second.nationalNumber == number; });
-  return found == members_.end() ? nullptr : &found->second;
+  return found == members_.end() ? RetiredByNationalNumber(number) : &found->second;
+}
+
+const MemberDirectory::Member* MemberDirectory::RetiredByNationalNumber(const std::string& number) const {
+  if (number.size() > kLongestNumber || number.find_first_not_of("0123456789") != std::string::npos) return nullptr;
+  // A club number of the same figures is answered too; it is somebody else's.
+  const auto found = members_.find(database_.EnteredNumberToClubNumber(std::stoi(number)));
+  const bool retired = found != members_.end() && found->second.retired && std::to_string(found->first) != number;
+  return retired ? &found->second : nullptr;
 }
 
 std::vector<const MemberDirectory::Member*> MemberDirectory::ByWriting(const std::string& folded) const {
@@ -116,7 +139,7 @@ std::vector<const MemberDirectory::Member*> MemberDirectory::ByWriting(const std
 
 const MemberDirectory::Member* MemberDirectory::ByClubNumber(const EventPlayer& player,
                                                              const std::string& clean) const {
-  if (player.clubNumber.empty() || player.clubNumber.size() > 9 ||
+  if (player.clubNumber.empty() || player.clubNumber.size() > kLongestNumber ||
       player.clubNumber.find_first_not_of("0123456789") != std::string::npos) {
     return nullptr;
   }

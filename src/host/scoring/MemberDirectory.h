@@ -40,8 +40,9 @@ class MemberDirectory {
     bool retired = false;
   };
 
-  void AddMember(std::int32_t number, const std::string& familiarForm, bool retired);
+  void AddWritings(Member& member, const std::string& familiarForm);
   [[nodiscard]] const Member* ByNationalNumber(const std::string& number) const;
+  [[nodiscard]] const Member* RetiredByNationalNumber(const std::string& number) const;
   [[nodiscard]] std::vector<const Member*> ByWriting(const std::string& folded) const;
   [[nodiscard]] const Member* ByClubNumber(const EventPlayer& player, const std::string& clean) const;
   [[nodiscard]] std::vector<const Member*> ByInitial(const std::string& clean) const;
