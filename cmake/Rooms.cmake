@@ -12,7 +12,8 @@ target_compile_options(tavi_options INTERFACE
   -Woverloaded-virtual -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # These look at optimized code and are wrong about std::string in GCC 12.
-  target_compile_options(tavi_options INTERFACE -Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
+  target_compile_options(tavi_options INTERFACE -Wno-restrict -Wno-stringop-overflow
+    -Wno-stringop-overread -Wno-array-bounds)
 endif()
 if(TAVI_SANITIZE)
   # The optimizer's lifetime warnings are unreliable in instrumented code.
