@@ -1,0 +1,30 @@
+# What a scoring program finds after `cmake --install`: the library as TaviMembership::TaviMembership, and the headers of
+# the public classes below include/tavi, in their rooms' folders.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+# The composition's one object as an archive, which an installed library has to be.
+add_library(tavi_start STATIC $<TARGET_OBJECTS:tavi_composition>)
+set_target_properties(tavi_start PROPERTIES LINKER_LANGUAGE CXX)
+
+set(tavi_archives tavimembership tavi_start tavi_platform tavi_platform_portable tavi_access_file tavi_access_table
+    tavi_access_index tavi_access_catalog tavi_access_sql tavi_access_provider)
+install(TARGETS ${tavi_archives} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavi)
+install(TARGETS tavi RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+
+install(FILES include/tavi/MembershipDatabase.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavi)
+foreach(header
+    facade/MembershipDatabase.h handicaps/HandiCalcSettings.h handicaps/Handicaps.h members/EBUMembershipDetails.h
+    composition/Composition.h facade/DefaultPlatform.h platform/Platform.h platform/ado/Provider.h
+    platform/values/Convert.h platform/values/Date.h platform/values/Error.h platform/values/Text.h
+    platform/values/Value.h)
+  get_filename_component(folder ${header} DIRECTORY)
+  install(FILES src/${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavi/${folder})
+endforeach()
+
+configure_package_config_file(cmake/TaviMembershipConfig.cmake.in ${CMAKE_BINARY_DIR}/TaviMembershipConfig.cmake
+  INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/TaviMembership
+  PATH_VARS CMAKE_INSTALL_INCLUDEDIR CMAKE_INSTALL_LIBDIR)
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/TaviMembershipConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/TaviMembershipConfig.cmake ${CMAKE_BINARY_DIR}/TaviMembershipConfigVersion.cmake
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/TaviMembership)
