@@ -1,7 +1,6 @@
 #include "names/NameKeys.h"
 
 #include <array>
-#include <span>
 
 #include "names/NameLetters.h"
 #include "names/ShortForms.h"

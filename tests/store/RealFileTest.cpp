@@ -198,6 +198,7 @@ TEST_F(RealFileTest, UniquenessFlagsAgreeWithComparingEveryPairOfMembers) {
   const std::array<const char*, 5> firstNames{"Ann", "ANN", "Anna", "John", "john"};
   const std::array<const char*, 8> surnames{"Smith", "smith", "Smyth", "Brown", "Bro", "Lee", "LEE", "Young"};
   std::mt19937 random(20240315);
+  const OpenUse use(club_.store);
   for (int round = 0; round < 20; ++round) {
     club_.store.Execute("Delete From Members");
     std::vector<std::pair<std::string, std::string>> names;
