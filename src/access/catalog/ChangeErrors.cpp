@@ -33,6 +33,11 @@ void RaiseNullKey(const std::string& table, const std::string& index) {
                                             ", index " + Quoted(index) + ".)");
 }
 
+void RaiseLongKey(const std::string& table, const std::string& index) {
+  Raise(ErrorNumber::ProviderFailure, "The values are too long for the index " + Quoted(index) + " of the table " +
+                                          Quoted(table) + ". Shorten them, or delete the index.");
+}
+
 void RaiseRequired(const std::string& table, const std::string& column) {
   Raise(ErrorNumber::ProviderIntegrity,
         "The field " + Field(table, column) +

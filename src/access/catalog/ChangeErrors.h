@@ -8,6 +8,7 @@ namespace tavi::access {
 
 [[noreturn]] void RaiseDuplicate(const std::string& table, const std::string& index);
 [[noreturn]] void RaiseNullKey(const std::string& table, const std::string& index);
+[[noreturn]] void RaiseLongKey(const std::string& table, const std::string& index);
 [[noreturn]] void RaiseRequired(const std::string& table, const std::string& column);
 [[noreturn]] void RaiseZeroLength(const std::string& table, const std::string& column);
 [[noreturn]] void RaiseAutoNumberChange(const std::string& table, const std::string& column);

@@ -9,8 +9,8 @@ namespace tavi::access {
 
 enum class CheckKind {
   Ordinary,  ///< what is wrong in any file
-  Strict     ///< also what other programs leave behind but this one never does: pages that nobody owns and that are not
-             ///< free, counters of system tables that are off, automatic numbers above the counter
+  Strict     ///< also what other programs leave behind but this one never does: pages and long values that nobody uses,
+             ///< counters of system tables that are off, automatic numbers above the counter
 };
 
 /// Walks every page, map, row, long value and index of a file and says what does not agree: one line for each finding,

@@ -2,6 +2,7 @@
 
 #include "access/catalog/TableCheck.h"
 #include "access/file/UsageMap.h"
+#include "access/index/BTreeCheck.h"
 
 namespace tavi::access {
 
@@ -31,13 +32,12 @@ class IndexCheck {
  private:
   void CheckPages() {
     owners_.ClaimMap(made_.definition.ownedPages, "the " + where_);
-    std::vector<PageNumber> owned = UsageMap(pager_, made_.definition.ownedPages).Pages();
-    std::vector<PageNumber> used = table_.Tree(index_).Pages();
-    for (const PageNumber page : owned) owners_.Claim(page, "the " + where_);
-    std::ranges::sort(used);
-    if (owned != used)
-      report_.Add("The " + where_ + " owns " + std::to_string(owned.size()) + " pages, but its tree has " +
-                  std::to_string(used.size()) + " or others.");
+    for (const PageNumber page : UsageMap(pager_, made_.definition.ownedPages).Pages())
+      owners_.Claim(page, "the " + where_);
+    const PageNumber table = table_.Definition().page;
+    const BTreeReport tree = BTreeCheck(pager_, table, made_.definition.root, made_.definition.ownedPages).Run();
+    for (const BTreeFinding& finding : tree.findings)
+      if (!finding.isWarning) report_.Add("The " + where_ + ": " + finding.text);
   }
 
   void CheckEntries() {

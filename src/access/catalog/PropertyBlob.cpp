@@ -114,7 +114,7 @@ Property ReadProperty(Reader& chunk, const std::vector<std::string>& names) {
   if (length < layout::kValueDataOffset) chunk.Fail("value", "has only " + std::to_string(length) + " bytes");
   Reader value = chunk.Part(length - layout::kNameLengthSize, "value");
   Property property;
-  property.definitionRight = value.U8("flag of a value") != 0;
+  property.flags = value.U8("flags of a value");
   property.type = static_cast<ColumnType>(value.U8("type of a value"));
   const std::size_t name = value.U16("name number of a value");
   if (name >= names.size())
@@ -173,7 +173,7 @@ Bytes PropertyBlob::Serialize() const {
       AppendName(body, group.name);
       for (const Property& property : group.properties) {
         AppendU16(body, layout::kValueDataOffset + property.data.size());
-        body.push_back(property.definitionRight ? 1 : 0);
+        body.push_back(property.flags);
         body.push_back(static_cast<std::uint8_t>(property.type));
         const auto name = std::ranges::find(names_, property.name);
         AppendU16(body, static_cast<std::size_t>(name - names_.begin()));

@@ -16,8 +16,8 @@ namespace tavi::access {
 struct Property {
   std::string name;
   ColumnType type = ColumnType::Text;
-  Bytes data;                   ///< in the form of `type`; a Boolean is one byte, texts are UTF-16LE
-  bool definitionRight = true;  ///< changing it needs the right to change definitions
+  Bytes data;              ///< in the form of `type`; a Boolean is one byte, texts are UTF-16LE
+  std::uint8_t flags = 1;  ///< as stored; 1: changing it needs the right to change definitions
 };
 
 /// The properties of a table and of its columns (the LvProp value of its catalogue row): what the table definition has

@@ -85,6 +85,7 @@ std::vector<IndexChange> TableIndexes::Plan(const RowValues* before, const RowVa
 }
 
 void TableIndexes::CheckAdded(IndexChange& change, const RowValues& after) {
+  if (change.added->size() > BTree::kMaximumKeySize) RaiseLongKey(*tableName_, indexes_[change.index].name);
   const bool exists = trees_[change.index].ContainsKey(*change.added);
   change.addsDistinctKey = !exists;
   if (exists && indexes_[change.index].definition.unique && !Encoder(change.index).AllNull(after))

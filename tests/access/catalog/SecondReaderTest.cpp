@@ -68,9 +68,10 @@ TEST_F(SecondReader, SeesColumnsIndexesAndRelationships) {
     database.CreateRelationship({"MembersResults", "Members", {"ID"}, "Results", {"Player"}, true, false, true}, kNow);
   });
   const std::string schema = Read("mdb-schema", "postgres");
-  for (const char* part : {"CREATE TABLE IF NOT EXISTS \"Members\"", "\"ID\"", "SERIAL", "VARCHAR (50)", "TIMESTAMP",
-                           "\"Members_ByName_idx\"", "PRIMARY KEY (\"ID\")", "DOUBLE PRECISION",
-                           "FOREIGN KEY (\"Player\") REFERENCES \"Members\"(\"ID\")", "ON DELETE CASCADE"}) {
+  for (const char* part :
+       {"CREATE TABLE IF NOT EXISTS \"members\"", "\"id\"\t\t\tSERIAL", "\"name\"\t\t\tVARCHAR (50)", "TIMESTAMP",
+        "CREATE INDEX \"members_byname_idx\"", "PRIMARY KEY (\"id\")", "DOUBLE PRECISION",
+        "FOREIGN KEY (\"player\") REFERENCES \"Members\"(\"id\") ON DELETE CASCADE"}) {
     EXPECT_NE(schema.find(part), std::string::npos) << part << "\n" << schema;
   }
 }
