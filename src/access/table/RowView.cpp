@@ -38,7 +38,8 @@ void RowView::Raise(const std::string& what) const {
 bool RowView::MaskBit(std::uint16_t columnId) const {
   if (columnId >= columnCount_) return false;
   const std::size_t mask = bytes_.size() - maskSize_;
-  return ((bytes_[mask + columnId / kBitsPerByte] >> (columnId % kBitsPerByte)) & 1U) != 0;
+  const unsigned byte = bytes_[mask + columnId / kBitsPerByte];
+  return ((byte >> (columnId % kBitsPerByte)) & 1U) != 0;
 }
 
 bool RowView::IsNull(const ColumnDefinition& column) const {
