@@ -150,7 +150,7 @@ TEST_F(CheckTest, FindsAColumnWithATakenNumber) {
     hurt.columns[2].id = hurt.columns[0].id;
     WriteTableDefinition(database.GetPager(), hurt, true);
   });
-  EXPECT_FINDING(findings, "which is taken or too high");
+  EXPECT_FINDING(findings, "which is taken or not below");
 }
 
 TEST_F(CheckTest, FindsColumnsThatOverlap) {
