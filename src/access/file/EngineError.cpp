@@ -8,7 +8,7 @@ void RaiseFailure(const std::string& description) {
 
 void RaiseDamage(const std::string& what) {
   RaiseFailure("The database is damaged: " + what +
-               " Restore it from a backup, or copy what is readable with 'tavi compact'.");
+               " Restore the file from a backup.");
 }
 
 }  // namespace tavi::access
