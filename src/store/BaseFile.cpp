@@ -63,6 +63,7 @@ constexpr std::array kIndexStatements{
     "Create Index MembershipNumber On MasterPoints (MembershipNumber)",
     "Create Index PrimaryKey On ClubNames (ClubID) With Primary",
     "Create Index ClubName On ClubNames (ClubName)",
+    "Create Index MemberType On ClubPolicies (MemberType)",
     "Create Index FullName On EBUMembershipList (LastName, FirstName)"};
 
 }  // namespace

@@ -43,7 +43,7 @@ Page& PageAllocator::Allocate() {
   if (number >= format::kMaximumPageCount) {
     RaiseFailure("'" + pager_->Path() +
                  "' has reached the 2 GB that an Access database can have. Delete what is not "
-                 "needed and run 'tavi compact'.");
+                 "needed.");
   }
   global.Remove(number);
   return pager_->WriteNew(number);

@@ -38,10 +38,9 @@ TEST(Page, PlacesPastTheEndAreErrorsThatNamePageAndOffset) {
   } catch (const Error& error) {
     EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
     EXPECT_EQ(error.Source(), "Microsoft JET Database Engine");
-    EXPECT_EQ(
-        error.Description(),
-        "The database is damaged: on page 77 4 bytes at offset 4093 would lie past the end of the page. Restore it "
-        "from a backup, or copy what is readable with 'tavi compact'.");
+    EXPECT_EQ(error.Description(),
+              "The database is damaged: on page 77 4 bytes at offset 4093 would lie past the end of the page. Restore "
+              "the file from a backup.");
   }
   const std::vector<std::uint8_t> bytes(10);
   EXPECT_THROW(static_cast<void>(page.U8(kPageSize)), Error);
