@@ -61,6 +61,7 @@ void ScoreOne(MembershipDatabase& club, MemberDirectory& directory, ScoredFile& 
   std::vector<ScoredEvent> prepared;
   for (Event& event : ReadUsebioFile(file.path)) prepared.push_back(scorer.Prepare(std::move(event), file.path));
   for (ScoredEvent& scored : prepared) {
+    file.begun = true;
     scorer.Store(scored);
     file.events.push_back(std::move(scored));
   }
@@ -118,7 +119,9 @@ std::vector<ScoredFile> ScoreFiles(const Context& context, MembershipDatabase& c
     try {
       ScoreOne(club, directory, file);
     } catch (const Error& error) {
-      file.error = error.Description();
+      file.error = file.begun ? file.path + ": storing was interrupted: " + error.Description() +
+                                    " Score the file again when that has been seen to."
+                              : error.Description();
     }
     files.push_back(std::move(file));
   }
@@ -150,8 +153,8 @@ int Score(const Context& context, const std::vector<std::string>& paths) {
     if (refused(file)) context.error << "tavi: " << Printable(file.error) << '\n';
   }
   if (std::none_of(files.begin(), files.end(), refused)) return kSucceeded;
-  context.error << "tavi: nothing was stored of " << std::count_if(files.begin(), files.end(), refused) << " of "
-                << files.size() << (files.size() == 1 ? " file\n" : " files\n");
+  context.error << "tavi: not stored: " << std::count_if(files.begin(), files.end(), refused) << " of " << files.size()
+                << (files.size() == 1 ? " file\n" : " files\n");
   return kFailed;
 }
 

@@ -12,7 +12,8 @@ namespace tavi::host {
 struct ScoredFile {
   std::string path;
   std::vector<ScoredEvent> events;
-  std::string error;  ///< why nothing of it was stored; empty when it was
+  bool begun = false;  ///< whether storing has begun
+  std::string error;   ///< why it was not stored; empty when it was
 };
 
 /// Reads, checks and stores result files, each completely or not at all, with a progress bar on a terminal.

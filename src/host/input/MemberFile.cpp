@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/input/Csv.h"
+#include "host/text/Figures.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -16,13 +17,9 @@ namespace {
 constexpr std::int32_t kMale = 1;
 constexpr std::int32_t kFemale = 2;
 
-bool IsDigits(const std::string& text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
 std::int32_t RequiredNumber(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
   const std::string text = file.Field(row, column);
-  if (!IsDigits(text) || text.size() > 9 || std::stoi(text) == 0) {
+  if (!IsFigures(text) || text.size() > kLongestWholeNumber || std::stoi(text) == 0) {
     file.Refuse(row, column + " is \"" + text + "\"; expected a whole number above 0");
   }
   return std::stoi(text);
@@ -31,9 +28,8 @@ std::int32_t RequiredNumber(const CsvFile& file, const CsvFile::Row& row, const 
 std::string NationalNumber(const CsvFile& file, const CsvFile::Row& row) {
   const std::string text = file.Field(row, "ebu_number");
   if (text.empty()) return {};
-  if (!IsDigits(text)) file.Refuse(row, "ebu_number is \"" + text + "\"; expected figures only");
-  const std::size_t digit = text.find_first_not_of('0');
-  return digit == std::string::npos ? std::string() : text.substr(digit);
+  if (!IsFigures(text)) file.Refuse(row, "ebu_number is \"" + text + "\"; expected figures only");
+  return WithoutLeadingZeros(text);
 }
 
 /// y or n (yes, no, true, false, 1, 0 too); an empty field is yes.
@@ -63,7 +59,7 @@ Date OptionalDate(const CsvFile& file, const CsvFile::Row& row, const std::strin
   const std::vector<std::string> parts = Split(text, '/');
   const bool figures =
       parts.size() == 3 && parts[2].size() == 4 &&
-      std::all_of(parts.begin(), parts.end(), [](const auto& part) { return IsDigits(part) && part.size() <= 4; });
+      std::all_of(parts.begin(), parts.end(), [](const auto& part) { return IsFigures(part) && part.size() <= 4; });
   if (figures) {
     try {
       return Date::FromCivil(std::stoi(parts[2]), std::stoi(parts[1]), std::stoi(parts[0]));

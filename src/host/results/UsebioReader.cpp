@@ -8,6 +8,7 @@
 #include "host/results/Travellers.h"
 #include "host/results/XmlElement.h"
 #include "host/results/XmlText.h"
+#include "host/text/Figures.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -25,11 +26,6 @@ struct SectionPart {
   int session = 1;
   std::string name;
 };
-
-std::string WithoutLeadingZeros(const std::string& number) {
-  const std::size_t digit = number.find_first_not_of('0');
-  return digit == std::string::npos ? std::string() : number.substr(digit);
-}
 
 /// A national number, or empty for the figures that writers put where there is none.
 std::string NationalNumber(const std::string& written) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "host/text/Figures.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -10,22 +11,18 @@
 namespace tavi::host {
 namespace {
 
-bool IsDigits(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-}
-
 /// Digits with at most one point between or behind them.
 bool IsPlainDecimal(std::string_view text) {
   const std::size_t point = text.find('.');
-  if (point == std::string_view::npos) return IsDigits(text);
+  if (point == std::string_view::npos) return IsFigures(text);
   const std::string_view fraction = text.substr(point + 1);
-  return IsDigits(text.substr(0, point)) && (fraction.empty() || IsDigits(fraction));
+  return IsFigures(text.substr(0, point)) && (fraction.empty() || IsFigures(fraction));
 }
 
 std::optional<Date> ParseDate(const std::string& text) {
   const std::string unified = ReplaceAll(text, "-", "/");
   const std::vector<std::string> parts = Split(unified, '/');
-  if (parts.size() != 3 || !IsDigits(parts[0]) || !IsDigits(parts[1]) || !IsDigits(parts[2])) return std::nullopt;
+  if (parts.size() != 3 || !IsFigures(parts[0]) || !IsFigures(parts[1]) || !IsFigures(parts[2])) return std::nullopt;
   const bool yearFirst = parts[0].size() == 4;
   const std::string& year = yearFirst ? parts[0] : parts[2];
   const std::string& day = yearFirst ? parts[2] : parts[0];
@@ -108,7 +105,7 @@ std::optional<double> XmlDocument::Number(pugi::xml_node parent, const char* nam
 std::optional<int> XmlDocument::Whole(pugi::xml_node parent, const char* name) const {
   const std::string text = Leaf(parent, name);
   if (text.empty()) return std::nullopt;
-  if (!IsDigits(text) || text.size() > 9) {
+  if (!IsFigures(text) || text.size() > kLongestWholeNumber) {
     Refuse(parent.child(name), std::string(name) + " is \"" + text + "\"; expected a whole number");
   }
   return std::stoi(text);

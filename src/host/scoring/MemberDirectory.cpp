@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/scoring/NameFolding.h"
+#include "host/text/Figures.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
@@ -12,13 +13,6 @@ constexpr std::int16_t kFirstAndLastName = 5;
 constexpr std::int16_t kFamiliarName = 9;
 /// Shorter names are too much alike for slips to be forgiven.
 constexpr std::size_t kShortestForSlips = 6;
-/// Figures that fit a 32-bit number whatever they are.
-constexpr std::size_t kLongestNumber = 9;
-
-std::string WithoutLeadingZeros(const std::string& number) {
-  const std::size_t digit = number.find_first_not_of('0');
-  return digit == std::string::npos ? std::string() : number.substr(digit);
-}
 
 struct WalkedMember {
   std::int32_t number = 0;
@@ -113,7 +107,7 @@ const MemberDirectory::Member* MemberDirectory::ByNationalNumber(const std::stri
 }
 
 const MemberDirectory::Member* MemberDirectory::RetiredByNationalNumber(const std::string& number) const {
-  if (number.size() > kLongestNumber || number.find_first_not_of("0123456789") != std::string::npos) return nullptr;
+  if (number.size() > kLongestWholeNumber || !IsFigures(number)) return nullptr;
   // A club number of the same figures is answered too; it is somebody else's.
   const auto found = members_.find(database_.EnteredNumberToClubNumber(std::stoi(number)));
   const bool retired = found != members_.end() && found->second.retired && std::to_string(found->first) != number;
@@ -139,8 +133,7 @@ std::vector<const MemberDirectory::Member*> MemberDirectory::ByWriting(const std
 
 const MemberDirectory::Member* MemberDirectory::ByClubNumber(const EventPlayer& player,
                                                              const std::string& clean) const {
-  if (player.clubNumber.empty() || player.clubNumber.size() > kLongestNumber ||
-      player.clubNumber.find_first_not_of("0123456789") != std::string::npos) {
+  if (player.clubNumber.size() > kLongestWholeNumber || !IsFigures(player.clubNumber)) {
     return nullptr;
   }
   const auto found = members_.find(std::stoi(player.clubNumber));

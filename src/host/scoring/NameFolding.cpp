@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/text/Figures.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
@@ -45,10 +46,6 @@ bool IsTitle(const std::string& word) {
   return std::find(kTitles.begin(), kTitles.end(), upper) != kTitles.end();
 }
 
-bool IsFigure(const std::string& word) {
-  return !word.empty() && word.find_first_not_of("0123456789") == std::string::npos;
-}
-
 std::vector<std::string> Words(const std::string& text) {
   std::vector<std::string> words;
   for (std::string& word : Split(text, ' ')) {
@@ -80,7 +77,7 @@ std::string CleanWrittenName(const std::string& name) {
   }
   std::vector<std::string> words = Words(ReplaceAll(text, ".", " "));
   while (words.size() > 2 && IsTitle(words.front())) words.erase(words.begin());
-  while (words.size() > 2 && IsFigure(words.back())) words.pop_back();
+  while (words.size() > 2 && IsFigures(words.back())) words.pop_back();
   std::string clean;
   for (const std::string& word : words) clean += (clean.empty() ? "" : " ") + word;
   return clean;
