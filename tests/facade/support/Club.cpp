@@ -1,0 +1,76 @@
+#include "facade/support/Club.h"
+
+#include "composition/Composition.h"
+#include "facade/StoreSlot.h"
+#include "platform/portable/XdgShellFolders.h"
+#include "platform/values/Convert.h"
+#include "store/BaseFile.h"
+#include "store/OpenUse.h"
+
+namespace tavi::testing {
+namespace {
+
+constexpr const char* kFileName = "ClubMembers.mdb";
+
+void MakeFile(const Platform& platform, const std::string& path) {
+  CreateEmptyDatabase(path, platform.clock->Now());
+  const auto connection = platform.databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);
+  CreateBaseFile(*connection);
+  connection->Close();
+}
+
+}  // namespace
+
+Club::Club() {
+  platform_ = std::make_shared<Platform>(*MakePlatform({kToday, messages_}));
+  platform_->shellFolders =
+      std::make_shared<XdgShellFolders>([home = folder_.Path()](const std::string& name) -> std::optional<std::string> {
+        if (name == "HOME") return home;
+        return std::nullopt;
+      });
+  MakeFile(*platform_, folder_.Path(kFileName));
+  platform_->databaseProvider = MakeWatchedProvider(platform_->databaseProvider, watch_);
+  Reopen();
+}
+
+Club::~Club() {
+  database_->CloseDatabase();
+}
+
+void Club::Reopen() {
+  database_ = std::make_unique<MembershipDatabase>(platform_);
+  database_->SetDatabaseFolder(folder_.Path());
+}
+
+int Club::OpenCount() const {
+  return ThreadStore()->OpenCount();
+}
+
+void Club::Execute(const std::string& statement) {
+  ThreadStore()->Execute(statement);
+}
+
+std::vector<std::string> Club::Rows(const std::string& query) {
+  const auto store = ThreadStore();
+  OpenUse use(*store);
+  const auto rows = store->OpenRecordset(query);
+  std::vector<std::string> texts;
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    std::string text;
+    for (const ado::Field& field : rows->Fields()) {
+      const Value value = rows->Get(field.name);
+      text += (IsNull(value) ? std::string() : ToText(value)) + " | ";
+    }
+    texts.push_back(text.substr(0, text.size() - 3));
+  }
+  return texts;
+}
+
+Value Club::Single(const std::string& query) {
+  const auto store = ThreadStore();
+  OpenUse use(*store);
+  const auto rows = store->OpenRecordset(query);
+  return rows->Get(rows->Fields().front().name);
+}
+
+}  // namespace tavi::testing
