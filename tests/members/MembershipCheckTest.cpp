@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include "facade/support/Club.h"
+
+namespace tavi {
+namespace {
+
+using testing::Club;
+using Texts = std::vector<std::string>;
+
+/// The membership check of a club with one member; today is 1 October 2025.
+class MembershipCheckTest : public ::testing::Test {
+ protected:
+  MembershipCheckTest() { club_->AddNewMember("John", "", "Smith"); }
+  ~MembershipCheckTest() override { EXPECT_EQ(club_.OpenCount(), 0); }
+
+  void SetPolicy(const std::string& specificDate, const std::string& day) {
+    club_.Execute("Delete From ClubPolicies");
+    club_.Execute("Insert into ClubPolicies (MemberType, SpecificDate, SubsDueDate, Subs) Values ('Standard', " +
+                  specificDate + ", " + day + ", 25.5)");
+  }
+  Texts Enrolled(std::int32_t number) {
+    return club_.Rows(
+        "Select LastName, MemberType, DateOfJoining, SubsPaid, SubsDue, AmountOwing From Members "
+        "Where MembershipNumber = " +
+        std::to_string(number));
+  }
+
+  Club club_;
+  bool retired_ = false;
+};
+
+TEST_F(MembershipCheckTest, AKnownNumberWithItsNameIsAnsweredWithItself) {
+  EXPECT_EQ(club_->CheckMembershipID(1, "John Smith", 50.0, retired_), 1);
+  EXPECT_FALSE(retired_);
+  club_->DeleteMember(1);
+  EXPECT_EQ(club_->CheckMembershipID(1, "John Smith", 50.0, retired_), 1);
+  EXPECT_TRUE(retired_);
+}
+
+TEST_F(MembershipCheckTest, ANameOfAnotherMemberGivesThatNumberAndEnrolsNobody) {
+  retired_ = true;
+  EXPECT_EQ(club_->CheckMembershipID(40, "John Smith", 50.0, retired_), 1);
+  EXPECT_TRUE(retired_) << "left as it was";
+  EXPECT_EQ(club_.Rows("Select Count(*) From Members"), (Texts{"1"}));
+}
+
+TEST_F(MembershipCheckTest, AnUnknownPlayerIsEnrolledWithTheZeroDateAndAnsweredMinusOne) {
+  EXPECT_EQ(club_->CheckMembershipID(40, "Ann B Lee", 52.0, retired_), -1);
+  EXPECT_EQ(Enrolled(40), (Texts{"Lee | Standard | 1899-12-30 | 1899-12-30 | 2026-10-01 | 0"}));
+  EXPECT_EQ(club_->GetHandicap(40), 52.0);
+}
+
+TEST_F(MembershipCheckTest, AFixedDayIsThisYearsOrTheNextOnes) {
+  SetPolicy("1", "#2001-12-24#");
+  static_cast<void>(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_));
+  EXPECT_EQ(Enrolled(40), (Texts{"Lee | Standard | 1899-12-30 | 1899-12-30 | 2025-12-24 | 25.5"}));
+  SetPolicy("1", "#2001-10-01#");
+  static_cast<void>(club_->CheckMembershipID(41, "Bob Ray", 50.0, retired_));
+  EXPECT_EQ(Enrolled(41), (Texts{"Ray | Standard | 1899-12-30 | 1899-12-30 | 2026-10-01 | 25.5"}))
+      << "today counts as past";
+  SetPolicy("1", "Null");
+  static_cast<void>(club_->CheckMembershipID(42, "Cat Fox", 50.0, retired_));
+  EXPECT_EQ(Enrolled(42), (Texts{"Fox | Standard | 1899-12-30 | 1899-12-30 | 2026-10-01 | 25.5"}));
+}
+
+TEST_F(MembershipCheckTest, ADayThatDoesNotExistThisYearIsAConversionError) {
+  SetPolicy("1", "#2004-02-29#");
+  try {
+    static_cast<void>(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_));
+    FAIL() << "accepted";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::TypeMismatch));
+  }
+}
+
+}  // namespace
+}  // namespace tavi
