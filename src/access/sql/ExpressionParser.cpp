@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "access/sql/Arithmetic.h"
 #include "access/sql/Evaluator.h"
 #include "access/sql/Functions.h"
 #include "access/sql/SelectParser.h"
@@ -132,16 +133,16 @@ class ExpressionReader {
     if (stream_.TakeSymbol("+")) return Unary(Operator::Plus, position, ReadBinary(kPower));
     if (!stream_.TakeSymbol("-")) return ReadPrimary();
     ExpressionPointer operand = ReadBinary(kPower);
-    if (operand->kind != ExpressionKind::Literal) return Unary(Operator::Negate, position, std::move(operand));
-    if (auto* number = std::get_if<std::int32_t>(&operand->value)) {
-      *number = -*number;
-    } else if (auto* real = std::get_if<double>(&operand->value)) {
-      *real = -*real;
-    } else {
+    if (operand->kind != ExpressionKind::Literal || !IsNumber(operand->value)) {
       return Unary(Operator::Negate, position, std::move(operand));
     }
+    operand->value = Negated(operand->value);
     operand->position = position;
     return operand;
+  }
+
+  static bool IsNumber(const Value& value) {
+    return std::holds_alternative<std::int32_t>(value) || std::holds_alternative<double>(value);
   }
 
   ExpressionPointer Unary(Operator op, std::size_t position, ExpressionPointer operand) {

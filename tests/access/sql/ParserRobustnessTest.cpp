@@ -81,19 +81,19 @@ TEST(ParserRobustness, RandomTokensGiveAnAnswer) {
   constexpr std::uint32_t kSeed = 20240229;
   std::mt19937 random(kSeed);
   int understood = 0;
-  for (int turn = 0; turn < 20000; ++turn) {
+  for (int turn = 0; turn < 6000; ++turn) {
     std::string statement(turn % 2 == 0 ? "Select " : "");
     const std::size_t count = random() % 25;
     for (std::size_t i = 0; i < count; ++i) statement += std::string(kPieces[random() % std::size(kPieces)]) + " ";
     understood += Survives(statement) ? 1 : 0;
   }
-  EXPECT_GT(understood, 10);
+  EXPECT_GT(understood, 3);
 }
 
 TEST(ParserRobustness, RandomBytesGiveAnAnswer) {
   constexpr std::uint32_t kSeed = 42;
   std::mt19937 random(kSeed);
-  for (int turn = 0; turn < 5000; ++turn) {
+  for (int turn = 0; turn < 2000; ++turn) {
     std::string statement(kStatements[random() % std::size(kStatements)]);
     for (int hurt = 0; hurt < 3; ++hurt) statement[random() % statement.size()] = static_cast<char>(random() % 256);
     Survives(statement);

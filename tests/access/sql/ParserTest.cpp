@@ -31,6 +31,7 @@ TEST(ParseExpression, OperatorsBindAsTheyShould) {
       {"-2^2", "(neg (^ 2L 2L))"},
       {"2^-1", "(^ 2L -1L)"},
       {"-2*3", "(* -2L 3L)"},
+      {"-&H80000000", "2147483648"},
       {"--2", "2L"},
       {"-a", "(neg a)"},
       {"+a", "(pos a)"},
