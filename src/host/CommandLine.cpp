@@ -156,7 +156,7 @@ int RunCommandLine(std::vector<std::string> arguments, std::ostream& out, std::o
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem, out, error) == 0 ? kSucceeded : kWrongUse;
   } catch (const Error& problem) {
-    error << "tavi: " << Printable(problem.Description()) << '\n';
+    error << "tavi: " << PrintableLines(problem.Description()) << '\n';
   } catch (const std::exception& problem) {
     error << "tavi: " << problem.what() << '\n';
   }

@@ -89,7 +89,7 @@ TEST_F(Command, AFolderWithoutAFileIsAnErrorThatNamesTheFile) {
   const Outcome outcome = folder_.Run({"members"});
   EXPECT_EQ(outcome.code, 1);
   EXPECT_THAT(outcome.error, HasSubstr("Failed to open membership database"));
-  EXPECT_THAT(outcome.error, HasSubstr("ClubMembers.mdb"));
+  EXPECT_THAT(outcome.error, HasSubstr("\n  Could not find file '" + folder_.ClubFile() + "'"));
   EXPECT_TRUE(std::filesystem::is_empty(folder_.Club()));
 }
 

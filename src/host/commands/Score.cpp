@@ -150,7 +150,7 @@ int Score(const Context& context, const std::vector<std::string>& paths) {
   }
   const auto refused = [](const ScoredFile& file) { return !file.error.empty(); };
   for (const ScoredFile& file : files) {
-    if (refused(file)) context.error << "tavi: " << Printable(file.error) << '\n';
+    if (refused(file)) context.error << "tavi: " << PrintableLines(file.error) << '\n';
   }
   if (std::none_of(files.begin(), files.end(), refused)) return kSucceeded;
   context.error << "tavi: not stored: " << std::count_if(files.begin(), files.end(), refused) << " of " << files.size()

@@ -89,6 +89,14 @@ std::string Printable(const std::string& text) {
   return shown;
 }
 
+std::string PrintableLines(const std::string& message) {
+  std::string shown;
+  for (const std::string& line : Split(ReplaceAll(message, "\r\n", "\n"), '\n')) {
+    if (!line.empty()) shown += (shown.empty() ? "" : "\n  ") + Printable(line);
+  }
+  return shown;
+}
+
 void Table::Add(std::vector<Cell> row) {
   if (row.size() != columns_.size()) throw std::logic_error("a row of a table must have a cell for each column");
   rows_.push_back(std::move(row));

@@ -49,5 +49,7 @@ class Table {
 std::size_t DisplayWidth(const std::string& text);
 /// A text with control characters shown as escapes, so that stored data cannot steer a terminal.
 std::string Printable(const std::string& text);
+/// The same for a message of several lines (CR LF or LF between them), which stay lines.
+std::string PrintableLines(const std::string& message);
 
 }  // namespace tavi::host

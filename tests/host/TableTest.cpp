@@ -1,0 +1,52 @@
+#include "host/text/Table.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace tavi::host {
+namespace {
+
+Table Sample() {
+  Table table({"Name", "Count", "Share"});
+  table.Add({std::string("Zoë\tLee"), std::int64_t{7}, Decimals{12.5, 2}});
+  table.Add({std::string("漢字"), std::int64_t{123}, Cell()});
+  return table;
+}
+
+std::string Written(OutputFormat format) {
+  std::ostringstream out;
+  Sample().Write(out, format);
+  return out.str();
+}
+
+TEST(Table, AlignsWhatATerminalShowsWithNumbersToTheRight) {
+  EXPECT_EQ(Written(OutputFormat::Table),
+            "Name      Count  Share\n"
+            "--------  -----  -----\n"
+            "Zoë\\tLee      7  12.50\n"
+            "漢字        123\n");
+}
+
+TEST(Table, WritesTabSeparatedLinesWithEscapes) {
+  EXPECT_EQ(Written(OutputFormat::Tabs), "Name\tCount\tShare\nZoë\\tLee\t7\t12.50\n漢字\t123\t\n");
+}
+
+TEST(Table, WritesJsonWithNullForNothing) {
+  EXPECT_NE(Written(OutputFormat::Json).find("\"Share\": null"), std::string::npos);
+  EXPECT_NE(Written(OutputFormat::Json).find("\"Share\": 12.5"), std::string::npos);
+}
+
+TEST(Table, WithoutRowsHasItsHeader) {
+  std::ostringstream out;
+  Table({"A", "B"}).Write(out, OutputFormat::Tabs);
+  EXPECT_EQ(out.str(), "A\tB\n");
+}
+
+TEST(Printable, ShowsControlCharactersAsEscapes) {
+  EXPECT_EQ(Printable("a\x1b[31mb\nc"), "a\\x1b[31mb\\nc");
+  EXPECT_EQ(PrintableLines("One:\r\n\r\nTwo\x1b"), "One:\n  Two\\x1b");
+}
+
+}  // namespace
+}  // namespace tavi::host
