@@ -7,8 +7,7 @@ void RaiseFailure(const std::string& description) {
 }
 
 void RaiseDamage(const std::string& what) {
-  RaiseFailure("The database is damaged: " + what +
-               " Restore the file from a backup.");
+  RaiseFailure("The database is damaged: " + what + " Restore the file from a backup.");
 }
 
 }  // namespace tavi::access

@@ -59,7 +59,9 @@ std::uint64_t NewSalt(std::uint64_t old) {
 // Collects small writes into large ones.
 class ChunkWriter {
  public:
-  ChunkWriter(File& file, std::uint64_t offset) : file_(file), offset_(offset) { chunk_.reserve(kChunkSize); }
+  ChunkWriter(File& file, std::uint64_t offset, std::uint64_t expected) : file_(file), offset_(offset) {
+    chunk_.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(kChunkSize, expected)));
+  }
 
   void Put(std::span<const std::uint8_t> bytes) {
     if (chunk_.size() + bytes.size() > kChunkSize) Flush();
@@ -335,7 +337,7 @@ std::uint64_t RedoLog::WriteStatement(std::span<const StatementPage> pages, Page
     PutLittle<std::uint64_t>(directory, i * kEntrySize + kEntryBeforeOffset, pages[i].before);
   }
   std::uint64_t checksum = Checksum(Checksum(chain_, start), directory);
-  ChunkWriter writer(*file_, end_);
+  ChunkWriter writer(*file_, end_, StatementSize(pages.size()));
   writer.Put(start);
   writer.Put(directory);
   for (const StatementPage& page : pages) {

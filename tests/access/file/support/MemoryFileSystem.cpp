@@ -187,7 +187,8 @@ void MemoryFileSystem::SyncFolderOf(const std::string& /*path*/) {
 
 void MemoryFileSystem::Pause(std::chrono::milliseconds duration) {
   paused_ += duration;
-  if (onPause_) onPause_();
+  // A copy: the action may put another one in its place.
+  if (const std::function<void()> action = onPause_) action();
 }
 
 MemoryFileSystem::Bytes MemoryFileSystem::Contents(const std::string& path) const {
