@@ -39,9 +39,9 @@ std::size_t LongestFixedArea(Pager& pager, const TableDefinition& definition) {
   CheckReport ignored;
   for (const PageNumber number : UsageMap(pager, definition.ownedPages).Pages()) {
     const PageHandle page = pager.Read(number);
-    for (const RowSlot& slot : CheckDataPage(*page, definition.page, "", ignored)) {
-      if (slot.deleted || slot.moved) continue;
-      longest = std::max(longest, RowShape(page->Slice(slot.offset, slot.length), definition).FixedAreaSize());
+    for (const RowEntry& entry : CheckDataPage(*page, definition.page, "", ignored)) {
+      if (entry.IsDeleted() || entry.IsMoved()) continue;
+      longest = std::max(longest, RowShape(page->Slice(entry.offset, entry.length), definition).FixedAreaSize());
     }
   }
   return longest;

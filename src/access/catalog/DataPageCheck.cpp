@@ -8,21 +8,10 @@ namespace {
 
 namespace layout = format::data;
 
-RowSlot MakeSlot(std::uint16_t entry, std::size_t end) {
-  const std::uint16_t flags = entry & layout::kRowFlagsMask;
-  RowSlot slot;
-  slot.offset = entry & layout::kRowOffsetMask;
-  slot.length = end >= slot.offset ? end - slot.offset : 0;
-  slot.deleted = flags == layout::kRowDeleted;
-  slot.moved = flags == layout::kRowMoved;
-  slot.movedTarget = flags == layout::kRowMovedTarget;
-  return slot;
-}
-
 }  // namespace
 
-std::vector<RowSlot> CheckDataPage(const Page& page, std::uint32_t owner, const std::string& where,
-                                   CheckReport& report) {
+std::vector<RowEntry> CheckDataPage(const Page& page, std::uint32_t owner, const std::string& where,
+                                    CheckReport& report) {
   const std::uint8_t type = page.U8(format::kPageTypeOffset);
   if (type != format::page_type::kData) {
     report.Add(where + " has type " + std::to_string(type) + " instead of that of a data page.");
@@ -39,23 +28,24 @@ std::vector<RowSlot> CheckDataPage(const Page& page, std::uint32_t owner, const 
     report.Add(where + " has " + std::to_string(count) + " rows; 255 are the most.");
     return {};
   }
-  std::vector<RowSlot> slots;
+  std::vector<RowEntry> entries;
   std::size_t end = kPageSize;
   for (std::size_t row = 0; row < count; ++row) {
-    const RowSlot slot = MakeSlot(page.U16(layout::kRowDirectoryOffset + row * layout::kRowEntrySize), end);
-    if (slot.offset > end || slot.offset < directoryEnd) {
-      report.Add(where + ": row " + std::to_string(row) + " begins at byte " + std::to_string(slot.offset) +
+    const std::uint16_t stored = page.U16(layout::kRowDirectoryOffset + row * layout::kRowEntrySize);
+    const std::size_t offset = stored & layout::kRowOffsetMask;
+    if (offset > end || offset < directoryEnd) {
+      report.Add(where + ": row " + std::to_string(row) + " begins at byte " + std::to_string(offset) +
                  ", which is not between " + std::to_string(directoryEnd) + " and " + std::to_string(end) + ".");
       return {};
     }
-    slots.push_back(slot);
-    end = slot.offset;
+    entries.push_back({offset, end - offset, static_cast<std::uint16_t>(stored & layout::kRowFlagsMask)});
+    end = offset;
   }
   const std::size_t freeBytes = page.U16(layout::kFreeBytesOffset);
   if (freeBytes != end - directoryEnd)
     report.Add(where + " counts " + std::to_string(freeBytes) + " free bytes; there are " +
                std::to_string(end - directoryEnd) + ".");
-  return slots;
+  return entries;
 }
 
 }  // namespace tavi::access

@@ -26,11 +26,11 @@ LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueM
     for (const PageNumber number : UsageMap(pager_, maps.ownedPages).Pages()) {
       owners.Claim(number, where_);
       const std::string place = "Page " + std::to_string(number) + " of " + where_;
-      const std::vector<RowSlot> slots =
+      const std::vector<RowEntry> entries =
           CheckDataPage(*pager_.Read(number), format::data::kOwnerLongValues, place, report_);
-      for (std::size_t row = 0; row < slots.size(); ++row) {
-        if (slots[row].IsLive())
-          parts_[{number, static_cast<std::uint8_t>(row)}] = {slots[row].offset, slots[row].length};
+      for (std::size_t row = 0; row < entries.size(); ++row) {
+        if (!entries[row].IsDeleted())
+          parts_[{number, static_cast<std::uint8_t>(row)}] = {entries[row].offset, entries[row].length};
       }
     }
   });

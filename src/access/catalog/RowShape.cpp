@@ -63,16 +63,4 @@ std::size_t RowShape::VariableOffset(std::size_t variableIndex) const {
   return Word(row_.size() - maskSize_ - layout::kVariableCountSize - (variableIndex + 1) * layout::kVariableOffsetSize);
 }
 
-bool RowShape::HasValue(std::uint16_t columnId) const {
-  if (columnId >= columnCount_) return false;
-  const std::uint8_t bits = row_[row_.size() - maskSize_ + columnId / 8U];
-  return ((bits >> (columnId % 8U)) & 1U) != 0;
-}
-
-std::optional<std::span<const std::uint8_t>> RowShape::Variable(std::size_t variableIndex) const {
-  if (variableIndex >= variableCount_) return std::nullopt;
-  const std::size_t start = VariableOffset(variableIndex);
-  return row_.subspan(start, VariableOffset(variableIndex + 1) - start);
-}
-
 }  // namespace tavi::access

@@ -6,6 +6,7 @@
 #include "access/catalog/RowShape.h"
 #include "access/file/Format.h"
 #include "access/file/UsageMap.h"
+#include "access/table/RowView.h"
 
 namespace tavi::access {
 
@@ -33,7 +34,7 @@ std::string TableCheck::Where(const std::string& part) const {
 void TableCheck::Run() {
   report_.Guard(Where("The definition"), [&] { CheckDefinition(); });
   report_.Guard(Where("The pages"), [&] { CheckPages(); });
-  for (const auto& [number, slots] : pages_) CheckRows(number, slots);
+  for (const auto& [number, entries] : pages_) CheckRows(number, entries);
   CheckTargets();
   if (kind_ == CheckKind::Strict) {
     for (auto& [id, check] : longValues_) check.ReportUnused();
@@ -58,14 +59,15 @@ void TableCheck::CheckDefinition() {
 
 void TableCheck::CheckColumns() {
   std::set<std::uint16_t> ids;
-  std::set<std::uint16_t> slots;
+  std::set<std::uint16_t> variableIndexes;
   std::map<std::size_t, std::size_t> fixedAreas;
   for (const ColumnDefinition& column : definition_.columns) {
     const std::string where = Where("The column '" + column.name + "'");
     if (column.id >= definition_.columnIdCounter || !ids.insert(column.id).second)
       report_.Add(where + " has the number " + std::to_string(column.id) + ", which is taken or too high.");
     if (!column.IsFixed()) {
-      if (column.variableIndex >= definition_.variableColumnCounter || !slots.insert(column.variableIndex).second)
+      if (column.variableIndex >= definition_.variableColumnCounter ||
+          !variableIndexes.insert(column.variableIndex).second)
         report_.Add(where + " has the slot " + std::to_string(column.variableIndex) + ", which is taken or too high.");
     } else if (column.type != ColumnType::Boolean) {
       fixedAreas.emplace(column.fixedOffset, column.length);
@@ -100,32 +102,32 @@ void TableCheck::CheckPages() {
   }
 }
 
-void TableCheck::CheckRows(PageNumber number, const std::vector<RowSlot>& slots) {
+void TableCheck::CheckRows(PageNumber number, const std::vector<RowEntry>& entries) {
   report_.Guard(Where("Page " + std::to_string(number)), [&] {
     const PageHandle page = pager_.Read(number);
-    for (std::size_t i = 0; i < slots.size(); ++i) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowPointer row{number, static_cast<std::uint8_t>(i)};
-      if (!slots[i].IsLive() || slots[i].movedTarget) continue;
+      if (entries[i].IsDeleted() || entries[i].IsMovedTarget()) continue;
       ++liveRows_;
-      if (slots[i].moved) {
-        CheckMoved(*page, slots[i], row);
+      if (entries[i].IsMoved()) {
+        CheckMoved(*page, entries[i], row);
       } else {
-        CheckRow(page->Slice(slots[i].offset, slots[i].length), row);
+        CheckRow(page->Slice(entries[i].offset, entries[i].length), row);
       }
       report_.Guard(Where("The " + NameOf(row)), [&] { static_cast<void>(table_.Read(row)); });
     }
   });
 }
 
-void TableCheck::CheckMoved(const Page& page, const RowSlot& slot, RowPointer row) {
+void TableCheck::CheckMoved(const Page& page, const RowEntry& entry, RowPointer row) {
   const std::string where = Where("The moved " + NameOf(row));
-  if (slot.length < format::row::kRowPointerSize) {
+  if (entry.length < format::row::kRowPointerSize) {
     report_.Add(where + " is too short for its link.");
     return;
   }
-  const RowPointer target = RowPointer::FromPacked(page.U32(slot.offset));
+  const RowPointer target = RowPointer::FromPacked(page.U32(entry.offset));
   const auto holder = pages_.find(target.page);
-  if (holder == pages_.end() || target.row >= holder->second.size() || !holder->second[target.row].movedTarget) {
+  if (holder == pages_.end() || target.row >= holder->second.size() || !holder->second[target.row].IsMovedTarget()) {
     report_.Add(where + " leads to the " + NameOf(target) + ", which is no moved row of the table.");
     return;
   }
@@ -133,27 +135,28 @@ void TableCheck::CheckMoved(const Page& page, const RowSlot& slot, RowPointer ro
     report_.Add(where + " leads to the " + NameOf(target) + ", as another row does.");
     return;
   }
-  const RowSlot& targetSlot = holder->second[target.row];
-  CheckRow(pager_.Read(target.page)->Slice(targetSlot.offset, targetSlot.length), row);
+  const RowEntry& targetEntry = holder->second[target.row];
+  CheckRow(pager_.Read(target.page)->Slice(targetEntry.offset, targetEntry.length), row);
 }
 
 void TableCheck::CheckRow(std::span<const std::uint8_t> bytes, RowPointer row) {
   report_.Guard(Where("The " + NameOf(row)), [&] {
-    const RowShape shape(bytes, definition_);
+    static_cast<void>(RowShape(bytes, definition_));
+    const RowView view(bytes, FormatVersion(), row);
     for (const ColumnDefinition& column : definition_.columns) {
       const auto check = longValues_.find(column.id);
-      if (check == longValues_.end() || !shape.HasValue(column.id)) continue;
-      const auto value = shape.Variable(column.variableIndex);
-      if (value.has_value() && !value->empty()) check->second.Use(*value, row);
+      if (check == longValues_.end() || view.IsNull(column)) continue;
+      const auto value = view.Stored(column);
+      if (!value.empty()) check->second.Use(value, row);
     }
   });
 }
 
 void TableCheck::CheckTargets() {
-  for (const auto& [number, slots] : pages_) {
-    for (std::size_t i = 0; i < slots.size(); ++i) {
+  for (const auto& [number, entries] : pages_) {
+    for (std::size_t i = 0; i < entries.size(); ++i) {
       const RowPointer row{number, static_cast<std::uint8_t>(i)};
-      if (slots[i].movedTarget && !movedTargets_.contains(row))
+      if (entries[i].IsMovedTarget() && !movedTargets_.contains(row))
         report_.Add(Where("The moved bytes in " + NameOf(row)) + " belong to no row.");
     }
   }

@@ -21,8 +21,8 @@ class TableCheck {
   void CheckDefinition();
   void CheckColumns();
   void CheckPages();
-  void CheckRows(PageNumber number, const std::vector<RowSlot>& slots);
-  void CheckMoved(const Page& page, const RowSlot& slot, RowPointer row);
+  void CheckRows(PageNumber number, const std::vector<RowEntry>& entries);
+  void CheckMoved(const Page& page, const RowEntry& entry, RowPointer row);
   void CheckRow(std::span<const std::uint8_t> bytes, RowPointer row);
   void CheckTargets();
   void CheckCounters();
@@ -35,7 +35,7 @@ class TableCheck {
   PageOwners& owners_;
   CheckReport& report_;
   std::string name_;
-  std::map<PageNumber, std::vector<RowSlot>> pages_;
+  std::map<PageNumber, std::vector<RowEntry>> pages_;
   std::map<std::uint16_t, LongValueCheck> longValues_;  ///< by column id
   std::set<RowPointer> movedTargets_;                   ///< those that a row points to
   std::uint32_t liveRows_ = 0;

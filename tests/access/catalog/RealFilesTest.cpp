@@ -11,8 +11,8 @@
 
 #include "access/catalog/PropertyBlob.h"
 #include "access/catalog/support/TestFile.h"
-#include "access/catalog/support/Tsv.h"
 #include "access/file/Format.h"
+#include "access/table/TsvValue.h"
 
 namespace tavi::access::test {
 namespace {
@@ -144,7 +144,7 @@ TEST_P(RealFiles, HasTheExpectedRows) {
         std::string line;
         for (const auto& column : expected["columns"]) {
           if (!line.empty() || column != expected["columns"][0]) line += '\t';
-          line += TsvField(row[table->FindColumn(column["name"].get<std::string>()).value()]);
+          line += TsvText(row[table->FindColumn(column["name"].get<std::string>()).value()]);
         }
         lines.push_back(line);
       }
