@@ -3,6 +3,7 @@
 #include <array>
 #include <bit>
 #include <cstddef>
+#include <cstring>
 
 namespace tavi::access {
 
@@ -16,6 +17,11 @@ constexpr std::size_t kWordSize = 8;
 constexpr std::size_t kLaneCount = 4;
 
 std::uint64_t Word(const std::uint8_t* bytes) {
+  if constexpr (std::endian::native == std::endian::little) {
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, kWordSize);
+    return word;
+  }
   std::uint64_t word = 0;
   for (unsigned i = 0; i < kWordSize; ++i) word |= static_cast<std::uint64_t>(bytes[i]) << (8U * i);
   return word;
