@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 
 #include "access/catalog/CatalogRows.h"
 #include "access/catalog/ChangeErrors.h"
@@ -54,9 +55,8 @@ std::size_t FreeFixedOffset(Pager& pager, const TableDefinition& definition) {
   return HasDroppedFixedColumns(definition) ? std::max(end, LongestFixedArea(pager, definition)) : end;
 }
 
-/// Numbers the rows that the table has already.
-void NumberRows(Pager& pager, StoredTable& table, std::size_t column) {
-  std::int32_t number = 0;
+/// Gives one column of every row new values.
+void ChangeRows(StoredTable& table, std::size_t column, const std::function<Value()>& makeValue) {
   std::vector<RowPointer> rows;
   table.Rows().Walk([&](RowPointer row) {
     rows.push_back(row);
@@ -64,10 +64,24 @@ void NumberRows(Pager& pager, StoredTable& table, std::size_t column) {
   });
   for (const RowPointer row : rows) {
     RowValues values = table.Read(row);
-    values[column] = ++number;
+    values[column] = makeValue();
     table.Rows().Update(row, values);
   }
+}
+
+/// Numbers the rows that the table has already.
+void NumberRows(Pager& pager, StoredTable& table, std::size_t column) {
+  std::int32_t number = 0;
+  ChangeRows(table, column, [&] { return Value(++number); });
   SetLastAutoNumber(pager, table.Definition(), number);
+}
+
+/// Rows of a table without variable columns have no table of offsets. Not every reader knows that a row may lack it
+/// once the table has such a column, so the rows are written anew: with an empty value first, then without any.
+void GiveRowsOffsets(StoredTable& table, std::size_t column) {
+  const Value empty = IsText(table.Columns()[column].definition.type) ? Value(std::string()) : Value(Bytes());
+  ChangeRows(table, column, [&] { return empty; });
+  ChangeRows(table, column, [] { return Value(Null{}); });
 }
 
 void RefuseUsedColumn(Catalog& catalog, const StoredTable& table, const ColumnDefinition& column) {
@@ -127,10 +141,13 @@ void AddColumn(Catalog& catalog, std::string_view table, const ColumnDesign& des
   properties.RemoveColumn(design.name);
   DescribeColumn(properties, design);
   ChangeObject(catalog, object, &properties, now);
-  if (design.autoNumber && design.type == ColumnType::Long) {
-    const std::shared_ptr<StoredTable> altered = catalog.OpenTable(table);
-    NumberRows(pager, *altered, altered->FindColumn(design.name).value());
-  }
+
+  const std::shared_ptr<StoredTable> altered = catalog.OpenTable(table);
+  const std::size_t position = altered->FindColumn(design.name).value();
+  if (altered->Columns()[position].definition.IsAutoNumber()) NumberRows(pager, *altered, position);
+  const bool isFirstVariable =
+      definition.variableColumnCounter == 1 && !altered->Columns()[position].definition.IsFixed();
+  if (isFirstVariable) GiveRowsOffsets(*altered, position);
 }
 
 void DropColumn(Catalog& catalog, std::string_view table, std::string_view column, std::optional<Date> now) {

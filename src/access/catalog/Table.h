@@ -57,12 +57,18 @@ class Table {
   [[nodiscard]] virtual BTree& Tree(std::size_t index) = 0;
   [[nodiscard]] virtual const KeyEncoder& Encoder(std::size_t index) = 0;
 
-  /// Adds a row. Values are converted to their columns' types; an autonumber column whose value is null gets the next
-  /// number, and `row` is updated with it. Defaults are the caller's business (see sql/Defaults.h). Raises
-  /// ProviderIntegrity for a null in a required column, a duplicate key, or a missing related row.
+  /// Adds a row. Values are converted to their columns' types; an automatic number whose value is null gets the next
+  /// one, and `row` becomes the values as they are stored. Defaults are the caller's business. Raises ProviderFailure
+  /// for a duplicate key, ProviderIntegrity for a null in a required column or key, an empty text where the column
+  /// refuses it, or a missing related row; the errors of ConvertForColumn and TableRows::Insert. System tables are not
+  /// refused.
   virtual RowPointer Insert(RowValues& row) = 0;
-  /// Replaces a row's values. Raises like Insert. Changing the values of an autonumber column is refused.
+  /// Replaces a row's values; rows of other tables follow a changed key where the relationship says so. Raises like
+  /// Insert; also ProviderIntegrity for the change of an automatic number, and for a key that rows of other tables
+  /// refer to. Writes nothing when no value changes. After an error in a cascade the statement must be rolled back.
   virtual void Update(RowPointer row, RowValues values) = 0;
+  /// Removes a row, and the rows that refer to it where the relationship says so. Raises ProviderIntegrity when others
+  /// refer to it.
   virtual void Delete(RowPointer row) = 0;
 };
 

@@ -71,6 +71,26 @@ TEST_F(ColumnChangesTest, ANewAutomaticNumberNumbersTheRows) {
   file_.ExpectSound();
 }
 
+TEST_F(ColumnChangesTest, TheFirstVariableColumnLeavesTheRowsReadable) {
+  for (const ColumnType type : {ColumnType::Text, ColumnType::Memo, ColumnType::Binary, ColumnType::Ole}) {
+    const std::string name = "Fixed " + std::to_string(static_cast<int>(type));
+    file_.Write([&](Database& database) {
+      TableDesign design;
+      design.name = name;
+      design.columns = {MakeColumn("Flag", ColumnType::Boolean), MakeColumn("Number", ColumnType::Byte)};
+      design.indexes = {MakeIndex("Numbers", {"Number"})};
+      database.CreateTable(design, kNow);
+      for (int i = 0; i < 600; ++i) Insert(database, name, {{"Flag", i % 2 == 0}, {"Number", i % 200}});
+      database.AddColumn(name, MakeColumn("First", type));
+    });
+    file_.ExpectSound();
+    const std::vector<RowValues> rows = AllRows(file_.Get(), name);
+    ASSERT_EQ(rows.size(), 600U);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+      EXPECT_EQ(rows[i], (RowValues{i % 2 == 0, static_cast<std::uint8_t>(i % 200), Null{}}));
+  }
+}
+
 TEST_F(ColumnChangesTest, RulesOfANewColumnAreKept) {
   ColumnDesign column = MakeColumn("Code", ColumnType::Text);
   column.required = true;

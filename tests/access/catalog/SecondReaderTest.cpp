@@ -100,6 +100,19 @@ TEST_F(SecondReader, ReadsRowsThroughChangesOfRowsAndColumns) {
                 "6,\"new\",,1,\"h\"\n");
 }
 
+TEST_F(SecondReader, ReadsRowsThatAreOlderThanTheFirstVariableColumn) {
+  file_.Write([](Database& database) {
+    TableDesign design;
+    design.name = "Flags";
+    design.columns = {MakeColumn("Flag", ColumnType::Boolean)};
+    database.CreateTable(design, kNow);
+    for (int i = 0; i < 3; ++i) Insert(database, "Flags", {{"Flag", i == 1}});
+    database.AddColumn("Flags", MakeColumn("Word", ColumnType::Text));
+    Insert(database, "Flags", {{"Word", "new"}});
+  });
+  EXPECT_EQ(Read("mdb-export", "Flags"), "Flag,Word\n0,\n1,\n0,\n0,\"new\"\n");
+}
+
 TEST_F(SecondReader, ReadsALargeTable) {
   file_.Write([](Database& database) {
     database.CreateTable(MakeMembers(), kNow);
