@@ -13,11 +13,13 @@ using Texts = std::vector<std::string>;
 class ResultNotesTest : public ::testing::Test {
  protected:
   ResultNotesTest() {
+    club_->OpenDatabase();
     club_->AddNewMember("Anne", "", "Hill", 41.0);
     club_->AddNewMember("Bob", "", "Dale", 42.0);
     club_->AddNewMember("Cat", "", "Moor", 43.0);
     club_->AddNewMember("Dan", "", "Wood", 44.0);
     ThreadStore()->MakeRegularPartnership(1, 2, 45.0, false, "");
+    club_->CloseDatabase();
   }
   ~ResultNotesTest() override { club_->CloseDatabase(); }
 

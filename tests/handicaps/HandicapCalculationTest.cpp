@@ -3,6 +3,7 @@
 #include "facade/StoreSlot.h"
 #include "facade/support/Club.h"
 #include "platform/values/Convert.h"
+#include "store/OpenUse.h"
 
 namespace tavi {
 namespace {
@@ -15,7 +16,9 @@ const Date kMarker = Date::FromCivil(2000, 1, 1);
 class HandicapCalculationTest : public ::testing::Test {
  protected:
   HandicapCalculationTest() {
+    club_->OpenDatabase();
     for (const char* first : {"Anne", "Bob", "Cat", "Dan"}) club_->AddNewMember(first, "", "Hill", 40.0);
+    club_->CloseDatabase();
     settings_->SetUnknownPlayerHandicap(46.5);
   }
   ~HandicapCalculationTest() override { club_->CloseDatabase(); }
@@ -23,6 +26,8 @@ class HandicapCalculationTest : public ::testing::Test {
   /// One competition some days before today with one result; its identifier.
   std::int32_t AddResult(int daysAgo, std::int32_t player, std::int32_t partner, double percentage,
                          const std::string& name = "Wednesday") {
+    const auto store = ThreadStore();
+    const OpenUse use(*store);
     const std::string date = std::to_string(Club::kToday.DayNumber() - daysAgo);
     club_.Execute(
         "Insert Into Competitions (CompetitionName, CompetitionDate, Individual, ScoringMethod, "

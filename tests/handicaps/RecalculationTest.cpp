@@ -25,7 +25,9 @@ TEST(RememberedHandicaps, TheFirstHandicapOfAMemberIsKept) {
 class RecalculationTest : public ::testing::Test {
  protected:
   RecalculationTest() {
+    club_->OpenDatabase();
     for (const char* first : {"Anne", "Bob", "Cat", "Dan", "Eve"}) club_->AddNewMember(first, "", "Hill", 33.0);
+    club_->CloseDatabase();
     club_.Execute(
         "Insert Into Competitions (CompetitionName, CompetitionDate, Individual, ScoringMethod, "
         "IncludeInHandicapCalculations) Values ('Wednesday', 45900, 0, 0, -1)");

@@ -13,10 +13,12 @@ using Texts = std::vector<std::string>;
 class PairsTest : public ::testing::Test {
  protected:
   PairsTest() {
+    club_->OpenDatabase();
     club_->AddNewMember("John", "", "Smith", 46.0);
     club_->AddNewMember("Jane", "", "Smith", 55.0);
     club_->AddNewMember("Bob", "C", "Dale");
     club_->AddNewMember("Kate", "", "Moor");
+    club_->CloseDatabase();
   }
   ~PairsTest() override { EXPECT_EQ(club_.OpenCount(), 0) << "an operation left the file open"; }
 
