@@ -168,12 +168,12 @@ bool InsertInPlace(Page& page, std::size_t offset, std::span<const std::uint8_t>
     if (bytes.size() < prefix + layout::kEntryRowPointerSize) return false;
     if (!std::ranges::equal(bytes.first(prefix), page.Slice(layout::kEntriesOffset, prefix))) return false;
   }
-  // Behind a new first entry the old one loses the prefix, otherwise the new one is stored without it.
-  const std::size_t moved = offset == 0 ? prefix : offset;
+  // Behind a new first entry the old one loses the prefix (the new one is written over it); otherwise the new one is
+  // stored without it.
   const auto stored = offset == 0 ? bytes : bytes.subspan(prefix);
   const std::size_t growth = bytes.size() - prefix;
   if (end + growth > layout::kEntriesSize) return false;
-  MoveEntryBytes(page, moved, end, moved + growth);
+  MoveEntryBytes(page, offset, end, offset + growth);
   page.Put(layout::kEntriesOffset + offset, stored);
   EntryMask mask(page);
   mask.MoveUp(offset, growth);

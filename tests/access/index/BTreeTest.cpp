@@ -86,33 +86,33 @@ TEST(BTree, ANodeHasTheBytesThatAccessWrites) {
 
 TEST(BTree, AscendingInsertsLeaveFullPages) {
   TestIndex index;
-  InsertAll(index, Numbers(20000));
-  index.ExpectHolds(LongEntries(Numbers(20000)));
+  InsertAll(index, Numbers(8000));
+  index.ExpectHolds(LongEntries(Numbers(8000)));
   const BTreeReport report = index.Check();
-  EXPECT_LE(report.leafPages, 20000U * 7U / 3616U + 3U);
+  EXPECT_LE(report.leafPages, 8000U * 7U / 3616U + 3U);
   EXPECT_EQ(report.levels, 2U);
 }
 
 TEST(BTree, DescendingInsertsLeaveFullPages) {
   TestIndex index;
-  std::vector<std::int32_t> numbers = Numbers(20000);
+  std::vector<std::int32_t> numbers = Numbers(8000);
   std::ranges::reverse(numbers);
   InsertAll(index, numbers);
   index.ExpectHolds(LongEntries(numbers));
-  EXPECT_LE(index.Check().leafPages, 20000U * 7U / 3616U + 3U);
+  EXPECT_LE(index.Check().leafPages, 8000U * 7U / 3616U + 3U);
 }
 
 TEST(BTree, RandomInsertsFillHalfOfThePagesAtLeast) {
   TestIndex index;
-  std::vector<std::int32_t> numbers = Numbers(20000);
+  std::vector<std::int32_t> numbers = Numbers(8000);
   std::ranges::shuffle(numbers, std::mt19937(7));
   InsertAll(index, numbers);
   index.ExpectHolds(LongEntries(numbers));
-  EXPECT_LE(index.Check().leafPages, 2U * 20000U * 9U / 3616U);
+  EXPECT_LE(index.Check().leafPages, 2U * 8000U * 9U / 3616U);
 }
 
 TEST(BTree, BuildFillsLeavesFromLeftToRight) {
-  for (const std::int32_t count : {0, 1, 2, 401, 402, 700, 5000, 100000}) {
+  for (const std::int32_t count : {0, 1, 2, 401, 402, 700, 5000, 30000}) {
     TestIndex index;
     std::vector<IndexEntry> entries;
     for (const std::int32_t number : Numbers(count)) entries.push_back(LongEntry(number));
@@ -176,7 +176,7 @@ TEST(BTree, EmptyPagesGoBackToTheFile) {
   index.ExpectHolds(LongEntries(Numbers(5000)));
 }
 
-TEST(BTree, RemovingFromTheBackKeepsTheNodesExact) {
+TEST(BTree, RemovingFromTheBackFreesPages) {
   TestIndex index;
   InsertAll(index, Numbers(3000));
   std::set<IndexEntry> left = LongEntries(Numbers(3000));
@@ -185,6 +185,24 @@ TEST(BTree, RemovingFromTheBackKeepsTheNodesExact) {
     left.erase(LongEntry(number));
     if (number % 100 == 0) index.ExpectHolds(left);
   }
+}
+
+TEST(BTree, RemovingTheLastEntryOfALeafChangesItsNode) {
+  TestIndex index;
+  InsertAll(index, Numbers(3000));
+  std::set<IndexEntry> left = LongEntries(Numbers(3000));
+  for (const PageNumber page : index.Tree().Pages()) {
+    const PageHandle handle = index.File().Read(page);
+    const IndexPage view(*handle);
+    if (!view.IsLeaf()) continue;
+    EntryBytes last;
+    view.Decode(view.EntryAt(view.End() - 1), last);
+    const IndexEntry entry{{last.begin(), last.end() - 4}, RowOfEntry(last)};
+    ASSERT_TRUE(index.Tree().Remove(entry));
+    left.erase(entry);
+    index.ExpectHolds(left);
+  }
+  EXPECT_LT(left.size(), 2998U);
 }
 
 TEST(BTree, RemoveSaysWhetherTheEntryWasThere) {
@@ -403,7 +421,7 @@ TEST(BTreeModelTest, KeysOfMiddleLength) {
 }
 
 TEST(BTreeModelTest, ManySeeds) {
-  for (std::uint32_t seed = 100; seed < 130; ++seed) {
+  for (std::uint32_t seed = 100; seed < 115; ++seed) {
     SCOPED_TRACE(seed);
     BTreeModel model(seed, seed % 3 == 0 ? 40 : BTree::kMaximumKeySize);
     model.Run(400, 20);
