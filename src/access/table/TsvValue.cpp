@@ -30,14 +30,40 @@ std::string BytesText(const Bytes& bytes) {
   return bytes.size() > kLongestHexadecimal ? "sha256:" + Hexadecimal(Sha256(bytes)) : Hexadecimal(bytes);
 }
 
-// What is read as "1.25e+20" becomes "1.25e20", and "1e-07" becomes "1e-7".
-std::string TidyExponent(std::string text) {
+/// The fewest digits that read back to a positive number, the first one before the point, and the power of ten.
+struct Digits {
+  std::string digits;
+  int exponent = 0;
+};
+
+template <typename Float>
+Digits FewestDigits(Float positive) {
+  std::array<char, 64> buffer{};
+  const auto written =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), positive, std::chars_format::scientific);
+  const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
   const std::size_t mark = text.find('e');
-  if (mark == std::string::npos) return text;
-  std::string exponent = text.substr(mark + 1);
-  const bool negative = exponent.starts_with('-');
-  exponent.erase(0, exponent.find_first_of("123456789"));
-  return text.substr(0, mark) + (negative ? "e-" : "e") + exponent;
+  Digits result;
+  for (const char character : text.substr(0, mark)) {
+    if (character != '.') result.digits.push_back(character);
+  }
+  const std::string_view exponent = text.substr(mark + (text[mark + 1] == '+' ? 2 : 1));
+  std::from_chars(exponent.data(), exponent.data() + exponent.size(), result.exponent);
+  return result;
+}
+
+std::string PlainText(const Digits& number) {
+  if (number.exponent < 0) {
+    return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
+  }
+  const std::size_t whole = static_cast<std::size_t>(number.exponent) + 1;
+  if (number.digits.size() <= whole) return number.digits + std::string(whole - number.digits.size(), '0');
+  return number.digits.substr(0, whole) + "." + number.digits.substr(whole);
+}
+
+std::string ExponentText(const Digits& number) {
+  const std::string rest = number.digits.substr(1);
+  return number.digits.substr(0, 1) + (rest.empty() ? "" : "." + rest) + "e" + std::to_string(number.exponent);
 }
 
 template <typename Float>
@@ -45,12 +71,10 @@ std::string FloatText(Float number) {
   if (std::isnan(number)) return "nan";
   if (std::isinf(number)) return number > 0 ? "inf" : "-inf";
   if (number == Float{0}) return "0";
-  const double size = std::abs(static_cast<double>(number));
-  const bool isPlain = size >= 1e-5 && size < 1e16;
-  std::array<char, 64> buffer{};
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                     isPlain ? std::chars_format::fixed : std::chars_format::scientific);
-  return TidyExponent(std::string(buffer.data(), written.ptr));
+  const Float size = std::abs(number);
+  const bool isPlain = static_cast<double>(size) >= 1e-5 && static_cast<double>(size) < 1e16;
+  const Digits digits = FewestDigits(size);
+  return (number < 0 ? "-" : "") + (isPlain ? PlainText(digits) : ExponentText(digits));
 }
 
 std::string DateText(Date date) {

@@ -27,6 +27,9 @@ TEST(TsvText, FloatsHaveTheFewestDigitsThatReadBack) {
   EXPECT_EQ(TsvText(1e-5), "0.00001");
   EXPECT_EQ(TsvText(9.5e-6), "9.5e-6");
   EXPECT_EQ(TsvText(1e15), "1000000000000000");
+  EXPECT_EQ(TsvText(85024448.0F), "85024450");
+  EXPECT_EQ(TsvText(0.00123F), "0.00123");
+  EXPECT_EQ(TsvText(-12.5), "-12.5");
   EXPECT_EQ(TsvText(1e16), "1e16");
   EXPECT_EQ(TsvText(-1.25e100), "-1.25e100");
   EXPECT_EQ(TsvText(std::numeric_limits<float>::max()), "3.4028235e38");
