@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 
+#include "SourceDirectory.h"
 #include "host/input/Csv.h"
 #include "host/results/UsebioReader.h"
 #include "host/results/XmlElement.h"

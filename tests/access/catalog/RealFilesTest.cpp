@@ -9,6 +9,7 @@
 #include <set>
 #include <sstream>
 
+#include "SourceDirectory.h"
 #include "access/catalog/PropertyBlob.h"
 #include "access/catalog/support/TestFile.h"
 #include "access/file/Format.h"

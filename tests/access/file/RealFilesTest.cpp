@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "SourceDirectory.h"
 #include "access/file/Format.h"
 #include "access/file/Pager.h"
 #include "access/file/UsageMap.h"

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 
+#include "SourceDirectory.h"
 #include "access/file/Format.h"
 #include "access/file/support/TemporaryFolder.h"
 #include "access/index/BTree.h"

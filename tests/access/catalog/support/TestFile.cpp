@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "SourceDirectory.h"
 #include "access/file/Pager.h"
 
 namespace tavi::access::test {

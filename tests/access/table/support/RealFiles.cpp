@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "SourceDirectory.h"
 #include "access/file/Format.h"
 #include "access/table/TableRows.h"
 
