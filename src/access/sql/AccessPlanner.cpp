@@ -14,10 +14,10 @@ namespace {
 constexpr double kIndexDescent = 4.0;
 constexpr double kRowByPointer = 1.5;
 constexpr double kMemoryLookUp = 0.5;
-constexpr double kMemoryIndexEntry = 0.2;  // part of building, as it will be used again
 constexpr double kRangeSelectivity = 0.3;
-constexpr double kEqualSelectivity = 0.1;
-constexpr double kOtherSelectivity = 0.7;
+constexpr double kEqualSelectivity = 0.2;
+constexpr double kHalfOpenSelectivity = 0.5;
+constexpr double kOtherSelectivity = 0.8;
 constexpr std::size_t kLongestList = 500;
 
 bool IsComparison(Operator op) {
@@ -75,7 +75,7 @@ double AccessPlanner::Selectivity(const Conjuncts& conjuncts) {
     double factor = kOtherSelectivity;
     if (expression.kind == ExpressionKind::Between) factor = kRangeSelectivity;
     if (expression.kind == ExpressionKind::Binary && IsComparison(expression.op)) {
-      factor = expression.op == Operator::Equal ? kEqualSelectivity : 0.5;
+      factor = expression.op == Operator::Equal ? kEqualSelectivity : kHalfOpenSelectivity;
     }
     part *= factor;
   }
@@ -225,19 +225,37 @@ void AccessPlanner::TryMemoryIndexes(const Task& task, const std::vector<Argumen
     path.kind = AccessPath::Kind::MemoryIndex;
     path.equals = {argument.value};
     path.equalColumns = {argument.column};
-    path.rows = std::sqrt(task.rowCount);
     path.joins = (binder_.SourcesOf(*argument.value) & task.bound) != 0;
-    bool built = false;
+    path.rows = std::sqrt(task.rowCount);
+    path.setup = MemoryIndexes::kCostOfEntry * task.rowCount;
     if (task.table != nullptr) {
-      if (task.rowCount < MemoryIndexes::kMinimumRows) continue;
+      if (task.rowCount < MemoryIndexes::kMinimumRows || LeadsFileIndex(*task.table, argument.column)) continue;
       if (FamilyOf(task.table->Columns()[argument.column].definition.type) == ValueFamily::None) continue;
-      built = context_.memoryIndexes.IsBuilt(*task.table, argument.column);
-      path.rows = context_.memoryIndexes.RowsPerKey(*task.table, argument.column).value_or(path.rows);
+      const auto estimate = context_.memoryIndexes.EstimateFor(*task.table, argument.column, task.rowCount);
+      path.rows = estimate.rowsPerKey;
+      path.setup = estimate.setup;
+      NoteConsidered(*task.table, argument.column);
     }
-    path.setup = built ? 0.0 : kMemoryIndexEntry * task.rowCount;
     path.cost = kMemoryLookUp + path.rows * kRowByPointer;
     KeepCheaper(best, std::move(path));
   }
+}
+
+bool AccessPlanner::LeadsFileIndex(Table& table, std::size_t column) const {
+  if (!context_.options.fileIndexes) return false;
+  for (std::size_t i = 0; i < table.Indexes().size(); ++i) {
+    const Index& index = table.Indexes()[i];
+    if (!index.columns.empty() && index.columns.front() == column && IsUsableIndex(table, i)) return true;
+  }
+  return false;
+}
+
+void AccessPlanner::NoteConsidered(const Table& table, std::size_t column) const {
+  auto& considered = context_.considered;
+  const bool known = std::any_of(considered.begin(), considered.end(), [&](const MemoryIndexes::Considered& other) {
+    return other.table == &table && other.column == column;
+  });
+  if (!known) considered.push_back({&table, column});
 }
 
 void AccessPlanner::TryLists(const Task& task, const std::vector<Argument>& arguments,

@@ -44,6 +44,9 @@ class AccessPlanner {
   void TryIndexes(const Task& task, const std::vector<Argument>& arguments, std::optional<AccessPath>& best) const;
   void TryMemoryIndexes(const Task& task, const std::vector<Argument>& arguments,
                         std::optional<AccessPath>& best) const;
+  /// True when an index of the file begins with the column, so that one in memory would gain little.
+  [[nodiscard]] bool LeadsFileIndex(Table& table, std::size_t column) const;
+  void NoteConsidered(const Table& table, std::size_t column) const;
   void TryLists(const Task& task, const std::vector<Argument>& arguments, std::optional<AccessPath>& best) const;
   void TryUnion(const Task& task, const Expression& condition, std::optional<AccessPath>& best) const;
   [[nodiscard]] std::optional<AccessPath> IndexPath(const Task& task, std::size_t index,

@@ -19,6 +19,14 @@ bool IsInner(const Source& tree) {
 
 }  // namespace
 
+/// A member of a group of inner joins. A join within the group (an outer one) is planned once, before the order of the
+/// group is sought: planning it anew in each place would take exponential time in nested joins.
+struct JoinPlanner::Part {
+  const Source* source = nullptr;
+  SourceSet sources = 0;
+  std::shared_ptr<const PlanNode> planned;  // for a join
+};
+
 /// An order of the parts of a group, as far as it is settled.
 struct JoinPlanner::Order {
   std::vector<std::shared_ptr<const PlanNode>> nodes;
@@ -40,9 +48,7 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanTree(const Source& tree, Conjun
   if (tree.kind != Source::Kind::Join) return PlanLeaf(tree, conjuncts, bound);
   if (tree.join == Source::Join::Left) return PlanOuter(*tree.left, *tree.right, tree, conjuncts, bound);
   if (tree.join == Source::Join::Right) return PlanOuter(*tree.right, *tree.left, tree, conjuncts, bound);
-  Parts parts;
-  FlattenInner(tree, parts, conjuncts);
-  return PlanGroup(parts, conjuncts, bound);
+  return PlanGroup(tree, std::move(conjuncts), bound);
 }
 
 std::shared_ptr<const PlanNode> JoinPlanner::PlanLeaf(const Source& leaf, const Conjuncts& conjuncts,
@@ -57,7 +63,7 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanLeaf(const Source& leaf, const 
   // An index look-up has already applied the condition that it serves.
   const double selectivity = AccessPlanner::Selectivity(conjuncts);
   node->rows = node->path.kind == AccessPath::Kind::Scan ? node->path.rows * selectivity
-                                                         : node->path.rows * std::min(1.0, selectivity * 10.0);
+                                                         : node->path.rows * std::min(1.0, selectivity * 5.0);
   return node;
 }
 
@@ -90,7 +96,7 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanOuter(const Source& kept, const
 
 void JoinPlanner::FlattenInner(const Source& tree, Parts& parts, Conjuncts& conjuncts) const {
   if (!IsInner(tree)) {
-    parts.push_back(&tree);
+    parts.push_back({&tree, LeavesOf(tree), nullptr});
     return;
   }
   FlattenInner(*tree.left, parts, conjuncts);
@@ -98,17 +104,33 @@ void JoinPlanner::FlattenInner(const Source& tree, Parts& parts, Conjuncts& conj
   SplitConjuncts(tree.on.get(), binder_, conjuncts);
 }
 
-JoinPlanner::Order JoinPlanner::Append(const Order& order, const Source& part, std::size_t position,
+std::shared_ptr<const PlanNode> JoinPlanner::WithFilters(std::shared_ptr<const PlanNode> node,
+                                                         const Conjuncts& conjuncts) {
+  if (conjuncts.empty()) return node;
+  auto filtered = std::make_shared<PlanNode>();
+  filtered->kind = PlanNode::Kind::Nested;
+  filtered->sources = node->sources;
+  filtered->cost = node->cost;
+  filtered->setup = node->setup;
+  filtered->rows = node->rows * AccessPlanner::Selectivity(conjuncts);
+  for (const Conjunct& conjunct : conjuncts) filtered->filters.push_back(conjunct.expression);
+  filtered->parts.push_back(std::move(node));
+  return filtered;
+}
+
+JoinPlanner::Order JoinPlanner::Append(const Order& order, const Part& part, std::size_t position,
                                        const Conjuncts& conjuncts) const {
   Order next = order;
-  next.bound |= LeavesOf(part);
+  next.bound |= part.sources;
   next.used |= SourceSet{1} << position;
   Conjuncts applicable;
   for (const Conjunct& conjunct : conjuncts) {
     const bool seenBefore = !order.nodes.empty() && IsSubset(conjunct.sources, order.bound);
-    if (!seenBefore && IsSubset(conjunct.sources, next.bound)) applicable.push_back(conjunct);
+    const bool seenInside = part.planned && IsSubset(conjunct.sources, part.sources);
+    if (!seenBefore && !seenInside && IsSubset(conjunct.sources, next.bound)) applicable.push_back(conjunct);
   }
-  std::shared_ptr<const PlanNode> node = PlanTree(part, std::move(applicable), order.bound);
+  std::shared_ptr<const PlanNode> node =
+      part.planned ? WithFilters(part.planned, applicable) : PlanLeaf(*part.source, applicable, order.bound);
   next.setup += node->setup;
   next.cost += order.rows * node->cost;
   next.rows = order.rows * node->rows;
@@ -124,7 +146,7 @@ void JoinPlanner::TryOrders(const Parts& parts, const Conjuncts& conjuncts, cons
   }
   for (std::size_t i = 0; i < parts.size(); ++i) {
     if ((order.used >> i & 1U) != 0) continue;
-    const Order next = Append(order, *parts[i], i, conjuncts);
+    const Order next = Append(order, parts[i], i, conjuncts);
     if (!best || next.Total() < best->Total()) TryOrders(parts, conjuncts, next, best);
   }
 }
@@ -134,7 +156,7 @@ JoinPlanner::Order JoinPlanner::StepByStep(const Parts& parts, const Conjuncts& 
     std::optional<Order> cheapest;
     for (std::size_t i = 0; i < parts.size(); ++i) {
       if ((order.used >> i & 1U) != 0) continue;
-      Order next = Append(order, *parts[i], i, conjuncts);
+      Order next = Append(order, parts[i], i, conjuncts);
       if (!cheapest || next.Total() + next.rows < cheapest->Total() + cheapest->rows) cheapest = std::move(next);
     }
     order = std::move(*cheapest);
@@ -142,8 +164,17 @@ JoinPlanner::Order JoinPlanner::StepByStep(const Parts& parts, const Conjuncts& 
   return order;
 }
 
-std::shared_ptr<const PlanNode> JoinPlanner::PlanGroup(const Parts& parts, const Conjuncts& conjuncts,
-                                                       SourceSet bound) const {
+std::shared_ptr<const PlanNode> JoinPlanner::PlanGroup(const Source& tree, Conjuncts conjuncts, SourceSet bound) const {
+  Parts parts;
+  FlattenInner(tree, parts, conjuncts);
+  for (Part& part : parts) {
+    if (part.source->kind != Source::Kind::Join) continue;
+    Conjuncts own;
+    for (const Conjunct& conjunct : conjuncts) {
+      if (IsSubset(conjunct.sources, part.sources)) own.push_back(conjunct);
+    }
+    part.planned = PlanTree(*part.source, std::move(own), bound);
+  }
   Order start;
   start.bound = bound;
   std::optional<Order> best;

@@ -17,7 +17,8 @@ class JoinPlanner {
   }
 
  private:
-  using Parts = std::vector<const Source*>;
+  struct Part;
+  using Parts = std::vector<Part>;
   struct Order;
 
   [[nodiscard]] std::shared_ptr<const PlanNode> PlanTree(const Source& tree, Conjuncts conjuncts,
@@ -27,11 +28,14 @@ class JoinPlanner {
   [[nodiscard]] std::shared_ptr<const PlanNode> PlanOuter(const Source& kept, const Source& optional,
                                                           const Source& join, const Conjuncts& conjuncts,
                                                           SourceSet bound) const;
-  [[nodiscard]] std::shared_ptr<const PlanNode> PlanGroup(const Parts& parts, const Conjuncts& conjuncts,
+  [[nodiscard]] std::shared_ptr<const PlanNode> PlanGroup(const Source& tree, Conjuncts conjuncts,
                                                           SourceSet bound) const;
   void FlattenInner(const Source& tree, Parts& parts, Conjuncts& conjuncts) const;
+  /// A node whose rows must satisfy further conditions.
+  [[nodiscard]] static std::shared_ptr<const PlanNode> WithFilters(std::shared_ptr<const PlanNode> node,
+                                                                   const Conjuncts& conjuncts);
   /// An order with one more part behind it.
-  [[nodiscard]] Order Append(const Order& order, const Source& part, std::size_t position,
+  [[nodiscard]] Order Append(const Order& order, const Part& part, std::size_t position,
                              const Conjuncts& conjuncts) const;
   /// Extends an order by each of the remaining parts in turn; `best` keeps the cheapest complete order.
   void TryOrders(const Parts& parts, const Conjuncts& conjuncts, const Order& order, std::optional<Order>& best) const;

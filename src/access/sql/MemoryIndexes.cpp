@@ -1,5 +1,7 @@
 #include "access/sql/MemoryIndexes.h"
 
+#include <cmath>
+
 #include "access/sql/ValueKey.h"
 
 namespace tavi::access::sql {
@@ -11,19 +13,33 @@ MemoryIndexes::Key MemoryIndexes::KeyOf(const Table& table, std::size_t column) 
 void MemoryIndexes::DropWhenStale() {
   const std::uint64_t generation = pager_->Generation();
   if (generation == generation_) return;
-  for (auto& [key, entry] : entries_) entry.index.reset();
+  for (auto& [key, entry] : entries_) {
+    if (!entry.index) continue;
+    entry.index.reset();
+    entry.requests = 0;
+    entry.spentWithout = 0;
+  }
   generation_ = generation;
 }
 
-std::optional<double> MemoryIndexes::RowsPerKey(const Table& table, std::size_t column) const {
+MemoryIndexes::Estimate MemoryIndexes::EstimateFor(const Table& table, std::size_t column, double rowCount) const {
+  Estimate estimate{kCostOfEntry * rowCount, std::sqrt(rowCount)};
   const auto found = entries_.find(KeyOf(table, column));
-  return found == entries_.end() ? std::nullopt : found->second.rowsPerKey;
+  if (found == entries_.end()) return estimate;
+  const Entry& entry = found->second;
+  const bool isBuilt = entry.index && pager_->Generation() == generation_;
+  const bool isDue = entry.spentWithout >= rowCount;
+  if (isBuilt || isDue) estimate.setup = 0;
+  if (isDue) estimate.rowsPerKey = 1;
+  if (entry.rowsPerKey) estimate.rowsPerKey = *entry.rowsPerKey;
+  return estimate;
 }
 
-bool MemoryIndexes::IsBuilt(const Table& table, std::size_t column) const {
-  if (pager_->Generation() != generation_) return false;
-  const auto found = entries_.find(KeyOf(table, column));
-  return found != entries_.end() && found->second.index.has_value();
+void MemoryIndexes::NotePlan(const std::vector<Considered>& considered, double cost) {
+  for (const auto& [table, column] : considered) {
+    Entry& entry = entries_[KeyOf(*table, column)];
+    if (!entry.index) entry.spentWithout += cost;
+  }
 }
 
 const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool manyLookUps) {
@@ -34,7 +50,8 @@ const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool many
   if (entry.index) return &*entry.index;
   const std::uint32_t rows = table.RowCount();
   if (rows < kMinimumRows || rows > kMaximumEntries) return nullptr;
-  if (!manyLookUps && entry.requests < kRequestsThatPay) return nullptr;
+  const bool pays = manyLookUps || entry.requests >= kRequestsThatPay || entry.spentWithout >= rows;
+  if (!pays) return nullptr;
   entry.index = Build(table, column);
   entry.rowsPerKey = entry.index->RowsPerKey();
   MakeRoom(kMaximumEntries);

@@ -17,14 +17,28 @@ class MemoryIndexes {
 
   /// Tables with fewer rows are scanned.
   static constexpr std::uint32_t kMinimumRows = 24;
+  /// What building costs for each row, in rows of a scan; less than one, as an index will be used again.
+  static constexpr double kCostOfEntry = 0.2;
   /// Requests for a column from which on an index pays when each looks up one value.
   static constexpr int kRequestsThatPay = 2;
   /// The most entries that all indexes together hold (16 bytes each).
   static constexpr std::size_t kMaximumEntries = 2'000'000;
 
-  /// How many rows a look-up gives on average, when an index of the column is or was there.
-  [[nodiscard]] std::optional<double> RowsPerKey(const Table& table, std::size_t column) const;
-  [[nodiscard]] bool IsBuilt(const Table& table, std::size_t column) const;
+  /// What a plan must reckon with for look-ups in a column, in rows of a scan.
+  struct Estimate {
+    double setup = 0;       ///< to be paid once, by the first look-up
+    double rowsPerKey = 1;  ///< rows that a look-up gives
+  };
+  [[nodiscard]] Estimate EstimateFor(const Table& table, std::size_t column, double rowCount) const;
+
+  /// A column that a plan could have looked up in an index in memory.
+  struct Considered {
+    const Table* table;
+    std::size_t column;
+  };
+  /// Tells what a plan costs in which these columns were considered. When plans without an index have cost as much as
+  /// it takes to build it, the next plan is given it, so that it is built at last and its worth is known.
+  void NotePlan(const std::vector<Considered>& considered, double cost);
 
   /// The index of a column, built now if need be; null when it does not pay (yet). `manyLookUps` says that this
   /// statement will look up more than once. Call inside a statement. Valid until the next call of any function but
@@ -47,6 +61,7 @@ class MemoryIndexes {
     std::optional<HashIndex> index;
     std::optional<double> rowsPerKey;
     int requests = 0;
+    double spentWithout = 0;  // cost of plans that were made without the index
     std::uint64_t lastUse = 0;
   };
 

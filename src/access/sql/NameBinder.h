@@ -21,6 +21,8 @@ struct PlanContext {
   Database& database;
   MemoryIndexes& memoryIndexes;
   PlanOptions options;
+  /// Columns for which an index in memory was thought of, since the last level was planned.
+  std::vector<MemoryIndexes::Considered> considered = {};
 };
 
 /// Finds out, for one select level, where the names of its expressions lead, and writes that into the level's plan.

@@ -91,7 +91,7 @@ void PlanOrder(Select& select, NameBinder& binder) {
 void ChooseOrderWalk(const PlanContext& context, SelectPlan& plan) {
   const Select& select = *plan.select;
   const bool wantsFirst = select.top && !select.topPercent && !plan.order.empty();
-  if (!context.options.fileIndexes || !wantsFirst || plan.grouped || select.distinct || plan.unionWith ||
+  if (!context.options.fileIndexes || !wantsFirst || plan.grouped || select.distinct || select.unionWith ||
       plan.sources.size() != 1)
     return;
   if (!plan.sources[0].table || plan.root->path.kind != AccessPath::Kind::Scan) return;

@@ -68,7 +68,7 @@ struct PlanNode {
   std::size_t source = 0;
   AccessPath path;
   std::vector<std::shared_ptr<const PlanNode>> parts;
-  std::vector<const Expression*> filters;  ///< Access, Outer: what a row must satisfy
+  std::vector<const Expression*> filters;  ///< what the rows found must satisfy
   SourceSet sources = 0;
   double cost = 0;   ///< of one run, in rows of a scan
   double setup = 0;  ///< to be paid once
@@ -124,7 +124,8 @@ struct SelectPlan {
   bool grouped = false;
   std::vector<const Expression*> groupBy;
   std::vector<const Expression*> aggregates;  ///< by Expression::slot
-  std::unique_ptr<SelectPlan> unionWith;
+  /// The selects that a union adds to this one, in their order.
+  std::vector<std::unique_ptr<SelectPlan>> unionParts;
   /// DISTINCTROW: the sources whose rows are to be distinct; 0: no matter.
   SourceSet distinctSources = 0;
 

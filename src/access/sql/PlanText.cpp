@@ -185,12 +185,12 @@ void WriteNode(const PlanNode& node, const SelectPlan& plan, const std::string& 
     text += "\n";
     return;
   }
-  if (node.kind == PlanNode::Kind::Outer) {
-    text += indent + "outer join";
+  if (node.kind == PlanNode::Kind::Outer || !node.filters.empty()) {
+    text += indent + (node.kind == PlanNode::Kind::Outer ? "outer join" : "joined");
     WriteFilters(node, text);
     text += "\n";
   }
-  const bool nests = node.kind == PlanNode::Kind::Outer;
+  const bool nests = node.kind == PlanNode::Kind::Outer || !node.filters.empty();
   std::string deeper = indent;
   for (const auto& part : node.parts) {
     if (nests || node.parts.size() > 1) deeper = &part == &node.parts.front() && !nests ? indent : deeper + "  ";
@@ -201,7 +201,7 @@ void WriteNode(const PlanNode& node, const SelectPlan& plan, const std::string& 
 }  // namespace
 
 bool SelectPlan::IsKeyset() const {
-  if (select == nullptr || select->distinct || grouped || unionWith || sources.empty()) return false;
+  if (select == nullptr || select->distinct || grouped || !unionParts.empty() || sources.empty()) return false;
   for (const PlannedSource& source : sources) {
     if (!source.table) return false;
   }
@@ -227,7 +227,7 @@ std::string Describe(const SelectPlan& plan) {
     text += plan.subselects[i]->IsCorrelated() ? "sub-select, again for each row:\n" : "sub-select, once:\n";
     text += Describe(*plan.subselects[i]);
   }
-  if (plan.unionWith) text += "union\n" + Describe(*plan.unionWith);
+  for (const auto& part : plan.unionParts) text += "union\n" + Describe(*part);
   return text;
 }
 

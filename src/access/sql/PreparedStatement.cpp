@@ -1,5 +1,7 @@
 #include "access/sql/PreparedStatement.h"
 
+#include <algorithm>
+
 namespace tavi::access::sql {
 
 namespace {
@@ -68,7 +70,8 @@ bool IsStillGood(const SelectPlan& plan, Database& database) {
   for (const auto& subselect : plan.subselects) {
     if (subselect && !IsStillGood(*subselect, database)) return false;
   }
-  return !plan.unionWith || IsStillGood(*plan.unionWith, database);
+  return std::all_of(plan.unionParts.begin(), plan.unionParts.end(),
+                     [&](const auto& part) { return IsStillGood(*part, database); });
 }
 
 }  // namespace tavi::access::sql

@@ -17,7 +17,7 @@ constexpr std::size_t kSpareRows = 1000;
 RowOrder::RowOrder(const SelectPlan& plan, bool rowsComeInOrder) : rowsComeInOrder_(rowsComeInOrder) {
   // The ORDER BY of a union is for the whole of it, not for this part.
   for (const SortKey& key : plan.order) {
-    if (!plan.unionWith) descending_.push_back(key.descending);
+    if (plan.unionParts.empty()) descending_.push_back(key.descending);
   }
   if (plan.select == nullptr || !plan.select->top) return;
   topPercent_ = plan.select->topPercent;

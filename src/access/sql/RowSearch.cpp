@@ -49,7 +49,7 @@ bool RowSearch::Run(const PlanNode& node, Visit visit) {
 }
 
 bool RowSearch::RunNested(const PlanNode& node, std::size_t part, Visit visit) {
-  if (part == node.parts.size()) return visit();
+  if (part == node.parts.size()) return PassOn(node, visit);
   return Run(*node.parts[part], [&] { return RunNested(node, part + 1, visit); });
 }
 

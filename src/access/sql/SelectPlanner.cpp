@@ -39,6 +39,8 @@ void PlanSearch(PlanContext& context, NameBinder& binder, const Source& from, Ex
   Conjuncts conjuncts;
   SplitConjuncts(where, binder, conjuncts);
   plan.root = JoinPlanner(context, plan, binder).Plan(from, std::move(conjuncts));
+  context.memoryIndexes.NotePlan(context.considered, plan.root->cost + plan.root->setup);
+  context.considered.clear();
 }
 
 void NumberAggregates(Expression& expression, SelectPlan& plan) {
@@ -97,20 +99,7 @@ void PlanDistinctRows(SelectPlan& plan) {
   if (shown != 0 && shown != all) plan.distinctSources = shown;
 }
 
-void PlanUnion(PlanContext& context, Select& select, const NameBinder* outer, SelectPlan& plan) {
-  if (!select.unionWith) return;
-  plan.unionWith = PlanSelect(context, *select.unionWith, outer);
-  if (plan.unionWith->outputs.size() != plan.outputs.size()) {
-    throw StatementError(
-        "The selects of a union have different numbers of columns: " + std::to_string(plan.outputs.size()) + " and " +
-        std::to_string(plan.unionWith->outputs.size()) + ".");
-  }
-  plan.outerSlots.insert(plan.outerSlots.end(), plan.unionWith->outerSlots.begin(), plan.unionWith->outerSlots.end());
-}
-
-}  // namespace
-
-std::unique_ptr<SelectPlan> PlanSelect(PlanContext& context, Select& select, const NameBinder* outer) {
+std::unique_ptr<SelectPlan> PlanAlone(PlanContext& context, Select& select, const NameBinder* outer) {
   auto plan = std::make_unique<SelectPlan>();
   plan->select = &select;
   NameBinder binder(context, *plan, outer);
@@ -126,8 +115,26 @@ std::unique_ptr<SelectPlan> PlanSelect(PlanContext& context, Select& select, con
   PlanGroups(select, binder);
   CheckGroups(*plan);
   PlanDistinctRows(*plan);
-  PlanUnion(context, select, outer, *plan);
   ChooseOrderWalk(context, *plan);
+  return plan;
+}
+
+void AddToUnion(SelectPlan& plan, std::unique_ptr<SelectPlan> part) {
+  if (part->outputs.size() != plan.outputs.size()) {
+    throw StatementError("The selects of a union have different numbers of columns: " +
+                         std::to_string(plan.outputs.size()) + " and " + std::to_string(part->outputs.size()) + ".");
+  }
+  plan.outerSlots.insert(plan.outerSlots.end(), part->outerSlots.begin(), part->outerSlots.end());
+  plan.unionParts.push_back(std::move(part));
+}
+
+}  // namespace
+
+std::unique_ptr<SelectPlan> PlanSelect(PlanContext& context, Select& select, const NameBinder* outer) {
+  std::unique_ptr<SelectPlan> plan = PlanAlone(context, select, outer);
+  for (Select* part = select.unionWith.get(); part != nullptr; part = part->unionWith.get()) {
+    AddToUnion(*plan, PlanAlone(context, *part, outer));
+  }
   return plan;
 }
 

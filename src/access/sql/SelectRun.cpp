@@ -65,7 +65,7 @@ class ValueRows {
     const bool goOn = order_.Add(order_.HasKeys() ? SortKeys(plan_, scope) : std::vector<Value>{});
     if (order_.IsRefused()) return false;
     rows_.push_back(std::move(values));
-    const bool mayStop = !order_.HasKeys() && !plan_.select->top && !plan_.unionWith;
+    const bool mayStop = !order_.HasKeys() && !plan_.select->top;
     return goOn && !(mayStop && rows_.size() >= limit_);
   }
 
@@ -177,11 +177,13 @@ std::vector<RowValues> Sorted(const SelectPlan& plan, std::vector<RowValues> row
 
 std::vector<RowValues> CollectValues(StatementContext& context, const SelectPlan& plan, const RowScope* outer,
                                      std::size_t limit) {
-  if (!plan.unionWith) return CollectAlone(context, plan, outer, limit);
+  if (plan.unionParts.empty()) return CollectAlone(context, plan, outer, limit);
   std::vector<RowValues> rows = CollectAlone(context, plan, outer, kAllRows);
-  for (const SelectPlan* part = &plan; part->unionWith; part = part->unionWith.get()) {
-    for (RowValues& row : CollectAlone(context, *part->unionWith, outer, kAllRows)) rows.push_back(std::move(row));
-    if (!part->select->unionAll) RemoveRepetitions(rows);
+  const Select* before = plan.select;
+  for (const auto& part : plan.unionParts) {
+    for (RowValues& row : CollectAlone(context, *part, outer, kAllRows)) rows.push_back(std::move(row));
+    if (!before->unionAll) RemoveRepetitions(rows);
+    before = part->select;
   }
   if (!plan.order.empty()) rows = Sorted(plan, std::move(rows));
   if (rows.size() > limit) rows.resize(limit);

@@ -1,11 +1,14 @@
 #include "access/sql/Session.h"
 
+#include <sstream>
+
 #include "access/sql/ChangeRun.h"
 #include "access/sql/ExecutionErrors.h"
 #include "access/sql/KeysetResult.h"
 #include "access/sql/Parser.h"
 #include "access/sql/SelectRun.h"
 #include "access/sql/ValuesResult.h"
+#include "platform/values/Text.h"
 
 namespace tavi::access::sql {
 
@@ -35,6 +38,27 @@ bool IsDefinition(const Statement& statement) {
          !std::holds_alternative<Update>(statement) && !std::holds_alternative<Delete>(statement);
 }
 
+/// The statement behind a leading EXPLAIN; nothing when the text does not begin with that word.
+std::optional<std::string_view> ExplainedStatement(std::string_view text) {
+  constexpr std::string_view kWord = "EXPLAIN";
+  constexpr std::string_view kBlanks = " \t\r\n";
+  const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
+  text.remove_prefix(begin);
+  if (!EqualIgnoringCase(text.substr(0, kWord.size()), kWord)) return std::nullopt;
+  text.remove_prefix(kWord.size());
+  if (!text.empty() && kBlanks.find(text.front()) == std::string_view::npos) return std::nullopt;
+  return text;
+}
+
+/// A plan's lines as the rows of one column.
+std::unique_ptr<ResultSet> PlanRowsOf(const std::string& plan) {
+  std::vector<RowValues> rows;
+  std::istringstream lines(plan.empty() ? "definition, no plan" : plan);
+  for (std::string line; std::getline(lines, line);) rows.push_back({Value(line)});
+  return std::make_unique<ValuesResult>(std::vector<ResultColumn>{{"Plan", "", "", ado::DataType::WChar}},
+                                        std::move(rows));
+}
+
 }  // namespace
 
 Session::Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options)
@@ -62,6 +86,7 @@ void Session::MakeReady(std::shared_ptr<PreparedStatement>& prepared, std::strin
 }
 
 Outcome Session::Run(std::string_view text) {
+  if (const auto explained = ExplainedStatement(text)) return {PlanRowsOf(Explain(*explained)), 0};
   const auto parse = [&] { return Parse(text); };
   std::shared_ptr<PreparedStatement> prepared = Prepare(text, parse);
   if (IsQuery(prepared->statement)) {

@@ -36,7 +36,7 @@ class Session {
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
-  /// Runs one statement.
+  /// Runs one statement. With the word EXPLAIN before it, it is not run: the rows are the lines of its plan.
   Outcome Run(std::string_view text);
   /// The rows of a whole table, in the order in which they are stored; rows can be added, changed and read.
   std::unique_ptr<ResultSet> OpenTable(std::string_view name);

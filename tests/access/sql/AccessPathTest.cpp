@@ -190,6 +190,45 @@ TEST_F(AccessPathTest, PlansNameTheirPaths) {
   EXPECT_EQ(file_.Explain("Select * From T Where G > 5"), "T: scan; where G > 5\n");
 }
 
+TEST_F(AccessPathTest, ExplainBeforeAStatementGivesThePlanAsRowsAndRunsNothing) {
+  EXPECT_EQ(file_.Rows("Explain Select * From T Where D > 45000 Order By B"),
+            (Texts{"T: index D, D from 45000; where D > 45000", "sort in memory"}));
+  const Texts before = file_.Rows("Select * From T");
+  EXPECT_EQ(file_.Rows("EXPLAIN\n Delete From T Where ID = 5"), (Texts{"T: index PrimaryKey, ID = 5; where ID = 5"}));
+  EXPECT_EQ(file_.Rows("Select * From T"), before);
+  EXPECT_EQ(file_.Rows("Explain Create Table V (X Long)"), (Texts{"definition, no plan"}));
+  EXPECT_EQ(NumberOf(file_.Refused("Explain Select Nothing From T")), 0x80040E10U);
+  EXPECT_EQ(NumberOf(file_.Refused("Explain")), 0x80040E14U);
+}
+
+TEST_F(AccessPathTest, OuterJoinsNestedDeeplyInInnerJoinsArePlannedOnce) {
+  // A plan of each part anew in each place of each order would take longer than anybody waits.
+  std::string from = "(T As T0 Left Join U As U0 On T0.A = U0.X)";
+  for (int i = 1; i < 11; ++i) {
+    const std::string n = std::to_string(i);
+    from = "(" + from + " Inner Join (T As T" + n + " Left Join U As U" + n + " On T" + n + ".A = U" + n +
+           ".X) On T0.ID = T" + n + ".ID)";
+    if (i % 2 == 0) from = "(" + from + " Left Join U As V" + n + " On V" + n + ".X = T0.ID + 1000)";
+  }
+  const std::string text = "Select Count(*) From " + from + " Where T0.ID = 3";
+  EXPECT_EQ(file_.Rows(text).size(), 1U);
+}
+
+TEST_F(AccessPathTest, AnIndexInMemoryIsBuiltWhenPlansWithoutItHaveCostAsMuch) {
+  const std::string text = "Select ID From T Where H > 3 And G = 7";
+  for (int i = 0; i < 20; ++i) memory_->Rows("Select ID From T Where G = " + std::to_string(i) + " And E > 1");
+  EXPECT_NE(memory_->GetSession().Explain("Select ID From T Where G = 25 And E > 1").find("index in memory"),
+            std::string::npos);
+  ExpectSameRows(text);
+}
+
+TEST_F(AccessPathTest, AConditionOverAnOuterJoinWithinInnerJoinsHolds) {
+  for (const char* where : {"T.A + U.X > 10", "U.X Is Null", "V.X = T.A And U.Y = V.Y", "Not (U.X > V.X)"}) {
+    ExpectSameRows("Select T.ID, U.X, V.X From (T Left Join U On T.A = U.X) Inner Join U As V On T.G = V.X Where " +
+                   std::string(where) + " Order By T.ID, U.X, U.Y, V.X, V.Y");
+  }
+}
+
 TEST_F(AccessPathTest, ValuesOfAnotherKindAreLeftToTheComparison) {
   EXPECT_EQ(NumberOf(file_.Refused("Select * From T Where A = 'five'")), 0x80040E07U);
   EXPECT_EQ(NumberOf(file_.Refused("Select * From T Where C = 5")), 0x80040E07U);

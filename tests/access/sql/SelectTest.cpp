@@ -169,6 +169,14 @@ TEST_F(SelectTest, UnionsDropRepetitionsUnlessAll) {
             (Texts{"1", "2", "1"}));
 }
 
+TEST_F(SelectTest, AUnionOfManySelectsDropsRepetitionsUpToEachUnion) {
+  EXPECT_EQ(file_.Rows("Select 1 As N Union All Select 1 Union Select 1 Union All Select 1 Union All Select 2"),
+            (Texts{"1", "1", "2"}));
+  std::string many = "Select 0 As N";
+  for (int i = 1; i < 120; ++i) many += " Union All Select " + std::to_string(i % 7);
+  EXPECT_EQ(file_.Rows(many + " Order By N").size(), 120U);
+}
+
 TEST_F(SelectTest, DistinctRowDropsRepetitionsThatTheOtherTableMakes) {
   EXPECT_EQ(Rows("Select DistinctRow FirstName From Members Inner Join Results "
                  "On Members.MembershipNumber = Results.Player"),
