@@ -131,8 +131,8 @@ std::optional<Date> TodayOf(const Choices& choices) {
 
 }  // namespace
 
-int RunCommandLine(std::vector<std::string> arguments, std::ostream& out, std::ostream& error, bool outputIsTerminal,
-                   bool errorIsTerminal) {
+int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal) {
+  std::ostream& error = terminal.error;
   Choices choices;
   CLI::App app("Keeps a bridge club's members, results, master points and handicaps in its file ClubMembers.mdb.",
                "tavi");
@@ -147,14 +147,17 @@ int RunCommandLine(std::vector<std::string> arguments, std::ostream& out, std::o
   try {
     std::reverse(arguments.begin(), arguments.end());
     app.parse(arguments);
-    Context context{out, error};
-    context.format = choices.json ? OutputFormat::Json : outputIsTerminal ? OutputFormat::Table : OutputFormat::Tabs;
-    context.showProgress = errorIsTerminal;
+    Context context{terminal.in, terminal.out, error};
+    context.inputIsTerminal = terminal.inputIsTerminal;
+    context.format = choices.json                ? OutputFormat::Json
+                     : terminal.outputIsTerminal ? OutputFormat::Table
+                                                 : OutputFormat::Tabs;
+    context.showProgress = terminal.errorIsTerminal;
     context.folder = choices.folder;
     context.platform = MakePlatform({TodayOf(choices)});
     return choices.action(context);
   } catch (const CLI::ParseError& problem) {
-    return app.exit(problem, out, error) == 0 ? kSucceeded : kWrongUse;
+    return app.exit(problem, terminal.out, error) == 0 ? kSucceeded : kWrongUse;
   } catch (const Error& problem) {
     error << "tavi: " << PrintableLines(problem.Description()) << '\n';
   } catch (const std::exception& problem) {

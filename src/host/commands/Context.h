@@ -10,11 +10,13 @@
 
 namespace tavi::host {
 
-/// What every subcommand is given: where to write, how, which club, and the outside world.
+/// What every subcommand is given: where to read and write, how, which club, and the outside world.
 struct Context {
+  std::istream& in;
   std::ostream& out;
   std::ostream& error;
   OutputFormat format = OutputFormat::Table;
+  bool inputIsTerminal = false;
   bool showProgress = false;
   std::string folder{};  ///< the club's folder; empty: the one that the component finds
   std::shared_ptr<const Platform> platform{};

@@ -1,8 +1,6 @@
 #include "host/text/ProgressBar.h"
 
 #include <fmt/format.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <ostream>
 
@@ -13,13 +11,6 @@ namespace {
 constexpr std::size_t kBarWidth = 30;
 constexpr const char* kClearLine = "\r\x1b[K";
 }  // namespace
-
-bool OutputIsTerminal() {
-  return isatty(STDOUT_FILENO) == 1;
-}
-bool ErrorIsTerminal() {
-  return isatty(STDERR_FILENO) == 1;
-}
 
 ProgressBar::~ProgressBar() {
   if (!shown_.empty()) out_ << kClearLine << std::flush;

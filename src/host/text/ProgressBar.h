@@ -6,10 +6,6 @@
 
 namespace tavi::host {
 
-/// True when standard output, or standard error, is a terminal.
-bool OutputIsTerminal();
-bool ErrorIsTerminal();
-
 /// Shows on a terminal how far a long piece of work has come, on one line that is rewritten and finally cleared. Writes
 /// nothing when `visible` is false.
 class ProgressBar {

@@ -45,8 +45,10 @@ int MakeSample(Context context, const std::string& from) {
   const std::vector<std::string> files = ResultFiles(from);
   if (context.folder.empty()) context.folder = NewFolder();
   std::ostringstream unshown;
-  const Context quiet{unshown,        context.error,   OutputFormat::Tabs, context.showProgress,
-                      context.folder, context.platform};
+  Context quiet{context.in, unshown, context.error};
+  quiet.showProgress = context.showProgress;
+  quiet.folder = context.folder;
+  quiet.platform = context.platform;
   MakeClub(quiet, {"Sample Bridge Club", ""});
   ImportMembers(quiet, (std::filesystem::path(from) / "members.csv").string());
   ImportPairs(quiet, (std::filesystem::path(from) / "pairs.csv").string());

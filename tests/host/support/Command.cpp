@@ -37,12 +37,13 @@ std::string CommandFolder::Write(const std::string& name, const std::string& con
   return Path(name);
 }
 
-Outcome CommandFolder::Run(std::vector<std::string> arguments) const {
+Outcome CommandFolder::Run(std::vector<std::string> arguments, const std::string& input) const {
   arguments.insert(arguments.begin(), {"--db", Club(), "--today", "2026-01-15"});
+  std::istringstream in(input);
   std::ostringstream out;
   std::ostringstream error;
   Outcome outcome;
-  outcome.code = RunCommandLine(std::move(arguments), out, error, false, false);
+  outcome.code = RunCommandLine(std::move(arguments), Terminal{in, out, error});
   outcome.out = out.str();
   outcome.error = error.str();
   return outcome;

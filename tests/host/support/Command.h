@@ -27,8 +27,8 @@ class CommandFolder {
   [[nodiscard]] std::string ClubFile() const { return Path("club/ClubMembers.mdb"); }
   /// Writes a file into the folder and gives its path.
   std::string Write(const std::string& name, const std::string& content) const;
-  /// Runs the command on the club, as if its output went into a file.
-  [[nodiscard]] Outcome Run(std::vector<std::string> arguments) const;
+  /// Runs the command on the club with `input` on its standard input, as if its output went into a file.
+  [[nodiscard]] Outcome Run(std::vector<std::string> arguments, const std::string& input = "") const;
   /// The tab-separated rows of a statement, without the header.
   [[nodiscard]] std::vector<std::string> Query(const std::string& statement) const;
 
