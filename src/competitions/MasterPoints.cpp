@@ -2,6 +2,7 @@
 
 #include "competitions/CompetitionAttributes.h"
 #include "platform/values/Convert.h"
+#include "store/OpenUse.h"
 
 namespace tavi {
 namespace {
@@ -12,11 +13,16 @@ constexpr std::int32_t kNoMember = -1;
 
 void AddMasterPoints(cDatabase& database, const MasterPointAward& award, const Competitors& players) {
   if (award.MasterPoints == 0.0) return;
-  database.OpenDB();
-  const CompetitionAttributes attributes = ReadCompetitionAttributes(database, award.CompetitionID);
-  InsertMasterPointsRow(database, award, players.Player1ID, players.P1Name);
-  if (!attributes.Individual) InsertMasterPointsRow(database, award, players.Player2ID, players.P2Name);
-  database.CloseDB(false);
+  OpenUse use(database);
+  try {
+    const CompetitionAttributes attributes = ReadCompetitionAttributes(database, award.CompetitionID);
+    InsertMasterPointsRow(database, award, players.Player1ID, players.P1Name);
+    if (!attributes.Individual) InsertMasterPointsRow(database, award, players.Player2ID, players.P2Name);
+  } catch (...) {
+    use.KeepOpen();
+    throw;
+  }
+  use.Close();
 }
 
 void InsertMasterPointsRow(cDatabase& database, const MasterPointAward& award, std::int32_t MemberID,

@@ -162,12 +162,12 @@ void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult&
 }
 
 void ResultUpdate::UpdateResult(cDatabase& database, const CompetitorResult& result, std::int16_t MasterPoints) {
-  database.OpenDB();
+  OpenUse use(database);
   ReadCompetitionColour(database, result.CompetitionID);
   for (;;) {
     try {
       NoteAndAward(*this, database, result, MasterPoints);
-      database.CloseDB(false);
+      use.Close();
       return;
     } catch (const std::exception&) {
       // Older scoring programs rely on the repetition; one that cannot end is theirs to avoid.

@@ -31,10 +31,11 @@ std::string InsertStatement(const HandiCalcSettings& settings) {
 
 void HeldSettings::LoadHandicalcSettings(cDatabase& database) {
   if (held_) return;
-  held_ = std::make_shared<HandiCalcSettings>();
+  auto settings = std::make_shared<HandiCalcSettings>();
   OpenUse use(database);
   const auto row = database.OpenRecordset("HandicalcSettings", ado::CursorType::ForwardOnly, true);
-  if (!row->AtEnd()) ReadRow(*row, *held_);
+  if (!row->AtEnd()) ReadRow(*row, *settings);
+  held_ = std::move(settings);
 }
 
 HandiCalcSettings& HeldSettings::Require() const {

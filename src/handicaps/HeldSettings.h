@@ -11,8 +11,7 @@ namespace tavi {
 /// the object's life. Errors of the store pass on.
 class HeldSettings {
  public:
-  /// Reads the settings unless some are held. When reading fails, what was read until then (or the defaults) is held
-  /// all the same.
+  /// Reads the settings unless some are held. When reading fails, none are held and the next use reads them again.
   void LoadHandicalcSettings(cDatabase& database);
   /// Null while none were read or stored.
   [[nodiscard]] std::shared_ptr<const HandiCalcSettings> Held() const { return held_; }

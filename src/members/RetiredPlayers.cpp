@@ -1,6 +1,5 @@
 #include "members/RetiredPlayers.h"
 
-#include <algorithm>
 #include <limits>
 #include <string>
 
@@ -16,15 +15,18 @@ void RetireFrom(cDatabase& store, std::int32_t memberNumber) {
 
 void RetiredPlayers::Add(std::int32_t memberNumber) {
   using Limits = std::numeric_limits<std::int16_t>;
-  if (memberNumber >= Limits::min() && memberNumber <= Limits::max()) {
+  const bool isListed = memberNumber >= Limits::min() && memberNumber <= Limits::max();
+  if (isListed && list_.Count() < Limits::max()) {
     list_.Add(static_cast<std::int16_t>(memberNumber));
-  } else if (std::find(beyondList_.begin(), beyondList_.end(), memberNumber) == beyondList_.end()) {
-    beyondList_.push_back(memberNumber);
+  } else {
+    beyondList_.insert(memberNumber);
   }
 }
 
 void RetiredPlayers::RetireFromPartnerships(cDatabase& store) const {
-  for (std::int16_t position = 1; position <= list_.Count(); ++position) RetireFrom(store, list_.Item(position));
+  for (std::int32_t position = 1; position <= list_.Count(); ++position) {
+    RetireFrom(store, list_.Item(static_cast<std::int16_t>(position)));
+  }
   for (const std::int32_t number : beyondList_) RetireFrom(store, number);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
+#include <set>
 
 #include "store/cDatabase.h"
 #include "util/cIntegerList.h"
@@ -17,7 +17,7 @@ class RetiredPlayers {
 
  private:
   cIntegerList list_;
-  std::vector<std::int32_t> beyondList_;  // numbers that a 16-bit list cannot hold
+  std::set<std::int32_t> beyondList_;  // numbers that a 16-bit list, or a full one, cannot hold
 };
 
 }  // namespace tavi

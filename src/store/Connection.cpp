@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "platform/values/Text.h"
+#include "store/OpenUse.h"
 #include "store/cDatabase.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
@@ -11,6 +12,7 @@ namespace {
 
 constexpr const char* kSource = "cDatabase";
 constexpr const char* kFileName = "ClubMembers.mdb";
+constexpr std::int16_t kMostUses = std::numeric_limits<std::int16_t>::max();
 constexpr const char* kConnectionText = "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=";
 
 /// Counts one use less while another error is on its way, which must stay the one that is seen.
@@ -60,11 +62,9 @@ void cDatabase::OpenDB() {
   if (folder_.empty()) {
     throw Error(ErrorNumber::Component, kSource, "Attempt to use database before path set.");
   }
-  if (openCount_ == std::numeric_limits<std::int16_t>::max()) {
-    throw Error(ErrorNumber::Overflow, kSource, "Overflow: the membership database was opened too often; close it.");
-  }
   if (openCount_ == 0) OpenConnection();
-  ++openCount_;
+  // A host that never closes what its calculations leave open must not fail in the middle of an evening.
+  if (openCount_ < kMostUses) ++openCount_;
   if (!layoutCheckPending_) return;
   layoutCheckPending_ = false;
   try {
@@ -85,14 +85,9 @@ void cDatabase::CloseDB(bool ForceClose) {
 }
 
 void cDatabase::Execute(std::string_view CommandString) {
-  OpenDB();
-  try {
-    connection_->Execute(CommandString);
-  } catch (...) {
-    CloseQuietly(*this, false);
-    throw;
-  }
-  CloseDB(false);
+  OpenUse use(*this);
+  connection_->Execute(CommandString);
+  use.Close();
 }
 
 std::unique_ptr<ado::Recordset> cDatabase::OpenRecordset(std::string_view SQL, ado::CursorType CursorType,

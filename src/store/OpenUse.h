@@ -9,7 +9,12 @@ namespace tavi {
 class OpenUse {
  public:
   /// Raises what OpenDB raises.
-  explicit OpenUse(cDatabase& database) : database_(database) { database_.OpenDB(); }
+  explicit OpenUse(cDatabase& database) : database_(database) {
+    const std::int16_t before = database_.OpenCount();
+    database_.OpenDB();
+    // At its end the count stands still: what was not counted is not counted down either.
+    counted_ = database_.OpenCount() > before;
+  }
   ~OpenUse() {
     try {
       if (counted_) database_.CloseDB(false);
@@ -22,6 +27,7 @@ class OpenUse {
 
   /// Counts down now; errors of closing the file reach the caller.
   void Close() {
+    if (!counted_) return;
     counted_ = false;
     database_.CloseDB(false);
   }
@@ -30,7 +36,7 @@ class OpenUse {
 
  private:
   cDatabase& database_;
-  bool counted_ = true;
+  bool counted_ = false;
 };
 
 }  // namespace tavi

@@ -69,7 +69,8 @@ class cDatabase {
   [[nodiscard]] static std::string EBUMembersTable();
   /// Opens the file or counts one more use. The first open after the folder was set checks the layout and refreshes
   /// the uniqueness flags. Raises "Attempt to use database before path set." and "Failed to open membership database
-  /// ..."; after an error the count is as before.
+  /// ..."; after an error the count is as before. The count has 16 bits: at 32767 the file stays open and the count
+  /// stands still.
   void OpenDB();
   /// Counts one use less, or all of them, and closes the file at zero. On a closed store it does nothing.
   void CloseDB(bool ForceClose);

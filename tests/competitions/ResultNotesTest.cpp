@@ -105,6 +105,14 @@ TEST_F(ResultNotesTest, InAnIndividualCompetitionThereIsNoPartner) {
   EXPECT_EQ(club_.Rows("Select MembershipNumber From MasterPoints"), (Texts{"2"})) << "the partner's award stays";
 }
 
+TEST_F(ResultNotesTest, RetiredMembersAndInactivePairsGetTheirHandicapsToo) {
+  club_->DeleteMember(1);
+  club_->DeletePair(1, 2);
+  club_->NoteCompetitorResult(Register(true), 1, "", 2, "", 55.0, 60.0);
+  EXPECT_EQ(MemberHandicaps(), (Texts{"55", "55", "43", "44"}));
+  EXPECT_EQ(PairHandicaps(), (Texts{"55"}));
+}
+
 TEST_F(ResultNotesTest, AMemberWithAVisitorIsCalculatedAlone) {
   club_->NoteCompetitorResult(Register(true), -1, "Sam Fox", 3, "", 55.0, 60.0);
   EXPECT_EQ(Results(), (Texts{"-1 | 3 | 55 | 60"}));

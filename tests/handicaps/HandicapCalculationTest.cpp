@@ -75,6 +75,19 @@ TEST_F(HandicapCalculationTest, ACalculationLeavesTheFileOpenOnceMore) {
   EXPECT_EQ(club_.OpenCount(), 2);
 }
 
+TEST_F(HandicapCalculationTest, ACalculationTooManyLeavesTheOpenCountAtItsLargestNumber) {
+  constexpr int kMostUses = 32767;
+  settings_->SetRegularPairAdd(1.0);
+  ThreadStore()->MakeRegularPartnership(1, 2, 50.0, false, "");
+  for (int count = 1; count < kMostUses; ++count) club_->OpenDatabase();
+  for (int count = 0; count < 3; ++count) EXPECT_EQ(OfPair(), 51.0);
+  EXPECT_EQ(club_.OpenCount(), kMostUses);
+  EXPECT_EQ(club_->GetHandicap(1), 40.0) << "operations go on";
+  EXPECT_EQ(club_.OpenCount(), kMostUses);
+  club_->CloseDatabase();
+  EXPECT_EQ(club_.OpenCount(), 0);
+}
+
 TEST_F(HandicapCalculationTest, TwoNonMembersDoNotOpenTheFile) {
   settings_->SetUnknownPlayerHandicap(46.12345);
   const Handicaps pair = Calculate(-1, -1);

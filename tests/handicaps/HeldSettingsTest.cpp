@@ -60,20 +60,22 @@ TEST_F(HeldSettingsTest, AFileWithoutTheColumnDisabledIsReadAsNotDisabled) {
   EXPECT_FALSE(club_->HandiCalcDisabled());
 }
 
-TEST_F(HeldSettingsTest, AnEmptyColumnIsAnErrorAndWhatWasReadBeforeIsHeld) {
+TEST_F(HeldSettingsTest, AnEmptyColumnIsAnErrorAndTheNextUseReadsTheRowAgain) {
   StoreRow("52, 10, 75, Null, 0, 40, 1");
   EXPECT_THROW(static_cast<void>(club_->HandicalcOptions()), Error);
-  const HandiCalcSettings held = club_->HandicalcOptions();
-  EXPECT_EQ(held.MaxWeeks(), 52);
-  EXPECT_EQ(held.UnknownPlayerHandicap(), 50.0);
+  EXPECT_THROW(static_cast<void>(club_->HandicalcOptions()), Error) << "nothing half-read is held";
+  club_.Execute("Update HandicalcSettings Set RegularPairMultiplier = 0.9");
+  EXPECT_EQ(club_->HandicalcOptions().RegularPairMultiplier(), 0.9);
 }
 
-TEST_F(HeldSettingsTest, AFileThatCannotBeReadLeavesTheDefaultsHeld) {
+TEST_F(HeldSettingsTest, AFileThatCouldNotBeReadIsReadAgainByTheNextUse) {
+  StoreRow("52, 10, 75, 1, 0, 40, 0");
   const std::string folder = club_->DatabaseFolder();
   club_->SetDatabaseFolder(club_.Folder().Path("nowhere"));
   EXPECT_THROW(static_cast<void>(club_->HandicalcOptions()), Error);
-  EXPECT_EQ(club_->HandicalcOptions().MaxWeeks(), 0);
+  EXPECT_THROW(club_->SetHandiCalcDisabled(true), Error) << "no settings are held";
   club_->SetDatabaseFolder(folder);
+  EXPECT_EQ(club_->HandicalcOptions().MaxWeeks(), 52);
 }
 
 TEST_F(HeldSettingsTest, StoringReplacesTheRow) {

@@ -3,6 +3,7 @@
 #include "members/ClubIdentity.h"
 #include "members/Members.h"
 #include "members/Pairs.h"
+#include "members/RetiredPlayers.h"
 #include "store/support/FakeFile.h"
 
 namespace tavi {
@@ -237,6 +238,19 @@ TEST_F(MemberStatementsTest, ChangesOfAPairAreSingleStatements) {
       Statements(),
       (Texts{"Update Partnerships set Active = 0 Where LowerPlayer = 3 And HigherPlayer = 7",
              "Update Partnerships Set Handicap = 51.5 Where LowerPlayer = 3 And HigherPlayer = 7 And Active <> 0"}));
+}
+
+TEST_F(MemberStatementsTest, RetiredPlayersArePartedFromTheirPairsHoweverManyTheyAre) {
+  constexpr std::int32_t kMany = 20'000;
+  RetiredPlayers players;
+  for (std::int32_t number = -kMany; number <= kMany; ++number) players.Add(number);
+  for (const std::int32_t number : {70'000, 70'000, -70'000}) players.Add(number);
+  players.RetireFromPartnerships(store_);
+  const Texts statements = Statements();
+  ASSERT_EQ(statements.size(), 2U * kMany + 3U) << "one for each player";
+  EXPECT_EQ(statements.front(),
+            "Update Partnerships set Active = 0 where LowerPlayer = -20000 Or HigherPlayer = -20000");
+  EXPECT_EQ(statements.back(), "Update Partnerships set Active = 0 where LowerPlayer = 70000 Or HigherPlayer = 70000");
 }
 
 TEST_F(MemberStatementsTest, ErrorsOfTheProviderPassUnchangedAndTheFileIsClosed) {

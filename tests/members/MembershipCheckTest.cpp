@@ -51,6 +51,19 @@ TEST_F(MembershipCheckTest, AnUnknownPlayerIsEnrolledWithTheZeroDateAndAnsweredM
   EXPECT_EQ(club_->GetHandicap(40), 52.0);
 }
 
+TEST_F(MembershipCheckTest, TheParIsStoredAsHandicapAndThePolicysAmountAsOwing) {
+  SetPolicy("0", "Null");
+  EXPECT_EQ(club_->CheckMembershipID(40, "Ann Lee", 0.25, retired_), -1);
+  EXPECT_EQ(club_.Rows("Select Handicap, AmountOwing From Members Where MembershipNumber = 40"),
+            (Texts{"0.25 | 25.5"}));
+}
+
+TEST_F(MembershipCheckTest, TheNumberMinusOneEnrolsUnderTheNextFreeNumber) {
+  EXPECT_EQ(club_->CheckMembershipID(-1, "Ann Lee", 50.0, retired_), -1);
+  EXPECT_EQ(club_->FindMember("Ann Lee"), 2);
+  EXPECT_EQ(club_->CheckMembershipID(-1, "Ann Lee", 50.0, retired_), 2) << "the name is known by now";
+}
+
 TEST_F(MembershipCheckTest, AFixedDayIsThisYearsOrTheNextOnes) {
   SetPolicy("1", "#2001-12-24#");
   static_cast<void>(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_));

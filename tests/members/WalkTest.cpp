@@ -77,6 +77,13 @@ TEST_F(WalkTest, GivesPairsInTheOrderOfEntryWithBothNames) {
                                 "John Smith | Bob Dale | John Smith & Bob Dale | Bob Dale & John Smith"}));
 }
 
+TEST_F(WalkTest, ShowsNamesAsIfFirstNameAndSurnameWereNeeded) {
+  constexpr std::int16_t kFirstNameAndAsMuchAsIsNeeded = 8;
+  EXPECT_EQ(club_.Rows("Select UniquenessFlag From Members Where MembershipNumber = 3"), (Texts{"4"}));
+  EXPECT_EQ(club_->GetMemberName(3, kFirstNameAndAsMuchAsIsNeeded), "Bob D") << "by the stored flag";
+  EXPECT_EQ(WalkMembers(kFirstNameAndAsMuchAsIsNeeded).back(), "3 Bob Dale");
+}
+
 TEST_F(WalkTest, OfPairsLeavesTheCallersParScoreAlone) {
   par_ = 12.5;
   EXPECT_EQ(WalkPairs().size(), 2U);

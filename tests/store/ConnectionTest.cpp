@@ -100,10 +100,18 @@ TEST_F(StoreConnectionTest, ClosingAClosedStoreDoesNothing) {
   EXPECT_EQ(fake_.file->closes, 0);
 }
 
-TEST_F(StoreConnectionTest, TheOpenCountOverflowsInsteadOfWrapping) {
+TEST_F(StoreConnectionTest, TheOpenCountStandsStillAtItsLargestNumber) {
   for (int count = 0; count < 32767; ++count) store_.OpenDB();
-  EXPECT_TRUE(ErrorOf([&] { store_.OpenDB(); }).Is(ErrorNumber::Overflow));
+  store_.OpenDB();
   EXPECT_EQ(store_.OpenCount(), 32767);
+  store_.Execute("Delete from Results");
+  { const OpenUse use(store_); }
+  EXPECT_EQ(store_.OpenCount(), 32767) << "what was not counted is not counted down";
+  store_.CloseDB(false);
+  EXPECT_EQ(store_.OpenCount(), 32766);
+  store_.CloseDB(true);
+  EXPECT_EQ(fake_.file->opens, 1);
+  EXPECT_EQ(fake_.file->closes, 1);
 }
 
 TEST_F(StoreConnectionTest, DestroyingAStoreClosesItsFile) {

@@ -54,6 +54,16 @@ TEST_F(RealFileTest, AMissingColumnIsAddedAndEveryMemberGetsItsDefault) {
   EXPECT_THAT(Titles(), IsEmpty());
 }
 
+TEST_F(RealFileTest, ColumnsAddedAsIntegerHold32Bits) {
+  club_.Prepare({"Alter Table Members Drop Column Stratum", "Alter Table MasterPoints Drop Column SessionNo",
+                 "Alter Table Competitions Drop Column NumberOfTables"});
+  Open();
+  constexpr auto kLong = static_cast<std::int32_t>(ado::DataType::Integer);
+  EXPECT_EQ(club_.ColumnTypes("Members")["Stratum"], kLong);
+  EXPECT_EQ(club_.ColumnTypes("MasterPoints")["SessionNo"], kLong);
+  EXPECT_EQ(club_.ColumnTypes("Competitions")["NumberOfTables"], kLong);
+}
+
 TEST_F(RealFileTest, AFileWithoutTheGoverningBodysTableGetsItWithoutAMessage) {
   club_.Prepare({"Drop Table EBUMembershipList"});
   Open();
