@@ -27,6 +27,8 @@ constexpr std::size_t kMarkOffset = 0x40;
 constexpr std::size_t kMarkChecksumOffset = 0x48;
 constexpr std::size_t kMarkedSize = 8;
 constexpr std::size_t kMarkSize = 16;
+constexpr std::size_t kAppliedOffset = 0x50;
+constexpr std::size_t kAppliedSize = 8;
 
 constexpr std::uint32_t kStatementMagic = 0x544D5453;  // "STMT"
 constexpr std::size_t kStatementCountOffset = 0x04;
@@ -119,6 +121,7 @@ RedoLog::News RedoLog::TakeIn(std::vector<PageNumber>& changed) {
     const bool isBlank = std::all_of(header.begin(), header.end(), [](std::uint8_t byte) { return byte == 0; });
     if (isBlank || !TakeInHeader()) return BecomeEmpty(!isBlank);
   }
+  if (IsApplied()) return BecomeEmpty(false);
   const bool more = fileSize_ > end_ && salt_ != ignored_ && TakeInStatements(fileSize_, changed);
   if (!isSame || isFirstSight) return News::Replaced;
   return more ? News::Statements : News::None;
@@ -244,6 +247,11 @@ bool RedoLog::ApplyingHasBegun() const {
          GetLittle<std::uint64_t>(mark, kMarkedSize) == Checksum(salt_, mark.first(kMarkedSize));
 }
 
+bool RedoLog::IsApplied() const {
+  const auto mark = std::span<const std::uint8_t>(header_).subspan(kMarkOffset, kMarkSize);
+  return GetLittle<std::uint64_t>(header_, kAppliedOffset) == Checksum(salt_, mark);
+}
+
 bool RedoLog::BelongsTo(File& database) {
   Page stored(0);
   const std::uint64_t size = database.Size();
@@ -365,6 +373,14 @@ void RedoLog::MarkApplying() {
   folderIsDurable_ = true;
 }
 
+// Not flushed: where it gets lost the log is applied once more, which changes nothing.
+void RedoLog::MarkApplied() {
+  const auto mark = std::span<const std::uint8_t>(header_).subspan(kMarkOffset, kMarkSize);
+  const auto applied = std::span<std::uint8_t>(header_).subspan(kAppliedOffset, kAppliedSize);
+  PutLittle<std::uint64_t>(applied, 0, Checksum(salt_, mark));
+  file_->WriteAt(kAppliedOffset, applied);
+}
+
 void RedoLog::ApplyTo(File& database) {
   MarkApplying();
   // New pages first: a full disk is then met before any old page is touched.
@@ -388,6 +404,7 @@ void RedoLog::ApplyTo(File& database) {
   const std::uint64_t size = std::uint64_t{pageCount_} * kPageSize;
   if (database.Size() != size) database.Truncate(size);
   database.Sync();
+  MarkApplied();
 }
 
 void RedoLog::Reset(const LogOwner& owner) {
@@ -400,7 +417,7 @@ void RedoLog::Reset(const LogOwner& owner) {
 }
 
 void RedoLog::Remove() {
-  const bool hadStatements = HasStatements();
+  const bool hadStatements = fileSize_ > kHeaderSize;
   file_.reset();
   Forget();
   fileSystem_.Remove(path_);

@@ -28,10 +28,11 @@ namespace tavi::access {
 //   0x28    16    0
 //   0x38    8     checksum of bytes 0x00-0x37, seed 0
 //
-//   Applying mark, 32 bytes at offset 0x40: all 0 until a checkpoint begins to write the database
-//   0x40    8     offset of the log's end at that time
+//   Marks of a checkpoint, 32 bytes at offset 0x40: all 0 until one begins to write the database
+//   0x40    8     applying: offset of the log's end at that time
 //   0x48    8     checksum of the 8 bytes before, seed = salt
-//   0x50    16    0
+//   0x50    8     applied: checksum of the 16 bytes before, seed = salt; written when the database has been flushed
+//   0x58    8     0
 //
 //   From offset 0x60 on: statements, back to back. A statement with n pages, 40 + n x (16 + 4096) bytes:
 //   +0x00   4     "STMT"
@@ -61,11 +62,12 @@ namespace tavi::access {
 //   1090  d1 d2 d3 d4 d5 d6 d7 d8                           statement checksum; the end is at 0x1098
 //
 // Which statements count: the longest run from 0x60 on in which every chain and checksum is right. What follows is the
-// torn end of a statement that was not finished; it does not count and the next one is written over it.
+// torn end of a statement that was not finished; it does not count and the next one is written over it. None counts in
+// a log that is marked as applied: the database has them all, and other programs may have changed it since.
 //
 // What is durable when: appending flushes nothing. A checkpoint sets the mark and flushes the log before it touches the
-// database, and flushes the database before the log goes; so whenever the mark is there and the run reaches the offset
-// in it, the database may hold any mixture of old and new pages, and the log holds all new ones. While the mark is
+// database, and flushes the database before the log goes; so whenever the applying mark is there and the run reaches
+// the offset in it, the database may hold any mixture of old and new pages, and the log holds all new ones. While it is
 // absent the database is as it was when the log was begun, and a log whose checksums of old pages disagree with it is
 // not its own.
 
@@ -167,7 +169,9 @@ class RedoLog {
   std::uint64_t WriteStatement(std::span<const StatementPage> pages, PageNumber pageCount);
   void Remember(PageNumber number, std::uint64_t imageOffset, std::uint64_t before);
   void MarkApplying();
+  void MarkApplied();
   [[nodiscard]] bool ApplyingHasBegun() const;
+  [[nodiscard]] bool IsApplied() const;
   [[nodiscard]] std::string FreeSetAsidePath() const;
   void CopyTo(const std::string& path);
 

@@ -172,10 +172,18 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x40), 0x1098u);
   EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x48),
             Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x40, 8)));
-  // Its old pages are gone, but the mark says why.
-  EXPECT_TRUE(log.BelongsTo(*database));
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x50),
+            Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x40, 16)));
+  // What is applied does not count any more.
+  EXPECT_EQ(log.TakeIn(changed_), RedoLog::News::Replaced);
+  EXPECT_FALSE(log.HasStatements());
+  // Before that its old pages may be gone, but the mark says why.
+  auto applying = memory_.Contents(kLog);
+  std::fill(applying.begin() + 0x50, applying.begin() + 0x60, std::uint8_t{0});
+  memory_.SetContents(kLog, applying);
   RedoLog other(memory_, kPath, false);
   static_cast<void>(other.TakeIn(changed_));
+  EXPECT_TRUE(other.HasStatements());
   EXPECT_TRUE(other.BelongsTo(*database));
   // Without the mark it is a log of another state.
   auto unmarked = memory_.Contents(kLog);
@@ -183,6 +191,7 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   memory_.SetContents(kLog, unmarked);
   RedoLog third(memory_, kPath, false);
   static_cast<void>(third.TakeIn(changed_));
+  EXPECT_TRUE(third.HasStatements());
   EXPECT_FALSE(third.BelongsTo(*database));
 }
 

@@ -127,6 +127,7 @@ TEST(Collation, CombiningMarksAddToTheLetterBefore) {
 
 TEST(Collation, AMarkInFrontOfEverythingIsNoElement) {
   EXPECT_EQ(KeyHex("\u0301a-"), "4A 01 0C 01 01 01 80 0B 06 82 00");
+  EXPECT_EQ(KeyHex("\u0301\u0301a"), "4A 01 18 00");
 }
 
 TEST(Collation, IgnoredCharactersLeaveNoTrace) {
