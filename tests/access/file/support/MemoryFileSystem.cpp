@@ -29,29 +29,31 @@ class MemoryFile final : public File {
   MemoryFile& operator=(const MemoryFile&) = delete;
 
   void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
-    if (EndOf(offset, target.size()) > node_->bytes.size())
+    if (EndOf(offset, target.size()) > node_->bytes.Size())
       RaiseFailure("Could not read '" + path_ + "': the file ends.");
-    std::copy_n(node_->bytes.begin() + static_cast<std::ptrdiff_t>(offset), target.size(), target.begin());
+    node_->bytes.Read(offset, target);
   }
 
   void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> source) override {
     RequireWritable();
-    const std::uint64_t size = node_->bytes.size();
+    const std::uint64_t size = node_->bytes.Size();
     const std::uint64_t growth = offset + source.size() > size ? offset + source.size() - size : 0;
     const std::uint64_t room = system_.capacity_ - std::min(system_.capacity_, system_.BytesUsed());
     const bool fits = growth <= room;
     if (!fits)
       source =
           source.first(source.size() - static_cast<std::size_t>(std::min<std::uint64_t>(growth - room, source.size())));
-    if (!source.empty()) Change(MemoryFileSystem::WriteChange{offset, {source.begin(), source.end()}});
+    if (!source.empty()) {
+      Change({offset, std::make_shared<const MemoryFileSystem::Bytes>(source.begin(), source.end())});
+    }
     if (!fits) RaiseFailure("Could not write '" + path_ + "': No space left on device.");
   }
 
-  std::uint64_t Size() override { return node_->bytes.size(); }
+  std::uint64_t Size() override { return node_->bytes.Size(); }
 
   void Truncate(std::uint64_t size) override {
     RequireWritable();
-    Change(MemoryFileSystem::TruncateChange{size});
+    Change({size, nullptr});
   }
 
   void Sync() override {
@@ -116,15 +118,12 @@ class MemoryFile final : public File {
   bool isReadOnly_;
 };
 
-void MemoryFileSystem::Apply(const Change& change, Bytes& bytes) {
-  if (const auto* truncate = std::get_if<TruncateChange>(&change)) {
-    bytes.resize(static_cast<std::size_t>(truncate->size));
-    return;
+void MemoryFileSystem::Apply(const Change& change, SharedBytes& bytes) {
+  if (change.bytes == nullptr) {
+    bytes.Resize(change.offset);
+  } else {
+    bytes.Write(change.offset, *change.bytes);
   }
-  const auto& write = std::get<WriteChange>(change);
-  const std::size_t end = static_cast<std::size_t>(write.offset) + write.bytes.size();
-  if (bytes.size() < end) bytes.resize(end);
-  std::copy(write.bytes.begin(), write.bytes.end(), bytes.begin() + static_cast<std::ptrdiff_t>(write.offset));
 }
 
 std::shared_ptr<MemoryFileSystem::Node> MemoryFileSystem::Find(const std::string& path) const {
@@ -193,18 +192,18 @@ void MemoryFileSystem::Pause(std::chrono::milliseconds duration) {
 
 MemoryFileSystem::Bytes MemoryFileSystem::Contents(const std::string& path) const {
   const auto node = Find(path);
-  return node ? node->bytes : Bytes{};
+  return node ? node->bytes.ToVector() : Bytes{};
 }
 
-void MemoryFileSystem::SetContents(const std::string& path, Bytes bytes) {
+void MemoryFileSystem::SetContents(const std::string& path, const Bytes& bytes) {
   std::shared_ptr<Node> node = Find(path);
   if (!node) {
     node = std::make_shared<Node>();
     names_[path] = node;
     durableNames_[path] = node;
   }
-  node->bytes = bytes;
-  node->durable = std::move(bytes);
+  node->bytes = SharedBytes(bytes);
+  node->durable = node->bytes;
   node->unflushed.clear();
   node->stamp = ++clock_;
 }
@@ -221,7 +220,7 @@ void MemoryFileSystem::SetReadOnly(const std::string& path, bool readOnly) {
 
 std::uint64_t MemoryFileSystem::BytesUsed() const {
   std::uint64_t used = 0;
-  for (const auto& entry : names_) used += entry.second->bytes.size();
+  for (const auto& entry : names_) used += entry.second->bytes.Size();
   return used;
 }
 
@@ -240,29 +239,39 @@ std::shared_ptr<MemoryFileSystem> MemoryFileSystem::AfterCrash(CrashKind kind, s
   auto after = std::make_shared<MemoryFileSystem>();
   after->clock_ = clock_;
   for (const auto& [path, node] : *names) {
-    Bytes bytes = kind == CrashKind::Kept ? node->bytes : node->durable;
-    if (kind == CrashKind::Torn) {
-      for (Change change : node->unflushed) {
-        constexpr std::size_t kWhole = 0;
-        constexpr std::size_t kNot = 1;
-        const std::size_t fate = choose(4);
-        if (fate == kNot) continue;
-        if (auto* write = std::get_if<WriteChange>(&change); write && fate != kWhole) {
-          const std::size_t cut = choose(write->bytes.size() + 1);
-          if (fate == 2) {
-            write->bytes.resize(cut);
-          } else {
-            write->bytes.erase(write->bytes.begin(), write->bytes.begin() + static_cast<std::ptrdiff_t>(cut));
-            write->offset += cut;
-          }
-        }
-        Apply(change, bytes);
-      }
-    }
-    after->SetContents(path, std::move(bytes));
-    after->SetReadOnly(path, node->isReadOnly);
+    const auto found = std::make_shared<Node>();
+    found->bytes = kind == CrashKind::Kept ? node->bytes : node->durable;
+    if (kind == CrashKind::Torn) ApplySome(node->unflushed, found->bytes, choose);
+    found->durable = found->bytes;
+    found->isReadOnly = node->isReadOnly;
+    found->stamp = ++after->clock_;
+    after->names_[path] = found;
   }
+  after->durableNames_ = after->names_;
   return after;
+}
+
+// Applies each change whole, not at all, or only its first or last part.
+void MemoryFileSystem::ApplySome(const std::vector<Change>& changes, SharedBytes& bytes,
+                                 const std::function<std::size_t(std::size_t)>& choose) {
+  constexpr std::size_t kWhole = 0;
+  constexpr std::size_t kNot = 1;
+  constexpr std::size_t kFirstPart = 2;
+  for (const Change& change : changes) {
+    const std::size_t fate = choose(4);
+    if (fate == kNot) continue;
+    if (fate == kWhole || change.bytes == nullptr) {
+      Apply(change, bytes);
+      continue;
+    }
+    const std::span<const std::uint8_t> all(*change.bytes);
+    const std::size_t cut = choose(all.size() + 1);
+    if (fate == kFirstPart) {
+      bytes.Write(change.offset, all.first(cut));
+    } else {
+      bytes.Write(change.offset + cut, all.subspan(cut));
+    }
+  }
 }
 
 }  // namespace tavi::access::test

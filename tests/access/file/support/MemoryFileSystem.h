@@ -5,10 +5,10 @@
 #include <map>
 #include <memory>
 #include <string>
-#include <variant>
 #include <vector>
 
 #include "access/file/FileSystem.h"
+#include "access/file/support/SharedBytes.h"
 
 namespace tavi::access::test {
 
@@ -38,7 +38,7 @@ class MemoryFileSystem final : public FileSystem {
   /// The content of a file.
   [[nodiscard]] Bytes Contents(const std::string& path) const;
   /// Gives a file another content, durably, as another program would (the modification stamp changes).
-  void SetContents(const std::string& path, Bytes bytes);
+  void SetContents(const std::string& path, const Bytes& bytes);
   [[nodiscard]] std::vector<std::string> Paths() const;
   /// Sets or takes away the read-only attribute of a file.
   void SetReadOnly(const std::string& path, bool readOnly);
@@ -53,20 +53,17 @@ class MemoryFileSystem final : public FileSystem {
   void OnPause(std::function<void()> action) { onPause_ = std::move(action); }
   [[nodiscard]] std::chrono::milliseconds Paused() const { return paused_; }
 
-  /// The file system as it is found after a crash now: no locks, nothing unflushed.
+  /// The file system as it is found after a crash now: no locks, nothing unflushed. Cheap: contents are shared.
   [[nodiscard]] std::shared_ptr<MemoryFileSystem> AfterCrash(CrashKind kind, std::uint32_t seed) const;
 
  private:
   friend class MemoryFile;
 
-  struct WriteChange {
+  /// A write at an offset, or, without bytes, a change of the length to `offset`.
+  struct Change {
     std::uint64_t offset;
-    Bytes bytes;
+    std::shared_ptr<const Bytes> bytes;
   };
-  struct TruncateChange {
-    std::uint64_t size;
-  };
-  using Change = std::variant<WriteChange, TruncateChange>;
   struct Lock {
     const void* opener;
     std::uint64_t start;
@@ -74,8 +71,8 @@ class MemoryFileSystem final : public FileSystem {
     File::LockKind kind;
   };
   struct Node {
-    Bytes bytes;
-    Bytes durable;
+    SharedBytes bytes;
+    SharedBytes durable;
     std::vector<Change> unflushed;
     std::int64_t stamp = 0;
     bool isReadOnly = false;
@@ -83,7 +80,9 @@ class MemoryFileSystem final : public FileSystem {
   };
   using Names = std::map<std::string, std::shared_ptr<Node>>;
 
-  static void Apply(const Change& change, Bytes& bytes);
+  static void Apply(const Change& change, SharedBytes& bytes);
+  static void ApplySome(const std::vector<Change>& changes, SharedBytes& bytes,
+                        const std::function<std::size_t(std::size_t)>& choose);
   std::shared_ptr<Node> Find(const std::string& path) const;
   void NamesChanged() { unflushedNames_.push_back(names_); }
 

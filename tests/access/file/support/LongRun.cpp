@@ -1,0 +1,26 @@
+#include "access/file/support/LongRun.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <string>
+
+namespace tavi::access::test {
+
+namespace {
+
+unsigned long NumberFromEnvironment(const char* name, unsigned long otherwise) {
+  const char* text = std::getenv(name);
+  return text == nullptr || *text == '\0' ? otherwise : std::stoul(text);
+}
+
+}  // namespace
+
+std::uint32_t SeedOr(std::uint32_t usual) {
+  return static_cast<std::uint32_t>(NumberFromEnvironment("TAVI_SEED", usual));
+}
+
+std::size_t Lengthened(std::size_t usual) {
+  return usual * std::max(1UL, NumberFromEnvironment("TAVI_LENGTH", 1));
+}
+
+}  // namespace tavi::access::test

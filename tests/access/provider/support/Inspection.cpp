@@ -1,0 +1,107 @@
+#include "access/provider/support/Inspection.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <span>
+#include <sstream>
+
+#include "access/file/Checksum.h"
+#include "access/file/Pager.h"
+#include "access/table/TsvValue.h"
+
+namespace tavi::access::test {
+
+namespace {
+
+std::uint64_t Add(std::uint64_t digest, const std::string& text) {
+  return Checksum(digest, std::span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()));
+}
+
+std::uint64_t AddTable(std::uint64_t digest, Table& table) {
+  digest = Add(digest, table.Name());
+  for (const Column& column : table.Columns()) {
+    digest = Add(digest, column.definition.name + ":" + std::to_string(static_cast<int>(column.definition.type)));
+  }
+  for (const Index& index : table.Indexes()) {
+    digest = Add(digest, index.name);
+    for (const std::size_t column : index.columns) digest = Add(digest, std::to_string(column));
+  }
+  for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
+    for (const Value& value : table.Read(*row)) digest = Add(digest, TsvText(value));
+  }
+  return digest;
+}
+
+std::string Printed(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return '"' + *text + '"';
+  if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "1" : "0";
+  return IsNull(value) ? "" : TsvText(value);
+}
+
+std::string PrintedRow(const RowValues& row) {
+  std::string text;
+  for (const Value& value : row) text += Printed(value) + ",";
+  text.pop_back();
+  return text;
+}
+
+std::string Abridged(const std::string& line) {
+  constexpr std::size_t kShown = 60;
+  if (line.size() <= kShown) return line;
+  return line.substr(0, kShown) + "... " + std::to_string(line.size()) + " " + std::to_string(Add(0, line));
+}
+
+std::string OutputOf(const std::string& command) {
+  std::FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+  if (pipe == nullptr) return {};
+  std::string output;
+  std::array<char, 4096> buffer{};
+  for (std::size_t count = 0; (count = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;)
+    output.append(buffer.data(), count);
+  EXPECT_EQ(pclose(pipe), 0) << command << "\n" << output << "\n(this test needs mdbtools)";
+  return output;
+}
+
+template <typename Visit>
+void ForEachTable(Database& database, Visit visit) {
+  const ReadStatement statement(database.GetPager());
+  for (const CatalogEntry& entry : database.Tables()) {
+    if (!entry.isSystem) visit(*database.OpenTable(entry.name));
+  }
+}
+
+}  // namespace
+
+std::uint64_t DigestOf(Database& database) {
+  std::uint64_t digest = 1;
+  ForEachTable(database, [&](Table& table) { digest = AddTable(digest, table); });
+  return digest;
+}
+
+PrintedRows PrintTables(Database& database) {
+  PrintedRows tables;
+  ForEachTable(database, [&](Table& table) {
+    auto& rows = tables[table.Name()];
+    for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
+      rows.insert(Abridged(PrintedRow(table.Read(*row))));
+    }
+  });
+  return tables;
+}
+
+PrintedRows PrintTablesByAnother(const std::string& path) {
+  PrintedRows tables;
+  std::istringstream names(OutputOf("mdb-tables -1 '" + path + "'"));
+  for (std::string name; std::getline(names, name);) {
+    if (name.empty()) continue;
+    auto& rows = tables[name];
+    std::istringstream lines(OutputOf("mdb-export -H '" + path + "' '" + name + "'"));
+    for (std::string line; std::getline(lines, line);) rows.insert(Abridged(line));
+  }
+  return tables;
+}
+
+}  // namespace tavi::access::test
