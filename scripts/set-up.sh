@@ -1,7 +1,7 @@
 # Sourced by run and test: what a fresh Debian machine needs, and how a preset is configured and built.
 # Every step that has nothing to do is skipped in a few milliseconds.
 
-packages_to_build="g++ cmake ninja-build ccache libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev"
+packages_to_build="g++ cmake ninja-build ccache libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev libedit-dev pkg-config"
 packages_to_test="libgtest-dev libgmock-dev librapidcheck-dev libsqlite3-dev mdbtools python3"
 packages_to_measure="libbenchmark-dev libsqlite3-dev"
 

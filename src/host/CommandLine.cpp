@@ -10,10 +10,11 @@
 #include "host/commands/Context.h"
 #include "host/commands/Lists.h"
 #include "host/commands/Score.h"
+#include "host/sql/SqlCommand.h"
 #include "host/tools/Import.h"
+#include "host/tools/Info.h"
 #include "host/tools/NewClub.h"
 #include "host/tools/Sample.h"
-#include "host/tools/Sql.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
@@ -30,7 +31,7 @@ struct Choices {
   std::vector<std::string> files;
   std::string name;
   std::string number;
-  std::string statement;
+  SqlRequest sql;
   std::string from;
   bool all = false;
   bool recalculate = false;
@@ -101,11 +102,13 @@ void AddHandicaps(CLI::App& app, Choices& choices) {
 }
 
 void AddSql(CLI::App& app, Choices& choices) {
-  CLI::App* command = app.add_subcommand("sql", "Run one SQL statement on the file");
-  command->add_option("STATEMENT", choices.statement, "The statement, as Access understands it")->required();
-  command->callback([&choices] {
-    choices.action = [&choices](const Context& context) { return RunSql(context, choices.statement); };
-  });
+  CLI::App* command = app.add_subcommand("sql", "Run SQL statements on the file: one, or those typed or piped in");
+  command->add_option("STATEMENT", choices.sql.statement,
+                      "The statement, as Access understands it; without it a shell");
+  command->add_option("--file", choices.sql.file, "Another Access file than the club's")->type_name("FILE");
+  command->add_flag("--explain", choices.sql.explain, "Show how the statement would be run (which index, which scan)");
+  command->callback(
+      [&choices] { choices.action = [&choices](const Context& context) { return RunSql(context, choices.sql); }; });
 }
 
 void AddInfo(CLI::App& app, Choices& choices) {

@@ -47,6 +47,7 @@ std::optional<std::string_view> ExplainedStatement(std::string_view text) {
   if (!EqualIgnoringCase(text.substr(0, kWord.size()), kWord)) return std::nullopt;
   text.remove_prefix(kWord.size());
   if (!text.empty() && kBlanks.find(text.front()) == std::string_view::npos) return std::nullopt;
+  text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
   return text;
 }
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <iosfwd>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tavi::host {
+
+/// Where a shell gets its lines from.
+class LineSource {
+ public:
+  virtual ~LineSource() = default;
+  /// The next line, without its end; nothing at the end of the input. A person is shown the prompt.
+  virtual std::optional<std::string> Next(const std::string& prompt) = 0;
+  /// Notes an input that a person may want to have again.
+  virtual void Remember(const std::string& /*input*/) {}
+};
+
+/// Lines of a stream. No prompt is shown.
+class StreamLines final : public LineSource {
+ public:
+  explicit StreamLines(std::istream& in) : in_(in) {}
+  std::optional<std::string> Next(const std::string& prompt) override;
+
+ private:
+  std::istream& in_;
+};
+
+/// Lines that a person types at the terminal, with editing keys and a history that is kept in a file from one session
+/// to the next (TAVI_HISTORY names it; else sql-history in the user's folder for state of programs). One at a time in a
+/// process, as the terminal is one.
+std::unique_ptr<LineSource> MakeTerminalLines();
+
+}  // namespace tavi::host

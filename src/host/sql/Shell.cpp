@@ -1,0 +1,130 @@
+#include "host/sql/Shell.h"
+
+#include <ostream>
+
+#include "host/sql/Query.h"
+#include "host/sql/StatementText.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+constexpr const char* kPrompt = "tavi> ";
+constexpr const char* kPromptWithin = "  ... ";
+constexpr const char* kHelp =
+    "A statement ends with a semicolon and may take several lines. Commands:\n"
+    "  .tables           the tables of the file\n"
+    "  .columns TABLE    the columns of a table\n"
+    "  .explain on|off   show how statements would be run instead of running them\n"
+    "  .help             this text\n"
+    "  .quit             leave (so does the end of the input)\n";
+
+bool HasText(const std::string& text) {
+  return text.find_first_not_of(" \t\r\n;") != std::string::npos;
+}
+
+/// The table's name without brackets, blanks and a closing semicolon.
+std::string TidyName(std::string name) {
+  while (!name.empty() && (name.back() == ';' || name.back() == ' ')) name.pop_back();
+  if (name.size() >= 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
+  return name;
+}
+
+}  // namespace
+
+int Shell::Run() {
+  if (interactive_) context_.out << "Statements end with a semicolon; .help tells more.\n" << std::flush;
+  bool goOn = true;
+  while (goOn) {
+    const auto line = lines_.Next(unfinished_.empty() ? kPrompt : kPromptWithin);
+    if (!line) break;
+    goOn = Take(*line);
+  }
+  // The last statement of a file may lack its semicolon.
+  if (goOn && !interactive_ && HasText(unfinished_)) RunStatement(unfinished_);
+  return exitCode_;
+}
+
+bool Shell::Take(const std::string& line) {
+  if (unfinished_.empty() && Trim(line).starts_with(".")) {
+    return RunCommand(Trim(line));
+  }
+  unfinished_ += (unfinished_.empty() ? "" : "\n") + line;
+  bool goOn = true;
+  while (const auto end = EndOfStatement(unfinished_)) {
+    const std::string statement = unfinished_.substr(0, *end);
+    unfinished_.erase(0, *end);
+    if (HasText(statement)) {
+      lines_.Remember(Trim(statement));
+      goOn = RunStatement(statement.substr(0, statement.size() - 1));
+    }
+    if (!goOn) return false;
+  }
+  if (!HasText(unfinished_)) unfinished_.clear();
+  return goOn;
+}
+
+bool Shell::RunCommand(const std::string& line) {
+  const std::size_t blank = line.find(' ');
+  const std::string word = line.substr(0, blank);
+  const std::string rest = blank == std::string::npos ? "" : Trim(line.substr(blank));
+  if (word == ".quit" || word == ".exit") return false;
+  lines_.Remember(line);
+  if (word == ".help") {
+    context_.out << kHelp << std::flush;
+  } else if (word == ".tables") {
+    return Attempt("", [&] { ListTables(); });
+  } else if (word == ".columns" && !rest.empty()) {
+    return Attempt("", [&] { ListColumns(TidyName(rest)); });
+  } else if (word == ".explain" && (rest == "on" || rest == "off")) {
+    explains_ = rest == "on";
+  } else {
+    context_.error << "tavi: \"" << Printable(line) << "\" is no command; .help lists them.\n";
+    exitCode_ = kFailed;
+    return interactive_;
+  }
+  return true;
+}
+
+template <typename Task>
+bool Shell::Attempt(const std::string& statement, Task task) {
+  try {
+    task();
+    context_.out << std::flush;
+    return true;
+  } catch (const Error& problem) {
+    const auto place = PlaceInError(problem.Description());
+    if (place) context_.error << MarkPlace(statement, *place) << '\n';
+    context_.error << "tavi: " << PrintableLines(problem.Description()) << '\n' << std::flush;
+  }
+  if (!interactive_) exitCode_ = kFailed;
+  return interactive_;
+}
+
+bool Shell::RunStatement(const std::string& statement) {
+  const std::string tidy = statement.substr(statement.find_first_not_of(" \t\r\n"));
+  const std::string text = (explains_ ? "EXPLAIN " : "") + tidy;
+  return Attempt(tidy, [&] { Query(connection_, text).Write(context_.out, context_.format); });
+}
+
+void Shell::ListTables() {
+  Table tables({"Table"});
+  const auto rows = connection_.OpenSchema(ado::SchemaKind::Tables);
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const Value type = rows->Get("TABLE_TYPE");
+    if (const auto* text = std::get_if<std::string>(&type); text != nullptr && *text != "TABLE") continue;
+    tables.Add({CellOf(rows->Get("TABLE_NAME"))});
+  }
+  tables.Write(context_.out, context_.format);
+}
+
+void Shell::ListColumns(const std::string& table) {
+  const auto columns = connection_.OpenRecordset(table, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly,
+                                                 ado::SourceKind::TableDirect);
+  Table list({"Column", "Type"});
+  for (const ado::Field& field : columns->Fields()) list.Add({field.name, TypeName(field.type)});
+  list.Write(context_.out, context_.format);
+}
+
+}  // namespace tavi::host

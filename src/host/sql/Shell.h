@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include "host/commands/Context.h"
+#include "host/sql/LineSource.h"
+#include "platform/ado/Provider.h"
+
+namespace tavi::host {
+
+/// Reads SQL statements, each ended by a semicolon, and commands, each a line that begins with a full stop, and carries
+/// them out one after the other.
+class Shell {
+ public:
+  /// Without `interactive` (statements come from a file or another program) the first error ends the run.
+  Shell(const Context& context, ado::Connection& connection, LineSource& lines, bool interactive)
+      : context_(context), connection_(connection), lines_(lines), interactive_(interactive) {}
+
+  /// Runs until the end of the input or ".quit". Returns the exit code of the command.
+  int Run();
+
+ private:
+  /// Takes one more line; false when the run is to end.
+  bool Take(const std::string& line);
+  bool RunCommand(const std::string& line);
+  bool RunStatement(const std::string& statement);
+  void ListTables();
+  void ListColumns(const std::string& table);
+  /// Runs a task; an error is shown. False when it failed.
+  template <typename Task>
+  bool Attempt(const std::string& statement, Task task);
+
+  const Context& context_;
+  ado::Connection& connection_;
+  LineSource& lines_;
+  bool interactive_;
+  bool explains_ = false;
+  int exitCode_ = kSucceeded;
+  std::string unfinished_;
+};
+
+}  // namespace tavi::host

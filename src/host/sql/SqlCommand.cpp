@@ -1,0 +1,42 @@
+#include "host/sql/SqlCommand.h"
+
+#include <ostream>
+
+#include "host/sql/Query.h"
+#include "host/sql/Shell.h"
+#include "host/sql/StatementText.h"
+#include "platform/values/Error.h"
+
+namespace tavi::host {
+namespace {
+
+int RunShell(const Context& context, ado::Connection& connection) {
+  const std::unique_ptr<LineSource> lines =
+      context.inputIsTerminal ? MakeTerminalLines() : std::make_unique<StreamLines>(context.in);
+  return Shell(context, connection, *lines, context.inputIsTerminal).Run();
+}
+
+}  // namespace
+
+int RunSql(const Context& context, const SqlRequest& request) {
+  const std::string file = request.file.empty() ? context.ClubFile() : request.file;
+  const std::unique_ptr<ado::Connection> connection =
+      context.platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file);
+  int exitCode = kSucceeded;
+  if (request.statement.empty()) {
+    exitCode = RunShell(context, *connection);
+  } else {
+    const std::string text = (request.explain ? "EXPLAIN " : "") + request.statement;
+    try {
+      Query(*connection, text).Write(context.out, context.format);
+    } catch (const Error& problem) {
+      const auto place = PlaceInError(problem.Description());
+      if (place) context.error << MarkPlace(request.statement, *place) << '\n';
+      throw;
+    }
+  }
+  connection->Close();
+  return exitCode;
+}
+
+}  // namespace tavi::host

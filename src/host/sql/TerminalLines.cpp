@@ -1,0 +1,95 @@
+// The terminal's lines by way of the editline library, which knows terminals and keeps the history.
+#include <histedit.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+
+#include "host/sql/LineSource.h"
+
+namespace tavi::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kRememberedInputs = 1000;
+
+std::string Environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value == nullptr ? std::string() : std::string(value);
+}
+
+fs::path HistoryFile() {
+  if (const std::string named = Environment("TAVI_HISTORY"); !named.empty()) return named;
+  const std::string state = Environment("XDG_STATE_HOME");
+  const fs::path folder = state.empty() ? fs::path(Environment("HOME")) / ".local" / "state" : fs::path(state);
+  return folder / "tavimembership" / "sql-history";
+}
+
+class TerminalLines final : public LineSource {
+ public:
+  TerminalLines() : file_(HistoryFile()), history_(history_init()), editor_(el_init("tavi", stdin, stdout, stderr)) {
+    std::setlocale(LC_CTYPE, "");
+    history(history_.get(), &event_, H_SETSIZE, kRememberedInputs);
+    history(history_.get(), &event_, H_SETUNIQUE, 1);
+    history(history_.get(), &event_, H_LOAD, file_.c_str());
+    el_set(editor_.get(), EL_CLIENTDATA, this);
+    el_set(editor_.get(), EL_PROMPT, &Prompt);
+    el_set(editor_.get(), EL_EDITOR, "emacs");
+    el_set(editor_.get(), EL_SIGNAL, 1);
+    el_set(editor_.get(), EL_HIST, history, history_.get());
+    el_source(editor_.get(), nullptr);
+  }
+  ~TerminalLines() override {
+    std::error_code ignored;
+    fs::create_directories(file_.parent_path(), ignored);
+    history(history_.get(), &event_, H_SAVE, file_.c_str());
+  }
+  TerminalLines(const TerminalLines&) = delete;
+  TerminalLines& operator=(const TerminalLines&) = delete;
+
+  std::optional<std::string> Next(const std::string& prompt) override {
+    prompt_ = prompt;
+    int length = 0;
+    const char* line = el_gets(editor_.get(), &length);
+    if (line == nullptr || length <= 0) {
+      std::cout << '\n';
+      return std::nullopt;
+    }
+    std::string text(line, static_cast<std::size_t>(length));
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+    return text;
+  }
+
+  void Remember(const std::string& input) override { history(history_.get(), &event_, H_ENTER, input.c_str()); }
+
+ private:
+  struct EndHistory {
+    void operator()(History* history) const { history_end(history); }
+  };
+  struct EndEditor {
+    void operator()(EditLine* editor) const { el_end(editor); }
+  };
+
+  // The library asks for the prompt by this.
+  static char* Prompt(EditLine* editor) {
+    void* self = nullptr;
+    el_get(editor, EL_CLIENTDATA, &self);
+    return static_cast<TerminalLines*>(self)->prompt_.data();
+  }
+
+  fs::path file_;
+  std::string prompt_;
+  HistEvent event_{};
+  std::unique_ptr<History, EndHistory> history_;
+  std::unique_ptr<EditLine, EndEditor> editor_;
+};
+
+}  // namespace
+
+std::unique_ptr<LineSource> MakeTerminalLines() {
+  return std::make_unique<TerminalLines>();
+}
+
+}  // namespace tavi::host

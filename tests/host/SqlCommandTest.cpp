@@ -1,0 +1,115 @@
+#include <gtest/gtest.h>
+
+#include "SourceDirectory.h"
+#include "host/sql/StatementText.h"
+#include "host/support/Command.h"
+
+namespace tavi::host {
+namespace {
+
+TEST(StatementText, SemicolonsWithinQuotesBracketsAndDatesBelongToTheStatement) {
+  EXPECT_EQ(EndOfStatement("Select 1; Select 2"), 9U);
+  EXPECT_EQ(EndOfStatement("Select ';' ;"), 12U);
+  EXPECT_EQ(EndOfStatement("Select 'it''s;' ;"), 17U);
+  EXPECT_EQ(EndOfStatement("Select \";\", [a;b], #1/2/2003;# ;"), 32U);
+  EXPECT_EQ(EndOfStatement("Select 1"), std::nullopt);
+  EXPECT_EQ(EndOfStatement("Select 'open;"), std::nullopt);
+}
+
+TEST(StatementText, TellsStatementsThatGiveRows) {
+  EXPECT_TRUE(GivesRows("select 1"));
+  EXPECT_TRUE(GivesRows("\n (Select 1) Union Select 2"));
+  EXPECT_TRUE(GivesRows("Select 'x into y', [Into] From T"));
+  EXPECT_TRUE(GivesRows("Explain Update T Set A = 1"));
+  EXPECT_FALSE(GivesRows("Select * Into U From T"));
+  EXPECT_FALSE(GivesRows("Insert Into T Select 1"));
+  EXPECT_FALSE(GivesRows(""));
+}
+
+TEST(StatementText, MarksThePlaceInItsLine) {
+  EXPECT_EQ(MarkPlace("Select a,\n b b c\nFrom T", 13), " b b c\n   ^");
+  EXPECT_EQ(MarkPlace("Select", 100), "Select\n      ^");
+  EXPECT_EQ(MarkPlace("Séléct é x", 9), "Séléct é x\n         ^");
+}
+
+class SqlCommand : public ::testing::Test {
+ protected:
+  SqlCommand() {
+    EXPECT_EQ(folder_.Run({"new", "--name", "Club"}).code, 0);
+    EXPECT_EQ(folder_.Run({"sql", "Create Table T (ID Long Constraint PrimaryKey Primary Key, Name Text (20))"}).code,
+              0);
+    EXPECT_EQ(folder_.Run({"sql", "Insert into T Values (1, 'one')"}).code, 0);
+  }
+
+  CommandFolder folder_;
+};
+
+TEST_F(SqlCommand, ExplainShowsTheIndexAndLeavesTheRows) {
+  std::string more;
+  for (int i = 2; i < 100; ++i) more += "Insert into T (ID) Values (" + std::to_string(i) + ");";
+  EXPECT_EQ(folder_.Run({"sql"}, more).code, 0);
+  const Outcome outcome = folder_.Run({"sql", "--explain", "Delete From T Where ID = 1"});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(outcome.out, "Plan\nT: index PrimaryKey, ID = 1; where ID = 1\n");
+  EXPECT_EQ(folder_.Query("Select Name From T Where ID = 1"), (std::vector<std::string>{"one"}));
+}
+
+TEST_F(SqlCommand, ErrorsPointAtThePlace) {
+  const Outcome outcome = folder_.Run({"sql", "Select *\nForm T"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(outcome.error.substr(0, outcome.error.find("tavi:")), "Form T\n^\n");
+  EXPECT_EQ(folder_.Run({"sql", "--explain", "Select *\nForm T"}).error, outcome.error);
+}
+
+TEST_F(SqlCommand, StatementsArePipedIn) {
+  const Outcome outcome = folder_.Run({"sql"},
+                                      "Insert into T\n Values (2, 'a;b'); Insert into T Values (3, 'c');\r\n\n"
+                                      "Select Name From T Order By ID Desc;\nSelect Count(*) As N From T");
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(outcome.out, "Rows\n1\nRows\n1\nName\nc\na;b\none\nN\n3\n");
+}
+
+TEST_F(SqlCommand, TheFirstErrorEndsAPipedRun) {
+  const Outcome outcome =
+      folder_.Run({"sql"}, "Insert into T Values (2, 'x'); Insert into T Values (2, 'y'); Delete From T;");
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_NE(outcome.error, "");
+  EXPECT_EQ(folder_.Query("Select Name From T"), (std::vector<std::string>{"one", "x"}));
+}
+
+TEST_F(SqlCommand, CommandsListTablesAndColumns) {
+  const Outcome tables = folder_.Run({"sql"}, ".tables\n");
+  EXPECT_NE(tables.out.find("\nMembers\n"), std::string::npos) << tables.out;
+  EXPECT_EQ(tables.out.find("MSys"), std::string::npos);
+  EXPECT_EQ(folder_.Run({"sql"}, ".columns T\n").out, "Column\tType\nID\tLong\nName\tText\n");
+  EXPECT_EQ(folder_.Run({"sql"}, ".explain on\nDelete From T;\n.explain off\nSelect ID From T;").out,
+            "Plan\nT: scan\nID\n1\n");
+  EXPECT_NE(folder_.Run({"sql"}, ".help").out.find(".quit"), std::string::npos);
+  EXPECT_EQ(folder_.Run({"sql"}, ".quit\nDelete From T;").out, "");
+  EXPECT_EQ(folder_.Run({"sql"}, ".nonsense\n").code, 1);
+  EXPECT_EQ(folder_.Run({"sql"}, ".columns Nothing\n").code, 1);
+}
+
+TEST_F(SqlCommand, AnotherFileCanBeNamed) {
+  const Outcome outcome = folder_.Run({"sql", "--file", folder_.ClubFile(), "Select Name From T"});
+  EXPECT_EQ(outcome.out, "Name\none\n") << outcome.error;
+  EXPECT_EQ(folder_.Run({"sql", "--file", folder_.Path("nothing.mdb"), "Select 1"}).code, 1);
+}
+
+TEST_F(SqlCommand, TheShellAtATerminalEditsLinesAndKeepsAHistory) {
+  // `script` gives the program a terminal; Up fetches the statement of the session before.
+  const std::string tavi = std::string(TAVI_PROGRAM) + " --db " + folder_.Club() + " sql";
+  const std::string environment = "TERM=xterm TAVI_HISTORY=" + folder_.Path("state/history");
+  const std::string first = folder_.Write("first", "Select Name From T\r;\r.quit\r");
+  const std::string second = folder_.Write("second", "\x1b[A\r.quit\r");
+  const auto run = [&](const std::string& keys) {
+    return RunProgram("cat " + keys + " | " + environment + " script -qec '" + tavi + "' /dev/null");
+  };
+  EXPECT_NE(run(first).text.find("one"), std::string::npos);
+  const ProgramOutput again = run(second);
+  EXPECT_NE(again.text.find("one"), std::string::npos) << again.text;
+  EXPECT_NE(again.text.find("tavi> "), std::string::npos) << again.text;
+}
+
+}  // namespace
+}  // namespace tavi::host
