@@ -77,6 +77,13 @@ TEST_F(SqlCommand, TheFirstErrorEndsAPipedRun) {
   EXPECT_EQ(folder_.Query("Select Name From T"), (std::vector<std::string>{"one", "x"}));
 }
 
+TEST_F(SqlCommand, APipedRunGoesOnAfterErrorsWhenToldSo) {
+  const Outcome outcome =
+      folder_.Run({"sql"}, ".bail off\nInsert into T Values (1, 'again');\nInsert into T Values (2, 'x');");
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(folder_.Query("Select Name From T"), (std::vector<std::string>{"one", "x"}));
+}
+
 TEST_F(SqlCommand, CommandsListTablesAndColumns) {
   const Outcome tables = folder_.Run({"sql"}, ".tables\n");
   EXPECT_NE(tables.out.find("\nMembers\n"), std::string::npos) << tables.out;

@@ -17,6 +17,7 @@ constexpr const char* kHelp =
     "  .tables           the tables of the file\n"
     "  .columns TABLE    the columns of a table\n"
     "  .explain on|off   show how statements would be run instead of running them\n"
+    "  .bail on|off      whether the first error ends the run\n"
     "  .help             this text\n"
     "  .quit             leave (so does the end of the input)\n";
 
@@ -79,10 +80,12 @@ bool Shell::RunCommand(const std::string& line) {
     return Attempt("", [&] { ListColumns(TidyName(rest)); });
   } else if (word == ".explain" && (rest == "on" || rest == "off")) {
     explains_ = rest == "on";
+  } else if (word == ".bail" && (rest == "on" || rest == "off")) {
+    bails_ = rest == "on";
   } else {
     context_.error << "tavi: \"" << Printable(line) << "\" is no command; .help lists them.\n";
-    exitCode_ = kFailed;
-    return interactive_;
+    if (!interactive_) exitCode_ = kFailed;
+    return !bails_;
   }
   return true;
 }
@@ -99,7 +102,7 @@ bool Shell::Attempt(const std::string& statement, Task task) {
     context_.error << "tavi: " << PrintableLines(problem.Description()) << '\n' << std::flush;
   }
   if (!interactive_) exitCode_ = kFailed;
-  return interactive_;
+  return !bails_;
 }
 
 bool Shell::RunStatement(const std::string& statement) {

@@ -12,9 +12,10 @@ namespace tavi::host {
 /// them out one after the other.
 class Shell {
  public:
-  /// Without `interactive` (statements come from a file or another program) the first error ends the run.
+  /// Without `interactive` (statements come from a file or another program) the first error ends the run, unless the
+  /// command ".bail off" came before it; the exit code tells of errors either way.
   Shell(const Context& context, ado::Connection& connection, LineSource& lines, bool interactive)
-      : context_(context), connection_(connection), lines_(lines), interactive_(interactive) {}
+      : context_(context), connection_(connection), lines_(lines), interactive_(interactive), bails_(!interactive) {}
 
   /// Runs until the end of the input or ".quit". Returns the exit code of the command.
   int Run();
@@ -34,6 +35,7 @@ class Shell {
   ado::Connection& connection_;
   LineSource& lines_;
   bool interactive_;
+  bool bails_;
   bool explains_ = false;
   int exitCode_ = kSucceeded;
   std::string unfinished_;
