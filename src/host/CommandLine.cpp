@@ -141,7 +141,7 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
                "tavi");
   app.require_subcommand(1);
   app.fallthrough();
-  app.add_option("--db", choices.folder, "The club's folder (else the one set for this machine)")->type_name("FOLDER");
+  app.add_option("--db", choices.folder, "The club's folder or file (else the one set for this machine)")->type_name("FOLDER");
   app.add_option("--today", choices.today, "Take this day for today")->type_name("DATE");
   app.add_flag("--json", choices.json, "Write JSON");
   for (const auto add : {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddInfo, AddSample}) {

@@ -103,6 +103,16 @@ TEST_F(SqlCommand, AnotherFileCanBeNamed) {
   EXPECT_EQ(folder_.Run({"sql", "--file", folder_.Path("nothing.mdb"), "Select 1"}).code, 1);
 }
 
+TEST_F(SqlCommand, TheFileItselfCanBeNamedInPlaceOfItsFolder) {
+  const std::string copy = folder_.Path("other.mdb");
+  std::filesystem::copy_file(folder_.ClubFile(), copy);
+  EXPECT_EQ(folder_.RunIn(copy, {"sql", "Select Name From T"}).out, "Name\none\n");
+  EXPECT_EQ(folder_.RunIn(folder_.ClubFile(), {"members"}).code, 0);
+  const Outcome refused = folder_.RunIn(copy, {"members"});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_NE(refused.error.find("Name the folder"), std::string::npos) << refused.error;
+}
+
 TEST_F(SqlCommand, TheShellAtATerminalEditsLinesAndKeepsAHistory) {
   // `script` gives the program a terminal; Up fetches the statement of the session before.
   const std::string tavi = std::string(TAVI_PROGRAM) + " --db " + folder_.Club() + " sql";

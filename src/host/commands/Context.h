@@ -18,15 +18,17 @@ struct Context {
   OutputFormat format = OutputFormat::Table;
   bool inputIsTerminal = false;
   bool showProgress = false;
-  std::string folder{};  ///< the club's folder; empty: the one that the component finds
+  std::string folder{};  ///< the club's folder or its file; empty: the one that the component finds
   std::shared_ptr<const Platform> platform{};
 
   /// A component object on the club's folder.
   [[nodiscard]] std::unique_ptr<MembershipDatabase> OpenClub() const;
   /// The folder in use, absolute.
   [[nodiscard]] std::string ClubFolder() const;
-  /// The file in use.
+  /// The club's file in use.
   [[nodiscard]] std::string ClubFile() const;
+  /// The file that `folder` names, be it a club's or not; else the club's.
+  [[nodiscard]] std::string AccessFile() const;
 };
 
 /// Exit codes of the command.

@@ -19,7 +19,7 @@ int RunShell(const Context& context, ado::Connection& connection) {
 }  // namespace
 
 int RunSql(const Context& context, const SqlRequest& request) {
-  const std::string file = request.file.empty() ? context.ClubFile() : request.file;
+  const std::string file = request.file.empty() ? context.AccessFile() : request.file;
   const std::unique_ptr<ado::Connection> connection =
       context.platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file);
   int exitCode = kSucceeded;

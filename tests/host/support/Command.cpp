@@ -38,7 +38,12 @@ std::string CommandFolder::Write(const std::string& name, const std::string& con
 }
 
 Outcome CommandFolder::Run(std::vector<std::string> arguments, const std::string& input) const {
-  arguments.insert(arguments.begin(), {"--db", Club(), "--today", "2026-01-15"});
+  return RunIn(Club(), std::move(arguments), input);
+}
+
+Outcome CommandFolder::RunIn(const std::string& club, std::vector<std::string> arguments,
+                             const std::string& input) const {
+  arguments.insert(arguments.begin(), {"--db", club, "--today", "2026-01-15"});
   std::istringstream in(input);
   std::ostringstream out;
   std::ostringstream error;

@@ -29,6 +29,9 @@ class CommandFolder {
   std::string Write(const std::string& name, const std::string& content) const;
   /// Runs the command on the club with `input` on its standard input, as if its output went into a file.
   [[nodiscard]] Outcome Run(std::vector<std::string> arguments, const std::string& input = "") const;
+  /// The same on another club, named by its folder or file.
+  [[nodiscard]] Outcome RunIn(const std::string& club, std::vector<std::string> arguments,
+                              const std::string& input = "") const;
   /// The tab-separated rows of a statement, without the header.
   [[nodiscard]] std::vector<std::string> Query(const std::string& statement) const;
 
