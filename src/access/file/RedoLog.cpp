@@ -363,11 +363,18 @@ std::uint64_t RedoLog::WriteStatement(std::span<const StatementPage> pages, Page
 // Applying and dropping
 // ---------------------------------------------------------------------------------------------------------------------
 
+// A mark that is there already is left alone: a second attempt that fails in the middle of it would leave a log that
+// seems to have nothing to do with a database into which the first attempt has written. It serves, since all that was
+// appended after it is flushed here too.
 void RedoLog::MarkApplying() {
-  const auto mark = std::span<std::uint8_t>(header_).subspan(kMarkOffset, kMarkSize);
-  PutLittle<std::uint64_t>(mark, 0, end_);
-  PutLittle<std::uint64_t>(mark, kMarkedSize, Checksum(salt_, mark.first(kMarkedSize)));
-  file_->WriteAt(kMarkOffset, mark);
+  if (!ApplyingHasBegun()) {
+    Header marked = header_;
+    const auto mark = std::span<std::uint8_t>(marked).subspan(kMarkOffset, kMarkSize);
+    PutLittle<std::uint64_t>(mark, 0, end_);
+    PutLittle<std::uint64_t>(mark, kMarkedSize, Checksum(salt_, mark.first(kMarkedSize)));
+    file_->WriteAt(kMarkOffset, mark);
+    header_ = marked;
+  }
   file_->Sync();
   if (!folderIsDurable_) fileSystem_.SyncFolderOf(path_);
   folderIsDurable_ = true;

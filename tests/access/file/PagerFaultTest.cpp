@@ -117,6 +117,34 @@ INSTANTIATE_TEST_SUITE_P(Operations, PagerFaultTest,
                                            Operation::Open, Operation::Read, Operation::Remove, Operation::SyncFolder,
                                            Operation::Lock));
 
+// Symptom: after two checkpoints that met a failing disk the log was set aside as another file's.
+TEST_F(PagerFaultTest, TwoCheckpointsThatFailOneAfterTheOtherLoseNothing) {
+  for (std::size_t first = 0; first < 6; ++first) {
+    for (std::size_t second = 0; second < 6; ++second) {
+      SCOPED_TRACE(std::to_string(first) + ", " + std::to_string(second));
+      memory_ = std::make_shared<MemoryFileSystem>();
+      Pager::Create(*memory_, kPath, MakeSmallDatabase(8));
+      failing_ = std::make_shared<FailingFileSystem>(memory_);
+      auto pager = Pager::Open(failing_, kPath, {.checkpointBytes = 1});
+      std::string expected = "page 3";
+      for (const std::size_t call : {first, second}) {
+        failing_->FailCall(call, {Operation::Write});
+        const std::string text = "statement " + std::to_string(call);
+        try {
+          WriteEverywhere(*pager, text);
+          expected = text;
+        } catch (const Error&) {
+        }
+      }
+      failing_->FailNothing();
+      EXPECT_EQ(TextEverywhere(*pager), expected);
+      pager.reset();
+      EXPECT_EQ(TextEverywhere(*Pager::Open(memory_, kPath, {})), expected);
+      EXPECT_EQ(memory_->Paths(), std::vector<std::string>{kPath});
+    }
+  }
+}
+
 TEST_F(PagerFaultTest, AFailedCommitIsAnErrorAndTheLogIsAsBefore) {
   const auto pager = Pager::Open(failing_, kPath, {});
   WriteText(*pager, 3, "good");

@@ -11,19 +11,17 @@
 #include "access/file/support/StoppingFileSystem.h"
 #include "access/file/support/TemporaryFolder.h"
 #include "access/provider/AccessProvider.h"
-#include "access/provider/ProviderFile.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/Inspection.h"
 
 namespace tavi::access::test {
 namespace {
 
-constexpr char kPath[] = "club.mdb";
 // Small, so that an evening has checkpoints between its closes too.
 constexpr std::uint64_t kCheckpointBytes = std::uint64_t{600} << 10U;
 
 std::unique_ptr<Database> OpenFile(const std::shared_ptr<FileSystem>& fileSystem) {
-  return std::make_unique<Database>(Pager::Open(fileSystem, kPath, {}));
+  return std::make_unique<Database>(Pager::Open(fileSystem, kEveningPath, {}));
 }
 
 /// What may be found at a point of the evening.
@@ -42,17 +40,16 @@ class Teller {
   void Tell(const std::shared_ptr<FileSystem>& fileSystem, const std::function<void()>& afterEach) {
     ProviderOptions options;
     options.pager.checkpointBytes = kCheckpointBytes;
-    const auto provider = MakeAccessProvider(fileSystem, std::make_shared<NoonClock>(), options);
-    const std::string source = std::string("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=") + kPath;
-    const auto second = withSecondUser_ ? provider->Open(source) : nullptr;
-    auto first = provider->Open(source);
+    const auto provider = MakeAccessProvider(fileSystem, std::make_shared<EveningClock>(), options);
+    const auto second = withSecondUser_ ? provider->Open(kEveningSource) : nullptr;
+    auto first = provider->Open(kEveningSource);
     bool hasChanged = false;
     for (const EveningStep& step : steps_) {
       if (step.kind == EveningStep::Kind::Reopen) {
         first->Close();
         if (hasChanged) durable_ = finished_;
         hasChanged = false;
-        first = provider->Open(source);
+        first = provider->Open(kEveningSource);
       } else {
         const bool isSecond = second && finished_ % 5 == 4;
         isRunning_ = true;
@@ -81,20 +78,6 @@ class Teller {
 
 class CrashTest : public testing::TestWithParam<bool> {
  protected:
-  // The digest after each number of steps.
-  void Rehearse() {
-    const auto memory = NewFile();
-    const auto note = [&] { digests_.push_back(DigestOf(*OpenFile(memory->AfterCrash(CrashKind::Kept, 0)))); };
-    note();
-    Teller(steps_, GetParam()).Tell(memory, note);
-  }
-
-  static std::shared_ptr<MemoryFileSystem> NewFile() {
-    auto memory = std::make_shared<MemoryFileSystem>();
-    Database::CreateFile(*memory, kPath, Date{45000});
-    return memory;
-  }
-
   void CheckAllKinds(const MemoryFileSystem& memory, const Teller& teller) {
     ++points_;
     Check(memory.AfterCrash(CrashKind::Kept, 0), teller.Expected(CrashKind::Kept), "kept");
@@ -113,7 +96,7 @@ class CrashTest : public testing::TestWithParam<bool> {
     const std::uint64_t digest = DigestOf(*database);
     EXPECT_TRUE(Allows(expected, digest)) << "not a state from " << expected.first << " to " << expected.last;
     EXPECT_EQ(CheckDatabase(*database, CheckKind::Strict), std::vector<std::string>());
-    EXPECT_FALSE(found->Exists(std::string(kPath) + ".redo"));
+    EXPECT_FALSE(found->Exists(std::string(kEveningPath) + ".redo"));
     if (stops_ % 97 == 0) CheckWithAnotherReader(*database, *found);
   }
 
@@ -143,15 +126,15 @@ class CrashTest : public testing::TestWithParam<bool> {
     const PrintedRows expected = PrintTables(database);
     database.GetPager().Close();
     const TemporaryFolder folder;
-    const auto bytes = found.Contents(kPath);
-    std::ofstream(folder.File(kPath), std::ios::binary)
+    const auto bytes = found.Contents(kEveningPath);
+    std::ofstream(folder.File(kEveningPath), std::ios::binary)
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    EXPECT_EQ(PrintTablesByAnother(folder.File(kPath)), expected);
+    EXPECT_EQ(PrintTablesByAnother(folder.File(kEveningPath)), expected);
   }
 
   std::uint32_t seed_ = SeedOr(GetParam() ? 20020401 : 19470215);
   std::vector<EveningStep> steps_ = MakeEvening(seed_, Lengthened(240));
-  std::vector<std::uint64_t> digests_;
+  std::vector<std::uint64_t> digests_ = RehearseEvening(steps_);
   std::size_t points_ = 0;
   std::size_t stops_ = 0;
   std::size_t secondStops_ = 0;
@@ -159,8 +142,7 @@ class CrashTest : public testing::TestWithParam<bool> {
 };
 
 TEST_P(CrashTest, AStopAtAnyPointLeavesExactlyTheFinishedStatements) {
-  Rehearse();
-  const auto memory = NewFile();
+  const auto memory = NewEveningFile();
   Teller teller(steps_, GetParam());
   const auto stopping =
       std::make_shared<StoppingFileSystem>(memory, [&](const MemoryFileSystem& now) { CheckAllKinds(now, teller); });

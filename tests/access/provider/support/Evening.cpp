@@ -2,6 +2,10 @@
 
 #include <algorithm>
 
+#include "access/file/Pager.h"
+#include "access/file/support/Random.h"
+#include "access/provider/AccessProvider.h"
+#include "access/provider/support/Inspection.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access::test {
@@ -65,7 +69,7 @@ class EveningMaker {
   }
   void InsertResults() {
     Say("Insert Into Results (Player, Score, Remark) Select ID, " + Number(100) + ", Left([Name], 40) From Members " +
-        "Where ID Mod 3 = " + Number(3));
+        "Where ID Mod 3 = " + Number(3) + " Order By ID");
   }
   void AddOrDropColumn() {
     hasColumn_ = !hasColumn_;
@@ -81,7 +85,8 @@ class EveningMaker {
     hasTable_ = !hasTable_;
     if (!hasTable_) return Say("Drop Table Visitors");
     Say("Create Table Visitors (ID Counter, [Name] Text (255), Notes Memo)");
-    Say("Insert Into Visitors ([Name], Notes) Select [Name], Notes From Members Where ID Mod 4 = " + Number(4));
+    Say("Insert Into Visitors ([Name], Notes) Select [Name], Notes From Members Where ID Mod 4 = " + Number(4) +
+        " Order By ID");
   }
 
   Random random_;
@@ -115,7 +120,7 @@ std::vector<EveningStep> MakeEvening(std::uint32_t seed, std::size_t steps) {
   return EveningMaker(seed, steps).Make();
 }
 
-bool RunStep(ado::Connection& connection, const EveningStep& step) {
+bool RunStep(ado::Connection& connection, const EveningStep& step, std::string* refusal) {
   try {
     switch (step.kind) {
       case Kind::Statement:
@@ -131,9 +136,38 @@ bool RunStep(ado::Connection& connection, const EveningStep& step) {
         break;
     }
     return true;
-  } catch (const Error&) {
+  } catch (const Error& error) {
+    if (refusal != nullptr) *refusal = error.Description();
     return false;
   }
+}
+
+std::shared_ptr<MemoryFileSystem> NewEveningFile() {
+  auto memory = std::make_shared<MemoryFileSystem>();
+  Database::CreateFile(*memory, kEveningPath, Date{45000});
+  return memory;
+}
+
+std::vector<std::uint64_t> RehearseEvening(const std::vector<EveningStep>& steps) {
+  const auto memory = NewEveningFile();
+  const auto provider = MakeAccessProvider(memory, std::make_shared<EveningClock>(), {});
+  std::vector<std::uint64_t> digests;
+  const auto note = [&] {
+    Database database(Pager::Open(memory->AfterCrash(CrashKind::Kept, 0), kEveningPath, {}));
+    digests.push_back(DigestOf(database));
+  };
+  note();
+  auto connection = provider->Open(kEveningSource);
+  for (const EveningStep& step : steps) {
+    if (step.kind == Kind::Reopen) {
+      connection->Close();
+      connection = provider->Open(kEveningSource);
+    } else {
+      RunStep(*connection, step);
+    }
+    note();
+  }
+  return digests;
 }
 
 }  // namespace tavi::access::test

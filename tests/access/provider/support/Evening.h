@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "access/file/support/Random.h"
+#include "access/file/support/MemoryFileSystem.h"
+#include "platform/Platform.h"
 #include "platform/ado/Provider.h"
 
 namespace tavi::access::test {
@@ -27,7 +28,22 @@ struct EveningStep {
 /// pages. Some statements fail, as some do on every evening.
 [[nodiscard]] std::vector<EveningStep> MakeEvening(std::uint32_t seed, std::size_t steps);
 
-/// Runs a step that is no Reopen. True when it succeeded, false when the provider refused it.
-bool RunStep(ado::Connection& connection, const EveningStep& step);
+/// Runs a step that is no Reopen. True when it succeeded, false when the provider refused it; `refusal` then becomes
+/// the error's description.
+bool RunStep(ado::Connection& connection, const EveningStep& step, std::string* refusal = nullptr);
+
+/// The clock of the evenings: it always stands at noon.
+class EveningClock final : public Clock {
+ public:
+  [[nodiscard]] Date Now() const override { return Date{45000.5}; }
+};
+
+/// A checksum of all that can be seen in the file (DigestOf) after each number of steps, from none on.
+[[nodiscard]] std::vector<std::uint64_t> RehearseEvening(const std::vector<EveningStep>& steps);
+
+/// A new file system in memory with an empty database under the path kEveningPath.
+[[nodiscard]] std::shared_ptr<MemoryFileSystem> NewEveningFile();
+inline constexpr char kEveningPath[] = "club.mdb";
+inline constexpr char kEveningSource[] = "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=club.mdb";
 
 }  // namespace tavi::access::test

@@ -29,10 +29,14 @@ std::uint64_t AddTable(std::uint64_t digest, Table& table) {
     digest = Add(digest, index.name);
     for (const std::size_t column : index.columns) digest = Add(digest, std::to_string(column));
   }
+  // A sum, because the places of rows may differ.
+  std::uint64_t rows = 0;
   for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
-    for (const Value& value : table.Read(*row)) digest = Add(digest, TsvText(value));
+    std::uint64_t values = 0;
+    for (const Value& value : table.Read(*row)) values = Add(values, TsvText(value));
+    rows += values;
   }
-  return digest;
+  return Add(digest, std::to_string(rows));
 }
 
 std::string Printed(const Value& value) {

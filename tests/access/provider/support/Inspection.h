@@ -9,7 +9,8 @@
 
 namespace tavi::access::test {
 
-/// A checksum of all that people can see in a file: tables, columns, indexes and every value of every row.
+/// A checksum of all that people can see in a file: tables, columns, indexes and every value of every row; the
+/// order of the rows does not count.
 [[nodiscard]] std::uint64_t DigestOf(Database& database);
 
 /// The rows of each table as another program would print them: whole numbers, texts, memos and Booleans, separated by
