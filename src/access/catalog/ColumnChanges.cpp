@@ -80,7 +80,7 @@ void NumberRows(Pager& pager, StoredTable& table, std::size_t column) {
 /// once the table has such a column, so the rows are written anew: with an empty value first, then without any.
 void GiveRowsOffsets(StoredTable& table, std::size_t column) {
   const Value empty = IsText(table.Columns()[column].definition.type) ? Value(std::string()) : Value(Bytes());
-  ChangeRows(table, column, [&] { return empty; });
+  ChangeRows(table, column, [&] { return Value(empty); });
   ChangeRows(table, column, [] { return Value(Null{}); });
 }
 
