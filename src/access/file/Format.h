@@ -593,4 +593,17 @@ inline constexpr std::array<std::uint8_t, 4> kMagic = {0x4B, 0x4B, 0x44, 0x00}; 
 }  // namespace property
 }  // namespace jet3
 
+// ---------------------------------------------------------------------------------------------------------------------
+// The lock file beside an open database (.ldb)
+// ---------------------------------------------------------------------------------------------------------------------
+
+namespace lock_file {
+/// An array of slots, one for each user; the entry stays when its user has gone.
+inline constexpr std::size_t kNameSize = 32;  // computer name, then user name; bytes up to a zero
+inline constexpr std::size_t kSlotSize = 64;
+inline constexpr std::size_t kMaximumUsers = 255;
+/// A user who is there holds a lock on this byte plus the slot's number; the file is never that long.
+inline constexpr std::uint64_t kFirstUserLock = 0x10000001;
+}  // namespace lock_file
+
 }  // namespace tavi::access::format

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
+#include "access/file/ForeignUse.h"
 #include "access/file/Format.h"
 #include "access/file/Rc4.h"
 
@@ -82,7 +83,7 @@ void PagerImplementation::ReadHeader() {
 
 // Brings a log that a crash left behind into the file. Where others have the file open it is their log.
 void PagerImplementation::RecoverWhenAlone() {
-  if (readOnly_ || !log_.HasFile() || !FindForeignLockFile(*fileSystem_, canonical_).empty()) return;
+  if (readOnly_ || !log_.HasFile() || FindForeignUse(*fileSystem_, canonical_)) return;
   if (!lock_.TryBecomeAlone()) return;
   try {
     lock_.AcquireExclusive();
@@ -131,10 +132,9 @@ void PagerImplementation::BeginWrite() {
   }
   lock_.AcquireExclusive();
   try {
-    if (const std::string foreign = FindForeignLockFile(*fileSystem_, canonical_); !foreign.empty()) {
-      RaiseFailure("Could not use '" + path_ +
-                   "'; file already in use. Another database program has it open, as its lock file '" + foreign +
-                   "' shows; close the database there and try again.");
+    if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
+      RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
+                   "; close the database there and try again.");
     }
     RefreshForWriting();
   } catch (...) {
@@ -445,9 +445,8 @@ void PagerImplementation::LeaveLog() {
   if (readOnly_ || !log_.HasFile()) return;
   const bool isAlone = lock_.TryBecomeAlone();
   if (!isAlone && !hasOwnStatements_) return;
-  if (const std::string foreign = FindForeignLockFile(*fileSystem_, canonical_); !foreign.empty()) {
-    return Report("The log of '" + path_ +
-                  "' was not brought into the file, because another database program has it open ('" + foreign + "').");
+  if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
+    return Report("The log of '" + path_ + "' was not brought into the file. " + foreign->Describe() + ".");
   }
   try {
     lock_.AcquireExclusive();

@@ -16,6 +16,7 @@
 
 #include "access/file/EngineError.h"
 #include "access/file/FileSystem.h"
+#include "access/file/LockOwner.h"
 
 namespace tavi::access {
 
@@ -136,8 +137,10 @@ class PosixFile final : public File {
 
   std::string LockHolder(std::uint64_t offset, std::uint64_t length) override {
     const struct flock conflict = FirstConflict(offset, length);
+    if (conflict.l_type == F_UNLCK) return {};
     // The system names the process of classic locks only; open-file-description locks show -1.
-    return conflict.l_type != F_UNLCK && conflict.l_pid > 0 ? "process " + std::to_string(conflict.l_pid) : "";
+    if (conflict.l_pid > 0) return "process " + std::to_string(conflict.l_pid);
+    return FindLockOwner({descriptor_.Value(), offset, length});
   }
 
  private:

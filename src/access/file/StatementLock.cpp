@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <limits>
 #include <utility>
 
 #include "access/file/EngineError.h"
@@ -79,16 +78,6 @@ void StatementLock::RaiseInUse(std::uint64_t offset, std::uint64_t length) {
   RaiseFailure("Could not use '" + path_ + "'; file already in use" + (holder.empty() ? "" : " by " + holder) +
                ". It stayed locked for " + std::to_string(timeout_.count()) +
                " milliseconds; try again when the other user has finished.");
-}
-
-std::string FindForeignLockFile(FileSystem& fileSystem, const std::string& databasePath) {
-  const std::size_t nameStart = databasePath.find_last_of("/\\") + 1;  // 0 when there is no folder
-  const std::size_t dot = databasePath.find_last_of('.');
-  const bool hasExtension = dot != std::string::npos && dot > nameStart;
-  std::string lockPath = (hasExtension ? databasePath.substr(0, dot) : databasePath) + ".ldb";
-  if (!fileSystem.Exists(lockPath)) return {};
-  const auto lockFile = fileSystem.Open(lockPath, FileSystem::OpenMode::ReadOnly);
-  return lockFile->IsLockedByOther(0, std::numeric_limits<std::uint64_t>::max()) ? lockPath : std::string{};
 }
 
 }  // namespace tavi::access

@@ -44,8 +44,4 @@ class StatementLock {
   std::chrono::milliseconds timeout_;
 };
 
-/// Whether another database program has the file open: the lock file that Access keeps beside an open database (the
-/// same name with .ldb) is there and locked by somebody. Returns its path, or an empty text.
-[[nodiscard]] std::string FindForeignLockFile(FileSystem& fileSystem, const std::string& databasePath);
-
 }  // namespace tavi::access

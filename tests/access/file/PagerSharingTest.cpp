@@ -297,6 +297,51 @@ TEST_F(PagerSharingTest, AnotherDatabaseProgramIsToldByItsLockFile) {
   WriteText(*pager, 3, "works again");
 }
 
+std::vector<std::uint8_t> MakeLockFile(const std::vector<std::pair<std::string, std::string>>& users) {
+  std::vector<std::uint8_t> bytes(64 * users.size());
+  for (std::size_t i = 0; i < users.size(); ++i) {
+    std::copy(users[i].first.begin(), users[i].first.end(), bytes.begin() + static_cast<std::ptrdiff_t>(64 * i));
+    std::copy(users[i].second.begin(), users[i].second.end(), bytes.begin() + static_cast<std::ptrdiff_t>(64 * i + 32));
+  }
+  return bytes;
+}
+
+TEST_F(PagerSharingTest, TheLockFileOfAnotherDatabaseProgramSaysWhoIsThere) {
+  const auto pager = Open();
+  memory_->SetContents("club.ldb", MakeLockFile({{"GONE-PC", "Admin"}, {"SCORER", "Admin"}, {"OFFICE   ", ""}}));
+  const auto foreign = memory_->Open("club.ldb", FileSystem::OpenMode::ReadWrite);
+  const auto users = [&] {
+    const std::string text = FailureOf([&] { pager->BeginWrite(); });
+    const std::size_t start = text.find('(');
+    return start == std::string::npos ? "" : text.substr(start, text.find(')') + 1 - start);
+  };
+  ASSERT_TRUE(foreign->TryLock(0x10000002, 1, File::LockKind::Exclusive));
+  EXPECT_EQ(users(), "(user Admin on computer SCORER)");
+  ASSERT_TRUE(foreign->TryLock(0x10000003, 1, File::LockKind::Exclusive));
+  EXPECT_EQ(users(), "(user Admin on computer SCORER, somebody on computer OFFICE)");
+  // Locks that name no place: all who may be there.
+  foreign->Unlock(0, kWholeFile);
+  ASSERT_TRUE(foreign->TryLock(0, 1, File::LockKind::Exclusive));
+  EXPECT_EQ(users(), "(user Admin on computer GONE-PC, user Admin on computer SCORER, somebody on computer OFFICE)");
+}
+
+TEST_F(PagerSharingTest, ALockFileWithUnprintableOrManyNamesIsToldInShort) {
+  const auto pager = Open();
+  memory_->SetContents("club.ldb", MakeLockFile({{"A\n\x80", "B\t"},
+                                                 {"C", "c"},
+                                                 {"D", "d"},
+                                                 {"E", "e"},
+                                                 {"F", "f"},
+                                                 {"G", "g"},
+                                                 {std::string(32, 'x'), std::string(32, 'y')}}));
+  const auto foreign = memory_->Open("club.ldb", FileSystem::OpenMode::ReadWrite);
+  ASSERT_TRUE(foreign->TryLock(0, 1, File::LockKind::Exclusive));
+  EXPECT_NE(FailureOf([&] { pager->BeginWrite(); })
+                .find("(user B? on computer A??, user c on computer C, user d on computer D, user e on computer E, "
+                      "user f on computer F, ...)"),
+            std::string::npos);
+}
+
 TEST_F(PagerSharingTest, WhileAnotherDatabaseProgramIsThereTheLogIsNotBroughtIn) {
   memory_->SetContents("club.ldb", {1});
   {

@@ -22,6 +22,8 @@ class Worker {
   [[nodiscard]] std::optional<std::string> ReadLine();
   /// Ends its standard input, which some tasks wait for.
   void EndInput();
+  /// The number of the process.
+  [[nodiscard]] pid_t Process() const { return process_; }
   /// Signal 9: no chance to tidy up.
   void Kill();
   /// Waits for its end; the exit code, or minus the signal that ended it.
