@@ -11,6 +11,7 @@
 #include "host/commands/Lists.h"
 #include "host/commands/Score.h"
 #include "host/sql/SqlCommand.h"
+#include "host/tools/Dump.h"
 #include "host/tools/Import.h"
 #include "host/tools/Info.h"
 #include "host/tools/NewClub.h"
@@ -33,6 +34,7 @@ struct Choices {
   std::string number;
   SqlRequest sql;
   std::string from;
+  std::string outputFolder;
   bool all = false;
   bool recalculate = false;
   Action action;
@@ -125,6 +127,15 @@ void AddSample(CLI::App& app, Choices& choices) {
   });
 }
 
+void AddDump(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand("dump", "Write the contents of an Access file as text files, to compare");
+  command->add_option("FILE", choices.file, "The Access file; it is only read")->required();
+  command->add_option("OUTDIR", choices.outputFolder, "A new or empty folder for the text files")->required();
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) { return Dump(context, choices.file, choices.outputFolder); };
+  });
+}
+
 std::optional<Date> TodayOf(const Choices& choices) {
   if (choices.today.empty()) return std::nullopt;
   const std::optional<Date> today = Date::FromIso(choices.today);
@@ -141,10 +152,12 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
                "tavi");
   app.require_subcommand(1);
   app.fallthrough();
-  app.add_option("--db", choices.folder, "The club's folder or file (else the one set for this machine)")->type_name("FOLDER");
+  app.add_option("--db", choices.folder, "The club's folder or file (else the one set for this machine)")
+      ->type_name("FOLDER");
   app.add_option("--today", choices.today, "Take this day for today")->type_name("DATE");
   app.add_flag("--json", choices.json, "Write JSON");
-  for (const auto add : {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddInfo, AddSample}) {
+  for (const auto add :
+       {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddInfo, AddSample, AddDump}) {
     add(app, choices);
   }
   try {

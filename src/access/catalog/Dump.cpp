@@ -1,0 +1,227 @@
+#include "access/catalog/Dump.h"
+
+#include <algorithm>
+#include <set>
+
+#include "access/catalog/JsonTree.h"
+#include "access/catalog/Names.h"
+#include "access/file/Format.h"
+#include "access/table/TsvValue.h"
+
+namespace tavi::access {
+
+namespace {
+
+using Kind = LogicalIndexDefinition::Kind;
+
+const char* TypeName(ColumnType type) {
+  switch (type) {
+    case ColumnType::Boolean:
+      return "Boolean";
+    case ColumnType::Byte:
+      return "Byte";
+    case ColumnType::Integer:
+      return "Integer";
+    case ColumnType::Long:
+      return "Long";
+    case ColumnType::Currency:
+      return "Currency";
+    case ColumnType::Single:
+      return "Single";
+    case ColumnType::Double:
+      return "Double";
+    case ColumnType::Date:
+      return "DateTime";
+    case ColumnType::Text:
+      return "Text";
+    case ColumnType::Memo:
+      return "Memo";
+    case ColumnType::Ole:
+      return "OLE";
+    case ColumnType::Binary:
+      return "Binary";
+    case ColumnType::Guid:
+      return "GUID";
+    case ColumnType::Numeric:
+      return "Numeric";
+    default:
+      return "other";
+  }
+}
+
+/// Positions of the columns in the order of their permanent numbers.
+std::vector<std::size_t> ColumnOrder(const Table& table) {
+  std::vector<std::size_t> positions(table.Columns().size());
+  for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = i;
+  std::ranges::stable_sort(positions, {}, [&](std::size_t i) { return table.Columns()[i].definition.id; });
+  return positions;
+}
+
+JsonTree ColumnTree(const Column& column, bool isJet3) {
+  const ColumnDefinition& definition = column.definition;
+  JsonTree tree = JsonTree::Object();
+  tree.Set("name", JsonTree::Text(definition.name));
+  tree.Set("type", JsonTree::Text(TypeName(definition.type)));
+  tree.Set("number", JsonTree::Number(definition.id));
+  const bool isWideText = definition.type == ColumnType::Text && !isJet3;
+  const std::size_t length = isWideText ? definition.length / 2U : definition.length;
+  tree.Set("length", JsonTree::Number(definition.IsLongValue() ? 0 : length));
+  if (definition.type == ColumnType::Numeric) {
+    tree.Set("precision", JsonTree::Number(definition.precision));
+    tree.Set("scale", JsonTree::Number(definition.scale));
+  }
+  const bool isGuidNumber = (definition.flags & format::column_flag::kAutonumberGuid) != 0;
+  tree.Set("variable", JsonTree::Flag(!definition.IsFixed()));
+  tree.Set("autonumber", JsonTree::Flag(definition.IsAutoNumber() || isGuidNumber));
+  tree.Set("required", JsonTree::Flag(column.required));
+  return tree;
+}
+
+JsonTree IndexTree(const Table& table, const LogicalIndexDefinition& logical) {
+  RealIndexDefinition real;
+  const auto& indexes = table.Definition().realIndexes;
+  if (logical.realIndex < indexes.size()) real = indexes[logical.realIndex];
+  JsonTree columns = JsonTree::Array();
+  for (const IndexColumn& column : real.columns) {
+    const ColumnDefinition* definition = table.Definition().FindColumn(column.columnId);
+    JsonTree tree = JsonTree::Object();
+    tree.Set("name", JsonTree::Text(definition == nullptr ? std::string() : definition->name));
+    columns.Add(std::move(tree.Set("ascending", JsonTree::Flag(column.ascending))));
+  }
+  JsonTree tree = JsonTree::Object();
+  tree.Set("name", JsonTree::Text(logical.name)).Set("columns", std::move(columns));
+  tree.Set("unique", JsonTree::Flag(real.unique || logical.kind == Kind::PrimaryKey));
+  tree.Set("primaryKey", JsonTree::Flag(logical.kind == Kind::PrimaryKey));
+  tree.Set("ignoreNulls", JsonTree::Flag(real.ignoreNulls)).Set("required", JsonTree::Flag(real.required));
+  tree.Set("foreignKey", JsonTree::Flag(logical.kind == Kind::Relationship));
+  return tree;
+}
+
+std::string FileName(const std::string& table) {
+  constexpr std::string_view kKept = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 ._-()";
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
+  std::string name;
+  for (const char character : table) {
+    const auto byte = static_cast<unsigned char>(character);
+    if (kKept.find(character) != std::string_view::npos) {
+      name += character;
+    } else {
+      name += {'%', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
+    }
+  }
+  return name + ".tsv";
+}
+
+JsonTree TableTree(const Table& table, std::size_t rows, bool isJet3) {
+  JsonTree columns = JsonTree::Array();
+  for (const std::size_t i : ColumnOrder(table)) columns.Add(ColumnTree(table.Columns()[i], isJet3));
+  std::vector<LogicalIndexDefinition> sorted = table.Definition().logicalIndexes;
+  std::ranges::stable_sort(sorted, {}, &LogicalIndexDefinition::name);
+  JsonTree indexes = JsonTree::Array();
+  for (const LogicalIndexDefinition& logical : sorted) indexes.Add(IndexTree(table, logical));
+  JsonTree tree = JsonTree::Object();
+  tree.Set("name", JsonTree::Text(table.Name())).Set("file", JsonTree::Text(FileName(table.Name())));
+  tree.Set("rows", JsonTree::Number(rows));
+  tree.Set("columns", std::move(columns)).Set("indexes", std::move(indexes));
+  return tree;
+}
+
+JsonTree RelationshipTree(const Relationship& relationship) {
+  JsonTree tree = JsonTree::Object();
+  tree.Set("name", JsonTree::Text(relationship.name));
+  tree.Set("primaryTable", JsonTree::Text(relationship.primaryTable));
+  tree.Set("primaryColumns", JsonTree::Texts(relationship.primaryColumns));
+  tree.Set("foreignTable", JsonTree::Text(relationship.foreignTable));
+  tree.Set("foreignColumns", JsonTree::Texts(relationship.foreignColumns));
+  tree.Set("enforced", JsonTree::Flag(relationship.enforced));
+  tree.Set("cascadeUpdate", JsonTree::Flag(relationship.cascadeUpdates));
+  tree.Set("cascadeDelete", JsonTree::Flag(relationship.cascadeDeletes));
+  return tree;
+}
+
+std::vector<std::string> LinesOf(Table& table) {
+  const std::vector<std::size_t> order = ColumnOrder(table);
+  std::vector<std::string> lines;
+  for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
+    const RowValues values = table.Read(*row);
+    std::string line;
+    for (const std::size_t i : order) line += (i == order.front() ? "" : "\t") + TsvText(values[i]);
+    lines.push_back(std::move(line));
+  }
+  std::ranges::sort(lines);
+  return lines;
+}
+
+std::string Header(const Table& table) {
+  std::string header;
+  for (const std::size_t i : ColumnOrder(table))
+    header += (header.empty() ? "" : "\t") + TsvText(table.Columns()[i].definition.name);
+  return header + "\n";
+}
+
+/// The tables and links of users, each list ordered by name.
+struct UserObjects {
+  std::vector<std::string> tables;
+  std::vector<std::string> links;
+};
+
+UserObjects FindUserObjects(Database& database) {
+  UserObjects objects;
+  for (const CatalogEntry& entry : database.Tables())
+    if (!entry.isSystem) (entry.isLinked ? objects.links : objects.tables).push_back(entry.name);
+  std::ranges::sort(objects.tables);
+  std::ranges::sort(objects.links);
+  return objects;
+}
+
+/// The relationships in which no table of the system takes part, ordered by name.
+std::vector<Relationship> FindUserRelationships(Database& database) {
+  std::set<std::string> systemTables;
+  for (const CatalogEntry& entry : database.Tables())
+    if (entry.isSystem) systemTables.insert(NameKey(entry.name));
+  std::vector<Relationship> relationships;
+  for (const Relationship& relationship : database.Relationships()) {
+    const bool isSystem = systemTables.contains(NameKey(relationship.primaryTable)) ||
+                          systemTables.contains(NameKey(relationship.foreignTable));
+    if (!isSystem) relationships.push_back(relationship);
+  }
+  std::ranges::stable_sort(relationships, {}, &Relationship::name);
+  return relationships;
+}
+
+std::string JoinLines(const std::string& header, const std::vector<std::string>& lines) {
+  std::string text = header;
+  for (const std::string& line : lines) text.append(line).push_back('\n');
+  return text;
+}
+
+}  // namespace
+
+void DumpDatabase(Database& database,
+                  const std::function<void(const std::string& name, const std::string& text)>& write) {
+  const ReadStatement statement(database.GetPager());
+  const bool isJet3 = database.GetPager().IsJet3();
+  const UserObjects objects = FindUserObjects(database);
+  JsonTree tables = JsonTree::Array();
+  for (const std::string& name : objects.tables) {
+    const std::shared_ptr<Table> table = database.OpenTable(name);
+    const std::vector<std::string> lines = LinesOf(*table);
+    tables.Add(TableTree(*table, lines.size(), isJet3));
+    write(FileName(name), JoinLines(Header(*table), lines));
+  }
+  JsonTree relationships = JsonTree::Array();
+  for (const Relationship& relationship : FindUserRelationships(database))
+    relationships.Add(RelationshipTree(relationship));
+  JsonTree schema = JsonTree::Object();
+  schema.Set("jet", JsonTree::Number(isJet3 ? 3 : 4)).Set("tables", std::move(tables));
+  schema.Set("relationships", std::move(relationships)).Set("linkedTables", JsonTree::Texts(objects.links));
+  write("schema.json", schema.Write() + "\n");
+}
+
+std::string TableText(Database& database, const std::string& table) {
+  const ReadStatement statement(database.GetPager());
+  const std::shared_ptr<Table> opened = database.OpenTable(table);
+  return JoinLines(Header(*opened), LinesOf(*opened));
+}
+
+}  // namespace tavi::access

@@ -1,0 +1,50 @@
+#include "host/tools/Dump.h"
+
+#include <filesystem>
+#include <fstream>
+
+#include "access/catalog/Dump.h"
+#include "host/tools/OpenFile.h"
+#include "platform/values/Error.h"
+#include "util/NativePath.h"
+
+namespace tavi::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+void MakeFolder(const fs::path& folder) {
+  std::error_code code;
+  fs::create_directories(folder, code);
+  if (code)
+    throw Error(ErrorNumber::InvalidArgument, "tavi",
+                "the folder " + folder.string() + " cannot be made: " + code.message());
+  if (!fs::is_empty(folder, code) || code) {
+    throw Error(ErrorNumber::InvalidArgument, "tavi",
+                "the folder " + folder.string() +
+                    " is not empty; name a new one, so that no other file is taken for a "
+                    "table of this dump");
+  }
+}
+
+void WriteFile(const fs::path& path, const std::string& text) {
+  std::ofstream stream(path, std::ios::binary);
+  stream << text;
+  stream.close();
+  if (!stream)
+    throw Error(ErrorNumber::InvalidArgument, "tavi", path.string() + " cannot be written; is the disk full?");
+}
+
+}  // namespace
+
+int Dump(const Context& context, const std::string& file, const std::string& folder) {
+  const std::unique_ptr<access::Database> database = OpenToRead(context, file);
+  const fs::path target = NativeFilePath(folder);
+  MakeFolder(target);
+  access::DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
+    WriteFile(target / NativeFilePath(name), text);
+  });
+  return kSucceeded;
+}
+
+}  // namespace tavi::host
