@@ -1,0 +1,117 @@
+#!/usr/bin/env python3
+"""Shows that scripts/check-operations accepts this checkout and refuses copies of it that were tampered with."""
+
+import pathlib
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+PAGE = "docs/operations.md"
+HEADER = "src/facade/MembershipDatabase.h"
+WALK_TEST = "tests/members/WalkTest.cpp"
+
+
+def is_looked_at(name):
+    return name.endswith((".h", ".cpp", ".md")) or name == "CMakeLists.txt"
+
+
+class CheckOperations(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.root = pathlib.Path(self.folder.name)
+        for top in ("docs", "src", "tests"):
+            shutil.copytree(ROOT / top, self.root / top,
+                            ignore=lambda folder, names: [name for name in names
+                                                          if not is_looked_at(name)
+                                                          and not (pathlib.Path(folder) / name).is_dir()])
+
+    def tearDown(self):
+        self.folder.cleanup()
+
+    def doctor(self, file, old, new):
+        path = self.root / file
+        text = path.read_text(encoding="utf-8")
+        self.assertIn(old, text)
+        path.write_text(text.replace(old, new, 1), encoding="utf-8")
+
+    def row_of(self, name, kind="method"):
+        lines = (self.root / PAGE).read_text(encoding="utf-8").splitlines(keepends=True)
+        return next(line for line in lines if line.startswith(f"| `{name}` | {kind} |"))
+
+    def findings(self):
+        run = subprocess.run([sys.executable, ROOT / "scripts/check-operations", self.root], capture_output=True,
+                             text=True, check=False)
+        self.assertEqual(run.stderr, "")
+        self.assertEqual(run.returncode, 1 if run.stdout else 0)
+        return run.stdout
+
+    def test_accepts_the_page_as_it_is(self):
+        self.assertEqual(self.findings(), "")
+
+    def test_refuses_an_operation_without_a_row(self):
+        self.doctor(PAGE, self.row_of("DeletePair"), "")
+        self.assertIn("MembershipDatabase.DeletePair (method or get) has 0 rows", self.findings())
+
+    def test_refuses_an_operation_with_two_rows(self):
+        self.doctor(PAGE, self.row_of("DeletePair"), self.row_of("DeletePair") * 2)
+        self.assertIn("MembershipDatabase.DeletePair (method or get) has 2 rows", self.findings())
+
+    def test_refuses_a_row_of_an_operation_that_is_gone(self):
+        self.doctor(HEADER, "void RecalculateAllHandicaps();", "")
+        self.assertIn("`RecalculateAllHandicaps` (method) is not declared", self.findings())
+
+    def test_refuses_a_new_operation_that_the_page_does_not_know(self):
+        self.doctor(HEADER, "void RecalculateAllHandicaps();", "void RecalculateAllHandicaps();\n  void Forget();")
+        self.assertIn("MembershipDatabase.Forget (method or get) has 0 rows", self.findings())
+
+    def test_refuses_a_missing_half_of_a_property(self):
+        self.doctor(PAGE, self.row_of("ClubName", "let"), "")
+        self.assertIn("MembershipDatabase.ClubName (let) has 0 rows", self.findings())
+
+    def test_refuses_another_name_type_direction_or_default_of_an_argument(self):
+        for old, new in (("`MemberNo` 32-bit in", "`Number` 32-bit in"), ("`NameFormat` 16-bit", "`NameFormat` 32-bit"),
+                         ("`EBUNumber` text out", "`EBUNumber` text in"), ("optional (empty)", "optional (none)"),
+                         ("; `DefaultName` text in optional (empty)", "")):
+            with self.subTest(new):
+                good = self.row_of("GetNameAndEBUNumber")
+                self.doctor(PAGE, good, good.replace(old, new))
+                self.assertIn("`GetNameAndEBUNumber`: the arguments are", self.findings())
+                self.doctor(PAGE, good.replace(old, new), good)
+
+    def test_refuses_another_result_or_kind(self):
+        row = self.row_of("IsValidMemberID")
+        self.doctor(PAGE, row, row.replace("| boolean |", "| 32-bit |").replace("| method |", "| let |"))
+        findings = self.findings()
+        self.assertIn("`IsValidMemberID`: the result is 32-bit, the header says boolean", findings)
+        self.assertIn("`IsValidMemberID`: the kind is let", findings)
+
+    def test_refuses_an_error_number_that_nobody_raises(self):
+        row = self.row_of("AllEmailAddresses", "get")
+        self.doctor(PAGE, row, row.replace("0x800A01C9", "0x800A01CA"))
+        self.assertIn("0x800A01CA is no error number", self.findings())
+
+    def test_refuses_a_row_without_a_test(self):
+        row = self.row_of("DeleteMember")
+        self.doctor(PAGE, row, row[:row.rindex("| `")] + "| |\n")
+        self.assertIn("`DeleteMember`: names no test", self.findings())
+
+    def test_refuses_tests_that_are_gone_disabled_commented_out_or_not_built(self):
+        declaration = "TEST_F(WalkTest, GivesTheActiveMembersAndEndsOnce) {"
+        name = "the test WalkTest.GivesTheActiveMembersAndEndsOnce"
+        for file, old, new, finding in (
+                (WALK_TEST, "EndsOnce) {", "EndsTwice) {", "does not exist"),
+                (WALK_TEST, declaration, declaration.replace(", ", ", DISABLED_"), "is disabled or not built"),
+                (WALK_TEST, declaration, "// " + declaration, "does not exist"),
+                ("tests/members/CMakeLists.txt", "WalkTest.cpp", "", "is disabled or not built")):
+            with self.subTest(new or "not built"):
+                before = (self.root / file).read_text(encoding="utf-8")
+                self.doctor(file, old, new)
+                self.assertIn(f"{name} {finding}", self.findings())
+                (self.root / file).write_text(before, encoding="utf-8")
+
+
+if __name__ == "__main__":
+    unittest.main()
