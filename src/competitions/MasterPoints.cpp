@@ -1,39 +1,65 @@
 #include "competitions/MasterPoints.h"
 
 #include "competitions/CompetitionAttributes.h"
-#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+#include "store/Arguments.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
 namespace {
 
 constexpr std::int32_t kNoMember = -1;
+constexpr std::size_t kLongestName = 255;
+constexpr const char* kPoints = "the number of master points";
+
+/// A name is kept for who is no member only.
+std::string KeptName(std::int32_t memberNumber, const std::string& name) {
+  return memberNumber == kNoMember ? name : std::string();
+}
+
+void RequireName(std::int32_t memberNumber, const std::string& name, const char* what) {
+  RequireLength(cDatabase::StoredText(KeptName(memberNumber, name)), kLongestName, what);
+}
+
+/// Nobody's award bears a longer name.
+bool IsStorable(const std::string& name) {
+  return TextLength(cDatabase::StoredText(name)) <= kLongestName;
+}
 
 }  // namespace
 
 void AddMasterPoints(cDatabase& database, const MasterPointAward& award, const Competitors& players) {
   if (award.MasterPoints == 0.0) return;
+  RequireNumber(award.MasterPoints, kPoints);
+  RequireName(players.Player1ID, players.P1Name, "the first player's name");
   OpenUse use(database);
-  try {
-    const CompetitionAttributes attributes = ReadCompetitionAttributes(database, award.CompetitionID);
+  // An error of the database leaves the file open once more: programs know it that way.
+  const auto run = [&use](const auto& step) {
+    try {
+      step();
+    } catch (...) {
+      use.KeepOpen();
+      throw;
+    }
+  };
+  bool isIndividual = false;
+  run([&] { isIndividual = ReadCompetitionAttributes(database, award.CompetitionID).Individual; });
+  if (!isIndividual) RequireName(players.Player2ID, players.P2Name, "the second player's name");
+  run([&] {
     InsertMasterPointsRow(database, award, players.Player1ID, players.P1Name);
-    if (!attributes.Individual) InsertMasterPointsRow(database, award, players.Player2ID, players.P2Name);
-  } catch (...) {
-    use.KeepOpen();
-    throw;
-  }
+    if (!isIndividual) InsertMasterPointsRow(database, award, players.Player2ID, players.P2Name);
+  });
   use.Close();
 }
 
 void InsertMasterPointsRow(cDatabase& database, const MasterPointAward& award, std::int32_t MemberID,
                            const std::string& Name) {
-  const std::string storedName = MemberID == kNoMember ? Name : std::string();
   database.Execute(
       "Insert into MasterPoints (MembershipNumber, NonMemberName, CompetitionID, SessionNo, MasterPoints, Colour, "
       "Status, RecordUpdated) Values (" +
-      std::to_string(MemberID) + ", " + cDatabase::SQLString(storedName) + ", " + std::to_string(award.CompetitionID) +
-      ", " + std::to_string(award.SessionNo) + ", " + NumberText(award.MasterPoints) + ", " +
-      std::to_string(award.Colour) + ", 0, 1)");
+      std::to_string(MemberID) + ", " + cDatabase::SQLString(KeptName(MemberID, Name)) + ", " +
+      std::to_string(award.CompetitionID) + ", " + std::to_string(award.SessionNo) + ", " +
+      cDatabase::SQLNumber(award.MasterPoints, kPoints) + ", " + std::to_string(award.Colour) + ", 0, 1)");
 }
 
 void ClearCompetitorMasterPoints(cDatabase& database, std::int32_t CompetitionID, std::int32_t MemberID,
@@ -42,7 +68,7 @@ void ClearCompetitorMasterPoints(cDatabase& database, std::int32_t CompetitionID
       "Delete from MasterPoints Where CompetitionID = " + std::to_string(CompetitionID) + " And ";
   if (MemberID != kNoMember) {
     database.Execute(statement + "MembershipNumber = " + std::to_string(MemberID));
-  } else if (!Name.empty()) {
+  } else if (!Name.empty() && IsStorable(Name)) {
     database.Execute(statement + "MembershipNumber < 0 and NonMemberName = " + cDatabase::SQLString(Name));
   }
 }

@@ -4,6 +4,7 @@
 #include "competitions/MasterPoints.h"
 #include "handicaps/HandicapCalculation.h"
 #include "platform/values/Convert.h"
+#include "store/Arguments.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
@@ -11,17 +12,19 @@ namespace {
 
 constexpr std::int32_t kNoMember = -1;
 constexpr std::int16_t kFirstSession = 1;
+constexpr std::size_t kLongestName = 255;
+constexpr std::size_t kLongestBody = 20;
+constexpr const char* kActual = "the actual percentage";
+constexpr const char* kNet = "the net percentage";
 
 /// True as the integer that a column of numbers holds for it.
 std::int16_t TruthNumber(bool truth) {
   return truth ? std::int16_t{-1} : std::int16_t{0};
 }
 
-std::unique_ptr<ado::Recordset> OpenCompetition(cDatabase& database, const CompetitionRegistration& registration) {
-  return database.OpenRecordset(
-      "Select * from Competitions Where CompetitionName = " + cDatabase::SQLString(registration.CompName) +
-          " And CompetitionDate = " + cDatabase::SQLDate(registration.CompDate),
-      ado::CursorType::Dynamic);
+std::string SelectOf(const CompetitionRegistration& registration) {
+  return "Select * from Competitions Where CompetitionName = " + cDatabase::SQLString(registration.CompName) +
+         " And CompetitionDate = " + cDatabase::SQLDate(registration.CompDate);
 }
 
 std::int32_t AddCompetition(ado::Recordset& rows, const CompetitionRegistration& registration) {
@@ -58,20 +61,27 @@ void StoreAttributes(ado::Recordset& row, const CompetitionRegistration& registr
   row.Update();
 }
 
+void RequireNumbers(const CompetitorResult& result) {
+  RequireNumber(result.ActualPercent, kActual);
+  RequireNumber(result.NetPercent, kNet);
+  RequireNumber(result.AppliedHandicap, "the applied handicap");
+}
+
 void InsertResult(cDatabase& database, const CompetitorResult& result) {
   database.Execute("Insert into Results (Competition, Player, Partner,  ActualPercentage,  NetPercentage) Values (" +
                    std::to_string(result.CompetitionID) + ", " + std::to_string(result.Players.Player1ID) + ", " +
-                   std::to_string(result.Players.Player2ID) + ", " + NumberText(result.ActualPercent) + ", " +
-                   NumberText(result.NetPercent) + ")");
+                   std::to_string(result.Players.Player2ID) + ", " +
+                   cDatabase::SQLNumber(result.ActualPercent, kActual) + ", " +
+                   cDatabase::SQLNumber(result.NetPercent, kNet) + ")");
 }
 
 std::string SetMemberHandicap(double handicap, std::int32_t memberNumber) {
-  return "Update Members Set Handicap = " + NumberText(handicap) +
+  return "Update Members Set Handicap = " + cDatabase::SQLNumber(handicap, "the handicap") +
          " Where MembershipNumber = " + std::to_string(memberNumber);
 }
 
 void StorePairHandicap(cDatabase& database, const Competitors& pair, double handicap) {
-  database.Execute("Update Partnerships Set Handicap = " + NumberText(handicap) + " Where " +
+  database.Execute("Update Partnerships Set Handicap = " + cDatabase::SQLNumber(handicap, "the handicap") + " Where " +
                    cDatabase::PairWhereClause(pair.Player1ID, pair.Player2ID));
 }
 
@@ -118,9 +128,12 @@ void NoteAndAward(ResultUpdate& update, cDatabase& database, const CompetitorRes
 std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const CompetitionRegistration& registration) {
   currentCompetitionInHandicaps_ = registration.IncludeInHandicaps;
   held_.LoadHandicalcSettings(database);
+  RequireLength(registration.CompName, kLongestName, "the competition's name");
+  RequireLength(registration.Gov, kLongestBody, "the governing body");
+  const std::string select = SelectOf(registration);
   // EndResultUpdate makes the matching CloseDB.
   database.OpenDB();
-  const auto row = OpenCompetition(database, registration);
+  const auto row = database.OpenRecordset(select, ado::CursorType::Dynamic);
   const std::int32_t identifier =
       row->AtEnd() ? AddCompetition(*row, registration) : PrepareForReplacement(database, *row);
   StoreAttributes(*row, registration);
@@ -128,6 +141,7 @@ std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const Competiti
 }
 
 void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorResult& result) {
+  RequireNumbers(result);
   OpenUse use(database);
   const bool isIndividual = ReadCompetitionAttributes(database, result.CompetitionID).Individual;
   CompetitorResult noted = result;
@@ -162,6 +176,7 @@ void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult&
 }
 
 void ResultUpdate::UpdateResult(cDatabase& database, const CompetitorResult& result, std::int16_t MasterPoints) {
+  RequireNumbers(result);
   OpenUse use(database);
   ReadCompetitionColour(database, result.CompetitionID);
   for (;;) {

@@ -1,5 +1,6 @@
 #include "handicaps/HandicapCalculation.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -16,13 +17,14 @@ constexpr std::int32_t kNotNoMember = 0;
 constexpr std::int16_t kPlayersAlone = 50;
 constexpr std::int16_t kJointResultsAlone = 100;
 constexpr int kDecimals = 2;
+constexpr double kFirstDay = -657434.0;  // 1 January 100
 constexpr const char* kCountingCompetitions = "IncludeInHandicapCalculations <> 0 And ScoringMethod = 0";
 
 /// The same time of day some weeks earlier. The days of a date count backwards from day 0, its time of day never does.
 Date WeeksBefore(Date date, std::int32_t weeks) {
   const double day = std::trunc(date.days);
   const double timeOfDay = std::abs(date.days - day);
-  const double earlier = day - 7.0 * weeks;
+  const double earlier = std::max(day - 7.0 * weeks, kFirstDay);
   return Date{earlier < 0 ? earlier - timeOfDay : earlier + timeOfDay};
 }
 
@@ -60,9 +62,10 @@ Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const Hand
     unknown.SetPartnershipHandicap(settings->UnknownPlayerHandicap());
     return unknown;
   }
+  HandicapCalculation calculation(database, *settings, std::move(asked));
   // Deliberately without its CloseDB.
   database.OpenDB();
-  return HandicapCalculation(database, *settings, std::move(asked)).Run();
+  return calculation.Run();
 }
 
 HandicapCalculation::HandicapCalculation(cDatabase& database, const HandiCalcSettings& settings,

@@ -1,5 +1,6 @@
 #include "handicaps/HandicapResultList.h"
 
+#include <cmath>
 #include <iterator>
 
 namespace tavi {
@@ -36,7 +37,12 @@ double AverageOf(const HandicapResultList& List, std::int32_t playerNumber, doub
   if (List.IsEmpty()) return playerNumber == kNoMember ? unknownPlayerHandicap : kNeutralHandicap;
   double sum = 0.0;
   for (const auto& [key, entry] : List) sum += entry.Percentage();
-  return sum / static_cast<double>(List.Count());
+  const auto count = static_cast<double>(List.Count());
+  if (std::isfinite(sum)) return sum / count;
+  // Enormous percentages, whose sum alone is too large for a number.
+  double mean = 0.0;
+  for (const auto& [key, entry] : List) mean += entry.Percentage() / count;
+  return mean;
 }
 
 }  // namespace tavi

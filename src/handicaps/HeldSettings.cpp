@@ -23,8 +23,10 @@ std::string InsertStatement(const HandiCalcSettings& settings) {
   return "Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
          "RegularPairAdd, UnknownPlayerHandicap, Disabled) Values (" +
          std::to_string(settings.MaxWeeks()) + ", " + std::to_string(settings.MaxResults()) + ", " +
-         std::to_string(settings.SamePartnerWeighting()) + ", " + NumberText(settings.RegularPairMultiplier()) + ", " +
-         NumberText(settings.RegularPairAdd()) + ", " + NumberText(settings.UnknownPlayerHandicap()) + ", 0)";
+         std::to_string(settings.SamePartnerWeighting()) + ", " +
+         cDatabase::SQLNumber(settings.RegularPairMultiplier(), "RegularPairMultiplier") + ", " +
+         cDatabase::SQLNumber(settings.RegularPairAdd(), "RegularPairAdd") + ", " +
+         cDatabase::SQLNumber(settings.UnknownPlayerHandicap(), "UnknownPlayerHandicap") + ", 0)";
 }
 
 }  // namespace
@@ -56,11 +58,13 @@ HandiCalcSettings HeldSettings::HandicalcOptions(cDatabase& database) {
 }
 
 void HeldSettings::SetHandicalcOptions(cDatabase& database, const std::shared_ptr<HandiCalcSettings>& settings) {
+  // First of all, so that a value that cannot be stored changes nothing.
+  const std::string insert = settings ? InsertStatement(*settings) : std::string();
   held_ = settings;
   Require().SetDisabled(false);
   OpenUse use(database);
   database.Execute("Delete from HandicalcSettings");
-  database.Execute(InsertStatement(*settings));
+  database.Execute(insert);
 }
 
 bool HeldSettings::HandiCalcDisabled(cDatabase& database) {

@@ -1,4 +1,5 @@
 #include <array>
+#include <limits>
 
 #include "names/NameText.h"
 #include "platform/values/Convert.h"
@@ -44,7 +45,7 @@ std::string InsertStatement(std::int32_t number, const MemberDetails& details, c
                                            cDatabase::SQLDate(details.JoinDate),
                                            cDatabase::SQLDate(details.LastPaid),
                                            cDatabase::SQLDate(details.NextDue),
-                                           NumberText(details.Subs),
+                                           cDatabase::SQLNumber(details.Subs, "the subscription"),
                                            details.Privacy ? "1" : "0"};
   std::string joined;
   for (const std::string& value : values) joined += (joined.empty() ? "" : ", ") + value;
@@ -60,14 +61,21 @@ std::int32_t cDatabase::NextAvailableMemberNo() {
   OpenUse use(*this);
   const auto row = OpenRecordset("Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc");
   if (row->AtEnd()) return 1;
-  return ToInt32(static_cast<double>(GetNumericField(*row, "MembershipNumber")) + 1.0);
+  const std::int32_t highest = GetNumericField(*row, "MembershipNumber");
+  if (highest == std::numeric_limits<std::int32_t>::max()) {
+    throw Error(ErrorNumber::Overflow, "cDatabase",
+                "Overflow: there is no membership number behind " + std::to_string(highest) +
+                    "; give the member who has it another one.");
+  }
+  return highest + 1;
 }
 
 std::int32_t cDatabase::AddMember(const MemberDetails& details) {
   OpenUse use(*this);
   const std::int32_t number = details.RequiredID == kNoMember ? NextAvailableMemberNo() : details.RequiredID;
+  const std::string setHandicap = "Update Members Set Handicap = " + SQLNumber(details.Handicap, "the handicap") + " ";
   Execute(InsertStatement(number, details, *platform_->nameKeyService));
-  Execute("Update Members Set Handicap = " + NumberText(details.Handicap) + " " + WhereNumberIs(number));
+  Execute(setHandicap + WhereNumberIs(number));
   SetNameUniquenessFlags(details.FirstName);
   return number;
 }

@@ -112,7 +112,8 @@ double GetActiveHandicap(cDatabase& database, std::int32_t MemberID) {
 }
 
 void SetActiveHandicap(cDatabase& database, std::int32_t MemberID, double NewHandicap) {
-  database.Execute("Update Members Set Handicap = " + NumberText(NewHandicap) + " " + WhereActiveNumberIs(MemberID));
+  database.Execute("Update Members Set Handicap = " + cDatabase::SQLNumber(NewHandicap, "the handicap") + " " +
+                   WhereActiveNumberIs(MemberID));
 }
 
 bool IsValidMemberID(cDatabase& database, std::int32_t MemberID) {

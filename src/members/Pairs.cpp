@@ -2,7 +2,6 @@
 
 #include "members/Members.h"
 #include "names/cPartnership.h"
-#include "platform/values/Convert.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
@@ -42,8 +41,8 @@ void DeletePair(cDatabase& database, std::int32_t MemberID1, std::int32_t Member
 }
 
 void SetPairHandicap(cDatabase& database, std::int32_t MemberID1, std::int32_t MemberID2, double NewHandicap) {
-  database.Execute("Update Partnerships Set Handicap = " + NumberText(NewHandicap) + " Where " +
-                   cDatabase::PairWhereClause(MemberID1, MemberID2) + " And Active <> 0");
+  database.Execute("Update Partnerships Set Handicap = " + cDatabase::SQLNumber(NewHandicap, "the pair's handicap") +
+                   " Where " + cDatabase::PairWhereClause(MemberID1, MemberID2) + " And Active <> 0");
 }
 
 std::string GetPairName(cDatabase& database, const NamedPlayer& Player1, const NamedPlayer& Player2,

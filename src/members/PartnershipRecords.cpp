@@ -1,6 +1,6 @@
 #include <algorithm>
+#include <cmath>
 
-#include "platform/values/Convert.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 
@@ -10,14 +10,20 @@ namespace {
 constexpr const char* kSource = "cDatabase";
 constexpr double kNeutralHandicap = 50.0;
 
+/// Halved first where the sum would be no number any more.
+double Mean(double left, double right) {
+  const double mean = (left + right) / 2.0;
+  return std::isfinite(mean) ? mean : left / 2.0 + right / 2.0;
+}
+
 std::string InsertStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
   return "Insert into Partnerships (LowerPlayer, HigherPlayer, HigherFirst, Handicap, KnownAs) Values (" +
          std::to_string(std::min(P1, P2)) + ", " + std::to_string(std::max(P1, P2)) + ", " + (P1 > P2 ? "1" : "0") +
-         ", " + NumberText(handicap) + ", " + cDatabase::SQLString(knownAs) + ")";
+         ", " + cDatabase::SQLNumber(handicap, "the pair's handicap") + ", " + cDatabase::SQLString(knownAs) + ")";
 }
 
 std::string ReactivateStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
-  return "Update Partnerships Set Active = 1, Handicap = " + NumberText(handicap) +
+  return "Update Partnerships Set Active = 1, Handicap = " + cDatabase::SQLNumber(handicap, "the pair's handicap") +
          ", KnownAs = " + cDatabase::SQLString(knownAs) + " Where " + cDatabase::PairWhereClause(P1, P2);
 }
 
@@ -42,7 +48,7 @@ bool cDatabase::IsRegularPartnership(std::int32_t P1, std::int32_t P2, std::stri
 void cDatabase::MakeRegularPartnership(std::int32_t P1, std::int32_t P2, double Handicap, bool ErrorIfAlreadyExists,
                                        const std::string& KnownAs) {
   OpenUse use(*this);
-  const double handicap = Handicap < 0.0 ? (GetHandicap(P1) + GetHandicap(P2)) / 2.0 : Handicap;
+  const double handicap = Handicap < 0.0 ? Mean(GetHandicap(P1), GetHandicap(P2)) : Handicap;
   if (P1 == P2) throw Error(ErrorNumber::Component, kSource, "You cannot partner a player with themself.");
 
   std::string storedName;

@@ -1,23 +1,34 @@
-#include <cmath>
-
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
+#include "store/Arguments.h"
 #include "store/cDatabase.h"
 
 namespace tavi {
+namespace {
+
+/// The database takes statements of 64,000 characters.
+constexpr std::size_t kLongestText = 60'000;
+
+}  // namespace
 
 std::string cDatabase::SQLDate(Date SomeDate) {
-  return std::to_string(ToInt32(RoundHalfEven(SomeDate.days, 0)));
+  return std::to_string(ToInt32(RoundHalfEven(RequireDate(SomeDate, "a date").days, 0)));
+}
+
+std::string cDatabase::SQLNumber(double Number, const std::string& What) {
+  return NumberText(RequireNumber(Number, What));
+}
+
+std::string cDatabase::StoredText(std::string_view text) {
+  // The percent sign is the escape character, so it goes first.
+  return ReplaceAll(ReplaceAll(ReplaceAll(Trim(text), "%", "%p"), "\r", "%c"), "\n", "%l");
 }
 
 std::string cDatabase::SQLString(std::string_view StringValue, bool EnsureNotEmpty) {
-  std::string text = Trim(StringValue);
+  std::string text = StoredText(StringValue);
   if (text.empty() && EnsureNotEmpty) text = " ";
-  // The percent sign is the escape character, so it goes first.
-  text = ReplaceAll(text, "%", "%p");
-  text = ReplaceAll(text, "\r", "%c");
-  text = ReplaceAll(text, "\n", "%l");
   text = ReplaceAll(text, "'", "''");
+  if (text.size() > kLongestText) RequireLength(text, kLongestText, "a text");
   return "'" + text + "'";
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
+#include "store/Arguments.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 #include "util/TextHelpers.h"
@@ -120,7 +121,7 @@ Date cDatabase::LastGotEBUNumbers() {
 
 void cDatabase::SetLastGotEBUNumbers(Date NewDate) {
   OpenUse use(*this);
-  Store(*OpenSettingsRow(), kEbuListColumn, NewDate);
+  Store(*OpenSettingsRow(), kEbuListColumn, RequireDate(NewDate, "the date of the last list"));
 }
 
 Date cDatabase::LastUploadDate() {
@@ -130,7 +131,7 @@ Date cDatabase::LastUploadDate() {
 
 void cDatabase::SetLastUploadDate(Date NewDate) {
   OpenUse use(*this);
-  Store(*OpenSettingsRow(), kUploadDateColumn, NewDate);
+  Store(*OpenSettingsRow(), kUploadDateColumn, RequireDate(NewDate, "the date of the last upload"));
 }
 
 std::string cDatabase::LatestClubName() {

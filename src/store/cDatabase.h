@@ -89,11 +89,16 @@ class cDatabase {
   // --- SQL literals (store/Literals.cpp) -----------------------------------------------------------------------------
 
   /// The day number, rounded to the nearest day (ties to even), as plain decimal text: callers compare date columns
-  /// with it.
+  /// with it. Raises InvalidArgument for a date outside the years 100 to 9999.
   [[nodiscard]] static std::string SQLDate(Date SomeDate);
   /// A quoted text: trimmed, "%", carriage return and line feed escaped as %p, %c, %l, quotes doubled. An empty text
-  /// becomes a single blank when EnsureNotEmpty.
+  /// becomes a single blank when EnsureNotEmpty. Raises InvalidArgument for a text that no statement can hold (60,000
+  /// characters).
   [[nodiscard]] static std::string SQLString(std::string_view StringValue, bool EnsureNotEmpty = false);
+  /// A text as a column written through SQLString holds it: trimmed and escaped, without quotes.
+  [[nodiscard]] static std::string StoredText(std::string_view text);
+  /// The decimal text of a number. Raises InvalidArgument for one that a file cannot hold (RequireNumber).
+  [[nodiscard]] static std::string SQLNumber(double Number, const std::string& What);
 
   // --- Field readers (store/FieldReaders.cpp): null gives the default; a failure the zero value of the type, no error
   // -

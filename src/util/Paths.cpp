@@ -17,6 +17,8 @@ std::string PathJoin(std::string_view folder, std::string_view fileName, std::st
 
 bool FileExists(std::string_view path) noexcept {
   try {
+    // The system would stop reading there and answer for another file.
+    if (path.find('\0') != std::string_view::npos) return false;
     std::error_code failure;
     const std::filesystem::file_status status = std::filesystem::status(NativeFilePath(path), failure);
     return !failure && std::filesystem::exists(status) && !std::filesystem::is_directory(status);

@@ -37,7 +37,8 @@ std::string HexadecimalText(std::span<const std::uint8_t> bytes) {
 
 std::string Shown(const Value& value) {
   if (IsNull(value)) return "Null";
-  const std::string text = ToText(value);
+  // A NUL would end the message.
+  const std::string text = ReplaceAll(ToText(value), std::string_view("\0", 1), " ");
   constexpr std::size_t kMostCharacters = 40;
   return "\"" + (TextLength(text) > kMostCharacters ? FirstCharacters(text, kMostCharacters) + "..." : text) + "\"";
 }
