@@ -41,6 +41,10 @@ class StoredTable final : public Table {
   }
   [[nodiscard]] bool Exists(RowPointer row) override { return rows_.Exists(row); }
   [[nodiscard]] std::optional<RowPointer> Next(std::optional<RowPointer> after) override { return rows_.Next(after); }
+  void WalkPastDamage(const std::function<void(RowPointer)>& visit,
+                      const std::function<void(RowPointer, const Error&)>& damaged) override {
+    rows_.WalkPastDamage(visit, damaged);
+  }
   [[nodiscard]] BTree& Tree(std::size_t index) override { return indexes_.Tree(index); }
   [[nodiscard]] const KeyEncoder& Encoder(std::size_t index) override { return indexes_.Encoder(index); }
 

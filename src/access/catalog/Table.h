@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -53,6 +54,9 @@ class Table {
   [[nodiscard]] virtual bool Exists(RowPointer row) = 0;
   /// The next live row in page order; `after` none: the first.
   [[nodiscard]] virtual std::optional<RowPointer> Next(std::optional<RowPointer> after) = 0;
+  /// All live rows in page order, however damaged the table is (see TableRows::WalkPastDamage).
+  virtual void WalkPastDamage(const std::function<void(RowPointer)>& visit,
+                              const std::function<void(RowPointer, const Error&)>& damaged) = 0;
   /// The tree of an index, and the maker of its keys, by position in Indexes().
   [[nodiscard]] virtual BTree& Tree(std::size_t index) = 0;
   [[nodiscard]] virtual const KeyEncoder& Encoder(std::size_t index) = 0;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "access/file/Format.h"
 #include "access/sql/ExecutionErrors.h"
 #include "access/sql/ExpressionShape.h"
 #include "access/sql/ValuesResult.h"
@@ -94,6 +95,20 @@ std::unique_ptr<sql::ResultSet> ListColumns(Database& database) {
                                              std::move(rows));
 }
 
+/// As the table states it; null when it cannot be read, or is more than the file has room for.
+Value StatedRowCount(Database& database, const CatalogEntry& entry) {
+  if (entry.isLinked) return Null{};
+  try {
+    const auto table = database.FindTable(entry.name);
+    const std::uint64_t count = table ? table->RowCount() : 0;
+    const std::uint64_t room = std::uint64_t{database.GetPager().PageCount()} * format::data::kMaximumRowCount;
+    if (!table || count > room) return Null{};
+    return static_cast<std::int32_t>(count);
+  } catch (const Error&) {
+    return Null{};
+  }
+}
+
 std::unique_ptr<sql::ResultSet> ListTables(Database& database) {
   std::vector<CatalogEntry> entries = database.Tables();
   std::sort(entries.begin(), entries.end(), [](const CatalogEntry& left, const CatalogEntry& right) {
@@ -102,10 +117,11 @@ std::unique_ptr<sql::ResultSet> ListTables(Database& database) {
   std::vector<RowValues> rows;
   for (const CatalogEntry& entry : entries) {
     const std::string type = entry.isLinked ? "LINK" : entry.isSystem ? "SYSTEM TABLE" : "TABLE";
-    rows.push_back({entry.name, type});
+    rows.push_back({entry.name, type, StatedRowCount(database, entry)});
   }
-  return std::make_unique<sql::ValuesResult>(Named({{"TABLE_NAME", DataType::WChar}, {"TABLE_TYPE", DataType::WChar}}),
-                                             std::move(rows));
+  return std::make_unique<sql::ValuesResult>(
+      Named({{"TABLE_NAME", DataType::WChar}, {"TABLE_TYPE", DataType::WChar}, {"CARDINALITY", DataType::Integer}}),
+      std::move(rows));
 }
 
 void AddIndexRows(const Table& table, std::vector<RowValues>& rows) {

@@ -23,14 +23,25 @@ bool SameColumns(const Table& before, const Table& now) {
 
 }  // namespace
 
+Keyset CollectWholeTable(Table& table) {
+  Keyset keyset;
+  table.WalkPastDamage([&](RowPointer row) { keyset.keys.push_back(row.Packed()); },
+                       [&](RowPointer place, const Error& error) {
+                         keyset.damage.emplace(keyset.keys.size(), error);
+                         keyset.keys.push_back(place.Packed());
+                       });
+  return keyset;
+}
+
 KeysetResult::KeysetResult(Session& session, std::shared_ptr<const PreparedStatement> prepared,
-                           std::vector<ResultColumn> columns, std::vector<std::uint32_t> keys)
+                           std::vector<ResultColumn> columns, Keyset keyset)
     : ResultSet(std::move(columns)),
       session_(session),
       prepared_(std::move(prepared)),
       plan_(*prepared_->plan),
       width_(plan_.sources.size()),
-      keys_(std::move(keys)) {
+      keys_(std::move(keyset.keys)),
+      damage_(std::move(keyset.damage)) {
   for (const PlannedSource& source : plan_.sources) tables_.push_back(source.table);
   if (Count() > 0) ReadBlock(0, 1);
 }
@@ -61,21 +72,43 @@ void KeysetResult::ReadBlock(std::size_t first, std::size_t count) {
   for (std::size_t row = first; row < std::min(first + count, Count()); ++row) block_.rows.push_back(ReadRow(row));
 }
 
+bool KeysetResult::IsShown(std::size_t source) const {
+  const std::vector<bool>& wanted = plan_.sources[source].outputColumns;
+  return std::find(wanted.begin(), wanted.end(), true) != wanted.end();
+}
+
 std::optional<std::vector<SourceRow>> KeysetResult::ReadRow(std::size_t row) {
   std::vector<SourceRow> rows(width_);
   for (std::size_t i = 0; i < width_; ++i) {
     rows[i].pointer = PointerAt(row, i);
     rows[i].present = !rows[i].pointer.IsNone();
-    if (!rows[i].present) continue;
-    const std::vector<bool>& wanted = plan_.sources[i].outputColumns;
-    const bool isShown = std::find(wanted.begin(), wanted.end(), true) != wanted.end();
-    if (!isShown && width_ > 1) continue;
-    if (!tables_[i]->Exists(rows[i].pointer)) return std::nullopt;
-    std::vector<bool> columns = wanted;
-    columns.resize(tables_[i]->Columns().size(), false);
-    if (isShown) rows[i].values = tables_[i]->Read(rows[i].pointer, columns);
+    if (!rows[i].present || (!IsShown(i) && width_ > 1)) continue;
+    try {
+      if (!ReadSource(row, i, rows[i])) return std::nullopt;
+    } catch (const Error&) {
+      // Others may be read ahead of the one that is wanted, and columns that are not damaged may be all that is wanted.
+      rows[i].values.clear();
+    }
   }
   return rows;
+}
+
+bool KeysetResult::ReadSource(std::size_t row, std::size_t source, SourceRow& target) {
+  if (const auto damage = damage_.find(row); damage != damage_.end()) throw damage->second;
+  if (!tables_[source]->Exists(target.pointer)) return false;
+  std::vector<bool> columns = plan_.sources[source].outputColumns;
+  columns.resize(tables_[source]->Columns().size(), false);
+  if (IsShown(source)) target.values = tables_[source]->Read(target.pointer, columns);
+  return true;
+}
+
+Value KeysetResult::ReadAlone(const SourceRow& row, std::size_t source, std::size_t column) {
+  if (const auto damage = damage_.find(position_); damage != damage_.end()) throw damage->second;
+  const ReadStatement reading(session_.GetDatabase().GetPager());
+  RefreshTables();
+  std::vector<bool> columns(tables_[source]->Columns().size(), false);
+  columns.at(column) = true;
+  return tables_[source]->Read(row.pointer, columns).at(column);
 }
 
 void KeysetResult::RefreshTables() {
@@ -124,7 +157,8 @@ Value KeysetResult::Get(std::size_t column) {
   if (!rows) throw RowDeletedError();
   if (!isTableColumn) return ComputedValue(column, *rows);
   const SourceRow& row = (*rows)[slot->source];
-  return row.present ? row.values.at(slot->column) : Value{};
+  if (!row.present) return Value{};
+  return row.values.empty() ? ReadAlone(row, slot->source, slot->column) : row.values.at(slot->column);
 }
 
 Value KeysetResult::ComputedValue(std::size_t column, const std::vector<SourceRow>& rows) {
@@ -132,6 +166,10 @@ Value KeysetResult::ComputedValue(std::size_t column, const std::vector<SourceRo
   StatementContext context = session_.MakeContext();
   RowScope scope(context, plan_, nullptr);
   scope.rows = rows;
+  for (std::size_t i = 0; i < width_; ++i) {
+    if (rows[i].present && rows[i].values.empty() && IsShown(i))
+      static_cast<void>(ReadSource(position_, i, scope.rows[i]));
+  }
   return scope.OutputValue(column);
 }
 

@@ -13,13 +13,23 @@ namespace tavi::access::sql {
 
 class Session;
 
+/// Row pointers of a result, and the places among them where nothing can be read.
+struct Keyset {
+  std::vector<std::uint32_t> keys;      ///< packed, one for each source of the plan, row after row
+  std::map<std::size_t, Error> damage;  ///< by the number of the row
+};
+
+/// All rows of a table. A place of it that is damaged counts as a row that cannot be read.
+Keyset CollectWholeTable(Table& table);
+
 /// Rows of tables, held as pointers and read when they are reached. Columns that come straight from a table can be
-/// changed; rows can be added when there is one table.
+/// changed; rows can be added when there is one table. Moving goes past damage: reading raises what is wrong, for the
+/// columns that it concerns.
 class KeysetResult final : public ResultSet {
  public:
-  /// `keys`: packed pointers, one for each source of the plan, row after row. Called inside a statement.
+  /// Called inside a statement.
   KeysetResult(Session& session, std::shared_ptr<const PreparedStatement> prepared, std::vector<ResultColumn> columns,
-               std::vector<std::uint32_t> keys);
+               Keyset keyset);
 
   [[nodiscard]] bool AtEnd() const override { return !isAdding_ && position_ >= Count(); }
   void MoveNext() override;
@@ -45,7 +55,13 @@ class KeysetResult final : public ResultSet {
   /// Reads a row, and with it some that follow, unless it is at hand.
   const std::optional<std::vector<SourceRow>>& RowAt(std::size_t row);
   void ReadBlock(std::size_t first, std::size_t count);
+  /// The values of a source that cannot be read as a whole stay empty.
   [[nodiscard]] std::optional<std::vector<SourceRow>> ReadRow(std::size_t row);
+  /// False when the row is gone. Raises an error for a damaged one.
+  [[nodiscard]] bool ReadSource(std::size_t row, std::size_t source, SourceRow& target);
+  /// The value of a column of a row that cannot be read as a whole.
+  [[nodiscard]] Value ReadAlone(const SourceRow& row, std::size_t source, std::size_t column);
+  [[nodiscard]] bool IsShown(std::size_t source) const;
   /// Takes the tables anew from the catalogue. Raises ProviderFailure when their columns are no longer the same.
   void RefreshTables();
   [[nodiscard]] Value ComputedValue(std::size_t column, const std::vector<SourceRow>& rows);
@@ -61,6 +77,7 @@ class KeysetResult final : public ResultSet {
   std::size_t width_;
   std::vector<std::shared_ptr<Table>> tables_;
   std::vector<std::uint32_t> keys_;
+  std::map<std::size_t, Error> damage_;
   std::size_t position_ = 0;
   std::size_t nextBlockSize_ = 1;
   Block block_;

@@ -38,6 +38,12 @@ bool IsDefinition(const Statement& statement) {
          !std::holds_alternative<Update>(statement) && !std::holds_alternative<Delete>(statement);
 }
 
+std::vector<ResultColumn> ColumnsOf(const SelectPlan& plan) {
+  std::vector<ResultColumn> columns;
+  for (const OutputColumn& output : plan.outputs) columns.push_back(output.column);
+  return columns;
+}
+
 /// The statement behind a leading EXPLAIN; nothing when the text does not begin with that word.
 std::optional<std::string_view> ExplainedStatement(std::string_view text) {
   constexpr std::string_view kWord = "EXPLAIN";
@@ -109,7 +115,9 @@ std::unique_ptr<ResultSet> Session::OpenTable(std::string_view name) {
   std::shared_ptr<PreparedStatement> prepared = Prepare(key, parse);
   const ReadStatement reading(database_.GetPager());
   MakeReady(prepared, key, parse);
-  return OpenSelect(std::move(prepared));
+  Keyset rows = CollectWholeTable(*prepared->plan->sources.front().table);
+  std::vector<ResultColumn> columns = ColumnsOf(*prepared->plan);
+  return std::make_unique<KeysetResult>(*this, std::move(prepared), std::move(columns), std::move(rows));
 }
 
 bool Session::HasTable(std::string_view name) {
@@ -128,13 +136,12 @@ std::string Session::Explain(std::string_view text) {
 std::unique_ptr<ResultSet> Session::OpenSelect(std::shared_ptr<PreparedStatement> prepared) {
   const SelectPlan& plan = *prepared->plan;
   StatementContext context = MakeContext();
-  std::vector<ResultColumn> columns;
-  for (const OutputColumn& output : plan.outputs) columns.push_back(output.column);
+  std::vector<ResultColumn> columns = ColumnsOf(plan);
   if (!plan.IsKeyset()) {
     return std::make_unique<ValuesResult>(std::move(columns), CollectValues(context, plan, nullptr));
   }
-  std::vector<std::uint32_t> keys = CollectKeyset(context, plan);
-  return std::make_unique<KeysetResult>(*this, std::move(prepared), std::move(columns), std::move(keys));
+  Keyset rows{CollectKeyset(context, plan), {}};
+  return std::make_unique<KeysetResult>(*this, std::move(prepared), std::move(columns), std::move(rows));
 }
 
 void Session::Change(FunctionReference<void(StatementContext&, TableChanges&)> change) {

@@ -38,7 +38,8 @@ class Session {
 
   /// Runs one statement. With the word EXPLAIN before it, it is not run: the rows are the lines of its plan.
   Outcome Run(std::string_view text);
-  /// The rows of a whole table, in the order in which they are stored; rows can be added, changed and read.
+  /// The rows of a whole table, in the order in which they are stored; rows can be added, changed and read. Damage does
+  /// not end them: a place of the table that cannot be read counts as a row whose columns raise the error on reading.
   std::unique_ptr<ResultSet> OpenTable(std::string_view name);
   /// True when the file has a table of this name.
   [[nodiscard]] bool HasTable(std::string_view name);

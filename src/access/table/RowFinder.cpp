@@ -46,6 +46,10 @@ FoundRow RowFinder::FollowMoved(RowPointer row, std::span<const std::uint8_t> st
               ", where no moved row is.");
 }
 
+bool RowFinder::IsRow(const Page& page, std::size_t row) const {
+  return IsRowOfItsOwn(DataPageReader(page, DataPageLayoutOf(*pager_)).Entry(row));
+}
+
 std::optional<std::uint8_t> RowFinder::NextOnPage(const Page& page, std::size_t from) const {
   const DataPageReader reader(page, DataPageLayoutOf(*pager_));
   for (std::size_t row = from; row < reader.RowCount(); ++row) {

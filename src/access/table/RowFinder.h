@@ -24,6 +24,9 @@ class RowFinder {
   /// The row, or nothing when no live row of the owner is there (deleted, the body of a moved row, another page).
   /// Raises ProviderFailure when the page, or the place that a moved row points to, is damaged.
   [[nodiscard]] std::optional<FoundRow> Find(RowPointer row) const;
+  /// True when row `row` of a page, below its row count, is a live one. Raises ProviderFailure when its place makes no
+  /// sense.
+  [[nodiscard]] bool IsRow(const Page& page, std::size_t row) const;
   /// The first live row of a page whose number is at least `from`.
   [[nodiscard]] std::optional<std::uint8_t> NextOnPage(const Page& page, std::size_t from) const;
 

@@ -24,6 +24,7 @@ RowView::RowView(std::span<const std::uint8_t> bytes, const FormatVersion& versi
   if (bytes_.size() >= countSize) {
     columnCount_ = version_.isJet3 ? bytes_[0] : GetLittle<std::uint16_t>(bytes_, layout::kColumnCountOffset);
   }
+  if (columnCount_ == 0) Raise("it says that it has no columns.");
   maskSize_ = (columnCount_ + kBitsPerByte - 1) / kBitsPerByte;
   if (bytes_.size() < countSize + maskSize_) {
     Raise("it is too short, " + std::to_string(bytes_.size()) + " bytes for " + std::to_string(columnCount_) +

@@ -65,6 +65,13 @@ const Page* TableRows::OwnedPage(PageNumber number, PageHandle& holder) const {
   return DataPageReader::IsOwnedBy(*holder, definition_->page) ? holder.get() : nullptr;
 }
 
+const Page& TableRows::RequireOwnedPage(PageNumber number, PageHandle& holder) const {
+  const Page* page = OwnedPage(number, holder);
+  if (page != nullptr) return *page;
+  RaiseDamage("page " + std::to_string(number) + " is listed for the table on page " +
+              std::to_string(definition_->page) + ", but is no data page of it.");
+}
+
 std::optional<RowPointer> TableRows::Next(std::optional<RowPointer> after) const {
   const RowFinder finder(*pager_, definition_->page);
   PageHandle holder;
@@ -78,12 +85,8 @@ std::optional<RowPointer> TableRows::Next(std::optional<RowPointer> after) const
   }
   const UsageMap owned(*pager_, definition_->ownedPages);
   for (auto number = owned.Next(from); number; number = owned.Next(*number + 1)) {
-    const Page* page = OwnedPage(*number, holder);
-    if (page == nullptr) {
-      RaiseDamage("page " + std::to_string(*number) + " is listed for the table on page " +
-                  std::to_string(definition_->page) + ", but is no data page of it.");
-    }
-    if (const auto row = finder.NextOnPage(*page, 0)) return RowPointer{*number, *row};
+    const Page& page = RequireOwnedPage(*number, holder);
+    if (const auto row = finder.NextOnPage(page, 0)) return RowPointer{*number, *row};
   }
   return std::nullopt;
 }
@@ -91,6 +94,44 @@ std::optional<RowPointer> TableRows::Next(std::optional<RowPointer> after) const
 void TableRows::Walk(const std::function<bool(RowPointer)>& visit) const {
   for (auto row = Next(std::nullopt); row; row = Next(row)) {
     if (!visit(*row)) return;
+  }
+}
+
+std::vector<PageNumber> TableRows::OwnedPagesPastDamage() const {
+  try {
+    return UsageMap(*pager_, definition_->ownedPages).Pages();
+  } catch (const Error&) {
+    std::vector<PageNumber> pages;
+    PageHandle holder;
+    for (PageNumber number = 1; number < pager_->PageCount(); ++number) {
+      if (OwnedPage(number, holder) != nullptr) pages.push_back(number);
+    }
+    return pages;
+  }
+}
+
+void TableRows::WalkPastDamage(const std::function<void(RowPointer)>& visit,
+                               const std::function<void(RowPointer, const Error&)>& damaged) const {
+  const RowFinder finder(*pager_, definition_->page);
+  for (const PageNumber number : OwnedPagesPastDamage()) {
+    PageHandle holder;
+    std::size_t count = 0;
+    RowPointer place{number, 0};
+    try {
+      count = DataPageReader(RequireOwnedPage(number, holder), DataPageLayoutOf(*pager_)).RowCount();
+    } catch (const Error& error) {
+      damaged(place, error);
+    }
+    for (std::size_t row = 0; row < count; ++row) {
+      place.row = static_cast<std::uint8_t>(row);
+      try {
+        if (!finder.IsRow(*holder, row)) continue;
+      } catch (const Error& error) {
+        damaged(place, error);
+        continue;
+      }
+      visit(place);
+    }
   }
 }
 

@@ -13,6 +13,7 @@
 #include "access/table/RowSpace.h"
 #include "access/table/RowView.h"
 #include "access/table/TableDefinition.h"
+#include "platform/values/Error.h"
 #include "platform/values/Value.h"
 
 namespace tavi::access {
@@ -50,6 +51,12 @@ class TableRows {
   [[nodiscard]] std::optional<RowPointer> Next(std::optional<RowPointer> after) const;
   /// Calls `visit` for each live row; rows may not be changed meanwhile. Returns early when it gives false.
   void Walk(const std::function<bool(RowPointer)>& visit) const;
+  /// As Walk to the end, but damage does not end it: for a page that cannot be read (one that is no data page of the
+  /// table included), and for a row whose place on its page makes no sense, `damaged` is called in turn with the place
+  /// (a page's row 0) and the error. When the table's list of pages is damaged too, every page of the file that names
+  /// the table as its owner is taken.
+  void WalkPastDamage(const std::function<void(RowPointer)>& visit,
+                      const std::function<void(RowPointer, const Error&)>& damaged) const;
 
   /// Frees all pages of rows and long values and empties the maps (drop table, delete of everything).
   void RemoveAll();
@@ -63,6 +70,9 @@ class TableRows {
   [[nodiscard]] FoundRow Require(RowPointer row) const;
   [[nodiscard]] Value ReadValue(const RowView& view, const ColumnDefinition& column) const;
   [[nodiscard]] const Page* OwnedPage(PageNumber number, PageHandle& holder) const;
+  /// The same; raises ProviderFailure where OwnedPage gives null.
+  const Page& RequireOwnedPage(PageNumber number, PageHandle& holder) const;
+  [[nodiscard]] std::vector<PageNumber> OwnedPagesPastDamage() const;
   [[nodiscard]] RowSpace Space() const;
 
   [[nodiscard]] LongValueMaps MapsOf(std::uint16_t columnId) const;

@@ -22,8 +22,19 @@ enum class SourceKind : std::int32_t { CommandText = 1, TableDirect = 512 };
 enum class SchemaKind : std::int32_t { Columns = 4, Indexes = 12, Tables = 20 };
 /// Data types as a provider names them (the DATA_TYPE column of the columns schema, and the type of a field).
 enum class DataType : std::int32_t {
-  SmallInt = 2, Integer = 3, Single = 4, Double = 5, Currency = 6, Date = 7, Boolean = 11, UnsignedTinyInt = 17,
-  Guid = 72, Binary = 128, WChar = 130, Numeric = 131, LongVarBinary = 205
+  SmallInt = 2,
+  Integer = 3,
+  Single = 4,
+  Double = 5,
+  Currency = 6,
+  Date = 7,
+  Boolean = 11,
+  UnsignedTinyInt = 17,
+  Guid = 72,
+  Binary = 128,
+  WChar = 130,
+  Numeric = 131,
+  LongVarBinary = 205
 };
 
 /// A field of a record set: its name as the table or statement gives it, and its type.
@@ -34,8 +45,8 @@ struct Field {
 
 /// The rows that a statement or table gave, one of them current. Field names are looked up without regard to case; a
 /// field of a join is also found by its qualified name ("Competitions.ID"). A name that is not there raises
-/// ProviderNoColumn; reading or writing without a current row raises ProviderEndOfRecords. Used on the thread and during
-/// the life of its connection. Destroying it closes it.
+/// ProviderNoColumn; reading or writing without a current row raises ProviderEndOfRecords. Used on the thread and
+/// during the life of its connection. Destroying it closes it.
 class Recordset {
  public:
   virtual ~Recordset() = default;
@@ -72,11 +83,15 @@ class Connection {
 
   /// Runs one SQL statement that gives no rows (or whose rows are not wanted). Returns the number of rows affected.
   virtual std::int64_t Execute(std::string_view commandText) = 0;
-  /// Opens a record set on a SELECT statement or on a whole table.
+  /// Opens a record set on a SELECT statement or on a whole table. The record set on a whole table does not end at
+  /// damage in the file: a place that cannot be read counts as a row. Get raises ProviderFailure there, for those
+  /// fields that are damaged, and MoveNext goes on behind it.
   virtual std::unique_ptr<Recordset> OpenRecordset(std::string_view source, CursorType cursorType, LockType lockType,
                                                    SourceKind sourceKind) = 0;
   /// A record set that describes the file: for Columns it has TABLE_NAME, COLUMN_NAME, ORDINAL_POSITION (1-based),
-  /// DATA_TYPE, CHARACTER_MAXIMUM_LENGTH, IS_NULLABLE and COLUMN_HASDEFAULT, ordered by table and column name.
+  /// DATA_TYPE, CHARACTER_MAXIMUM_LENGTH, IS_NULLABLE and COLUMN_HASDEFAULT, ordered by table and column name; for
+  /// Tables it has TABLE_NAME, TABLE_TYPE and CARDINALITY, the number of rows as the table states it (null when that is
+  /// not to be found out), ordered by name.
   virtual std::unique_ptr<Recordset> OpenSchema(SchemaKind kind) = 0;
   /// Closes the file. Open record sets of the connection become unusable. A second Close does nothing.
   virtual void Close() = 0;
