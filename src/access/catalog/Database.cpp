@@ -64,6 +64,10 @@ void Database::DropTable(std::string_view name) {
   access::DropTable(implementation_->catalog, name);
 }
 
+void Database::ChangeColumn(std::string_view table, const ColumnDesign& column, std::optional<Date> now) {
+  access::ChangeColumn(implementation_->catalog, table, column, now);
+}
+
 void Database::AddColumn(std::string_view table, const ColumnDesign& column, std::optional<Date> now) {
   access::AddColumn(implementation_->catalog, table, column, now);
 }

@@ -103,6 +103,12 @@ class Database {
   void AddColumn(std::string_view table, const ColumnDesign& column, std::optional<Date> now = std::nullopt);
   /// Raises ProviderBadParameter when there is no such column, ProviderFailure while an index or relationship uses it.
   void DropColumn(std::string_view table, std::string_view column, std::optional<Date> now = std::nullopt);
+  /// Gives the column of that name the type, length and properties of the design; values are converted, and the default
+  /// stays when the design has none. A change between lengths of Text keeps the column, any other takes a new one of
+  /// the 255 that a table can ever have. Raises ProviderBadParameter when there is no such column, ProviderFailure for
+  /// a change of type while an index or relationship uses it, and the errors of ConvertForColumn for a value that does
+  /// not fit.
+  void ChangeColumn(std::string_view table, const ColumnDesign& column, std::optional<Date> now = std::nullopt);
   /// Builds the index from the rows. Raises ProviderFailure for duplicate keys in a unique index, more than 32 indexes,
   /// a name in use or a second primary key; ProviderIntegrity for a null in a key that must not have one;
   /// ProviderBadParameter for an unknown column.

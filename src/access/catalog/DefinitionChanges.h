@@ -17,6 +17,9 @@ void DropColumn(Catalog& catalog, std::string_view table, std::string_view colum
 /// Puts what the properties hold of a new column into them.
 void DescribeColumn(PropertyBlob& properties, const ColumnDesign& design);
 
+// ColumnTypeChange.cpp
+void ChangeColumn(Catalog& catalog, std::string_view table, const ColumnDesign& design, std::optional<Date> now);
+
 // IndexChanges.cpp
 void CreateIndex(Catalog& catalog, std::string_view table, const IndexDesign& design, std::optional<Date> now);
 void DropIndex(Catalog& catalog, std::string_view table, std::string_view index, std::optional<Date> now);

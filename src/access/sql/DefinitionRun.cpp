@@ -1,26 +1,69 @@
 // The statements that change tables themselves (declared in ChangeRun.h).
+#include <algorithm>
+
 #include "access/sql/ChangeRun.h"
+#include "access/sql/ExecutionErrors.h"
 #include "access/sql/SelectRun.h"
+#include "platform/values/Text.h"
 
 namespace tavi::access::sql {
 
 namespace {
 
-struct DefinitionRunner {
-  Database& database;
-  Date now;
+class DefinitionRunner {
+ public:
+  DefinitionRunner(Database& changed, Date time) : database_(changed), now_(time) {}
 
-  void operator()(const CreateTable& statement) const { database.CreateTable(statement.design, now); }
-  void operator()(const DropTable& statement) const { database.DropTable(statement.table); }
-  void operator()(const AddColumn& statement) const {
-    database.AddColumn(statement.table, statement.column, now);
-    if (statement.index) database.CreateIndex(statement.table, *statement.index, now);
+  void operator()(const CreateTable& statement) const {
+    database_.CreateTable(statement.design, now_);
+    for (const Relationship& relationship : statement.relationships) Relate(relationship);
   }
-  void operator()(const DropColumn& statement) const { database.DropColumn(statement.table, statement.column, now); }
-  void operator()(const CreateIndex& statement) const { database.CreateIndex(statement.table, statement.design, now); }
-  void operator()(const DropIndex& statement) const { database.DropIndex(statement.table, statement.index, now); }
+  void operator()(const DropTable& statement) const { database_.DropTable(statement.table); }
+  void operator()(const AddColumn& statement) const {
+    database_.AddColumn(statement.table, statement.column, now_);
+    if (statement.index) database_.CreateIndex(statement.table, *statement.index, now_);
+    if (statement.relationship) Relate(*statement.relationship);
+  }
+  void operator()(const ChangeColumn& statement) const {
+    database_.ChangeColumn(statement.table, statement.column, now_);
+  }
+  void operator()(const AddRelationship& statement) const { Relate(statement.relationship); }
+  void operator()(const DropConstraint& statement) const {
+    const auto isMeant = [&](const Relationship& other) {
+      return EqualIgnoringCase(other.name, statement.name) && EqualIgnoringCase(other.foreignTable, statement.table);
+    };
+    if (std::ranges::any_of(database_.Relationships(), isMeant)) return database_.DropRelationship(statement.name);
+    database_.DropIndex(statement.table, statement.name, now_);
+  }
+  void operator()(const DropColumn& statement) const { database_.DropColumn(statement.table, statement.column, now_); }
+  void operator()(const CreateIndex& statement) const {
+    database_.CreateIndex(statement.table, statement.design, now_);
+  }
+  void operator()(const DropIndex& statement) const { database_.DropIndex(statement.table, statement.index, now_); }
   template <typename Other>
   void operator()(const Other& /*changes rows*/) const {}
+
+ private:
+  void Relate(Relationship relationship) const {
+    if (relationship.primaryColumns.empty()) relationship.primaryColumns = KeyColumns(relationship.primaryTable);
+    if (relationship.name.empty()) relationship.name = relationship.primaryTable + relationship.foreignTable;
+    database_.CreateRelationship(relationship, now_);
+  }
+
+  [[nodiscard]] std::vector<std::string> KeyColumns(const std::string& name) const {
+    const std::shared_ptr<Table> table = database_.OpenTable(name);
+    std::vector<std::string> names;
+    for (const Index& index : table->Indexes()) {
+      if (!index.primaryKey) continue;
+      for (const std::size_t column : index.columns) names.push_back(table->Columns()[column].definition.name);
+    }
+    if (names.empty())
+      throw StatementError("The table '" + name + "' has no primary key; name the columns that are meant.");
+    return names;
+  }
+
+  Database& database_;
+  Date now_;
 };
 
 /// The column type that holds the values of an expression.
@@ -73,7 +116,7 @@ ColumnDesign DesignFor(const OutputColumn& output, const SelectPlan& plan) {
 }  // namespace
 
 void RunDefinition(StatementContext& context, const Statement& statement) {
-  std::visit(DefinitionRunner{context.database, context.now}, statement);
+  std::visit(DefinitionRunner(context.database, context.now), statement);
 }
 
 std::int64_t RunSelectInto(StatementContext& context, TableChanges& changes, const Select& select,

@@ -144,6 +144,7 @@ struct Delete {
 };
 struct CreateTable {
   TableDesign design;
+  std::vector<Relationship> relationships;  ///< of this table to others, enforced
 };
 struct DropTable {
   std::string table;
@@ -151,7 +152,17 @@ struct DropTable {
 struct AddColumn {
   std::string table;
   ColumnDesign column;
-  std::optional<IndexDesign> index;  ///< PRIMARY KEY or UNIQUE behind the column
+  std::optional<IndexDesign> index;          ///< PRIMARY KEY or UNIQUE behind the column
+  std::optional<Relationship> relationship;  ///< REFERENCES behind the column
+};
+/// ALTER TABLE ... ALTER COLUMN.
+struct ChangeColumn {
+  std::string table;
+  ColumnDesign column;
+};
+/// FOREIGN KEY ... REFERENCES. Without primary columns the primary key is meant; without a name it gets one.
+struct AddRelationship {
+  Relationship relationship;
 };
 struct DropColumn {
   std::string table;
@@ -165,8 +176,13 @@ struct DropIndex {
   std::string table;
   std::string index;
 };
+/// An index or a relationship of the table.
+struct DropConstraint {
+  std::string table;
+  std::string name;
+};
 
-using Statement =
-    std::variant<Select, Insert, Update, Delete, CreateTable, DropTable, AddColumn, DropColumn, CreateIndex, DropIndex>;
+using Statement = std::variant<Select, Insert, Update, Delete, CreateTable, DropTable, AddColumn, ChangeColumn,
+                               DropColumn, CreateIndex, DropIndex, AddRelationship, DropConstraint>;
 
 }  // namespace tavi::access::sql

@@ -122,16 +122,15 @@ TEST(ParserErrors, SayWhatWasFoundExpectedAndWhere) {
       {"Create Table T (a Counter (5, 1))",
        "Syntax error in column definition: '5' was found where the first automatic number (1) was expected (character "
        "28 of \"...ate Table T (a Counter (5, 1))\")."},
-      {"Create Table T (a Long References U (b))",
-       "Relationships cannot be made by a statement (character 24 of \"Create Table T (a Long References U (b))\")."},
+      {"Create Table T (a Long References U (b, c))",
+       "A relationship needs as many columns in one table as in the other (character 24 of \"Create Table T (a Long "
+       "References U (b, c))\")."},
       {"Create View V As Select a From T",
        "Syntax error in CREATE statement: 'View' was found where TABLE or INDEX was expected (character 8 of \"Create "
        "View V As "
        "Select a From ...\")."},
-      {"Alter Table T Alter Column a Text (5)",
-       "The type of a column cannot be changed: add a new column, copy the values, and drop the old one (character 15 "
-       "of "
-       "\"Alter Table T Alter Column a Text (5)\")."},
+      {"Alter Table T Alter Column a Text (5) Unique",
+       "Keys and references are added by ADD CONSTRAINT (character 45 of \"...Column a Text (5) Unique\")."},
       {"Drop T",
        "Syntax error in DROP statement: 'T' was found where TABLE or INDEX was expected (character 6 of \"Drop T\")."},
       {"Select * From A Full Outer Join B On x = y",

@@ -138,6 +138,14 @@ std::string IndexText(const IndexDesign& index) {
   return text + ")";
 }
 
+std::string RelationshipText(const Relationship& relationship) {
+  const auto same = [](const std::string& name) { return name; };
+  return "(reference " + relationship.name + " " + relationship.foreignTable + " " +
+         List(relationship.foreignColumns, same) + " to " + relationship.primaryTable + " " +
+         List(relationship.primaryColumns, same) + (relationship.cascadeUpdates ? " cascade-updates" : "") +
+         (relationship.cascadeDeletes ? " cascade-deletes" : "") + ")";
+}
+
 struct StatementText {
   std::string operator()(const Select& select) const { return SelectText(select); }
   std::string operator()(const Insert& insert) const { return InsertText(insert); }
@@ -146,12 +154,20 @@ struct StatementText {
   std::string operator()(const CreateTable& create) const {
     std::string text = "(create " + create.design.name + " " + List(create.design.columns, ColumnText);
     for (const IndexDesign& index : create.design.indexes) text += " " + IndexText(index);
+    for (const Relationship& relationship : create.relationships) text += " " + RelationshipText(relationship);
     return text + ")";
   }
   std::string operator()(const DropTable& drop) const { return "(drop-table " + drop.table + ")"; }
   std::string operator()(const AddColumn& add) const {
     return "(add-column " + add.table + " " + ColumnText(add.column) + (add.index ? " " + IndexText(*add.index) : "") +
-           ")";
+           (add.relationship ? " " + RelationshipText(*add.relationship) : "") + ")";
+  }
+  std::string operator()(const ChangeColumn& change) const {
+    return "(change-column " + change.table + " " + ColumnText(change.column) + ")";
+  }
+  std::string operator()(const AddRelationship& add) const { return RelationshipText(add.relationship); }
+  std::string operator()(const DropConstraint& drop) const {
+    return "(drop-constraint " + drop.table + " " + drop.name + ")";
   }
   std::string operator()(const DropColumn& drop) const {
     return "(drop-column " + drop.table + " " + drop.column + ")";
