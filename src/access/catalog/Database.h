@@ -118,8 +118,8 @@ class Database {
 
   /// Declares that rows of the foreign table refer to rows of the primary one. An enforced relationship needs a unique
   /// index on exactly the primary columns and gives the foreign table an index. Raises ProviderFailure when that index
-  /// is missing, rows violate the relationship, or the name is in use; ProviderNoTable; ProviderBadParameter for an
-  /// unknown column.
+  /// is missing, columns are of different types, rows violate the relationship, or the name is in use; ProviderNoTable;
+  /// ProviderBadParameter for an unknown column.
   void CreateRelationship(const Relationship& relationship, Date now);
   /// Raises ProviderFailure when there is none of that name.
   void DropRelationship(std::string_view name);

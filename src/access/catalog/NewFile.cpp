@@ -86,9 +86,9 @@ constexpr ObjectPlan kObjects[] = {
 enum class Holder { Admin, Users, Creator };
 
 struct RightPlan {
-  std::uint32_t object;
-  std::uint32_t mask;
-  Holder holder;
+  std::uint32_t object = 0;
+  std::uint32_t mask = 0;
+  Holder holder = Holder::Admin;
   bool inheritable = false;
 };
 

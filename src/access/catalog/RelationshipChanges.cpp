@@ -28,6 +28,21 @@ std::vector<IndexColumn> FindColumns(const StoredTable& table, const std::vector
   return found;
 }
 
+/// Values of different types have no keys in common, not even when they compare as equal.
+void RefuseOtherTypes(const StoredTable& primary, const StoredTable& foreign, const Relationship& relationship) {
+  FindColumns(primary, relationship.primaryColumns);
+  FindColumns(foreign, relationship.foreignColumns);
+  for (std::size_t i = 0; i < relationship.primaryColumns.size(); ++i) {
+    const auto typeIn = [](const StoredTable& table, const std::string& column) {
+      return table.Columns()[table.FindColumn(column).value()].definition.type;
+    };
+    if (typeIn(primary, relationship.primaryColumns[i]) == typeIn(foreign, relationship.foreignColumns[i])) continue;
+    RaiseFailure("Relationship must be on the same number of fields with the same data types. The fields '" +
+                 relationship.primaryColumns[i] + "' of '" + primary.Name() + "' and '" +
+                 relationship.foreignColumns[i] + "' of '" + foreign.Name() + "' differ.");
+  }
+}
+
 /// The unique index on exactly these columns, in any direction.
 std::uint32_t UniqueIndexOn(const StoredTable& table, const std::vector<IndexColumn>& columns) {
   const std::vector<RealIndexDefinition>& indexes = table.Definition().realIndexes;
@@ -199,8 +214,7 @@ void CreateRelationship(Catalog& catalog, const Relationship& relationship, Date
   if (count == 0 || count > format::real_index::kMaximumColumnCount || relationship.foreignColumns.size() != count)
     throw Error(ErrorNumber::ProviderSyntax, kErrorSource,
                 "The relationship '" + relationship.name + "' needs 1 to 10 pairs of columns.");
-  FindColumns(*catalog.OpenTable(primary.name), relationship.primaryColumns);
-  FindColumns(*catalog.OpenTable(foreign.name), relationship.foreignColumns);
+  RefuseOtherTypes(*catalog.OpenTable(primary.name), *catalog.OpenTable(foreign.name), relationship);
   if (relationship.enforced) CreateSides(catalog, relationship);
   AddRelationshipRows(catalog, relationship);
   NewObject object;

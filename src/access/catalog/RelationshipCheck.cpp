@@ -37,6 +37,7 @@ void CheckForeignRows(Table& table, std::size_t index, Table& primary, std::size
   for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
     const RowValues values = table.Read(*row, wanted);
     std::vector<Value> key;
+    key.reserve(columns.size());
     for (const std::size_t column : columns) key.push_back(values[column]);
     if (std::ranges::any_of(key, IsNull) || !RowsWithKey(primary, primaryIndex, key).empty()) continue;
     report.Add(where + ": row " + std::to_string(row->row) + " of page " + std::to_string(row->page) + " of table '" +

@@ -50,7 +50,7 @@ void CheckEngine(const Page& page, const std::string& path) {
 std::uint32_t DateMask(const Page& page) {
   const std::uint64_t low = page.U32(header::kCreationDateOffset);
   const std::uint64_t high = page.U32(header::kCreationDateOffset + 4);
-  const double days = std::bit_cast<double>((high << 32U) | low);
+  const auto days = std::bit_cast<double>((high << 32U) | low);
   constexpr double kLimit = 2147483647.0;
   if (!std::isfinite(days) || std::fabs(days) > kLimit) return 0;
   return static_cast<std::uint32_t>(static_cast<std::int32_t>(days));

@@ -108,6 +108,7 @@ TEST(Definition, ForeignKeysAreEnforcedFromTheirDeclarationOn) {
                "Update P Set ID = 3"});
   EXPECT_EQ(file.Rows("Select P From C"), (Texts{"3"}));
   EXPECT_EQ(NumberOf(file.Refused("Create Table D (A Text (5) References C (P))")), 0x80004005U) << "no unique index";
+  EXPECT_EQ(NumberOf(file.Refused("Create Table D (A Text (5) References P (ID))")), 0x80004005U) << "another type";
   EXPECT_FALSE(file.GetSession().HasTable("D"));
   file.ExpectSound();
 }
