@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "platform/values/Text.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
@@ -17,13 +18,26 @@ constexpr std::array<CompetitionKind, 4> kCompetitionKinds{{{"P", "Individual = 
                                                             {"S", "Individual = 0, IsSwiss = 1, IsTeams = 0"},
                                                             {"T", "Individual = 0, IsSwiss = 0, IsTeams = 1"}}};
 
+std::string Assignments(const CompetitionKind& kind, bool setIsExternal) {
+  return std::string(kind.assignments) + (setIsExternal ? ", IsExternal = 1" : "");
+}
+
 }  // namespace
 
 void ConvertCompetitionTypes(cDatabase& database, bool setIsExternal) {
   OpenUse use(database);
   for (const CompetitionKind& kind : kCompetitionKinds) {
-    database.Execute("Update Competitions Set " + std::string(kind.assignments) +
-                     (setIsExternal ? ", IsExternal = 1" : "") + " Where ExternalType = '" + kind.code + "'");
+    database.Execute("Update Competitions Set " + Assignments(kind, setIsExternal) + " Where ExternalType = '" +
+                     kind.code + "'");
+  }
+}
+
+void ConvertCompetitionType(cDatabase& database, std::int32_t competition, const std::string& code,
+                            bool setIsExternal) {
+  for (const CompetitionKind& kind : kCompetitionKinds) {
+    if (!EqualIgnoringCase(code, kind.code)) continue;
+    database.Execute("Update Competitions Set " + Assignments(kind, setIsExternal) +
+                     " Where ID = " + std::to_string(competition));
   }
 }
 

@@ -9,6 +9,10 @@ namespace tavi {
 /// events that have a code; a column that was there keeps what it holds. Rows without a code stay as they are.
 void ConvertCompetitionTypes(cDatabase& database, bool setIsExternal);
 
+/// The same for one competition of the current layout, whose old code was kept elsewhere. A code that is none of the
+/// four (in either case) changes nothing.
+void ConvertCompetitionType(cDatabase& database, std::int32_t competition, const std::string& code, bool setIsExternal);
+
 /// Awards without any colour get the mark -1, which the repair then replaces.
 void ConvertMasterPointColours(cDatabase& database);
 

@@ -9,6 +9,7 @@
 #include "platform/ado/Provider.h"
 #include "platform/values/Date.h"
 #include "platform/values/Error.h"
+#include "store/RecoveryReport.h"
 
 namespace tavi {
 
@@ -144,6 +145,16 @@ class cDatabase {
   [[nodiscard]] std::string LatestClubName();
   /// Adds a name to the history and derives the certificate prefix anew.
   void SetLatestClubName(const std::string& name);
+
+  // --- Recovery (store/Recovery.cpp) ---------------------------------------------------------------------------------
+
+  /// Rebuilds the club's data from an old or damaged file, named by its full path: the store's file gets the current
+  /// layout, each of its tables is emptied and filled with what can be read of the old one. Columns that the old file
+  /// lacks get defaults, and so do empty values of these columns. Competitions, awards and club names get new
+  /// identifiers; what refers to a competition follows it. Nothing is raised: what could not be saved is shown in one
+  /// message box "Database Recovery Error" at the end, and reported. The old file is only read; opening it brings in a
+  /// redo log that lies beside it, as any opening does. Calling it again starts each table anew.
+  RecoveryReport RecoverData(const std::string& OldDatabaseFile, RecoveryObserver* observer = nullptr);
 
   // --- Members (members/MemberRecords.cpp) ---------------------------------------------------------------------------
 

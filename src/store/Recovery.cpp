@@ -1,0 +1,147 @@
+#include "store/Recovery.h"
+
+#include <exception>
+#include <map>
+
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+#include "store/LayoutConversions.h"
+#include "store/OpenUse.h"
+#include "util/Diagnostics.h"
+#include "util/SettingsStore.h"
+
+namespace tavi {
+namespace {
+
+constexpr const char* kGoverningBody = "EBU";
+
+bool HasField(const ado::Recordset& rows, std::string_view name) {
+  for (const ado::Field& field : rows.Fields()) {
+    if (EqualIgnoringCase(field.name, name)) return true;
+  }
+  return false;
+}
+
+/// How many rows the tables of a file say to have, by their names in lower case; empty when it is not to be found out.
+std::map<std::string, std::int64_t> StatedRowCounts(ado::Connection& file) {
+  std::map<std::string, std::int64_t> counts;
+  try {
+    const auto tables = file.OpenSchema(ado::SchemaKind::Tables);
+    for (; !tables->AtEnd(); tables->MoveNext()) {
+      const Value count = tables->Get("CARDINALITY");
+      if (!IsNull(count)) counts[LowerCase(ToText(tables->Get("TABLE_NAME")))] = ToInt32(count);
+    }
+  } catch (const Error&) {
+    // A provider may not know; the rows that are come across are counted anyhow.
+    counts.clear();
+  }
+  return counts;
+}
+
+/// What a person should know of a table; empty when all of it was saved.
+std::string Describe(const RecoveredTable& table) {
+  std::string text;
+  if (table.error) text += "\r\n  " + table.error->Description();
+  for (const std::string& remark : table.remarks) text += "\r\n  " + remark;
+  if (table.moreRemarks > 0) text += "\r\n  (" + std::to_string(table.moreRemarks) + " more)";
+  if (text.empty() && !table.IsSomethingLost()) return "";
+  return table.name + ": " + std::to_string(table.saved) + " of " + std::to_string(table.found) + " rows saved" + text;
+}
+
+}  // namespace
+
+RecoveryReport cDatabase::RecoverData(const std::string& OldDatabaseFile, RecoveryObserver* observer) {
+  return Recovery(*this, observer).Run(OldDatabaseFile);
+}
+
+RecoveryReport Recovery::Run(const std::string& oldFile) {
+  try {
+    Recover(oldFile);
+  } catch (const Error& error) {
+    report_.failure = error;
+  }
+  ShowProblems(oldFile);
+  return std::move(report_);
+}
+
+void Recovery::Recover(const std::string& oldFile) {
+  if (EqualIgnoringCase(oldFile, database_.DatabaseFilePath())) {
+    throw Error(ErrorNumber::Component, "Recovery",
+                "The old file " + oldFile + " is the current one, which is emptied first. Recover into another one.");
+  }
+  old_ = database_.GetPlatform().databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + oldFile);
+  database_.NewDatabase();
+  OpenUse use(database_);
+  CopyTables();
+  if (conversionNeeded_) ConvertOlderData();
+  Attempt("repairing the colours of awards", [this] { RepairMasterPointColours(database_); });
+  Attempt("refreshing the uniqueness flags of names", [this] { database_.SetNameUniquenessFlags(""); });
+  use.Close();
+  old_->Close();
+}
+
+std::vector<TableTask> Recovery::Tasks() const {
+  const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
+                                      kGoverningBodySetting, kGoverningBody);
+  return {{"ClubNames:ClubID", "Affiliation=" + body},
+          {"ClubPolicies"},
+          {"Competitions:ID", std::string("IsTeams=0,IsSwiss=0,IsExternal=0,Qualifinal=0,NatCode=") + kGoverningBody},
+          {"HandicalcSettings", "Disabled=0"},
+          {"MasterPoints:ID", "Colour=-1,SessionNo=-1", "CompetitionID"},
+          {"Members"},
+          {"Partnerships"},
+          {"Results", "", "Competition"},
+          {"Settings"}};
+}
+
+void Recovery::CopyTables() {
+  const std::vector<TableTask> tasks = Tasks();
+  const std::map<std::string, std::int64_t> counts = StatedRowCounts(*old_);
+  TableRecovery copier(database_, *old_, identifiers_, conversionNeeded_, observer_);
+  for (const TableTask& task : tasks) {
+    const auto count = counts.find(LowerCase(ParseTableSpecification(task.specification).table));
+    report_.tables.push_back(copier.Copy(task, count == counts.end() ? std::nullopt : std::optional(count->second)));
+  }
+}
+
+void Recovery::ConvertOlderData() {
+  Attempt("carrying over the kinds of competitions", [this] { ConvertCompetitions(); });
+  Attempt("marking awards without a colour", [this] { ConvertMasterPointColours(database_); });
+}
+
+// The old column is read by walking the table: a statement would fail at the first damage.
+void Recovery::ConvertCompetitions() {
+  const auto rows = old_->OpenRecordset(kCompetitionsTable, ado::CursorType::ForwardOnly, ado::LockType::Pessimistic,
+                                        ado::SourceKind::TableDirect);
+  if (!HasField(*rows, "ExternalType")) return;
+  const bool isExternalIsNew = !HasField(*rows, "IsExternal");
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    const std::string code = cDatabase::GetTextField(*rows, "ExternalType", true);
+    const auto competition = identifiers_.Find(kCompetitionsTable, cDatabase::GetNumericField(*rows, "ID", -1));
+    if (competition) ConvertCompetitionType(database_, *competition, code, isExternalIsNew);
+  }
+}
+
+void Recovery::Attempt(const std::string& step, const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const std::exception& error) {
+    report_.problems.push_back("Recovery: " + step + " failed: " + error.what());
+  }
+}
+
+void Recovery::ShowProblems(const std::string& oldFile) const {
+  std::vector<std::string> parts;
+  if (report_.failure) parts.push_back(report_.failure->Description());
+  for (const RecoveredTable& table : report_.tables) {
+    if (std::string part = Describe(table); !part.empty()) parts.push_back(std::move(part));
+  }
+  parts.insert(parts.end(), report_.problems.begin(), report_.problems.end());
+  if (parts.empty()) return;
+  std::string message = "Not everything could be recovered from " + oldFile + ":";
+  for (const std::string& part : parts) message += "\r\n\r\n" + part;
+  WriteDiagnostic(message);
+  database_.GetPlatform().messageBoxes->Show(MessageBoxIcon::Exclamation, kRecoveryErrorTitle, message);
+}
+
+}  // namespace tavi
