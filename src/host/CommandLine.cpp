@@ -10,6 +10,7 @@
 #include "host/commands/Context.h"
 #include "host/commands/Lists.h"
 #include "host/commands/Score.h"
+#include "host/rpc/RpcCommand.h"
 #include "host/sql/SqlCommand.h"
 #include "host/tools/Dump.h"
 #include "host/tools/Import.h"
@@ -113,6 +114,11 @@ void AddSql(CLI::App& app, Choices& choices) {
       [&choices] { choices.action = [&choices](const Context& context) { return RunSql(context, choices.sql); }; });
 }
 
+void AddRpc(CLI::App& app, Choices& choices) {
+  app.add_subcommand("rpc", "Serve scoring programs: JSON-RPC 2.0, a line each, on standard input and output")
+      ->callback([&choices] { choices.action = [](const Context& context) { return RunRpc(context); }; });
+}
+
 void AddInfo(CLI::App& app, Choices& choices) {
   app.add_subcommand("info", "Tell where the club's file is and what is in it")->callback([&choices] {
     choices.action = [](const Context& context) { return ShowInfo(context); };
@@ -157,7 +163,7 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
   app.add_option("--today", choices.today, "Take this day for today")->type_name("DATE");
   app.add_flag("--json", choices.json, "Write JSON");
   for (const auto add :
-       {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddInfo, AddSample, AddDump}) {
+       {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddRpc, AddInfo, AddSample, AddDump}) {
     add(app, choices);
   }
   try {

@@ -1,0 +1,81 @@
+#include "host/rpc/Arguments.h"
+
+#include <algorithm>
+
+namespace tavi::host {
+namespace {
+
+std::string Signature(const Operation& operation) {
+  std::string text = operation.name + "(";
+  for (const Argument& argument : operation.arguments) {
+    if (&argument != &operation.arguments.front()) text += ", ";
+    text += argument.standard ? "[" + argument.name + "]" : argument.name;
+  }
+  return text + ")";
+}
+
+[[noreturn]] void Refuse(const Operation& operation, const std::string& problem) {
+  throw RpcError(RpcCode::InvalidParams, problem + "; the call is " + Signature(operation));
+}
+
+/// Puts standard values where nothing was given.
+void Complete(const Operation& operation, std::vector<Json>& values) {
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    const Argument& argument = operation.arguments[i];
+    if (!values[i].is_null()) continue;
+    if (argument.standard) {
+      values[i] = *argument.standard;
+    } else if (argument.type != TypeWord<HandiCalcSettings>()) {  // an object may be none
+      Refuse(operation, "\"" + argument.name + "\" is missing");
+    }
+  }
+}
+
+std::vector<Json> ByName(const Operation& operation, const Json& params) {
+  std::vector<Json> values(operation.arguments.size());
+  for (const auto& given : params.items()) {
+    const auto isMeant = [&](const Argument& argument) { return argument.name == given.key(); };
+    auto found = std::find_if(operation.arguments.begin(), operation.arguments.end(), isMeant);
+    // The new value of a property goes by any name.
+    if (found == operation.arguments.end() && operation.takesValue && values.back().is_null()) {
+      found = std::prev(operation.arguments.end());
+    }
+    if (found == operation.arguments.end()) Refuse(operation, "\"" + given.key() + "\" is no argument");
+    values[static_cast<std::size_t>(found - operation.arguments.begin())] = given.value();
+  }
+  return values;
+}
+
+/// True when so many values, put to the arguments from the first on, leave one without a value that needs one.
+bool LeavesGaps(const Operation& operation, std::size_t given) {
+  for (std::size_t i = given; i < operation.arguments.size(); ++i) {
+    if (!operation.arguments[i].standard) return true;
+  }
+  return false;
+}
+
+std::vector<Json> ByPosition(const Operation& operation, const Json& params) {
+  std::vector<Json> values(operation.arguments.size());
+  if (params.size() > values.size()) {
+    Refuse(operation, std::to_string(params.size()) + " arguments are too many");
+  }
+  const bool onlyThoseGiven = LeavesGaps(operation, params.size());
+  std::size_t next = 0;
+  for (std::size_t i = 0; i < values.size() && next < params.size(); ++i) {
+    if (onlyThoseGiven && operation.arguments[i].passedBack) continue;
+    values[i] = params[next++];
+  }
+  return values;
+}
+
+}  // namespace
+
+std::vector<Json> ArgumentsOf(const Operation& operation, const Json& params) {
+  std::vector<Json> values(operation.arguments.size());
+  if (params.is_object()) values = ByName(operation, params);
+  if (params.is_array()) values = ByPosition(operation, params);
+  Complete(operation, values);
+  return values;
+}
+
+}  // namespace tavi::host

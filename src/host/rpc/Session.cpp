@@ -1,0 +1,68 @@
+#include "host/rpc/Session.h"
+
+#include <algorithm>
+
+#include "host/rpc/Arguments.h"
+
+namespace tavi::host {
+
+Session::Session(MakeClub makeClub) : makeClub_(std::move(makeClub)) {
+  for (Operation& operation : AllOperations()) {
+    order_.push_back(operation.name);
+    operations_.emplace(operation.name, std::move(operation));
+  }
+  MakeAnother();
+}
+
+Json Session::Call(const std::string& method, const Json& params, std::int32_t object) {
+  if (method == "new" || method == "release" || method == "operations") {
+    if (!params.empty()) throw RpcError(RpcCode::InvalidParams, "\"" + method + "\" takes no arguments");
+    if (method == "new") return MakeAnother();
+    return method == "release" ? Release(object) : ListOperations();
+  }
+  auto found = operations_.find(method);
+  if (found == operations_.end()) found = operations_.find("get_" + method);
+  if (found == operations_.end()) {
+    throw RpcError(RpcCode::MethodNotFound,
+                   "There is no operation \"" + method + "\"; \"operations\" lists those that there are");
+  }
+  MembershipDatabase& club = ObjectOf(object);
+  const Operation& operation = found->second;
+  return operation.call(operation, club, ArgumentsOf(operation, params));
+}
+
+MembershipDatabase& Session::ObjectOf(std::int32_t number) const {
+  const auto found = objects_.find(number);
+  if (found != objects_.end()) return *found->second;
+  throw RpcError(RpcCode::InvalidParams, "There is no object " + std::to_string(number) + "; \"new\" makes one");
+}
+
+Json Session::MakeAnother() {
+  objects_.emplace(lastObject_ + 1, makeClub_());
+  ++lastObject_;
+  return {{"return", lastObject_}};
+}
+
+Json Session::Release(std::int32_t number) {
+  static_cast<void>(ObjectOf(number));
+  objects_.erase(number);
+  return {{"return", nullptr}};
+}
+
+Json Session::ListOperations() const {
+  Json list = Json::array();
+  for (const std::string& name : order_) {
+    const Operation& operation = operations_.find(name)->second;
+    Json arguments = Json::array();
+    for (const Argument& argument : operation.arguments) {
+      Json entry = {{"name", argument.name}, {"type", argument.type}};
+      if (argument.passedBack) entry["passedBack"] = true;
+      if (argument.standard) entry["optional"] = true;
+      arguments.push_back(std::move(entry));
+    }
+    list.push_back({{"name", name}, {"arguments", std::move(arguments)}, {"returns", operation.result}});
+  }
+  return {{"return", std::move(list)}};
+}
+
+}  // namespace tavi::host

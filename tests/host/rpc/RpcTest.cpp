@@ -1,0 +1,322 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+
+#include "SourceDirectory.h"
+#include "host/rpc/Operations.h"
+#include "host/rpc/Server.h"
+#include "host/support/Command.h"
+
+namespace tavi::host {
+namespace {
+
+constexpr int kParseError = -32700;
+constexpr int kInvalidRequest = -32600;
+constexpr int kMethodNotFound = -32601;
+constexpr int kInvalidParams = -32602;
+constexpr int kComponentError = -2147221504;
+
+/// A club and the command that serves it; each call of Lines is a caller of its own.
+class Rpc : public ::testing::Test {
+ protected:
+  Rpc() { EXPECT_EQ(folder_.Run({"new", "--name", "Acol"}).code, 0); }
+
+  /// The replies to some lines, a JSON value each.
+  [[nodiscard]] std::vector<Json> Lines(const std::vector<std::string>& lines) const {
+    std::string input;
+    for (const std::string& line : lines) input += line + "\n";
+    const Outcome outcome = folder_.Run({"rpc"}, input);
+    EXPECT_EQ(outcome.code, 0) << outcome.error;
+    std::vector<Json> replies;
+    std::istringstream out(outcome.out);
+    for (std::string line; std::getline(out, line);) replies.push_back(Json::parse(line));
+    return replies;
+  }
+
+  /// A request with the next id.
+  std::string Request(const std::string& method, const Json& params = Json::array(), int object = 1) {
+    Json request = {{"jsonrpc", "2.0"}, {"id", ++lastId_}, {"method", method}, {"params", params}};
+    if (object != 1) request["object"] = object;
+    return request.dump();
+  }
+  /// What one call gives on an object of its own.
+  Json Result(const std::string& method, const Json& params = Json::array()) {
+    return Lines({Request(method, params)}).at(0).at("result");
+  }
+  int ErrorCode(const std::string& method, const Json& params = Json::array()) {
+    return Lines({Request(method, params)}).at(0).at("error").at("code").get<int>();
+  }
+
+  CommandFolder folder_;
+  int lastId_ = 0;
+};
+
+TEST_F(Rpc, ArgumentsGoByNameOrByPositionAndOptionalOnesMayBeLeftOut) {
+  EXPECT_EQ(Result("AddNewMember", {{"FirstName", "Anna"}, {"Initials", "B"}, {"LastName", "Łukasz"}}),
+            Json({{"return", 1}}));
+  EXPECT_EQ(Result("AddNewMember", {"Carl", "", "O'Neil", 47.5}), Json({{"return", 2}}));
+  EXPECT_EQ(Result("GetHandicap", {2}).at("return"), 47.5);
+  EXPECT_EQ(Result("GetHandicap", {1}).at("return"), 50.0);
+  EXPECT_EQ(Result("GetMemberName", {{"NameFormat", 0}, {"MemberNo", 99}}).at("return"), "");
+  EXPECT_EQ(Result("GetMemberName", {{"NameFormat", 0}, {"MemberNo", 99}, {"DefaultName", "?"}}).at("return"), "?");
+  EXPECT_EQ(Result("GetMemberName", {{"NameFormat", 0}, {"MemberNo", 99}, {"DefaultName", nullptr}}).at("return"), "");
+}
+
+TEST_F(Rpc, ArgumentsThatArePassedBackStandBesideTheResult) {
+  EXPECT_EQ(Result("AddNewMember", {"Anna", "B", "Smith"}).at("return"), 1);
+  EXPECT_EQ(Result("SetEBUNumber", {1, "123"}), Json({{"return", nullptr}}));
+  EXPECT_EQ(Result("GetEBUNoAndNames", {{"MemberNo", 1}}),
+            Json({{"return", "123"}, {"FirstName", "Anna"}, {"Initials", "B"}, {"LastName", "Smith"}}));
+  EXPECT_EQ(Result("IsRegularPair", {1, 2}), Json({{"return", false}, {"PairAlias", ""}, {"ParScore", 50.0}}));
+  const Json first = {{"return", true}, {"Number", 1}, {"Name", "Anna B Smith"}, {"ParScore", 50.0}};
+  EXPECT_EQ(Result("GetFirstMember", {{"NameFormat", 0}}), first);
+  EXPECT_EQ(Result("GetFirstMember", {0}), first) << "by position without those that are passed back";
+  EXPECT_EQ(Result("GetFirstMember", {0, "", 0, 0}), first) << "and with them";
+  EXPECT_EQ(Result("GetFirstPartnership", {{"NameFormat", 0}, {"ParScore", 12.5}}).at("ParScore"), 12.5);
+}
+
+TEST_F(Rpc, PropertiesAreReadAndWritten) {
+  EXPECT_EQ(Result("get_ClubName").at("return"), "Acol");
+  EXPECT_EQ(Result("put_ClubName", {"New Acol"}), Json({{"return", nullptr}}));
+  EXPECT_EQ(Result("ClubName").at("return"), "New Acol") << "the bare name reads";
+  EXPECT_EQ(Result("put_ClubName", {{"value", "Third"}}), Json({{"return", nullptr}}));
+  EXPECT_EQ(Result("WasClubEverCalled", {{"ClubName", "Acol"}}).at("return"), true);
+  EXPECT_EQ(Result("get_DatabaseFolder").at("return"), folder_.Club());
+  EXPECT_EQ(Result("get_DatabaseExists").at("return"), true);
+  const auto replies = Lines({Request("put_IncludeInactiveMembers", {true}), Request("get_IncludeInactiveMembers")});
+  EXPECT_EQ(replies.at(1).at("result").at("return"), true);
+  EXPECT_EQ(Result("AddNewMember", {"Anna", "", "Smith"}).at("return"), 1);
+  EXPECT_EQ(Result("put_PlayersStratum", {{"PlayerID", 1}, {"NewStratum", 3}}), Json({{"return", nullptr}}));
+  EXPECT_EQ(Result("get_PlayersStratum", {1}).at("return"), 3);
+}
+
+TEST_F(Rpc, SettingsAreAnObjectWithItsProperties) {
+  const Json standard = {{"MaxWeeks", 0},
+                         {"MaxResults", 0},
+                         {"RegularPairMultiplier", 1.0},
+                         {"RegularPairAdd", 0.0},
+                         {"UnknownPlayerHandicap", 50.0},
+                         {"Disabled", false},
+                         {"SamePartnerWeighting", 50},
+                         {"IncludesRegularPairAdjustment", false}};
+  EXPECT_EQ(Result("get_HandicalcOptions").at("return"), standard);
+  EXPECT_EQ(Result("HandiCalcSettings.SetDefaults").at("return"), standard);
+  EXPECT_EQ(Result("put_HandicalcOptions",
+                   Json::array({Json({{"MaxWeeks", 26}, {"SamePartnerWeighting", 300}, {"RegularPairAdd", -2.5}})})),
+            Json({{"return", nullptr}}));
+  const Json stored = Result("get_HandicalcOptions").at("return");
+  EXPECT_EQ(stored.at("MaxWeeks"), 26);
+  EXPECT_EQ(stored.at("SamePartnerWeighting"), 100);
+  EXPECT_EQ(stored.at("IncludesRegularPairAdjustment"), true);
+  EXPECT_EQ(Result("HandiCalcSettings.AdjustRegularPair", {stored, 60}).at("return"), 57.5);
+  EXPECT_EQ(Result("HandiCalcSettings.Clone", Json::array({stored})).at("return"), stored);
+  EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"MaxWeek", 1}}}}), kInvalidParams);
+  EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"MaxWeeks", 40000}}}}), kInvalidParams);
+  EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", nullptr}}), static_cast<int>(0x800A005B));
+}
+
+TEST_F(Rpc, HandicapsAndListsAreJson) {
+  EXPECT_EQ(Result("AddNewMember", {"John", "", "Smith", 44}).at("return"), 1);
+  EXPECT_EQ(Result("CalculateHandicaps", {1, -1, "", "2000-01-01", true}).at("return"),
+            Json({{"PartnershipHandicap", 50.0}, {"Player1Handicap", 50.0}, {"Player2Handicap", 50.0}}));
+  EXPECT_EQ(Result("FindNearestMatches", {"John Smyth"}), Json({{"return", {1}}, {"LowerBound", 1}}));
+  EXPECT_EQ(Result("FindNearestMatches", {"Zebedee"}), Json({{"return", {0}}, {"LowerBound", 0}}));
+  EXPECT_EQ(Result("get_AllEmailAddresses").at("return"), Json::array());
+  EXPECT_EQ(
+      folder_.Run({"sql", "Insert into EBUMembershipList (EBUNumber, FirstName, LastName) Values ('7', 'A', 'B')"})
+          .code,
+      0);
+  EXPECT_EQ(Result("SearchEBUList", {"", "B"}).at("return").at(0).at("EBUNumber"), "7");
+}
+
+TEST_F(Rpc, DatesAreIsoTexts) {
+  Json params = {{"CompName", "Monday"},
+                 {"CompDate", "2026-01-05T19:30:00"},
+                 {"Individual", false},
+                 {"ScoringMethod", 1},
+                 {"ButlerType", 0},
+                 {"IsSwiss", false},
+                 {"QualiFinal", false},
+                 {"MasterPointsLevel", 1},
+                 {"NumberOfTables", 5},
+                 {"NumberOfWinners", 1},
+                 {"Gov", "EBU"},
+                 {"MasterPointsColour", 0},
+                 {"IncludeInHandicaps", true}};
+  EXPECT_EQ(Result("SetCompetitionEx", params).at("return"), 1);
+  for (const char* date : {"2026-01-32", "5 Jan 2026", "", "2026-1-5x"}) {
+    params["CompDate"] = date;
+    EXPECT_EQ(ErrorCode("SetCompetitionEx", params), kInvalidParams) << date;
+  }
+  params["CompDate"] = 46027;
+  EXPECT_EQ(ErrorCode("SetCompetitionEx", params), kInvalidParams);
+}
+
+TEST_F(Rpc, ErrorsOfTheComponentCarryNumberSourceAndText) {
+  EXPECT_EQ(Result("AddNewMember", {"John", "", "Smith"}).at("return"), 1);
+  EXPECT_EQ(Lines({Request("AddNewMember", {"John", "", "Smith"})}).at(0).at("error"),
+            Json({{"code", kComponentError},
+                  {"message", "There is already amember called John Smith"},
+                  {"data", "cDatabase"}}));
+}
+
+TEST_F(Rpc, WrongRequestsAreRefusedAndTheSessionGoesOn) {
+  const std::vector<std::pair<std::string, int>> cases = {
+      {"nonsense", kParseError},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap")", kParseError},
+      {"{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"FindMember\",\"params\":[\"\xC3\"]}", kParseError},
+      {R"({"jsonrpc":"2.0","id":1,"method":"FindMember","params":["\ud800"]})", kParseError},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[1e999]})", kParseError},
+      {"17", kInvalidRequest},
+      {"[]", kInvalidRequest},
+      {R"({"jsonrpc":"1.0","id":1,"method":"EndGet"})", kInvalidRequest},
+      {R"({"id":1,"method":"EndGet"})", kInvalidRequest},
+      {R"({"jsonrpc":"2.0","id":1})", kInvalidRequest},
+      {R"({"jsonrpc":"2.0","id":1,"method":7})", kInvalidRequest},
+      {R"({"jsonrpc":"2.0","id":{},"method":"EndGet"})", kInvalidRequest},
+      {R"({"jsonrpc":"2.0","id":1,"method":"EndGet","params":7})", kInvalidRequest},
+      {R"({"jsonrpc":"2.0","id":1,"method":"endget"})", kMethodNotFound},
+      {R"({"jsonrpc":"2.0","id":1,"method":""})", kMethodNotFound},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap"})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[1,2]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":{"Member":1}})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":["1"]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[true]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[1.5]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[2147483648]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[99999999999999999999999]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetMemberName","params":[1,32768]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetMemberName","params":[1,-32769]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"FindMember","params":[7]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"FindMember","params":["x",1]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"EndGet","object":2})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"EndGet","object":"1"})", kInvalidParams},
+  };
+  std::vector<std::string> lines;
+  for (const auto& [line, code] : cases) lines.push_back(line);
+  lines.push_back(Request("get_ClubName"));
+  const std::vector<Json> replies = Lines(lines);
+  ASSERT_EQ(replies.size(), cases.size() + 1);
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    EXPECT_EQ(replies[i].at("error").at("code"), cases[i].second) << cases[i].first;
+    EXPECT_FALSE(replies[i].at("error").at("message").get<std::string>().empty());
+  }
+  EXPECT_EQ(replies.back().at("result").at("return"), "Acol");
+}
+
+TEST_F(Rpc, WholeNumbersMayBeWrittenWithAPoint) {
+  EXPECT_EQ(Result("GetHandicap", {1.0}).at("return"), 50.0);
+  EXPECT_EQ(Result("GetHandicap", {-2147483648.0}).at("return"), 50.0);
+}
+
+TEST_F(Rpc, NotificationsAreCarriedOutWithoutAReply) {
+  const auto replies = Lines({R"({"jsonrpc":"2.0","method":"AddNewMember","params":["A","","B"]})",
+                              R"({"jsonrpc":"2.0","method":"Nothing"})", R"({"jsonrpc":"2.0","method":"GetHandicap"})",
+                              "", "  \r", Request("IsValidMemberID", {1})});
+  ASSERT_EQ(replies.size(), 1U);
+  EXPECT_EQ(replies[0].at("result").at("return"), true);
+}
+
+TEST_F(Rpc, ABatchIsAnsweredByAnArrayInItsOrder) {
+  const auto replies = Lines({"[" + Request("AddNewMember", {"A", "", "B"}) +
+                                  R"(,{"jsonrpc":"2.0","method":"EndGet"},5,)" + Request("IsValidMemberID", {1}) + "]",
+                              R"([{"jsonrpc":"2.0","method":"EndGet"}])"});
+  ASSERT_EQ(replies.size(), 1U) << "a batch of notifications has no reply";
+  ASSERT_EQ(replies[0].size(), 3U);
+  EXPECT_EQ(replies[0][0].at("result").at("return"), 1);
+  EXPECT_EQ(replies[0][1].at("error").at("code"), kInvalidRequest);
+  EXPECT_EQ(replies[0][2].at("result").at("return"), true);
+}
+
+TEST_F(Rpc, AnIdOfAnyKindComesBack) {
+  for (const char* id : {"\"x\"", "0", "-1", "1.5", "null", "\"\""}) {
+    const auto replies = Lines({std::string(R"({"jsonrpc":"2.0","method":"EndGet","id":)") + id + "}"});
+    ASSERT_EQ(replies.size(), 1U) << id;
+    EXPECT_EQ(replies[0].at("id"), Json::parse(id));
+  }
+}
+
+TEST_F(Rpc, ObjectsAreMadeMeantAndReleased) {
+  const auto replies = Lines({Request("new"), Request("put_IncludeInactiveMembers", {true}, 2),
+                              Request("get_IncludeInactiveMembers"), Request("get_IncludeInactiveMembers", {}, 2),
+                              Request("get_DatabaseFolder", {}, 2), Request("release", {}, 2),
+                              Request("get_IncludeInactiveMembers", {}, 2), Request("new"), Request("new", {1})});
+  EXPECT_EQ(replies[0].at("result"), Json({{"return", 2}}));
+  EXPECT_EQ(replies[2].at("result").at("return"), false);
+  EXPECT_EQ(replies[3].at("result").at("return"), true);
+  EXPECT_EQ(replies[4].at("result").at("return"), folder_.Club());
+  EXPECT_EQ(replies[6].at("error").at("code"), kInvalidParams);
+  EXPECT_EQ(replies[7].at("result").at("return"), 3) << "numbers are not used again";
+  EXPECT_EQ(replies[8].at("error").at("code"), kInvalidParams);
+}
+
+TEST_F(Rpc, MessageBoxesArriveAsNotifications) {
+  std::ostringstream out;
+  MessageBoxNotifications(out).Show(MessageBoxIcon::Critical, "Title", "Line 1\r\nLine \"2\"");
+  EXPECT_EQ(Json::parse(out.str()),
+            Json({{"jsonrpc", "2.0"},
+                  {"method", "MessageBox"},
+                  {"params", {{"icon", "Critical"}, {"title", "Title"}, {"text", "Line 1\r\nLine \"2\""}}}}));
+  EXPECT_EQ(out.str().find('\n'), out.str().size() - 1) << "one line";
+}
+
+TEST_F(Rpc, AnUpgradeThatFailsIsToldByAMessageBox) {
+  EXPECT_EQ(folder_.Run({"sql", "Drop Table Settings"}).code, 0);
+  EXPECT_EQ(folder_.Run({"sql", "Create Table Settings (Odd Long)"}).code, 0);
+  EXPECT_EQ(folder_.Run({"sql", "Alter Table Members Drop Column Notes"}).code, 0);
+  for (int i = 0; i < 255; ++i) {
+    // The table's lifetime of columns is used up, so that the missing one cannot be added.
+    const Outcome outcome =
+        folder_.Run({"sql"}, "Alter Table Members Add Column Z Long; Alter Table Members Drop Column Z;");
+    if (outcome.code != 0) break;
+  }
+  const auto replies = Lines({Request("get_ClubName")});
+  ASSERT_GE(replies.size(), 2U);
+  EXPECT_EQ(replies[0].at("method"), "MessageBox");
+  EXPECT_FALSE(replies[0].at("params").at("text").get<std::string>().empty());
+}
+
+TEST_F(Rpc, EnormousTextsAndControlCharactersAreTaken) {
+  const std::string big(1 << 20, 'x');
+  const auto replies = Lines({Request("FindMember", {big}), Request("FindMember", {std::string("a\0b\n", 4)}),
+                              Request("GetMemberName", {{"MemberNo", 5}, {"NameFormat", 0}, {"DefaultName", big}})});
+  ASSERT_EQ(replies.size(), 3U);
+  EXPECT_EQ(replies[2].at("result").at("return"), big);
+}
+
+/// The names of the public methods in a header, as far as hosts call them.
+std::vector<std::string> PublicMethods(const std::string& header, const std::string& className) {
+  std::ifstream file(std::string(TAVI_SOURCE_DIR) + "/src/" + header);
+  std::stringstream text;
+  text << file.rdbuf();
+  std::string code = std::regex_replace(text.str(), std::regex("//[^\n]*"), "");
+  code = code.substr(code.find("class " + className + " {"));
+  code = code.substr(0, code.find("private:"));
+  std::vector<std::string> names;
+  const std::regex method(R"((\w+)\([^;{]*\)( const)?( \{[^}]*\})?;?\n)");
+  for (std::sregex_iterator i(code.begin(), code.end(), method), end; i != end; ++i) {
+    if ((*i)[1] != className) names.push_back((*i)[1]);
+  }
+  return names;
+}
+
+TEST_F(Rpc, EveryPublicOperationOfTheComponentIsThere) {
+  std::vector<std::string> known;
+  for (const Operation& operation : AllOperations()) known.push_back(operation.name);
+  const auto isKnown = [&](const std::string& name) { return std::count(known.begin(), known.end(), name) == 1; };
+  const std::vector<std::string> methods = PublicMethods("facade/MembershipDatabase.h", "MembershipDatabase");
+  EXPECT_GT(methods.size(), 50U);
+  for (const std::string& name : methods) {
+    const bool isSetter = name.starts_with("Set") && isKnown("put_" + name.substr(3));
+    EXPECT_TRUE(isKnown(name) || isKnown("get_" + name) || isSetter) << name;
+  }
+  EXPECT_TRUE(isKnown("get_IncludeInactiveMembers") && isKnown("put_IncludeInactiveMembers"));
+  const Json listed = Result("operations").at("return");
+  EXPECT_EQ(listed.size(), known.size());
+}
+
+}  // namespace
+}  // namespace tavi::host
