@@ -223,7 +223,12 @@ void PropertyBlob::Set(std::string_view column, Property property) {
                 "The property '" + property.name + "' of the column '" + std::string(column) +
                     "' is too long. Shorten it to 32,000 characters.");
   }
-  if (std::ranges::find(names_, property.name) == names_.end()) names_.push_back(property.name);
+  const auto isItsName = [&](const std::string& name) { return EqualIgnoringCase(name, property.name); };
+  if (const auto known = std::ranges::find_if(names_, isItsName); known != names_.end()) {
+    property.name = *known;
+  } else {
+    names_.push_back(property.name);
+  }
   auto group = std::ranges::find_if(groups_, [&](const Group& candidate) {
     return candidate.kind == layout::kChunkColumn && EqualIgnoringCase(candidate.name, column);
   });
@@ -232,7 +237,8 @@ void PropertyBlob::Set(std::string_view column, Property property) {
     group = std::prev(groups_.end());
   }
   for (Property& existing : group->properties) {
-    if (existing.name == property.name) {
+    if (isItsName(existing.name)) {
+      property.name = existing.name;
       existing = std::move(property);
       return;
     }

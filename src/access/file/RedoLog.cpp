@@ -24,7 +24,6 @@ constexpr std::size_t kFingerprintOffset = 0x20;
 constexpr std::size_t kHeaderChecksumOffset = 0x38;
 
 constexpr std::size_t kMarkOffset = 0x40;
-constexpr std::size_t kMarkChecksumOffset = 0x48;
 constexpr std::size_t kMarkedSize = 8;
 constexpr std::size_t kMarkSize = 16;
 constexpr std::size_t kAppliedOffset = 0x50;
@@ -187,9 +186,13 @@ std::optional<RedoLog::Statement> RedoLog::ReadStatementHeader(std::uint64_t off
   file_->ReadAt(offset, bytes);
   const Statement statement{offset, GetLittle<std::uint32_t>(bytes, kStatementCountOffset),
                             GetLittle<std::uint32_t>(bytes, kStatementPageCountOffset)};
+  // New pages are always logged, so that the database cannot grow by more than there are.
+  const std::uint64_t pagesBefore =
+      pages_.empty() ? GetLittle<std::uint64_t>(header_, kDatabaseSizeOffset) / kPageSize : pageCount_;
   const bool isPlausible = GetLittle<std::uint32_t>(bytes, 0) == kStatementMagic &&
                            GetLittle<std::uint64_t>(bytes, kStatementChainOffset) == chain_ && statement.count > 0 &&
                            statement.count <= statement.pageCount && statement.pageCount <= format::kMaximumPageCount &&
+                           statement.pageCount <= pagesBefore + statement.count &&
                            StatementSize(statement.count) <= size - offset;
   if (!isPlausible) return std::nullopt;
   checksum = Checksum(checksum, bytes);

@@ -37,7 +37,7 @@ namespace tavi::access {
 //   From offset 0x60 on: statements, back to back. A statement with n pages, 40 + n x (16 + 4096) bytes:
 //   +0x00   4     "STMT"
 //   +0x04   4     n, at least 1
-//   +0x08   4     number of pages of the database after the statement
+//   +0x08   4     number of pages of the database after the statement, at most n more than before
 //   +0x0C   4     0
 //   +0x10   8     chain: checksum of the statement before (of the first one: the salt)
 //   +0x18   8     0

@@ -56,6 +56,15 @@ TEST(PropertyBlob, ReplacesAPropertyInsteadOfAddingASecondOne) {
   EXPECT_EQ(blob.ColumnFlag("X", "Required"), false);
 }
 
+// Symptom: a property that a file spells in another way kept its old value.
+TEST(PropertyBlob, ReplacesAPropertyWhateverTheCaseOfItsName) {
+  PropertyBlob blob;
+  blob.SetColumnText("X", "DEFAULTValue", "1");
+  blob.SetColumnText("x", "DefaultValue", "2");
+  EXPECT_EQ(blob.ColumnText("X", "DefaultValue"), "2");
+  EXPECT_EQ(PropertyBlob::Parse(blob.Serialize()).ColumnText("X", "DefaultValue"), "2");
+}
+
 TEST(PropertyBlob, RefusesEveryCutOffBlob) {
   for (std::size_t length = 0; length < kRequiredX.size(); ++length) {
     const Bytes cut(kRequiredX.begin(), kRequiredX.begin() + static_cast<std::ptrdiff_t>(length));

@@ -1,0 +1,136 @@
+// The redo log beside a file. The first byte says how to read the rest: even: the bytes of the log; odd: statements
+// that are written as a log whose checksums are right, unless the input wants one wrong, so that what they guard is
+// reached.
+#include <string>
+#include <vector>
+
+#include "access/file/Bytes.h"
+#include "access/file/Checksum.h"
+#include "access/file/RedoLog.h"
+#include "access/provider/support/Evening.h"
+#include "access/provider/support/FileUse.h"
+#include "fuzz/ByteSource.h"
+#include "fuzz/Target.h"
+
+namespace {
+
+using namespace tavi::access;
+using namespace tavi::access::test;
+using tavi::fuzz::ByteSource;
+using LogBytes = std::vector<std::uint8_t>;
+
+constexpr std::uint64_t kMostReads = 100000;
+constexpr std::size_t kHeaderSize = 0x60;
+constexpr std::size_t kMostStatements = 8;
+
+void Append(LogBytes& log, std::uint64_t value, std::size_t size) {
+  for (std::size_t i = 0; i < size; ++i) log.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
+/// Writes the log that an input describes; layout in RedoLog.h.
+class LogWriter {
+ public:
+  LogWriter(const LogBytes& database, ByteSource source) : database_(database), source_(source) {}
+
+  LogBytes Write() {
+    WriteHeader();
+    for (std::size_t i = 0; i < kMostStatements && !source_.IsAtEnd(); ++i) WriteStatement();
+    if (wantsMark_) WriteMark();
+    return std::move(log_);
+  }
+
+ private:
+  [[nodiscard]] std::size_t Pages() const { return database_.size() / kPageSize; }
+  [[nodiscard]] std::span<const std::uint8_t> Stored(std::size_t page) const {
+    return std::span(database_).subspan(page * kPageSize, kPageSize);
+  }
+
+  void WriteHeader() {
+    const std::uint8_t flags = source_.Byte();
+    wantsMark_ = (flags & 1U) != 0;
+    salt_ = 1U + source_.Byte();
+    for (const char letter : std::string("TAVIREDO")) Append(log_, static_cast<std::uint8_t>(letter), 1);
+    Append(log_, (flags & 2U) != 0 ? source_.Byte() : 1U, 4);
+    Append(log_, kPageSize, 4);
+    Append(log_, salt_, 8);
+    Append(log_, database_.size() + ((flags & 4U) != 0 ? source_.Byte() : 0U), 8);
+    Append(log_, RedoLog::PageChecksum(Stored(0)), 8);
+    log_.resize(log_.size() + 16);
+    Append(log_, Checksum(0, log_), 8);
+    log_.resize(kHeaderSize);
+    chain_ = salt_;
+  }
+
+  void WriteStatement() {
+    const std::uint8_t flags = source_.Byte();
+    const std::size_t start = log_.size();
+    const std::size_t count = 1 + flags % 3;
+    Append(log_, 0x544D5453, 4);
+    Append(log_, (flags & 0x80U) != 0 ? source_.Word() : count, 4);
+    Append(log_, (flags & 0x40U) != 0 ? source_.Word() * 0x101U : Pages() + 2, 4);
+    Append(log_, 0, 4);
+    Append(log_, (flags & 0x20U) != 0 ? source_.Byte() : chain_, 8);
+    Append(log_, 0, 8);
+    std::uint64_t checksum = Checksum(chain_, std::span(log_).subspan(start));
+    std::vector<std::size_t> numbers;
+    const std::size_t directory = log_.size();
+    for (std::size_t i = 0; i < count; ++i) numbers.push_back(WriteEntry((flags & 0x10U) != 0));
+    checksum = Checksum(checksum, std::span(log_).subspan(directory));
+    for (const std::size_t number : numbers) {
+      const std::size_t image = log_.size();
+      WriteImage(number);
+      checksum = Checksum(checksum, std::span(log_).subspan(image));
+    }
+    Append(log_, checksum + ((flags & 0x08U) != 0 ? 1U : 0U), 8);
+    chain_ = checksum;
+  }
+
+  std::size_t WriteEntry(bool isWrong) {
+    const std::size_t number = source_.Word() % (Pages() + 4);
+    const std::uint64_t before = number < Pages() ? RedoLog::PageChecksum(Stored(number)) : 0;
+    Append(log_, number, 4);
+    Append(log_, 0, 4);
+    Append(log_, before + (isWrong ? 1U : 0U), 8);
+    return number;
+  }
+
+  // The page as the database has it, with a few bytes of the input.
+  void WriteImage(std::size_t number) {
+    LogBytes image(kPageSize);
+    if (number < Pages()) image.assign(Stored(number).begin(), Stored(number).end());
+    for (std::uint8_t patches = source_.Byte() % 8; patches > 0; --patches) {
+      const std::size_t place = source_.Word() % kPageSize;
+      image[place] = source_.Byte();
+    }
+    log_.insert(log_.end(), image.begin(), image.end());
+  }
+
+  void WriteMark() {
+    LogBytes mark;
+    Append(mark, log_.size(), 8);
+    Append(mark, Checksum(salt_, mark), 8);
+    std::copy(mark.begin(), mark.end(), log_.begin() + 0x40);
+  }
+
+  const LogBytes& database_;
+  ByteSource source_;
+  LogBytes log_;
+  bool wantsMark_ = false;
+  std::uint64_t salt_ = 0;
+  std::uint64_t chain_ = 0;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const std::shared_ptr<const MemoryFileSystem> file = NewEveningFile();
+  static const LogBytes database = file->Contents(kEveningPath);
+  ByteSource source({data, size});
+  const bool isWritten = source.Byte() % 2 != 0;
+  const LogBytes log =
+      isWritten ? LogWriter(database, source).Write() : LogBytes(source.Rest().begin(), source.Rest().end());
+  const auto memory = file->AfterCrash(CrashKind::Kept, 0);
+  memory->SetContents(std::string(kEveningPath) + ".redo", log);
+  UseFile(memory, kMostReads);
+  return 0;
+}
