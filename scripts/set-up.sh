@@ -2,7 +2,7 @@
 # Every step that has nothing to do is skipped in a few milliseconds.
 
 packages_to_build="g++ cmake ninja-build ccache libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev libedit-dev pkg-config"
-packages_to_test="libgtest-dev libgmock-dev librapidcheck-dev libsqlite3-dev mdbtools python3"
+packages_to_test="libgtest-dev libgmock-dev librapidcheck-dev libsqlite3-dev mdbtools python3 nodejs"
 packages_to_fuzz="clang libclang-rt-14-dev"
 packages_to_measure="libbenchmark-dev libsqlite3-dev"
 
