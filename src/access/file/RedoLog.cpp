@@ -441,14 +441,15 @@ std::string RedoLog::SetAside(bool isAlone) {
   if (isAlone) {
     file_.reset();
     fileSystem_.Rename(path_, target);
+    fileSystem_.SyncFolderOf(path_);
   } else {
-    // The others know the file, not only its name.
+    // The others know the file, not only its name. The copy is durable, its name too, before the original goes.
     CopyTo(target);
+    fileSystem_.SyncFolderOf(target);
     file_->Truncate(0);
     file_->Sync();
     fileSize_ = 0;
   }
-  fileSystem_.SyncFolderOf(path_);
   return target;
 }
 

@@ -264,6 +264,47 @@ TEST(PagerCrash, AWriterThatDiesAfterItsCheckpointLeavesALogThatNoLongerCounts) 
   }
 }
 
+// The log of statements that another program's change has left without a file is kept for people, wherever the machine
+// stops while it is set aside.
+TEST(PagerCrash, ALogThatIsBeingSetAsideIsNeverLost) {
+  for (const bool withSecondUser : {false, true}) {
+    std::size_t stops = 0;
+    for (std::size_t stop = 0;; ++stop) {
+      auto memory = std::make_shared<MemoryFileSystem>();
+      Pager::Create(*memory, kPath, MakeSmallDatabase(8));
+      {
+        const auto crashing = std::make_shared<CrashingFileSystem>(memory);
+        crashing->StopAt(3, false);
+        try {
+          test::WriteText(*Pager::Open(crashing, kPath, {}), 3, "ours");
+        } catch (const SimulatedCrash&) {
+        }
+      }
+      ChangeAsForeigner(*memory);
+      memory = memory->AfterCrash(CrashKind::Kept, 0);
+      const auto log = memory->Contents("club.mdb.redo");
+      const auto second = withSecondUser ? Pager::Open(memory, kPath, {.readOnly = true}) : nullptr;
+      const auto crashing = std::make_shared<CrashingFileSystem>(memory);
+      crashing->StopAt(stop, false);
+      try {
+        test::WriteText(*Pager::Open(crashing, kPath, {}), 4, "later");
+      } catch (const SimulatedCrash&) {
+      }
+      if (!crashing->HasStopped()) break;
+      ++stops;
+      for (const CrashKind kind : {CrashKind::Kept, CrashKind::Dropped, CrashKind::Torn}) {
+        SCOPED_TRACE("stop " + std::to_string(stop) + ", kind " + std::to_string(static_cast<int>(kind)));
+        const auto after = memory->AfterCrash(kind, static_cast<std::uint32_t>(stop));
+        EXPECT_TRUE(after->Contents("club.mdb.redo") == log || after->Contents("club.mdb.redo-setaside-1") == log);
+        EXPECT_EQ(ReadText(*Pager::Open(after, kPath, {}), 3), "foreign");
+        EXPECT_TRUE(after->Contents("club.mdb.redo-setaside-1") == log ||
+                    after->Contents("club.mdb.redo-setaside-2") == log);
+      }
+    }
+    EXPECT_GT(stops, 2u);
+  }
+}
+
 // A close, then a change by another program, then a power failure: the log that was done with must not come back and
 // undo the change.
 void ExpectForeignChangeSurvives(MemoryFileSystem& memory) {
