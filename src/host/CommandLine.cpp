@@ -12,6 +12,7 @@
 #include "host/commands/Score.h"
 #include "host/rpc/RpcCommand.h"
 #include "host/sql/SqlCommand.h"
+#include "host/tools/Check.h"
 #include "host/tools/Dump.h"
 #include "host/tools/Import.h"
 #include "host/tools/Info.h"
@@ -36,6 +37,7 @@ struct Choices {
   SqlRequest sql;
   std::string from;
   std::string outputFolder;
+  CheckRequest check;
   bool all = false;
   bool recalculate = false;
   Action action;
@@ -142,6 +144,15 @@ void AddDump(CLI::App& app, Choices& choices) {
   });
 }
 
+void AddCheck(CLI::App& app, Choices& choices) {
+  CLI::App* command = app.add_subcommand(
+      "check", "Look through an Access file for damage; exit 0 sound, 1 damaged, 2 cannot be opened");
+  command->add_option("FILE", choices.check.file, "The Access file (else the club's); it is only read");
+  command->add_flag("--strict", choices.check.strict, "Also what other programs leave behind without harm");
+  command->callback(
+      [&choices] { choices.action = [&choices](const Context& context) { return Check(context, choices.check); }; });
+}
+
 std::optional<Date> TodayOf(const Choices& choices) {
   if (choices.today.empty()) return std::nullopt;
   const std::optional<Date> today = Date::FromIso(choices.today);
@@ -162,8 +173,20 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
       ->type_name("FOLDER");
   app.add_option("--today", choices.today, "Take this day for today")->type_name("DATE");
   app.add_flag("--json", choices.json, "Write JSON");
-  for (const auto add :
-       {AddNew, AddMembers, AddPairs, AddScore, AddFind, AddHandicaps, AddSql, AddRpc, AddInfo, AddSample, AddDump}) {
+  for (const auto add : {
+           AddNew,
+           AddMembers,
+           AddPairs,
+           AddScore,
+           AddFind,
+           AddHandicaps,
+           AddSql,
+           AddRpc,
+           AddInfo,
+           AddSample,
+           AddCheck,
+           AddDump,
+       }) {
     add(app, choices);
   }
   try {

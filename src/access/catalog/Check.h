@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -13,9 +14,41 @@ enum class CheckKind {
              ///< counters of system tables that are off, automatic numbers above the counter
 };
 
-/// Walks every page, map, row, long value and index of a file and says what does not agree: one line for each finding,
-/// with page, table or index and the reason; none when all is well. It never raises for damage, and stops at 1000
-/// findings. Joins the pager's open statement or makes a read statement.
+/// What a finding is about. Where all findings are about indexes and counters the rows are whole, and a rebuild of the
+/// file (see Compact.h) mends it.
+enum class CheckPart {
+  File,  ///< the header, the catalogue, the maps of pages
+  Rows,  ///< definition, rows and long values of a table
+  Index,
+  Counter,
+  Relationship
+};
+
+/// One thing that does not agree.
+struct CheckFinding {
+  CheckPart part = CheckPart::File;
+  std::string table;  ///< empty when it is about the file
+  std::string text;   ///< what is wrong, with page, table or index: a sentence
+};
+
+/// What a check looked at and found.
+struct CheckResult {
+  std::vector<CheckFinding> findings;
+  bool isCutShort = false;  ///< there is more to find than is listed
+  std::size_t pages = 0;
+  std::size_t tables = 0;  ///< the system's included, like the next two
+  std::size_t rows = 0;
+  std::size_t indexes = 0;
+};
+
+/// Told how many of the file's pages have been looked at, and in which table.
+using CheckProgress = std::function<void(std::size_t done, std::size_t total, const std::string& table)>;
+
+/// Walks every page, map, row, long value and index of a file and says what does not agree; nothing when all is well.
+/// It never raises for damage, and stops at 1000 findings. Joins the pager's open statement or makes a read statement.
+CheckResult CheckFile(Database& database, CheckKind kind, const CheckProgress& progress = {});
+
+/// The texts of the findings alone.
 std::vector<std::string> CheckDatabase(Database& database, CheckKind kind = CheckKind::Ordinary);
 
 }  // namespace tavi::access

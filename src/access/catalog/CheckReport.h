@@ -1,21 +1,41 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "access/catalog/Check.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access {
 
-/// The findings of a check.
+/// The findings of a check, while it is made.
 class CheckReport {
  public:
   static constexpr std::size_t kMaximumFindings = 1000;
 
-  void Add(std::string finding) {
-    if (findings_.size() < kMaximumFindings) findings_.push_back(std::move(finding));
+  explicit CheckReport(CheckProgress progress = {}) : progress_(std::move(progress)) {}
+
+  /// What is looked at from now on.
+  void Begin(CheckPart part, std::string table) {
+    part_ = part;
+    table_ = std::move(table);
   }
-  [[nodiscard]] const std::vector<std::string>& Findings() const { return findings_; }
+  void Add(std::string finding) {
+    if (result_.findings.size() < kMaximumFindings) {
+      result_.findings.push_back({part_, table_, std::move(finding)});
+    } else {
+      result_.isCutShort = true;
+    }
+  }
+  [[nodiscard]] CheckResult& Result() { return result_; }
+
+  /// Notes that one more page has been looked at.
+  void CountPage() {
+    ++done_;
+    if (progress_) progress_(std::min(done_, result_.pages), result_.pages, table_);
+  }
 
   /// Runs a part of the check; an error that it raises becomes a finding. True when it ended without one.
   template <typename Part>
@@ -30,7 +50,11 @@ class CheckReport {
   }
 
  private:
-  std::vector<std::string> findings_;
+  CheckProgress progress_;
+  CheckPart part_ = CheckPart::File;
+  std::string table_;
+  std::size_t done_ = 0;
+  CheckResult result_;
 };
 
 }  // namespace tavi::access

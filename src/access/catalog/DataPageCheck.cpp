@@ -33,6 +33,8 @@ std::vector<RowEntry> CheckDataPage(const Page& page, std::uint32_t owner, const
   for (std::size_t row = 0; row < count; ++row) {
     const std::uint16_t stored = page.U16(layout::kRowDirectoryOffset + row * layout::kRowEntrySize);
     const std::size_t offset = stored & layout::kRowOffsetMask;
+    if ((stored & ~(layout::kRowOffsetMask | layout::kRowFlagsMask)) != 0)
+      report.Add(where + ": row " + std::to_string(row) + " has an unknown flag in its directory entry.");
     if (offset > end || offset < directoryEnd) {
       report.Add(where + ": row " + std::to_string(row) + " begins at byte " + std::to_string(offset) +
                  ", which is not between " + std::to_string(directoryEnd) + " and " + std::to_string(end) + ".");

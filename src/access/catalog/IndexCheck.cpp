@@ -15,11 +15,12 @@ std::string NameOf(RowPointer row) {
 /// One index of a table, while it is checked.
 class IndexCheck {
  public:
-  IndexCheck(Pager& pager, Table& table, std::size_t index, PageOwners& owners, CheckReport& report)
+  IndexCheck(Pager& pager, Table& table, std::size_t index, CheckKind kind, PageOwners& owners, CheckReport& report)
       : pager_(pager),
         table_(table),
         index_(index),
         made_(table.Indexes()[index]),
+        kind_(kind),
         owners_(owners),
         report_(report),
         where_("index '" + made_.name + "' of table '" + table.Name() + "'") {}
@@ -32,12 +33,14 @@ class IndexCheck {
  private:
   void CheckPages() {
     owners_.ClaimMap(made_.definition.ownedPages, "the " + where_);
-    for (const PageNumber page : UsageMap(pager_, made_.definition.ownedPages).Pages())
+    for (const PageNumber page : UsageMap(pager_, made_.definition.ownedPages).Pages()) {
       owners_.Claim(page, "the " + where_);
+      report_.CountPage();
+    }
     const PageNumber table = table_.Definition().page;
     const BTreeReport tree = BTreeCheck(pager_, table, made_.definition.root, made_.definition.ownedPages).Run();
     for (const BTreeFinding& finding : tree.findings)
-      if (!finding.isWarning) report_.Add("The " + where_ + ": " + finding.text);
+      if (!finding.isWarning || kind_ == CheckKind::Strict) report_.Add("The " + where_ + ": " + finding.text);
   }
 
   void CheckEntries() {
@@ -103,6 +106,7 @@ class IndexCheck {
   Table& table_;
   std::size_t index_;
   const Index& made_;
+  CheckKind kind_;
   PageOwners& owners_;
   CheckReport& report_;
   std::string where_;
@@ -111,8 +115,9 @@ class IndexCheck {
 
 }  // namespace
 
-void CheckIndex(Pager& pager, Table& table, std::size_t index, PageOwners& owners, CheckReport& report) {
-  IndexCheck(pager, table, index, owners, report).Run();
+void CheckIndex(Pager& pager, Table& table, std::size_t index, CheckKind kind, PageOwners& owners,
+                CheckReport& report) {
+  IndexCheck(pager, table, index, kind, owners, report).Run();
 }
 
 }  // namespace tavi::access

@@ -25,6 +25,7 @@ LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueM
     for (const PageNumber page : UsageMap(pager_, maps.freeSpacePages).Pages()) freeSpacePages_.insert(page);
     for (const PageNumber number : UsageMap(pager_, maps.ownedPages).Pages()) {
       owners.Claim(number, where_);
+      report_.CountPage();
       const std::string place = "Page " + std::to_string(number) + " of " + where_;
       const std::vector<RowEntry> entries =
           CheckDataPage(*pager_.Read(number), format::data::kOwnerLongValues, place, report_);

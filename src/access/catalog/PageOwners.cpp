@@ -1,5 +1,8 @@
 #include "access/catalog/PageOwners.h"
 
+#include <set>
+
+#include "access/catalog/DataPageCheck.h"
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
@@ -47,6 +50,24 @@ void PageOwners::ClaimMap(RowPointer map, const std::string& owner) {
   report_.Guard("A usage map of " + owner, [&] {
     for (const PageNumber bitmap : UsageMap(pager_, map).BitmapPages()) Claim(bitmap, "the bits of a map of " + owner);
   });
+}
+
+void PageOwners::CheckMapPages(CheckKind kind) {
+  std::set<PageNumber> pages;
+  for (const auto& [map, owner] : maps_) pages.insert(map.page);
+  for (const PageNumber number : pages) {
+    const std::string where = "Page " + std::to_string(number) + " of usage maps";
+    const std::uint32_t owner =
+        number == format::kGlobalMapPage ? format::data::kOwnerGlobalMap : format::data::kOwnerUsageMaps;
+    report_.Guard(where, [&] {
+      const std::vector<RowEntry> entries = CheckDataPage(*pager_.Read(number), owner, where, report_);
+      if (kind != CheckKind::Strict) return;
+      for (std::size_t row = 0; row < entries.size(); ++row) {
+        if (!entries[row].IsDeleted() && !maps_.contains({number, static_cast<std::uint8_t>(row)}))
+          report_.Add(where + ": row " + std::to_string(row) + " is a map of nothing.");
+      }
+    });
+  }
 }
 
 void PageOwners::ReportLeaks() {

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "access/catalog/Check.h"
 #include "access/catalog/CheckReport.h"
 #include "access/file/Pager.h"
 
@@ -18,6 +19,8 @@ class PageOwners {
   void Claim(PageNumber page, const std::string& owner);
   /// Notes a usage map: its row (which must not serve twice) and its pages of bits.
   void ClaimMap(RowPointer map, const std::string& owner);
+  /// Looks at the pages on which the noted usage maps lie. Call it when all are noted.
+  void CheckMapPages(CheckKind kind);
   /// Reports pages that are neither owned nor free.
   void ReportLeaks();
 

@@ -32,6 +32,7 @@ std::string TableCheck::Where(const std::string& part) const {
 }
 
 void TableCheck::Run() {
+  report_.Begin(CheckPart::Rows, table_.Name());
   report_.Guard(Where("The definition"), [&] { CheckDefinition(); });
   report_.Guard(Where("The pages"), [&] { CheckPages(); });
   for (const auto& [number, entries] : pages_) CheckRows(number, entries);
@@ -39,8 +40,14 @@ void TableCheck::Run() {
   if (kind_ == CheckKind::Strict) {
     for (auto& [id, check] : longValues_) check.ReportUnused();
   }
+  report_.Begin(CheckPart::Counter, table_.Name());
   report_.Guard(Where("The counters"), [&] { CheckCounters(); });
-  for (std::size_t i = 0; i < table_.Indexes().size(); ++i) CheckIndex(pager_, table_, i, owners_, report_);
+  report_.Begin(CheckPart::Index, table_.Name());
+  for (std::size_t i = 0; i < table_.Indexes().size(); ++i) CheckIndex(pager_, table_, i, kind_, owners_, report_);
+  CheckResult& result = report_.Result();
+  ++result.tables;
+  result.rows += liveRows_;
+  result.indexes += table_.Indexes().size();
 }
 
 void TableCheck::CheckDefinition() {
@@ -103,6 +110,7 @@ void TableCheck::CheckPages() {
 }
 
 void TableCheck::CheckRows(PageNumber number, const std::vector<RowEntry>& entries) {
+  report_.CountPage();
   report_.Guard(Where("Page " + std::to_string(number)), [&] {
     const PageHandle page = pager_.Read(number);
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -141,8 +149,13 @@ void TableCheck::CheckMoved(const Page& page, const RowEntry& entry, RowPointer 
 
 void TableCheck::CheckRow(std::span<const std::uint8_t> bytes, RowPointer row) {
   report_.Guard(Where("The " + NameOf(row)), [&] {
-    static_cast<void>(RowShape(bytes, definition_));
+    const RowShape shape(bytes, definition_);
     const RowView view(bytes, FormatVersion(), row);
+    for (const ColumnDefinition& column : definition_.columns) {
+      const bool isInFixedArea = column.IsFixed() && column.type != ColumnType::Boolean && !view.IsNull(column);
+      if (isInFixedArea && std::size_t{column.fixedOffset} + column.length > shape.FixedAreaSize())
+        report_.Add(Where("The " + NameOf(row)) + " ends its fixed fields before the field '" + column.name + "'.");
+    }
     for (const ColumnDefinition& column : definition_.columns) {
       const auto check = longValues_.find(column.id);
       if (check == longValues_.end() || view.IsNull(column)) continue;
@@ -163,7 +176,7 @@ void TableCheck::CheckTargets() {
 }
 
 void TableCheck::CheckCounters() {
-  const bool exact = kind_ == CheckKind::Strict || !table_.IsSystem();
+  const bool exact = kind_ == CheckKind::Strict || !definition_.isSystem;
   if (exact && table_.RowCount() != liveRows_)
     report_.Add(Where("The counter") + " says " + std::to_string(table_.RowCount()) + " rows; there are " +
                 std::to_string(liveRows_) + ".");

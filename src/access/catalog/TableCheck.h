@@ -42,7 +42,7 @@ class TableCheck {
 };
 
 /// Checks one index against the rows of its table; see IndexCheck.cpp.
-void CheckIndex(Pager& pager, Table& table, std::size_t index, PageOwners& owners, CheckReport& report);
+void CheckIndex(Pager& pager, Table& table, std::size_t index, CheckKind kind, PageOwners& owners, CheckReport& report);
 
 /// Checks that the relationships in which a table is the foreign side hold, and that both sides agree about them.
 void CheckRelationships(Database& database, Table& table, CheckReport& report);

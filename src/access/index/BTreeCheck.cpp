@@ -76,6 +76,7 @@ void BTreeCheck::CheckHeader(const IndexPage& page, std::size_t depth) {
     Report(page.Number(),
            "states " + std::to_string(page.FreeBytes()) + " free bytes instead of " + std::to_string(free));
   }
+  if (page.MarksTheStart()) Report(page.Number(), "marks the end of an entry before the first one");
   if (page.IsLeaf() && page.Tail() != 0) Report(page.Number(), "is a leaf with a tail page");
   if (page.IsLeaf() && page.IsEmpty() && depth > 0) Report(page.Number(), "is a leaf without entries");
   if (!page.IsLeaf() && page.Tail() == 0) Report(page.Number(), "is a node without a tail page");

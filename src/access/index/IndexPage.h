@@ -51,6 +51,8 @@ class IndexPage {
   [[nodiscard]] PageNumber Next() const { return page_->U32(format::index::kNextOffset); }
   [[nodiscard]] PageNumber Tail() const { return page_->U32(format::index::kTailOffset); }
   [[nodiscard]] std::uint8_t Level() const { return page_->U8(format::index::kLevelOffset); }
+  /// True when the mask has an entry end at the very start, where none can be.
+  [[nodiscard]] bool MarksTheStart() const { return (page_->U8(format::index::kMaskOffset) & 1U) != 0; }
   [[nodiscard]] std::size_t FreeBytes() const { return page_->U16(format::index::kFreeBytesOffset); }
   [[nodiscard]] std::size_t PrefixLength() const { return prefix_; }
 

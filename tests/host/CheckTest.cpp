@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "access/catalog/Database.h"
+#include "access/file/Format.h"
+#include "host/support/Command.h"
+
+namespace tavi::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string ReadFile(const std::string& path) {
+  std::ifstream stream(path, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+/// A club's file with two members, and ways to hurt it.
+class CheckCommand : public testing::Test {
+ protected:
+  CheckCommand() {
+    EXPECT_EQ(folder_.Run({"new", "--name", "Any"}).code, 0);
+    const std::string csv = folder_.Write("members.csv", "club_number,first,last\n1,Ann,Bee\n2,Cy,Dee\n");
+    EXPECT_EQ(folder_.Run({"members", "import", csv}).code, 0);
+  }
+
+  access::TableDefinition Members() const {
+    access::Database database(access::Pager::Open(access::NativeFileSystem(), folder_.ClubFile(), {}));
+    const access::ReadStatement statement(database.GetPager());
+    return database.OpenTable("Members")->Definition();
+  }
+  void SetByte(std::size_t page, std::size_t offset, char value) const {
+    std::fstream stream(folder_.ClubFile(), std::ios::binary | std::ios::in | std::ios::out);
+    stream.seekp(static_cast<std::streamoff>(page * access::kPageSize + offset));
+    stream.put(value);
+  }
+
+  CommandFolder folder_;
+};
+
+TEST_F(CheckCommand, TellsThatTheClubsFileIsSound) {
+  const Outcome outcome = folder_.Run({"check"});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_NE(outcome.out.find("ClubMembers.mdb: sound ("), std::string::npos) << outcome.out;
+  EXPECT_EQ(folder_.Run({"check", folder_.ClubFile(), "--strict"}).code, 0);
+}
+
+TEST_F(CheckCommand, NamesWhatIsWrongAndSaysWhatToDo) {
+  SetByte(Members().page, access::format::table::kRowCountOffset, 9);
+  const std::string before = ReadFile(folder_.ClubFile());
+  const Outcome outcome = folder_.Run({"check"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_NE(outcome.out.find("The counter of table 'Members' says 9 rows; there are 2."), std::string::npos)
+      << outcome.out;
+  EXPECT_NE(outcome.out.find("damaged (1 finding)"), std::string::npos) << outcome.out;
+  EXPECT_NE(outcome.out.find("tavi compact"), std::string::npos) << outcome.out;
+  EXPECT_EQ(ReadFile(folder_.ClubFile()), before);
+}
+
+TEST_F(CheckCommand, AdvisesABackupWhenRowsAreHurt) {
+  const access::TableDefinition members = Members();
+  SetByte(members.ownedPages.page, access::format::kPageTypeOffset, 7);
+  const Outcome outcome = folder_.Run({"check"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_NE(outcome.out.find("restore it from a backup"), std::string::npos) << outcome.out;
+}
+
+TEST_F(CheckCommand, WritesJson) {
+  SetByte(Members().page, access::format::table::kRowCountOffset, 9);
+  const Outcome outcome = folder_.Run({"check", "--json"});
+  EXPECT_EQ(outcome.code, 1);
+  const auto json = nlohmann::json::parse(outcome.out);
+  EXPECT_EQ(json["file"], folder_.ClubFile());
+  EXPECT_EQ(json["sound"], false);
+  EXPECT_EQ(json["findings"].size(), 1U);
+  EXPECT_EQ(json["findings"][0]["part"], "counter");
+  EXPECT_EQ(json["findings"][0]["table"], "Members");
+  EXPECT_GT(json["rows"], 2);
+}
+
+TEST_F(CheckCommand, SaysThatAFileCannotBeOpened) {
+  const std::string text = folder_.Write("letter.mdb", std::string(9000, 'x'));
+  const Outcome outcome = folder_.Run({"check", text});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_NE(outcome.error.find("It is not an Access database."), std::string::npos) << outcome.error;
+  EXPECT_EQ(folder_.Run({"check", folder_.Path("nothing.mdb")}).code, 2);
+}
+
+TEST_F(CheckCommand, FindsTheEndOfAFileMissing) {
+  fs::resize_file(folder_.ClubFile(), fs::file_size(folder_.ClubFile()) - 8 * access::kPageSize);
+  EXPECT_EQ(folder_.Run({"check"}).code, 1);
+  fs::resize_file(folder_.ClubFile(), fs::file_size(folder_.ClubFile()) - 1);
+  EXPECT_EQ(folder_.Run({"check"}).code, 2);
+}
+
+}  // namespace
+}  // namespace tavi::host
