@@ -5,15 +5,16 @@
 namespace tavi {
 
 CompetitionAttributes ReadCompetitionAttributes(cDatabase& database, std::int32_t CompetitionID) {
-  OpenUse use(database);
-  CompetitionAttributes attributes;
-  const auto row = database.OpenRecordset("Select * from Competitions Where ID = " + std::to_string(CompetitionID));
-  if (row->AtEnd()) return attributes;
-  attributes.Individual = cDatabase::GetBooleanField(*row, "Individual");
-  attributes.IsTeams = cDatabase::GetBooleanField(*row, "IsTeams");
-  attributes.IsSwiss = cDatabase::GetBooleanField(*row, "IsSwiss");
-  attributes.NatCode = cDatabase::GetTextField(*row, "NatCode", true, attributes.NatCode);
-  return attributes;
+  return WhileOpen(database, [&] {
+    CompetitionAttributes attributes;
+    const auto row = database.OpenRecordset("Select * from Competitions Where ID = " + std::to_string(CompetitionID));
+    if (row->AtEnd()) return attributes;
+    attributes.Individual = cDatabase::GetBooleanField(*row, "Individual");
+    attributes.IsTeams = cDatabase::GetBooleanField(*row, "IsTeams");
+    attributes.IsSwiss = cDatabase::GetBooleanField(*row, "IsSwiss");
+    attributes.NatCode = cDatabase::GetTextField(*row, "NatCode", true, attributes.NatCode);
+    return attributes;
+  });
 }
 
 }  // namespace tavi

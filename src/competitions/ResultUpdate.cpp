@@ -142,23 +142,24 @@ std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const Competiti
 
 void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorResult& result) {
   RequireNumbers(result);
-  OpenUse use(database);
-  const bool isIndividual = ReadCompetitionAttributes(database, result.CompetitionID).Individual;
-  CompetitorResult noted = result;
-  Competitors& players = noted.Players;
-  if (isIndividual) {
-    players.Player2ID = kNoMember;
-    players.P2Name.clear();
-  }
-  const bool isRegularPair = !isIndividual && HasPartnershipRecord(database, players);
-  if (players.Player1ID != kNoMember || players.Player2ID != kNoMember) {
-    InsertResult(database, noted);
-    if (currentCompetitionInHandicaps_) RefreshHandicaps(database, noted, isIndividual, isRegularPair);
-  }
-  ClearCompetitorMasterPoints(database, result.CompetitionID, players.Player1ID, players.P1Name);
-  if (!isIndividual) {
-    ClearCompetitorMasterPoints(database, result.CompetitionID, players.Player2ID, players.P2Name);
-  }
+  WhileOpen(database, [&] {
+    const bool isIndividual = ReadCompetitionAttributes(database, result.CompetitionID).Individual;
+    CompetitorResult noted = result;
+    Competitors& players = noted.Players;
+    if (isIndividual) {
+      players.Player2ID = kNoMember;
+      players.P2Name.clear();
+    }
+    const bool isRegularPair = !isIndividual && HasPartnershipRecord(database, players);
+    if (players.Player1ID != kNoMember || players.Player2ID != kNoMember) {
+      InsertResult(database, noted);
+      if (currentCompetitionInHandicaps_) RefreshHandicaps(database, noted, isIndividual, isRegularPair);
+    }
+    ClearCompetitorMasterPoints(database, result.CompetitionID, players.Player1ID, players.P1Name);
+    if (!isIndividual) {
+      ClearCompetitorMasterPoints(database, result.CompetitionID, players.Player2ID, players.P2Name);
+    }
+  });
 }
 
 void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult& result, bool isIndividual,

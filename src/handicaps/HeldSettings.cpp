@@ -34,10 +34,11 @@ std::string InsertStatement(const HandiCalcSettings& settings) {
 void HeldSettings::LoadHandicalcSettings(cDatabase& database) {
   if (held_) return;
   auto settings = std::make_shared<HandiCalcSettings>();
-  OpenUse use(database);
-  const auto row = database.OpenRecordset("HandicalcSettings", ado::CursorType::ForwardOnly, true);
-  if (!row->AtEnd()) ReadRow(*row, *settings);
-  held_ = std::move(settings);
+  WhileOpen(database, [&] {
+    const auto row = database.OpenRecordset("HandicalcSettings", ado::CursorType::ForwardOnly, true);
+    if (!row->AtEnd()) ReadRow(*row, *settings);
+    held_ = std::move(settings);
+  });
 }
 
 HandiCalcSettings& HeldSettings::Require() const {
@@ -62,9 +63,10 @@ void HeldSettings::SetHandicalcOptions(cDatabase& database, const std::shared_pt
   const std::string insert = settings ? InsertStatement(*settings) : std::string();
   held_ = settings;
   Require().SetDisabled(false);
-  OpenUse use(database);
-  database.Execute("Delete from HandicalcSettings");
-  database.Execute(insert);
+  WhileOpen(database, [&] {
+    database.Execute("Delete from HandicalcSettings");
+    database.Execute(insert);
+  });
 }
 
 bool HeldSettings::HandiCalcDisabled(cDatabase& database) {
@@ -74,8 +76,9 @@ bool HeldSettings::HandiCalcDisabled(cDatabase& database) {
 
 void HeldSettings::SetHandiCalcDisabled(cDatabase& database, bool disabled) {
   Require().SetDisabled(disabled);
-  OpenUse use(database);
-  database.Execute(std::string("Update HandicalcSettings Set Disabled = ") + (disabled ? "1" : "0"));
+  WhileOpen(database, [&] {
+    database.Execute(std::string("Update HandicalcSettings Set Disabled = ") + (disabled ? "1" : "0"));
+  });
 }
 
 }  // namespace tavi

@@ -60,9 +60,10 @@ void RememberHandicap(RememberedHandicaps& list, std::int32_t memberNumber, doub
 }
 
 void RecalculateAllHandicaps(cDatabase& database, HeldSettings& held) {
-  OpenUse use(database);
-  const RememberedHandicaps remembered = RecalculatePartnerships(database, held);
-  RecalculateMembers(database, held, remembered);
+  WhileOpen(database, [&] {
+    const RememberedHandicaps remembered = RecalculatePartnerships(database, held);
+    RecalculateMembers(database, held, remembered);
+  });
 }
 
 }  // namespace tavi

@@ -5,16 +5,18 @@
 namespace tavi {
 
 std::string ClubID(cDatabase& database) {
-  OpenUse use(database);
-  const auto row = database.OpenRecordset("Select top 1 ClubEBUNumber from ClubNames Order by ClubID Desc");
-  return row->AtEnd() ? std::string() : cDatabase::GetTextField(*row, "ClubEBUNumber");
+  return WhileOpen(database, [&] {
+    const auto row = database.OpenRecordset("Select top 1 ClubEBUNumber from ClubNames Order by ClubID Desc");
+    return row->AtEnd() ? std::string() : cDatabase::GetTextField(*row, "ClubEBUNumber");
+  });
 }
 
 bool WasClubEverCalled(cDatabase& database, const std::string& ClubName) {
-  OpenUse use(database);
-  const auto row =
-      database.OpenRecordset("Select top 1 ClubID from ClubNames Where ClubName = " + cDatabase::SQLString(ClubName));
-  return !row->AtEnd();
+  return WhileOpen(database, [&] {
+    const auto row =
+        database.OpenRecordset("Select top 1 ClubID from ClubNames Where ClubName = " + cDatabase::SQLString(ClubName));
+    return !row->AtEnd();
+  });
 }
 
 }  // namespace tavi

@@ -58,45 +58,50 @@ std::string InsertStatement(std::int32_t number, const MemberDetails& details, c
 }  // namespace
 
 std::int32_t cDatabase::NextAvailableMemberNo() {
-  OpenUse use(*this);
-  const auto row = OpenRecordset("Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc");
-  if (row->AtEnd()) return 1;
-  const std::int32_t highest = GetNumericField(*row, "MembershipNumber");
-  if (highest == std::numeric_limits<std::int32_t>::max()) {
-    throw Error(ErrorNumber::Overflow, "cDatabase",
-                "Overflow: there is no membership number behind " + std::to_string(highest) +
-                    "; give the member who has it another one.");
-  }
-  return highest + 1;
+  return WhileOpen(*this, [&] {
+    const auto row = OpenRecordset("Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc");
+    if (row->AtEnd()) return 1;
+    const std::int32_t highest = GetNumericField(*row, "MembershipNumber");
+    if (highest == std::numeric_limits<std::int32_t>::max()) {
+      throw Error(ErrorNumber::Overflow, "cDatabase",
+                  "Overflow: there is no membership number behind " + std::to_string(highest) +
+                      "; give the member who has it another one.");
+    }
+    return highest + 1;
+  });
 }
 
 std::int32_t cDatabase::AddMember(const MemberDetails& details) {
-  OpenUse use(*this);
-  const std::int32_t number = details.RequiredID == kNoMember ? NextAvailableMemberNo() : details.RequiredID;
-  const std::string setHandicap = "Update Members Set Handicap = " + SQLNumber(details.Handicap, "the handicap") + " ";
-  Execute(InsertStatement(number, details, *platform_->nameKeyService));
-  Execute(setHandicap + WhereNumberIs(number));
-  SetNameUniquenessFlags(details.FirstName);
-  return number;
+  return WhileOpen(*this, [&] {
+    const std::int32_t number = details.RequiredID == kNoMember ? NextAvailableMemberNo() : details.RequiredID;
+    const std::string setHandicap =
+        "Update Members Set Handicap = " + SQLNumber(details.Handicap, "the handicap") + " ";
+    Execute(InsertStatement(number, details, *platform_->nameKeyService));
+    Execute(setHandicap + WhereNumberIs(number));
+    SetNameUniquenessFlags(details.FirstName);
+    return number;
+  });
 }
 
 bool cDatabase::MemberExists(std::int32_t memberNumber) {
-  OpenUse use(*this);
-  const auto row = OpenRecordset("Select count(*) From Members " + WhereNumberIs(memberNumber));
-  return !row->AtEnd() && ToInt32(row->Get(row->Fields().front().name)) > 0;
+  return WhileOpen(*this, [&] {
+    const auto row = OpenRecordset("Select count(*) From Members " + WhereNumberIs(memberNumber));
+    return !row->AtEnd() && ToInt32(row->Get(row->Fields().front().name)) > 0;
+  });
 }
 
 bool cDatabase::GetMembersNames(std::int32_t memberNumber, std::string& FirstName, std::string& Initials,
                                 std::string& LastName, bool& Active) {
-  OpenUse use(*this);
-  const auto row = OpenRecordset("Select FirstName, MiddleInitials, LastName, Active From Members " +
-                                 WhereNumberIs(memberNumber) + " Order by Active Desc");
-  if (row->AtEnd()) return false;
-  FirstName = GetTextField(*row, "FirstName");
-  Initials = GetTextField(*row, "MiddleInitials");
-  LastName = GetTextField(*row, "LastName");
-  Active = GetBooleanField(*row, "Active");
-  return true;
+  return WhileOpen(*this, [&] {
+    const auto row = OpenRecordset("Select FirstName, MiddleInitials, LastName, Active From Members " +
+                                   WhereNumberIs(memberNumber) + " Order by Active Desc");
+    if (row->AtEnd()) return false;
+    FirstName = GetTextField(*row, "FirstName");
+    Initials = GetTextField(*row, "MiddleInitials");
+    LastName = GetTextField(*row, "LastName");
+    Active = GetBooleanField(*row, "Active");
+    return true;
+  });
 }
 
 std::string cDatabase::GetFullName(std::int32_t memberNumber) {
@@ -108,27 +113,30 @@ std::string cDatabase::GetFullName(std::int32_t memberNumber) {
 
 std::int32_t cDatabase::GetMembershipID(const std::string& FirstName, const std::string& Initials,
                                         const std::string& LastName, bool& Retired) {
-  OpenUse use(*this);
-  const auto row =
-      OpenRecordset("Select MembershipNumber, Active from Members Where FirstName = " + SQLString(FirstName) +
-                    " And MiddleInitials = " + SQLString(Initials) + " And LastName = " + SQLString(LastName));
-  if (row->AtEnd()) return kNoMember;
-  Retired = !GetBooleanField(*row, "Active");
-  return GetNumericField(*row, "MembershipNumber", kNoMember);
+  return WhileOpen(*this, [&] {
+    const auto row =
+        OpenRecordset("Select MembershipNumber, Active from Members Where FirstName = " + SQLString(FirstName) +
+                      " And MiddleInitials = " + SQLString(Initials) + " And LastName = " + SQLString(LastName));
+    if (row->AtEnd()) return kNoMember;
+    Retired = !GetBooleanField(*row, "Active");
+    return GetNumericField(*row, "MembershipNumber", kNoMember);
+  });
 }
 
 double cDatabase::GetHandicap(std::int32_t memberNumber) {
-  OpenUse use(*this);
-  const auto row =
-      OpenRecordset("Select Handicap from Members where MembershipNumber = " + std::to_string(memberNumber));
-  return row->AtEnd() ? kNeutralHandicap : GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
+  return WhileOpen(*this, [&] {
+    const auto row =
+        OpenRecordset("Select Handicap from Members where MembershipNumber = " + std::to_string(memberNumber));
+    return row->AtEnd() ? kNeutralHandicap : GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
+  });
 }
 
 std::int16_t cDatabase::GetPlayerStratum(std::int32_t memberNumber) {
-  OpenUse use(*this);
-  const auto row =
-      OpenRecordset("Select Stratum from Members where MembershipNumber = " + std::to_string(memberNumber));
-  return row->AtEnd() ? std::int16_t{0} : ToInt16(GetNumericField(*row, "Stratum"));
+  return WhileOpen(*this, [&] {
+    const auto row =
+        OpenRecordset("Select Stratum from Members where MembershipNumber = " + std::to_string(memberNumber));
+    return row->AtEnd() ? std::int16_t{0} : ToInt16(GetNumericField(*row, "Stratum"));
+  });
 }
 
 void cDatabase::SetPlayerStratum(std::int32_t memberNumber, std::int16_t NewStratum) {

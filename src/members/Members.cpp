@@ -41,13 +41,14 @@ Error NameIsTaken(const MemberDetails& details, bool retired) {
 }  // namespace
 
 std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32_t memberNumber) {
-  OpenUse use(database);
-  const auto row = database.OpenRecordset("Select " + std::string(kMemberRowColumns) + " From Members " +
-                                          WhereActiveNumberIs(memberNumber));
-  if (row->AtEnd()) return nullptr;
-  auto member = ReadMemberRow(*row, database.GetPlatform().nameKeyService);
-  member->UniquenessFlag = UniquenessFlagOf(*row);
-  return member;
+  return WhileOpen(database, [&]() -> std::shared_ptr<cPlayerDetails> {
+    const auto row = database.OpenRecordset("Select " + std::string(kMemberRowColumns) + " From Members " +
+                                            WhereActiveNumberIs(memberNumber));
+    if (row->AtEnd()) return nullptr;
+    auto member = ReadMemberRow(*row, database.GetPlatform().nameKeyService);
+    member->UniquenessFlag = UniquenessFlagOf(*row);
+    return member;
+  });
 }
 
 std::int32_t AddNewMember(cDatabase& database, const std::string& FirstName, const std::string& Initials,
@@ -63,12 +64,13 @@ std::int32_t AddNewMember(cDatabase& database, const std::string& FirstName, con
   details.LastPaid = unknown;
   details.NextDue = unknown;
 
-  OpenUse use(database);
-  bool retired = false;
-  if (database.GetMembershipID(FirstName, Initials, LastName, retired) != kNoMember) {
-    throw NameIsTaken(details, retired);
-  }
-  return database.AddMember(details);
+  return WhileOpen(database, [&] {
+    bool retired = false;
+    if (database.GetMembershipID(FirstName, Initials, LastName, retired) != kNoMember) {
+      throw NameIsTaken(details, retired);
+    }
+    return database.AddMember(details);
+  });
 }
 
 std::string GetNameAndEBUNumber(cDatabase& database, std::int32_t MemberNo, std::int16_t NameFormat,
@@ -93,12 +95,13 @@ void SetEBUNumber(cDatabase& database, std::int32_t MemberNo, const std::string&
 }
 
 std::int32_t EnteredNumberToClubNumber(cDatabase& database, std::int32_t EnteredNumber) {
-  OpenUse use(database);
-  const std::string number = std::to_string(EnteredNumber);
-  const std::string select = "Select MembershipNumber from Members where ";
-  if (!database.OpenRecordset(select + "MembershipNumber = " + number)->AtEnd()) return EnteredNumber;
-  const auto row = database.OpenRecordset(select + "EBUNumber = '" + number + "'");
-  return row->AtEnd() ? 0 : cDatabase::GetNumericField(*row, "MembershipNumber");
+  return WhileOpen(database, [&] {
+    const std::string number = std::to_string(EnteredNumber);
+    const std::string select = "Select MembershipNumber from Members where ";
+    if (!database.OpenRecordset(select + "MembershipNumber = " + number)->AtEnd()) return EnteredNumber;
+    const auto row = database.OpenRecordset(select + "EBUNumber = '" + number + "'");
+    return row->AtEnd() ? 0 : cDatabase::GetNumericField(*row, "MembershipNumber");
+  });
 }
 
 void DeleteMember(cDatabase& database, std::int32_t MembershipNumber) {
@@ -106,9 +109,10 @@ void DeleteMember(cDatabase& database, std::int32_t MembershipNumber) {
 }
 
 double GetActiveHandicap(cDatabase& database, std::int32_t MemberID) {
-  OpenUse use(database);
-  const auto row = database.OpenRecordset("Select Handicap From Members " + WhereActiveNumberIs(MemberID));
-  return row->AtEnd() ? kNeutralHandicap : cDatabase::GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
+  return WhileOpen(database, [&] {
+    const auto row = database.OpenRecordset("Select Handicap From Members " + WhereActiveNumberIs(MemberID));
+    return row->AtEnd() ? kNeutralHandicap : cDatabase::GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
+  });
 }
 
 void SetActiveHandicap(cDatabase& database, std::int32_t MemberID, double NewHandicap) {
@@ -117,8 +121,9 @@ void SetActiveHandicap(cDatabase& database, std::int32_t MemberID, double NewHan
 }
 
 bool IsValidMemberID(cDatabase& database, std::int32_t MemberID) {
-  OpenUse use(database);
-  return !database.OpenRecordset("Select top 1 MembershipNumber From Members " + WhereNumberIs(MemberID))->AtEnd();
+  return WhileOpen(database, [&] {
+    return !database.OpenRecordset("Select top 1 MembershipNumber From Members " + WhereNumberIs(MemberID))->AtEnd();
+  });
 }
 
 }  // namespace tavi

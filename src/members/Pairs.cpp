@@ -47,9 +47,10 @@ void SetPairHandicap(cDatabase& database, std::int32_t MemberID1, std::int32_t M
 
 std::string GetPairName(cDatabase& database, const NamedPlayer& Player1, const NamedPlayer& Player2,
                         std::int16_t NameFormat, bool TransferSurname, bool AlternateName) {
-  OpenUse use(database);
-  const cPartnership pair(PlayerOf(database, Player1), PlayerOf(database, Player2));
-  return pair.Name(NameFormat, TransferSurname, AlternateName);
+  return WhileOpen(database, [&] {
+    const cPartnership pair(PlayerOf(database, Player1), PlayerOf(database, Player2));
+    return pair.Name(NameFormat, TransferSurname, AlternateName);
+  });
 }
 
 }  // namespace tavi

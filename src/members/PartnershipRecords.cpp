@@ -36,31 +36,33 @@ std::string cDatabase::PairWhereClause(std::int32_t P1, std::int32_t P2) {
 
 bool cDatabase::IsRegularPartnership(std::int32_t P1, std::int32_t P2, std::string& PairName, double& Handicap,
                                      bool& Inactive) {
-  OpenUse use(*this);
-  const auto row = OpenRecordset("Select * from Partnerships Where " + PairWhereClause(P1, P2));
-  if (row->AtEnd()) return false;
-  Inactive = !GetBooleanField(*row, "Active");
-  PairName = GetTextField(*row, "KnownAs");
-  Handicap = GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
-  return true;
+  return WhileOpen(*this, [&] {
+    const auto row = OpenRecordset("Select * from Partnerships Where " + PairWhereClause(P1, P2));
+    if (row->AtEnd()) return false;
+    Inactive = !GetBooleanField(*row, "Active");
+    PairName = GetTextField(*row, "KnownAs");
+    Handicap = GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
+    return true;
+  });
 }
 
 void cDatabase::MakeRegularPartnership(std::int32_t P1, std::int32_t P2, double Handicap, bool ErrorIfAlreadyExists,
                                        const std::string& KnownAs) {
-  OpenUse use(*this);
-  const double handicap = Handicap < 0.0 ? Mean(GetHandicap(P1), GetHandicap(P2)) : Handicap;
-  if (P1 == P2) throw Error(ErrorNumber::Component, kSource, "You cannot partner a player with themself.");
+  WhileOpen(*this, [&] {
+    const double handicap = Handicap < 0.0 ? Mean(GetHandicap(P1), GetHandicap(P2)) : Handicap;
+    if (P1 == P2) throw Error(ErrorNumber::Component, kSource, "You cannot partner a player with themself.");
 
-  std::string storedName;
-  double storedHandicap = 0.0;
-  bool inactive = false;
-  if (!IsRegularPartnership(P1, P2, storedName, storedHandicap, inactive)) {
-    Execute(InsertStatement(P1, P2, handicap, KnownAs));
-  } else if (inactive) {
-    Execute(ReactivateStatement(P1, P2, handicap, KnownAs));
-  } else if (ErrorIfAlreadyExists) {
-    throw Error(ErrorNumber::Component, kSource, "Partnership already exists");
-  }
+    std::string storedName;
+    double storedHandicap = 0.0;
+    bool inactive = false;
+    if (!IsRegularPartnership(P1, P2, storedName, storedHandicap, inactive)) {
+      Execute(InsertStatement(P1, P2, handicap, KnownAs));
+    } else if (inactive) {
+      Execute(ReactivateStatement(P1, P2, handicap, KnownAs));
+    } else if (ErrorIfAlreadyExists) {
+      throw Error(ErrorNumber::Component, kSource, "Partnership already exists");
+    }
+  });
 }
 
 }  // namespace tavi

@@ -119,8 +119,9 @@ void Walk::ReadPartnership(const std::shared_ptr<cPlayerDetails>& lower, const s
 }
 
 void Walk::EndGet(cDatabase& store) {
+  // Even where closing fails: the cursor of a closed file is of no use.
+  const std::unique_ptr<ado::Recordset> ended = std::move(cursor_);
   store.CloseDB(true);
-  cursor_.reset();
   if (retiredPlayers_) retiredPlayers_->RetireFromPartnerships(store);
 }
 

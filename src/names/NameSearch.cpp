@@ -55,12 +55,13 @@ void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> cand
 }  // namespace
 
 std::int32_t FindMember(cDatabase& database, const std::string& Name, bool ExactMatchRequired) {
-  OpenUse use(database);
-  const PlayerNameParts name = SplitName(Name);
-  bool retired = false;
-  const std::int32_t exact = database.GetMembershipID(name.FirstName, name.Initials, name.Surname, retired);
-  if (exact != kNoMember && !retired) return exact;
-  return ExactMatchRequired ? kNoMember : FindByInitials(database, name);
+  return WhileOpen(database, [&] {
+    const PlayerNameParts name = SplitName(Name);
+    bool retired = false;
+    const std::int32_t exact = database.GetMembershipID(name.FirstName, name.Initials, name.Surname, retired);
+    if (exact != kNoMember && !retired) return exact;
+    return ExactMatchRequired ? kNoMember : FindByInitials(database, name);
+  });
 }
 
 std::vector<std::int32_t> FindNearestMatches(cDatabase& database, const std::string& Name) {
@@ -69,18 +70,19 @@ std::vector<std::int32_t> FindNearestMatches(cDatabase& database, const std::str
   cPlayerDetails typed(service);
   typed.SetName(Name);
 
-  OpenUse use(database);
-  const auto rows =
-      database.OpenRecordset("Select " + std::string(kMemberRowColumns) + " from Members " + ConditionFor(typed));
-  Candidates candidates;
-  for (; !rows->AtEnd(); rows->MoveNext()) {
-    auto candidate = ReadMemberRow(*rows, service);
-    const std::int16_t weight = typed.MatchWeight(*candidate);
-    if (weight >= 1) InsertByWeight(candidates, std::move(candidate), weight);
-  }
-  std::vector<std::int32_t> numbers;
-  for (const auto& candidate : candidates) numbers.push_back(candidate->MembershipNumber);
-  return numbers;
+  return WhileOpen(database, [&] {
+    const auto rows =
+        database.OpenRecordset("Select " + std::string(kMemberRowColumns) + " from Members " + ConditionFor(typed));
+    Candidates candidates;
+    for (; !rows->AtEnd(); rows->MoveNext()) {
+      auto candidate = ReadMemberRow(*rows, service);
+      const std::int16_t weight = typed.MatchWeight(*candidate);
+      if (weight >= 1) InsertByWeight(candidates, std::move(candidate), weight);
+    }
+    std::vector<std::int32_t> numbers;
+    for (const auto& candidate : candidates) numbers.push_back(candidate->MembershipNumber);
+    return numbers;
+  });
 }
 
 }  // namespace tavi

@@ -47,20 +47,21 @@ std::vector<ActiveMember> ReadMembers(ado::Recordset& rows) {
 }  // namespace
 
 void cDatabase::SetNameUniquenessFlags(const std::string& FirstName) {
-  OpenUse use(*this);
-  const std::string condition = FirstName.empty() ? "" : " And FirstName = " + SQLString(FirstName);
-  const auto rows =
-      OpenRecordset("Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0 " +
-                        condition + "Order By FirstName, LastName, MiddleInitials",
-                    ado::CursorType::Dynamic);
-  const std::vector<ActiveMember> members = ReadMembers(*rows);
-  // Backwards over the rows again, writing only what differs: opening an unchanged club must not change its file.
-  for (auto member = members.rbegin(); member != members.rend(); ++member) {
-    rows->MovePrevious();
-    if (member->storedFlag == member->flag) continue;
-    rows->Set("UniquenessFlag", static_cast<std::int16_t>(member->flag));
-    rows->Update();
-  }
+  WhileOpen(*this, [&] {
+    const std::string condition = FirstName.empty() ? "" : " And FirstName = " + SQLString(FirstName);
+    const auto rows =
+        OpenRecordset("Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0 " +
+                          condition + "Order By FirstName, LastName, MiddleInitials",
+                      ado::CursorType::Dynamic);
+    const std::vector<ActiveMember> members = ReadMembers(*rows);
+    // Backwards over the rows again, writing only what differs: opening an unchanged club must not change its file.
+    for (auto member = members.rbegin(); member != members.rend(); ++member) {
+      rows->MovePrevious();
+      if (member->storedFlag == member->flag) continue;
+      rows->Set("UniquenessFlag", static_cast<std::int16_t>(member->flag));
+      rows->Update();
+    }
+  });
 }
 
 }  // namespace tavi

@@ -1,11 +1,14 @@
 #pragma once
 
+#include <type_traits>
+
 #include "store/cDatabase.h"
 
 namespace tavi {
 
 /// One counted use of the store's open file for the length of a scope: opens on construction, counts down at its end,
-/// on every path. An error of the scope stays the one that is reported: one of closing is then swallowed.
+/// on every path. What goes wrong when the file is closed there reaches nobody: an operation that ends without an error
+/// calls Close, or runs in WhileOpen, which does.
 class OpenUse {
  public:
   /// Raises what OpenDB raises.
@@ -38,5 +41,20 @@ class OpenUse {
   cDatabase& database_;
   bool counted_ = false;
 };
+
+/// What `work` gives, done with the file open. Errors of `work` pass on after the file has been counted down; so do
+/// those of closing it, which can mean that its pages could not be written.
+template <typename Work>
+std::invoke_result_t<const Work&> WhileOpen(cDatabase& database, const Work& work) {
+  OpenUse use(database);
+  if constexpr (std::is_void_v<std::invoke_result_t<const Work&>>) {
+    work();
+    use.Close();
+  } else {
+    auto result = work();
+    use.Close();
+    return result;
+  }
+}
 
 }  // namespace tavi

@@ -45,14 +45,15 @@ bool IsWhiteSpace(char character) {
 }  // namespace
 
 std::string cDatabase::MPCertificatePrefix() {
-  OpenUse use(*this);
-  const auto settings = OpenSettingsRow();
-  std::string prefix = GetTextField(*settings, kPrefixColumn);
-  if (prefix.empty()) {
-    prefix = DefaultMPPrefix("MP");
-    Store(*settings, kPrefixColumn, prefix);
-  }
-  return prefix;
+  return WhileOpen(*this, [&] {
+    const auto settings = OpenSettingsRow();
+    std::string prefix = GetTextField(*settings, kPrefixColumn);
+    if (prefix.empty()) {
+      prefix = DefaultMPPrefix("MP");
+      Store(*settings, kPrefixColumn, prefix);
+    }
+    return prefix;
+  });
 }
 
 std::string cDatabase::FullCertificateNumber(std::int32_t NumericPart) {
@@ -60,24 +61,22 @@ std::string cDatabase::FullCertificateNumber(std::int32_t NumericPart) {
 }
 
 std::string cDatabase::NextMPCertificateNumber() {
-  OpenUse use(*this);
-  const std::int32_t number = CountOn(*OpenSettingsRow(), kCertificateColumn);
-  return FullCertificateNumber(number);
+  return WhileOpen(*this, [&] {
+    const std::int32_t number = CountOn(*OpenSettingsRow(), kCertificateColumn);
+    return FullCertificateNumber(number);
+  });
 }
 
 std::int32_t cDatabase::GetLastMPCertificateNo() {
-  OpenUse use(*this);
-  return GetNumericField(*OpenSettingsRow(), kCertificateColumn);
+  return WhileOpen(*this, [&] { return GetNumericField(*OpenSettingsRow(), kCertificateColumn); });
 }
 
 void cDatabase::ResetLastMPCertificateNo(std::int32_t LastCertNo) {
-  OpenUse use(*this);
-  Store(*OpenSettingsRow(), kCertificateColumn, LastCertNo);
+  WhileOpen(*this, [&] { Store(*OpenSettingsRow(), kCertificateColumn, LastCertNo); });
 }
 
 std::int32_t cDatabase::NextMPUploadNumber() {
-  OpenUse use(*this);
-  return CountOn(*OpenSettingsRow(), kUploadColumn);
+  return WhileOpen(*this, [&] { return CountOn(*OpenSettingsRow(), kUploadColumn); });
 }
 
 std::string cDatabase::DefaultMPPrefix(const std::string& DefaultIfNone) {
@@ -94,56 +93,54 @@ std::string cDatabase::DefaultMPPrefix(const std::string& DefaultIfNone) {
 }
 
 std::int16_t cDatabase::MasterPointIssueMethod() {
-  OpenUse use(*this);
-  const auto rows = OpenRecordset("Select MasterPointMethod from Settings");
-  return ToInt16(GetNumericField(*rows, kMethodColumn));
+  return WhileOpen(*this, [&] {
+    const auto rows = OpenRecordset("Select MasterPointMethod from Settings");
+    return ToInt16(GetNumericField(*rows, kMethodColumn));
+  });
 }
 
 void cDatabase::SetMasterPointIssueMethod(std::int16_t NewMethod) {
-  OpenUse use(*this);
-  Store(*OpenSettingsRow(), kMethodColumn, NewMethod);
+  WhileOpen(*this, [&] { Store(*OpenSettingsRow(), kMethodColumn, NewMethod); });
 }
 
 std::string cDatabase::CountyList() {
-  OpenUse use(*this);
-  return GetTextField(*OpenSettingsRow(), kCountyColumn);
+  return WhileOpen(*this, [&] { return GetTextField(*OpenSettingsRow(), kCountyColumn); });
 }
 
 void cDatabase::SetCountyList(const std::string& NewList) {
-  OpenUse use(*this);
-  Store(*OpenSettingsRow(), kCountyColumn, NewList);
+  WhileOpen(*this, [&] { Store(*OpenSettingsRow(), kCountyColumn, NewList); });
 }
 
 Date cDatabase::LastGotEBUNumbers() {
-  OpenUse use(*this);
-  return GetDateField(*OpenSettingsRow(), kEbuListColumn, kNoDateYet);
+  return WhileOpen(*this, [&] { return GetDateField(*OpenSettingsRow(), kEbuListColumn, kNoDateYet); });
 }
 
 void cDatabase::SetLastGotEBUNumbers(Date NewDate) {
-  OpenUse use(*this);
-  Store(*OpenSettingsRow(), kEbuListColumn, RequireDate(NewDate, "the date of the last list"));
+  WhileOpen(*this,
+            [&] { Store(*OpenSettingsRow(), kEbuListColumn, RequireDate(NewDate, "the date of the last list")); });
 }
 
 Date cDatabase::LastUploadDate() {
-  OpenUse use(*this);
-  return GetDateField(*OpenSettingsRow(), kUploadDateColumn, kNoDateYet);
+  return WhileOpen(*this, [&] { return GetDateField(*OpenSettingsRow(), kUploadDateColumn, kNoDateYet); });
 }
 
 void cDatabase::SetLastUploadDate(Date NewDate) {
-  OpenUse use(*this);
-  Store(*OpenSettingsRow(), kUploadDateColumn, RequireDate(NewDate, "the date of the last upload"));
+  WhileOpen(*this,
+            [&] { Store(*OpenSettingsRow(), kUploadDateColumn, RequireDate(NewDate, "the date of the last upload")); });
 }
 
 std::string cDatabase::LatestClubName() {
-  OpenUse use(*this);
-  return GetTextField(*OpenRecordset("Select top 1 ClubName from ClubNames Order by ClubID Desc"), "ClubName");
+  return WhileOpen(*this, [&] {
+    return GetTextField(*OpenRecordset("Select top 1 ClubName from ClubNames Order by ClubID Desc"), "ClubName");
+  });
 }
 
 void cDatabase::SetLatestClubName(const std::string& name) {
-  OpenUse use(*this);
-  Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
-  const std::string prefix = DefaultMPPrefix("");
-  if (!prefix.empty()) Store(*OpenSettingsRow(), kPrefixColumn, prefix);
+  WhileOpen(*this, [&] {
+    Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
+    const std::string prefix = DefaultMPPrefix("");
+    if (!prefix.empty()) Store(*OpenSettingsRow(), kPrefixColumn, prefix);
+  });
 }
 
 }  // namespace tavi

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -16,8 +17,11 @@ class TemporaryFolder {
  public:
   TemporaryFolder() {
     const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
-    path_ = std::filesystem::temp_directory_path() /
-            ("tavi-" + std::to_string(getpid()) + "-" + test->test_suite_name() + "-" + test->name());
+    std::string name =
+        "tavi-" + std::to_string(getpid()) + "-" + std::string(test->test_suite_name()) + "-" + test->name();
+    // Names of parameterized tests hold slashes.
+    std::replace(name.begin(), name.end(), '/', '-');
+    path_ = std::filesystem::temp_directory_path() / name;
     std::filesystem::remove_all(path_);
     std::filesystem::create_directories(path_);
   }

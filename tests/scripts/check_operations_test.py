@@ -14,28 +14,41 @@ HEADER = "src/facade/MembershipDatabase.h"
 WALK_TEST = "tests/members/WalkTest.cpp"
 
 
-def is_looked_at(name):
-    return name.endswith((".h", ".cpp", ".md")) or name == "CMakeLists.txt"
+def what_is_not_looked_at(folder, names):
+    def is_looked_at(name):
+        return name.endswith((".h", ".cpp", ".md")) or name == "CMakeLists.txt" or (pathlib.Path(folder) / name).is_dir()
+    return [name for name in names if not is_looked_at(name)]
 
 
 class CheckOperations(unittest.TestCase):
-    def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.root = pathlib.Path(self.folder.name)
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.root = pathlib.Path(cls.folder.name)
         for top in ("docs", "src", "tests"):
-            shutil.copytree(ROOT / top, self.root / top,
-                            ignore=lambda folder, names: [name for name in names
-                                                          if not is_looked_at(name)
-                                                          and not (pathlib.Path(folder) / name).is_dir()])
+            shutil.copytree(ROOT / top, cls.root / top, ignore=what_is_not_looked_at)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def setUp(self):
+        self.doctored = {}
 
     def tearDown(self):
-        self.folder.cleanup()
+        self.heal()
 
     def doctor(self, file, old, new):
         path = self.root / file
         text = path.read_text(encoding="utf-8")
         self.assertIn(old, text)
+        self.doctored.setdefault(path, text)
         path.write_text(text.replace(old, new, 1), encoding="utf-8")
+
+    def heal(self):
+        for path, text in self.doctored.items():
+            path.write_text(text, encoding="utf-8")
+        self.doctored = {}
 
     def row_of(self, name, kind="method"):
         lines = (self.root / PAGE).read_text(encoding="utf-8").splitlines(keepends=True)
@@ -79,7 +92,7 @@ class CheckOperations(unittest.TestCase):
                 good = self.row_of("GetNameAndEBUNumber")
                 self.doctor(PAGE, good, good.replace(old, new))
                 self.assertIn("`GetNameAndEBUNumber`: the arguments are", self.findings())
-                self.doctor(PAGE, good.replace(old, new), good)
+                self.heal()
 
     def test_refuses_another_result_or_kind(self):
         row = self.row_of("IsValidMemberID")
@@ -92,6 +105,13 @@ class CheckOperations(unittest.TestCase):
         row = self.row_of("AllEmailAddresses", "get")
         self.doctor(PAGE, row, row.replace("0x800A01C9", "0x800A01CA"))
         self.assertIn("0x800A01CA is no error number", self.findings())
+
+    def test_refuses_an_operation_whose_database_errors_nobody_tries(self):
+        self.doctor("tests/facade/faults/support/Operations.cpp", '"DeletePair"', '"DeleteOther"')
+        self.assertIn("has no such operation", self.findings())
+        row = self.row_of("DeletePair")
+        self.doctor(PAGE, row, row.replace(", `ProviderFaultTest.EachCallMayFailOnce`", ""))
+        self.assertIn("`DeletePair`: passes on errors of the database", self.findings())
 
     def test_refuses_a_row_without_a_test(self):
         row = self.row_of("DeleteMember")
@@ -107,10 +127,9 @@ class CheckOperations(unittest.TestCase):
                 (WALK_TEST, declaration, "// " + declaration, "does not exist"),
                 ("tests/members/CMakeLists.txt", "WalkTest.cpp", "", "is disabled or not built")):
             with self.subTest(new or "not built"):
-                before = (self.root / file).read_text(encoding="utf-8")
                 self.doctor(file, old, new)
                 self.assertIn(f"{name} {finding}", self.findings())
-                (self.root / file).write_text(before, encoding="utf-8")
+                self.heal()
 
 
 if __name__ == "__main__":

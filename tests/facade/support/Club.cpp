@@ -21,7 +21,7 @@ void MakeFile(const Platform& platform, const std::string& path) {
 
 }  // namespace
 
-Club::Club() {
+Club::Club(const ProviderWrapper& wrap) {
   platform_ = std::make_shared<Platform>(*MakePlatform({kToday, messages_}));
   platform_->shellFolders =
       std::make_shared<XdgShellFolders>([home = folder_.Path()](const std::string& name) -> std::optional<std::string> {
@@ -30,6 +30,7 @@ Club::Club() {
       });
   MakeFile(*platform_, folder_.Path(kFileName));
   platform_->databaseProvider = MakeWatchedProvider(platform_->databaseProvider, watch_);
+  if (wrap) platform_->databaseProvider = wrap(platform_->databaseProvider);
   Reopen();
 }
 

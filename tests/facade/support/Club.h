@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -20,7 +21,13 @@ class Club {
   /// 1 October 2025, the day on which the club is looked at.
   static constexpr Date kToday{45931.0};
 
-  Club();
+  /// Puts something in front of the provider.
+  using ProviderWrapper =
+      std::function<std::shared_ptr<const ado::Provider>(const std::shared_ptr<const ado::Provider>& provider)>;
+
+  Club() : Club(nullptr) {}
+  /// A club whose watched provider stands behind another one.
+  explicit Club(const ProviderWrapper& wrap);
   ~Club();
   Club(const Club&) = delete;
   Club& operator=(const Club&) = delete;
