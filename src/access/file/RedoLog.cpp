@@ -436,7 +436,7 @@ void RedoLog::Remove() {
 }
 
 std::string RedoLog::SetAside(bool isAlone) {
-  const std::string target = FreeSetAsidePath();
+  std::string target = FreeSetAsidePath();
   Forget();
   if (isAlone) {
     file_.reset();
