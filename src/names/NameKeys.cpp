@@ -2,179 +2,131 @@
 
 #include <array>
 
+#include "names/NameDictionary.h"
 #include "names/NameLetters.h"
-#include "names/ShortForms.h"
+#include "names/NameSounds.h"
+#include "names/NameTables.h"
+#include "names/SoundDistance.h"
+#include "names/SurnamePrefix.h"
 #include "platform/values/Text.h"
 
 namespace tavi {
 namespace {
 
 constexpr std::size_t kLongestKey = 50;
+/// Longer names are in no dictionary, nor like a name in one.
+constexpr std::size_t kLongestListed = 30;
 
-/// What may follow or precede a spelling for a rule to hold.
-enum class Place { Anywhere, Start, End, BeforeFrontVowel, BeforeConsonantOrEnd };
+/// The beginnings of keys that are no name of a dictionary, so that keys of one kind never equal those of another.
+constexpr char kSkeletonKey = '1';
+constexpr char kCharacterKey = '2';
 
-/// A spelling and the sound that is written for it. Sounds are capital letters; "" is silence.
-struct SoundRule {
-  std::string_view spelling;
-  Place place;
-  std::string_view sound;
-};
-
-/// The first rule that fits at a place is taken; letters without a rule sound as themselves. Vowels are no part of it.
-constexpr std::array kSoundRules{
-    // Openings with a silent letter.
-    SoundRule{"KN", Place::Start, "N"},
-    SoundRule{"GN", Place::Start, "N"},
-    SoundRule{"PN", Place::Start, "N"},
-    SoundRule{"WR", Place::Start, "R"},
-    SoundRule{"RH", Place::Anywhere, "R"},
-    SoundRule{"PS", Place::Start, "S"},
-    SoundRule{"X", Place::Start, "S"},
-    SoundRule{"WH", Place::Start, "W"},
-    // Groups.
-    SoundRule{"TCH", Place::Anywhere, "C"},
-    SoundRule{"SCH", Place::Anywhere, "S"},
-    SoundRule{"CHR", Place::Anywhere, "KR"},
-    SoundRule{"CHL", Place::Anywhere, "KL"},
-    SoundRule{"CH", Place::Anywhere, "C"},
-    SoundRule{"SH", Place::Anywhere, "S"},
-    SoundRule{"TH", Place::Anywhere, "T"},
-    SoundRule{"PH", Place::Anywhere, "F"},
-    SoundRule{"GHT", Place::Anywhere, "T"},
-    SoundRule{"GH", Place::Start, "G"},
-    SoundRule{"GH", Place::Anywhere, ""},
-    SoundRule{"DGE", Place::Anywhere, "J"},
-    SoundRule{"DG", Place::BeforeFrontVowel, "J"},
-    SoundRule{"CKS", Place::Anywhere, "KS"},
-    SoundRule{"CK", Place::Anywhere, "K"},
-    SoundRule{"SC", Place::BeforeFrontVowel, "S"},
-    SoundRule{"C", Place::BeforeFrontVowel, "S"},
-    SoundRule{"C", Place::Anywhere, "K"},
-    SoundRule{"G", Place::BeforeFrontVowel, "J"},
-    SoundRule{"QU", Place::Anywhere, "K"},
-    SoundRule{"Q", Place::Anywhere, "K"},
-    SoundRule{"X", Place::Anywhere, "KS"},
-    SoundRule{"Z", Place::Anywhere, "S"},
-    SoundRule{"V", Place::Anywhere, "F"},
-    SoundRule{"MB", Place::End, "M"},
-    SoundRule{"W", Place::BeforeConsonantOrEnd, ""},
-    SoundRule{"H", Place::BeforeConsonantOrEnd, ""},
-};
-
-bool IsVowel(char letter) {
-  return std::string_view("AEIOUY").find(letter) != std::string_view::npos;
+/// A vowel that stands for those that are seldom told apart in a rare name.
+char VowelClass(char vowel) {
+  if (std::string_view("a1e8").find(vowel) != std::string_view::npos) return 'A';
+  return std::string_view("i23").find(vowel) != std::string_view::npos ? 'E' : 'O';
 }
 
-/// The three vowels that hearing and typing seldom confuse, in small letters.
-char VowelSound(char vowel) {
-  if (vowel == 'A') return 'a';
-  return vowel == 'O' || vowel == 'U' ? 'o' : 'e';
-}
-
-bool Holds(Place place, std::string_view letters, std::size_t position, std::size_t length) {
-  const char next = position + length < letters.size() ? letters[position + length] : '\0';
-  switch (place) {
-    case Place::Start:
-      return position == 0;
-    case Place::End:
-      return next == '\0';
-    case Place::BeforeFrontVowel:
-      return next == 'E' || next == 'I' || next == 'Y';
-    case Place::BeforeConsonantOrEnd:
-      return !IsVowel(next);
-    case Place::Anywhere:
+/// The key of a name that no dictionary knows: its consonants, and of its vowels the first one when there are few
+/// consonants, because there it is most of the name.
+std::string SkeletonKey(std::string_view letters, std::size_t fewConsonants) {
+  const std::string sounds = SoundsOf(letters);
+  std::string skeleton = SkeletonOf(sounds);
+  if (skeleton.size() <= fewConsonants) {
+    for (const char sound : sounds) {
+      if (!IsVowelSound(sound)) continue;
+      skeleton.push_back(VowelClass(sound));
       break;
-  }
-  return true;
-}
-
-const SoundRule* RuleAt(std::string_view letters, std::size_t position) {
-  for (const SoundRule& rule : kSoundRules) {
-    if (letters.substr(position).starts_with(rule.spelling) &&
-        Holds(rule.place, letters, position, rule.spelling.size())) {
-      return &rule;
     }
   }
-  return nullptr;
+  return kSkeletonKey + skeleton;
 }
 
-/// The sounds of a name: consonants in capital, vowels in small letters, none of them twice in a row.
-std::string SoundsOf(std::string_view letters) {
-  std::string sounds;
-  const auto append = [&sounds](char sound) {
-    const bool isSecondVowel = sound >= 'a' && !sounds.empty() && sounds.back() >= 'a';
-    if (!isSecondVowel && !(sounds.ends_with(sound))) sounds.push_back(sound);
-  };
-  for (std::size_t position = 0; position < letters.size();) {
-    if (const SoundRule* rule = RuleAt(letters, position)) {
-      for (const char sound : rule->sound) append(sound);
-      position += rule->spelling.size();
-    } else {
-      append(IsVowel(letters[position]) ? VowelSound(letters[position]) : letters[position]);
-      ++position;
-    }
-  }
-  return sounds;
-}
-
-/// The consonants of a name, and of its vowels the first one: at the start only that there is one, and in a name of few
-/// consonants also which one, because there it is most of the name.
-std::string Skeleton(const std::string& sounds, std::size_t fewConsonants) {
-  std::string consonants;
-  char firstVowel = '\0';
-  for (const char sound : sounds) {
-    if (sound < 'a') consonants.push_back(sound);
-    if (sound >= 'a' && firstVowel == '\0') firstVowel = sound;
-  }
-  std::string key = consonants;
-  if (!sounds.empty() && sounds.front() >= 'a') key.insert(0, "A");
-  if (firstVowel != '\0' && consonants.size() <= fewConsonants) key.push_back(firstVowel);
-  return key;
-}
-
-/// A key for names without a plain letter: the numbers of their characters.
-std::string NumberKey(std::string_view name) {
+/// The key of a name without Latin letters: the numbers of its characters.
+std::string CharacterKey(std::u32string_view characters) {
   constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string key;
-  for (const char32_t character : ToCodePoints(Trim(name))) {
-    if (character == U' ') continue;
-    for (std::size_t rest = UpperCase(character); rest != 0; rest /= kDigits.size()) {
-      key.push_back(kDigits[rest % kDigits.size()]);
+  constexpr int kBitsOfDigit = 4;
+  std::string key(1, kCharacterKey);
+  for (const char32_t character : characters) {
+    if (key.size() >= kLongestKey) break;
+    std::string number;
+    for (std::uint32_t rest = character; rest != 0; rest >>= kBitsOfDigit) {
+      number.insert(number.begin(), kDigits[rest & (kDigits.size() - 1)]);
     }
+    key += number;
   }
   return key;
 }
 
-std::string Key(std::string_view name, const std::string& letters, std::size_t fewConsonants) {
-  std::string key = letters.empty() ? NumberKey(name) : Skeleton(SoundsOf(letters), fewConsonants);
-  if (key.empty()) key = letters;
+/// The key of a text without letters or digits, such as an apostrophe.
+std::string KeyOfRemains(std::string_view name) {
+  std::u32string characters = ToCodePoints(name);
+  std::erase(characters, U' ');
+  return characters.empty() ? std::string() : CharacterKey(characters);
+}
+
+bool IsOfOtherAlphabet(const NameLetters& letters) {
+  return letters.latin.empty() || letters.otherLetters > letters.latin.size();
+}
+
+std::string KeyOfOthers(std::string_view name, const NameLetters& letters) {
+  return letters.others.empty() ? KeyOfRemains(name) : CharacterKey(letters.others);
+}
+
+const NameDictionary& FirstNameDictionary() {
+  static const NameDictionary dictionary(std::array{FirstNames()}, PlainLetters);
+  return dictionary;
+}
+
+const NameDictionary& SurnameDictionary() {
+  static const NameDictionary dictionary(std::array{CommonSurnames(), SurnamesAToG(), SurnamesHToO(), SurnamesPToZ()},
+                                         [](std::string_view name) { return WithPlainPrefix(PlainLetters(name)); });
+  return dictionary;
+}
+
+std::string KeyOf(std::string_view letters, const NameDictionary& dictionary, std::size_t fewConsonants) {
+  std::string key;
+  if (letters.size() <= kLongestListed) key = dictionary.HeadOf(letters);
+  if (key.empty()) key = SkeletonKey(letters, fewConsonants);
   if (key.size() > kLongestKey) key.resize(kLongestKey);
   return key;
 }
 
-/// Writes the beginning of a surname in one way: "Mac" as "Mc", "Saint" as "St".
-std::string WithPlainPrefix(std::string letters) {
-  constexpr std::size_t kShortestStem = 3;
-  constexpr std::string_view kMac = "MAC";
-  constexpr std::string_view kSaint = "SAINT";
-  if (letters.starts_with(kMac) && letters.size() >= kMac.size() + kShortestStem) letters.erase(1, 1);
-  if (letters.starts_with(kSaint)) letters.replace(0, kSaint.size(), "ST");
-  return letters;
+/// An Irish surname without its O', when only the rest is listed; else the letters as they are.
+std::string_view WithoutIrishO(std::string_view letters, const NameDictionary& dictionary) {
+  constexpr std::size_t kShortest = 4;
+  const bool mayHaveO = letters.size() >= kShortest && letters.size() <= kLongestListed && letters.front() == 'O';
+  if (!mayHaveO || !dictionary.ListedHeadOf(letters).empty()) return letters;
+  const std::string_view rest = letters.substr(1);
+  return dictionary.ListedHeadOf(rest).empty() ? letters : rest;
 }
 
 }  // namespace
 
 std::string SurnameKey(std::string_view name) {
   constexpr std::size_t kFewConsonants = 2;
-  return Key(name, WithPlainPrefix(PlainLetters(name)), kFewConsonants);
+  NameLetters letters = LettersOf(name);
+  if (IsOfOtherAlphabet(letters)) return KeyOfOthers(name, letters);
+  const NameDictionary& dictionary = SurnameDictionary();
+  const std::string plain = WithPlainPrefix(std::move(letters.latin));
+  return KeyOf(WithoutIrishO(plain, dictionary), dictionary, kFewConsonants);
 }
 
 std::string FirstNameKey(std::string_view name) {
   constexpr std::size_t kFewConsonants = 3;
-  const std::string letters = PlainLetters(name);
-  const std::string_view fullName = FullFormOf(letters);
-  return Key(name, std::string(fullName.empty() ? letters : fullName), kFewConsonants);
+  const NameLetters letters = LettersOf(name);
+  if (IsOfOtherAlphabet(letters)) return KeyOfOthers(name, letters);
+  return KeyOf(letters.latin, FirstNameDictionary(), kFewConsonants);
+}
+
+bool IsShortFormOf(std::string_view shortName, std::string_view fullName) {
+  constexpr int kSoundsAlike = 60;
+  const std::string shortLetters = PlainLetters(shortName);
+  const std::string fullLetters = PlainLetters(fullName);
+  if (shortLetters.empty() || shortLetters.size() >= fullLetters.size()) return false;
+  if (FirstNameDictionary().ListedHeadOf(shortLetters).empty()) return false;
+  if (FirstNameKey(shortName) != FirstNameKey(fullName)) return false;
+  return SoundDistance(SoundsOf(shortLetters), SoundsOf(fullLetters), kSoundsAlike) >= kSoundsAlike;
 }
 
 }  // namespace tavi

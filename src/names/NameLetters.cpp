@@ -1,48 +1,128 @@
 #include "names/NameLetters.h"
 
+#include <algorithm>
 #include <array>
 
+#include "names/Decompositions.h"
 #include "platform/values/Text.h"
 
 namespace tavi {
 namespace {
 
-/// Letters that are written like a plain one, or two, with something added.
+/// Latin letters that are written like plain ones with something that is no accent. In upper case.
 struct Likeness {
   std::u32string_view letters;
   std::string_view plain;
 };
 
-constexpr std::array<Likeness, 27> kLikenesses{{{U"ÀÁÂÃÄÅĀĂĄǍ", "A"},  {U"ÆǢǼ", "AE"},  {U"ÇĆĈĊČ", "C"},
-                                                {U"ĎĐ", "D"},          {U"Ð", "D"},     {U"ÈÉÊËĒĔĖĘĚẼ", "E"},
-                                                {U"ĜĞĠĢǦ", "G"},       {U"ĤĦ", "H"},    {U"ÌÍÎÏĨĪĬĮİǏ", "I"},
-                                                {U"Ĳ", "IJ"},          {U"Ĵ", "J"},     {U"ĶǨ", "K"},
-                                                {U"ĹĻĽĿŁ", "L"},       {U"ÑŃŅŇŊ", "N"}, {U"ÒÓÔÕÖØŌŎŐǑǪ", "O"},
-                                                {U"Œ", "OE"},          {U"ŔŖŘ", "R"},   {U"ŚŜŞŠȘ", "S"},
-                                                {U"ßẞ", "SS"},         {U"ŢŤŦȚ", "T"},  {U"Þ", "TH"},
-                                                {U"ÙÚÛÜŨŪŬŮŰŲǓ", "U"}, {U"ŴẀẂẄ", "W"},  {U"ÝŶŸỲ", "Y"},
-                                                {U"ŹŻŽ", "Z"},         {U"Ə", "A"},     {U"Ơ", "O"}}};
+constexpr std::array kLikenesses{
+    Likeness{U"ÆǼǢ", "AE"}, Likeness{U"ĐÐƉƊ", "D"}, Likeness{U"ØǾƆƟ", "O"},  Likeness{U"Œ", "OE"},
+    Likeness{U"Ł", "L"},    Likeness{U"Þ", "TH"},   Likeness{U"ßẞ", "SS"},   Likeness{U"Ħ", "H"},
+    Likeness{U"ı", "I"},    Likeness{U"Ŋ", "N"},    Likeness{U"Ŧ", "T"},     Likeness{U"Ə", "A"},
+    Likeness{U"Ĳ", "IJ"},   Likeness{U"Ŀ", "L"},    Likeness{U"ĸ", "K"},     Likeness{U"ſ", "S"},
+    Likeness{U"ŉ", "N"},    Likeness{U"Ɓ", "B"},    Likeness{U"Ƈ", "C"},     Likeness{U"ƐƎ", "E"},
+    Likeness{U"Ɠ", "G"},    Likeness{U"ƗƖ", "I"},   Likeness{U"Ƙ", "K"},     Likeness{U"Ɲ", "N"},
+    Likeness{U"Ƴ", "Y"},    Likeness{U"Ʉ", "U"},    Likeness{U"ǄǅǱǲ", "DZ"}, Likeness{U"Ǉǈ", "LJ"},
+    Likeness{U"Ǌǋ", "NJ"},  Likeness{U"ﬀ", "FF"},   Likeness{U"ﬁ", "FI"},    Likeness{U"ﬂ", "FL"},
+    Likeness{U"ﬃ", "FFI"},  Likeness{U"ﬄ", "FFL"},  Likeness{U"ﬅﬆ", "ST"},
+};
 
-std::string_view PlainLetter(char32_t letter) {
+/// Where the letters of other alphabets are, punctuation and symbols left out as far as names need it.
+constexpr std::array<MarkRange, 9> kAlphabets{{{0x0370, 0x1DFF},
+                                               {0x1F00, 0x1FFF},
+                                               {0x2C00, 0x2DFF},
+                                               {0x3041, 0xD7FF},
+                                               {0xF900, 0xFAFF},
+                                               {0xFB07, 0xFDFF},
+                                               {0xFE70, 0xFEFE},
+                                               {0x10000, 0x1CFFF},
+                                               {0x20000, 0x3FFFF}}};
+
+/// Blanks, punctuation and what cannot be seen.
+constexpr std::array<MarkRange, 9> kIgnored{{{0x0000, 0x002F},
+                                             {0x003A, 0x0040},
+                                             {0x005B, 0x0060},
+                                             {0x007B, 0x00BF},
+                                             {0x02B0, 0x036F},
+                                             {0x2000, 0x206F},
+                                             {0x3000, 0x3000},
+                                             {0xFE00, 0xFE0F},
+                                             {0xFEFF, 0xFEFF}}};
+
+constexpr char32_t kInvalid = 0xFFFD;
+
+bool IsIn(std::span<const MarkRange> ranges, char32_t character) {
+  const auto after = std::upper_bound(ranges.begin(), ranges.end(), character,
+                                      [](char32_t value, const MarkRange& range) { return value < range.first; });
+  return after != ranges.begin() && character <= std::prev(after)->last;
+}
+
+/// Calls `visit` for each character of the canonical decomposition of one.
+template <typename Visitor>
+void Decompose(char32_t character, const Visitor& visit) {
+  constexpr char32_t kFirstSyllable = 0xAC00;
+  constexpr char32_t kLastSyllable = 0xD7A3;
+  constexpr char32_t kVowels = 21;
+  constexpr char32_t kTails = 28;
+  if (character >= kFirstSyllable && character <= kLastSyllable) {
+    const char32_t syllable = character - kFirstSyllable;
+    visit(0x1100 + syllable / (kVowels * kTails));
+    visit(0x1161 + syllable / kTails % kVowels);
+    if (syllable % kTails != 0) visit(0x11A7 + syllable % kTails);
+    return;
+  }
+  const auto all = Decompositions();
+  const auto found =
+      std::lower_bound(all.begin(), all.end(), character,
+                       [](const Decomposition& entry, char32_t value) { return entry.composed < value; });
+  if (found == all.end() || found->composed != character) return visit(character);
+  Decompose(found->first, visit);
+  if (found->second != 0) Decompose(found->second, visit);
+}
+
+std::string_view PlainForm(char32_t letter) {
   for (const Likeness& likeness : kLikenesses) {
     if (likeness.letters.find(letter) != std::u32string_view::npos) return likeness.plain;
   }
   return {};
 }
 
+constexpr char32_t kFullWidthA = 0xFF21;
+
+/// Adds one character that has no decomposition.
+void Add(char32_t character, NameLetters& letters) {
+  if (IsIn(CombiningMarks(), character)) return;
+  char32_t upper = UpperCase(character);
+  if (upper >= kFullWidthA && upper < kFullWidthA + 26) upper = upper - kFullWidthA + U'A';
+  if (upper >= U'A' && upper <= U'Z') {
+    letters.latin.push_back(static_cast<char>(upper));
+  } else if (const std::string_view plain = PlainForm(upper); !plain.empty()) {
+    letters.latin += plain;
+  } else if (upper != kInvalid && !IsIn(kIgnored, upper)) {
+    letters.others.push_back(upper);
+    if (IsIn(kAlphabets, upper)) ++letters.otherLetters;
+  }
+}
+
 }  // namespace
 
-std::string PlainLetters(std::string_view name) {
-  std::string plain;
-  for (const char32_t written : ToCodePoints(name)) {
-    const char32_t letter = UpperCase(written);
-    if (letter >= U'A' && letter <= U'Z') {
-      plain.push_back(static_cast<char>(letter));
-    } else if (letter > 0x7F) {
-      plain += PlainLetter(letter);
-    }
+NameLetters LettersOf(std::string_view name) {
+  NameLetters letters;
+  letters.latin.reserve(name.size());
+  const bool isPlain =
+      std::all_of(name.begin(), name.end(), [](char byte) { return static_cast<signed char>(byte) >= 0; });
+  if (isPlain) {
+    for (const char byte : name) Add(static_cast<unsigned char>(byte), letters);
+    return letters;
   }
-  return plain;
+  for (const char32_t character : ToCodePoints(name)) {
+    Decompose(character, [&letters](char32_t part) { Add(part, letters); });
+  }
+  return letters;
+}
+
+std::string PlainLetters(std::string_view name) {
+  return LettersOf(name).latin;
 }
 
 }  // namespace tavi

@@ -5,8 +5,21 @@
 
 namespace tavi {
 
-/// The letters A to Z of a name in upper case: accents are dropped, letters such as "Æ" and "ß" written as two,
-/// everything else (blanks, hyphens, apostrophes, digits, letters of other scripts) left out.
+/// A name without its dress: composed and decomposed writings, upper and lower case give the same.
+struct NameLetters {
+  /// The Latin letters, A to Z in upper case: accents are dropped, letters such as "Æ" and "ß" written as two.
+  std::string latin;
+  /// All that is neither a Latin letter nor a combining mark, blank or punctuation, in upper case: letters of other
+  /// alphabets, digits, emoji.
+  std::u32string others;
+  /// How many of the others are letters of an alphabet.
+  std::size_t otherLetters = 0;
+};
+
+/// Any text will do; bytes that are no UTF-8 are left out.
+NameLetters LettersOf(std::string_view name);
+
+/// The Latin letters of LettersOf.
 std::string PlainLetters(std::string_view name);
 
 }  // namespace tavi
