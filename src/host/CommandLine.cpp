@@ -17,6 +17,7 @@
 #include "host/tools/Import.h"
 #include "host/tools/Info.h"
 #include "host/tools/NewClub.h"
+#include "host/tools/Recover.h"
 #include "host/tools/Sample.h"
 #include "platform/values/Error.h"
 
@@ -35,6 +36,7 @@ struct Choices {
   std::string name;
   std::string number;
   SqlRequest sql;
+  RecoverRequest recover;
   std::string from;
   std::string outputFolder;
   CheckRequest check;
@@ -121,6 +123,16 @@ void AddRpc(CLI::App& app, Choices& choices) {
       ->callback([&choices] { choices.action = [](const Context& context) { return RunRpc(context); }; });
 }
 
+void AddRecover(CLI::App& app, Choices& choices) {
+  CLI::App* command =
+      app.add_subcommand("recover", "Save what can be read of an old or damaged club file into the club's file");
+  command->add_option("OLDFILE", choices.recover.oldFile, "The old file; it is only read")->required();
+  command->add_flag("--replace", choices.recover.replace, "Empty the club's file first, though it holds data");
+  command->callback([&choices] {
+    choices.action = [&choices](const Context& context) { return Recover(context, choices.recover); };
+  });
+}
+
 void AddInfo(CLI::App& app, Choices& choices) {
   app.add_subcommand("info", "Tell where the club's file is and what is in it")->callback([&choices] {
     choices.action = [](const Context& context) { return ShowInfo(context); };
@@ -183,6 +195,7 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
            AddSql,
            AddRpc,
            AddInfo,
+           AddRecover,
            AddSample,
            AddCheck,
            AddDump,

@@ -3,6 +3,7 @@
 
 #include "platform/values/Text.h"
 #include "store/Arguments.h"
+#include "store/ConnectionText.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 #include "util/Diagnostics.h"
@@ -16,21 +17,6 @@ constexpr const char* kFileName = "ClubMembers.mdb";
 /// No system has longer paths.
 constexpr std::size_t kLongestFolder = 32'767;
 constexpr std::int16_t kMostUses = std::numeric_limits<std::int16_t>::max();
-constexpr const char* kConnectionText = "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=";
-
-/// A path as an item of the connection string: one that would end the item is put between quotes.
-std::string InConnectionText(const std::string& path) {
-  if (path.find('\0') != std::string::npos) {
-    throw Error(ErrorNumber::InvalidArgument, kSource,
-                "The folder's name holds a NUL character; choose another folder.");
-  }
-  const bool isPlain = path.find(';') == std::string::npos && path.find_first_of(" \"'") != 0;
-  if (isPlain) return path;
-  const char* const quote = path.find('"') == std::string::npos ? "\"" : "'";
-  if (path.find(quote) == std::string::npos) return quote + path + quote;
-  throw Error(ErrorNumber::InvalidArgument, kSource,
-              "The folder's name holds a semicolon and both kinds of quotes; choose another folder.");
-}
 
 /// Counts one use less while another error is on its way, which must stay the one that is seen.
 void CloseQuietly(cDatabase& database, bool forceClose) noexcept {
@@ -66,7 +52,7 @@ std::string cDatabase::EBUMembersTable() {
 
 void cDatabase::OpenConnection() {
   try {
-    connection_ = platform_->databaseProvider->Open(kConnectionText + InConnectionText(DatabaseFilePath()));
+    connection_ = platform_->databaseProvider->Open(ConnectionText(DatabaseFilePath()));
   } catch (const std::exception& error) {
     // A NUL would end the message.
     const std::string path = ReplaceAll(DatabaseFilePath(), std::string_view("\0", 1), " ");

@@ -5,6 +5,7 @@
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
+#include "store/ConnectionText.h"
 #include "store/LayoutConversions.h"
 #include "store/OpenUse.h"
 #include "util/Diagnostics.h"
@@ -69,7 +70,7 @@ void Recovery::Recover(const std::string& oldFile) {
     throw Error(ErrorNumber::Component, "Recovery",
                 "The old file " + oldFile + " is the current one, which is emptied first. Recover into another one.");
   }
-  old_ = database_.GetPlatform().databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + oldFile);
+  old_ = database_.GetPlatform().databaseProvider->Open(ConnectionText(oldFile));
   database_.NewDatabase();
   OpenUse use(database_);
   CopyTables();

@@ -1,0 +1,182 @@
+#include "host/tools/Recover.h"
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "host/text/ProgressBar.h"
+#include "host/tools/NewClub.h"
+#include "host/tools/TemporaryCopy.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+#include "store/ConnectionText.h"
+#include "store/Recovery.h"
+#include "util/NativePath.h"
+
+namespace tavi::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Lets all messages through but the one that says what the report says too.
+class MessagesBesideTheReport : public MessageBoxes {
+ public:
+  explicit MessagesBesideTheReport(std::shared_ptr<const MessageBoxes> boxes) : boxes_(std::move(boxes)) {}
+  void Show(MessageBoxIcon icon, const std::string& title, const std::string& text) const override {
+    if (title != kRecoveryErrorTitle) boxes_->Show(icon, title, text);
+  }
+
+ private:
+  std::shared_ptr<const MessageBoxes> boxes_;
+};
+
+/// A bar for each table.
+class ProgressOfTables : public RecoveryObserver {
+ public:
+  explicit ProgressOfTables(const Context& context) : context_(context) {}
+  void Show(const std::string& table, std::int64_t done, std::int64_t stated) override {
+    if (table != table_ || !bar_) {
+      bar_.emplace(context_.error, context_.showProgress, static_cast<std::size_t>(stated));
+      table_ = table;
+    }
+    bar_->Show(static_cast<std::size_t>(std::min(done, stated)), table);
+  }
+
+ private:
+  const Context& context_;
+  std::string table_;
+  std::optional<ProgressBar> bar_;
+};
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw Error(ErrorNumber::InvalidArgument, "tavi", why);
+}
+
+/// True when a table that is going to be emptied has rows, or it cannot be told.
+bool HoldsData(const Context& context) {
+  const auto connection = context.platform->databaseProvider->Open(ConnectionText(context.ClubFile()));
+  const auto tables = connection->OpenSchema(ado::SchemaKind::Tables);
+  for (; !tables->AtEnd(); tables->MoveNext()) {
+    const std::string name = ToText(tables->Get("TABLE_NAME"));
+    const bool isKept =
+        ToText(tables->Get("TABLE_TYPE")) != "TABLE" || EqualIgnoringCase(name, cDatabase::EBUMembersTable());
+    const Value count = tables->Get("CARDINALITY");
+    if (!isKept && (IsNull(count) || ToInt32(count) > 0)) return true;
+  }
+  return false;
+}
+
+void RequirePermission(const Context& context, const RecoverRequest& request, const std::string& clubFile) {
+  std::error_code ignored;
+  if (fs::equivalent(NativeFilePath(request.oldFile), clubFile, ignored)) {
+    Refuse(clubFile +
+           " is the club's own file. Move it to another place first, or name another folder with --db FOLDER.");
+  }
+  if (!request.replace && fs::exists(clubFile) && HoldsData(context)) {
+    Refuse(clubFile +
+           " holds data already. Recovery empties its tables first; with --replace it does so, or name another folder "
+           "with --db FOLDER.");
+  }
+}
+
+std::vector<std::string> DamageOf(const RecoveredTable& table) {
+  std::vector<std::string> damage;
+  if (!table.isInOldFile) return {"The old file has no such table."};
+  if (table.error) damage.push_back(table.error->Description());
+  damage.insert(damage.end(), table.remarks.begin(), table.remarks.end());
+  if (table.moreRemarks > 0) damage.push_back("(" + std::to_string(table.moreRemarks) + " more)");
+  return damage;
+}
+
+Table Figures(const RecoveryReport& report, bool withDamage) {
+  std::vector<std::string> columns{"Table", "Found", "Saved", "Lost", "Values lost"};
+  if (withDamage) columns.push_back("Damage");
+  Table table(columns);
+  for (const RecoveredTable& recovered : report.tables) {
+    std::vector<Cell> row{recovered.name, recovered.found, recovered.saved, recovered.lost, recovered.valuesLost};
+    std::string damage;
+    for (const std::string& text : DamageOf(recovered)) damage += (damage.empty() ? "" : "\n") + text;
+    if (withDamage) row.push_back(damage);
+    table.Add(std::move(row));
+  }
+  return table;
+}
+
+void WriteForPeople(const Context& context, const RecoveryReport& report) {
+  Figures(report, false).Write(context.out, context.format);
+  for (const RecoveredTable& table : report.tables) {
+    const std::vector<std::string> damage = DamageOf(table);
+    if (!damage.empty()) context.out << '\n' << table.name << '\n';
+    for (const std::string& text : damage) context.out << "  " << Printable(text) << '\n';
+  }
+}
+
+void WriteJson(const Context& context, const RecoveryReport& report) {
+  nlohmann::ordered_json tables = nlohmann::ordered_json::array();
+  for (const RecoveredTable& table : report.tables) {
+    tables.push_back({{"Table", table.name},
+                      {"Found", table.found},
+                      {"Saved", table.saved},
+                      {"Lost", table.lost},
+                      {"Values lost", table.valuesLost},
+                      {"Damage", DamageOf(table)}});
+  }
+  const nlohmann::ordered_json document{{"Tables", tables}, {"Problems", report.problems}};
+  context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+}
+
+void Write(const Context& context, const RecoveryReport& report) {
+  if (context.format == OutputFormat::Json) {
+    WriteJson(context, report);
+  } else if (context.format == OutputFormat::Table) {
+    WriteForPeople(context, report);
+  } else {
+    Figures(report, true).Write(context.out, context.format);
+  }
+  for (const std::string& problem : report.problems) context.error << "tavi: " << PrintableLines(problem) << '\n';
+}
+
+RecoveryReport RunRecovery(const Context& context, const std::string& oldFile) {
+  auto platform = std::make_shared<Platform>(*context.platform);
+  platform->messageBoxes = std::make_shared<MessagesBesideTheReport>(context.platform->messageBoxes);
+  cDatabase store(std::move(platform));
+  store.SetDatabaseFolder(context.ClubFolder());
+  ProgressOfTables progress(context);
+  RecoveryReport report = store.RecoverData(oldFile, &progress);
+  if (report.failure) throw *report.failure;
+  return report;
+}
+
+/// Makes the club's file when there is none, and takes it away again when nothing was recovered.
+RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
+  const bool isNew = !fs::exists(clubFile);
+  if (isNew) MakeClub(context, {});
+  try {
+    return RunRecovery(context, oldFile);
+  } catch (...) {
+    std::error_code ignored;
+    if (isNew) fs::remove(clubFile, ignored);
+    throw;
+  }
+}
+
+}  // namespace
+
+int Recover(const Context& context, const RecoverRequest& request) {
+  try {
+    const std::string clubFile = NativePath(context.ClubFile());
+    RequirePermission(context, request, clubFile);
+    const TemporaryCopy copy(NativeFilePath(request.oldFile));
+    const RecoveryReport report = RecoverInto(context, clubFile, copy.Path());
+    Write(context, report);
+    return report.IsSomethingLost() ? kSomethingLost : kSucceeded;
+  } catch (const Error& error) {
+    context.error << "tavi: " << PrintableLines(error.Description()) << '\n';
+  } catch (const std::exception& error) {
+    context.error << "tavi: " << error.what() << '\n';
+  }
+  return kNothingRecovered;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace tavi::host {
+
+/// A copy of an Access file, with the redo log that lies beside it, in a folder that only its owner may enter; gone at
+/// the end. Working on it leaves the file itself as it is, whatever opening it brings about.
+class TemporaryCopy {
+ public:
+  /// An end that is no whole page is filled up, so that the file can be opened. Raises InvalidArgument when the file
+  /// is missing or cannot be copied.
+  explicit TemporaryCopy(const std::filesystem::path& original);
+  ~TemporaryCopy();
+  TemporaryCopy(const TemporaryCopy&) = delete;
+  TemporaryCopy& operator=(const TemporaryCopy&) = delete;
+
+  [[nodiscard]] std::string Path() const { return file_.string(); }
+
+ private:
+  void Copy(const std::filesystem::path& original) const;
+
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
+};
+
+}  // namespace tavi::host

@@ -1,0 +1,28 @@
+#include "store/ConnectionText.h"
+
+#include "platform/values/Error.h"
+
+namespace tavi {
+namespace {
+
+/// A path as an item of the connection string: one that would end the item is put between quotes.
+std::string InConnectionText(const std::string& path) {
+  if (path.find('\0') != std::string::npos) {
+    throw Error(ErrorNumber::InvalidArgument, "cDatabase",
+                "The folder's name holds a NUL character; choose another folder.");
+  }
+  const bool isPlain = path.find(';') == std::string::npos && path.find_first_of(" \"'") != 0;
+  if (isPlain) return path;
+  const char* const quote = path.find('"') == std::string::npos ? "\"" : "'";
+  if (path.find(quote) == std::string::npos) return quote + path + quote;
+  throw Error(ErrorNumber::InvalidArgument, "cDatabase",
+              "The folder's name holds a semicolon and both kinds of quotes; choose another folder.");
+}
+
+}  // namespace
+
+std::string ConnectionText(const std::string& path) {
+  return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + InConnectionText(path);
+}
+
+}  // namespace tavi

@@ -1,0 +1,174 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "composition/Composition.h"
+#include "host/support/Command.h"
+#include "store/support/DamagedBytes.h"
+
+namespace tavi::host {
+namespace {
+
+using testing::DamagedBytes;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+using ::testing::Not;
+
+namespace fs = std::filesystem;
+
+class Recover : public ::testing::Test {
+ protected:
+  Recover() {
+    std::string csv =
+        "club_number,ebu_number,title,first,initials,last,known_as,sex,email,phone,mobile,join_date,"
+        "member_type,house,address,town,postcode,active\n";
+    for (int number = 1; number <= 40; ++number) {
+      csv += std::to_string(number) + ",,,Ann,,Lee of Ashby " + std::to_string(number) + "," + std::string(40, 'k') +
+             ",F,,,,,,," + std::string(50, 'a') + ",,,y\n";
+    }
+    EXPECT_EQ(folder_.RunIn(folder_.Path("old"), {"new", "--name", "Ashby Bridge Club"}).code, 0);
+    const std::string members = folder_.Write("members.csv", csv);
+    EXPECT_EQ(folder_.RunIn(folder_.Path("old"), {"members", "import", members}).code, 0);
+  }
+
+  [[nodiscard]] std::string OldFile() const { return folder_.Path("old/ClubMembers.mdb"); }
+  [[nodiscard]] static std::string Content(const std::string& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+  }
+  /// Zeroes a page of the members; returns how many rows stood there.
+  std::size_t LoseAPage() const {
+    DamagedBytes bytes(Content(OldFile()));
+    const std::vector<std::size_t> pages = bytes.DataPagesOf(bytes.DefinitionOfTableWith("Lee of Ashby 1"));
+    EXPECT_GE(pages.size(), 3U);
+    const std::size_t lost = bytes.RowsOn(pages.at(1));
+    bytes.ZeroPage(pages.at(1));
+    folder_.Write("old/ClubMembers.mdb", bytes.Content());
+    return lost;
+  }
+  [[nodiscard]] std::size_t MemberCount() const { return folder_.Query("Select MembershipNumber From Members").size(); }
+
+  CommandFolder folder_;
+};
+
+TEST_F(Recover, ASoundFileIsSavedWhollyIntoANewOne) {
+  const Outcome outcome = folder_.Run({"recover", OldFile()});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_THAT(outcome.out, HasSubstr("Table\tFound\tSaved\tLost\tValues lost\tDamage\n"));
+  EXPECT_THAT(outcome.out, HasSubstr("Members\t40\t40\t0\t0\t\n"));
+  EXPECT_THAT(outcome.error, IsEmpty()) << "no progress outside of a terminal";
+  EXPECT_EQ(MemberCount(), 40U);
+  EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Ashby Bridge Club"));
+}
+
+TEST_F(Recover, WhatIsLostIsCountedAndSaidInWords) {
+  const std::size_t lost = LoseAPage();
+  const Outcome outcome = folder_.Run({"recover", OldFile()});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.out, HasSubstr("Members\t40\t" + std::to_string(40 - lost) + "\t" + std::to_string(lost) +
+                                     "\t0\tA row could not be saved: The database is damaged: page "));
+  EXPECT_EQ(MemberCount(), 40 - lost);
+}
+
+TEST_F(Recover, TheReportIsGivenAsJson) {
+  const std::size_t lost = LoseAPage();
+  const Outcome outcome = folder_.Run({"recover", OldFile(), "--json"});
+  const nlohmann::json report = nlohmann::json::parse(outcome.out);
+  ASSERT_EQ(report["Tables"].size(), 9U);
+  const nlohmann::json& members = report["Tables"][5];
+  EXPECT_EQ(members["Table"], "Members");
+  EXPECT_EQ(members["Found"], 40);
+  EXPECT_EQ(members["Lost"], lost);
+  EXPECT_THAT(members["Damage"][0].get<std::string>(), HasSubstr("damaged"));
+  EXPECT_TRUE(report["Problems"].empty());
+}
+
+TEST_F(Recover, AFileWithDataIsEmptiedOnlyWhenAskedFor) {
+  ASSERT_EQ(folder_.Run({"new", "--name", "Current"}).code, 0);
+  const Outcome refused = folder_.Run({"recover", OldFile()});
+  EXPECT_EQ(refused.code, 2);
+  EXPECT_THAT(refused.error, HasSubstr("--replace"));
+  EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Current"));
+  EXPECT_EQ(folder_.Run({"recover", OldFile(), "--replace"}).code, 0);
+  EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Ashby Bridge Club"));
+}
+
+TEST_F(Recover, AnEmptyFileIsUsedAsItIs) {
+  ASSERT_EQ(folder_.Run({"new"}).code, 0);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_EQ(MemberCount(), 40U);
+}
+
+TEST_F(Recover, TheClubsOwnFileIsRefusedUnderWhateverName) {
+  fs::create_directory_symlink(folder_.Path("old"), folder_.Path("link"));
+  const std::string before = Content(OldFile());
+  const Outcome outcome =
+      folder_.RunIn(folder_.Path("old"), {"recover", "--replace", folder_.Path("link/ClubMembers.mdb")});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("is the club's own file"));
+  EXPECT_EQ(Content(OldFile()), before);
+}
+
+TEST_F(Recover, WhatIsNoDatabaseLeavesNoNewFile) {
+  EXPECT_EQ(folder_.Run({"recover", folder_.Path("missing.mdb")}).code, 2);
+  const Outcome outcome = folder_.Run({"recover", folder_.Write("none.mdb", "no database")});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("Unrecognized database format"));
+  EXPECT_FALSE(fs::exists(folder_.ClubFile()));
+}
+
+TEST_F(Recover, AFileCutInTheMiddleOfAPageIsReadToItsEnd) {
+  DamagedBytes bytes(Content(OldFile()));
+  const std::vector<std::size_t> pages = bytes.DataPagesOf(bytes.DefinitionOfTableWith("Lee of Ashby 1"));
+  bytes.CutBefore(pages.back(), 3000);
+  const Outcome outcome = folder_.Run({"recover", folder_.Write("cut.mdb", bytes.Content())});
+  EXPECT_EQ(outcome.code, 1) << outcome.error;
+  std::size_t onWholePages = 0;
+  for (const std::size_t page : pages) onWholePages += page == pages.back() ? 0 : bytes.RowsOn(page);
+  EXPECT_GE(MemberCount(), onWholePages);
+  EXPECT_LT(MemberCount(), 40U);
+  EXPECT_EQ(Content(folder_.Path("cut.mdb")), bytes.Content());
+}
+
+TEST_F(Recover, AnOldFileWithALogKeepsBoth) {
+  const std::string log = folder_.Write("old/ClubMembers.mdb.redo", "a log of something else");
+  const std::string before = Content(OldFile());
+  const Outcome outcome = folder_.Run({"recover", OldFile()});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(Content(OldFile()), before);
+  EXPECT_EQ(Content(log), "a log of something else");
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path("old")), {}), 2);
+}
+
+TEST_F(Recover, WhatACrashLeftInTheLogIsSavedAndStaysThere) {
+  const auto connection =
+      MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + OldFile());
+  connection->Execute("Insert into Members (MembershipNumber, LastName) Values (99, 'in the log')");
+  const std::string file = Content(OldFile());
+  const std::string log = Content(OldFile() + ".redo");
+  ASSERT_FALSE(log.empty());
+  connection->Close();
+  folder_.Write("old/ClubMembers.mdb", file);
+  folder_.Write("old/ClubMembers.mdb.redo", log);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_EQ(MemberCount(), 41U);
+  EXPECT_EQ(Content(OldFile()), file);
+  EXPECT_EQ(Content(OldFile() + ".redo"), log);
+}
+
+TEST_F(Recover, AFileThatMayOnlyBeReadIsRead) {
+  fs::permissions(OldFile(), fs::perms::owner_read);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_EQ(MemberCount(), 40U);
+}
+
+TEST_F(Recover, TheOldFileMustBeNamed) {
+  EXPECT_EQ(folder_.Run({"recover"}).code, 2);
+}
+
+}  // namespace
+}  // namespace tavi::host
