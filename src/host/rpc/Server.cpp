@@ -76,6 +76,15 @@ const char* IconName(MessageBoxIcon icon) {
   return "Information";
 }
 
+/// Values nested more deeply than any request are refused before they are built: what walks over them recurses.
+Json ParseLine(const std::string& line) {
+  constexpr int kDeepest = 16;
+  return Json::parse(line, [](int depth, Json::parse_event_t /*event*/, Json& /*parsed*/) {
+    if (depth > kDeepest) throw RpcError(RpcCode::InvalidRequest, "Invalid request: it is nested too deeply");
+    return true;
+  });
+}
+
 bool IsBlank(const std::string& line) {
   return line.find_first_not_of(" \t\r\n") == std::string::npos;
 }
@@ -96,8 +105,10 @@ void Server::Take(const std::string& line) {
   if (IsBlank(line)) return;
   std::optional<Json> reply;
   try {
-    const Json json = Json::parse(line);
+    const Json json = ParseLine(line);
     reply = json.is_array() ? AnswerAll(json) : Answer(json);
+  } catch (const RpcError& problem) {
+    reply = ErrorReply(nullptr, problem.Code(), problem.what());
   } catch (const Json::exception& problem) {
     reply = ErrorReply(nullptr, RpcCode::ParseError, std::string("Parse error: ") + problem.what());
   }

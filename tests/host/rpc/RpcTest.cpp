@@ -2,6 +2,7 @@
 
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <regex>
 #include <sstream>
 
@@ -285,6 +286,48 @@ TEST_F(Rpc, EnormousTextsAndControlCharactersAreTaken) {
                               Request("GetMemberName", {{"MemberNo", 5}, {"NameFormat", 0}, {"DefaultName", big}})});
   ASSERT_EQ(replies.size(), 3U);
   EXPECT_EQ(replies[2].at("result").at("return"), big);
+}
+
+TEST_F(Rpc, DeeplyNestedRequestsAreRefused) {
+  const std::string deep(200000, '[');
+  const std::string closed = deep + std::string(deep.size(), ']');
+  const auto replies = Lines({R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":)" + closed + "}", deep,
+                              closed, Request("get_ClubName")});
+  ASSERT_EQ(replies.size(), 4U);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(replies[static_cast<std::size_t>(i)].at("error").at("code"), kInvalidRequest);
+  EXPECT_EQ(replies[3].at("result").at("return"), "Acol");
+}
+
+TEST_F(Rpc, LinesThatWereGarbledAtRandomAreAnsweredAndTheSessionGoesOn) {
+  const std::vector<std::string> seeds = {
+      Request("AddNewMember", {"Anna", "", "Smith", 47.5}),
+      Request("GetMemberName", {{"MemberNo", 1}, {"NameFormat", 4}, {"DefaultName", "?"}}),
+      Request("put_HandicalcOptions", {{"value", {{"MaxWeeks", 26}, {"Disabled", true}}}}),
+      "[" + Request("EndGet") + "," + Request("FindNearestMatches", {"Smith"}) + "]",
+      Request("CalculateHandicaps", {1, 2, "x", "2026-01-05", false})};
+  std::mt19937 random(20);
+  const auto pick = [&](std::size_t below) { return static_cast<std::size_t>(random()) % below; };
+  std::vector<std::string> lines;
+  for (int i = 0; i < 1500; ++i) {
+    std::string line = seeds[pick(seeds.size())];
+    for (std::size_t change = pick(4) + 1; change > 0; --change) {
+      const std::size_t place = pick(line.size());
+      const char byte = pick(3) == 0 ? static_cast<char>(random()) : "{}[]\",:0-9e.tfn\\u"[pick(17)];
+      if (pick(3) == 0)
+        line.erase(place, pick(5));
+      else if (pick(2) == 0)
+        line.insert(place, 1, byte);
+      else
+        line[place] = byte;
+      if (line.empty()) line = "x";
+    }
+    for (char& byte : line) byte = byte == '\n' ? ' ' : byte;
+    lines.push_back(line);
+  }
+  lines.push_back(R"({"jsonrpc":"2.0","id":"last","method":"get_DatabaseExists"})");
+  const auto replies = Lines(lines);
+  EXPECT_GT(replies.size(), lines.size() / 2);
+  EXPECT_EQ(replies.back().at("id"), "last");
 }
 
 /// The names of the public methods in a header, as far as hosts call them.
