@@ -25,6 +25,10 @@ if(TAVI_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -Wno-maybe-uninitialized)
   target_link_options(tavi_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(TAVI_SANITIZE_THREADS)
+  target_compile_options(tavi_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+  target_link_options(tavi_options INTERFACE -fsanitize=thread)
+endif()
 
 if(TAVI_FUZZ)
   target_compile_options(tavi_options INTERFACE

@@ -11,6 +11,7 @@
 #include "platform/portable/EmptyRegistry.h"
 #include "platform/portable/XdgShellFolders.h"
 #include "platform/portable/XmlSettingsDocuments.h"
+#include "util/Diagnostics.h"
 #include "util/NativePath.h"
 
 namespace tavi {
@@ -28,6 +29,7 @@ std::shared_ptr<const Clock> MakeClock(const PlatformOptions& options) {
 std::shared_ptr<const ado::Provider> MakeProvider(const std::shared_ptr<const Clock>& clock) {
   access::ProviderOptions options;
   options.nativePath = ToNativePath;
+  options.pager.report = [](const std::string& text) { WriteDiagnostic(text); };
   return access::MakeAccessProvider(access::NativeFileSystem(), clock, std::move(options));
 }
 

@@ -33,7 +33,8 @@ struct MatchList {
 /// Numbers of members are 32-bit; -1 means no member. Percentages and handicaps are in per cent. Errors: the
 /// component's own have number 0x80040000 and source "cDatabase"; those of the database pass through with their own
 /// number. Every operation that reaches the file can raise "Failed to open membership database ..." and the database's
-/// errors.
+/// errors. An argument that no file can hold (no number, infinite, a date outside the years 100 to 9999, a text longer
+/// than its place) raises InvalidArgument or the database's error before anything is stored.
 class MembershipDatabase {
  public:
   /// Starts with this machine's own platform. Never fails: problems are written to the diagnostics log.

@@ -3,6 +3,7 @@
 #include "names/MemberRow.h"
 #include "names/cPartnership.h"
 #include "platform/values/Convert.h"
+#include "platform/values/Text.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
@@ -51,6 +52,7 @@ bool Walk::GetFirstPartnership(cDatabase& store, bool includeInactive, WalkedPar
                                std::int16_t NameFormat) {
   EndGet(store);
   retiredPlayers_.emplace();
+  retiredPlayersFile_ = store.DatabaseFilePath();
   store.OpenDB();
   cursor_ = includeInactive ? store.OpenRecordset("Partnerships", ado::CursorType::ForwardOnly, true)
                             : store.OpenRecordset(ActiveRows("Select * From Partnerships"));
@@ -122,7 +124,9 @@ void Walk::EndGet(cDatabase& store) {
   // Even where closing fails: the cursor of a closed file is of no use.
   const std::unique_ptr<ado::Recordset> ended = std::move(cursor_);
   store.CloseDB(true);
-  if (retiredPlayers_) retiredPlayers_->RetireFromPartnerships(store);
+  // The same numbers are other people in another club's file.
+  const bool isTheirFile = EqualIgnoringCase(retiredPlayersFile_, store.DatabaseFilePath());
+  if (retiredPlayers_ && isTheirFile) retiredPlayers_->RetireFromPartnerships(store);
 }
 
 }  // namespace tavi

@@ -42,7 +42,7 @@ class Walk {
   bool GetNextPartnership(cDatabase& store, WalkedPartnership& partnership, std::int16_t NameFormat);
 
   /// Closes the store whatever its open count, ends the walk, and makes the partnerships of the remembered players
-  /// inactive.
+  /// inactive, unless the store has moved to another file.
   void EndGet(cDatabase& store);
 
   /// During a walk of the members that includes inactive ones: whether the last one returned is inactive.
@@ -56,6 +56,7 @@ class Walk {
 
   std::unique_ptr<ado::Recordset> cursor_;
   std::optional<RetiredPlayers> retiredPlayers_;
+  std::string retiredPlayersFile_;
   bool retired_ = false;
 };
 
