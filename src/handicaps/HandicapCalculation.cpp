@@ -37,6 +37,17 @@ std::optional<cHandiCalcResultData> SeedOf(const ado::Recordset& row, const cPai
                                       pair, isOfPair);
 }
 
+/// Rounded to two decimals. Raises Overflow for what is no number that could be stored.
+double Rounded(double handicap) {
+  if (!std::isfinite(handicap)) {
+    throw Error(
+        ErrorNumber::Overflow, "cDatabase",
+        "Overflow: a handicap is too large for a number; look for enormous percentages among the results and for "
+        "an enormous factor in the handicap settings.");
+  }
+  return RoundHalfEven(handicap, kDecimals);
+}
+
 cHandiCalcResultData ResultOf(const ado::Recordset& row, const cPairMemberNumbers& pair, bool samePair) {
   return cHandiCalcResultData::Create(cDatabase::GetNumericField(row, "Competitions.ID"),
                                       cDatabase::GetDateField(row, "Competitions.CompetitionDate", Date()),
@@ -202,15 +213,15 @@ Handicaps HandicapCalculation::Run() {
   const double player2 = AverageOf(list2_, request_.PartnerID, settings_.UnknownPlayerHandicap());
 
   Handicaps handicaps;
-  handicaps.SetPlayer1Handicap(RoundHalfEven(player1, kDecimals));
+  handicaps.SetPlayer1Handicap(Rounded(player1));
   if (request_.Individual) {
     handicaps.SetPlayer2Handicap(player2);
     handicaps.SetPartnershipHandicap(handicaps.Player1Handicap());
     return handicaps;
   }
-  handicaps.SetPlayer2Handicap(RoundHalfEven(player2, kDecimals));
-  const double partnership = AdjustedForRegularPair(PartnershipHandicap((player1 + player2) / 2.0));
-  handicaps.SetPartnershipHandicap(RoundHalfEven(partnership, kDecimals));
+  handicaps.SetPlayer2Handicap(Rounded(player2));
+  const double partnership = AdjustedForRegularPair(PartnershipHandicap(player1 / 2.0 + player2 / 2.0));
+  handicaps.SetPartnershipHandicap(Rounded(partnership));
   return handicaps;
 }
 

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
@@ -9,12 +8,6 @@ namespace {
 
 constexpr const char* kSource = "cDatabase";
 constexpr double kNeutralHandicap = 50.0;
-
-/// Halved first where the sum would be no number any more.
-double Mean(double left, double right) {
-  const double mean = (left + right) / 2.0;
-  return std::isfinite(mean) ? mean : left / 2.0 + right / 2.0;
-}
 
 std::string InsertStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
   return "Insert into Partnerships (LowerPlayer, HigherPlayer, HigherFirst, Handicap, KnownAs) Values (" +
@@ -49,7 +42,7 @@ bool cDatabase::IsRegularPartnership(std::int32_t P1, std::int32_t P2, std::stri
 void cDatabase::MakeRegularPartnership(std::int32_t P1, std::int32_t P2, double Handicap, bool ErrorIfAlreadyExists,
                                        const std::string& KnownAs) {
   WhileOpen(*this, [&] {
-    const double handicap = Handicap < 0.0 ? Mean(GetHandicap(P1), GetHandicap(P2)) : Handicap;
+    const double handicap = Handicap < 0.0 ? GetHandicap(P1) / 2.0 + GetHandicap(P2) / 2.0 : Handicap;
     if (P1 == P2) throw Error(ErrorNumber::Component, kSource, "You cannot partner a player with themself.");
 
     std::string storedName;

@@ -340,6 +340,26 @@ TEST_F(HandicapCalculationTest, ARegularPairsHandicapIsAdjusted) {
   EXPECT_EQ(OfPair(), 52.0) << "an inactive pair is not regular";
 }
 
+TEST_F(HandicapCalculationTest, EnormousPercentagesHaveAnAverageToo) {
+  AddResult(1, 1, 2, 1e308);
+  AddResult(2, 1, 2, 1e308);
+  EXPECT_EQ(OfPair(), 1e308);
+}
+
+TEST_F(HandicapCalculationTest, AHandicapThatIsNoNumberAnyMoreOverflows) {
+  settings_->SetRegularPairMultiplier(1e300);
+  AddResult(1, 1, 2, 1e300);
+  ThreadStore()->MakeRegularPartnership(1, 2, 50.0, false, "");
+  try {
+    OfPair();
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::Overflow)) << error.Description();
+  }
+  EXPECT_THROW(club_->RecalculateAllHandicaps(), Error);
+  EXPECT_EQ(club_.Rows("Select Handicap From Partnerships"), (std::vector<std::string>{"50"}));
+}
+
 TEST_F(HandicapCalculationTest, NothingIsWritten) {
   AddResult(1, 1, 2, 60.0);
   SetPairSeed(54.0);

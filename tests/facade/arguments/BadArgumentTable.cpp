@@ -100,9 +100,9 @@ Operations Members() {
        {Whole("MemberID", [](Club& club, Long bad) { club.SetHandicap(bad, 45.0); }),
         Number("NewHandicap", [](Club& club, double bad) { club.SetHandicap(1, bad); })}},
       {"IsValidMemberID", {Whole("MemberID", [](Club& club, Long bad) { Ignore(club.IsValidMemberID(bad)); })}},
-      {"PlayersStratum", {Whole("PlayerID", [](Club& club, Long bad) { Ignore(club.PlayersStratum(bad)); })}},
-      {"SetPlayersStratum",
-       {Whole("PlayerID", [](Club& club, Long bad) { club.SetPlayersStratum(bad, 2); }),
+      {"PlayersStratum",
+       {Whole("PlayerID", [](Club& club, Long bad) { Ignore(club.PlayersStratum(bad)); }),
+        Whole("PlayerID, to set it", [](Club& club, Long bad) { club.SetPlayersStratum(bad, 2); }),
         Short("NewStratum", [](Club& club, std::int16_t bad) { club.SetPlayersStratum(1, bad); })}},
       {"ClubName", {Text("name", [](Club& club, const String& bad) { club.SetClubName(bad); })}},
       {"WasClubEverCalled",
@@ -175,7 +175,13 @@ Operations Walks() {
                 PassedBack out;
                 club.GetFirstPartnership(out.number, out.name, out.second, out.secondName, out.pair, out.alternate,
                                          out.par, bad);
-              })},
+              }),
+        Number("ParScore",
+               [](Club& club, double bad) {
+                 PassedBack out;
+                 club.GetFirstPartnership(out.number, out.name, out.second, out.secondName, out.pair, out.alternate,
+                                          bad, 0);
+               })},
        nullptr,
        kTheWalk},
       {"GetNextPartnership",
@@ -186,7 +192,15 @@ Operations Walks() {
                                          out.par, 0);
                 club.GetNextPartnership(out.number, out.name, out.second, out.secondName, out.pair, out.alternate,
                                         out.par, bad);
-              })},
+              }),
+        Number("ParScore",
+               [](Club& club, double bad) {
+                 PassedBack out;
+                 club.GetFirstPartnership(out.number, out.name, out.second, out.secondName, out.pair, out.alternate,
+                                          bad, 0);
+                 club.GetNextPartnership(out.number, out.name, out.second, out.secondName, out.pair, out.alternate, bad,
+                                         0);
+               })},
        nullptr,
        kTheWalk},
       {"MembersEmailAddress", {Whole("MemberNo", [](Club& club, Long bad) { Ignore(club.MembersEmailAddress(bad)); })}},
@@ -212,6 +226,12 @@ Operations Pairs() {
                 PassedBack out;
                 club.IsRegularPair(1, bad, out.name, out.par);
               }),
+        Text("PairAlias",
+             [](Club& club, const String& bad) {
+               PassedBack out;
+               String passed = bad;
+               club.IsRegularPair(1, 2, passed, out.par);
+             }),
         Number("ParScore",
                [](Club& club, double bad) {
                  PassedBack out;
@@ -288,6 +308,26 @@ Operations Registration() {
              [](Club& club, const String& bad) { club.SetCompetition(bad, kDay, false, 0, 0, 0, 5, 2, 0, true); }),
         Day("CompDate",
             [](Club& club, Date bad) { club.SetCompetition("Tuesday", bad, false, 0, 0, 0, 5, 2, 0, true); }),
+        Short("ScoringMethod",
+              [](Club& club, std::int16_t bad) {
+                club.SetCompetition("Tuesday", kDay, false, bad, 0, 0, 5, 2, 0, true);
+              }),
+        Short("ButlerType",
+              [](Club& club, std::int16_t bad) {
+                club.SetCompetition("Tuesday", kDay, false, 0, bad, 0, 5, 2, 0, true);
+              }),
+        Short("NumberOfTables",
+              [](Club& club, std::int16_t bad) {
+                club.SetCompetition("Tuesday", kDay, false, 0, 0, 0, bad, 2, 0, true);
+              }),
+        Short("NumberOfWinners",
+              [](Club& club, std::int16_t bad) {
+                club.SetCompetition("Tuesday", kDay, false, 0, 0, 0, 5, bad, 0, true);
+              }),
+        Short("MasterPointsColour",
+              [](Club& club, std::int16_t bad) {
+                club.SetCompetition("Tuesday", kDay, false, 0, 0, 0, 5, 2, bad, true);
+              }),
         Short("MasterPoints",
               [](Club& club, std::int16_t bad) {
                 club.SetCompetition("Tuesday", kDay, false, 0, 0, bad, 5, 2, 0, true);
@@ -358,6 +398,14 @@ Operations Results() {
       {"UpdateResult",
        {Whole("CompetitionID",
               [](Club& club, Long bad) { club.UpdateResult(bad, false, 1, "", 2, "", 50.0, 50.0, 0, 45.0); }),
+        Whole("Player1ID",
+              [](Club& club, Long bad) {
+                club.UpdateResult(kCompetition, false, bad, "A B", 2, "", 50.0, 50.0, 0, 45.0);
+              }),
+        Whole("Player2ID",
+              [](Club& club, Long bad) {
+                club.UpdateResult(kCompetition, false, 1, "", bad, "A B", 50.0, 50.0, 0, 45.0);
+              }),
         Text("P1Name",
              [](Club& club, const String& bad) {
                club.UpdateResult(kCompetition, false, -1, bad, 2, "", 50.0, 50.0, 0, 45.0);
