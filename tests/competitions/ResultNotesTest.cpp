@@ -60,6 +60,45 @@ TEST_F(ResultNotesTest, BeforeAnyRegistrationNoHandicapIsTouched) {
   EXPECT_EQ(MemberHandicaps(), (Texts{"41", "42", "43", "44"}));
 }
 
+TEST_F(ResultNotesTest, TheLatestRegistrationCountsAlsoAfterItsEnd) {
+  const std::int32_t id = Register(true);
+  club_->EndResultUpdate(id);
+  club_->NoteCompetitorResult(id, 1, "", 2, "", 55.0, 60.0);
+  EXPECT_EQ(MemberHandicaps(), (Texts{"55", "55", "43", "44"}));
+}
+
+TEST_F(ResultNotesTest, ARegistrationThatFailsCountsAsTheLatest) {
+  const std::int32_t id = Register(true);
+  const Error fault(ErrorNumber::ProviderFailure, "disk", "bad");
+  club_.Watch().FailOn("Select * from Competitions Where CompetitionName", fault);
+  EXPECT_THROW(Register(false), Error);
+  club_->NoteCompetitorResult(id, 1, "", 2, "", 55.0, 60.0);
+  EXPECT_EQ(MemberHandicaps(), (Texts{"41", "42", "43", "44"}));
+}
+
+TEST_F(ResultNotesTest, ARegistrationWithoutSettingsLeavesNotesThatStoreTheResultAndFail) {
+  club_.Watch().FailOn("HandicalcSettings", Error(ErrorNumber::ProviderFailure, "disk", "bad"));
+  EXPECT_THROW(Register(true), Error);
+  EXPECT_EQ(club_.OpenCount(), 0) << "the settings are read before the file is held open";
+  try {
+    club_->NoteCompetitorResult(77, 1, "", 2, "", 55.0, 60.0);
+    FAIL() << "no settings are held";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::NoObject));
+  }
+  EXPECT_EQ(Results().size(), 1U);
+  EXPECT_EQ(MemberHandicaps(), (Texts{"41", "42", "43", "44"}));
+  EXPECT_EQ(club_.OpenCount(), 0);
+}
+
+TEST_F(ResultNotesTest, TheRegistrationOfAnotherObjectDoesNotMatter) {
+  const std::int32_t id = Register(true);
+  club_.Reopen();
+  club_->NoteCompetitorResult(id, 1, "", 2, "", 55.0, 60.0);
+  EXPECT_EQ(Results().size(), 1U);
+  EXPECT_EQ(MemberHandicaps(), (Texts{"41", "42", "43", "44"}));
+}
+
 TEST_F(ResultNotesTest, TheNotedResultCountsInTheNewHandicaps) {
   const std::int32_t id = Register(true);
   club_->NoteCompetitorResult(id, 1, "", 2, "", 55.0, 60.0);

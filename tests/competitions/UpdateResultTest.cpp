@@ -99,5 +99,28 @@ TEST_F(UpdateResultTest, ANameThatSpellsNoNumberIsTriedForEver) {
   EXPECT_TRUE(Awards().empty());
 }
 
+TEST_F(UpdateResultTest, TheArgumentIndividualIsNotLookedAt) {
+  club_->UpdateResult(id_, true, 5, "12", 7, "", 55.0, 60.0, 3);
+  EXPECT_EQ(Awards().size(), 2U);
+  EXPECT_EQ(club_.Rows("Select Player, Partner From Results"), (Texts{"5 | 7"}));
+}
+
+TEST_F(UpdateResultTest, InAnIndividualCompetitionTheFirstPlayerIsAwardedAlone) {
+  const std::int32_t id = club_->SetCompetition("Single", Date::FromCivil(2025, 9, 18), true, 0, 0, 0, 5, 2, 0, false);
+  club_->UpdateResult(id, false, 5, "12", 7, "", 55.0, 60.0, 3);
+  EXPECT_EQ(Awards(), (Texts{"5 |  | 1 | 3 | 0"}));
+  EXPECT_EQ(club_.Rows("Select Player, Partner From Results"), (Texts{"5 | -1"}));
+}
+
+TEST_F(UpdateResultTest, ANumberInTheNameIsReadAsNumbersInTextsAre) {
+  Update(" 12 ", 3);
+  EXPECT_EQ(Awards().at(1), "12 |  | 1 | 3 | 0");
+}
+
+TEST_F(UpdateResultTest, ANegativeNumberInTheNameIsAwardedToo) {
+  Update("-2", 3);
+  EXPECT_EQ(Awards().at(1), "-2 |  | 1 | 3 | 0") << "only -1 keeps the second name";
+}
+
 }  // namespace
 }  // namespace tavi

@@ -229,5 +229,33 @@ TEST_F(StartUpTest, AFileThatCannotBeOpenedIsNamedWithTheReason) {
   }
 }
 
+TEST_F(StartUpTest, AFolderThatTheShellCannotTellIsLoggedAndTheFolderOfLastResortTaken) {
+  class FailingFolders : public ShellFolders {
+   public:
+    [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t /*folderNumber*/) const override {
+      throw Error(ErrorNumber::InvalidArgument, "shell", "The library is missing.");
+    }
+    [[nodiscard]] std::optional<Location> FolderLocation(std::int32_t /*folderNumber*/) const override {
+      return std::nullopt;
+    }
+  };
+  fake_.platform->shellFolders = std::make_shared<FailingFolders>();
+  EXPECT_EQ(StartedFolder(), kLastResort);
+  EXPECT_NE(Log().find("SHGetFolderPath error: The library is missing.\r\n"), std::string::npos) << Log();
+}
+
+TEST_F(StartUpTest, AFolderInOtherLettersIsStoredThoughNothingIsCheckedAgain) {
+  MembershipDatabase database(fake_.platform);
+  database.SetDatabaseFolder("E:\\Club");
+  database.OpenDatabase();
+  database.CloseDatabase();
+  const std::size_t statements = fake_.file->statements.size();
+  database.SetDatabaseFolder("e:\\CLUB");
+  EXPECT_EQ(database.DatabaseFolder(), "e:\\CLUB");
+  database.OpenDatabase();
+  database.CloseDatabase();
+  EXPECT_EQ(fake_.file->statements.size(), statements);
+}
+
 }  // namespace
 }  // namespace tavi

@@ -45,6 +45,35 @@ TEST_F(MembershipCheckTest, ANameOfAnotherMemberGivesThatNumberAndEnrolsNobody) 
   EXPECT_EQ(club_.Rows("Select Count(*) From Members"), (Texts{"1"}));
 }
 
+TEST_F(MembershipCheckTest, TheNameOfARetiredMemberGivesThatNumberToo) {
+  club_->DeleteMember(1);
+  EXPECT_EQ(club_->CheckMembershipID(40, "John Smith", 50.0, retired_), 1);
+  EXPECT_FALSE(retired_) << "only a known number tells";
+  EXPECT_EQ(club_.Rows("Select Count(*) From Members"), (Texts{"1"}));
+}
+
+TEST_F(MembershipCheckTest, AKnownNumberWithAnUnknownNameIsAnsweredWithItself) {
+  retired_ = true;
+  EXPECT_EQ(club_->CheckMembershipID(1, "Ann Lee", 50.0, retired_), 1);
+  EXPECT_FALSE(retired_);
+  EXPECT_EQ(club_.Rows("Select FirstName, LastName From Members"), (Texts{"John | Smith"})) << "the record stays";
+}
+
+TEST_F(MembershipCheckTest, WhoIsEnrolledIsKnownAfterwards) {
+  retired_ = true;
+  EXPECT_EQ(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_), -1);
+  EXPECT_TRUE(retired_) << "left as it was";
+  EXPECT_EQ(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_), 40);
+  EXPECT_FALSE(retired_);
+}
+
+TEST_F(MembershipCheckTest, ThePolicyOfAnotherTypeAndAnUnusedDayDoNotMatter) {
+  SetPolicy("0", "#2001-12-24#");
+  club_.Execute("Insert into ClubPolicies (MemberType, SpecificDate, SubsDueDate, Subs) Values ('Junior', 1, 1, 5)");
+  static_cast<void>(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_));
+  EXPECT_EQ(Enrolled(40), (Texts{"Lee | Standard | 1899-12-30 | 1899-12-30 | 2026-10-01 | 25.5"}));
+}
+
 TEST_F(MembershipCheckTest, AnUnknownPlayerIsEnrolledWithTheZeroDateAndAnsweredMinusOne) {
   EXPECT_EQ(club_->CheckMembershipID(40, "Ann B Lee", 52.0, retired_), -1);
   EXPECT_EQ(Enrolled(40), (Texts{"Lee | Standard | 1899-12-30 | 1899-12-30 | 2026-10-01 | 0"}));

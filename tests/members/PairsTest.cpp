@@ -136,5 +136,26 @@ TEST_F(PairsTest, ARetiredMemberIsNamedAsGiven) {
   EXPECT_EQ(club_->GetPairName(1, "", 2, "Jane Jones", 5, false), "John Smith & Jane Jones");
 }
 
+TEST_F(PairsTest, AddingAnswersFalseWhateverItDid) {
+  EXPECT_FALSE(club_->AddRegularPair(1, 2)) << "inserted";
+  EXPECT_FALSE(club_->AddRegularPair(1, 2)) << "left alone";
+  club_->DeletePair(1, 2);
+  EXPECT_FALSE(club_->AddRegularPair(1, 2)) << "reactivated";
+  EXPECT_EQ(StoredPairs().size(), 1U);
+}
+
+TEST_F(PairsTest, ThePlayersHandicapsAreReadBeforeTheyAreFoundToBeOne) {
+  club_.Watch().statements.clear();
+  ExpectRefusal([this] { club_->AddRegularPair(3, 3); }, "You cannot partner a player with themself.");
+  EXPECT_EQ(club_.Watch().statements, Texts(2, "Select Handicap from Members where MembershipNumber = 3"));
+}
+
+TEST_F(PairsTest, AnActivePairThatIsRefusedStaysAsItIs) {
+  ThreadStore()->MakeRegularPartnership(1, 2, 44.0, true, "Ours");
+  ExpectRefusal([] { ThreadStore()->MakeRegularPartnership(2, 1, 45.0, true, "Theirs"); },
+                "Partnership already exists");
+  EXPECT_EQ(StoredPairs(), (Texts{"1 | 2 | 0 | 44 | Ours | True"}));
+}
+
 }  // namespace
 }  // namespace tavi

@@ -80,5 +80,25 @@ TEST(cPartnership, TheFamiliarFormatLeavesTheSeparatorOfAnEmptyName) {
   EXPECT_EQ(Pair("John Smith", "").Name(9, false, false), "John & ");
 }
 
+TEST(cPartnership, AnAmpersandAtAnEndIsTakenForAStrayOne) {
+  const cPartnership pair = Pair("John Smith", "Jane Smith");
+  pair.Player1->KnownAs = "&Co";
+  EXPECT_EQ(pair.Name(9, false, false), "Co & Jane");
+  pair.Player1->KnownAs = "";
+  pair.Player2->KnownAs = "Co&";
+  EXPECT_EQ(pair.Name(9, false, false), "John & Co");
+}
+
+TEST(cPartnership, APairsOwnNameIsShownAsItIs) {
+  cPartnership pair = Pair("John Smith", "Jane Smith");
+  pair.KnownAs = "& Sons  Ltd &";
+  EXPECT_EQ(pair.Name(5, true, false), "& Sons  Ltd &");
+}
+
+TEST(cPartnership, TwoEmptySurnamesAreEqual) {
+  EXPECT_EQ(Pair("John", "Jane").Name(5, true, false), "John & Jane");
+  EXPECT_EQ(Pair("John", "Jane").Name(10, true, false), "John & Jane");
+}
+
 }  // namespace
 }  // namespace tavi

@@ -142,5 +142,35 @@ TEST_F(SettingsStoreTest, AnErrorWhileTheFileIsWrittenReachesTheCaller) {
   EXPECT_THROW(static_cast<void>(Get(kMachine)), Error);
 }
 
+/// Settings documents that can be read, without values, and not saved.
+class UnsavableDocuments : public SettingsDocuments {
+ public:
+  [[nodiscard]] std::unique_ptr<SettingsDocument> Load(const std::string& /*path*/) const override {
+    class Document : public SettingsDocument {
+     public:
+      [[nodiscard]] std::optional<std::string> Text(const std::vector<std::string>& /*path*/) const override {
+        return std::nullopt;
+      }
+      void SetText(const std::vector<std::string>& /*path*/, std::string_view /*text*/) override {}
+      void Save() override { throw Error(ErrorNumber::BadSubscript, "XML", "The document cannot be saved."); }
+    };
+    return std::make_unique<Document>();
+  }
+};
+
+TEST_F(SettingsStoreTest, AnErrorWhileTheFileIsSavedKeepsNumberSourceAndText) {
+  platform_.settingsDocuments = std::make_shared<UnsavableDocuments>();
+  EXPECT_EQ(Get(kMachine), "default") << "nothing to copy, nothing to save";
+  PutIntoRegistry(kMachine, "C:\\Other");
+  try {
+    static_cast<void>(Get(kMachine));
+    FAIL() << "the value was not copied";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::BadSubscript));
+    EXPECT_EQ(error.Source(), "XML");
+    EXPECT_EQ(error.Description(), "The document cannot be saved.");
+  }
+}
+
 }  // namespace
 }  // namespace tavi

@@ -109,5 +109,38 @@ TEST(IntegerList, ThePrettyTextEndsAtANegativeValue) {
   EXPECT_EQ(list.ToString(), "-4&1&2");
 }
 
+TEST(IntegerList, RangesCountUpAndDown) {
+  cIntegerList list;
+  list.AddAllIntegersBetween(-1, 2);
+  EXPECT_EQ(list.ToString(), "-1&0&1&2");
+  list.Clear();
+  list.AddAllIntegersBetween(5, 3);
+  EXPECT_EQ(list.ToString(), "3&4&5");
+  EXPECT_TRUE(list.Contains(4));
+  EXPECT_FALSE(list.Contains(6));
+}
+
+TEST(IntegerList, RangesThatReachAnEndOfSixteenBitsOverflowBehindIt) {
+  cIntegerList list;
+  EXPECT_THROW(list.AddAllIntegersBetween(-32767, -32768), Error);
+  EXPECT_THROW(list.AddAllIntegersBetween(32767, 32767), Error);
+  EXPECT_EQ(list.ToString(), "-32768&-32767&32767") << "the values are in the list all the same";
+}
+
+TEST(IntegerList, ZeroIsTheAnswerForNoneAndForZeroItself) {
+  cIntegerList list = ListOf("1-2");
+  list.Add(0);
+  list.Add(-3);
+  EXPECT_EQ(list.NextAfter(-3), 0);
+  EXPECT_EQ(list.NextAfter(2), 0);
+  EXPECT_EQ(list.NearestTo(-1), 0);
+  EXPECT_EQ(list.Smallest(9), -3);
+}
+
+TEST(IntegerList, WhatFollowsANumberInItsPieceIsLeftOut) {
+  EXPECT_EQ(ListOf("4x,6-8y,z").ToString(), "0&4&6&7&8");
+  EXPECT_EQ(ListOf("3-").ToString(), "0&1&2&3") << "an empty end is 0";
+}
+
 }  // namespace
 }  // namespace tavi

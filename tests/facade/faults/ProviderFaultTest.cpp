@@ -143,5 +143,16 @@ std::string NameOf(const ::testing::TestParamInfo<std::tuple<Operation, bool>>& 
 INSTANTIATE_TEST_SUITE_P(Operations, ProviderFaultTest,
                          ::testing::Combine(::testing::ValuesIn(testing::Operations()), ::testing::Bool()), NameOf);
 
+TEST(SearchFaultTest, WhatWasFoundBeforeAFaultyRowIsReturned) {
+  FaultyClub club;
+  club.SetBack();
+  ASSERT_EQ(club->SearchEBUList("", "Smith").size(), 2U);
+  club.Plan().FailWhere([](const ProviderCall& call) { return call.kind == ProviderCall::Kind::MoveNext; }, kFault, 1);
+  const std::vector<EBUMembershipDetails> found = club->SearchEBUList("", "Smith");
+  ASSERT_EQ(found.size(), 1U);
+  EXPECT_EQ(found[0].EBUNumber(), "100002");
+  EXPECT_EQ(club.OpenCount(), 0);
+}
+
 }  // namespace
 }  // namespace tavi
