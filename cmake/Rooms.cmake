@@ -19,6 +19,9 @@ else()
   # Where an array is listed, inner braces only make it harder to read.
   target_compile_options(tavi_options INTERFACE -Wno-missing-braces)
 endif()
+if(WIN32)
+  target_compile_definitions(tavi_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
+endif()
 if(TAVI_SANITIZE)
   # The optimizer's lifetime warnings are unreliable in instrumented code.
   target_compile_options(tavi_options INTERFACE

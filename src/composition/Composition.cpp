@@ -1,16 +1,10 @@
 #include "composition/Composition.h"
 
-#include <iostream>
-
 #include "access/catalog/Database.h"
 #include "access/file/FileSystem.h"
 #include "access/provider/AccessProvider.h"
-#include "composition/NameKeyAdapter.h"
+#include "composition/SystemParts.h"
 #include "platform/portable/Clocks.h"
-#include "platform/portable/ConsoleMessageBoxes.h"
-#include "platform/portable/EmptyRegistry.h"
-#include "platform/portable/XdgShellFolders.h"
-#include "platform/portable/XmlSettingsDocuments.h"
 #include "util/Diagnostics.h"
 #include "util/NativePath.h"
 
@@ -39,12 +33,8 @@ std::shared_ptr<const Platform> MakePlatform(const PlatformOptions& options) {
   auto platform = std::make_shared<Platform>();
   platform->clock = MakeClock(options);
   platform->databaseProvider = MakeProvider(platform->clock);
-  platform->messageBoxes =
-      options.messageBoxes ? options.messageBoxes : std::make_shared<ConsoleMessageBoxes>(std::cerr);
-  platform->nameKeyService = std::make_shared<NameKeyAdapter>();
-  platform->registry = std::make_shared<EmptyRegistry>();
-  platform->settingsDocuments = std::make_shared<XmlSettingsDocuments>(ToNativePath);
-  platform->shellFolders = std::make_shared<XdgShellFolders>();
+  SetSystemParts(*platform);
+  if (options.messageBoxes) platform->messageBoxes = options.messageBoxes;
   return platform;
 }
 

@@ -14,7 +14,7 @@ namespace tavi {
 struct PlatformOptions {
   /// Stands still as the current date and time; none: the machine's clock.
   std::optional<Date> now = std::nullopt;
-  /// Shows messages; none: they are written to standard error.
+  /// Shows messages; none: they are written to standard error, under Windows shown as message boxes.
   std::shared_ptr<const MessageBoxes> messageBoxes = nullptr;
 };
 

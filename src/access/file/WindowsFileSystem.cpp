@@ -1,0 +1,246 @@
+// The operating system's files on Windows. Paths are UTF-8; every opener lets the others read, write, rename and
+// remove, and the engine's locks keep them apart.
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <thread>
+#include <utility>
+
+#include "access/file/EngineError.h"
+#include "access/file/FileSystem.h"
+#include "access/file/WindowsRangeLocks.h"
+#include "platform/values/WideText.h"
+
+namespace tavi::access {
+
+namespace {
+
+using windows::SystemErrorText;
+using windows::ToWidePath;
+
+constexpr DWORD kShareEverything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr DWORD kLargestTransfer = DWORD{1} << 30U;
+
+[[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, DWORD code) {
+  if (code == ERROR_SHARING_VIOLATION) {
+    RaiseFailure("Could not use '" + path + "'; file already in use. Another program has locked it as a whole.");
+  }
+  RaiseFailure("Could not " + operation + " '" + path + "': " + SystemErrorText(code) + ".");
+}
+
+std::string FolderOf(const std::string& path) {
+  const std::size_t slash = path.find_last_of("\\/");
+  if (slash == std::string::npos) return path.size() > 1 && path[1] == ':' ? path.substr(0, 2) + "." : ".";
+  return path.substr(0, slash + 1);
+}
+
+bool HasReadOnlyAttribute(const std::string& path) {
+  const DWORD attributes = ::GetFileAttributesW(ToWidePath(path).c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
+class Handle {
+ public:
+  explicit Handle(HANDLE value) : value_(value) {}
+  ~Handle() {
+    if (IsOpen()) ::CloseHandle(value_);
+  }
+  Handle(Handle&& other) noexcept : value_(std::exchange(other.value_, INVALID_HANDLE_VALUE)) {}
+  Handle(const Handle&) = delete;
+  Handle& operator=(const Handle&) = delete;
+  Handle& operator=(Handle&&) = delete;
+  [[nodiscard]] bool IsOpen() const { return value_ != INVALID_HANDLE_VALUE; }
+  [[nodiscard]] HANDLE Value() const { return value_; }
+
+ private:
+  HANDLE value_;
+};
+
+Handle OpenHandle(const std::string& path, DWORD access, DWORD disposition, DWORD flags) {
+  return Handle(
+      ::CreateFileW(ToWidePath(path).c_str(), access, kShareEverything, nullptr, disposition, flags, nullptr));
+}
+
+OVERLAPPED At(std::uint64_t offset) {
+  OVERLAPPED position{};
+  position.Offset = static_cast<DWORD>(offset & std::numeric_limits<DWORD>::max());
+  position.OffsetHigh = static_cast<DWORD>(offset >> 32U);
+  return position;
+}
+
+DWORD TransferSize(std::size_t size) {
+  return static_cast<DWORD>(std::min<std::size_t>(size, kLargestTransfer));
+}
+
+class WindowsFile final : public File {
+ public:
+  WindowsFile(Handle handle, std::string path, bool isReadOnly)
+      : handle_(std::move(handle)), path_(path), isReadOnly_(isReadOnly), locks_(handle_.Value(), std::move(path)) {}
+
+  void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
+    while (!target.empty()) {
+      OVERLAPPED position = At(offset);
+      DWORD count = 0;
+      if (::ReadFile(handle_.Value(), target.data(), TransferSize(target.size()), &count, &position) == 0 &&
+          ::GetLastError() != ERROR_HANDLE_EOF) {
+        RaiseSystemError("read", path_, ::GetLastError());
+      }
+      if (count == 0) {
+        RaiseFailure("Could not read '" + path_ + "': the file ends at byte " + std::to_string(offset) + ".");
+      }
+      offset += count;
+      target = target.subspan(count);
+    }
+  }
+
+  void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> source) override {
+    while (!source.empty()) {
+      OVERLAPPED position = At(offset);
+      DWORD count = 0;
+      if (::WriteFile(handle_.Value(), source.data(), TransferSize(source.size()), &count, &position) == 0) {
+        RaiseSystemError("write", path_, ::GetLastError());
+      }
+      if (count == 0) RaiseSystemError("write", path_, ERROR_DISK_FULL);
+      offset += count;
+      source = source.subspan(count);
+    }
+  }
+
+  std::uint64_t Size() override {
+    LARGE_INTEGER size{};
+    if (::GetFileSizeEx(handle_.Value(), &size) == 0) RaiseSystemError("examine", path_, ::GetLastError());
+    return static_cast<std::uint64_t>(size.QuadPart);
+  }
+
+  void Truncate(std::uint64_t size) override {
+    FILE_END_OF_FILE_INFO end{};
+    end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
+    if (::SetFileInformationByHandle(handle_.Value(), FileEndOfFileInfo, &end, sizeof end) == 0) {
+      RaiseSystemError("change the length of", path_, ::GetLastError());
+    }
+  }
+
+  void Sync() override {
+    // There is nothing to flush for an opener that cannot write, and the system refuses it.
+    if (!isReadOnly_ && ::FlushFileBuffers(handle_.Value()) == 0) RaiseSystemError("flush", path_, ::GetLastError());
+  }
+
+  std::int64_t ModificationStamp() override {
+    constexpr std::int64_t kNanosecondsPerTick = 100;
+    constexpr std::int64_t kTicksTo1970 = 116444736000000000;
+    FILE_BASIC_INFO times{};
+    if (::GetFileInformationByHandleEx(handle_.Value(), FileBasicInfo, &times, sizeof times) == 0) {
+      RaiseSystemError("examine", path_, ::GetLastError());
+    }
+    return (times.LastWriteTime.QuadPart - kTicksTo1970) * kNanosecondsPerTick;
+  }
+
+  bool IsReadOnly() const override { return isReadOnly_; }
+
+  bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
+    return locks_.TryLock(offset, length, kind);
+  }
+  void Unlock(std::uint64_t offset, std::uint64_t length) override { locks_.Unlock(offset, length); }
+  bool IsLockedByOther(std::uint64_t offset, std::uint64_t length) override {
+    return locks_.IsLockedByOther(offset, length);
+  }
+  // The system does not tell whose a lock is.
+  std::string LockHolder(std::uint64_t /*offset*/, std::uint64_t /*length*/) override { return {}; }
+
+ private:
+  Handle handle_;
+  std::string path_;
+  bool isReadOnly_;
+  WindowsRangeLocks locks_;
+};
+
+class WindowsFileSystem final : public FileSystem {
+ public:
+  std::unique_ptr<File> Open(const std::string& path, OpenMode mode) override {
+    const std::string operation = mode == OpenMode::CreateNew ? "create" : "open";
+    if (path.find('\0') != std::string::npos) RaiseSystemError(operation, path, ERROR_INVALID_NAME);
+    if (mode == OpenMode::ReadWrite && HasReadOnlyAttribute(path))
+      RaiseSystemError(operation, path, ERROR_ACCESS_DENIED);
+    const DWORD access = mode == OpenMode::ReadOnly ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+    Handle handle =
+        OpenHandle(path, access, mode == OpenMode::CreateNew ? CREATE_NEW : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+    if (!handle.IsOpen()) RaiseSystemError(operation, path, ::GetLastError());
+    if (::GetFileType(handle.Value()) != FILE_TYPE_DISK) {
+      RaiseFailure("Could not open '" + path + "': it is not a file.");
+    }
+    return std::make_unique<WindowsFile>(std::move(handle), path, mode == OpenMode::ReadOnly);
+  }
+
+  bool Exists(const std::string& path) override {
+    return ::GetFileAttributesW(ToWidePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+  }
+
+  bool IsWritable(const std::string& path) override {
+    if (HasReadOnlyAttribute(path)) return false;
+    const Handle file = OpenHandle(path, GENERIC_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
+    if (!file.IsOpen() && ::GetLastError() != ERROR_SHARING_VIOLATION) return false;
+    return OpenHandle(FolderOf(path), FILE_ADD_FILE, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS).IsOpen();
+  }
+
+  std::string CanonicalPath(const std::string& path) override {
+    const Handle file = OpenHandle(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    if (!file.IsOpen()) return path;
+    std::wstring full(MAX_PATH, L'\0');
+    DWORD length = FinalPath(file, full);
+    if (length > full.size()) {
+      full.resize(length);
+      length = FinalPath(file, full);
+    }
+    if (length == 0 || length > full.size()) return path;
+    full.resize(length);
+    return windows::FromWide(WithoutUnlimitedPrefix(full));
+  }
+
+  void Remove(const std::string& path) override {
+    if (::DeleteFileW(ToWidePath(path).c_str()) == 0) RaiseSystemError("remove", path, ::GetLastError());
+  }
+
+  void Rename(const std::string& from, const std::string& to) override {
+    constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    if (::MoveFileExW(ToWidePath(from).c_str(), ToWidePath(to).c_str(), kFlags) == 0) {
+      RaiseSystemError("rename", from, ::GetLastError());
+    }
+  }
+
+  // A new file inherits the permissions of its folder, as the database beside it did.
+  void CopyPermissions(const std::string& /*from*/, const std::string& /*to*/) override {}
+
+  // Folders are journalled by the system and need no flush.
+  void SyncFolderOf(const std::string& /*path*/) override {}
+
+  void Pause(std::chrono::milliseconds duration) override {
+    if (duration.count() > 0) {
+      std::this_thread::sleep_for(duration);
+    } else {
+      std::this_thread::yield();
+    }
+  }
+
+ private:
+  static DWORD FinalPath(const Handle& file, std::wstring& target) {
+    return ::GetFinalPathNameByHandleW(file.Value(), target.data(), static_cast<DWORD>(target.size()),
+                                       FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+  }
+
+  static std::wstring WithoutUnlimitedPrefix(const std::wstring& path) {
+    constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
+    constexpr std::wstring_view kLocal = L"\\\\?\\";
+    if (path.starts_with(kShare)) return L"\\\\" + path.substr(kShare.size());
+    return path.starts_with(kLocal) ? path.substr(kLocal.size()) : path;
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<FileSystem> NativeFileSystem() {
+  return std::make_shared<WindowsFileSystem>();
+}
+
+}  // namespace tavi::access

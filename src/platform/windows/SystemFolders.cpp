@@ -1,0 +1,44 @@
+#include "platform/windows/SystemFolders.h"
+
+#include <windows.h>
+
+#include <shlobj.h>
+
+#include <array>
+#include <bit>
+#include <memory>
+
+#include "platform/values/WideText.h"
+
+namespace tavi {
+namespace {
+
+// Installed programs have always passed this number for the owner window.
+constexpr std::uintptr_t kOwnerWindow = 100;
+
+struct FreeByTaskAllocator {
+  void operator()(ITEMIDLIST* list) const { ::CoTaskMemFree(list); }
+};
+
+}  // namespace
+
+std::optional<std::string> SystemFolders::FolderPath(std::int32_t folderNumber) const {
+  std::array<wchar_t, MAX_PATH + 1> path{};
+  const HRESULT result = ::SHGetFolderPathW(nullptr, folderNumber, nullptr, SHGFP_TYPE_CURRENT, path.data());
+  // S_FALSE: the folder is known but is not there.
+  if (result != S_OK && result != S_FALSE) return std::nullopt;
+  return windows::FromWide(path.data());
+}
+
+std::optional<ShellFolders::Location> SystemFolders::FolderLocation(std::int32_t folderNumber) const {
+  ITEMIDLIST* found = nullptr;
+  if (::SHGetSpecialFolderLocation(std::bit_cast<HWND>(kOwnerWindow), folderNumber, &found) != S_OK) {
+    return std::nullopt;
+  }
+  const std::unique_ptr<ITEMIDLIST, FreeByTaskAllocator> list(found);
+  std::array<wchar_t, MAX_PATH + 1> path{};
+  const bool isNonZero = ::SHGetPathFromIDListW(list.get(), path.data()) != 0;
+  return Location{windows::FromWide(path.data()), isNonZero};
+}
+
+}  // namespace tavi
