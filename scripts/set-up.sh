@@ -5,6 +5,7 @@ packages_to_build="g++ cmake ninja-build ccache libcli11-dev libfmt-dev nlohmann
 packages_to_test="libgtest-dev libgmock-dev librapidcheck-dev libsqlite3-dev mdbtools python3 nodejs"
 packages_to_fuzz="clang libclang-rt-14-dev"
 packages_to_measure="libbenchmark-dev libsqlite3-dev"
+packages_for_windows="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine wine64 libwine-dev"
 
 say() { printf '%s\n' "$*" >&2; }
 

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <atomic>
+
+#include "automation/Answer.h"
+#include "automation/LateCall.h"
+#include "automation/ModuleLock.h"
+#include "automation/TypeInformation.h"
+
+namespace tavi::automation {
+
+/// What every object of the server is: counted by references, callable through its interface and by name, with rich
+/// errors. An object is used on the thread that created it.
+template <typename Interface>
+class AutomationObject : public Interface, public ISupportErrorInfo {
+ public:
+  AutomationObject() = default;
+  AutomationObject(const AutomationObject&) = delete;
+  AutomationObject& operator=(const AutomationObject&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID wanted, void** result) override {
+    if (result == nullptr) return E_POINTER;
+    *result = Find(wanted);
+    if (*result == nullptr) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+  STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+    return Answer([&] { *count = 1; }, count);
+  }
+  STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** result) override {
+    if (index != 0) return DISP_E_BADINDEX;
+    return Answer(
+        [&] {
+          *result = Information();
+          (*result)->AddRef();
+        },
+        result);
+  }
+  STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* members) override {
+    if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (names == nullptr || members == nullptr) return E_POINTER;
+    HRESULT result = S_OK;
+    const HRESULT answer = Answer([&] { result = Information()->GetIDsOfNames(names, count, members); });
+    return FAILED(answer) ? answer : result;
+  }
+  STDMETHODIMP Invoke(DISPID member, REFIID reserved, LCID /*locale*/, WORD flags, DISPPARAMS* parameters,
+                      VARIANT* value, EXCEPINFO* exception, UINT* badArgument) override {
+    if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
+    if (parameters == nullptr) return E_POINTER;
+    HRESULT result = S_OK;
+    const HRESULT answer = Answer([&] { result = Call(member, flags, *parameters, value, exception, badArgument); });
+    return FAILED(answer) ? answer : result;
+  }
+
+  STDMETHODIMP InterfaceSupportsErrorInfo(REFIID wanted) override {
+    return wanted == __uuidof(Interface) ? S_OK : S_FALSE;
+  }
+
+ protected:
+  // Only the last Release destroys it.
+  virtual ~AutomationObject() = default;
+
+  /// One of the interfaces of this object, without a new reference; null for others.
+  virtual void* Find(REFIID wanted) {
+    if (wanted == IID_ISupportErrorInfo) return static_cast<ISupportErrorInfo*>(this);
+    const bool isMain = wanted == IID_IUnknown || wanted == IID_IDispatch || wanted == __uuidof(Interface);
+    return isMain ? static_cast<Interface*>(this) : nullptr;
+  }
+
+ private:
+  ITypeInfo* Information() {
+    if (!information_) information_ = TypeInformationOf(__uuidof(Interface));
+    return information_.Get();
+  }
+
+  HRESULT Call(DISPID member, WORD flags, DISPPARAMS& parameters, VARIANT* value, EXCEPINFO* exception,
+               UINT* badArgument) {
+    LateCall call(*Information(), member, flags, parameters);
+    HRESULT result = call.Prepare(badArgument);
+    if (FAILED(result)) return result;
+    // What an earlier failure left must not be taken for this one's.
+    ::SetErrorInfo(0, nullptr);
+    result = Information()->Invoke(static_cast<Interface*>(this), member, flags, call.Parameters(), value, exception,
+                                   badArgument);
+    if (FAILED(result)) return result;
+    const HRESULT passedBack = call.PassBack();
+    return FAILED(passedBack) ? passedBack : MakeReadableForScripts(value);
+  }
+
+  ModuleLock lock_;
+  std::atomic<ULONG> references_{1};
+  windows::ComPointer<ITypeInfo> information_;
+};
+
+}  // namespace tavi::automation

@@ -1,0 +1,80 @@
+#include "automation/ClassFactory.h"
+
+#include "automation/EBUMembershipDetailsObject.h"
+#include "automation/HandiCalcSettingsObject.h"
+#include "automation/HandicapsObject.h"
+#include "automation/MembershipDatabaseObject.h"
+
+namespace tavi::automation {
+namespace {
+
+class ClassFactory final : public IClassFactory {
+ public:
+  explicit ClassFactory(const CreatableClass& made) : made_(made) {}
+  ClassFactory(const ClassFactory&) = delete;
+  ClassFactory& operator=(const ClassFactory&) = delete;
+
+  STDMETHODIMP QueryInterface(REFIID wanted, void** result) override {
+    if (result == nullptr) return E_POINTER;
+    const bool isKnown = wanted == IID_IUnknown || wanted == IID_IClassFactory;
+    *result = isKnown ? static_cast<IClassFactory*>(this) : nullptr;
+    if (!isKnown) return E_NOINTERFACE;
+    AddRef();
+    return S_OK;
+  }
+  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
+  STDMETHODIMP_(ULONG) Release() override {
+    const ULONG left = --references_;
+    if (left == 0) delete this;
+    return left;
+  }
+
+  STDMETHODIMP CreateInstance(IUnknown* outer, REFIID wanted, void** result) override {
+    if (result == nullptr) return E_POINTER;
+    *result = nullptr;
+    if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    windows::ComPointer<IUnknown> object;
+    const HRESULT answer = Answer([&] { *object.Receive() = made_.create(); });
+    return FAILED(answer) ? answer : object->QueryInterface(wanted, result);
+  }
+  STDMETHODIMP LockServer(BOOL lock) override {
+    if (lock != FALSE) {
+      ModuleLock::Add();
+    } else {
+      ModuleLock::Remove();
+    }
+    return S_OK;
+  }
+
+ private:
+  virtual ~ClassFactory() = default;
+
+  const CreatableClass& made_;
+  ModuleLock lock_;
+  std::atomic<ULONG> references_{1};
+};
+
+}  // namespace
+
+const std::vector<CreatableClass>& CreatableClasses() {
+  static const std::vector<CreatableClass> classes = {
+      {__uuidof(::MembershipDatabase), L"MembershipDatabase", L"A bridge club's membership records",
+       []() -> IUnknown* { return static_cast<_MembershipDatabase*>(new MembershipDatabaseObject); }},
+      {__uuidof(::HandiCalcSettings), L"HandiCalcSettings", L"Settings of the handicap calculation",
+       []() -> IUnknown* { return MakeSettings(HandiCalcSettings()).Detach(); }},
+      {__uuidof(::Handicaps), L"Handicaps", L"Result of a handicap calculation",
+       []() -> IUnknown* { return MakeHandicaps(Handicaps()).Detach(); }},
+      {__uuidof(::EBUMembershipDetails), L"EBUMembershipDetails", L"One row of the governing body's membership list",
+       []() -> IUnknown* { return MakeEBUMembershipDetails(EBUMembershipDetails()).Detach(); }},
+  };
+  return classes;
+}
+
+IClassFactory* MakeClassFactory(REFCLSID identifier) {
+  for (const CreatableClass& candidate : CreatableClasses()) {
+    if (candidate.identifier == identifier) return new ClassFactory(candidate);
+  }
+  return nullptr;
+}
+
+}  // namespace tavi::automation

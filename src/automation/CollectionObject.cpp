@@ -1,0 +1,50 @@
+#include "automation/CollectionObject.h"
+
+#include "automation/Conversion.h"
+#include "automation/ItemEnumerator.h"
+#include "platform/values/Text.h"
+
+namespace tavi::automation {
+
+windows::ComPointer<_Collection> MakeCollection(std::vector<CollectionItem> items) {
+  auto shared = std::make_shared<const std::vector<CollectionItem>>(std::move(items));
+  return windows::ComPointer<_Collection>(new CollectionObject(std::move(shared)));
+}
+
+STDMETHODIMP CollectionObject::get_Count(long* result) {
+  return Answer([&] { *result = static_cast<long>(items_->size()); }, result);
+}
+
+STDMETHODIMP CollectionObject::get_Item(VARIANT Index, VARIANT* result) {
+  if (result != nullptr) ::VariantInit(result);
+  return Answer([&] { windows::Require(CopyVariant(result, ItemAt(Index)), "The item cannot be copied"); }, result);
+}
+
+STDMETHODIMP CollectionObject::get__NewEnum(IUnknown** result) {
+  return Answer([&] { *result = new ItemEnumerator(items_, 0); }, result);
+}
+
+const VARIANT& CollectionObject::ItemAt(const VARIANT& index) const {
+  const VARIANT& given = Referred(index);
+  if (given.vt == VT_BSTR || given.vt == (VT_BYREF | VT_BSTR)) {
+    const std::string key = LowerCase(ToText(given.vt == VT_BSTR ? given.bstrVal : *given.pbstrVal));
+    for (const CollectionItem& item : *items_) {
+      if (!item.key.empty() && LowerCase(item.key) == key) return item.value.Get();
+    }
+    throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
+                "Invalid procedure call or argument: the collection has no item \"" + key + "\".");
+  }
+  Variant position;
+  if (FAILED(ConvertVariant(position.Address(), given, VT_I4))) {
+    throw Error(ErrorNumber::TypeMismatch, "TaviMembership", "Type mismatch: an item is found by position or key.");
+  }
+  const LONG number = position.Get().lVal;
+  if (number < 1 || static_cast<std::size_t>(number) > items_->size()) {
+    throw Error(ErrorNumber::BadSubscript, "TaviMembership",
+                "Subscript out of range: the collection has the items 1 to " + std::to_string(items_->size()) +
+                    ", not " + std::to_string(number) + ".");
+  }
+  return (*items_)[static_cast<std::size_t>(number) - 1].value.Get();
+}
+
+}  // namespace tavi::automation

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <TaviMembership.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "automation/AutomationObject.h"
+#include "automation/Variant.h"
+
+namespace tavi::automation {
+
+/// An item, and its key where it has one.
+struct CollectionItem {
+  Variant value;
+  std::string key;
+};
+
+/// Items in their order, which never change.
+using CollectionItems = std::shared_ptr<const std::vector<CollectionItem>>;
+
+/// A collection for automation.
+class CollectionObject final : public AutomationObject<_Collection> {
+ public:
+  explicit CollectionObject(CollectionItems items) : items_(std::move(items)) {}
+
+  STDMETHODIMP get_Count(long* result) override;
+  /// A text is a key, without regard to case, and raises InvalidArgument when it is none; everything else a position
+  /// from 1, which raises BadSubscript when there is no such item.
+  STDMETHODIMP get_Item(VARIANT Index, VARIANT* result) override;
+  STDMETHODIMP get__NewEnum(IUnknown** result) override;
+
+ private:
+  [[nodiscard]] const VARIANT& ItemAt(const VARIANT& index) const;
+
+  CollectionItems items_;
+};
+
+/// A new collection of these items.
+windows::ComPointer<_Collection> MakeCollection(std::vector<CollectionItem> items);
+
+}  // namespace tavi::automation

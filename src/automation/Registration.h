@@ -1,0 +1,12 @@
+#pragma once
+
+namespace tavi::automation {
+
+/// Enters the classes and the type library of this library's file into the registry; every entry again, when there are
+/// some. Raises the system's error where the registry cannot be written.
+void Register();
+
+/// Takes out what Register enters; what is not there does not matter.
+void Unregister();
+
+}  // namespace tavi::automation
