@@ -13,6 +13,7 @@
 #include "host/rpc/RpcCommand.h"
 #include "host/sql/SqlCommand.h"
 #include "host/tools/Check.h"
+#include "host/tools/Compact.h"
 #include "host/tools/Dump.h"
 #include "host/tools/Import.h"
 #include "host/tools/Info.h"
@@ -165,6 +166,14 @@ void AddCheck(CLI::App& app, Choices& choices) {
       [&choices] { choices.action = [&choices](const Context& context) { return Check(context, choices.check); }; });
 }
 
+void AddCompact(CLI::App& app, Choices& choices) {
+  CLI::App* command =
+      app.add_subcommand("compact", "Lay an Access file out anew, without what was deleted; the old file is kept");
+  command->add_option("FILE", choices.file, "The Access file (else the club's); nobody else may have it open");
+  command->callback(
+      [&choices] { choices.action = [&choices](const Context& context) { return Compact(context, choices.file); }; });
+}
+
 std::optional<Date> TodayOf(const Choices& choices) {
   if (choices.today.empty()) return std::nullopt;
   const std::optional<Date> today = Date::FromIso(choices.today);
@@ -198,6 +207,7 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
            AddRecover,
            AddSample,
            AddCheck,
+           AddCompact,
            AddDump,
        }) {
     add(app, choices);

@@ -14,8 +14,8 @@ enum class CheckKind {
              ///< counters of system tables that are off, automatic numbers above the counter
 };
 
-/// What a finding is about. Where all findings are about indexes and counters the rows are whole, and a rebuild of the
-/// file (see Compact.h) mends it.
+/// What a finding is about. Where no finding is about the file or rows the rows are whole, and a rebuild of the file
+/// (see Compact.h) mends indexes and counters; a relationship may look broken only because an index that it uses is.
 enum class CheckPart {
   File,  ///< the header, the catalogue, the maps of pages
   Rows,  ///< definition, rows and long values of a table

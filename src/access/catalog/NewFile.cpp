@@ -48,23 +48,6 @@ void WriteHeader(Page& page, const NewFileStamp& stamp) {
   ToggleHeaderMask(page);
 }
 
-/// Two fresh maps: the first with every page but the fixed ones free, the second empty.
-void WriteGlobalMap(Page& page) {
-  namespace layout = format::data;
-  constexpr std::size_t kFirstRow = kPageSize - format::usage::kRowSize;
-  constexpr std::size_t kSecondRow = kFirstRow - format::usage::kRowSize;
-  page.SetU8(format::kPageTypeOffset, format::page_type::kData);
-  page.SetU8(format::kPageMarkOffset, format::kPageMark);
-  page.SetU32(layout::kOwnerOffset, layout::kOwnerGlobalMap);
-  page.SetU16(layout::kRowCountOffset, 2);
-  page.SetU16(layout::kRowDirectoryOffset, kFirstRow);
-  page.SetU16(layout::kRowDirectoryOffset + layout::kRowEntrySize, kSecondRow);
-  page.SetU16(layout::kFreeBytesOffset, kSecondRow - layout::kRowDirectoryOffset - 2 * layout::kRowEntrySize);
-  constexpr std::size_t kBitmapSize = format::usage::kRowSize - format::usage::kInlineBitmapOffset;
-  page.Fill(kFirstRow + format::usage::kInlineBitmapOffset, kBitmapSize, 0xFF);
-  page.SetU8(kFirstRow + format::usage::kInlineBitmapOffset, static_cast<std::uint8_t>(0xFFU << kFixedPages));
-}
-
 struct ObjectPlan {
   std::uint32_t id;
   std::uint32_t parent;
@@ -152,10 +135,27 @@ void InsertRights(StoredTable& aces, const NewFileStamp& stamp) {
 
 }  // namespace
 
+// Two fresh maps: the first with every page but the fixed ones free, the second empty.
+void FormatGlobalMap(Page& page) {
+  namespace layout = format::data;
+  constexpr std::size_t kFirstRow = kPageSize - format::usage::kRowSize;
+  constexpr std::size_t kSecondRow = kFirstRow - format::usage::kRowSize;
+  page.SetU8(format::kPageTypeOffset, format::page_type::kData);
+  page.SetU8(format::kPageMarkOffset, format::kPageMark);
+  page.SetU32(layout::kOwnerOffset, layout::kOwnerGlobalMap);
+  page.SetU16(layout::kRowCountOffset, 2);
+  page.SetU16(layout::kRowDirectoryOffset, kFirstRow);
+  page.SetU16(layout::kRowDirectoryOffset + layout::kRowEntrySize, kSecondRow);
+  page.SetU16(layout::kFreeBytesOffset, kSecondRow - layout::kRowDirectoryOffset - 2 * layout::kRowEntrySize);
+  constexpr std::size_t kBitmapSize = format::usage::kRowSize - format::usage::kInlineBitmapOffset;
+  page.Fill(kFirstRow + format::usage::kInlineBitmapOffset, kBitmapSize, 0xFF);
+  page.SetU8(kFirstRow + format::usage::kInlineBitmapOffset, static_cast<std::uint8_t>(0xFFU << kFixedPages));
+}
+
 std::vector<Page> MakeNewFile(Date now, const NewFileStamp& stamp) {
   MemoryPager pager(kFixedPages);
   WriteHeader(pager.Write(format::kHeaderPage), stamp);
-  WriteGlobalMap(pager.Write(format::kGlobalMapPage));
+  FormatGlobalMap(pager.Write(format::kGlobalMapPage));
   std::array<SystemTable, 4> tables = MakeSystemTables();
   PageNumber mapPage = 0;
   for (SystemTable& table : tables) {

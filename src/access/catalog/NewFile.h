@@ -21,6 +21,9 @@ inline constexpr NewFileStamp kStampOf2015{0x40E4AB3E3BD3853E, {0x64, 0x8B}, 975
 inline constexpr NewFileStamp kStampOf2017{0x40E4EC4F6BD4AF81, {0x07, 0xE8}, 9756};
 inline constexpr NewFileStamp kStampOf2004{0x40E29EF7B32F9559, {0xE5, 0xA3}, 9756};
 
+/// Writes the map of free pages (page 1) of a file that has only the pages with fixed places: all others are free.
+void FormatGlobalMap(Page& page);
+
 /// The pages of a new, empty Jet 4 file: header, free-page map, the four system tables with their maps and indexes, and
 /// the rows that every file has. `now` is the creation time in these rows.
 std::vector<Page> MakeNewFile(Date now, const NewFileStamp& stamp = kStampOf2015);

@@ -26,6 +26,9 @@ class File {
   virtual void Sync() = 0;
   /// A stamp that changes whenever any program writes the file (nanoseconds of its last change).
   [[nodiscard]] virtual std::int64_t ModificationStamp() = 0;
+  /// True when a path still leads to this very file, and not to another one that has taken its name since it was
+  /// opened. Always true where the system does not let an open file be replaced.
+  [[nodiscard]] virtual bool IsStillAt(const std::string& /*path*/) { return true; }
   /// True when the file was opened for reading only.
   [[nodiscard]] virtual bool IsReadOnly() const = 0;
 

@@ -15,6 +15,8 @@ namespace {
 
 // Pages that are written at once.
 constexpr std::size_t kPagesPerWrite = 64;
+// A file is replaced when it is compacted, which nobody does twice in a moment.
+constexpr int kMostAttempts = 5;
 
 void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseKey) {
   std::vector<std::uint8_t> chunk;
@@ -35,7 +37,14 @@ void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseK
 std::unique_ptr<Pager> Pager::Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
                                    const PagerOptions& options) {
   if (!fileSystem->Exists(path)) RaiseFailure("Could not find file '" + path + "'.");
-  return std::make_unique<PagerImplementation>(std::move(fileSystem), path, options);
+  for (int attempt = 1;; ++attempt) {
+    try {
+      return std::make_unique<PagerImplementation>(fileSystem, path, options);
+    } catch (const FileWasReplaced&) {
+      if (attempt == kMostAttempts)
+        RaiseFailure("Could not open '" + path + "': it is being replaced by other files again and again.");
+    }
+  }
 }
 
 void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages) {

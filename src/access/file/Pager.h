@@ -19,6 +19,9 @@ struct PagerOptions {
   std::chrono::milliseconds lockTimeout{10000};
   /// Opens for reading even when the file could be written.
   bool readOnly = false;
+  /// Opens for this user alone: nobody else, here or in another process, can open the file until Close. Needs a file
+  /// that may be written. What the redo log holds is in the file when it is open.
+  bool alone = false;
   /// Size of the redo log in bytes from which on a commit makes a checkpoint.
   std::uint64_t checkpointBytes = std::uint64_t{64} << 20U;
   /// Told in words what people should know although nothing failed (a log set aside, a checkpoint put off). May be
@@ -58,10 +61,10 @@ class Pager {
  public:
   /// Opens a file: applies a redo log that a crash left behind, decodes the header. Raises ProviderFailure when the
   /// file is missing ("Could not find file ..."), is no Access database ("Unrecognized database format ..."), has a
-  /// version or password that is not supported, or is in use. A redo log that does not belong to the file as it now is,
-  /// because another program has written it since, is renamed aside and reported. A file that must not be written (its
-  /// own permissions, its folder's, Access 97) is opened for reading only; a pending log is then looked through, not
-  /// applied.
+  /// version or password that is not supported, or is in use (`alone`: by anybody). A redo log that does not belong to
+  /// the file as it now is, because another program has written it since, is renamed aside and reported. A file that
+  /// must not be written (its own permissions, its folder's, Access 97) is opened for reading only; a pending log is
+  /// then looked through, not applied.
   static std::unique_ptr<Pager> Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
                                      const PagerOptions& options);
   /// Writes a new file of the given pages (page i of the list is page i of the file), durable on return.

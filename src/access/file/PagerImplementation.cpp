@@ -49,6 +49,8 @@ PagerImplementation::~PagerImplementation() {
 
 void PagerImplementation::Start() {
   lock_.EnterPresence();
+  // Whoever had the file alone may have put another one into its place while we waited.
+  if (!file_->IsStillAt(canonical_)) throw FileWasReplaced();
   BeginRead();
   try {
     ReadHeader();
@@ -58,6 +60,7 @@ void PagerImplementation::Start() {
   }
   EndRead();
   RecoverWhenAlone();
+  if (options_.alone) StayAlone();
 }
 
 void PagerImplementation::ReadHeader() {
@@ -98,6 +101,25 @@ void PagerImplementation::RecoverWhenAlone() {
   lock_.LeaveAlone();
 }
 
+void PagerImplementation::StayAlone() {
+  if (readOnly_) RaiseReadOnly();
+  if (const auto foreign = FindForeignUse(*fileSystem_, canonical_))
+    RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
+                 "; close the database there and try again.");
+  lock_.BecomeAlone();
+  lock_.AcquireExclusive();
+  if (!Refresh()) SetLogAside(true);
+  if (log_.HasFile()) Checkpoint(true);
+  lock_.Release();
+}
+
+void PagerImplementation::RaiseReadOnly() const {
+  throw Error(ErrorNumber::ProviderPermission, kErrorSource,
+              "Cannot update.  Database or object is read-only. '" + path_ +
+                  (header_.isJet3 ? "' is a file of Access 97, which is only read; convert it to Access 2002-2003."
+                                  : "' is open for reading only; check the permissions of the file and its folder."));
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Statements
 // ---------------------------------------------------------------------------------------------------------------------
@@ -124,12 +146,7 @@ void PagerImplementation::EndRead() {
 void PagerImplementation::BeginWrite() {
   if (state_ != State::Idle)
     RaiseFailure("A write statement was begun on '" + path_ + "' inside another or after Close.");
-  if (readOnly_) {
-    throw Error(ErrorNumber::ProviderPermission, kErrorSource,
-                "Cannot update.  Database or object is read-only. '" + path_ +
-                    (header_.isJet3 ? "' is a file of Access 97, which is only read; convert it to Access 2002-2003."
-                                    : "' is open for reading only; check the permissions of the file and its folder."));
-  }
+  if (readOnly_) RaiseReadOnly();
   lock_.AcquireExclusive();
   try {
     if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,12 @@
 #include "access/file/StatementLock.h"
 
 namespace tavi::access {
+
+/// Raised while a file is opened whose name has come to another file meanwhile; Pager::Open then opens that one.
+class FileWasReplaced : public std::exception {
+ public:
+  [[nodiscard]] const char* what() const noexcept override { return "the file was replaced while it was opened"; }
+};
 
 /// The pager of a file: statements over the page cache, the redo log and the database file. See Pager.h for the
 /// promises and its numbered rules, which the comments here cite.
@@ -58,6 +65,8 @@ class PagerImplementation final : public Pager {
   void Start();
   void ReadHeader();
   void RecoverWhenAlone();
+  void StayAlone();
+  [[noreturn]] void RaiseReadOnly() const;
 
   // Taking in what others have done (rule 5).
   [[nodiscard]] bool Refresh();

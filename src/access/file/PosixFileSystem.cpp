@@ -115,6 +115,12 @@ class PosixFile final : public File {
     return status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
   }
 
+  bool IsStillAt(const std::string& path) override {
+    const struct stat own = Status();
+    struct stat named {};
+    return ::stat(path.c_str(), &named) == 0 && named.st_dev == own.st_dev && named.st_ino == own.st_ino;
+  }
+
   bool IsReadOnly() const override { return isReadOnly_; }
 
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {

@@ -59,6 +59,10 @@ bool StatementLock::TryBecomeAlone() {
   return file_.TryLock(kPresence, kOneByte, LockKind::Exclusive);
 }
 
+void StatementLock::BecomeAlone() {
+  WaitFor(kPresence, kOneByte, [&] { return TryBecomeAlone(); });
+}
+
 void StatementLock::LeaveAlone() {
   static_cast<void>(file_.TryLock(kPresence, kOneByte, LockKind::Shared));
 }

@@ -33,6 +33,8 @@ class StatementLock {
   /// Takes presence alone when no other pager has the file open; others then wait until LeaveAlone.
   [[nodiscard]] bool TryBecomeAlone();
   void LeaveAlone();
+  /// Waits until it is alone. Raises ProviderFailure "Could not use ..." after the timeout.
+  void BecomeAlone();
 
  private:
   void WaitFor(std::uint64_t offset, std::uint64_t length, const std::function<bool()>& attempt);

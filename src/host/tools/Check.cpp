@@ -2,20 +2,16 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <ostream>
 
 #include "access/catalog/Check.h"
-#include "host/text/ProgressBar.h"
+#include "host/tools/CheckProgressBar.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
 #include "util/NativePath.h"
 
 namespace tavi::host {
 namespace {
-
-/// Smaller files are done before a bar could be read.
-constexpr std::size_t kPagesWorthABar = 2000;
 
 const char* NameOf(access::CheckPart part) {
   switch (part) {
@@ -34,21 +30,20 @@ const char* NameOf(access::CheckPart part) {
 }
 
 access::CheckResult RunCheck(const Context& context, access::Database& database, bool strict) {
-  std::optional<ProgressBar> bar;
-  const auto progress = [&](std::size_t done, std::size_t total, const std::string& table) {
-    if (total < kPagesWorthABar) return;
-    if (!bar) bar.emplace(context.error, context.showProgress, total);
-    bar->Show(done, "pages, table " + table);
-  };
-  return access::CheckFile(database, strict ? access::CheckKind::Strict : access::CheckKind::Ordinary, progress);
+  CheckProgressBar bar(context);
+  return access::CheckFile(database, strict ? access::CheckKind::Strict : access::CheckKind::Ordinary, bar.Progress());
 }
 
 /// What the owner of the file can do.
 std::string Advice(const access::CheckResult& result) {
   if (result.findings.empty()) return "";
-  const bool rowsAreWhole = std::ranges::all_of(result.findings, [](const access::CheckFinding& finding) {
-    return finding.part == access::CheckPart::Index || finding.part == access::CheckPart::Counter;
-  });
+  const auto count = [&](access::CheckPart part) {
+    return std::ranges::count(result.findings, part, &access::CheckFinding::part);
+  };
+  if (static_cast<std::size_t>(count(access::CheckPart::Relationship)) == result.findings.size())
+    return "Every table is whole, but rows refer to others that are missing. Add the missing rows, or delete or change "
+           "those that refer to them, with 'tavi sql'.";
+  const bool rowsAreWhole = count(access::CheckPart::File) == 0 && count(access::CheckPart::Rows) == 0;
   if (rowsAreWhole)
     return "The rows are whole; only indexes or counters are wrong. Keep a copy of the file and run 'tavi compact' on "
            "it, "

@@ -31,6 +31,7 @@ class InterceptedFile final : public File {
     inner_->Sync();
   }
   std::int64_t ModificationStamp() override { return inner_->ModificationStamp(); }
+  bool IsStillAt(const std::string& path) override { return inner_->IsStillAt(path); }
   bool IsReadOnly() const override { return inner_->IsReadOnly(); }
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     Ask(Operation::Lock);

@@ -62,6 +62,7 @@ class MemoryFile final : public File {
   }
 
   std::int64_t ModificationStamp() override { return node_->stamp; }
+  bool IsStillAt(const std::string& path) override { return system_.Find(path) == node_; }
   bool IsReadOnly() const override { return isReadOnly_; }
 
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {

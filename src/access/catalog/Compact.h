@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "access/catalog/Check.h"
+#include "access/file/FileSystem.h"
+
+namespace tavi::access {
+
+/// What compacting a file came to.
+struct CompactResult {
+  std::string backup;  ///< the path of the file as it was
+  std::uint64_t bytesBefore = 0;
+  std::uint64_t bytesAfter = 0;
+};
+
+/// Puts a file with the same contents, laid out anew (see Rebuild.h), into the place of a file: free room goes, dropped
+/// columns no longer count, damaged indexes and counters are mended. The old file stays beside it under the next free
+/// name NAME.backup-1.mdb, NAME.backup-2.mdb, ...
+///
+/// The old file is checked first; the new one is written under another name (NAME.mdb.compact), flushed, read again,
+/// checked, and each of its tables compared with the old one's; then it takes the old one's name in one step. A crash
+/// at any instant leaves the one or the other whole under the name; what it leaves beside them the next call removes.
+/// Nobody else can have the file open meanwhile.
+///
+/// Raises ProviderFailure, and leaves the file as it was: when the file cannot be opened, is in use by anybody, has
+/// damage in its catalogue, maps, rows or long values, or has an index that cannot be made anew; when the disk is full.
+/// ProviderPermission when the file cannot be written or is one of Access 97.
+CompactResult CompactFile(const std::shared_ptr<FileSystem>& fileSystem, const std::string& path,
+                          const CheckProgress& progress = {});
+
+}  // namespace tavi::access
