@@ -83,6 +83,17 @@ TEST_F(CheckCommand, WritesJson) {
   EXPECT_GT(json["rows"], 2);
 }
 
+TEST_F(CheckCommand, TellsOfNameKeysThatAreNotTheOnesMadeNow) {
+  EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
+  ASSERT_EQ(folder_.Run({"sql", "Update Members Set FuzzedLastName = 'OLDKEY' Where LastName = 'Dee'"}).code, 0);
+  const Outcome outcome = folder_.Run({"check"});
+  EXPECT_EQ(outcome.code, 0);
+  EXPECT_NE(outcome.out.find("The stored name keys of 1 of 2 members"), std::string::npos) << outcome.out;
+  EXPECT_EQ(nlohmann::json::parse(folder_.Run({"check", "--json"}).out)["staleNameKeys"], 1);
+  ASSERT_EQ(folder_.Run({"members", "import", folder_.Path("members.csv")}).code, 0);
+  EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
+}
+
 TEST_F(CheckCommand, SaysThatAFileCannotBeOpened) {
   const std::string text = folder_.Write("letter.mdb", std::string(9000, 'x'));
   const Outcome outcome = folder_.Run({"check", text});

@@ -6,6 +6,7 @@
 
 #include "access/catalog/Check.h"
 #include "host/tools/CheckProgressBar.h"
+#include "host/tools/NameKeyCheck.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
 #include "util/NativePath.h"
@@ -48,11 +49,18 @@ std::string Advice(const access::CheckResult& result) {
     return "The rows are whole; only indexes or counters are wrong. Keep a copy of the file and run 'tavi compact' on "
            "it, "
            "which makes them anew.";
-  return "Do not go on writing into the file. Keep a copy of it as it is and restore it from a backup; what is newer "
-         "than the backup can be read from the copy with 'tavi sql' or 'tavi dump' where it is not damaged.";
+  return "Do not go on writing into the file. Keep a copy of it as it is and restore it from a backup; where there is "
+         "none, "
+         "'tavi recover' saves what can be read of a club's file.";
 }
 
-void WriteJson(const Context& context, const std::string& file, const access::CheckResult& result) {
+/// Not counted where the file is damaged: reading it has its own findings then.
+NameKeyCount CountKeys(const Context& context, access::Database& database, const access::CheckResult& result) {
+  return result.findings.empty() ? CountNameKeys(database, *context.platform->nameKeyService) : NameKeyCount();
+}
+
+void WriteJson(const Context& context, const std::string& file, const access::CheckResult& result,
+               const NameKeyCount& keys) {
   nlohmann::ordered_json findings = nlohmann::ordered_json::array();
   for (const access::CheckFinding& finding : result.findings)
     findings.push_back({{"part", NameOf(finding.part)}, {"table", finding.table}, {"text", finding.text}});
@@ -64,16 +72,23 @@ void WriteJson(const Context& context, const std::string& file, const access::Ch
                                            {"indexes", result.indexes},
                                            {"findings", findings},
                                            {"more", result.isCutShort},
-                                           {"advice", Advice(result)}};
+                                           {"advice", Advice(result)},
+                                           {"staleNameKeys", keys.stale}};
   context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
 }
 
-void WriteText(const Context& context, const std::string& file, const access::CheckResult& result) {
+void WriteText(const Context& context, const std::string& file, const access::CheckResult& result,
+               const NameKeyCount& keys) {
   const std::string name = Printable(file);
   for (const access::CheckFinding& finding : result.findings) context.out << Printable(finding.text) << '\n';
   if (result.findings.empty()) {
     context.out << name << ": sound (" << result.pages << " pages, " << result.tables << " tables, " << result.rows
                 << " rows, " << result.indexes << " indexes)\n";
+    if (keys.stale > 0) {
+      context.out << "The stored name keys of " << keys.stale << " of " << keys.members
+                  << " members are not the ones that this version makes, so searches by similar names may miss these "
+                     "members. Bring the members in again with 'tavi members import'.\n";
+    }
     return;
   }
   context.out << name << ": damaged (" << (result.isCutShort ? "more than " : "") << result.findings.size()
@@ -93,10 +108,11 @@ int Check(const Context& context, const CheckRequest& request) {
     return kCannotBeOpened;
   }
   const access::CheckResult result = RunCheck(context, *database, request.strict);
+  const NameKeyCount keys = CountKeys(context, *database, result);
   if (context.format == OutputFormat::Json) {
-    WriteJson(context, file, result);
+    WriteJson(context, file, result, keys);
   } else {
-    WriteText(context, file, result);
+    WriteText(context, file, result, keys);
   }
   return result.findings.empty() ? kSound : kDamaged;
 }

@@ -27,6 +27,37 @@ class ColumnChangesTest : public testing::Test {
   TestFile file_;
 };
 
+TEST_F(ColumnChangesTest, IndexesLiveThroughColumnsThatComeAndGo) {
+  file_.Write([](Database& database) {
+    for (int i = 0; i < 300; ++i) Insert(database, "Members", {{"Name", "member " + std::to_string(999 - i)}});
+  });
+  ColumnDesign level = MakeColumn("Level", ColumnType::Integer);
+  level.required = true;
+  level.defaultExpression = "7";
+  AddColumn(level);
+  file_.Write([](Database& database) {
+    database.CreateIndex("Members", MakeIndex("ByLevel", {"Level", "Name"}), kNow);
+    int number = 0;
+    for (const RowPointer row : AllPlaces(database, "Members"))
+      Update(database, "Members", row, {{"Level", ++number % 5}});
+  });
+  DropColumn("Joined");
+  DropColumn("Notes");
+  AddColumn(MakeColumn("Remark", ColumnType::Text));
+  file_.Write([](Database& database) {
+    Insert(database, "Members", {{"Name", "aa last of all"}, {"Level", 0}, {"Remark", "r"}});
+    for (const RowPointer row : AllPlaces(database, "Members"))
+      if (row.row % 7 == 0) database.OpenTable("Members")->Delete(row);
+  });
+  for (const char* index : {"PrimaryKey", "ByName", "ByLevel"})
+    EXPECT_EQ(RowsByIndex(file_.Get(), "Members", index).size(), AllRows(file_.Get(), "Members").size()) << index;
+  EXPECT_TRUE(file_.Refused([](Database& database) {
+                     Insert(database, "Members", {{"Name", "without level"}});
+                   })
+                  .Is(ErrorNumber::ProviderIntegrity));
+  file_.ExpectSound();
+}
+
 TEST_F(ColumnChangesTest, OldRowsReadNullInANewColumn) {
   AddColumn(MakeColumn("Number", ColumnType::Long));
   AddColumn(MakeColumn("Word", ColumnType::Text));

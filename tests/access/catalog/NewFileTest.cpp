@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
+#include <tuple>
 
+#include "access/catalog/Dump.h"
 #include "access/catalog/support/TestFile.h"
 
 namespace tavi::access::test {
@@ -59,6 +62,64 @@ TEST(NewFile, IsSoundWithEveryStamp) {
     Database database(Pager::Open(NativeFileSystem(), path, {}));
     EXPECT_EQ(CheckDatabase(database, CheckKind::Strict), std::vector<std::string>());
   }
+}
+
+auto Fields(const ColumnDefinition& column) {
+  return std::tuple(column.name, column.type, column.id, column.variableIndex, column.ordinal, column.sortOrder,
+                    column.sortVersion, column.precision, column.scale, column.flags, column.extendedFlags,
+                    column.IsFixed() ? column.fixedOffset : 0, column.length);
+}
+
+auto Fields(const RealIndexDefinition& index) {
+  std::vector<std::pair<std::uint16_t, bool>> columns;
+  for (const IndexColumn& column : index.columns) columns.emplace_back(column.columnId, column.ascending);
+  return std::tuple(columns, index.root, index.flags, index.ownedPages);
+}
+
+auto Fields(const LogicalIndexDefinition& index) {
+  return std::tuple(index.name, index.number, index.realIndex, index.kind, index.side, index.partnerNumber,
+                    index.partnerTable, index.cascadeUpdates, index.cascadeDeletes);
+}
+
+template <typename Record>
+void ExpectSameFields(const std::vector<Record>& made, const std::vector<Record>& sample) {
+  ASSERT_EQ(made.size(), sample.size());
+  for (std::size_t i = 0; i < made.size(); ++i) EXPECT_TRUE(Fields(made[i]) == Fields(sample[i])) << i;
+}
+
+void ExpectSameTable(Database& made, Database& sample, const std::string& name) {
+  SCOPED_TRACE(name);
+  const ReadStatement madeStatement(made.GetPager());
+  const ReadStatement sampleStatement(sample.GetPager());
+  const TableDefinition& left = made.OpenTable(name)->Definition();
+  const TableDefinition& right = sample.OpenTable(name)->Definition();
+  EXPECT_EQ(left.page, right.page);
+  EXPECT_EQ(left.isSystem, right.isSystem);
+  EXPECT_EQ(left.columnIdCounter, right.columnIdCounter);
+  EXPECT_EQ(left.variableColumnCounter, right.variableColumnCounter);
+  EXPECT_EQ(left.ownedPages, right.ownedPages);
+  EXPECT_EQ(left.freeSpacePages, right.freeSpacePages);
+  ExpectSameFields(left.columns, right.columns);
+  ExpectSameFields(left.realIndexes, right.realIndexes);
+  ExpectSameFields(left.logicalIndexes, right.logicalIndexes);
+  EXPECT_EQ(left.longValueMaps.size(), right.longValueMaps.size());
+  EXPECT_EQ(RowCount(made.GetPager(), left), RowCount(sample.GetPager(), right));
+  EXPECT_EQ(TableText(made, name), TableText(sample, name));
+}
+
+TEST(NewFile, HasEveryFieldOfAFileThatAnotherEngineMade) {
+  const std::string path = SampleFile("adox_jet4.mdb");
+  if (path.empty()) GTEST_SKIP() << "the sample files are not beside this checkout";
+  TestFile sample(path);
+  TemporaryFolder folder;
+  Pager::Create(*NativeFileSystem(), folder.File("new.mdb"), MakeNewFile(kRealTime, kStampOf2015));
+  Database made(Pager::Open(NativeFileSystem(), folder.File("new.mdb"), {}));
+  for (const char* table : {"MSysObjects", "MSysACEs", "MSysQueries", "MSysRelationships"})
+    ExpectSameTable(made, sample.Get(), table);
+  const ReadStatement madeStatement(made.GetPager());
+  const ReadStatement sampleStatement(sample.Get().GetPager());
+  EXPECT_EQ(made.GetPager().PageCount(), sample.Get().GetPager().PageCount());
+  EXPECT_TRUE(std::ranges::equal(made.GetPager().Read(0)->All(), sample.Get().GetPager().Read(0)->All()));
 }
 
 TEST(NewFile, NeverReplacesAFile) {

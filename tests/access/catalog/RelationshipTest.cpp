@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "access/catalog/support/TestFile.h"
+#include "access/file/Format.h"
 
 namespace tavi::access::test {
 namespace {
@@ -152,6 +153,35 @@ TEST_F(RelationshipTest, ACascadeThatMeetsARestrictionLeavesNoTrace) {
   const RowPointer club = Find("Clubs", "c");
   file_.Write([&](Database& database) { EXPECT_THROW(database.OpenTable("Clubs")->Delete(club), Error); });
   EXPECT_EQ(All("Teams", "ID"), std::vector<Value>{"t"});
+  file_.ExpectSound();
+}
+
+TEST_F(RelationshipTest, ADeletedRowLeavesNullsWhereTheFileDeclaresIt) {
+  file_.Write([](Database& database) {
+    TableDesign one;
+    one.name = "House";
+    one.columns = {MakeColumn("ID", ColumnType::Long)};
+    one.indexes = {MakePrimaryKey("ID")};
+    database.CreateTable(one, kNow);
+    TableDesign many;
+    many.name = "Person";
+    many.columns = {MakeColumn("House", ColumnType::Long), MakeColumn("Name", ColumnType::Text)};
+    database.CreateTable(many, kNow);
+    database.CreateRelationship({"HousePerson", "House", {"ID"}, "Person", {"House"}, true, false, true}, kNow);
+    for (const char* table : {"House", "Person"}) {
+      TableDefinition definition = database.OpenTable(table)->Definition();
+      for (LogicalIndexDefinition& logical : definition.logicalIndexes)
+        if (logical.side != LogicalIndexDefinition::Side::None)
+          logical.cascadeDeletes = format::logical_index::kCascadeSetNull;
+      WriteTableDefinition(database.GetPager(), definition, true);
+    }
+    for (const int id : {1, 2}) Insert(database, "House", {{"ID", id}});
+    for (const int house : {1, 2, 1}) Insert(database, "Person", {{"House", house}, {"Name", "any"}});
+  });
+  file_.Reopen();
+  file_.Write([](Database& database) { database.OpenTable("House")->Delete(AllPlaces(database, "House").front()); });
+  EXPECT_EQ(ColumnOf(file_.Get(), "Person", "House"), (std::vector<Value>{Null{}, 2, Null{}}));
+  EXPECT_EQ(RowsByIndex(file_.Get(), "Person", "HousePerson").size(), 3U);
   file_.ExpectSound();
 }
 
