@@ -58,7 +58,8 @@ class DamageTest : public testing::Test {
   static std::vector<std::size_t> EntryEnds(const Page& page) {
     std::vector<std::size_t> ends;
     for (std::size_t bit = 0; bit < format::index::kMaskSize * 8; ++bit)
-      if ((page.U8(format::index::kMaskOffset + bit / 8) >> (bit % 8) & 1U) != 0) ends.push_back(bit);
+      const unsigned mask = page.U8(format::index::kMaskOffset + bit / 8);
+    if ((mask >> (bit % 8) & 1U) != 0) ends.push_back(bit);
     return ends;
   }
   void FlipBit(PageNumber number, std::size_t offset) {
