@@ -57,9 +57,10 @@ class DamageTest : public testing::Test {
   /// The ends of the entries of an index page, from the first to the last.
   static std::vector<std::size_t> EntryEnds(const Page& page) {
     std::vector<std::size_t> ends;
-    for (std::size_t bit = 0; bit < format::index::kMaskSize * 8; ++bit)
+    for (std::size_t bit = 0; bit < format::index::kMaskSize * 8; ++bit) {
       const unsigned mask = page.U8(format::index::kMaskOffset + bit / 8);
-    if ((mask >> (bit % 8) & 1U) != 0) ends.push_back(bit);
+      if ((mask >> (bit % 8) & 1U) != 0) ends.push_back(bit);
+    }
     return ends;
   }
   void FlipBit(PageNumber number, std::size_t offset) {
