@@ -199,6 +199,19 @@ TEST_F(WalkStateTest, TheWalkOfTheListGivesTextsAsTheyStandWhileTheSearchUndoesE
   EXPECT_EQ(found[0].Location(), "50%");
 }
 
+TEST_F(WalkStateTest, TheFormatOfTheListIsANumberHoweverItIsWritten) {
+  for (const char* format : {"10", " 10 ", "10.0", "1e1"}) {
+    AddToEBUList("(1, 'Ann', 'Lee', 'SX', '')");
+    AddToEBUList("(2, 'John', 'Smith', 'SX', '')");
+    ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, kFirstAndLastName));
+    EXPECT_EQ(secondName_, "Ann Lee");
+    ASSERT_TRUE(club_->GetNextEBURecord(name_, secondName_, format));
+    EXPECT_EQ(secondName_, "Smith, John") << format;
+    club_->EndGet();
+    club_.Execute("Delete From EBUMembershipList");
+  }
+}
+
 TEST_F(WalkStateTest, ASearchGivesAllFiveTextsAndEmptyOnesForNulls) {
   AddToEBUList("(1, 'John', 'Smith', 'SX', 'Lewes')");
   AddToEBUList("(2, Null, 'Smith', Null, Null)");
