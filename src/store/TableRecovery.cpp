@@ -183,8 +183,8 @@ void TableRecovery::Account(std::optional<std::int64_t> stated) {
            " of them can be read.");
   }
   if (danglingReferences_ > 0) {
-    Remark(std::to_string(danglingReferences_) +
-           " rows refer to a competition that the old file does not hold (any more); they belong to none now.");
+    Remark("Rows that refer to a competition that was not saved, or was not there, and belong to none now: " +
+           std::to_string(danglingReferences_) + ".");
   }
 }
 

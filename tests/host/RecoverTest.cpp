@@ -117,7 +117,7 @@ TEST_F(Recover, WhatIsNoDatabaseLeavesNoNewFile) {
   EXPECT_EQ(folder_.Run({"recover", folder_.Path("missing.mdb")}).code, 2);
   const Outcome outcome = folder_.Run({"recover", folder_.Write("none.mdb", "no database")});
   EXPECT_EQ(outcome.code, 2);
-  EXPECT_THAT(outcome.error, HasSubstr("Unrecognized database format"));
+  EXPECT_THAT(outcome.error, HasSubstr("Unrecognized database format '" + folder_.Path("none.mdb") + "'"));
   EXPECT_FALSE(fs::exists(folder_.ClubFile()));
 }
 
@@ -158,6 +158,14 @@ TEST_F(Recover, WhatACrashLeftInTheLogIsSavedAndStaysThere) {
   EXPECT_EQ(MemberCount(), 41U);
   EXPECT_EQ(Content(OldFile()), file);
   EXPECT_EQ(Content(OldFile() + ".redo"), log);
+}
+
+TEST_F(Recover, AFirstPageThatIsGoneCostsNothing) {
+  DamagedBytes bytes(Content(OldFile()));
+  bytes.ZeroPage(0);
+  const Outcome outcome = folder_.Run({"recover", folder_.Write("headless.mdb", bytes.Content())});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(MemberCount(), 40U);
 }
 
 TEST_F(Recover, AFileThatMayOnlyBeReadIsRead) {

@@ -172,8 +172,7 @@ TEST_F(RecoveryTest, WhatReferredToNoCompetitionDoesNotGetAnothersNumber) {
   EXPECT_THAT(club_.Column("Select Competition From Results Order By Player"), ElementsAre("Null", "0", "Null"));
   EXPECT_THAT(
       Find(report, "Results").remarks,
-      ElementsAre("1 rows refer to a competition that the old file does not hold (any more); they belong to none "
-                  "now."));
+      ElementsAre("Rows that refer to a competition that was not saved, or was not there, and belong to none now: 1."));
 }
 
 TEST_F(RecoveryTest, AwardsWithoutColourAndSessionGetMinusOneAndThenTheColourOfTheirCompetition) {
@@ -399,6 +398,23 @@ TEST_F(RecoveryTest, DamagedIndexesCostNothing) {
   });
   EXPECT_EQ(Figures(Recover(), "Members"), "60 60 0 0");
   EXPECT_THAT(club_.messages->shown, IsEmpty());
+}
+
+TEST_F(RecoveryTest, DamagedPropertiesOfTheOldTablesCostNothing) {
+  AddOldMembers(3);
+  Damage([](DamagedBytes& bytes) {
+    const std::size_t page = bytes.PageWith("DefaultValue");
+    ASSERT_NE(page, 0U);
+    bytes.ZeroPage(page);
+  });
+  EXPECT_EQ(Figures(Recover(), "Members"), "3 3 0 0");
+  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  try {
+    Old({"Insert into Members (MembershipNumber) Values (4)"});
+    ADD_FAILURE() << "what the properties forbid is not known, so nothing may be written";
+  } catch (const Error& error) {
+    EXPECT_THAT(error.Description(), HasSubstr("damaged"));
+  }
 }
 
 TEST_F(RecoveryTest, ADamagedDefinitionCostsItsTableOnly) {

@@ -117,9 +117,18 @@ std::shared_ptr<StoredTable> Catalog::TableAt(PageNumber page) {
   });
   if (object == objects.end())
     RaiseDamage("page " + std::to_string(page) + " is named as a table, but the catalogue has no such table.");
+  PropertyBlob properties;
+  bool isWhole = true;
+  try {
+    properties = Properties(*object);
+  } catch (const Error&) {
+    // They say what may be written; what is there can be read without them.
+    if (pager_.InWrite()) throw;
+    isWhole = false;
+  }
   auto table = std::make_shared<StoredTable>(pager_, object->name, object->IsSystem(),
-                                             ReadTableDefinition(pager_, page), Properties(*object), this);
-  tables_.emplace(page, table);
+                                             ReadTableDefinition(pager_, page), properties, this);
+  if (isWhole) tables_.emplace(page, table);
   return table;
 }
 

@@ -35,6 +35,8 @@ class Catalog final : public RelatedTables {
   [[nodiscard]] const CatalogObject* FindNamed(std::string_view name);
   /// The table of a name. Raises ProviderNoTable when there is none, ProviderFailure for a link.
   [[nodiscard]] std::shared_ptr<StoredTable> OpenTable(std::string_view name);
+  /// A table whose properties (required columns, defaults) are damaged can be read, but not opened in a write
+  /// statement.
   [[nodiscard]] std::shared_ptr<StoredTable> TableAt(PageNumber page) override;
   [[nodiscard]] const std::vector<Relationship>& Relationships();
   /// The properties of an object; empty when it has none.

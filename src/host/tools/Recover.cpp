@@ -137,23 +137,46 @@ void Write(const Context& context, const RecoveryReport& report) {
   for (const std::string& problem : report.problems) context.error << "tavi: " << PrintableLines(problem) << '\n';
 }
 
-RecoveryReport RunRecovery(const Context& context, const std::string& oldFile) {
+/// Names the file that the person knows in place of the copy that was worked on.
+class Naming {
+ public:
+  Naming(std::string copy, std::string original) : copy_(std::move(copy)), original_(std::move(original)) {}
+
+  [[nodiscard]] Error Of(const Error& error) const {
+    return {error.Number(), error.Source(), ReplaceAll(error.Description(), copy_, original_)};
+  }
+  void Apply(RecoveryReport& report) const {
+    for (std::string& problem : report.problems) problem = ReplaceAll(problem, copy_, original_);
+    for (RecoveredTable& table : report.tables) {
+      if (table.error) table.error = Of(*table.error);
+      for (std::string& remark : table.remarks) remark = ReplaceAll(remark, copy_, original_);
+    }
+  }
+
+ private:
+  std::string copy_;
+  std::string original_;
+};
+
+RecoveryReport RunRecovery(const Context& context, const TemporaryCopy& copy, const Naming& naming) {
   auto platform = std::make_shared<Platform>(*context.platform);
   platform->messageBoxes = std::make_shared<MessagesBesideTheReport>(context.platform->messageBoxes);
   cDatabase store(std::move(platform));
   store.SetDatabaseFolder(context.ClubFolder());
   ProgressOfTables progress(context);
-  RecoveryReport report = store.RecoverData(oldFile, &progress);
-  if (report.failure) throw *report.failure;
+  RecoveryReport report = store.RecoverData(copy.Path(), &progress);
+  if (report.failure) throw naming.Of(*report.failure);
+  naming.Apply(report);
   return report;
 }
 
 /// Makes the club's file when there is none, and takes it away again when nothing was recovered.
 RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
+  const TemporaryCopy copy(NativeFilePath(oldFile));
   const bool isNew = !fs::exists(clubFile);
   if (isNew) MakeClub(context, {});
   try {
-    return RunRecovery(context, oldFile);
+    return RunRecovery(context, copy, Naming(copy.Path(), oldFile));
   } catch (...) {
     std::error_code ignored;
     if (isNew) fs::remove(clubFile, ignored);
@@ -167,8 +190,7 @@ int Recover(const Context& context, const RecoverRequest& request) {
   try {
     const std::string clubFile = NativePath(context.ClubFile());
     RequirePermission(context, request, clubFile);
-    const TemporaryCopy copy(NativeFilePath(request.oldFile));
-    const RecoveryReport report = RecoverInto(context, clubFile, copy.Path());
+    const RecoveryReport report = RecoverInto(context, clubFile, request.oldFile);
     Write(context, report);
     return report.IsSomethingLost() ? kSomethingLost : kSucceeded;
   } catch (const Error& error) {

@@ -2,8 +2,10 @@
 
 #include <fstream>
 #include <random>
+#include <string_view>
 
 #include "access/file/Page.h"
+#include "composition/Composition.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
@@ -14,6 +16,20 @@ namespace fs = std::filesystem;
 constexpr const char* kLogSuffix = ".redo";
 /// Makes no sense as the beginning of a row, so that no row is read out of it.
 constexpr char kFiller = '\xff';
+
+/// What every Access file begins with, behind a byte that is not fixed.
+constexpr std::string_view kBeginning("\x01\x00\x00Standard Jet DB", 18);
+/// A file with fewer pages has lost more than its first one.
+constexpr std::uintmax_t kFewestPages = 10;
+
+/// The bytes with which a file begins, as many of them as there are.
+std::string FirstBytes(const fs::path& file, std::size_t count) {
+  std::string bytes(count, '\0');
+  std::ifstream stream(file, std::ios::binary);
+  stream.read(bytes.data(), static_cast<std::streamsize>(count));
+  bytes.resize(static_cast<std::size_t>(stream.gcount()));
+  return bytes;
+}
 
 [[noreturn]] void Raise(const fs::path& file, const std::string& why) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", file.string() + " cannot be read: " + why);
@@ -66,7 +82,18 @@ void TemporaryCopy::Copy(const fs::path& original) const {
     fs::copy_file(log, copy);
     fs::permissions(copy, readAndWrite);
   }
+  const bool isAccess = FirstBytes(file_, kBeginning.size() + 1).erase(0, 1) == kBeginning;
+  if (!isAccess && fs::file_size(file_) >= kFewestPages * access::kPageSize) ReplaceFirstPage();
   FillUpLastPage(file_);
+}
+
+void TemporaryCopy::ReplaceFirstPage() const {
+  const fs::path sound = folder_ / "new.mdb";
+  CreateEmptyDatabase(sound.string(), Date{});
+  const std::string page = FirstBytes(sound, access::kPageSize);
+  fs::remove(sound);
+  std::fstream stream(file_, std::ios::binary | std::ios::in | std::ios::out);
+  stream.write(page.data(), static_cast<std::streamsize>(page.size()));
 }
 
 }  // namespace tavi::host

@@ -9,7 +9,8 @@ namespace tavi::host {
 /// the end. Working on it leaves the file itself as it is, whatever opening it brings about.
 class TemporaryCopy {
  public:
-  /// An end that is no whole page is filled up, so that the file can be opened. Raises InvalidArgument when the file
+  /// What keeps it from being opened at all is mended: an end that is no whole page is filled up, and a first page that
+  /// is none of an Access file gives way to that of a new file. Raises InvalidArgument when the file
   /// is missing or cannot be copied.
   explicit TemporaryCopy(const std::filesystem::path& original);
   ~TemporaryCopy();
@@ -20,6 +21,7 @@ class TemporaryCopy {
 
  private:
   void Copy(const std::filesystem::path& original) const;
+  void ReplaceFirstPage() const;
 
   std::filesystem::path folder_;
   std::filesystem::path file_;
