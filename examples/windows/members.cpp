@@ -4,7 +4,7 @@
 
 #include <TaviMembership.h>
 
-#include <cstdio>
+#include <cwchar>
 
 namespace {
 
@@ -53,4 +53,5 @@ int wmain(int count, wchar_t** arguments) {
     database->Release();
   }
   CoUninitialize();
+  return 0;
 }
