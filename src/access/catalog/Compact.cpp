@@ -125,10 +125,20 @@ class Compacting {
     result_.backup = FreeBackupName();
     fileSystem_->Rename(copyPath_, result_.backup);
     fileSystem_->SyncFolderOf(path_);
-    fileSystem_->Rename(newPath_, path_);
+    TakeItsPlace();
     fileSystem_->SyncFolderOf(path_);
     source_.GetPager().Close();
     return result_;
+  }
+
+  void TakeItsPlace() {
+    try {
+      fileSystem_->Rename(newPath_, path_);
+    } catch (const Error&) {
+      // Some systems let no open file be replaced. They would not let us overlook anybody who opens it now, either.
+      source_.GetPager().Close();
+      fileSystem_->Rename(newPath_, path_);
+    }
   }
 
   [[nodiscard]] std::string FreeBackupName() const {

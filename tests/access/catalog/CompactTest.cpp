@@ -10,8 +10,10 @@
 
 #include "SourceDirectory.h"
 #include "access/catalog/Dump.h"
+#include "access/catalog/NewFile.h"
 #include "access/catalog/Rebuild.h"
 #include "access/catalog/support/TestFile.h"
+#include "access/file/DatabaseHeader.h"
 #include "access/file/Format.h"
 #include "access/file/support/CrashingFileSystem.h"
 #include "access/file/support/FailingFileSystem.h"
@@ -322,6 +324,22 @@ TEST(Compact, LeavesTheOldOrTheNewFileWhenTheMachineStopsAtAnyInstant) {
     }
   }
   EXPECT_EQ(seen.size(), 2U);
+}
+
+TEST(Compact, KeepsAFileEncoded) {
+  const auto memory = std::make_shared<MemoryFileSystem>();
+  std::vector<Page> pages = MakeNewFile(kNow);
+  ToggleHeaderMask(pages[0]);
+  pages[0].SetU32(format::header::kDatabaseKeyOffset, 0x12345678);
+  ToggleHeaderMask(pages[0]);
+  Pager::Create(*memory, kPath, pages);
+  Change(memory, FillTables);
+  const Contents before = ContentsOf(memory, kPath);
+  CompactFile(memory, kPath);
+  EXPECT_EQ(ContentsOf(memory, kPath).at("Members"), before.at("Members"));
+  ExpectSound(memory, kPath);
+  // A plain file has the type of a definition here.
+  EXPECT_NE(memory->Contents(kPath).at(format::kObjectsTablePage * kPageSize), format::page_type::kTableDefinition);
 }
 
 TEST(Compact, WhoWaitedForTheFileGetsTheNewOne) {
