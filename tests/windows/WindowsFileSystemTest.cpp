@@ -96,6 +96,16 @@ TEST_F(WindowsFileSystemTest, RenamingReplacesAndFilesInUseCanBeRemoved) {
   EXPECT_TRUE(system_->Exists(path_ + "2"));
 }
 
+TEST_F(WindowsFileSystemTest, AFileKnowsWhetherAnotherOneHasTakenItsName) {
+  const auto file = system_->Open(path_, OpenMode::CreateNew);
+  EXPECT_TRUE(file->IsStillAt(path_));
+  system_->Rename(path_, path_ + "2");
+  EXPECT_FALSE(file->IsStillAt(path_));
+  EXPECT_TRUE(file->IsStillAt(path_ + "2"));
+  static_cast<void>(system_->Open(path_, OpenMode::CreateNew));
+  EXPECT_FALSE(file->IsStillAt(path_));
+}
+
 TEST_F(WindowsFileSystemTest, OnePathStandsForAllWritingsOfAFile) {
   static_cast<void>(system_->Open(path_, OpenMode::CreateNew));
   const std::string other = (folder_.Path() / "." / "FILE").string();

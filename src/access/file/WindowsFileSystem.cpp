@@ -3,8 +3,9 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <array>
+#include <compare>
 #include <limits>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -74,6 +75,20 @@ DWORD TransferSize(std::size_t size) {
   return static_cast<DWORD>(std::min<std::size_t>(size, kLargestTransfer));
 }
 
+/// What tells a file from all others of the machine.
+struct Identity {
+  DWORD volume = 0;
+  DWORD indexHigh = 0;
+  DWORD indexLow = 0;
+  auto operator<=>(const Identity&) const = default;
+
+  static std::optional<Identity> Of(const Handle& handle) {
+    BY_HANDLE_FILE_INFORMATION file{};
+    if (::GetFileInformationByHandle(handle.Value(), &file) == 0) return std::nullopt;
+    return Identity{file.dwVolumeSerialNumber, file.nFileIndexHigh, file.nFileIndexLow};
+  }
+};
+
 class WindowsFile final : public File {
  public:
   WindowsFile(Handle handle, std::string path, bool isReadOnly)
@@ -139,6 +154,11 @@ class WindowsFile final : public File {
 
   bool IsReadOnly() const override { return isReadOnly_; }
 
+  bool IsStillAt(const std::string& path) override {
+    const Handle named = OpenHandle(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
+    return named.IsOpen() && Identity::Of(named) == identity_;
+  }
+
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     return locks_.TryLock(offset, length, kind);
   }
@@ -152,6 +172,8 @@ class WindowsFile final : public File {
  private:
   Handle handle_;
   std::string path_;
+  // As it was opened: the system may tell no more of a file that was renamed since.
+  std::optional<Identity> identity_ = Identity::Of(handle_);
   bool isReadOnly_;
   WindowsRangeLocks locks_;
 };
