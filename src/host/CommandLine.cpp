@@ -8,6 +8,7 @@
 
 #include "composition/Composition.h"
 #include "host/commands/Context.h"
+#include "host/commands/Keys.h"
 #include "host/commands/Lists.h"
 #include "host/commands/Score.h"
 #include "host/rpc/RpcCommand.h"
@@ -99,6 +100,11 @@ void AddFind(CLI::App& app, Choices& choices) {
       return FindByName(context, CLI::detail::join(choices.files, " "));
     };
   });
+}
+
+void AddKeys(CLI::App& app, Choices& choices) {
+  app.add_subcommand("keys", "Write the sound-alike keys of names: lines \"first\" or \"last\", a tab and a name")
+      ->callback([&choices] { choices.action = [](const Context& context) { return WriteKeys(context); }; });
 }
 
 void AddHandicaps(CLI::App& app, Choices& choices) {
@@ -200,6 +206,7 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
            AddPairs,
            AddScore,
            AddFind,
+           AddKeys,
            AddHandicaps,
            AddSql,
            AddRpc,

@@ -152,6 +152,8 @@ std::string_view NameDictionary::ListedHeadOf(std::string_view letters) const {
 
 std::string_view NameDictionary::HeadOf(std::string_view letters) const {
   if (const std::string_view listed = ListedHeadOf(letters); !listed.empty()) return listed;
+  // An initial stands for any name that begins with it.
+  if (letters.size() < 2) return {};
   Nearest nearest{letters, SoundsOf(letters), 0, nullptr};
   nearest.distance = LargestDistance(nearest.sounds.size());
   CompareBySlip(nearest);

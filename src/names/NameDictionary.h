@@ -22,7 +22,8 @@ class NameDictionary {
   [[nodiscard]] std::string_view ListedHeadOf(std::string_view letters) const;
 
   /// The head of the family that lists a name, else of the family with the form that is most like it; empty when none
-  /// is like enough. Of forms equally like it a head is taken before others, then the more common one.
+  /// is like enough, and for a single letter. Of forms equally like it a head is taken before others, then the more
+  /// common one.
   [[nodiscard]] std::string_view HeadOf(std::string_view letters) const;
 
  private:

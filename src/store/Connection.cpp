@@ -5,6 +5,7 @@
 #include "store/Arguments.h"
 #include "store/ConnectionText.h"
 #include "store/OpenUse.h"
+#include "store/StoredNameKeys.h"
 #include "store/cDatabase.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
@@ -75,9 +76,18 @@ void cDatabase::OpenDB() {
   try {
     CheckLayout();
     SetNameUniquenessFlags("");
+    RefreshStoredNameKeys();
   } catch (...) {
     CloseQuietly(*this, false);
     throw;
+  }
+}
+
+void cDatabase::RefreshStoredNameKeys() noexcept {
+  try {
+    RefreshNameKeys(OpenFile(), *platform_->nameKeyService);
+  } catch (const std::exception& error) {
+    WriteDiagnostic("Failed to bring name keys up to date: " + std::string(error.what()));
   }
 }
 

@@ -69,7 +69,8 @@ class cDatabase {
   /// "EBUMembershipList".
   [[nodiscard]] static std::string EBUMembersTable();
   /// Opens the file or counts one more use. The first open after the folder was set checks the layout and refreshes
-  /// the uniqueness flags. Raises "Attempt to use database before path set." and "Failed to open membership database
+  /// the uniqueness flags and the stored name keys. Raises "Attempt to use database before path set." and "Failed to
+  /// open membership database
   /// ..."; after an error the count is as before. The count has 16 bits: at 32767 the file stays open and the count
   /// stands still.
   void OpenDB();
@@ -195,6 +196,9 @@ class cDatabase {
   // --- File layout (store/Layout.cpp) --------------------------------------------------------------------------------
 
   void CheckLayout();
+  /// Brings keys that another function made up to date (store/StoredNameKeys.h). A file that cannot be written opens
+  /// all the same: only the search by similar names suffers. The diagnostics log says so then.
+  void RefreshStoredNameKeys() noexcept;
   /// The one row of Settings, added when the table is empty.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSettingsRow();
 

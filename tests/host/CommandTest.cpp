@@ -246,9 +246,44 @@ TEST_F(Command, APlayerListedTwiceIsRefusedBeforeAnythingIsStored) {
 
 TEST_F(Command, FindGivesTheMemberOrThoseWhoSoundAlike) {
   MakeClub();
-  EXPECT_THAT(folder_.Run({"find", "Ann Lee"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\tby name"));
-  EXPECT_THAT(folder_.Run({"find", "Anne", "Lea"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\tsounds alike"));
+  EXPECT_THAT(folder_.Run({"find", "Ann Lee"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\t444\tsame name"));
+  EXPECT_THAT(folder_.Run({"find", "Anne", "Lea"}).out,
+              HasSubstr("7\tAnn Lee\t990101\t50.00\t334\tsurname sounds alike, first name sounds alike"));
   EXPECT_EQ(folder_.Run({"find", "Nobody Whatsoever"}).code, 1);
+}
+
+TEST_F(Command, FindShowsTheBestMatchFirstAndWhy) {
+  MakeClub();
+  ASSERT_EQ(folder_
+                .Run({"members", "import",
+                      folder_.Write("more.csv",
+                                    "club_number,first,initials,last\n"
+                                    "21,Katherine,,Smyth\n22,Kate,,Smith\n"
+                                    "23,Cathy,,Smith\n24,John,,Smith\n")})
+                .code,
+            0);
+  EXPECT_EQ(folder_.Run({"find", "Kate Smith"}).out,
+            "Number\tName\tEBU number\tHandicap\tWeight\tMatch\n"
+            "22\tKate Smith\t\t50.00\t444\tsame name\n"
+            "23\tCathy Smith\t\t50.00\t434\tfirst name sounds alike\n"
+            "21\tKatherine Smyth\t\t50.00\t334\tsurname sounds alike, first name is short for Katherine\n");
+}
+
+TEST_F(Command, KeysWritesAKeyALine) {
+  const Outcome outcome = folder_.Run({"keys"}, "first\tBill\nfirst\tWilliam\r\nlast\tSmythe\nlast\tSMITH\nfirst\t\n");
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(outcome.out, "WILLIAM\nWILLIAM\nSMITH\nSMITH\n\n");
+  EXPECT_EQ(folder_.Run({"keys"}, "").out, "");
+}
+
+TEST_F(Command, KeysSaysWhichLineItDoesNotUnderstand) {
+  for (const char* line : {"middle\tBill\n", "first Bill\n", "\n", "First\tBill\n"}) {
+    const Outcome outcome = folder_.Run({"keys"}, std::string("last\tSmith\n") + line);
+    EXPECT_EQ(outcome.code, 1);
+    EXPECT_EQ(outcome.out, "SMITH\n");
+    EXPECT_THAT(outcome.error, HasSubstr("line 2 is \""));
+    EXPECT_THAT(outcome.error, HasSubstr("expected \"first\" or \"last\", a tab and a name"));
+  }
 }
 
 TEST_F(Command, JsonIsReadByAProgram) {

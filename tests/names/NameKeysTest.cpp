@@ -164,6 +164,15 @@ TEST(NameKeys, AreShortPlainCapitalsAndNeverEmptyForAName) {
   }
 }
 
+TEST(NameKeys, OfAnInitialAreNoName) {
+  for (char letter = 'A'; letter <= 'Z'; ++letter) {
+    for (const char* name : {"John", "Ann", "Ed", "Jo", "Al", "Oh", "Eve", "Ian", "Guy"}) {
+      EXPECT_NE(FirstNameKey(std::string(1, letter)), FirstNameKey(name)) << letter;
+      EXPECT_NE(SurnameKey(std::string(1, letter)), SurnameKey(name)) << letter;
+    }
+  }
+}
+
 TEST(NameKeys, AreEmptyForAnEmptyName) {
   EXPECT_EQ(SurnameKey(""), "");
   EXPECT_EQ(FirstNameKey("  "), "");

@@ -2,6 +2,8 @@
 
 #include <ostream>
 
+#include "composition/NameMatch.h"
+
 namespace tavi::host {
 namespace {
 
@@ -47,10 +49,16 @@ Decimals Handicap(double value) {
   return {value, kHandicapPlaces};
 }
 
-void AddMatch(MembershipDatabase& club, std::int32_t number, const char* kind, Table& table) {
+/// Adds a member who was found for a typed name, with the weight of the match and the reason for it.
+void AddMatch(MembershipDatabase& club, const Context& context, const std::string& typed, std::int32_t number,
+              Table& table) {
   std::string nationalNumber;
   const std::string name = club.GetNameAndEBUNumber(number, kFirstAndLastName, nationalNumber);
-  table.Add({std::int64_t{number}, name, nationalNumber, Handicap(club.GetHandicap(number)), std::string(kind)});
+  MemberName parts;
+  nationalNumber = club.GetEBUNoAndNames(number, parts.first, parts.initials, parts.last);
+  const NameMatch match = CompareNames(context.platform->nameKeyService, typed, parts);
+  table.Add({std::int64_t{number}, name, nationalNumber, Handicap(club.GetHandicap(number)), std::int64_t{match.weight},
+             match.reason});
 }
 
 }  // namespace
@@ -126,13 +134,13 @@ int ListHandicaps(const Context& context, bool recalculate) {
 
 int FindByName(const Context& context, const std::string& name) {
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
-  Table table({"Number", "Name", "EBU number", "Handicap", "Match"});
+  Table table({"Number", "Name", "EBU number", "Handicap", "Weight", "Match"});
   const std::int32_t exact = club->FindMember(name);
-  if (exact >= 0) AddMatch(*club, exact, "by name", table);
+  if (exact >= 0) AddMatch(*club, context, name, exact, table);
   const MatchList matches = club->FindNearestMatches(name);
   if (matches.LowerBound == 1) {
     for (const std::int32_t number : matches.Numbers) {
-      if (number != exact) AddMatch(*club, number, "sounds alike", table);
+      if (number != exact) AddMatch(*club, context, name, number, table);
     }
   }
   table.Write(context.out, context.format);

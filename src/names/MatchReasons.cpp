@@ -1,0 +1,61 @@
+#include "names/MatchReasons.h"
+
+#include "names/NameKeys.h"
+#include "names/NameMatching.h"
+
+namespace tavi {
+namespace {
+
+/// What CompareNamePart and CompareInitials say.
+constexpr std::int16_t kSoundsAlike = 3;
+constexpr std::int16_t kAbbreviation = 2;
+constexpr std::int16_t kNothingKnown = 1;
+
+/// How a name part differs; empty when it does not.
+std::string Difference(const std::string& part, std::int16_t score) {
+  switch (score) {
+    case kSoundsAlike:
+      return part + " sounds alike";
+    case kAbbreviation:
+      return part + " is an initial";
+    case kNothingKnown:
+      return part + " is missing";
+    default:
+      return {};
+  }
+}
+
+std::string FirstNameDifference(const cPlayerDetails& typed, const cPlayerDetails& member, std::int16_t score) {
+  if (score == kSoundsAlike && IsShortFormOf(typed.FirstName(), member.FirstName()))
+    return "first name is short for " + member.FirstName();
+  if (score == kSoundsAlike && IsShortFormOf(member.FirstName(), typed.FirstName()))
+    return "first name is long for " + member.FirstName();
+  return Difference("first name", score);
+}
+
+std::string InitialsDifference(const cPlayerDetails& typed, const cPlayerDetails& member) {
+  const std::int16_t score = CompareInitials(typed.Initials(), member.Initials());
+  if (score == kAbbreviation) return member.Initials().empty() ? "initials are missing" : "initials fit";
+  return score == kNothingKnown ? "initials are missing" : std::string();
+}
+
+void Append(std::string& text, const std::string& more) {
+  if (!text.empty() && !more.empty()) text += ", ";
+  text += more;
+}
+
+}  // namespace
+
+std::string MatchReason(const cPlayerDetails& typed, const cPlayerDetails& member) {
+  if (typed.MatchWeight(member) == 0) return "different name";
+  const std::int16_t surname =
+      CompareNamePart(typed.Surname(), typed.FuzzedSurname(), member.Surname(), member.FuzzedSurname());
+  const std::int16_t firstName =
+      CompareNamePart(typed.FirstName(), typed.FuzzedFirstName(), member.FirstName(), member.FuzzedFirstName());
+  std::string reason = Difference("surname", surname);
+  Append(reason, FirstNameDifference(typed, member, firstName));
+  Append(reason, InitialsDifference(typed, member));
+  return reason.empty() ? "same name" : reason;
+}
+
+}  // namespace tavi

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstddef>
+
+#include "platform/Platform.h"
+#include "platform/ado/Provider.h"
+
+/// The sound-alike keys that the table Members keeps with the names. A search compares them with fresh ones, so that
+/// members whose stored keys were made by another function are not found until their keys are made anew.
+namespace tavi {
+
+/// How many members, retired ones too, have stored keys that are not the ones that `keys` gives for their names. Only
+/// reads. Errors of the provider pass on.
+[[nodiscard]] std::size_t CountStaleNameKeys(ado::Connection& connection, const NameKeyService& keys);
+
+/// True when every member's stored keys are the ones that `keys` gives. Only reads.
+[[nodiscard]] inline bool NameKeysAreCurrent(ado::Connection& connection, const NameKeyService& keys) {
+  return CountStaleNameKeys(connection, keys) == 0;
+}
+
+/// Stores fresh keys where they differ and returns how many members that were; a file without such members is not
+/// written. Errors of the provider pass on; the members before the one that could not be written keep their new keys.
+std::size_t RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys);
+
+}  // namespace tavi
