@@ -30,6 +30,8 @@ char VowelClass(char vowel) {
 /// The key of a name that no dictionary knows: its consonants, and of its vowels the first one when there are few
 /// consonants, because there it is most of the name.
 std::string SkeletonKey(std::string_view letters, std::size_t fewConsonants) {
+  // Initials are told apart by eye.
+  if (letters.size() == 1) return kSkeletonKey + std::string(letters);
   const std::string sounds = SoundsOf(letters);
   std::string skeleton = SkeletonOf(sounds);
   if (skeleton.size() <= fewConsonants) {

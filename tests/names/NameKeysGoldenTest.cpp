@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "SourceDirectory.h"
 #include "names/NameKeys.h"
 
 namespace tavi {

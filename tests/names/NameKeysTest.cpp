@@ -165,6 +165,8 @@ TEST(NameKeys, AreShortPlainCapitalsAndNeverEmptyForAName) {
 }
 
 TEST(NameKeys, OfAnInitialAreNoName) {
+  EXPECT_NE(FirstNameKey("C"), FirstNameKey("K"));
+  EXPECT_EQ(FirstNameKey("c."), FirstNameKey("C"));
   for (char letter = 'A'; letter <= 'Z'; ++letter) {
     for (const char* name : {"John", "Ann", "Ed", "Jo", "Al", "Oh", "Eve", "Ian", "Guy"}) {
       EXPECT_NE(FirstNameKey(std::string(1, letter)), FirstNameKey(name)) << letter;
