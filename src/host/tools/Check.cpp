@@ -87,7 +87,7 @@ void WriteText(const Context& context, const std::string& file, const access::Ch
     if (keys.stale > 0) {
       context.out << "The stored name keys of " << keys.stale << " of " << keys.members
                   << " members are not the ones that this version makes, so searches by similar names may miss these "
-                     "members. Bring the members in again with 'tavi members import'.\n";
+                     "members until they are brought up to date: 'tavi members' does so, as all that opens the club.\n";
     }
     return;
   }
