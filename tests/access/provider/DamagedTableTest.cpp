@@ -32,7 +32,9 @@ class DamagedTableTest : public ::testing::Test {
   }
 
   [[nodiscard]] unsigned U16(std::size_t offset) const {
-    return static_cast<std::uint8_t>(content_[offset]) | static_cast<std::uint8_t>(content_[offset + 1]) << 8U;
+    const unsigned low = static_cast<std::uint8_t>(content_[offset]);
+    const unsigned high = static_cast<std::uint8_t>(content_[offset + 1]);
+    return low | high << 8U;
   }
   [[nodiscard]] std::string OwnerOf(std::size_t page) const {
     return content_.substr(page * kPageSize + format::data::kOwnerOffset, 4);
