@@ -62,7 +62,9 @@ void UseDamagedFiles(const Bytes& sound, const std::string& name, std::size_t mu
     }
   }
   // The address sanitizer keeps freed memory for a while.
-  if (!kAddressesAreSanitized) EXPECT_LT(MegabytesAtMost() - before, kMegabytesMore) << name;
+  if (!kAddressesAreSanitized) {
+    EXPECT_LT(MegabytesAtMost() - before, kMegabytesMore) << name;
+  }
   std::cout << name << ": " << mutants << " mutants, " << refused << " with more refusals than the sound file's "
             << whole.refusals << " of " << whole.answers << "; " << most << " page reads at most, " << whole.pagesRead
             << " of the sound one\n";
