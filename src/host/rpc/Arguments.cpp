@@ -22,22 +22,28 @@ std::string Signature(const Operation& operation) {
 void Complete(const Operation& operation, std::vector<Json>& values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     const Argument& argument = operation.arguments[i];
-    if (!values[i].is_null()) continue;
+    const bool isMissing = values[i].is_discarded();
+    if (!isMissing && !values[i].is_null()) continue;
     if (argument.standard) {
       values[i] = *argument.standard;
-    } else if (argument.type != TypeWord<HandiCalcSettings>()) {  // an object may be none
+    } else if (isMissing || argument.type != TypeWord<HandiCalcSettings>()) {  // an object may be none
       Refuse(operation, "\"" + argument.name + "\" is missing");
     }
   }
 }
 
+/// Room for each argument, with the mark that it was not given.
+std::vector<Json> NothingGiven(const Operation& operation) {
+  return std::vector<Json>(operation.arguments.size(), Json(Json::value_t::discarded));
+}
+
 std::vector<Json> ByName(const Operation& operation, const Json& params) {
-  std::vector<Json> values(operation.arguments.size());
+  std::vector<Json> values = NothingGiven(operation);
   for (const auto& given : params.items()) {
     const auto isMeant = [&](const Argument& argument) { return argument.name == given.key(); };
     auto found = std::find_if(operation.arguments.begin(), operation.arguments.end(), isMeant);
     // The new value of a property goes by any name.
-    if (found == operation.arguments.end() && operation.takesValue && values.back().is_null()) {
+    if (found == operation.arguments.end() && operation.takesValue && values.back().is_discarded()) {
       found = std::prev(operation.arguments.end());
     }
     if (found == operation.arguments.end()) Refuse(operation, "\"" + given.key() + "\" is no argument");
@@ -55,7 +61,7 @@ bool LeavesGaps(const Operation& operation, std::size_t given) {
 }
 
 std::vector<Json> ByPosition(const Operation& operation, const Json& params) {
-  std::vector<Json> values(operation.arguments.size());
+  std::vector<Json> values = NothingGiven(operation);
   if (params.size() > values.size()) {
     Refuse(operation, std::to_string(params.size()) + " arguments are too many");
   }
@@ -71,7 +77,7 @@ std::vector<Json> ByPosition(const Operation& operation, const Json& params) {
 }  // namespace
 
 std::vector<Json> ArgumentsOf(const Operation& operation, const Json& params) {
-  std::vector<Json> values(operation.arguments.size());
+  std::vector<Json> values = NothingGiven(operation);
   if (params.is_object()) values = ByName(operation, params);
   if (params.is_array()) values = ByPosition(operation, params);
   Complete(operation, values);

@@ -1,5 +1,6 @@
 #include "host/rpc/JsonValues.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -33,7 +34,7 @@ void ReadWhole(const Json& json, Integer& value) {
 template <typename Value>
 void ReadMember(const Json& json, const char* name, Value& value) {
   const auto found = json.find(name);
-  if (found == json.end()) return;
+  if (found == json.end() || found->is_null()) return;
   try {
     ReadJson(*found, value);
   } catch (const RpcError& problem) {
@@ -119,6 +120,8 @@ void ReadJson(const Json& json, HandiCalcSettings& value) {
   ReadMember(json, "UnknownPlayerHandicap", unknown);
   ReadMember(json, "Disabled", disabled);
   ReadMember(json, "SamePartnerWeighting", weighting);
+  bool toldOnly = false;
+  ReadMember(json, "IncludesRegularPairAdjustment", toldOnly);
   value.SetMaxWeeks(weeks);
   value.SetMaxResults(results);
   value.SetRegularPairMultiplier(multiplier);
@@ -149,7 +152,8 @@ Json WriteJson(std::int32_t value) {
 }
 
 Json WriteJson(double value) {
-  return value;
+  if (std::isfinite(value)) return value;
+  throw Error(ErrorNumber::Overflow, "TaviMembership", "Overflow: the result is no number or infinite");
 }
 
 Json WriteJson(const std::string& value) {
@@ -163,18 +167,18 @@ Json WriteJson(const std::vector<std::string>& value) {
 Json WriteJson(const HandiCalcSettings& value) {
   return {{"MaxWeeks", value.MaxWeeks()},
           {"MaxResults", value.MaxResults()},
-          {"RegularPairMultiplier", value.RegularPairMultiplier()},
-          {"RegularPairAdd", value.RegularPairAdd()},
-          {"UnknownPlayerHandicap", value.UnknownPlayerHandicap()},
+          {"RegularPairMultiplier", WriteJson(value.RegularPairMultiplier())},
+          {"RegularPairAdd", WriteJson(value.RegularPairAdd())},
+          {"UnknownPlayerHandicap", WriteJson(value.UnknownPlayerHandicap())},
           {"Disabled", value.Disabled()},
           {"SamePartnerWeighting", value.SamePartnerWeighting()},
           {"IncludesRegularPairAdjustment", value.IncludesRegularPairAdjustment()}};
 }
 
 Json WriteJson(const Handicaps& value) {
-  return {{"PartnershipHandicap", value.PartnershipHandicap()},
-          {"Player1Handicap", value.Player1Handicap()},
-          {"Player2Handicap", value.Player2Handicap()}};
+  return {{"PartnershipHandicap", WriteJson(value.PartnershipHandicap())},
+          {"Player1Handicap", WriteJson(value.Player1Handicap())},
+          {"Player2Handicap", WriteJson(value.Player2Handicap())}};
 }
 
 Json WriteJson(const EBUMembershipDetails& value) {

@@ -25,13 +25,14 @@ void ReadJson(const Json& json, double& value);
 void ReadJson(const Json& json, std::optional<double>& value);
 void ReadJson(const Json& json, std::string& value);
 void ReadJson(const Json& json, Date& value);
-/// Members that are missing have the values of new settings; unknown members are refused.
+/// Members that are missing or null have the values of new settings; unknown members are refused.
 void ReadJson(const Json& json, std::shared_ptr<HandiCalcSettings>& value);
 void ReadJson(const Json& json, HandiCalcSettings& value);
 
 Json WriteJson(bool value);
 Json WriteJson(std::int16_t value);
 Json WriteJson(std::int32_t value);
+/// Raises Error (Overflow) for what JSON has no number for: infinite, or no number.
 Json WriteJson(double value);
 Json WriteJson(const std::string& value);
 Json WriteJson(const std::vector<std::string>& value);

@@ -14,7 +14,7 @@ int RunRpc(const Context& context) {
   club.platform = platform;
   Session session([&] { return club.OpenClub(); });
   Server server(session, context.out);
-  for (std::string line; std::getline(context.in, line);) server.Take(line);
+  server.Serve(context.in);
   return kSucceeded;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <ostream>
 
+#include "host/rpc/RequestText.h"
 #include "host/rpc/RpcError.h"
 #include "platform/values/Error.h"
 
@@ -60,7 +61,12 @@ void CheckRequest(const Json& request) {
 std::int32_t ObjectOf(const Json& request) {
   const auto object = request.find("object");
   std::int32_t number = 1;
-  if (object != request.end() && !object->is_null()) ReadJson(*object, number);
+  if (object == request.end() || object->is_null()) return number;
+  try {
+    ReadJson(*object, number);
+  } catch (const RpcError& problem) {
+    throw RpcError(problem.Code(), std::string("object: ") + problem.what());
+  }
   return number;
 }
 
@@ -74,15 +80,6 @@ const char* IconName(MessageBoxIcon icon) {
       return "Critical";
   }
   return "Information";
-}
-
-/// Values nested more deeply than any request are refused before they are built: what walks over them recurses.
-Json ParseLine(const std::string& line) {
-  constexpr int kDeepest = 16;
-  return Json::parse(line, [](int depth, Json::parse_event_t /*event*/, Json& /*parsed*/) {
-    if (depth > kDeepest) throw RpcError(RpcCode::InvalidRequest, "Invalid request: it is nested too deeply");
-    return true;
-  });
 }
 
 bool IsBlank(const std::string& line) {
@@ -105,14 +102,27 @@ void Server::Take(const std::string& line) {
   if (IsBlank(line)) return;
   std::optional<Json> reply;
   try {
-    const Json json = ParseLine(line);
+    const Json json = ParseRequest(line);
     reply = json.is_array() ? AnswerAll(json) : Answer(json);
   } catch (const RpcError& problem) {
     reply = ErrorReply(nullptr, problem.Code(), problem.what());
-  } catch (const Json::exception& problem) {
-    reply = ErrorReply(nullptr, RpcCode::ParseError, std::string("Parse error: ") + problem.what());
+  } catch (const std::exception& problem) {
+    reply = ErrorReply(nullptr, RpcCode::InternalError, std::string("Internal error: ") + problem.what());
   }
   if (reply) WriteLine(out_, *reply);
+}
+
+void Server::Serve(std::istream& in) {
+  std::string line;
+  for (LineRead read = ReadLine(in, line); read != LineRead::AtEnd; read = ReadLine(in, line)) {
+    if (read == LineRead::Read) {
+      Take(line);
+    } else {
+      const std::string limit = std::to_string(kLongestLine);
+      WriteLine(out_,
+                ErrorReply(nullptr, RpcCode::ParseError, "Parse error: a line has more than " + limit + " bytes"));
+    }
+  }
 }
 
 std::optional<Json> Server::AnswerAll(const Json& batch) {

@@ -24,6 +24,9 @@ class Server {
  public:
   Server(Session& session, std::ostream& out) : session_(session), out_(out) {}
 
+  /// Takes all lines up to the end of the input. Lines longer than kLongestLine are refused and passed over.
+  void Serve(std::istream& in);
+
   /// Takes one line: a request, a notification, or a batch of them. Writes the reply, if there is one, and flushes.
   void Take(const std::string& line);
 

@@ -7,7 +7,9 @@
 #include <sstream>
 
 #include "SourceDirectory.h"
+#include "composition/Composition.h"
 #include "host/rpc/Operations.h"
+#include "host/rpc/RequestText.h"
 #include "host/rpc/Server.h"
 #include "host/support/Command.h"
 
@@ -115,6 +117,10 @@ TEST_F(Rpc, SettingsAreAnObjectWithItsProperties) {
   EXPECT_EQ(Result("HandiCalcSettings.AdjustRegularPair", {stored, 60}).at("return"), 57.5);
   EXPECT_EQ(Result("HandiCalcSettings.Clone", Json::array({stored})).at("return"), stored);
   EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"MaxWeek", 1}}}}), kInvalidParams);
+  EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"IncludesRegularPairAdjustment", "x"}}}}), kInvalidParams);
+  EXPECT_EQ(Result("HandiCalcSettings.Clone", {{"settings", {{"UnknownPlayerHandicap", nullptr}}}}).at("return"),
+            standard)
+      << "null is left out";
   EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"MaxWeeks", 40000}}}}), kInvalidParams);
   EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", nullptr}}), static_cast<int>(0x800A005B));
 }
@@ -170,7 +176,13 @@ TEST_F(Rpc, WrongRequestsAreRefusedAndTheSessionGoesOn) {
       {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap")", kParseError},
       {"{\"jsonrpc\":\"2.0\",\"id\":1,\"method\":\"FindMember\",\"params\":[\"\xC3\"]}", kParseError},
       {R"({"jsonrpc":"2.0","id":1,"method":"FindMember","params":["\ud800"]})", kParseError},
-      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[1e999]})", kParseError},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[1e999]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"FindMember","params":[-1e999]})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1,"method":"put_ClubName","params":1e999})", kInvalidParams},
+      {R"({"jsonrpc":"2.0","id":1e999,"method":"EndGet"})", kInvalidRequest},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[NaN]})", kParseError},
+      {R"({"jsonrpc":"2.0","id":1,"method":"GetHandicap","params":[1e999]} 1e999 ")", kParseError},
+      {R"({"jsonrpc":"2.0","id":1,"method":"put_HandicalcOptions"})", kInvalidParams},
       {"17", kInvalidRequest},
       {"[]", kInvalidRequest},
       {R"({"jsonrpc":"1.0","id":1,"method":"EndGet"})", kInvalidRequest},
@@ -206,6 +218,30 @@ TEST_F(Rpc, WrongRequestsAreRefusedAndTheSessionGoesOn) {
     EXPECT_FALSE(replies[i].at("error").at("message").get<std::string>().empty());
   }
   EXPECT_EQ(replies.back().at("result").at("return"), "Acol");
+}
+
+TEST_F(Rpc, ANumberThatIsTooLargeCostsOnlyItsOwnRequestOfABatch) {
+  const auto replies = Lines({R"([{"jsonrpc":"2.0","id":5,"method":"FindMember","params":["1e999"]},)"
+                              R"({"jsonrpc":"2.0","id":6,"method":"GetHandicap","params":[1e999]}])"});
+  ASSERT_EQ(replies.at(0).size(), 2U);
+  EXPECT_EQ(replies[0][0].at("result").at("return"), -1) << "a text may spell such a number";
+  EXPECT_EQ(replies[0][1].at("error").at("code"), kInvalidParams);
+  EXPECT_EQ(replies[0][1].at("id"), 6);
+}
+
+TEST_F(Rpc, AResultThatJsonHasNoNumberForIsAnOverflow) {
+  EXPECT_EQ(ErrorCode("HandiCalcSettings.AdjustRegularPair", {{{"RegularPairMultiplier", 1e308}}, 1e308}),
+            static_cast<int>(0x800A0006));
+}
+
+TEST_F(Rpc, ObjectsOfVeryManyMembersAndEndlessLinesAreRefused) {
+  std::string many = "{\"a\":0";
+  for (int i = 0; i < 1000; ++i) many += ",\"k" + std::to_string(i) + "\":0";
+  const auto replies = Lines({many + "}", std::string(kLongestLine + 1, 'x'), Request("get_ClubName")});
+  ASSERT_EQ(replies.size(), 3U);
+  EXPECT_EQ(replies[0].at("error").at("code"), kInvalidRequest);
+  EXPECT_EQ(replies[1].at("error").at("code"), kParseError);
+  EXPECT_EQ(replies[2].at("result").at("return"), "Acol");
 }
 
 TEST_F(Rpc, WholeNumbersMayBeWrittenWithAPoint) {
@@ -328,6 +364,49 @@ TEST_F(Rpc, LinesThatWereGarbledAtRandomAreAnsweredAndTheSessionGoesOn) {
   const auto replies = Lines(lines);
   EXPECT_GT(replies.size(), lines.size() / 2);
   EXPECT_EQ(replies.back().at("id"), "last");
+}
+
+/// The memory that this process holds, in kilobytes; 0 where the system does not tell.
+long ResidentKilobytes() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.starts_with("VmRSS:")) return std::stol(line.substr(6));
+  }
+  return 0;
+}
+
+TEST_F(Rpc, ManyRequestsDoNotMakeItGrow) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+  GTEST_SKIP() << "sanitizers keep freed memory";
+#endif
+  if (ResidentKilobytes() == 0) GTEST_SKIP() << "this system does not tell how much memory a process holds";
+  constexpr int kRounds = 2500;
+  constexpr long kMayGrow = 4096;
+  EXPECT_EQ(Result("AddNewMember", {"Anna", "", "Smith"}).at("return"), 1);
+  std::string round;
+  for (const std::string& line :
+       {Request("GetMemberName", {1, 0}), Request("GetHandicap", {1}), Request("IsValidMemberID", {7}),
+        Request("get_HandicalcOptions"), Request("SetHandicap", {1, 50.5}), Request("GetHandicap", {"x"}),
+        "[" + Request("Nothing") + "," + Request("get_ClubName") + "]", std::string("no JSON")}) {
+    round += line + "\n";
+  }
+  // The first rounds fill what is kept on purpose: open pages and planned statements.
+  auto platform = MakePlatform({Date::FromCivil(2026, 1, 15)});
+  Session session([&] {
+    auto club = std::make_unique<MembershipDatabase>(platform);
+    club->SetDatabaseFolder(folder_.Club());
+    return club;
+  });
+  long before = 0;
+  for (int i = 0; i < kRounds; ++i) {
+    std::istringstream in(round);
+    std::ostringstream out;
+    Server(session, out).Serve(in);
+    const std::string replies = out.str();
+    ASSERT_EQ(std::count(replies.begin(), replies.end(), '\n'), 8);
+    if (i == kRounds / 5) before = ResidentKilobytes();
+  }
+  EXPECT_LT(ResidentKilobytes() - before, kMayGrow);
 }
 
 /// The names of the public methods in a header, as far as hosts call them.
