@@ -18,17 +18,12 @@ Result Read(const ado::Recordset& rs, std::string_view fieldName, const Result& 
   }
 }
 
-/// Undoes the escapes of SQLString; the percent sign last, so that the two are exact inverses.
-std::string Unescaped(std::string_view text) {
-  return ReplaceAll(ReplaceAll(ReplaceAll(text, "%l", "\n"), "%c", "\r"), "%p", "%");
-}
-
 }  // namespace
 
 std::string cDatabase::GetTextField(const ado::Recordset& rs, std::string_view FieldName, bool Trimmed,
                                     const std::string& DefaultIfEmpty) {
   return Read(rs, FieldName, DefaultIfEmpty, [Trimmed](const Value& value) {
-    const std::string text = Unescaped(ToText(value));
+    const std::string text = PlainText(ToText(value));
     return Trimmed ? Trim(text) : text;
   });
 }

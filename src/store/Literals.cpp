@@ -24,6 +24,11 @@ std::string cDatabase::StoredText(std::string_view text) {
   return ReplaceAll(ReplaceAll(ReplaceAll(Trim(text), "%", "%p"), "\r", "%c"), "\n", "%l");
 }
 
+std::string cDatabase::PlainText(std::string_view stored) {
+  // The percent sign last, so that this undoes exactly what StoredText does.
+  return ReplaceAll(ReplaceAll(ReplaceAll(stored, "%l", "\n"), "%c", "\r"), "%p", "%");
+}
+
 std::string cDatabase::SQLString(std::string_view StringValue, bool EnsureNotEmpty) {
   std::string text = StoredText(StringValue);
   if (text.empty() && EnsureNotEmpty) text = " ";

@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/values/Convert.h"
 #include "store/cDatabase.h"
 
 namespace tavi {
@@ -17,26 +18,31 @@ std::unique_ptr<ado::Recordset> OpenMembers(ado::Connection& connection, ado::Cu
                                   cursorType, lockType, ado::SourceKind::CommandText);
 }
 
-/// The keys of the current row's names, and whether the row has others.
-struct Keys {
-  Keys(const ado::Recordset& row, const NameKeyService& keys)
-      : firstName(keys.Key(NameKeyMode::FirstName, cDatabase::GetTextField(row, "FirstName"))),
-        surname(keys.Key(NameKeyMode::Surname, cDatabase::GetTextField(row, "LastName"))),
-        areStale(cDatabase::GetTextField(row, kFirstNameKey) != firstName ||
-                 cDatabase::GetTextField(row, kSurnameKey) != surname) {}
-
-  std::string firstName;
-  std::string surname;
-  bool areStale;
-};
+StoredNames NamesOf(const ado::Recordset& row) {
+  const auto text = [&row](const char* column) {
+    const Value value = row.Get(column);
+    return IsNull(value) ? std::string() : ToText(value);
+  };
+  return {text("FirstName"), text("LastName"), text(kFirstNameKey), text(kSurnameKey)};
+}
 
 }  // namespace
+
+StoredNames WithFreshKeys(StoredNames names, const NameKeyService& keys) {
+  const auto key = [&keys](NameKeyMode mode, const std::string& name) {
+    return cDatabase::StoredText(keys.Key(mode, cDatabase::PlainText(name)));
+  };
+  names.firstNameKey = key(NameKeyMode::FirstName, names.firstName);
+  names.surnameKey = key(NameKeyMode::Surname, names.surname);
+  return names;
+}
 
 std::size_t CountStaleNameKeys(ado::Connection& connection, const NameKeyService& keys) {
   std::size_t count = 0;
   const auto rows = OpenMembers(connection, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly);
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    if (Keys(*rows, keys).areStale) ++count;
+    const StoredNames names = NamesOf(*rows);
+    if (WithFreshKeys(names, keys) != names) ++count;
   }
   return count;
 }
@@ -45,10 +51,11 @@ std::size_t RefreshNameKeys(ado::Connection& connection, const NameKeyService& k
   std::size_t count = 0;
   const auto rows = OpenMembers(connection, ado::CursorType::Dynamic, ado::LockType::Pessimistic);
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    const Keys fresh(*rows, keys);
-    if (!fresh.areStale) continue;
-    rows->Set(kFirstNameKey, fresh.firstName);
-    rows->Set(kSurnameKey, fresh.surname);
+    const StoredNames names = NamesOf(*rows);
+    const StoredNames fresh = WithFreshKeys(names, keys);
+    if (fresh == names) continue;
+    rows->Set(kFirstNameKey, fresh.firstNameKey);
+    rows->Set(kSurnameKey, fresh.surnameKey);
     rows->Update();
     ++count;
   }

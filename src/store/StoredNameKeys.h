@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 #include "platform/Platform.h"
 #include "platform/ado/Provider.h"
@@ -8,6 +9,18 @@
 /// The sound-alike keys that the table Members keeps with the names. A search compares them with fresh ones, so that
 /// members whose stored keys were made by another function are not found until their keys are made anew.
 namespace tavi {
+
+/// A member's names and their keys as the columns FirstName, LastName, FuzzedFirstName and FuzzedLastName hold them.
+struct StoredNames {
+  std::string firstName;
+  std::string surname;
+  std::string firstNameKey;
+  std::string surnameKey;
+  bool operator==(const StoredNames&) const = default;
+};
+
+/// The same names with the keys that `keys` gives for them; equal to `names` when these are current.
+[[nodiscard]] StoredNames WithFreshKeys(StoredNames names, const NameKeyService& keys);
 
 /// How many members, retired ones too, have stored keys that are not the ones that `keys` gives for their names. Only
 /// reads. Errors of the provider pass on.

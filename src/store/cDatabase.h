@@ -99,6 +99,8 @@ class cDatabase {
   [[nodiscard]] static std::string SQLString(std::string_view StringValue, bool EnsureNotEmpty = false);
   /// A text as a column written through SQLString holds it: trimmed and escaped, without quotes.
   [[nodiscard]] static std::string StoredText(std::string_view text);
+  /// The text that StoredText was made of, but for the blanks around it.
+  [[nodiscard]] static std::string PlainText(std::string_view stored);
   /// The decimal text of a number. Raises InvalidArgument for one that a file cannot hold (RequireNumber).
   [[nodiscard]] static std::string SQLNumber(double Number, const std::string& What);
 

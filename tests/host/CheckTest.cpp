@@ -94,6 +94,15 @@ TEST_F(CheckCommand, TellsOfNameKeysThatAreNotTheOnesMadeNow) {
   EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
 }
 
+// The members' keys were said to be stale for ever: the escapes of their names were taken for letters.
+TEST_F(CheckCommand, KeysOfNamesThatAreStoredWithEscapesAreCurrent) {
+  const std::string add = R"({"jsonrpc":"2.0","method":"AddNewMember","params":["100%","","Pool%Load"]})";
+  ASSERT_EQ(folder_.Run({"rpc"}, add + "\n").code, 0);
+  ASSERT_EQ(folder_.Query("Select LastName From Members Where FirstName = '100%p'"),
+            (std::vector<std::string>{"Pool%pLoad"}));
+  EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
+}
+
 TEST_F(CheckCommand, SaysThatAFileCannotBeOpened) {
   const std::string text = folder_.Write("letter.mdb", std::string(9000, 'x'));
   const Outcome outcome = folder_.Run({"check", text});

@@ -30,10 +30,10 @@ std::optional<FoundRow> RowFinder::Find(RowPointer row) const {
   return FoundRow{row, std::move(page), bytes};
 }
 
-FoundRow RowFinder::FollowMoved(RowPointer row, std::span<const std::uint8_t> stub) const {
+FoundRow RowFinder::FollowMoved(RowPointer row, std::span<const std::uint8_t> pointer) const {
   const std::string name = "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
-  if (stub.size() < format::row::kRowPointerSize) RaiseDamage(name + " was moved, but does not say where to.");
-  const RowPointer body = RowPointer::FromPacked(GetLittle<std::uint32_t>(stub, 0));
+  if (pointer.size() < format::row::kRowPointerSize) RaiseDamage(name + " was moved, but does not say where to.");
+  const RowPointer body = RowPointer::FromPacked(GetLittle<std::uint32_t>(pointer, 0));
   if (body.page != 0 && body.page < pager_->PageCount()) {
     PageHandle page = pager_->Read(body.page);
     if (DataPageReader::IsOwnedBy(*page, owner_)) {

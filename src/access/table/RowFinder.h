@@ -31,7 +31,7 @@ class RowFinder {
   [[nodiscard]] std::optional<std::uint8_t> NextOnPage(const Page& page, std::size_t from) const;
 
  private:
-  [[nodiscard]] FoundRow FollowMoved(RowPointer row, std::span<const std::uint8_t> stub) const;
+  [[nodiscard]] FoundRow FollowMoved(RowPointer row, std::span<const std::uint8_t> pointer) const;
 
   Pager* pager_;
   std::uint32_t owner_;

@@ -43,10 +43,10 @@ bool IsSameStored(const Value& left, const Value& right) {
   return left == right;
 }
 
-Bytes MakeStub(RowPointer body) {
-  Bytes stub(format::row::kRowPointerSize);
-  PutLittle(std::span(stub), 0, body.Packed());
-  return stub;
+Bytes PointerBytes(RowPointer body) {
+  Bytes pointer(format::row::kRowPointerSize);
+  PutLittle(std::span(pointer), 0, body.Packed());
+  return pointer;
 }
 
 // The count may be wrong in files of other programs; it never falls below zero.
@@ -138,7 +138,7 @@ void TableRows::ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes
   }
   if (wasMoved && space.TryReplace(body, bytes, data::kRowMovedTarget)) return;
   const RowPointer next = space.Insert(bytes, data::kRowMovedTarget, lastInserted_);
-  if (!space.TryReplace(row, MakeStub(next), data::kRowMoved)) {
+  if (!space.TryReplace(row, PointerBytes(next), data::kRowMoved)) {
     RaiseDamage("row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
                 " is too short to say where it was moved to.");
   }

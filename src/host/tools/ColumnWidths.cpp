@@ -2,6 +2,7 @@
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
+#include "store/cDatabase.h"
 
 namespace tavi::host {
 
@@ -19,8 +20,7 @@ ColumnWidths::ColumnWidths(const Platform& platform, const std::string& filePath
 void ColumnWidths::Require(const std::string& where, const std::string& column, const std::string& text) const {
   const auto width = widths_.find(LowerCase(column));
   if (width == widths_.end() || width->second <= 0) return;
-  // Percent signs and line breaks take two characters each once stored.
-  const std::string stored = ReplaceAll(ReplaceAll(ReplaceAll(text, "%", "%p"), "\r", "%c"), "\n", "%l");
+  const std::string stored = cDatabase::StoredText(text);
   if (TextLength(stored) <= static_cast<std::size_t>(width->second)) return;
   throw Error(ErrorNumber::InvalidArgument, "tavi",
               where + ": " + column + " has " + std::to_string(TextLength(stored)) + " characters; expected at most " +

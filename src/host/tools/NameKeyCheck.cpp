@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+#include "store/StoredNameKeys.h"
+
 namespace tavi::host {
 namespace {
 
@@ -39,10 +41,10 @@ NameKeyCount CountNameKeys(access::Database& database, const NameKeyService& key
   for (const std::size_t place : *places) wanted[place] = true;
   for (auto row = members->Next(std::nullopt); row.has_value(); row = members->Next(row)) {
     const access::RowValues values = members->Read(*row, wanted);
-    const bool isCurrent = TextOf(values[firstKey]) == keys.Key(NameKeyMode::FirstName, TextOf(values[firstName])) &&
-                           TextOf(values[lastKey]) == keys.Key(NameKeyMode::Surname, TextOf(values[lastName]));
+    const StoredNames names{TextOf(values[firstName]), TextOf(values[lastName]), TextOf(values[firstKey]),
+                            TextOf(values[lastKey])};
     ++count.members;
-    if (!isCurrent) ++count.stale;
+    if (WithFreshKeys(names, keys) != names) ++count.stale;
   }
   return count;
 }

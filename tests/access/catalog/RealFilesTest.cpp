@@ -203,7 +203,7 @@ TEST_P(RealFiles, IsSound) {
 
 /// What the engine does to a table when an owner works with it: changes of rows, a new column, a new index.
 TEST_P(RealFiles, StaysSoundThroughChanges) {
-  if (GetParam() == "testUnicodeCompV2003") GTEST_SKIP() << "not sound from the start, see above";
+  const std::vector<std::string> findingsBefore = CheckDatabase(file_->Get());
   for (const auto& expected : schema_["tables"]) {
     const std::string name = expected["name"];
     file_->Write([&](Database& database) {
@@ -216,14 +216,14 @@ TEST_P(RealFiles, StaysSoundThroughChanges) {
       }
       database.CreateIndex(name, MakeIndex("New index", {"New number", "New text"}), kNow);
     });
-    EXPECT_EQ(CheckDatabase(file_->Get()), std::vector<std::string>()) << name;
+    EXPECT_EQ(CheckDatabase(file_->Get()), findingsBefore) << name;
     file_->Write([&](Database& database) {
       database.DropIndex(name, "New index", kNow);
       database.DropColumn(name, "New text", kNow);
       database.DropColumn(name, "New number", kNow);
     });
   }
-  EXPECT_EQ(CheckDatabase(file_->Get()), std::vector<std::string>());
+  EXPECT_EQ(CheckDatabase(file_->Get()), findingsBefore);
 }
 
 INSTANTIATE_TEST_SUITE_P(Files, RealFiles, testing::ValuesIn(SampleNames()),

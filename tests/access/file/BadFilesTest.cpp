@@ -127,15 +127,5 @@ TEST_F(BadFilesTest, AFileThatIsCutShort) {
   ExpectRefused("Its 3000 bytes are less than a page of an Access database.");
 }
 
-TEST_F(BadFilesTest, AFileThatMayNotBeRead) {
-  WriteDatabase({});
-  const std::string content = ReadFile(Path());
-  fs::permissions(Path(), fs::perms::none);
-  if (std::ifstream(Path()).is_open()) GTEST_SKIP() << "permissions do not bind this user";
-  ExpectRefused("Permission denied");
-  fs::permissions(Path(), fs::perms::owner_all);
-  EXPECT_EQ(ReadFile(Path()), content);
-}
-
 }  // namespace
 }  // namespace tavi::access::test

@@ -257,9 +257,9 @@ TEST_F(FullPage, BytesBehindThePointerAreIgnored) {
   const RowPointer row = rows_[0];
   table_.Rows().Update(row, Row(0, 255, 255));
   const RowPointer body = BodyOf(table_, row);
-  std::vector<std::uint8_t> stub(50, 0xEE);
-  PutLittle(std::span(stub), 0, body.Packed());
-  DataPageEditor(table_.File().Write(row.page)).Replace(row.row, stub, data::kRowMoved);
+  std::vector<std::uint8_t> pointer(50, 0xEE);
+  PutLittle(std::span(pointer), 0, body.Packed());
+  DataPageEditor(table_.File().Write(row.page)).Replace(row.row, pointer, data::kRowMoved);
   EXPECT_EQ(table_.Rows().Read(row), Row(0, 255, 255));
   table_.Rows().Update(row, Row(0, 50));
   EXPECT_EQ(BodyOf(table_, row), row);
