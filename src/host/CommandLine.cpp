@@ -21,6 +21,7 @@
 #include "host/tools/NewClub.h"
 #include "host/tools/Recover.h"
 #include "host/tools/Sample.h"
+#include "platform/portable/ConsoleMessageBoxes.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
@@ -229,7 +230,7 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
                                                  : OutputFormat::Tabs;
     context.showProgress = terminal.errorIsTerminal;
     context.folder = choices.folder;
-    context.platform = MakePlatform({TodayOf(choices)});
+    context.platform = MakePlatform({TodayOf(choices), std::make_shared<ConsoleMessageBoxes>(error)});
     return choices.action(context);
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem, terminal.out, error) == 0 ? kSucceeded : kWrongUse;

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "host/text/PathText.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -14,14 +15,18 @@ constexpr const char* kClubFileName = "ClubMembers.mdb";
 
 bool IsFile(const std::string& path) {
   std::error_code ignored;
-  return fs::is_regular_file(path, ignored);
+  return fs::is_regular_file(PathOf(path), ignored);
+}
+
+fs::path AbsolutePath(const std::string& name) {
+  return fs::absolute(PathOf(name)).lexically_normal();
 }
 
 /// The folder of a club that was named by its folder or its file.
 fs::path FolderOf(const std::string& name) {
-  const fs::path path = fs::absolute(name).lexically_normal();
+  const fs::path path = AbsolutePath(name);
   if (!IsFile(name)) return path;
-  if (EqualIgnoringCase(path.filename().string(), kClubFileName)) return path.parent_path();
+  if (EqualIgnoringCase(TextOf(path.filename()), kClubFileName)) return path.parent_path();
   throw Error(ErrorNumber::InvalidArgument, "tavi",
               "\"" + name + "\" is no club's folder, and a club's file is called " + kClubFileName +
                   ". Name the folder that holds it.");
@@ -31,7 +36,7 @@ fs::path FolderOf(const std::string& name) {
 
 std::unique_ptr<MembershipDatabase> Context::OpenClub() const {
   auto club = std::make_unique<MembershipDatabase>(platform);
-  if (!folder.empty()) club->SetDatabaseFolder(FolderOf(folder).string());
+  if (!folder.empty()) club->SetDatabaseFolder(TextOf(FolderOf(folder)));
   return club;
 }
 
@@ -44,7 +49,7 @@ std::string Context::ClubFile() const {
 }
 
 std::string Context::AccessFile() const {
-  return IsFile(folder) ? fs::absolute(folder).lexically_normal().string() : ClubFile();
+  return IsFile(folder) ? TextOf(AbsolutePath(folder)) : ClubFile();
 }
 
 }  // namespace tavi::host

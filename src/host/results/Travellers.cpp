@@ -32,15 +32,15 @@ std::string PlainPairNumber(const std::string& written) {
   return digit == std::string::npos || digit == 0 ? number : number.substr(digit);
 }
 
-Travellers::Travellers(const XmlDocument& document, pugi::xml_node section) {
-  for (const pugi::xml_node board : section.children("BOARD")) {
-    for (const pugi::xml_node node : board.children("TRAVELLER_LINE")) {
+Travellers::Travellers(const XmlDocument& document, const XmlElement& section) {
+  for (const XmlElement* board : section.Children("BOARD")) {
+    for (const XmlElement* node : board->Children("TRAVELLER_LINE")) {
       Line line;
       line.node = node;
-      line.northSouth = PlainPairNumber(document.Leaf(node, "NS_PAIR_NUMBER"));
-      line.eastWest = PlainPairNumber(document.Leaf(node, "EW_PAIR_NUMBER"));
-      line.northSouthPoints = document.Number(node, "NS_MATCH_POINTS", true);
-      line.eastWestPoints = document.Number(node, "EW_MATCH_POINTS", true);
+      line.northSouth = PlainPairNumber(document.Leaf(*node, "NS_PAIR_NUMBER"));
+      line.eastWest = PlainPairNumber(document.Leaf(*node, "EW_PAIR_NUMBER"));
+      line.northSouthPoints = document.Number(*node, "NS_MATCH_POINTS", true);
+      line.eastWestPoints = document.Number(*node, "EW_MATCH_POINTS", true);
       if (!line.northSouth.empty() && !line.eastWest.empty()) lines_.push_back(std::move(line));
     }
   }
@@ -53,8 +53,8 @@ void Travellers::RequireListedPairs(const XmlDocument& document,
       return IsSide(*contestant, number, direction);
     });
     if (!listed) {
-      document.Refuse(line.node, "a traveller names pair " + number + " sitting " + direction +
-                                     ", which is not in the ranking; expected only pairs that are listed");
+      document.Refuse(*line.node, "a traveller names pair " + number + " sitting " + direction +
+                                      ", which is not in the ranking; expected only pairs that are listed");
     }
   };
   for (const Line& line : lines_) {

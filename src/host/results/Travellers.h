@@ -5,15 +5,15 @@
 #include <string>
 
 #include "host/results/Event.h"
-#include "host/results/XmlElement.h"
+#include "host/results/XmlDocument.h"
 
 namespace tavi::host {
 
-/// What the travellers (score slips) of one section say of its pairs.
+/// What the travellers (score slips) of one section say of its pairs. The document outlives this object.
 class Travellers {
  public:
   /// Reads the boards below a section (or event). A line that has no match points counts for nobody's score.
-  Travellers(const XmlDocument& document, pugi::xml_node section);
+  Travellers(const XmlDocument& document, const XmlElement& section);
 
   /// True when there is any line that names two pairs.
   [[nodiscard]] bool Any() const { return !lines_.empty(); }
@@ -24,7 +24,7 @@ class Travellers {
 
  private:
   struct Line {
-    pugi::xml_node node;
+    const XmlElement* node;
     std::string northSouth;
     std::string eastWest;
     std::optional<double> northSouthPoints;

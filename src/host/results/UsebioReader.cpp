@@ -6,7 +6,7 @@
 #include <tuple>
 
 #include "host/results/Travellers.h"
-#include "host/results/XmlElement.h"
+#include "host/results/XmlDocument.h"
 #include "host/results/XmlText.h"
 #include "host/text/Figures.h"
 #include "platform/values/Convert.h"
@@ -22,7 +22,7 @@ constexpr int kMaximumAward = 32767;
 
 /// A part of an event that has its own list of contestants, and its travellers.
 struct SectionPart {
-  pugi::xml_node node;
+  const XmlElement* node;
   int session = 1;
   std::string name;
 };
@@ -35,7 +35,7 @@ std::string NationalNumber(const std::string& written) {
 
 class EventReader {
  public:
-  EventReader(const XmlDocument& document, pugi::xml_node node) : document_(document), node_(node) {}
+  EventReader(const XmlDocument& document, const XmlElement& node) : document_(document), node_(node) {}
 
   Event Read() {
     ReadHeader();
@@ -54,7 +54,7 @@ class EventReader {
     event_.name = document_.Leaf(node_, "EVENT_DESCRIPTION");
     if (event_.name.empty()) event_.name = document_.Leaf(node_, "TITLE");
     event_.date = document_.RequiredDate(node_, "DATE");
-    const std::string type = UpperCase(node_.attribute("EVENT_TYPE").as_string());
+    const std::string type = UpperCase(node_.Attribute("EVENT_TYPE"));
     event_.kind = type.find("TEAM") != std::string::npos ? Event::Kind::Teams
                   : type == "INDIVIDUAL"                 ? Event::Kind::Individual
                                                          : Event::Kind::Pairs;
@@ -84,41 +84,41 @@ class EventReader {
   void ReadSections() {
     std::vector<SectionPart> parts;
     int session = 0;
-    for (const pugi::xml_node child : node_.children("SESSION")) AddParts(child, ++session, parts);
+    for (const XmlElement* child : node_.Children("SESSION")) AddParts(*child, ++session, parts);
     if (session == 0) AddParts(node_, session = 1, parts);
     event_.sessions = session;
     for (const SectionPart& part : parts) ReadSection(part);
   }
 
-  static void AddParts(pugi::xml_node parent, int session, std::vector<SectionPart>& parts) {
-    if (parent.child("PARTICIPANTS")) parts.push_back({parent, session, ""});
-    for (const pugi::xml_node section : parent.children("SECTION")) {
-      parts.push_back({section, session, TidyText(section.attribute("SECTION_ID").as_string())});
+  static void AddParts(const XmlElement& parent, int session, std::vector<SectionPart>& parts) {
+    if (parent.Child("PARTICIPANTS") != nullptr) parts.push_back({&parent, session, ""});
+    for (const XmlElement* section : parent.Children("SECTION")) {
+      parts.push_back({section, session, TidyText(section->Attribute("SECTION_ID"))});
     }
   }
 
   void ReadSection(const SectionPart& part) {
     const std::size_t first = event_.contestants.size();
-    for (const pugi::xml_node participants : part.node.children("PARTICIPANTS")) {
-      for (const pugi::xml_node child : participants.children()) ReadContestant(child, part);
+    for (const XmlElement* participants : part.node->Children("PARTICIPANTS")) {
+      for (const XmlElement& child : participants->children) ReadContestant(child, part);
     }
     if (event_.kind != Event::Kind::Pairs) return;
-    const Travellers travellers(document_, part.node);
+    const Travellers travellers(document_, *part.node);
     std::vector<const Contestant*> listed;
     for (std::size_t i = first; i < event_.contestants.size(); ++i) listed.push_back(&event_.contestants[i]);
     travellers.RequireListedPairs(document_, listed);
     for (const Contestant* contestant : listed) rawPercentages_.push_back(travellers.Percentage(*contestant));
   }
 
-  void ReadContestant(pugi::xml_node node, const SectionPart& part) {
-    const std::string kind = node.name();
+  void ReadContestant(const XmlElement& node, const SectionPart& part) {
+    const std::string& kind = node.name;
     if (kind != "PAIR" && kind != "TEAM" && kind != "PLAYER") return;
     if (event_.contestants.size() == kMaximumContestants) {
       document_.Refuse(node,
                        "more than " + std::to_string(kMaximumContestants) + " contestants; this is no club event");
     }
     Contestant contestant;
-    contestant.line = document_.Line(node);
+    contestant.line = node.line;
     contestant.session = part.session;
     contestant.section = part.name;
     ReadNumber(node, kind, contestant);
@@ -133,9 +133,9 @@ class EventReader {
     event_.contestants.push_back(std::move(contestant));
   }
 
-  void ReadNumber(pugi::xml_node node, const std::string& kind, Contestant& contestant) const {
+  void ReadNumber(const XmlElement& node, const std::string& kind, Contestant& contestant) const {
     if (kind == "TEAM") {
-      contestant.number = TidyText(node.attribute("TEAM_ID").as_string());
+      contestant.number = TidyText(node.Attribute("TEAM_ID"));
     } else {
       const char* element = kind == "PAIR" ? "PAIR_NUMBER" : "PLAYER_NUMBER";
       const std::string written = document_.Leaf(node, element);
@@ -146,7 +146,7 @@ class EventReader {
     if (contestant.number.empty()) document_.Refuse(node, "a " + kind + " has no number; expected one");
   }
 
-  void ReadResult(pugi::xml_node node, Contestant& contestant) const {
+  void ReadResult(const XmlElement& node, Contestant& contestant) const {
     std::string place = document_.Leaf(node, "PLACE");
     contestant.tied = place.ends_with("=");
     if (contestant.tied) place.pop_back();
@@ -156,41 +156,41 @@ class EventReader {
     contestant.printedPercentage = document_.Number(node, "PERCENTAGE", true);
     if (contestant.printedPercentage &&
         (*contestant.printedPercentage < 0.0 || *contestant.printedPercentage > 100.0)) {
-      document_.Refuse(node.child("PERCENTAGE"),
+      document_.Refuse(*node.Child("PERCENTAGE"),
                        "PERCENTAGE is " + document_.Leaf(node, "PERCENTAGE") + "; expected 0 to 100");
     }
     contestant.total = document_.Number(node, "TOTAL_SCORE", true);
     contestant.handicap = document_.Number(node, "HANDICAP", true);
   }
 
-  void ReadAwards(pugi::xml_node node, Contestant& contestant) const {
+  void ReadAwards(const XmlElement& node, Contestant& contestant) const {
     bool nested = false;
-    for (const pugi::xml_node award : node.children("MASTER_POINTS")) {
+    for (const XmlElement* award : node.Children("MASTER_POINTS")) {
       nested = true;
-      AddAward(award, contestant);
+      AddAward(*award, contestant);
     }
     if (!nested) AddAward(node, contestant);
   }
 
-  void AddAward(pugi::xml_node parent, Contestant& contestant) const {
+  void AddAward(const XmlElement& parent, Contestant& contestant) const {
     const std::optional<int> hundredths = document_.Whole(parent, "MASTER_POINTS_AWARDED");
     if (!hundredths || *hundredths == 0) return;
     if (*hundredths > kMaximumAward) {
-      document_.Refuse(parent.child("MASTER_POINTS_AWARDED"), "MASTER_POINTS_AWARDED is " +
-                                                                  std::to_string(*hundredths) +
-                                                                  "; expected hundredths of a point, at most 32767");
+      document_.Refuse(*parent.Child("MASTER_POINTS_AWARDED"), "MASTER_POINTS_AWARDED is " +
+                                                                   std::to_string(*hundredths) +
+                                                                   "; expected hundredths of a point, at most 32767");
     }
     std::string colour = document_.Leaf(parent, "MASTER_POINT_TYPE");
     if (colour.empty()) colour = document_.Leaf(node_, "MASTER_POINT_TYPE");
     contestant.awards.push_back({*hundredths / 100.0, ColourCode(colour)});
   }
 
-  void ReadPlayers(pugi::xml_node node, Contestant& contestant) const {
-    for (const pugi::xml_node child : node.children()) {
-      const std::string name = child.name();
+  void ReadPlayers(const XmlElement& node, Contestant& contestant) const {
+    for (const XmlElement& child : node.children) {
+      const std::string& name = child.name;
       if (name == "PLAYER") AddPlayerOnce(ReadPlayer(child), contestant);
       if (name == "PAIR") {
-        for (const pugi::xml_node player : child.children("PLAYER")) AddPlayerOnce(ReadPlayer(player), contestant);
+        for (const XmlElement* player : child.Children("PLAYER")) AddPlayerOnce(ReadPlayer(*player), contestant);
       }
     }
   }
@@ -204,7 +204,7 @@ class EventReader {
     if (!known) contestant.players.push_back(std::move(player));
   }
 
-  [[nodiscard]] EventPlayer ReadPlayer(pugi::xml_node node) const {
+  [[nodiscard]] EventPlayer ReadPlayer(const XmlElement& node) const {
     EventPlayer player;
     player.name = document_.Leaf(node, "PLAYER_NAME");
     player.name = Trim(player.name.substr(0, player.name.find('#')));
@@ -216,7 +216,7 @@ class EventReader {
     return player;
   }
 
-  void CheckPlayers(pugi::xml_node node, const std::string& kind, const Contestant& contestant) {
+  void CheckPlayers(const XmlElement& node, const std::string& kind, const Contestant& contestant) {
     for (const EventPlayer& player : contestant.players) {
       if (player.name.empty() && player.nationalNumber.empty()) {
         document_.Refuse(
@@ -319,7 +319,7 @@ class EventReader {
   }
 
   const XmlDocument& document_;
-  pugi::xml_node node_;
+  const XmlElement& node_;
   Event event_;
   std::vector<std::optional<double>> rawPercentages_;  // by contestant, of pairs events
 };
@@ -345,14 +345,12 @@ std::vector<Event> ReadUsebio(std::string_view bytes, const std::string& fileNam
     throw Error(ErrorNumber::InvalidArgument, "tavi",
                 fileName + ":1: the file is empty; expected a USEBIO result file");
   }
-  std::string text = DecodeXml(bytes, fileName);
-  CheckXmlIsHarmless(text, fileName);
-  const XmlDocument document(std::move(text), fileName);
-  const std::string root = document.Root().name();
+  const XmlDocument document(DecodeXml(bytes, fileName), fileName);
+  const std::string& root = document.Root().name;
   if (root != "USEBIO") document.Refuse(document.Root(), "the root element is " + TidyText(root) + "; expected USEBIO");
   std::vector<Event> events;
-  for (const pugi::xml_node node : document.Root().children("EVENT"))
-    events.push_back(EventReader(document, node).Read());
+  for (const XmlElement* node : document.Root().Children("EVENT"))
+    events.push_back(EventReader(document, *node).Read());
   if (events.empty()) document.Refuse(document.Root(), "there is no EVENT in the file; expected one at least");
   TellApart(events);
   return events;

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <optional>
 
+#include "host/results/XmlParser.h"
+#include "host/text/PathText.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -89,42 +91,21 @@ bool IsLatin(const std::string& encoding) {
   return std::find(kNames.begin(), kNames.end(), encoding) != kNames.end();
 }
 
-/// Steps over markup that holds no elements; gives the place behind it.
-std::size_t SkipTo(std::string_view text, std::size_t at, std::string_view end, const std::string& fileName) {
-  const std::size_t found = text.find(end, at);
-  if (found == std::string_view::npos) {
-    Refuse(fileName, LineOf(text, at),
-           "the file ends inside markup; expected " + std::string(end) + " and the rest of the file");
-  }
-  return found + end.size();
-}
-
-std::size_t SkipDocumentType(std::string_view text, std::size_t at, const std::string& fileName) {
-  const std::size_t end = text.find('>', at);
-  const std::size_t subset = text.find('[', at);
-  if (subset == std::string_view::npos || subset > end) return SkipTo(text, at, ">", fileName);
-  const std::size_t close = SkipTo(text, subset, "]", fileName);
-  if (text.substr(subset, close - subset).find("<!ENTITY") != std::string_view::npos) {
-    Refuse(fileName, LineOf(text, text.find("<!ENTITY", subset)),
-           "the document type defines entities, which result files have no use for; expected none");
-  }
-  return SkipTo(text, close, ">", fileName);
-}
-
 }  // namespace
 
 std::string ReadWholeFile(const std::string& path) {
   const auto refuse = [&path](const std::string& reason) {
     throw Error(ErrorNumber::InvalidArgument, "tavi", path + ": " + reason);
   };
+  const std::filesystem::path file = PathOf(path);
   std::error_code code;
-  const auto status = std::filesystem::status(path, code);
+  const auto status = std::filesystem::status(file, code);
   if (!std::filesystem::exists(status)) refuse("there is no such file");
   if (std::filesystem::is_directory(status)) refuse("is a folder; a file was expected");
-  if (std::filesystem::is_regular_file(status) && std::filesystem::file_size(path, code) > kMaximumResultFileBytes) {
+  if (std::filesystem::is_regular_file(status) && std::filesystem::file_size(file, code) > kMaximumResultFileBytes) {
     refuse("is larger than 32 MiB; a file of this kind is not so large");
   }
-  std::ifstream stream(path, std::ios::binary);
+  std::ifstream stream(file, std::ios::binary);
   if (!stream) refuse("cannot be opened for reading");
   std::string bytes;
   std::array<char, 65536> buffer{};
@@ -134,11 +115,6 @@ std::string ReadWholeFile(const std::string& path) {
   }
   if (stream.bad()) refuse("cannot be read to its end");
   return bytes;
-}
-
-std::size_t LineOf(std::string_view text, std::size_t offset) {
-  const std::string_view before = text.substr(0, std::min(offset, text.size()));
-  return 1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
 }
 
 std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
@@ -160,33 +136,6 @@ std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
            "encoding");
   }
   return std::string(bytes);
-}
-
-void CheckXmlIsHarmless(std::string_view text, const std::string& fileName) {
-  int depth = 0;
-  for (std::size_t at = text.find('<'); at != std::string_view::npos; at = text.find('<', at)) {
-    const std::string_view rest = text.substr(at);
-    if (rest.starts_with("<!--")) {
-      at = SkipTo(text, at + 4, "-->", fileName);
-    } else if (rest.starts_with("<![CDATA[")) {
-      at = SkipTo(text, at, "]]>", fileName);
-    } else if (rest.starts_with("<!DOCTYPE")) {
-      at = SkipDocumentType(text, at, fileName);
-    } else if (rest.starts_with("<?")) {
-      at = SkipTo(text, at, "?>", fileName);
-    } else {
-      const std::size_t end = SkipTo(text, at, ">", fileName);
-      const bool closing = rest.starts_with("</");
-      const bool empty = text[end - 2] == '/';
-      if (closing) --depth;
-      if (!closing && !empty && ++depth > kMaximumElementDepth) {
-        Refuse(fileName, LineOf(text, at),
-               "elements lie more than " + std::to_string(kMaximumElementDepth) +
-                   " deep; expected 8 or so, as in result files");
-      }
-      at = end;
-    }
-  }
 }
 
 }  // namespace tavi::host

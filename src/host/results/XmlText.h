@@ -8,9 +8,6 @@ namespace tavi::host {
 
 /// The largest result file that is read, in bytes.
 inline constexpr std::size_t kMaximumResultFileBytes = std::size_t{32} << 20U;
-/// How deep elements may lie inside one another; real files reach 8.
-inline constexpr int kMaximumElementDepth = 64;
-
 /// Reads a whole file. Raises InvalidArgument that names the file when it is missing, a folder, unreadable or too
 /// large.
 std::string ReadWholeFile(const std::string& path);
@@ -20,12 +17,5 @@ std::string ReadWholeFile(const std::string& path);
 /// that is not UTF-8 likewise. Raises InvalidArgument ("FILE:LINE: ...") when the bytes are not in the declared
 /// encoding or the encoding is unknown.
 std::string DecodeXml(std::string_view bytes, const std::string& fileName);
-
-/// Looks over the markup before a parser sees it: elements too deep, and document types that define entities, are
-/// refused with InvalidArgument ("FILE:LINE: ...").
-void CheckXmlIsHarmless(std::string_view text, const std::string& fileName);
-
-/// The number of the line (from 1) in which a byte lies.
-std::size_t LineOf(std::string_view text, std::size_t offset);
 
 }  // namespace tavi::host

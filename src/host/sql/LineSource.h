@@ -27,9 +27,10 @@ class StreamLines final : public LineSource {
   std::istream& in_;
 };
 
-/// Lines that a person types at the terminal, with editing keys and a history that is kept in a file from one session
-/// to the next (TAVI_HISTORY names it; else sql-history in the user's folder for state of programs). One at a time in a
-/// process, as the terminal is one.
-std::unique_ptr<LineSource> MakeTerminalLines();
+/// Lines that a person types at the terminal, which `in` and `out` belong to, with editing keys and a history that is
+/// kept in a file from one session to the next (TAVI_HISTORY names it; else sql-history in the user's folder for state
+/// of programs; under Windows the console has its own, for as long as it is open). One at a time in a process, as the
+/// terminal is one.
+std::unique_ptr<LineSource> MakeTerminalLines(std::istream& in, std::ostream& out);
 
 }  // namespace tavi::host

@@ -12,7 +12,7 @@ namespace {
 
 int RunShell(const Context& context, ado::Connection& connection) {
   const std::unique_ptr<LineSource> lines =
-      context.inputIsTerminal ? MakeTerminalLines() : std::make_unique<StreamLines>(context.in);
+      context.inputIsTerminal ? MakeTerminalLines(context.in, context.out) : std::make_unique<StreamLines>(context.in);
   return Shell(context, connection, *lines, context.inputIsTerminal).Run();
 }
 

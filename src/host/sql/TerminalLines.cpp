@@ -4,7 +4,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
-#include <iostream>
+#include <ostream>
 
 #include "host/sql/LineSource.h"
 
@@ -29,7 +29,8 @@ fs::path HistoryFile() {
 
 class TerminalLines final : public LineSource {
  public:
-  TerminalLines() : file_(HistoryFile()), history_(history_init()), editor_(el_init("tavi", stdin, stdout, stderr)) {
+  explicit TerminalLines(std::ostream& out)
+      : out_(out), file_(HistoryFile()), history_(history_init()), editor_(el_init("tavi", stdin, stdout, stderr)) {
     std::setlocale(LC_CTYPE, "");
     history(history_.get(), &event_, H_SETSIZE, kRememberedInputs);
     history(history_.get(), &event_, H_SETUNIQUE, 1);
@@ -54,7 +55,7 @@ class TerminalLines final : public LineSource {
     int length = 0;
     const char* line = el_gets(editor_.get(), &length);
     if (line == nullptr || length <= 0) {
-      std::cout << '\n';
+      out_ << '\n' << std::flush;
       return std::nullopt;
     }
     std::string text(line, static_cast<std::size_t>(length));
@@ -79,6 +80,7 @@ class TerminalLines final : public LineSource {
     return static_cast<TerminalLines*>(self)->prompt_.data();
   }
 
+  std::ostream& out_;
   fs::path file_;
   std::string prompt_;
   HistEvent event_{};
@@ -88,8 +90,8 @@ class TerminalLines final : public LineSource {
 
 }  // namespace
 
-std::unique_ptr<LineSource> MakeTerminalLines() {
-  return std::make_unique<TerminalLines>();
+std::unique_ptr<LineSource> MakeTerminalLines(std::istream& /*in*/, std::ostream& out) {
+  return std::make_unique<TerminalLines>(out);
 }
 
 }  // namespace tavi::host

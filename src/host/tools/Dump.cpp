@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "access/catalog/Dump.h"
+#include "host/text/PathText.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
 #include "util/NativePath.h"
@@ -18,10 +19,10 @@ void MakeFolder(const fs::path& folder) {
   fs::create_directories(folder, code);
   if (code)
     throw Error(ErrorNumber::InvalidArgument, "tavi",
-                "the folder " + folder.string() + " cannot be made: " + code.message());
+                "the folder " + TextOf(folder) + " cannot be made: " + ReasonOf(code));
   if (!fs::is_empty(folder, code) || code) {
     throw Error(ErrorNumber::InvalidArgument, "tavi",
-                "the folder " + folder.string() +
+                "the folder " + TextOf(folder) +
                     " is not empty; name a new one, so that no other file is taken for a "
                     "table of this dump");
   }
@@ -32,7 +33,7 @@ void WriteFile(const fs::path& path, const std::string& text) {
   stream << text;
   stream.close();
   if (!stream)
-    throw Error(ErrorNumber::InvalidArgument, "tavi", path.string() + " cannot be written; is the disk full?");
+    throw Error(ErrorNumber::InvalidArgument, "tavi", TextOf(path) + " cannot be written; is the disk full?");
 }
 
 }  // namespace

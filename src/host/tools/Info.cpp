@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "host/sql/Query.h"
+#include "host/text/PathText.h"
 #include "util/NativePath.h"
 
 namespace tavi::host {
@@ -30,7 +31,7 @@ int ShowInfo(const Context& context) {
   Table table({"What", "Value"});
   const std::string path = NativePath(file);
   table.Add({std::string("File"), path});
-  table.Add({std::string("Bytes"), static_cast<std::int64_t>(std::filesystem::file_size(path))});
+  table.Add({std::string("Bytes"), static_cast<std::int64_t>(std::filesystem::file_size(PathOf(path)))});
   table.Add({std::string("Club"),
              CellOf(OneValue(*connection, "Select Top 1 ClubName From ClubNames Order By ClubID Desc"))});
   table.Add({std::string("Members"), count("Members")});

@@ -4,6 +4,7 @@
 #include <ostream>
 
 #include "composition/Composition.h"
+#include "host/text/PathText.h"
 #include "platform/values/Error.h"
 #include "store/BaseFile.h"
 #include "store/cDatabase.h"
@@ -14,7 +15,7 @@ namespace {
 
 void RemoveQuietly(const std::string& path) {
   std::error_code ignored;
-  std::filesystem::remove(path, ignored);
+  std::filesystem::remove(PathOf(path), ignored);
 }
 
 void StoreNationalNumber(const Context& context, const std::string& number) {
@@ -29,13 +30,13 @@ void StoreNationalNumber(const Context& context, const std::string& number) {
 void MakeClub(const Context& context, const ClubIdentity& identity) {
   const std::string folder = NativePath(context.ClubFolder());
   const std::string file = NativePath(context.ClubFile());
-  if (std::filesystem::exists(file)) {
+  if (std::filesystem::exists(PathOf(file))) {
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
   }
   std::error_code code;
-  std::filesystem::create_directories(folder, code);
+  std::filesystem::create_directories(PathOf(folder), code);
   if (code) {
-    throw Error(ErrorNumber::InvalidArgument, "tavi", "the folder " + folder + " cannot be made: " + code.message());
+    throw Error(ErrorNumber::InvalidArgument, "tavi", "the folder " + folder + " cannot be made: " + ReasonOf(code));
   }
   CreateEmptyDatabase(file, context.platform->clock->Now());
   try {

@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "host/text/PathText.h"
 #include "host/text/ProgressBar.h"
 #include "host/tools/NewClub.h"
 #include "host/tools/TemporaryCopy.h"
@@ -69,11 +70,11 @@ bool HoldsData(const Context& context) {
 
 void RequirePermission(const Context& context, const RecoverRequest& request, const std::string& clubFile) {
   std::error_code ignored;
-  if (fs::equivalent(NativeFilePath(request.oldFile), clubFile, ignored)) {
+  if (fs::equivalent(NativeFilePath(request.oldFile), PathOf(clubFile), ignored)) {
     Refuse(clubFile +
            " is the club's own file. Move it to another place first, or name another folder with --db FOLDER.");
   }
-  if (!request.replace && fs::exists(clubFile) && HoldsData(context)) {
+  if (!request.replace && fs::exists(PathOf(clubFile)) && HoldsData(context)) {
     Refuse(clubFile +
            " holds data already. Recovery empties its tables first; with --replace it does so, or name another folder "
            "with --db FOLDER.");
@@ -173,13 +174,13 @@ RecoveryReport RunRecovery(const Context& context, const TemporaryCopy& copy, co
 /// Makes the club's file when there is none, and takes it away again when nothing was recovered.
 RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
   const TemporaryCopy copy(NativeFilePath(oldFile));
-  const bool isNew = !fs::exists(clubFile);
+  const bool isNew = !fs::exists(PathOf(clubFile));
   if (isNew) MakeClub(context, {});
   try {
     return RunRecovery(context, copy, Naming(copy.Path(), oldFile));
   } catch (...) {
     std::error_code ignored;
-    if (isNew) fs::remove(clubFile, ignored);
+    if (isNew) fs::remove(PathOf(clubFile), ignored);
     throw;
   }
 }

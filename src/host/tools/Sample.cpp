@@ -7,6 +7,7 @@
 
 #include "host/commands/Score.h"
 #include "host/results/UsebioReader.h"
+#include "host/text/PathText.h"
 #include "host/tools/Import.h"
 #include "host/tools/NewClub.h"
 #include "platform/values/Error.h"
@@ -17,23 +18,23 @@ namespace {
 
 /// A folder that is not there yet.
 std::string NewFolder() {
-  const std::string stem = (std::filesystem::current_path() / "sample-club").string();
+  const std::string stem = TextOf(std::filesystem::current_path() / "sample-club");
   std::string folder = stem;
-  for (int number = 2; std::filesystem::exists(folder); ++number) folder = stem + "-" + std::to_string(number);
+  for (int number = 2; std::filesystem::exists(PathOf(folder)); ++number) folder = stem + "-" + std::to_string(number);
   return folder;
 }
 
 std::vector<std::string> ResultFiles(const std::string& from) {
   std::vector<std::string> files;
-  const std::filesystem::path folder = std::filesystem::path(from) / "evenings";
+  const std::filesystem::path folder = PathOf(from) / "evenings";
   if (std::filesystem::is_directory(folder)) {
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-      if (entry.path().extension() == ".xml") files.push_back(entry.path().string());
+      if (entry.path().extension() == ".xml") files.push_back(TextOf(entry.path()));
     }
   }
   if (files.empty()) {
     throw Error(ErrorNumber::InvalidArgument, "tavi",
-                folder.string() + " holds no result files; expected USEBIO files (.xml)");
+                TextOf(folder) + " holds no result files; expected USEBIO files (.xml)");
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -50,8 +51,8 @@ int MakeSample(Context context, const std::string& from) {
   quiet.folder = context.folder;
   quiet.platform = context.platform;
   MakeClub(quiet, {"Sample Bridge Club", ""});
-  ImportMembers(quiet, (std::filesystem::path(from) / "members.csv").string());
-  ImportPairs(quiet, (std::filesystem::path(from) / "pairs.csv").string());
+  ImportMembers(quiet, TextOf(PathOf(from) / "members.csv"));
+  ImportPairs(quiet, TextOf(PathOf(from) / "pairs.csv"));
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
   const std::vector<ScoredFile> scored = ScoreFiles(context, *club, files);
   for (const ScoredFile& file : scored) {

@@ -6,6 +6,7 @@
 
 #include "access/file/Page.h"
 #include "composition/Composition.h"
+#include "host/text/PathText.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
@@ -32,7 +33,7 @@ std::string FirstBytes(const fs::path& file, std::size_t count) {
 }
 
 [[noreturn]] void Raise(const fs::path& file, const std::string& why) {
-  throw Error(ErrorNumber::InvalidArgument, "tavi", file.string() + " cannot be read: " + why);
+  throw Error(ErrorNumber::InvalidArgument, "tavi", TextOf(file) + " cannot be read: " + why);
 }
 
 fs::path NewFolder() {
@@ -63,7 +64,7 @@ TemporaryCopy::TemporaryCopy(const fs::path& original) {
     Copy(original);
   } catch (const fs::filesystem_error& error) {
     fs::remove_all(folder_, ignored);
-    Raise(original, error.code().message());
+    Raise(original, ReasonOf(error.code()));
   }
 }
 
@@ -72,13 +73,17 @@ TemporaryCopy::~TemporaryCopy() {
   fs::remove_all(folder_, ignored);
 }
 
+std::string TemporaryCopy::Path() const {
+  return TextOf(file_);
+}
+
 void TemporaryCopy::Copy(const fs::path& original) const {
   fs::copy_file(original, file_);
-  const fs::path log = original.string() + kLogSuffix;
+  const fs::path log = PathOf(TextOf(original) + kLogSuffix);
   const fs::perms readAndWrite = fs::perms::owner_read | fs::perms::owner_write;
   fs::permissions(file_, readAndWrite);
   if (fs::exists(log)) {
-    const fs::path copy = file_.string() + kLogSuffix;
+    const fs::path copy = PathOf(Path() + kLogSuffix);
     fs::copy_file(log, copy);
     fs::permissions(copy, readAndWrite);
   }
@@ -89,7 +94,7 @@ void TemporaryCopy::Copy(const fs::path& original) const {
 
 void TemporaryCopy::ReplaceFirstPage() const {
   const fs::path sound = folder_ / "new.mdb";
-  CreateEmptyDatabase(sound.string(), Date{});
+  CreateEmptyDatabase(TextOf(sound), Date{});
   const std::string page = FirstBytes(sound, access::kPageSize);
   fs::remove(sound);
   std::fstream stream(file_, std::ios::binary | std::ios::in | std::ios::out);

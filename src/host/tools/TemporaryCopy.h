@@ -17,7 +17,7 @@ class TemporaryCopy {
   TemporaryCopy(const TemporaryCopy&) = delete;
   TemporaryCopy& operator=(const TemporaryCopy&) = delete;
 
-  [[nodiscard]] std::string Path() const { return file_.string(); }
+  [[nodiscard]] std::string Path() const;
 
  private:
   void Copy(const std::filesystem::path& original) const;

@@ -1,0 +1,90 @@
+#include "host/results/XmlDocument.h"
+
+#include "host/results/XmlParser.h"
+#include "host/text/Figures.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+/// Digits with at most one point between or behind them.
+bool IsPlainDecimal(std::string_view text) {
+  const std::size_t point = text.find('.');
+  if (point == std::string_view::npos) return IsFigures(text);
+  const std::string_view fraction = text.substr(point + 1);
+  return IsFigures(text.substr(0, point)) && (fraction.empty() || IsFigures(fraction));
+}
+
+std::optional<Date> ParseDate(const std::string& text) {
+  const std::string unified = ReplaceAll(text, "-", "/");
+  const std::vector<std::string> parts = Split(unified, '/');
+  if (parts.size() != 3 || !IsFigures(parts[0]) || !IsFigures(parts[1]) || !IsFigures(parts[2])) return std::nullopt;
+  const bool yearFirst = parts[0].size() == 4;
+  const std::string& year = yearFirst ? parts[0] : parts[2];
+  const std::string& day = yearFirst ? parts[2] : parts[0];
+  if (year.size() != 4 || day.size() > 2 || parts[1].size() > 2) return std::nullopt;
+  try {
+    return Date::FromCivil(std::stoi(year), std::stoi(parts[1]), std::stoi(day));
+  } catch (const Error&) {
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+XmlDocument::XmlDocument(std::string_view text, std::string fileName)
+    : fileName_(std::move(fileName)), root_(ParseXml(text, fileName_)) {}
+
+void XmlDocument::Refuse(const XmlElement& element, const std::string& reason) const {
+  RefuseLine(element.line, reason);
+}
+
+void XmlDocument::RefuseChild(const XmlElement& parent, const char* name, const std::string& reason) const {
+  const XmlElement* child = parent.Child(name);
+  Refuse(child == nullptr ? parent : *child, reason);
+}
+
+void XmlDocument::RefuseLine(std::size_t line, const std::string& reason) const {
+  throw Error(ErrorNumber::InvalidArgument, "tavi", fileName_ + ":" + std::to_string(line) + ": " + reason);
+}
+
+std::string XmlDocument::Leaf(const XmlElement& parent, const char* name) const {
+  const XmlElement* child = parent.Child(name);
+  return child == nullptr ? std::string() : TidyText(child->text);
+}
+
+std::optional<double> XmlDocument::Number(const XmlElement& parent, const char* name, bool allowSign) const {
+  const std::string text = Leaf(parent, name);
+  if (text.empty()) return std::nullopt;
+  const bool isSigned = allowSign && (text.front() == '-' || text.front() == '+');
+  const std::string digits = isSigned ? text.substr(1) : text;
+  if (!IsPlainDecimal(digits) || digits.size() > 15) {
+    RefuseChild(parent, name,
+                std::string(name) + " is \"" + text + "\"; expected a number with a decimal point, such as 52.38");
+  }
+  const double number = ParseNumber(digits).value_or(0.0);
+  return isSigned && text.front() == '-' ? -number : number;
+}
+
+std::optional<int> XmlDocument::Whole(const XmlElement& parent, const char* name) const {
+  const std::string text = Leaf(parent, name);
+  if (text.empty()) return std::nullopt;
+  if (!IsFigures(text) || text.size() > kLongestWholeNumber) {
+    RefuseChild(parent, name, std::string(name) + " is \"" + text + "\"; expected a whole number");
+  }
+  return std::stoi(text);
+}
+
+Date XmlDocument::RequiredDate(const XmlElement& parent, const char* name) const {
+  const std::string text = Leaf(parent, name);
+  if (text.empty()) Refuse(parent, std::string("the event has no ") + name + "; expected the day it was played on");
+  const std::optional<Date> date = ParseDate(text);
+  if (!date) {
+    RefuseChild(parent, name, std::string(name) + " is \"" + text + "\"; expected dd/mm/yyyy or yyyy-mm-dd");
+  }
+  return *date;
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,166 @@
+#include "host/text/WindowsTerminal.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <iostream>
+
+#include "platform/values/Text.h"
+#include "platform/values/WideText.h"
+
+namespace tavi::host {
+namespace {
+
+bool IsConsole(HANDLE handle) {
+  DWORD mode = 0;
+  return ::GetConsoleMode(handle, &mode) != 0;
+}
+
+/// How many bytes at the end are the beginning of a character that is still to come.
+std::size_t UnfinishedBytes(const std::string& text) {
+  constexpr std::size_t kLongest = 3;
+  for (std::size_t count = 1; count <= std::min(kLongest, text.size()); ++count) {
+    const auto byte = static_cast<unsigned char>(text[text.size() - count]);
+    if (byte < 0x80) return 0;
+    if (byte < 0xC0) continue;
+    const std::size_t length = byte >= 0xF0 ? 4 : byte >= 0xE0 ? 3 : 2;
+    return count < length ? count : 0;
+  }
+  return 0;
+}
+
+}  // namespace
+
+/// Writes UTF-8 on a console, line by line.
+class WindowsTerminal::ConsoleWriter final : public std::streambuf {
+ public:
+  /// `understandsSequences` tells whether the console can be made to follow escape sequences.
+  ConsoleWriter(HANDLE console, bool* understandsSequences) : console_(console) {
+    ::GetConsoleMode(console_, &formerMode_);
+    const DWORD mode = formerMode_ | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING;
+    const bool isSet = ::SetConsoleMode(console_, mode) != 0;
+    if (understandsSequences != nullptr) *understandsSequences = isSet;
+  }
+  ~ConsoleWriter() override {
+    WritePending();
+    ::SetConsoleMode(console_, formerMode_);
+  }
+  ConsoleWriter(const ConsoleWriter&) = delete;
+  ConsoleWriter& operator=(const ConsoleWriter&) = delete;
+
+ protected:
+  int_type overflow(int_type character) override {
+    if (traits_type::eq_int_type(character, traits_type::eof())) return traits_type::not_eof(character);
+    const char byte = traits_type::to_char_type(character);
+    xsputn(&byte, 1);
+    return character;
+  }
+
+  std::streamsize xsputn(const char* bytes, std::streamsize count) override {
+    constexpr std::size_t kMostPending = 4096;
+    const std::string_view added(bytes, static_cast<std::size_t>(count));
+    pending_ += added;
+    if (pending_.size() > kMostPending || added.find('\n') != std::string_view::npos) WritePending();
+    return count;
+  }
+
+  int sync() override {
+    WritePending();
+    return 0;
+  }
+
+ private:
+  void WritePending() {
+    // Consoles of older systems refuse more at a time.
+    constexpr std::size_t kMostAtATime = 8000;
+    const std::size_t ready = pending_.size() - UnfinishedBytes(pending_);
+    const std::wstring text = windows::ToWide(ReplaceAll(pending_.substr(0, ready), "\n", "\r\n"));
+    pending_.erase(0, ready);
+    for (std::size_t at = 0; at < text.size();) {
+      DWORD written = 0;
+      const auto count = static_cast<DWORD>(std::min(kMostAtATime, text.size() - at));
+      if (::WriteConsoleW(console_, text.data() + at, count, &written, nullptr) == 0 || written == 0) return;
+      at += written;
+    }
+  }
+
+  HANDLE console_;
+  DWORD formerMode_ = 0;
+  std::string pending_;
+};
+
+/// Reads what is typed at a console as UTF-8. A line that begins with Ctrl+Z ends the input.
+class WindowsTerminal::ConsoleReader final : public std::streambuf {
+ public:
+  explicit ConsoleReader(HANDLE console) : console_(console) {}
+
+ protected:
+  int_type underflow() override {
+    constexpr wchar_t kEndKey = 0x1A;
+    std::array<wchar_t, 2048> typed{};
+    DWORD count = 0;
+    const bool isRead =
+        ::ReadConsoleW(console_, typed.data(), static_cast<DWORD>(typed.size()), &count, nullptr) != 0 && count > 0;
+    if (!isRead || (isLineStart_ && typed.front() == kEndKey)) return traits_type::eof();
+    isLineStart_ = typed[count - 1] == L'\n';
+    std::wstring text = unfinished_ + std::wstring(typed.data(), count);
+    unfinished_.clear();
+    if (IS_HIGH_SURROGATE(text.back())) {
+      unfinished_ = text.back();
+      text.pop_back();
+    }
+    line_ = ReplaceAll(windows::FromWide(text), "\r\n", "\n");
+    setg(line_.data(), line_.data(), line_.data() + line_.size());
+    return line_.empty() ? underflow() : traits_type::to_int_type(line_.front());
+  }
+
+ private:
+  HANDLE console_;
+  bool isLineStart_ = true;
+  std::wstring unfinished_;
+  std::string line_;
+};
+
+WindowsTerminal::WindowsTerminal() {
+  for (FILE* stream : {stdin, stdout, stderr}) static_cast<void>(_setmode(_fileno(stream), _O_BINARY));
+  const HANDLE in = ::GetStdHandle(STD_INPUT_HANDLE);
+  const HANDLE out = ::GetStdHandle(STD_OUTPUT_HANDLE);
+  const HANDLE error = ::GetStdHandle(STD_ERROR_HANDLE);
+  if (IsConsole(in)) in_ = std::make_unique<ConsoleReader>(in);
+  if (IsConsole(out)) out_ = std::make_unique<ConsoleWriter>(out, nullptr);
+  if (IsConsole(error)) error_ = std::make_unique<ConsoleWriter>(error, &showsProgress_);
+  if (in_) formerIn_ = std::cin.rdbuf(in_.get());
+  if (out_) formerOut_ = std::cout.rdbuf(out_.get());
+  if (error_) formerError_ = std::cerr.rdbuf(error_.get());
+}
+
+WindowsTerminal::~WindowsTerminal() {
+  std::cout.flush();
+  std::cerr.flush();
+  if (in_) std::cin.rdbuf(formerIn_);
+  if (out_) std::cout.rdbuf(formerOut_);
+  if (error_) std::cerr.rdbuf(formerError_);
+}
+
+Terminal WindowsTerminal::Streams() {
+  return {std::cin, std::cout, std::cerr, in_ != nullptr, out_ != nullptr, showsProgress_};
+}
+
+std::vector<std::string> ProgramArguments() {
+  struct FreeLocally {
+    void operator()(LPWSTR* list) const { ::LocalFree(list); }
+  };
+  int count = 0;
+  const std::unique_ptr<LPWSTR, FreeLocally> list(::CommandLineToArgvW(::GetCommandLineW(), &count));
+  std::vector<std::string> arguments;
+  for (int i = 1; list && i < count; ++i) arguments.push_back(windows::FromWide(list.get()[i]));
+  return arguments;
+}
+
+}  // namespace tavi::host
