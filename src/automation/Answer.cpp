@@ -27,8 +27,7 @@ HRESULT Classify() {
     // A number without the sign of a failure would be taken for success.
     return FAILED(error.Number()) ? error.Number() : E_FAIL;
   } catch (const std::bad_alloc&) {
-    ::SetErrorInfo(0, nullptr);
-    return E_OUTOFMEMORY;
+    return WithoutInformation(E_OUTOFMEMORY);
   } catch (const std::exception& error) {
     LeaveInformation(kSource, error.what());
     return E_FAIL;
@@ -40,10 +39,16 @@ HRESULT Classify() {
 HRESULT ResultOfException() noexcept {
   try {
     return Classify();
+  } catch (const std::bad_alloc&) {
+    return WithoutInformation(E_OUTOFMEMORY);
   } catch (...) {
-    ::SetErrorInfo(0, nullptr);
-    return E_FAIL;
+    return WithoutInformation(E_FAIL);
   }
+}
+
+HRESULT WithoutInformation(HRESULT result) noexcept {
+  ::SetErrorInfo(0, nullptr);
+  return result;
 }
 
 }  // namespace tavi::automation

@@ -10,6 +10,10 @@ namespace tavi::automation {
 /// rich error information. Never throws.
 HRESULT ResultOfException() noexcept;
 
+/// A failure that its number says enough about. What an earlier failure left as the thread's error information must not
+/// be taken for this one's.
+HRESULT WithoutInformation(HRESULT result) noexcept;
+
 namespace detail {
 
 template <typename... Pointers>
@@ -29,7 +33,7 @@ void ClearLast(Pointers*... pointers) {
 /// first.
 template <typename Body, typename... Pointers>
 HRESULT Answer(Body body, Pointers*... pointers) noexcept {
-  if (detail::AnyIsNull(pointers...)) return E_POINTER;
+  if (detail::AnyIsNull(pointers...)) return WithoutInformation(E_POINTER);
   detail::ClearLast(pointers...);
   try {
     body();

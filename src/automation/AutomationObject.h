@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ocidl.h>
+
 #include <atomic>
 
 #include "automation/Answer.h"
@@ -10,9 +12,9 @@
 namespace tavi::automation {
 
 /// What every object of the server is: counted by references, callable through its interface and by name, with rich
-/// errors. An object is used on the thread that created it.
-template <typename Interface>
-class AutomationObject : public Interface, public ISupportErrorInfo {
+/// errors, and able to tell its class. An object is used on the thread that created it.
+template <typename Interface, typename Class>
+class AutomationObject : public Interface, public IProvideClassInfo, public ISupportErrorInfo {
  public:
   AutomationObject() = default;
   AutomationObject(const AutomationObject&) = delete;
@@ -36,13 +38,18 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     return Answer([&] { *count = 1; }, count);
   }
   STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** result) override {
-    if (index != 0) return DISP_E_BADINDEX;
-    return Answer(
+    HRESULT found = S_OK;
+    const HRESULT answer = Answer(
         [&] {
+          if (index != 0) {
+            found = DISP_E_BADINDEX;
+            return;
+          }
           *result = Information();
           (*result)->AddRef();
         },
         result);
+    return FAILED(answer) ? answer : found;
   }
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* members) override {
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
@@ -55,9 +62,16 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
                       VARIANT* value, EXCEPINFO* exception, UINT* badArgument) override {
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
     if (parameters == nullptr) return E_POINTER;
+    // A script's variable that gets a value may hold the last reference to this object.
+    this->AddRef();
+    const windows::ComPointer<Interface> alive(this);
     HRESULT result = S_OK;
     const HRESULT answer = Answer([&] { result = Call(member, flags, *parameters, value, exception, badArgument); });
     return FAILED(answer) ? answer : result;
+  }
+
+  STDMETHODIMP GetClassInfo(ITypeInfo** result) override {
+    return Answer([&] { *result = TypeInformationOf(__uuidof(Class)).Detach(); }, result);
   }
 
   STDMETHODIMP InterfaceSupportsErrorInfo(REFIID wanted) override {
@@ -71,6 +85,7 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
   /// One of the interfaces of this object, without a new reference; null for others.
   virtual void* Find(REFIID wanted) {
     if (wanted == IID_ISupportErrorInfo) return static_cast<ISupportErrorInfo*>(this);
+    if (wanted == IID_IProvideClassInfo) return static_cast<IProvideClassInfo*>(this);
     const bool isMain = wanted == IID_IUnknown || wanted == IID_IDispatch || wanted == __uuidof(Interface);
     return isMain ? static_cast<Interface*>(this) : nullptr;
   }
@@ -88,8 +103,8 @@ class AutomationObject : public Interface, public ISupportErrorInfo {
     if (FAILED(result)) return result;
     // What an earlier failure left must not be taken for this one's.
     ::SetErrorInfo(0, nullptr);
-    result = Information()->Invoke(static_cast<Interface*>(this), member, flags, call.Parameters(), value, exception,
-                                   badArgument);
+    result = Information()->Invoke(static_cast<Interface*>(this), member, call.Flags(), call.Parameters(), value,
+                                   exception, badArgument);
     if (FAILED(result)) return result;
     const HRESULT passedBack = call.PassBack();
     return FAILED(passedBack) ? passedBack : MakeReadableForScripts(value);

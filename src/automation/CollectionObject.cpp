@@ -26,7 +26,8 @@ STDMETHODIMP CollectionObject::get__NewEnum(IUnknown** result) {
 
 const VARIANT& CollectionObject::ItemAt(const VARIANT& index) const {
   const VARIANT& given = Referred(index);
-  if (given.vt == VT_BSTR || given.vt == (VT_BYREF | VT_BSTR)) {
+  const bool isText = given.vt == VT_BSTR || (given.vt == (VT_BYREF | VT_BSTR) && given.pbstrVal != nullptr);
+  if (isText) {
     const std::string key = LowerCase(ToText(given.vt == VT_BSTR ? given.bstrVal : *given.pbstrVal));
     for (const CollectionItem& item : *items_) {
       if (!item.key.empty() && LowerCase(item.key) == key) return item.value.Get();

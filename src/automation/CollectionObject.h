@@ -21,7 +21,7 @@ struct CollectionItem {
 using CollectionItems = std::shared_ptr<const std::vector<CollectionItem>>;
 
 /// A collection for automation.
-class CollectionObject final : public AutomationObject<_Collection> {
+class CollectionObject final : public AutomationObject<_Collection, ::Collection> {
  public:
   explicit CollectionObject(CollectionItems items) : items_(std::move(items)) {}
 

@@ -46,6 +46,10 @@ inline void Return(double* result, double value) {
 inline void Return(BSTR* result, const std::string& value) {
   *result = windows::AutomationText(value).Detach();
 }
+inline void Return(VARIANT* result, const std::string& value) {
+  result->bstrVal = windows::AutomationText(value).Detach();
+  result->vt = VT_BSTR;
+}
 
 /// An argument that is passed back: an operation changes its value, and when the operation has succeeded the caller's
 /// variable gets it.

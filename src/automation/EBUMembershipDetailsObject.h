@@ -8,7 +8,7 @@
 namespace tavi::automation {
 
 /// The class EBUMembershipDetails for automation.
-class EBUMembershipDetailsObject final : public AutomationObject<_EBUMembershipDetails> {
+class EBUMembershipDetailsObject final : public AutomationObject<_EBUMembershipDetails, ::EBUMembershipDetails> {
  public:
   EBUMembershipDetailsObject() = default;
   explicit EBUMembershipDetailsObject(EBUMembershipDetails values) : details_(std::move(values)) {}

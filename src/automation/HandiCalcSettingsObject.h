@@ -11,7 +11,7 @@ namespace tavi::automation {
 
 /// A HandiCalcSettings for automation. The settings themselves are shared, because a database that they are stored in
 /// holds them and not a copy.
-class HandiCalcSettingsObject final : public AutomationObject<_HandiCalcSettings> {
+class HandiCalcSettingsObject final : public AutomationObject<_HandiCalcSettings, ::HandiCalcSettings> {
  public:
   explicit HandiCalcSettingsObject(std::shared_ptr<HandiCalcSettings> settings) : settings_(std::move(settings)) {}
   [[nodiscard]] const std::shared_ptr<HandiCalcSettings>& Settings() const { return settings_; }

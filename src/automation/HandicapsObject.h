@@ -8,7 +8,7 @@
 namespace tavi::automation {
 
 /// The class Handicaps for automation.
-class HandicapsObject final : public AutomationObject<_Handicaps> {
+class HandicapsObject final : public AutomationObject<_Handicaps, ::Handicaps> {
  public:
   HandicapsObject() = default;
   explicit HandicapsObject(const Handicaps& values) : handicaps_(values) {}

@@ -21,16 +21,20 @@ STDMETHODIMP_(ULONG) ItemEnumerator::Release() {
 
 STDMETHODIMP ItemEnumerator::Next(ULONG count, VARIANT* values, ULONG* fetched) {
   if (values == nullptr || (fetched == nullptr && count != 1)) return E_POINTER;
-  ULONG done = 0;
-  HRESULT result = S_OK;
-  for (; done < count && position_ < items_->size(); ++done, ++position_) {
-    ::VariantInit(&values[done]);
-    result = CopyVariant(&values[done], (*items_)[position_].value.Get());
-    if (FAILED(result)) break;
+  if (fetched != nullptr) *fetched = 0;
+  const auto given = static_cast<ULONG>(std::min<std::size_t>(count, items_->size() - position_));
+  std::for_each_n(values, given, [](VARIANT& value) { ::VariantInit(&value); });
+  for (ULONG done = 0; done < given; ++done) {
+    const HRESULT result = CopyVariant(&values[done], (*items_)[position_ + done].value.Get());
+    if (FAILED(result)) {
+      // All of them or none, so that the caller need not guess which ones are to be cleared.
+      std::for_each_n(values, done, [](VARIANT& value) { ::VariantClear(&value); });
+      return result;
+    }
   }
-  if (fetched != nullptr) *fetched = done;
-  if (FAILED(result)) return result;
-  return done == count ? S_OK : S_FALSE;
+  position_ += given;
+  if (fetched != nullptr) *fetched = given;
+  return given == count ? S_OK : S_FALSE;
 }
 
 STDMETHODIMP ItemEnumerator::Skip(ULONG count) {

@@ -5,18 +5,14 @@
 namespace tavi::automation {
 namespace {
 
-/// Finds the description of the operation that a call means, and gives it back at the end.
+/// Finds the description of the operation that a call means, and gives it back at the end. Many languages know one kind
+/// of assignment only: where a property is set to objects, an object that is assigned as a value is one that is set.
 class Description {
  public:
-  Description(ITypeInfo& information, DISPID member, WORD flags) : information_(information) {
-    FUNCDESC* candidate = nullptr;
-    for (UINT index = 0; SUCCEEDED(information.GetFuncDesc(index, &candidate)); ++index) {
-      if (candidate->memid == member && (candidate->invkind & flags) != 0) {
-        found_ = candidate;
-        return;
-      }
-      information.ReleaseFuncDesc(candidate);
-    }
+  Description(ITypeInfo& information, DISPID member, WORD flags, bool givesObject) : information_(information) {
+    Find(member, flags);
+    const bool isObjectAssigned = (flags & DISPATCH_PROPERTYPUT) != 0 && givesObject;
+    if (found_ == nullptr && isObjectAssigned) Find(member, DISPATCH_PROPERTYPUTREF);
   }
   ~Description() {
     if (found_ != nullptr) information_.ReleaseFuncDesc(found_);
@@ -26,6 +22,17 @@ class Description {
   [[nodiscard]] const FUNCDESC* Get() const { return found_; }
 
  private:
+  void Find(DISPID member, WORD flags) {
+    FUNCDESC* candidate = nullptr;
+    for (UINT index = 0; SUCCEEDED(information_.GetFuncDesc(index, &candidate)); ++index) {
+      if (candidate->memid == member && (candidate->invkind & flags) != 0) {
+        found_ = candidate;
+        return;
+      }
+      information_.ReleaseFuncDesc(candidate);
+    }
+  }
+
   ITypeInfo& information_;
   FUNCDESC* found_ = nullptr;
 };
@@ -57,6 +64,25 @@ std::size_t SizeOf(VARTYPE type) {
   }
 }
 
+/// True for the types of variable that a value can be put into.
+bool IsStorable(VARTYPE type) {
+  return type == VT_VARIANT || type == VT_BSTR || SizeOf(type) != 0;
+}
+
+bool MayBeLeftOut(const ELEMDESC& parameter) {
+  return (parameter.paramdesc.wParamFlags & (PARAMFLAG_FOPT | PARAMFLAG_FHASDEFAULT)) != 0;
+}
+
+/// The type itself when it is one that values are converted to; else VT_EMPTY.
+VARTYPE PlainType(VARTYPE type) {
+  return type == VT_BSTR || SizeOf(type) != 0 ? type : static_cast<VARTYPE>(VT_EMPTY);
+}
+
+/// The type of the variable that an argument of this kind is passed back in; VT_EMPTY when it is not passed back.
+VARTYPE PassedBackType(const ELEMDESC& parameter) {
+  return parameter.tdesc.vt == VT_PTR ? PlainType(parameter.tdesc.lptdesc->vt) : static_cast<VARTYPE>(VT_EMPTY);
+}
+
 /// Puts a value into the caller's variable of whatever type.
 HRESULT Store(const VARIANT& variable, const VARIANT& value) {
   if (variable.vt == (VT_BYREF | VT_VARIANT)) return CopyVariant(variable.pvarVal, value);
@@ -79,19 +105,47 @@ LateCall::LateCall(ITypeInfo& information, DISPID member, WORD flags, DISPPARAMS
     : information_(information), member_(member), flags_(flags), given_(parameters), fitted_(parameters) {}
 
 HRESULT LateCall::Prepare(UINT* badArgument) {
-  const Description description(information_, member_, flags_);
+  if (!IsWellFormed()) return E_INVALIDARG;
+  const Description description(information_, member_, flags_, GivesObject());
   if (description.Get() == nullptr) return DISP_E_MEMBERNOTFOUND;
-  const int count = description.Get()->cParams;
+  flags_ = static_cast<WORD>(description.Get()->invkind);
   arguments_.assign(given_.rgvarg, given_.rgvarg + given_.cArgs);
   variables_.resize(given_.cArgs);
   fitted_.rgvarg = arguments_.data();
+  return FitAll(*description.Get(), badArgument);
+}
+
+bool LateCall::IsWellFormed() const {
+  const bool hasArguments = given_.cArgs == 0 || given_.rgvarg != nullptr;
+  const bool hasNames = given_.cNamedArgs == 0 || given_.rgdispidNamedArgs != nullptr;
+  return hasArguments && hasNames && given_.cNamedArgs <= given_.cArgs;
+}
+
+/// Whether the value that a property is set to is an object.
+bool LateCall::GivesObject() const {
+  if (given_.cArgs == 0) return false;
+  const VARTYPE type = Referred(given_.rgvarg[0]).vt;
+  return type == VT_DISPATCH || type == VT_UNKNOWN;
+}
+
+HRESULT LateCall::FitAll(const FUNCDESC& operation, UINT* badArgument) {
+  const int count = operation.cParams;
+  if (given_.cArgs > static_cast<UINT>(count)) return DISP_E_BADPARAMCOUNT;
+  std::vector<bool> isGiven(static_cast<std::size_t>(count), false);
   for (UINT position = 0; position < given_.cArgs; ++position) {
     const int parameter = ParameterOf(position, count);
-    if (parameter < 0 || parameter >= count) continue;  // the call itself refuses it
-    const HRESULT result = Fit(position, description.Get()->lprgelemdescParam[parameter]);
+    const bool exists = parameter >= 0 && parameter < count;
+    const bool fits = exists && !isGiven[static_cast<std::size_t>(parameter)];
+    const HRESULT result = fits ? Fit(position, operation.lprgelemdescParam[parameter]) : DISP_E_PARAMNOTFOUND;
     if (FAILED(result)) {
       if (badArgument != nullptr) *badArgument = position;
       return result;
+    }
+    isGiven[static_cast<std::size_t>(parameter)] = true;
+  }
+  for (int parameter = 0; parameter < count; ++parameter) {
+    if (!isGiven[static_cast<std::size_t>(parameter)] && !MayBeLeftOut(operation.lprgelemdescParam[parameter])) {
+      return DISP_E_BADPARAMCOUNT;
     }
   }
   return S_OK;
@@ -104,32 +158,52 @@ int LateCall::ParameterOf(UINT position, int parameterCount) const {
 }
 
 HRESULT LateCall::Fit(UINT position, const ELEMDESC& parameter) {
-  VARIANT& argument = arguments_[position];
-  const VARIANT& value = Referred(given_.rgvarg[position]);
-  if (IsMissing(value)) {
-    if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0) {
-      argument = parameter.paramdesc.pparamdescex->varDefaultValue;
-      // The description goes before the call.
-      const HRESULT result = CopyVariant(variables_[position].Address(), argument);
-      argument = variables_[position].Get();
-      return result;
-    }
-    return (parameter.paramdesc.wParamFlags & PARAMFLAG_FOPT) != 0 ? S_OK : DISP_E_PARAMNOTOPTIONAL;
-  }
-  if (parameter.tdesc.vt == VT_PTR &&
-      SizeOf(parameter.tdesc.lptdesc->vt) + (parameter.tdesc.lptdesc->vt == VT_BSTR) > 0) {
-    return FitReference(position, parameter.tdesc.lptdesc->vt);
-  }
-  argument = value;
+  const VARIANT& given = given_.rgvarg[position];
+  if (IsNullReference(given)) return DISP_E_TYPEMISMATCH;
+  const VARIANT& value = Referred(given);
+  if (IsMissing(value)) return FitDefault(position, parameter);
+  if (IsNullReference(value)) return DISP_E_TYPEMISMATCH;
+  const VARTYPE passedBack = PassedBackType(parameter);
+  if (passedBack != VT_EMPTY) return FitReference(position, passedBack);
+  const VARTYPE type = PlainType(parameter.tdesc.vt);
+  if (type != VT_EMPTY) return FitValue(position, value, type);
+  arguments_[position] = value;
   return S_OK;
+}
+
+HRESULT LateCall::FitValue(UINT position, const VARIANT& value, VARTYPE type) {
+  VARIANT* converted = variables_[position].Address();
+  const HRESULT result = ConvertVariant(converted, value, type);
+  arguments_[position] = *converted;
+  return result;
+}
+
+HRESULT LateCall::FitDefault(UINT position, const ELEMDESC& parameter) {
+  VARIANT& argument = arguments_[position];
+  if ((parameter.paramdesc.wParamFlags & PARAMFLAG_FHASDEFAULT) != 0) {
+    // A copy, because the description goes before the call.
+    VARIANT* copy = variables_[position].Address();
+    const HRESULT result = CopyVariant(copy, parameter.paramdesc.pparamdescex->varDefaultValue);
+    argument = *copy;
+    return result;
+  }
+  argument = Referred(given_.rgvarg[position]);
+  return MayBeLeftOut(parameter) ? S_OK : DISP_E_PARAMNOTOPTIONAL;
 }
 
 HRESULT LateCall::FitReference(UINT position, VARTYPE type) {
   const VARIANT& given = given_.rgvarg[position];
   if (given.vt == (VT_BYREF | type)) return S_OK;
+  if ((given.vt & VT_BYREF) != 0 && !IsStorable(static_cast<VARTYPE>(given.vt & ~VT_BYREF))) return DISP_E_TYPEMISMATCH;
   VARIANT* variable = variables_[position].Address();
   const HRESULT result = ConvertVariant(variable, Referred(given), type);
-  if (FAILED(result)) return result;
+  if (FAILED(result)) {
+    // No operation asks what is in a variable that it passes a value back in. What a script left there from something
+    // else is no error; a variable that is declared with another type is.
+    if (given.vt != (VT_BYREF | VT_VARIANT)) return result;
+    *variable = VARIANT{};
+    variable->vt = type;
+  }
   VARIANT& argument = arguments_[position];
   argument.vt = static_cast<VARTYPE>(VT_BYREF | type);
   argument.byref = type == VT_BSTR ? static_cast<void*>(&variable->bstrVal) : static_cast<void*>(&variable->llVal);

@@ -20,11 +20,18 @@ class LateCall {
   HRESULT Prepare(UINT* badArgument);
   /// What the operation is called with.
   [[nodiscard]] DISPPARAMS* Parameters() { return &fitted_; }
+  /// The one kind of call that it is.
+  [[nodiscard]] WORD Flags() const { return flags_; }
   /// Gives the script's variables their new values, after success.
   HRESULT PassBack();
 
  private:
+  [[nodiscard]] bool IsWellFormed() const;
+  [[nodiscard]] bool GivesObject() const;
+  HRESULT FitAll(const FUNCDESC& operation, UINT* badArgument);
   HRESULT Fit(UINT position, const ELEMDESC& parameter);
+  HRESULT FitDefault(UINT position, const ELEMDESC& parameter);
+  HRESULT FitValue(UINT position, const VARIANT& value, VARTYPE type);
   HRESULT FitReference(UINT position, VARTYPE type);
   [[nodiscard]] int ParameterOf(UINT position, int parameterCount) const;
 

@@ -79,7 +79,7 @@ STDMETHODIMP MembershipDatabaseObject::GetNameAndEBUNumber(long MemberNo, short 
 }
 
 STDMETHODIMP MembershipDatabaseObject::GetEBUNoAndNames(long MemberNo, BSTR* FirstName, BSTR* Initials, BSTR* LastName,
-                                                        BSTR* result) {
+                                                        VARIANT* result) {
   return Answer(
       [&] { Return(result, database_.GetEBUNoAndNames(MemberNo, Out(FirstName), Out(Initials), Out(LastName))); },
       FirstName, Initials, LastName, result);

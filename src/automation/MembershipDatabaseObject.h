@@ -3,13 +3,14 @@
 #include <TaviMembership.h>
 
 #include "automation/AutomationObject.h"
+#include "automation/ThreadUse.h"
 #include "facade/MembershipDatabase.h"
 
 namespace tavi::automation {
 
 /// A MembershipDatabase for automation: each member is a call of the operation of its name (see the class and
 /// TaviMembership.idl).
-class MembershipDatabaseObject final : public AutomationObject<_MembershipDatabase> {
+class MembershipDatabaseObject final : public AutomationObject<_MembershipDatabase, ::MembershipDatabase> {
  public:
   STDMETHODIMP get_IncludeInactiveMembers(VARIANT_BOOL* result) override;
   STDMETHODIMP put_IncludeInactiveMembers(VARIANT_BOOL value) override;
@@ -23,7 +24,8 @@ class MembershipDatabaseObject final : public AutomationObject<_MembershipDataba
   STDMETHODIMP GetMemberName(long MemberNo, short NameFormat, BSTR DefaultName, BSTR* result) override;
   STDMETHODIMP GetNameAndEBUNumber(long MemberNo, short NameFormat, BSTR* EBUNumber, BSTR DefaultName,
                                    BSTR* result) override;
-  STDMETHODIMP GetEBUNoAndNames(long MemberNo, BSTR* FirstName, BSTR* Initials, BSTR* LastName, BSTR* result) override;
+  STDMETHODIMP GetEBUNoAndNames(long MemberNo, BSTR* FirstName, BSTR* Initials, BSTR* LastName,
+                                VARIANT* result) override;
   STDMETHODIMP SetEBUNumber(long MemberNo, BSTR EBUNo) override;
   STDMETHODIMP EnteredNumberToClubNumber(long EnteredNumber, long* result) override;
   STDMETHODIMP DeleteMember(long MembershipNumber) override;
@@ -90,6 +92,8 @@ class MembershipDatabaseObject final : public AutomationObject<_MembershipDataba
   STDMETHODIMP RecalculateAllHandicaps() override;
 
  private:
+  // Before the database, which it outlives.
+  ThreadUse use_;
   MembershipDatabase database_;
 };
 

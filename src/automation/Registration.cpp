@@ -41,6 +41,7 @@ void RegisterClass(const CreatableClass& entry, const std::wstring& file, const 
   Enter(key + L"\\Programmable", nullptr, L"");
   Enter(key + L"\\TypeLib", nullptr, typeLibrary);
   Enter(key + L"\\Version", nullptr, L"1.0");
+  Enter(key + L"\\VersionIndependentProgID", nullptr, program);
   Enter(program, nullptr, entry.description);
   Enter(program + L"\\CLSID", nullptr, TextOf(entry.identifier));
 }
@@ -61,9 +62,31 @@ class LibraryAttributes {
   TLIBATTR* attributes_ = nullptr;
 };
 
-}  // namespace
+/// Deletes a key below the classes with all that it holds.
+LSTATUS Remove(const std::wstring& key) {
+  const LSTATUS status = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
+  return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
+}
 
-void Register() {
+bool IsThere(const std::wstring& key) {
+  HKEY opened = nullptr;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
+  ::RegCloseKey(opened);
+  return true;
+}
+
+/// Removes the entries of the type library of this kind of program. The system does not tell "not there" from
+/// "refused".
+LSTATUS RemoveTypeLibrary() {
+  const windows::ComPointer<ITypeLib> library = LoadOwnTypeLibrary();
+  const LibraryAttributes attributes(*library.Get());
+  ::UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
+                      attributes->syskind);
+  const std::wstring kind = attributes->syskind == SYS_WIN64 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32";
+  return IsThere(L"TypeLib\\" + TextOf(attributes->guid) + kind) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
+
+void RegisterAll() {
   std::wstring file = ModulePath();
   const windows::ComPointer<ITypeLib> library = LoadOwnTypeLibrary();
   const LibraryAttributes attributes(*library.Get());
@@ -72,15 +95,33 @@ void Register() {
                    "The type library of TaviMembership cannot be registered");
 }
 
-void Unregister() {
+/// Removes everything that can be removed; the first thing that went wrong.
+LSTATUS RemoveAll() {
+  LSTATUS result = ERROR_SUCCESS;
+  const auto note = [&result](LSTATUS status) {
+    if (result == ERROR_SUCCESS) result = status;
+  };
   for (const CreatableClass& entry : CreatableClasses()) {
-    ::RegDeleteTreeW(HKEY_CLASSES_ROOT, ClassKey(entry).c_str());
-    ::RegDeleteTreeW(HKEY_CLASSES_ROOT, (kProgramPrefix + entry.name).c_str());
+    note(Remove(ClassKey(entry)));
+    note(Remove(kProgramPrefix + entry.name));
   }
-  const windows::ComPointer<ITypeLib> library = LoadOwnTypeLibrary();
-  const LibraryAttributes attributes(*library.Get());
-  ::UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
-                      attributes->syskind);
+  note(RemoveTypeLibrary());
+  return result;
+}
+
+}  // namespace
+
+void Register() {
+  try {
+    RegisterAll();
+  } catch (...) {
+    RemoveAll();
+    throw;
+  }
+}
+
+void Unregister() {
+  RequireRegistry(RemoveAll());
 }
 
 }  // namespace tavi::automation

@@ -40,14 +40,23 @@ class Variant {
 
 // The system's calls take values that they only read as if they could change them.
 
+/// True for a reference that leads nowhere, which the system's calls would follow.
+inline bool IsNullReference(const VARIANT& value) {
+  return (value.vt & VT_BYREF) != 0 && value.byref == nullptr;
+}
+
 /// Copies a value, following a reference; the old value of `target` is cleared.
 inline HRESULT CopyVariant(VARIANT* target, const VARIANT& source) {
+  if (IsNullReference(source)) return E_INVALIDARG;
   return ::VariantCopyInd(target, const_cast<VARIANT*>(&source));
 }
 
-/// Copies a value as one of another type, by the usual rules of automation.
+/// Copies a value as one of another type, by the usual rules of automation; an object gives its default property.
 inline HRESULT ConvertVariant(VARIANT* target, const VARIANT& source, VARTYPE type) {
-  return ::VariantChangeType(target, const_cast<VARIANT*>(&source), 0, type);
+  const bool isNoObject = source.vt == VT_DISPATCH && source.pdispVal == nullptr;
+  if (isNoObject || IsNullReference(source)) return DISP_E_TYPEMISMATCH;
+  const HRESULT result = ::VariantChangeType(target, const_cast<VARIANT*>(&source), 0, type);
+  return result == DISP_E_BADVARTYPE ? DISP_E_TYPEMISMATCH : result;
 }
 
 /// True for what a caller passes in the place of an argument that it leaves out.

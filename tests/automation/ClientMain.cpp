@@ -2,47 +2,17 @@
 // callers do. Prints each failed check and a last line with the counts; the exit code is 1 when one failed.
 #include <TaviMembership.h>
 
-#include <iostream>
 #include <string>
 
-#include "platform/windows/Com.h"
+#include "support/Checks.h"
 
 namespace {
 
-using tavi::windows::AutomationText;
-using tavi::windows::ComPointer;
-
-int checks = 0;
-int failures = 0;
-
-void Check(const char* what, bool holds) {
-  ++checks;
-  if (holds) return;
-  ++failures;
-  std::cout << "FAILED " << what << "\n";
-}
-
-template <typename Interface>
-ComPointer<Interface> Create(REFCLSID identifier) {
-  ComPointer<Interface> object;
-  Check("the class can be created", SUCCEEDED(::CoCreateInstance(identifier, nullptr, CLSCTX_INPROC_SERVER,
-                                                                 __uuidof(Interface), object.ReceiveUntyped())));
-  return object;
-}
-
-VARIANT LeftOut() {
-  VARIANT value{};
-  value.vt = VT_ERROR;
-  value.scode = DISP_E_PARAMNOTFOUND;
-  return value;
-}
-
-long AddMember(_MembershipDatabase& database, const char* first, const char* last) {
-  long number = 0;
-  Check("AddNewMember", database.AddNewMember(AutomationText(first).Get(), AutomationText("").Get(),
-                                              AutomationText(last).Get(), LeftOut(), &number) == S_OK);
-  return number;
-}
+using tavi::automation_test::AddMember;
+using tavi::automation_test::AutomationText;
+using tavi::automation_test::Check;
+using tavi::automation_test::ComPointer;
+using tavi::automation_test::Create;
 
 void CheckIdentity(_MembershipDatabase& database) {
   ComPointer<IUnknown> unknown;
@@ -65,15 +35,16 @@ void CheckPassedBackTexts(_MembershipDatabase& database, long member) {
   BSTR firstName = first.Detach();
   BSTR initials = nullptr;
   BSTR lastName = nullptr;
-  AutomationText number;
-  Check("GetEBUNoAndNames",
-        database.GetEBUNoAndNames(member, &firstName, &initials, &lastName, number.Receive()) == S_OK);
+  VARIANT number{};
+  Check("GetEBUNoAndNames", database.GetEBUNoAndNames(member, &firstName, &initials, &lastName, &number) == S_OK);
+  Check("the number is a text", number.vt == VT_BSTR && ::SysStringLen(number.bstrVal) == 0);
+  ::VariantClear(&number);
   Check("texts with accents come back", AutomationText::ToUtf8(firstName) == "Łukasz");
   Check("the surname", AutomationText::ToUtf8(lastName) == "Müller-Lüdenscheidt");
   ::SysFreeString(firstName);
   ::SysFreeString(initials);
   ::SysFreeString(lastName);
-  Check("a null variable", database.GetEBUNoAndNames(member, nullptr, nullptr, nullptr, number.Receive()) == E_POINTER);
+  Check("a null variable", database.GetEBUNoAndNames(member, nullptr, nullptr, nullptr, &number) == E_POINTER);
   Check("a null result", database.get_DatabaseFolder(nullptr) == E_POINTER);
 }
 
@@ -150,6 +121,14 @@ void Drive(const std::string& folder) {
   CheckErrors(*database.Get(), lukasz);
   CheckMatches(*database.Get(), lukasz);
   CheckEnumeration(*database.Get());
+  tavi::automation_test::CheckNullPointers(*database.Get());
+  tavi::automation_test::CheckNullTexts(*database.Get());
+  tavi::automation_test::CheckCallsByNumber(*database.Get());
+  tavi::automation_test::CheckPassedBackByNumber(*database.Get());
+  tavi::automation_test::CheckEveryArgument(*database.Get());
+  tavi::automation_test::CheckObjectRules(*database.Get());
+  tavi::automation_test::CheckCollections(*database.Get());
+  tavi::automation_test::CheckMemory(*database.Get());
   const auto settings = Create<_HandiCalcSettings>(__uuidof(HandiCalcSettings));
   short weighting = 0;
   Check("SamePartnerWeighting", settings && settings->put_SamePartnerWeighting(10) == S_OK &&
@@ -165,6 +144,5 @@ int main(int count, char** arguments) {
   if (count != 2) return 2;
   const tavi::windows::ComApartment apartment;
   Drive(arguments[1]);
-  std::cout << checks << " checks, " << failures << " failures\n";
-  return failures == 0 ? 0 : 1;
+  return tavi::automation_test::Summary();
 }

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
 """Runs one test of the Windows programs under Wine.
 
-    under_wine.py BUILD script         regsvr32 in, the VBScript suite, regsvr32 out
+    under_wine.py BUILD script         regsvr32 in, the script suites, regsvr32 out
     under_wine.py BUILD client         the same with the early-bound program
     under_wine.py BUILD registration   entering and removing the server leaves the registry as it was
+    under_wine.py BUILD types          what the type library says against docs/operations.md
     under_wine.py BUILD run PROGRAM... a program
 
 Each test has a Wine home of its own below BUILD/wine, made anew.
@@ -14,6 +15,9 @@ import pathlib
 import shutil
 import subprocess
 import sys
+
+sys.dont_write_bytecode = True
+import check_type_library  # noqa: E402
 
 HERE = pathlib.Path(__file__).resolve().parent
 TIMEOUT = 300
@@ -41,6 +45,7 @@ class Wine:
         return text
 
     def make_club(self, build):
+        shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir()
         self.run(build / "club_maker.exe", "C:\\club")
 
@@ -61,16 +66,25 @@ def windows_path(path):
     return "Z:" + str(path).replace("/", "\\")
 
 
-def drive(wine, build, command):
+def drive(wine, build, *commands):
+    """Runs programs that print their counts of checks in the last line, each with a club file of its own."""
     library = windows_path(build / "TaviMembership.dll")
-    wine.make_club(build)
     wine.run("regsvr32", "/s", library)
-    text = wine.run(*command, fail=False)
-    print(text)
+    failed = []
+    for command in commands:
+        wine.make_club(build)
+        text = wine.run(*command, "C:\\club", fail=False)
+        print(text)
+        last = text.strip().splitlines()[-1] if text.strip() else ""
+        if " checks, 0 failures" not in last:
+            failed.append(str(command[-1]))
     wine.run("regsvr32", "/u", "/s", library)
-    last = text.strip().splitlines()[-1] if text.strip() else ""
-    if " checks, 0 failures" not in last:
-        sys.exit("not all checks held")
+    if failed:
+        sys.exit(f"not all checks held: {', '.join(failed)}")
+
+
+def script(name):
+    return ["cscript", "//nologo", windows_path(HERE / name)]
 
 
 def registration(wine, build):
@@ -97,9 +111,13 @@ def main():
     wine = Wine(build, kind + "-" + pathlib.Path(sys.argv[-1]).stem)
     try:
         if kind == "script":
-            drive(wine, build, ["cscript", "//nologo", windows_path(HERE / "suite.vbs"), "C:\\club"])
+            drive(wine, build, script("suite.vbs"))
         elif kind == "client":
-            drive(wine, build, [build / "early_client.exe", "C:\\club"])
+            drive(wine, build, [build / "early_client.exe"])
+        elif kind == "types":
+            text = wine.run(build / "type_library.exe", windows_path(build / "TaviMembership.dll"))
+            findings = check_type_library.findings(text, HERE.parents[1] / "docs" / "operations.md")
+            sys.exit("\n".join(findings) if findings else 0)
         elif kind == "registration":
             registration(wine, build)
         else:
