@@ -74,7 +74,8 @@ void NameDictionary::Index::Sort() {
     return left.hash != right.hash ? left.hash < right.hash : left.form < right.form;
   };
   for (std::size_t bits = 0; bits + 1 < starts_.size(); ++bits) {
-    std::sort(sorted.begin() + starts_[bits], sorted.begin() + starts_[bits + 1], byHash);
+    const auto range = std::span(sorted).subspan(starts_[bits], starts_[bits + 1] - starts_[bits]);
+    std::sort(range.begin(), range.end(), byHash);
   }
   entries_ = std::move(sorted);
 }

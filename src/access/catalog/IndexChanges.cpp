@@ -115,8 +115,9 @@ void RemoveRealIndex(Pager& pager, StoredTable& table, TableDefinition& definiti
   std::vector<IndexStatistics> statistics = AllStatistics(pager, definition);
   table.Tree(realIndex).Clear(false);
   PageAllocator(pager).RemoveUsageMap(definition.realIndexes[realIndex].ownedPages);
-  definition.realIndexes.erase(definition.realIndexes.begin() + realIndex);
-  statistics.erase(statistics.begin() + realIndex);
+  const auto position = static_cast<std::ptrdiff_t>(realIndex);
+  definition.realIndexes.erase(definition.realIndexes.begin() + position);
+  statistics.erase(statistics.begin() + position);
   for (LogicalIndexDefinition& logical : definition.logicalIndexes)
     if (logical.realIndex > realIndex) --logical.realIndex;
   WriteTableDefinition(pager, definition, true);
