@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <numeric>
 
+#include "host/input/FilePatterns.h"
 #include "host/results/UsebioReader.h"
 #include "host/text/ProgressBar.h"
 #include "platform/values/Error.h"
@@ -137,7 +138,7 @@ void WriteRanking(const Context& context, const ScoredEvent& scored) {
 
 int Score(const Context& context, const std::vector<std::string>& paths) {
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
-  const std::vector<ScoredFile> files = ScoreFiles(context, *club, paths);
+  const std::vector<ScoredFile> files = ScoreFiles(context, *club, FilesNamed(paths));
   for (const ScoredFile& file : files) {
     for (const ScoredEvent& scored : file.events) WriteRemarks(context, scored);
   }
