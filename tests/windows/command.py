@@ -27,7 +27,7 @@ MEMBERS = """club_number,ebu_number,title,first,initials,last,known_as,sex,activ
 """
 EVENING = """<USEBIO Version="1.2">
 <EVENT EVENT_TYPE="PAIRS">
-<EVENT_DESCRIPTION>Smith & Sons’ cup</EVENT_DESCRIPTION><DATE>14/01/2026</DATE>
+<EVENT_DESCRIPTION>Smith & Sons’ cup</EVENT_DESCRIPTION><DATE>13/01/2026</DATE>
 <PARTICIPANTS>
 <PAIR><PAIR_NUMBER>1</PAIR_NUMBER><PERCENTAGE>62.5</PERCENTAGE><PLACE>1</PLACE>
 <PLAYER><PLAYER_NAME>Éloïse D'Arcy</PLAYER_NAME></PLAYER><PLAYER><PLAYER_NAME>Łukasz Wójcik</PLAYER_NAME></PLAYER></PAIR>
@@ -125,7 +125,7 @@ def score(command):
     expect(len(scored.rows()) == len(evenings), f"every evening is scored: {scored.out}")
     last = command.succeed("score", command.write("Übungen/Žofie.usebio", EVENING))
     expect("Éloïse D'Arcy" in last.out and "Žofie Nováková" in last.out, f"the ranking shows the players: {last.out}")
-    names = command.succeed("sql", given=b"Select CompetitionName From Competitions\r\nWhere StartDate = #2026-01-14#;\r\n")
+    names = command.succeed("sql", given=b"Select CompetitionName From Competitions\r\nWhere CompetitionDate = #2026-01-13#;\r\n")
     expect(names.rows() == [["Smith & Sons’ cup"]], f"the competition has its name: {names.out}")
 
 
