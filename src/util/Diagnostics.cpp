@@ -1,9 +1,8 @@
 #include "util/Diagnostics.h"
 
-#include <fstream>
 #include <string>
 
-#include "util/NativePath.h"
+#include "util/NativeFiles.h"
 
 namespace tavi {
 namespace {
@@ -14,9 +13,7 @@ constexpr std::string_view kLogFile = "C:\\Diagnostics\\Tallyman.txt";
 
 void WriteDiagnostic(std::string_view message) noexcept {
   try {
-    std::ofstream log(NativeFilePath(kLogFile), std::ios::app | std::ios::binary);
-    // One write for the whole line, so that lines of several programs do not mix.
-    log << std::string(message) + "\r\n";
+    AppendToNativeFile(kLogFile, std::string(message) + "\r\n");
   } catch (...) {
     return;
   }

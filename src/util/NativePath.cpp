@@ -46,9 +46,4 @@ std::string NativePath(std::string_view path, std::string_view drivesRoot) {
   return native;
 }
 
-std::filesystem::path NativeFilePath(std::string_view path) {
-  const std::string native = NativePath(path);
-  return std::filesystem::path(std::u8string(native.begin(), native.end()));
-}
-
 }  // namespace tavi

@@ -1,10 +1,7 @@
 #include "util/Paths.h"
 
-#include <filesystem>
-#include <system_error>
-
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
+#include "util/NativeFiles.h"
 
 namespace tavi {
 
@@ -16,15 +13,7 @@ std::string PathJoin(std::string_view folder, std::string_view fileName, std::st
 }
 
 bool FileExists(std::string_view path) noexcept {
-  try {
-    // The system would stop reading there and answer for another file.
-    if (path.find('\0') != std::string_view::npos) return false;
-    std::error_code failure;
-    const std::filesystem::file_status status = std::filesystem::status(NativeFilePath(path), failure);
-    return !failure && std::filesystem::exists(status) && !std::filesystem::is_directory(status);
-  } catch (...) {
-    return false;
-  }
+  return IsNativeFile(path);
 }
 
 std::string ParentPath(std::string_view path) {

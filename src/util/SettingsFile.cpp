@@ -1,12 +1,8 @@
 #include "util/SettingsFile.h"
 
-#include <filesystem>
-#include <fstream>
-#include <system_error>
-
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
-#include "util/NativePath.h"
+#include "util/NativeFiles.h"
 #include "util/Paths.h"
 #include "util/SpecialFolders.h"
 
@@ -50,10 +46,9 @@ std::string MakeSureOfFile(const ShellFolders& shell) {
                 "There is no folder for the settings file; set HOME or XDG_CONFIG_HOME.");
   }
   const std::string folder = commonFolder + "\\Madrigo";
-  std::error_code isThereAlready;
-  std::filesystem::create_directory(NativeFilePath(folder), isThereAlready);
+  MakeNativeFolder(folder);
   std::string fileName = folder + "\\Settings.xml";
-  if (!FileExists(fileName)) std::ofstream(NativeFilePath(fileName), std::ios::binary) << kSkeleton;
+  if (!FileExists(fileName)) MakeNativeFile(fileName, kSkeleton);
   return fileName;
 }
 

@@ -1,7 +1,5 @@
 #include "access/sql/Session.h"
 
-#include <sstream>
-
 #include "access/sql/ChangeRun.h"
 #include "access/sql/ExecutionErrors.h"
 #include "access/sql/KeysetResult.h"
@@ -60,8 +58,12 @@ std::optional<std::string_view> ExplainedStatement(std::string_view text) {
 /// A plan's lines as the rows of one column.
 std::unique_ptr<ResultSet> PlanRowsOf(const std::string& plan) {
   std::vector<RowValues> rows;
-  std::istringstream lines(plan.empty() ? "definition, no plan" : plan);
-  for (std::string line; std::getline(lines, line);) rows.push_back({Value(line)});
+  std::string_view lines = plan.empty() ? "definition, no plan" : std::string_view(plan);
+  while (!lines.empty()) {
+    const std::size_t end = std::min(lines.find('\n'), lines.size());
+    rows.push_back({Value(std::string(lines.substr(0, end)))});
+    lines.remove_prefix(std::min(end + 1, lines.size()));
+  }
   return std::make_unique<ValuesResult>(std::vector<ResultColumn>{{"Plan", "", "", ado::DataType::WChar}},
                                         std::move(rows));
 }

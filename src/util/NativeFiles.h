@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string_view>
+
+namespace tavi {
+
+/// The few calls on files that the component makes beside its database, straight to the system: streams would bring
+/// the standard library's locales into the Windows library, a third of its size. Paths are written as the component
+/// writes them (see NativePath); one that holds a null character names nothing.
+
+/// True when the path names something that is no folder.
+bool IsNativeFile(std::string_view path) noexcept;
+/// Makes a folder in one that exists. False when that cannot be done, also because it is there already.
+bool MakeNativeFolder(std::string_view path) noexcept;
+/// Makes a file that holds `text`. False, and nothing is changed, when it is there already or cannot be made.
+bool MakeNativeFile(std::string_view path, std::string_view text) noexcept;
+/// Adds `text` to a file, which is made where it is missing, in one call of the system: texts of several programs do
+/// not mix. False when the file cannot be written.
+bool AppendToNativeFile(std::string_view path, std::string_view text) noexcept;
+
+}  // namespace tavi
