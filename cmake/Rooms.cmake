@@ -54,7 +54,8 @@ function(tavi_room name)
   endif()
 endfunction()
 
-# tavi_test(NAME SOURCES ... USES ...): a test program; each of its cases is a test of ctest.
+# tavi_test(NAME SOURCES ... USES ...): a test program; each of its cases is a test of ctest. For Windows the program as a
+# whole is one, Windows.NAME, because each start of Wine costs time.
 function(tavi_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;USES" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
@@ -63,5 +64,11 @@ function(tavi_test name)
   if(TAVI_PRECOMPILE)
     target_precompile_headers(${name} PRIVATE ${TAVI_PRECOMPILED_HEADERS} <gtest/gtest.h> <gmock/gmock.h>)
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+  if(WIN32)
+    add_test(NAME Windows.${name}
+      COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tests/automation/under_wine.py ${CMAKE_BINARY_DIR} run
+        $<TARGET_FILE:${name}>)
+  else()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+  endif()
 endfunction()

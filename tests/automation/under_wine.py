@@ -7,9 +7,10 @@
     under_wine.py BUILD types          what the type library says against docs/operations.md
     under_wine.py BUILD run PROGRAM... a program
 
-Each test has a Wine home of its own below BUILD/wine, made anew.
+Each test has a Wine home of its own below BUILD/wine, a fresh copy of one that is made once.
 """
 
+import fcntl
 import os
 import pathlib
 import shutil
@@ -23,16 +24,47 @@ HERE = pathlib.Path(__file__).resolve().parent
 TIMEOUT = 300
 
 
+def environment_of(home):
+    environment = dict(
+        os.environ, WINEPREFIX=str(home), WINEDEBUG="-all", WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=")
+    environment.pop("DISPLAY", None)
+    return environment
+
+
+def new_home(homes):
+    """A home that nothing has run in; whoever needs it first makes it."""
+    home = homes / "new"
+    homes.mkdir(parents=True, exist_ok=True)
+    with open(homes / "new.lock", "w", encoding="ascii") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        if not home.exists():
+            unfinished = homes / "unfinished"
+            shutil.rmtree(unfinished, ignore_errors=True)
+            unfinished.mkdir()
+            environment = environment_of(unfinished)
+            subprocess.run(["wineboot", "--init"], env=environment, timeout=TIMEOUT, check=True)
+            # The registry is written when the last program has ended.
+            subprocess.run(["wineserver", "--wait"], env=environment, timeout=TIMEOUT, check=True)
+            unfinished.rename(home)
+    return home
+
+
+def link_or_copy(source, target):
+    """Programs and libraries are the same in all homes; what Wine writes, it writes in place."""
+    if pathlib.Path(source).suffix in (".dll", ".exe"):
+        os.link(source, target)
+    else:
+        shutil.copy2(source, target)
+
+
 class Wine:
     def __init__(self, build, name):
-        self.home = build / "wine" / name
+        homes = build / "wine"
+        self.home = homes / name
         shutil.rmtree(self.home, ignore_errors=True)
-        self.home.mkdir(parents=True)
+        shutil.copytree(new_home(homes), self.home, symlinks=True, copy_function=link_or_copy)
         self.folder = self.home / "drive_c" / "club"
-        self.environment = dict(
-            os.environ, WINEPREFIX=str(self.home), WINEDEBUG="-all", WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=")
-        self.environment.pop("DISPLAY", None)
-        self.run("wineboot", "--init")
+        self.environment = environment_of(self.home)
 
     def run(self, *command, fail=True):
         done = subprocess.run(
@@ -108,7 +140,7 @@ def registration(wine, build):
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
     kind = sys.argv[2]
-    wine = Wine(build, kind + "-" + pathlib.Path(sys.argv[-1]).stem)
+    wine = Wine(build, kind + "-" + pathlib.Path(sys.argv[3] if kind == "run" else kind).stem)
     try:
         if kind == "script":
             drive(wine, build, script("suite.vbs"))
@@ -121,7 +153,7 @@ def main():
         elif kind == "registration":
             registration(wine, build)
         else:
-            print(wine.run(*sys.argv[3:]))
+            print(wine.run(pathlib.Path(sys.argv[3]).resolve(), *sys.argv[4:]))
     finally:
         wine.end()
 

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <thread>
 
 #include "facade/MembershipDatabase.h"
 #include "facade/StoreSlot.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/TemporaryFolder.h"
+#include "platform/support/ThisSystem.h"
 #include "store/support/FakeFile.h"
 #include "util/SpecialFolders.h"
 
@@ -22,27 +22,23 @@ constexpr const char* kLastResort = "C:\\My Documents\\Bridge\\Database";
 constexpr auto kMachine = RegistryRoot::LocalMachine;
 constexpr auto kUser = RegistryRoot::CurrentUser;
 
-/// Starts public objects in surroundings that a test arranges; the drive C: and the log are in the test's own folder.
+/// Starts public objects in surroundings that a test arranges, the log switched on.
 class StartUpTest : public ::testing::Test {
  protected:
   StartUpTest() {
-    setenv("TAVI_DRIVES", folder_.Path().c_str(), 1);
-    folder_.MakeFolder("c/Diagnostics");
     fake_.platform->shellFolders = folders_;
     fake_.platform->registry = registry_;
     fake_.platform->settingsDocuments = std::make_shared<testing::MemorySettings>();
     // The settings file has a folder, so that machine-wide settings can be copied into it.
     folders_->folders[kCommonApplicationDataFolder | 0x8000] = folder_.Path();
   }
-  ~StartUpTest() override {
-    SetThreadStore(nullptr);
-    unsetenv("TAVI_DRIVES");
-  }
+  ~StartUpTest() override { SetThreadStore(nullptr); }
 
   std::string StartedFolder() { return MembershipDatabase(fake_.platform).DatabaseFolder(); }
   void PutSetting(RegistryRoot root, const std::string& folder) { registry_->values[{root, "DB Folder"}] = folder; }
-  std::string Log() { return folder_.ReadFile("c/Diagnostics/Tallyman.txt"); }
+  std::string Log() { return log_.Text(); }
 
+  testing::DiagnosticsLog log_;
   TemporaryFolder folder_;
   FakePlatform fake_;
   std::shared_ptr<FakeFolders> folders_ = std::make_shared<FakeFolders>();

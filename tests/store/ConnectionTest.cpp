@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
-#include "platform/TemporaryFolder.h"
+#include "platform/support/ThisSystem.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 #include "store/support/FakeFile.h"
@@ -10,8 +8,8 @@
 namespace tavi {
 namespace {
 
+using testing::DiagnosticsLog;
 using testing::FakePlatform;
-using testing::TemporaryFolder;
 
 class StoreConnectionTest : public ::testing::Test {
  protected:
@@ -55,9 +53,7 @@ TEST_F(StoreConnectionTest, TheConnectionStringNamesProviderAndFile) {
 }
 
 TEST_F(StoreConnectionTest, AFileThatCannotBeOpenedIsLoggedAndRaised) {
-  const TemporaryFolder folder;
-  folder.MakeFolder("c/Diagnostics");
-  setenv("TAVI_DRIVES", folder.Path().c_str(), 1);
+  const DiagnosticsLog log;
   fake_.file->openFailures = 1;
   const Error error = ErrorOf([&] { store_.OpenDB(); });
   const std::string message =
@@ -65,7 +61,7 @@ TEST_F(StoreConnectionTest, AFileThatCannotBeOpenedIsLoggedAndRaised) {
   EXPECT_TRUE(error.Is(ErrorNumber::Component));
   EXPECT_EQ(error.Source(), "cDatabase");
   EXPECT_EQ(error.Description(), message);
-  EXPECT_EQ(folder.ReadFile("c/Diagnostics/Tallyman.txt"), message + "\r\n");
+  EXPECT_EQ(log.Text(), message + "\r\n");
   EXPECT_EQ(store_.OpenCount(), 0);
   store_.OpenDB();
   EXPECT_EQ(store_.OpenCount(), 1);
@@ -73,11 +69,9 @@ TEST_F(StoreConnectionTest, AFileThatCannotBeOpenedIsLoggedAndRaised) {
 }
 
 TEST_F(StoreConnectionTest, CreatingAStoreWritesADiagnosticsLine) {
-  const TemporaryFolder folder;
-  folder.MakeFolder("c/Diagnostics");
-  setenv("TAVI_DRIVES", folder.Path().c_str(), 1);
+  const DiagnosticsLog log;
   const cDatabase store(fake_.platform);
-  EXPECT_EQ(folder.ReadFile("c/Diagnostics/Tallyman.txt"), "TaviMembership Initialising\r\n");
+  EXPECT_EQ(log.Text(), "TaviMembership Initialising\r\n");
 }
 
 TEST_F(StoreConnectionTest, TwoOpensAndOneCloseLeaveTheFileOpenAndAForcedCloseClosesIt) {

@@ -2,9 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <filesystem>
 
 #include "platform/TemporaryFolder.h"
+#include "platform/support/ThisSystem.h"
 #include "platform/values/Error.h"
 #include "util/Diagnostics.h"
 #include "util/NativePath.h"
@@ -12,16 +13,8 @@
 namespace tavi {
 namespace {
 
+using testing::DiagnosticsLog;
 using testing::TemporaryFolder;
-
-/// Sends drive letters to a folder of the test.
-class DrivesIn {
- public:
-  explicit DrivesIn(const std::string& folder) { setenv("TAVI_DRIVES", folder.c_str(), 1); }
-  ~DrivesIn() { unsetenv("TAVI_DRIVES"); }
-  DrivesIn(const DrivesIn&) = delete;
-  DrivesIn& operator=(const DrivesIn&) = delete;
-};
 
 TEST(PathJoin, PutsOneSeparatorBetweenFolderAndFile) {
   EXPECT_EQ(PathJoin("C:\\Data\\", "ClubMembers.mdb"), "C:\\Data\\ClubMembers.mdb");
@@ -62,16 +55,6 @@ TEST(NativePath, TurnsBackslashesAndDrivesIntoFolders) {
   EXPECT_EQ(NativePath("1:\\x", "/root"), "1:/x");
 }
 
-TEST(NativePath, TakesTheRootOfDrivesFromTheEnvironment) {
-  const DrivesIn drives("/club");
-  EXPECT_EQ(NativePath("C:\\My Documents"), "/club/c/My Documents");
-}
-
-TEST(NativePath, DrivesAreInTheUsersDataFolderByDefault) {
-  setenv("HOME", "/home/ann", 1);
-  EXPECT_EQ(NativePath("C:\\x"), "/home/ann/.local/share/tavimembership/c/x");
-}
-
 TEST(FileExists, IsTrueForFilesOnly) {
   const TemporaryFolder folder;
   folder.WriteFile("Éloïse.mdb", "x");
@@ -84,21 +67,20 @@ TEST(FileExists, IsTrueForFilesOnly) {
 }
 
 TEST(WriteDiagnostic, AppendsLinesOnceTheFolderIsThere) {
-  const TemporaryFolder folder;
-  const DrivesIn drives(folder.Path());
+  const DiagnosticsLog log;
+  log.SwitchOff();
   WriteDiagnostic("nobody listens");
-  EXPECT_FALSE(folder.Has("c"));
-  folder.MakeFolder("c/Diagnostics");
+  EXPECT_FALSE(log.IsThere());
+  log.SwitchOn();
   WriteDiagnostic("First line");
   WriteDiagnostic("");
   WriteDiagnostic("Łukasz");
-  EXPECT_EQ(folder.ReadFile("c/Diagnostics/Tallyman.txt"), "First line\r\n\r\nŁukasz\r\n");
+  EXPECT_EQ(log.Text(), "First line\r\n\r\nŁukasz\r\n");
 }
 
 TEST(WriteDiagnostic, DropsALineThatCannotBeWritten) {
-  const TemporaryFolder folder;
-  const DrivesIn drives(folder.Path());
-  folder.MakeFolder("c/Diagnostics/Tallyman.txt");
+  const DiagnosticsLog log;
+  std::filesystem::create_directory(log.File());
   EXPECT_NO_THROW(WriteDiagnostic("a folder is in the way"));
 }
 

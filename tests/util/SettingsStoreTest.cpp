@@ -6,11 +6,10 @@
 #include <tuple>
 
 #include "platform/TemporaryFolder.h"
-#include "platform/portable/XdgShellFolders.h"
-#include "platform/portable/XmlSettingsDocuments.h"
+#include "platform/support/ThisSystem.h"
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
 #include "util/SettingsFile.h"
+#include "util/SpecialFolders.h"
 
 namespace tavi {
 namespace {
@@ -32,17 +31,40 @@ class FakeRegistry : public Registry {
   mutable int questions = 0;
 };
 
+/// Special folders that nobody knows.
+class NoFolders : public ShellFolders {
+ public:
+  [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t /*folderNumber*/) const override {
+    return std::nullopt;
+  }
+  [[nodiscard]] std::optional<Location> FolderLocation(std::int32_t /*folderNumber*/) const override {
+    return std::nullopt;
+  }
+};
+
+/// Knows the folder of settings files alone: "config" in the test's, made when it is asked for.
+class ConfigurationFolder : public NoFolders {
+ public:
+  explicit ConfigurationFolder(const testing::TemporaryFolder& parent) : parent_(parent) {}
+  [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t folderNumber) const override {
+    constexpr std::int32_t kCreate = 0x8000;
+    if (folderNumber != (kCommonApplicationDataFolder | kCreate)) return std::nullopt;
+    parent_.MakeFolder("config");
+    return parent_.Path("config");
+  }
+
+ private:
+  const testing::TemporaryFolder& parent_;
+};
+
 class SettingsStoreTest : public ::testing::Test {
  protected:
   static constexpr const char* kFile = "config/Madrigo/Settings.xml";
 
   SettingsStoreTest() {
     platform_.registry = registry_;
-    platform_.settingsDocuments =
-        std::make_shared<XmlSettingsDocuments>([](const std::string& path) { return NativePath(path); });
-    platform_.shellFolders = std::make_shared<XdgShellFolders>([this](const std::string& name) {
-      return name == "XDG_CONFIG_HOME" ? std::optional<std::string>(folder_.Path("config")) : std::nullopt;
-    });
+    platform_.settingsDocuments = testing::SettingsDocumentsOfThisSystem();
+    platform_.shellFolders = std::make_shared<ConfigurationFolder>(folder_);
   }
 
   std::string Get(RegistryRoot root, const std::string& name = kDatabaseFolderSetting) {
@@ -132,7 +154,7 @@ TEST_F(SettingsStoreTest, AnUnreadableFileNeverFailsARead) {
 }
 
 TEST_F(SettingsStoreTest, WithoutAFolderTheRegistryAndTheDefaultStandIn) {
-  platform_.shellFolders = std::make_shared<XdgShellFolders>([](const std::string&) { return std::nullopt; });
+  platform_.shellFolders = std::make_shared<NoFolders>();
   EXPECT_EQ(Get(kMachine), "default");
 }
 

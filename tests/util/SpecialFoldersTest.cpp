@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
-#include "platform/TemporaryFolder.h"
+#include "platform/support/ThisSystem.h"
 #include "platform/values/Error.h"
 
 namespace tavi {
@@ -80,15 +78,12 @@ TEST_F(SpecialFolderPathTest, OtherFoldersHaveNoFallback) {
 }
 
 TEST_F(SpecialFolderPathTest, ErrorsOfTheShellAreLoggedAndCountAsNoAnswer) {
-  const testing::TemporaryFolder folder;
-  folder.MakeFolder("c/Diagnostics");
-  setenv("TAVI_DRIVES", folder.Path().c_str(), 1);
+  const testing::DiagnosticsLog log;
   EXPECT_CALL(shell_, FolderPath(46)).WillOnce(Throw(kShellError));
   EXPECT_CALL(shell_, FolderLocation(46)).WillOnce(Throw(kShellError));
   EXPECT_CALL(shell_, FolderPath(5)).WillOnce(Return("C:\\Ann"));
   EXPECT_EQ(PathOf(46), "C:\\Ann");
-  EXPECT_EQ(folder.ReadFile("c/Diagnostics/Tallyman.txt"),
-            "SHGetFolderPath error: no such library\r\nSHGetFolderPath error: no such library\r\n");
+  EXPECT_EQ(log.Text(), "SHGetFolderPath error: no such library\r\nSHGetFolderPath error: no such library\r\n");
 }
 
 }  // namespace

@@ -27,7 +27,7 @@ class BadArgumentsTest : public ::testing::TestWithParam<BadArgumentOperation> {
   BadArgumentsTest() {
     Prepare();
     club_->CloseDatabase();
-    std::filesystem::copy_file(club_.Folder().Path(kFileName), club_.Folder().Path("Prepared.mdb"));
+    club_.Folder().CopyFile(kFileName, "Prepared.mdb");
     bystanders_ = Bystanders();
   }
 
@@ -56,8 +56,7 @@ class BadArgumentsTest : public ::testing::TestWithParam<BadArgumentOperation> {
   /// Puts the prepared club back, with a new public object.
   void StartAnew() {
     club_->CloseDatabase();
-    std::filesystem::copy_file(club_.Folder().Path("Prepared.mdb"), club_.Folder().Path(kFileName),
-                               std::filesystem::copy_options::overwrite_existing);
+    club_.Folder().CopyFile("Prepared.mdb", kFileName);
     club_.Reopen();
     // The layout check of the first opening belongs to no operation.
     club_->OpenDatabase();

@@ -2,7 +2,7 @@
 
 #include "composition/Composition.h"
 #include "facade/StoreSlot.h"
-#include "platform/portable/XdgShellFolders.h"
+#include "facade/support/FakeSurroundings.h"
 #include "platform/values/Convert.h"
 #include "store/BaseFile.h"
 #include "store/OpenUse.h"
@@ -23,11 +23,7 @@ void MakeFile(const Platform& platform, const std::string& path) {
 
 Club::Club(const ProviderWrapper& wrap) {
   platform_ = std::make_shared<Platform>(*MakePlatform({kToday, messages_}));
-  platform_->shellFolders =
-      std::make_shared<XdgShellFolders>([home = folder_.Path()](const std::string& name) -> std::optional<std::string> {
-        if (name == "HOME") return home;
-        return std::nullopt;
-      });
+  platform_->shellFolders = FoldersBelow(folder_);
   MakeFile(*platform_, folder_.Path(kFileName));
   platform_->databaseProvider = MakeWatchedProvider(platform_->databaseProvider, watch_);
   if (wrap) platform_->databaseProvider = wrap(platform_->databaseProvider);

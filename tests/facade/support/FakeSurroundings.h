@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "platform/Platform.h"
+#include "platform/TemporaryFolder.h"
 #include "platform/values/Error.h"
+#include "util/SpecialFolders.h"
 
 namespace tavi::testing {
 
@@ -23,6 +25,16 @@ class FakeFolders : public ShellFolders {
   }
   std::map<std::int32_t, std::string> folders;
 };
+
+/// The folders of a user whose home is a test's: documents, and settings, which is made.
+inline std::shared_ptr<FakeFolders> FoldersBelow(const TemporaryFolder& home) {
+  constexpr std::int32_t kCreate = 0x8000;
+  auto shell = std::make_shared<FakeFolders>();
+  home.MakeFolder(".config");
+  shell->folders[kPersonalFolder] = home.Path("Documents");
+  shell->folders[kCommonApplicationDataFolder | kCreate] = home.Path(".config");
+  return shell;
+}
 
 /// A registry of the values that a test puts in, under any key; roots that are out of order raise an error.
 class FakeRegistryValues : public Registry {

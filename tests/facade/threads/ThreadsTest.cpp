@@ -160,7 +160,7 @@ TEST_F(ThreadsTest, StartAtOnceWithOneSettingsFileAndOneLog) {
   AtOnce(std::vector<std::function<void()>>(kThreads, start));
   std::string lines;
   for (int count = 0; count < kThreads * kEach; ++count) lines += "TaviMembership Initialising\r\n";
-  EXPECT_EQ(club_.Folder().ReadFile("c/Diagnostics/Tallyman.txt"), lines) << "lines of threads do not mix";
+  EXPECT_EQ(club_.Log().Text(), lines) << "lines of threads do not mix";
 }
 
 }  // namespace

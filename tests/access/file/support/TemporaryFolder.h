@@ -13,7 +13,10 @@ class TemporaryFolder {
   TemporaryFolder(const TemporaryFolder&) = delete;
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-  [[nodiscard]] std::string File(const std::string& name) const { return (path_ / name).string(); }
+  /// The path of a file in it; UTF-8, as all texts here.
+  [[nodiscard]] std::string File(const std::string& name) const {
+    return (path_ / std::u8string(name.begin(), name.end())).string();
+  }
   [[nodiscard]] const std::filesystem::path& Path() const { return path_; }
 
  private:

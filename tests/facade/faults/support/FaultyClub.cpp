@@ -32,7 +32,7 @@ FaultyClub::FaultyClub() {
   });
   Fill();
   (*club_)->CloseDatabase();
-  std::filesystem::copy_file(FilePath(), club_->Folder().Path(kCopyName));
+  club_->Folder().CopyFile(kFileName, kCopyName);
 }
 
 void FaultyClub::Fill() {
@@ -70,8 +70,7 @@ void FaultyClub::Fill() {
 void FaultyClub::SetBack(bool isFirstOpenPending) {
   plan_->Start();
   (*club_)->CloseDatabase();
-  std::filesystem::copy_file(club_->Folder().Path(kCopyName), FilePath(),
-                             std::filesystem::copy_options::overwrite_existing);
+  club_->Folder().CopyFile(kCopyName, kFileName);
   club_->Reopen();
   if (isFirstOpenPending) return;
   (*club_)->OpenDatabase();

@@ -1,12 +1,10 @@
 #include "facade/threads/support/SharedClub.h"
 
-#include <cstdlib>
-
 #include "access/catalog/Check.h"
 #include "access/file/Pager.h"
 #include "composition/Composition.h"
 #include "facade/StoreSlot.h"
-#include "platform/portable/XdgShellFolders.h"
+#include "facade/support/FakeSurroundings.h"
 #include "platform/values/Convert.h"
 #include "store/BaseFile.h"
 
@@ -19,21 +17,14 @@ constexpr const char* kConnection = "Provider=Microsoft.Jet.OLEDB.4.0;Data Sourc
 }  // namespace
 
 SharedClub::SharedClub() {
-  setenv("TAVI_DRIVES", folder_.Path().c_str(), 1);
-  folder_.MakeFolder("c/Diagnostics");
   const auto platform = std::make_shared<Platform>(*MakePlatform({kToday}));
-  platform->shellFolders =
-      std::make_shared<XdgShellFolders>([home = folder_.Path()](const std::string& name) -> std::optional<std::string> {
-        if (name == "HOME") return home;
-        return std::nullopt;
-      });
+  platform->shellFolders = FoldersBelow(folder_);
   platform_ = platform;
   MakeFile("");
 }
 
 SharedClub::~SharedClub() {
   SetThreadStore(nullptr);
-  unsetenv("TAVI_DRIVES");
 }
 
 void SharedClub::MakeFile(const std::string& folder) const {

@@ -9,11 +9,12 @@
 #include "facade/MembershipDatabase.h"
 #include "platform/Platform.h"
 #include "platform/TemporaryFolder.h"
+#include "platform/support/ThisSystem.h"
 
 namespace tavi::testing {
 
-/// A new, empty membership file, its folder, and a platform that every thread may use. The drive C:, with the folder
-/// that switches the diagnostics log on, and the settings file are in the test's own folder.
+/// A new, empty membership file, its folder, and a platform that every thread may use. The settings file is
+/// in the test's own folder, and the diagnostics log is switched on.
 class SharedClub {
  public:
   /// 1 October 2025, the day on which the club is looked at.
@@ -30,6 +31,7 @@ class SharedClub {
   [[nodiscard]] std::unique_ptr<MembershipDatabase> NewObject() const;
   [[nodiscard]] std::shared_ptr<const Platform> SharedPlatform() const { return platform_; }
   [[nodiscard]] const TemporaryFolder& Folder() const { return folder_; }
+  [[nodiscard]] const DiagnosticsLog& Log() const { return log_; }
 
   /// The first field of each row of a query, read through a connection of its own.
   [[nodiscard]] std::vector<std::string> Column(const std::string& query, const std::string& folder = "") const;
@@ -38,6 +40,7 @@ class SharedClub {
 
  private:
   TemporaryFolder folder_;
+  DiagnosticsLog log_;
   std::shared_ptr<const Platform> platform_;
 };
 
