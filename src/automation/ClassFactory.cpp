@@ -1,5 +1,8 @@
 #include "automation/ClassFactory.h"
 
+#include <mutex>
+#include <optional>
+
 #include "automation/EBUMembershipDetailsObject.h"
 #include "automation/HandiCalcSettingsObject.h"
 #include "automation/HandicapsObject.h"
@@ -8,7 +11,9 @@
 namespace tavi::automation {
 namespace {
 
-class ClassFactory final : public IClassFactory {
+/// A class object. It keeps the library loaded while somebody has it; once other apartments have it, as long as they
+/// are connected, for the system may forget a reference of its own to what it has handed to them.
+class ClassFactory final : public IClassFactory, public IExternalConnection {
  public:
   explicit ClassFactory(const CreatableClass& made) : made_(made) {}
   ClassFactory(const ClassFactory&) = delete;
@@ -16,9 +21,8 @@ class ClassFactory final : public IClassFactory {
 
   STDMETHODIMP QueryInterface(REFIID wanted, void** result) override {
     if (result == nullptr) return E_POINTER;
-    const bool isKnown = wanted == IID_IUnknown || wanted == IID_IClassFactory;
-    *result = isKnown ? static_cast<IClassFactory*>(this) : nullptr;
-    if (!isKnown) return E_NOINTERFACE;
+    *result = Find(wanted);
+    if (*result == nullptr) return E_NOINTERFACE;
     AddRef();
     return S_OK;
   }
@@ -46,12 +50,34 @@ class ClassFactory final : public IClassFactory {
     return S_OK;
   }
 
+  STDMETHODIMP_(DWORD) AddConnection(DWORD kind, DWORD /*reserved*/) override {
+    if ((kind & EXTCONN_STRONG) == 0) return 0;
+    const std::lock_guard guard(connectionsMutex_);
+    if (!lock_) lock_.emplace();
+    return ++connections_;
+  }
+  STDMETHODIMP_(DWORD) ReleaseConnection(DWORD kind, DWORD /*reserved*/, BOOL /*lastCloses*/) override {
+    if ((kind & EXTCONN_STRONG) == 0) return 0;
+    const std::lock_guard guard(connectionsMutex_);
+    if (connections_ > 0) --connections_;
+    if (connections_ == 0) lock_.reset();
+    return connections_;
+  }
+
  private:
+  // Only the last Release destroys it.
   virtual ~ClassFactory() = default;
 
+  void* Find(REFIID wanted) {
+    if (wanted == IID_IUnknown || wanted == IID_IClassFactory) return static_cast<IClassFactory*>(this);
+    return wanted == IID_IExternalConnection ? static_cast<IExternalConnection*>(this) : nullptr;
+  }
+
   const CreatableClass& made_;
-  ModuleLock lock_;
   std::atomic<ULONG> references_{1};
+  std::mutex connectionsMutex_;
+  DWORD connections_ = 0;
+  std::optional<ModuleLock> lock_{std::in_place};
 };
 
 }  // namespace

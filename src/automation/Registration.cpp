@@ -75,15 +75,33 @@ bool IsThere(const std::wstring& key) {
   return true;
 }
 
-/// Removes the entries of the type library of this kind of program. The system does not tell "not there" from
-/// "refused".
+std::wstring InterfaceKey(ITypeLib& library, UINT index) {
+  windows::ComPointer<ITypeInfo> information;
+  TYPEATTR* attributes = nullptr;
+  windows::Require(library.GetTypeInfo(index, information.Receive()), "The type library of TaviMembership is damaged");
+  windows::Require(information->GetTypeAttr(&attributes), "The type library of TaviMembership is damaged");
+  const std::wstring key = L"Interface\\" + TextOf(attributes->guid);
+  information->ReleaseTypeAttr(attributes);
+  return key;
+}
+
+/// Removes the entries of the type library of this kind of program and of its interfaces. The system leaves the latter
+/// where the former was never entered, and does not tell "not there" from "refused".
 LSTATUS RemoveTypeLibrary() {
   const windows::ComPointer<ITypeLib> library = LoadOwnTypeLibrary();
   const LibraryAttributes attributes(*library.Get());
   ::UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
                       attributes->syskind);
   const std::wstring kind = attributes->syskind == SYS_WIN64 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32";
-  return IsThere(L"TypeLib\\" + TextOf(attributes->guid) + kind) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+  LSTATUS result = IsThere(L"TypeLib\\" + TextOf(attributes->guid) + kind) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+  for (UINT index = 0; index < library->GetTypeInfoCount(); ++index) {
+    TYPEKIND typeKind = TKIND_MAX;
+    library->GetTypeInfoType(index, &typeKind);
+    if (typeKind != TKIND_DISPATCH) continue;
+    const LSTATUS status = Remove(InterfaceKey(*library.Get(), index));
+    if (result == ERROR_SUCCESS) result = status;
+  }
+  return result;
 }
 
 void RegisterAll() {

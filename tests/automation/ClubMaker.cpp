@@ -1,5 +1,6 @@
 // Makes a club file for the tests of the automation server: "club_maker FOLDER" writes FOLDER\ClubMembers.mdb,
-// complete, with two rows in the governing body's list and no members.
+// complete, with three rows in the governing body's list and no members. The first name of the third one has letters of
+// several alphabets.
 #include <exception>
 #include <iostream>
 
@@ -28,6 +29,7 @@ void MakeClub(const std::string& folder) {
   const std::string insert = "Insert into EBUMembershipList (EBUNumber, FirstName, LastName, CountyCode) Values ";
   store.Execute(insert + "(77, 'John', 'Smith', 'KEN')");
   store.Execute(insert + "(78, 'Jane', 'Smith', 'SUR')");
+  store.Execute(insert + "(79, 'Łukasz 中文 Маша á 𝄞', 'Alphabets', 'KEN')");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
     under_wine.py BUILD script         regsvr32 in, the script suites, regsvr32 out
     under_wine.py BUILD client         the same with the early-bound program
+    under_wine.py BUILD apartments     the same with the program that uses several threads
     under_wine.py BUILD registration   entering and removing the server leaves the registry as it was
     under_wine.py BUILD types          what the type library says against docs/operations.md
     under_wine.py BUILD run PROGRAM... a program
@@ -122,6 +123,7 @@ def script(name):
 def registration(wine, build):
     library = windows_path(build / "TaviMembership.dll")
     before = wine.registry()
+    print(wine.run(build / "registration_client.exe", library))
     wine.run("regsvr32", "/s", library)
     entered = wine.registry()
     wine.run("regsvr32", "/s", library)
@@ -143,9 +145,11 @@ def main():
     wine = Wine(build, kind + "-" + pathlib.Path(sys.argv[3] if kind == "run" else kind).stem)
     try:
         if kind == "script":
-            drive(wine, build, script("suite.vbs"))
+            drive(wine, build, script("suite.vbs"), script("arguments.vbs"), script("faults.vbs"), script("suite.js"))
         elif kind == "client":
             drive(wine, build, [build / "early_client.exe"])
+        elif kind == "apartments":
+            drive(wine, build, [build / "apartments_client.exe"])
         elif kind == "types":
             text = wine.run(build / "type_library.exe", windows_path(build / "TaviMembership.dll"))
             findings = check_type_library.findings(text, HERE.parents[1] / "docs" / "operations.md")
