@@ -195,6 +195,8 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
   Choices choices;
   CLI::App app("Keeps a bridge club's members, results, master points and handicaps in its file ClubMembers.mdb.",
                "tavi");
+  // A slash begins a path on every system.
+  app.allow_windows_style_options(false);
   app.require_subcommand(1);
   app.fallthrough();
   app.add_option("--db", choices.folder, "The club's folder or file (else the one set for this machine)")

@@ -69,6 +69,13 @@ TEST_F(SqlCommand, StatementsArePipedIn) {
   EXPECT_EQ(outcome.out, "Rows\n1\nRows\n1\nName\nc\na;b\none\nN\n3\n");
 }
 
+TEST_F(SqlCommand, PipedStatementsMayComeFromAnEditorOfWindows) {
+  const Outcome outcome = folder_.Run({"sql"}, "\xEF\xBB\xBFSelect Count(*) As Found\r\nFrom T;\r\n.columns T\r\n");
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_THAT(outcome.out, ::testing::StartsWith("Found\n"));
+  EXPECT_THAT(outcome.out, ::testing::EndsWith("Column\tType\nID\tLong\nName\tText\n"));
+}
+
 TEST_F(SqlCommand, TheFirstErrorEndsAPipedRun) {
   const Outcome outcome =
       folder_.Run({"sql"}, "Insert into T Values (2, 'x'); Insert into T Values (2, 'y'); Delete From T;");

@@ -3,12 +3,16 @@
 
     command.py BUILD evening    a season from the empty file to its recovery, in folders and with names with accents
     command.py BUILD session    the example session over JSON-RPC prints what its documentation shows
+    command.py BUILD console    the shell at a console reads and shows every letter
     command.py BUILD refusals   what cannot be done gives a clear error and the right exit code
 """
 
 import csv
 import io
+import os
 import pathlib
+import pty
+import select
 import shutil
 import subprocess
 import sys
@@ -108,6 +112,26 @@ def check_against_second_reader(command, club=CLUB):
     return seen
 
 
+def long_path(command):
+    """Folders that are longer than programs of old could name."""
+    club = CLUB + "\\" + "\\".join(["Verzeichnis mit langem Namen é " + str(number) * 30 for number in range(5)])
+    command.succeed("new", club=club)
+    expect(command.succeed("sql", "Select Count(*) From Members", club=club).rows() == [["0"]], "it is a club")
+    command.run("new", club=club).refused(1, "exists already")
+
+
+def other_computer(command):
+    """Folders on other computers, which Wine has in a folder of its own."""
+    share = command.wine.home / "dosdevices" / "unc" / "bridge-server" / "club"
+    share.mkdir(parents=True)
+    command.succeed("new", "--name", "Thornmère", club="\\\\bridge-server\\club\\Zoë")
+    info = command.succeed("info", club="//bridge-server/club/Zoë/ClubMembers.mdb").out
+    expect("Thornmère" in info and len(second_reader(share / "Zoë" / "ClubMembers.mdb", "ClubNames")) == 1,
+           f"the club is on the other computer: {info}")
+    command.succeed("dump", "//bridge-server/club/Zoë/ClubMembers.mdb", "//bridge-server/club/dump")
+    expect((share / "dump" / "Members.tsv").is_file(), "the dump is on the other computer")
+
+
 def bring_in(command):
     shutil.copytree(SOURCE / "examples" / "club" / "evenings", command.drive / "Übungen")
     for name in ("members.csv", "pairs.csv"):
@@ -156,7 +180,13 @@ def tend(command):
              for name in ("enne", "pärast")]
     expect(dumps[0] == dumps[1] and "Wójcik".encode() in dumps[0]["Members.tsv"], "compacting changes no contents")
     expect(not any(b"\r" in text for text in dumps[0].values()), "dumps have no carriage returns")
+    file_itself = command.file_of()
+    file_itself.chmod(0o444)
     saved = command.succeed("recover", file, club="C:\\Ødelagt")
+    file_itself.chmod(0o644)
+    left = list((command.drive / "users").glob("*/Temp/tavi-recover-*"))
+    left += (command.drive / "users").glob("*/AppData/Local/Temp/tavi-recover-*")
+    expect(not left, f"no copy is left: {left}")
     expect(all(row[3] == "0" for row in saved.rows()), f"nothing is lost: {saved.out}")
 
 
@@ -171,7 +201,9 @@ def evening(command):
     tend(command)
     check_against_second_reader(command)
     expect(check_against_second_reader(command, "C:\\Ødelagt") == seen, "the recovered file has the same members")
-    leftovers = [file.name for file in command.file_of().parent.iterdir()]
+    long_path(command)
+    other_computer(command)
+    leftovers = [file.name for file in command.file_of().parent.iterdir() if file.is_file()]
     expect(sorted(leftovers) == ["ClubMembers.backup-1.mdb", "ClubMembers.mdb"], f"nothing is left over: {leftovers}")
 
 
@@ -188,6 +220,57 @@ def session(command):
     check_against_second_reader(command)
 
 
+class Console:
+    """tavi.exe as a person at a terminal has it."""
+
+    def __init__(self, command, *arguments):
+        self.shown = b""
+        self.process, self.terminal = pty.fork()
+        if self.process == 0:
+            os.chdir(command.drive)
+            os.execvpe("wine", ["wine", str(command.program), "--db", CLUB, *arguments], command.wine.environment)
+
+    def wait_for(self, text):
+        """Reads on until a text is shown."""
+        while text.encode("utf-8") not in self.shown:
+            ready, _, _ = select.select([self.terminal], [], [], TIMEOUT)
+            expect(ready, f"the console shows \"{text}\": {self.shown!r}")
+            self.shown += os.read(self.terminal, 4096)
+        self.shown = self.shown.partition(text.encode("utf-8"))[2]
+
+    def enter(self, line):
+        os.write(self.terminal, f"{line}\r".encode("utf-8"))
+
+    def end(self):
+        """The exit code."""
+        try:
+            while os.read(self.terminal, 4096):
+                pass
+        except OSError:  # nobody has the other end open any more
+            pass
+        return os.waitstatus_to_exitcode(os.waitpid(self.process, 0)[1])
+
+
+def console(command):
+    command.succeed("new", "--name", "Thornmère Bridge Club")
+    shell = Console(command, "sql")
+    shell.wait_for(".help tells more")
+    shell.wait_for("tavi>")
+    shell.enter("Insert Into Members (MembershipNumber, FirstName, LastName) Values (5, 'Zoë', 'Łukasz Ž');")
+    shell.wait_for("tavi>")
+    shell.enter("Select FirstName & '|' & LastName As Whole From Members;")
+    shell.wait_for("Whole")
+    shell.wait_for("Zoë|Łukasz Ž")
+    shell.wait_for("tavi>")
+    shell.enter("Select Nothing;")
+    shell.wait_for("tavi:")
+    shell.wait_for("tavi>")
+    shell.enter(".quit")
+    expect(shell.end() == 0, "the shell ends well")
+    seen = check_against_second_reader(command)
+    expect(seen == [["5", "Zoë", "Łukasz Ž", ""]], f"what was typed is stored: {seen}")
+
+
 def refusals(command):
     nowhere = "C:\\Nirgendwo é"
     command.run("members", club=nowhere).refused(1, f"Could not find file '{nowhere}\\ClubMembers.mdb'")
@@ -200,6 +283,7 @@ def refusals(command):
 
     command.succeed("new")
     command.run("new").refused(1, f"{CLUB}\\ClubMembers.mdb exists already")
+    command.run("recover", f"{CLUB.upper()}\\clubmembers.MDB").refused(2, "is the club's own file")
     command.run("new", club="C:\\bad|name").refused(1, "the folder C:\\bad|name cannot be made: ")
     command.run("score", "C:\\fehlt é.xml").refused(1, "C:\\fehlt é.xml: there is no such file")
     command.run("score", "C:\\*.xml").refused(1, "C:\\*.xml: there is no such file")
@@ -216,7 +300,7 @@ def refusals(command):
 
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
-    case = {"evening": evening, "session": session, "refusals": refusals}[sys.argv[2]]
+    case = {"evening": evening, "session": session, "console": console, "refusals": refusals}[sys.argv[2]]
     wine = under_wine.Wine(build, "command-" + sys.argv[2])
     # Wine takes the encoding of arguments and file names from here.
     wine.environment["LC_ALL"] = "C.UTF-8"

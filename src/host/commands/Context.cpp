@@ -9,24 +9,19 @@
 namespace tavi::host {
 namespace {
 
-namespace fs = std::filesystem;
-
 constexpr const char* kClubFileName = "ClubMembers.mdb";
 
 bool IsFile(const std::string& path) {
   std::error_code ignored;
-  return fs::is_regular_file(PathOf(path), ignored);
-}
-
-fs::path AbsolutePath(const std::string& name) {
-  return fs::absolute(PathOf(name)).lexically_normal();
+  return std::filesystem::is_regular_file(PathOf(path), ignored);
 }
 
 /// The folder of a club that was named by its folder or its file.
-fs::path FolderOf(const std::string& name) {
-  const fs::path path = AbsolutePath(name);
+std::string FolderOf(const std::string& name) {
+  const std::string path = AbsolutePath(name);
   if (!IsFile(name)) return path;
-  if (EqualIgnoringCase(TextOf(path.filename()), kClubFileName)) return path.parent_path();
+  const PathParts parts = SplitPath(path);
+  if (EqualIgnoringCase(parts.name, kClubFileName)) return parts.folder;
   throw Error(ErrorNumber::InvalidArgument, "tavi",
               "\"" + name + "\" is no club's folder, and a club's file is called " + kClubFileName +
                   ". Name the folder that holds it.");
@@ -36,7 +31,7 @@ fs::path FolderOf(const std::string& name) {
 
 std::unique_ptr<MembershipDatabase> Context::OpenClub() const {
   auto club = std::make_unique<MembershipDatabase>(platform);
-  if (!folder.empty()) club->SetDatabaseFolder(TextOf(FolderOf(folder)));
+  if (!folder.empty()) club->SetDatabaseFolder(FolderOf(folder));
   return club;
 }
 
@@ -49,7 +44,7 @@ std::string Context::ClubFile() const {
 }
 
 std::string Context::AccessFile() const {
-  return IsFile(folder) ? TextOf(AbsolutePath(folder)) : ClubFile();
+  return IsFile(folder) ? AbsolutePath(folder) : ClubFile();
 }
 
 }  // namespace tavi::host

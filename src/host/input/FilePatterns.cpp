@@ -39,20 +39,20 @@ bool Fits(const std::u32string& name, const std::u32string& pattern) {
   return pattern.find_first_not_of(U'*', at) == std::u32string::npos;
 }
 
-std::u32string Folded(const fs::path& name) {
-  return ToCodePoints(LowerCase(TextOf(name)));
+std::u32string Folded(const std::string& name) {
+  return ToCodePoints(LowerCase(name));
 }
 
 }  // namespace
 
 std::vector<std::string> FilesOfPattern(const std::string& pattern) {
-  const fs::path path = PathOf(pattern);
-  const fs::path folder = path.parent_path();
-  const std::u32string wanted = Folded(path.filename());
+  const PathParts parts = SplitPath(pattern);
+  const fs::path folder = PathOf(parts.folder);
+  const std::u32string wanted = Folded(parts.name);
   std::vector<std::string> files;
   std::error_code failure;
   for (const auto& entry : fs::directory_iterator(folder.empty() ? fs::path(".") : folder, failure)) {
-    if (!entry.is_directory(failure) && Fits(Folded(entry.path().filename()), wanted)) {
+    if (!entry.is_directory(failure) && Fits(Folded(TextOf(entry.path().filename())), wanted)) {
       files.push_back(TextOf(folder / entry.path().filename()));
     }
   }

@@ -17,7 +17,8 @@ class LineSource {
   virtual void Remember(const std::string& /*input*/) {}
 };
 
-/// Lines of a stream. No prompt is shown.
+/// Lines of a stream, without carriage returns before their ends and a byte-order mark before the first. No prompt is
+/// shown.
 class StreamLines final : public LineSource {
  public:
   explicit StreamLines(std::istream& in) : in_(in) {}
@@ -25,6 +26,7 @@ class StreamLines final : public LineSource {
 
  private:
   std::istream& in_;
+  bool isFirst_ = true;
 };
 
 /// Lines that a person types at the terminal, which `in` and `out` belong to, with editing keys and a history that is

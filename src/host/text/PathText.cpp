@@ -1,19 +1,65 @@
 #include "host/text/PathText.h"
 
+#include <string_view>
+
 #ifdef _WIN32
+#include <windows.h>
+
 #include "platform/values/WideText.h"
 #endif
 
 namespace tavi::host {
+namespace {
+
+#ifdef _WIN32
+constexpr std::string_view kSeparators = "/\\";
+#else
+constexpr std::string_view kSeparators = "/";
+#endif
+
+}  // namespace
 
 std::filesystem::path PathOf(const std::string& text) {
-  return {std::u8string(text.begin(), text.end())};
+#ifdef _WIN32
+  return windows::ToWidePath(text);
+#else
+  return text;
+#endif
 }
 
 std::string TextOf(const std::filesystem::path& path) {
   std::filesystem::path written = path;
   const std::u8string text = written.make_preferred().u8string();
   return {text.begin(), text.end()};
+}
+
+std::string AbsolutePath(const std::string& path) {
+#ifdef _WIN32
+  const std::wstring wide = windows::ToWide(path);
+  std::wstring full(::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
+  full.resize(::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
+  return full.empty() ? path : windows::FromWide(full);
+#else
+  return std::filesystem::absolute(path).lexically_normal().string();
+#endif
+}
+
+PathParts SplitPath(const std::string& path) {
+  const std::size_t separator = path.find_last_of(kSeparators);
+  if (separator == std::string::npos) return {"", path};
+  const std::string folder = path.substr(0, separator);
+  const bool isRoot = folder.empty() || folder.ends_with(':');
+  return {isRoot ? path.substr(0, separator + 1) : folder, path.substr(separator + 1)};
+}
+
+std::error_code MakeFolders(const std::string& path) {
+  std::error_code failure;
+  if (std::filesystem::is_directory(PathOf(path), failure)) return {};
+  const std::string outer = SplitPath(path).folder;
+  if (!outer.empty() && outer != path) static_cast<void>(MakeFolders(outer));
+  std::filesystem::create_directory(PathOf(path), failure);
+  std::error_code ignored;
+  return std::filesystem::is_directory(PathOf(path), ignored) ? std::error_code() : failure;
 }
 
 std::string ReasonOf(const std::error_code& failure) {

@@ -4,13 +4,28 @@
 #include <string>
 #include <system_error>
 
+/// Paths as people write them: UTF-8 on every system. Under Windows they may lie on another computer ("\\server\share")
+/// and be longer than 260 characters, neither of which the standard library takes apart rightly.
 namespace tavi::host {
 
-/// The path that a text names. Texts are UTF-8 on every system.
+/// A path for calls of the system.
 [[nodiscard]] std::filesystem::path PathOf(const std::string& text);
 
-/// A path as text, the way people of this system write it.
+/// A path of the system as text.
 [[nodiscard]] std::string TextOf(const std::filesystem::path& path);
+
+/// A path from the root on, without "." and "..".
+[[nodiscard]] std::string AbsolutePath(const std::string& path);
+
+struct PathParts {
+  std::string folder;  ///< empty where the path is a name alone
+  std::string name;    ///< empty where the path ends in a separator
+};
+/// Takes the last name off a path.
+[[nodiscard]] PathParts SplitPath(const std::string& path);
+
+/// Makes a folder, and first those that it lies in; one that is there already is no failure.
+[[nodiscard]] std::error_code MakeFolders(const std::string& path);
 
 /// The system's words for a failure of a file operation.
 [[nodiscard]] std::string ReasonOf(const std::error_code& failure);

@@ -14,18 +14,19 @@ namespace {
 
 namespace fs = std::filesystem;
 
-void MakeFolder(const fs::path& folder) {
-  std::error_code code;
-  fs::create_directories(folder, code);
-  if (code)
-    throw Error(ErrorNumber::InvalidArgument, "tavi",
-                "the folder " + TextOf(folder) + " cannot be made: " + ReasonOf(code));
-  if (!fs::is_empty(folder, code) || code) {
-    throw Error(ErrorNumber::InvalidArgument, "tavi",
-                "the folder " + TextOf(folder) +
-                    " is not empty; name a new one, so that no other file is taken for a "
-                    "table of this dump");
-  }
+[[noreturn]] void RefuseFolder(const std::string& folder, const std::string& why) {
+  throw Error(ErrorNumber::InvalidArgument, "tavi", "the folder " + folder + " " + why);
+}
+
+void MakeFolder(const std::string& folder) {
+  std::error_code code = MakeFolders(folder);
+  if (code) RefuseFolder(folder, "cannot be made: " + ReasonOf(code));
+  const bool isEmpty = fs::is_empty(PathOf(folder), code);
+  if (code) RefuseFolder(folder, "cannot be read: " + ReasonOf(code));
+  if (!isEmpty)
+    RefuseFolder(folder,
+                 "is not empty; name a new one, so that no other file is taken for a "
+                 "table of this dump");
 }
 
 void WriteFile(const fs::path& path, const std::string& text) {
@@ -40,10 +41,10 @@ void WriteFile(const fs::path& path, const std::string& text) {
 
 int Dump(const Context& context, const std::string& file, const std::string& folder) {
   const std::unique_ptr<access::Database> database = OpenToRead(context, file);
-  const fs::path target = NativeFilePath(folder);
+  const std::string target = AbsolutePath(NativePath(folder));
   MakeFolder(target);
   access::DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
-    WriteFile(target / NativeFilePath(name), text);
+    WriteFile(PathOf(target) / NativeFilePath(name), text);
   });
   return kSucceeded;
 }

@@ -33,9 +33,7 @@ void MakeClub(const Context& context, const ClubIdentity& identity) {
   if (std::filesystem::exists(PathOf(file))) {
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
   }
-  std::error_code code;
-  std::filesystem::create_directories(PathOf(folder), code);
-  if (code) {
+  if (const std::error_code code = MakeFolders(folder)) {
     throw Error(ErrorNumber::InvalidArgument, "tavi", "the folder " + folder + " cannot be made: " + ReasonOf(code));
   }
   CreateEmptyDatabase(file, context.platform->clock->Now());

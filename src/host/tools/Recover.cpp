@@ -70,7 +70,7 @@ bool HoldsData(const Context& context) {
 
 void RequirePermission(const Context& context, const RecoverRequest& request, const std::string& clubFile) {
   std::error_code ignored;
-  if (fs::equivalent(NativeFilePath(request.oldFile), PathOf(clubFile), ignored)) {
+  if (fs::equivalent(PathOf(NativePath(request.oldFile)), PathOf(clubFile), ignored)) {
     Refuse(clubFile +
            " is the club's own file. Move it to another place first, or name another folder with --db FOLDER.");
   }
@@ -173,7 +173,7 @@ RecoveryReport RunRecovery(const Context& context, const TemporaryCopy& copy, co
 
 /// Makes the club's file when there is none, and takes it away again when nothing was recovered.
 RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
-  const TemporaryCopy copy(NativeFilePath(oldFile));
+  const TemporaryCopy copy(PathOf(NativePath(oldFile)));
   const bool isNew = !fs::exists(PathOf(clubFile));
   if (isNew) MakeClub(context, {});
   try {

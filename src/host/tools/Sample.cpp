@@ -16,6 +16,13 @@
 namespace tavi::host {
 namespace {
 
+// How the command is called where a sample club is made.
+#ifdef _WIN32
+constexpr const char* kCommand = "tavi";
+#else
+constexpr const char* kCommand = "./run";
+#endif
+
 /// A folder that is not there yet.
 std::string NewFolder() {
   const std::string stem = TextOf(std::filesystem::current_path() / "sample-club");
@@ -62,7 +69,7 @@ int MakeSample(Context context, const std::string& from) {
   if (context.format == OutputFormat::Table) {
     context.out << '\n'
                 << files.size() << " evenings scored. The club's file is\n  " << NativePath(context.ClubFile())
-                << "\nLook further with\n  ./run --db " << context.folder << " handicaps\n";
+                << "\nLook further with\n  " << kCommand << " --db " << context.folder << " handicaps\n";
   } else {
     context.error << NativePath(context.ClubFile()) << '\n';
   }
