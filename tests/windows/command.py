@@ -71,6 +71,10 @@ class Command:
         self.program = build / "tavi.exe"
         self.wine = wine
         self.drive = wine.home / "drive_c"
+        # What Wine itself starts must not have the pipes of a test, or their end would be that of Wine.
+        for background in (["wineserver", "--persistent"], ["wine", "cmd", "/c", "exit"]):
+            subprocess.run(background, env=wine.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                           stderr=subprocess.DEVNULL, timeout=TIMEOUT, check=True)
 
     def run(self, *arguments, club=CLUB, given=b""):
         everything = ["--db", club, "--today", TODAY, *arguments]
