@@ -65,8 +65,8 @@ function(tavi_test name)
     target_precompile_headers(${name} PRIVATE ${TAVI_PRECOMPILED_HEADERS} <gtest/gtest.h> <gmock/gmock.h>)
   endif()
   if(WIN32)
-    add_test(NAME Windows.${name}
-      COMMAND ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tests/automation/under_wine.py ${CMAKE_BINARY_DIR} run
+    tavi_wine_test(Windows.${name}
+      ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tests/automation/under_wine.py ${CMAKE_BINARY_DIR} run
         $<TARGET_FILE:${name}>)
   else()
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)

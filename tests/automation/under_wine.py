@@ -23,6 +23,8 @@ import check_type_library  # noqa: E402
 
 HERE = pathlib.Path(__file__).resolve().parent
 TIMEOUT = 300
+# The Wine for the kind of program that is tested.
+WINE = os.environ.get("TAVI_WINE", "wine")
 
 
 def environment_of(home):
@@ -43,7 +45,7 @@ def new_home(homes):
             shutil.rmtree(unfinished, ignore_errors=True)
             unfinished.mkdir()
             environment = environment_of(unfinished)
-            subprocess.run(["wineboot", "--init"], env=environment, timeout=TIMEOUT, check=True)
+            subprocess.run([WINE, "wineboot", "--init"], env=environment, timeout=TIMEOUT, check=True)
             # The registry is written when the last program has ended.
             subprocess.run(["wineserver", "--wait"], env=environment, timeout=TIMEOUT, check=True)
             unfinished.rename(home)
@@ -67,9 +69,9 @@ class Wine:
         self.folder = self.home / "drive_c" / "club"
         self.environment = environment_of(self.home)
 
-    def run(self, *command, fail=True):
+    def run(self, *command, folder=None, fail=True):
         done = subprocess.run(
-            ["wine", *map(str, command)], env=self.environment, cwd=self.home, timeout=TIMEOUT,
+            [WINE, *map(str, command)], env=self.environment, cwd=folder or self.home, timeout=TIMEOUT,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
         text = done.stdout.decode("utf-8", errors="replace")
         if fail and done.returncode != 0:

@@ -78,7 +78,7 @@ class Command:
 
     def run(self, *arguments, club=CLUB, given=b""):
         everything = ["--db", club, "--today", TODAY, *arguments]
-        done = subprocess.run(["wine", str(self.program), *everything], env=self.wine.environment, cwd=self.drive,
+        done = subprocess.run([under_wine.WINE, str(self.program), *everything], env=self.wine.environment, cwd=self.drive,
                               input=given, capture_output=True, timeout=TIMEOUT, check=False)
         return Outcome(arguments, done)
 
