@@ -72,7 +72,7 @@ class Command:
         self.wine = wine
         self.drive = wine.home / "drive_c"
         # What Wine itself starts must not have the pipes of a test, or their end would be that of Wine.
-        for background in (["wineserver", "--persistent"], ["wine", "cmd", "/c", "exit"]):
+        for background in (["wineserver", "--persistent"], [under_wine.WINE, "cmd", "/c", "exit"]):
             subprocess.run(background, env=wine.environment, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                            stderr=subprocess.DEVNULL, timeout=TIMEOUT, check=True)
 
@@ -232,7 +232,7 @@ class Console:
         self.process, self.terminal = pty.fork()
         if self.process == 0:
             os.chdir(command.drive)
-            os.execvpe("wine", ["wine", str(command.program), "--db", CLUB, *arguments], command.wine.environment)
+            os.execvpe(under_wine.WINE, [under_wine.WINE, str(command.program), "--db", CLUB, *arguments], command.wine.environment)
 
     def wait_for(self, text):
         """Reads on until a text is shown."""
