@@ -2,6 +2,7 @@
 
 #include <ocidl.h>
 
+#include <algorithm>
 #include <atomic>
 
 #include "automation/Answer.h"
@@ -53,7 +54,9 @@ class AutomationObject : public Interface, public IProvideClassInfo, public ISup
   }
   STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID /*locale*/, DISPID* members) override {
     if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-    if (names == nullptr || members == nullptr) return E_POINTER;
+    if (names == nullptr || members == nullptr || std::find(names, names + count, nullptr) != names + count) {
+      return E_POINTER;
+    }
     HRESULT result = S_OK;
     const HRESULT answer = Answer([&] { result = Information()->GetIDsOfNames(names, count, members); });
     return FAILED(answer) ? answer : result;

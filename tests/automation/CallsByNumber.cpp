@@ -64,6 +64,9 @@ void CheckNames(IDispatch& object) {
   CheckResult("names for another interface", object.GetIDsOfNames(IID_IUnknown, names.data(), 1, 0, numbers.data()),
               DISP_E_UNKNOWNINTERFACE);
   CheckResult("no names", object.GetIDsOfNames(IID_NULL, nullptr, 1, 0, numbers.data()), E_POINTER);
+  names[0] = nullptr;
+  CheckResult("a null name", object.GetIDsOfNames(IID_NULL, names.data(), 1, 0, numbers.data()), E_POINTER);
+  names[0] = texts[0].data();
   CheckResult("no numbers", object.GetIDsOfNames(IID_NULL, names.data(), 1, 0, nullptr), E_POINTER);
 }
 

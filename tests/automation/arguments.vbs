@@ -309,6 +309,32 @@ list.Count = 3
 CheckError "a count that is only read", kNoSuchMember
 On Error Goto 0
 
+' --- Addresses, by position and by key
+db.DatabaseFolder = folder & "\addresses"
+Check "an address", db.MembersEmailAddress(1), "ann@example.org"
+Check "that of a retired member", db.MembersEmailAddress(2), "bob@example.org"
+Check "that of nobody", db.MembersEmailAddress(99), ""
+Set list = db.AllEmailAddresses
+Check "the addresses of the active members", list.Count, CLng(2)
+Check "the first one", list(1), "ann@example.org"
+Check "by its key", list.Item("ANN@example.org"), "ann@example.org"
+Check "with accents, by its key", list.Item(Chr(201) & "LO" & Chr(207) & "SE@example.org"), Chr(201) & "lo" & Chr(239) & "se@example.org"
+text = ""
+For Each item In list
+  text = text & item & ";"
+Next
+Check "all of them", text, "ann@example.org;" & Chr(201) & "lo" & Chr(239) & "se@example.org;"
+On Error Resume Next
+text = list.Item("bob@example.org")
+CheckError "an address that is not there", 5
+text = list.Item(3)
+CheckError "an address behind the end", 9
+db.DatabaseFolder = folder & "\twice"
+Set list = db.AllEmailAddresses
+CheckError "an address of two members", 457
+On Error Goto 0
+db.DatabaseFolder = folder
+
 ' --- Objects live as long as they are used
 Set list = db.SearchEBUList("", "Smith")
 Set item = list(2)
