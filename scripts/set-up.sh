@@ -23,20 +23,25 @@ need_packages() {
     say "Installing ${missing[*]}"
     local as_root=()
     [[ $(id -u) -eq 0 ]] || as_root=(sudo)
-    "${as_root[@]}" apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    if ! { "${as_root[@]}" apt-get update -qq &&
+      DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null; }; then
+      say "These packages are needed and could not be installed: ${missing[*]}"
+      return 1
+    fi
   fi
   mkdir -p build
   touch "$stamp"
 }
 
-# build_preset PRESET TARGET...: configures the preset once, then builds; silent when everything is up to date.
+# build_preset PRESET TARGET...: configures the preset once and whenever presets have changed, then builds; silent when
+# everything is up to date.
 build_preset() {
   local preset=$1
   shift
-  if [[ ! -e build/$preset/build.ninja ]]; then
+  if [[ ! -e build/$preset/build.ninja || CMakePresets.json -nt build/$preset/build.ninja ]]; then
     say "Configuring build/$preset"
     cmake --preset "$preset" >/dev/null
+    touch "build/$preset/build.ninja"
   fi
   if ! ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
     say "Building build/$preset"

@@ -98,6 +98,7 @@ class PackageTest(unittest.TestCase):
         self.assertIn("registered for all users", self.command("register.cmd"))
         for_all = self.keys(MACHINE) - machine
         self.assertEqual(EXPECTED, self.members())
+        self.assertEqual(EXPECTED, self.wine.run(BUILD / "members_example.exe", f"C:\\{CLUB}").splitlines())
         self.assertIn("no longer registered", self.command("unregister.cmd"))
         self.assertEqual(machine, self.keys(MACHINE))
 
