@@ -12,6 +12,12 @@
 
 namespace tavi::automation {
 
+/// Whether the objects whose own interface is `own` have the interface `wanted`.
+inline bool IsInterfaceOfObjects(REFIID wanted, REFIID own) {
+  return wanted == own || wanted == IID_IUnknown || wanted == IID_IDispatch || wanted == IID_IProvideClassInfo ||
+         wanted == IID_ISupportErrorInfo;
+}
+
 /// What every object of the server is: counted by references, callable through its interface and by name, with rich
 /// errors, and able to tell its class. An object is used on the thread that created it.
 template <typename Interface, typename Class>
@@ -89,8 +95,7 @@ class AutomationObject : public Interface, public IProvideClassInfo, public ISup
   virtual void* Find(REFIID wanted) {
     if (wanted == IID_ISupportErrorInfo) return static_cast<ISupportErrorInfo*>(this);
     if (wanted == IID_IProvideClassInfo) return static_cast<IProvideClassInfo*>(this);
-    const bool isMain = wanted == IID_IUnknown || wanted == IID_IDispatch || wanted == __uuidof(Interface);
-    return isMain ? static_cast<Interface*>(this) : nullptr;
+    return IsInterfaceOfObjects(wanted, __uuidof(Interface)) ? static_cast<Interface*>(this) : nullptr;
   }
 
  private:

@@ -37,6 +37,8 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
     if (result == nullptr) return E_POINTER;
     *result = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+    // A new MembershipDatabase replaces its thread's store; one that nobody gets must not.
+    if (!IsInterfaceOfObjects(wanted, made_.interfaceIdentifier)) return E_NOINTERFACE;
     windows::ComPointer<IUnknown> object;
     const HRESULT answer = Answer([&] { *object.Receive() = made_.create(); });
     return FAILED(answer) ? answer : object->QueryInterface(wanted, result);
@@ -85,12 +87,14 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
 const std::vector<CreatableClass>& CreatableClasses() {
   static const std::vector<CreatableClass> classes = {
       {__uuidof(::MembershipDatabase), L"MembershipDatabase", L"A bridge club's membership records",
+       __uuidof(_MembershipDatabase),
        []() -> IUnknown* { return static_cast<_MembershipDatabase*>(new MembershipDatabaseObject); }},
       {__uuidof(::HandiCalcSettings), L"HandiCalcSettings", L"Settings of the handicap calculation",
-       []() -> IUnknown* { return MakeSettings(HandiCalcSettings()).Detach(); }},
-      {__uuidof(::Handicaps), L"Handicaps", L"Result of a handicap calculation",
+       __uuidof(_HandiCalcSettings), []() -> IUnknown* { return MakeSettings(HandiCalcSettings()).Detach(); }},
+      {__uuidof(::Handicaps), L"Handicaps", L"Result of a handicap calculation", __uuidof(_Handicaps),
        []() -> IUnknown* { return MakeHandicaps(Handicaps()).Detach(); }},
       {__uuidof(::EBUMembershipDetails), L"EBUMembershipDetails", L"One row of the governing body's membership list",
+       __uuidof(_EBUMembershipDetails),
        []() -> IUnknown* { return MakeEBUMembershipDetails(EBUMembershipDetails()).Detach(); }},
   };
   return classes;

@@ -13,6 +13,8 @@ struct CreatableClass {
   CLSID identifier;
   const wchar_t* name;
   const wchar_t* description;
+  /// The interface of its own; its objects have the usual ones besides.
+  IID interfaceIdentifier;
   /// A new object with one reference; may throw.
   IUnknown* (*create)();
 };

@@ -197,9 +197,24 @@ void PassTexts(_MembershipDatabase& database, _EBUMembershipDetails& details, co
   ::SysFreeString(last);
 }
 
+/// A database that is asked for by an interface that it has not leaves its thread's store alone.
+void CheckStoreStays(_MembershipDatabase& database) {
+  AutomationText before;
+  AutomationText after;
+  database.get_DatabaseFolder(before.Receive());
+  void* none = &none;
+  CheckResult("a database by another interface",
+              ::CoCreateInstance(__uuidof(MembershipDatabase), nullptr, CLSCTX_INPROC_SERVER, IID_IPersist, &none),
+              E_NOINTERFACE);
+  Check("is null", none == nullptr);
+  database.get_DatabaseFolder(after.Receive());
+  Check("and leaves the folder", !before.ToUtf8().empty() && before.ToUtf8() == after.ToUtf8());
+}
+
 }  // namespace
 
-void CheckObjectRules(_MembershipDatabase& /*database*/) {
+void CheckObjectRules(_MembershipDatabase& database) {
+  CheckStoreStays(database);
   CheckClass("HandiCalcSettings", __uuidof(HandiCalcSettings), __uuidof(_HandiCalcSettings));
   CheckClass("Handicaps", __uuidof(Handicaps), __uuidof(_Handicaps));
   CheckClass("EBUMembershipDetails", __uuidof(EBUMembershipDetails), __uuidof(_EBUMembershipDetails));
