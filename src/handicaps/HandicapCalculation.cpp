@@ -96,7 +96,7 @@ void HandicapCalculation::BuildClauses() {
 }
 
 std::string HandicapCalculation::DateClause() const {
-  const std::string upTo = IsMarker() ? "" : " And CompetitionDate <= " + cDatabase::SQLDate(request_.CompetitionDate);
+  std::string upTo = IsMarker() ? "" : " And CompetitionDate <= " + cDatabase::SQLDate(request_.CompetitionDate);
   if (settings_.MaxWeeks() < 1) return upTo;
   const Date end = IsMarker() ? database_.GetPlatform().clock->Now().DayOnly() : request_.CompetitionDate;
   return " And CompetitionDate >= " + cDatabase::SQLDate(WeeksBefore(end, settings_.MaxWeeks())) + upTo;

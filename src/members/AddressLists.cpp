@@ -23,7 +23,7 @@ std::string MembersEmailAddress(cDatabase& store, std::int32_t MemberNo) {
   OpenUse use(store);
   const auto rows =
       store.OpenRecordset("Select email from Members where MembershipNumber = " + std::to_string(MemberNo));
-  const std::string address = rows->AtEnd() ? std::string() : cDatabase::GetTextField(*rows, "email", true);
+  std::string address = rows->AtEnd() ? std::string() : cDatabase::GetTextField(*rows, "email", true);
   rows->Close();
   use.Close();
   return address;
@@ -34,7 +34,7 @@ std::vector<std::string> AllEmailAddresses(cDatabase& store) {
   OpenUse use(store);
   const auto rows = store.OpenRecordset("Select email from Members where Active <> 0");
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    const std::string address = cDatabase::GetTextField(*rows, "email", true);
+    std::string address = cDatabase::GetTextField(*rows, "email", true);
     if (!address.empty()) addresses.Append(UpperCase(address), address);
   }
   rows->Close();

@@ -48,7 +48,7 @@ void CopyValues(StoredTable& table, std::size_t from, std::size_t to) {
 
 std::string UnusedColumnName(const StoredTable& table) {
   for (std::size_t number = 1;; ++number) {
-    const std::string name = "NewColumn" + std::to_string(number);
+    std::string name = "NewColumn" + std::to_string(number);
     if (!table.FindColumn(name)) return name;
   }
 }

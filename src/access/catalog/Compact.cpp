@@ -20,9 +20,9 @@ constexpr std::size_t kCopyChunk = std::size_t{1} << 20U;
 /// One file while it is compacted.
 class Compacting {
  public:
-  Compacting(const std::shared_ptr<FileSystem>& fileSystem, const std::string& path, const CheckProgress& progress)
-      : fileSystem_(fileSystem),
-        path_(fileSystem->CanonicalPath(path)),
+  Compacting(std::shared_ptr<FileSystem> fileSystem, const std::string& path, const CheckProgress& progress)
+      : fileSystem_(std::move(fileSystem)),
+        path_(fileSystem_->CanonicalPath(path)),
         newPath_(path_ + kNewFileEnding),
         copyPath_(path_ + kCopyEnding),
         progress_(progress),
@@ -148,7 +148,8 @@ class Compacting {
     const std::string stem = hasEnding ? path_.substr(0, dot) : path_;
     const std::string ending = hasEnding ? path_.substr(dot) : std::string();
     for (int number = 1;; ++number) {
-      std::string name = stem + ".backup-" + std::to_string(number) + ending;
+      std::string name = stem;
+      name.append(".backup-").append(std::to_string(number)).append(ending);
       if (!fileSystem_->Exists(name)) return name;
     }
   }

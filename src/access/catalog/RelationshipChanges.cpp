@@ -230,6 +230,7 @@ void DropRelationship(Catalog& catalog, std::string_view name) {
   const auto found =
       std::ranges::find_if(all, [&](const Relationship& candidate) { return SameName(candidate.name, name); });
   if (found == all.end()) RaiseFailure("There is no relationship named '" + std::string(name) + "'.");
+  // The rows that it is read from are about to go. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
   const Relationship relationship = *found;
   if (relationship.enforced) DropSides(catalog, relationship.foreignTable, relationship.name);
   const std::shared_ptr<StoredTable> table = catalog.TableAt(format::kRelationshipsTablePage);

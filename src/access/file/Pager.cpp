@@ -34,7 +34,7 @@ void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseK
 
 }  // namespace
 
-std::unique_ptr<Pager> Pager::Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
+std::unique_ptr<Pager> Pager::Open(const std::shared_ptr<FileSystem>& fileSystem, const std::string& path,
                                    const PagerOptions& options) {
   if (!fileSystem->Exists(path)) RaiseFailure("Could not find file '" + path + "'.");
   for (int attempt = 1;; ++attempt) {

@@ -65,7 +65,7 @@ class Pager {
   /// the file as it now is, because another program has written it since, is renamed aside and reported. A file that
   /// must not be written (its own permissions, its folder's, Access 97) is opened for reading only; a pending log is
   /// then looked through, not applied.
-  static std::unique_ptr<Pager> Open(std::shared_ptr<FileSystem> fileSystem, const std::string& path,
+  static std::unique_ptr<Pager> Open(const std::shared_ptr<FileSystem>& fileSystem, const std::string& path,
                                      const PagerOptions& options);
   /// Writes a new file of the given pages (page i of the list is page i of the file), durable on return.
   /// Page 0 is given as it is stored (masked); when it holds a database key the other pages are encoded with it.

@@ -1,6 +1,5 @@
 // The operating system's files on POSIX systems (Linux). Locks are open-file-description locks, so that two openers in
 // one process exclude each other as two processes do.
-#define _FILE_OFFSET_BITS 64
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -121,7 +120,7 @@ class PosixFile final : public File {
     return ::stat(path.c_str(), &named) == 0 && named.st_dev == own.st_dev && named.st_ino == own.st_ino;
   }
 
-  bool IsReadOnly() const override { return isReadOnly_; }
+  [[nodiscard]] bool IsReadOnly() const override { return isReadOnly_; }
 
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     struct flock range = Range(offset, length, kind == LockKind::Shared ? F_RDLCK : F_WRLCK);

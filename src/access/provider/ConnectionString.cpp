@@ -15,12 +15,12 @@ std::string TakeValue(std::string_view text, std::size_t& position) {
   if (position < text.size() && (text[position] == '"' || text[position] == '\'')) {
     const std::size_t end = text.find(text[position], position + 1);
     if (end == std::string_view::npos) RaiseFailure("The connection string has a quote that is not closed.");
-    const std::string value(text.substr(position + 1, end - position - 1));
+    std::string value(text.substr(position + 1, end - position - 1));
     position = std::min(text.find(';', end), text.size());
     return value;
   }
   const std::size_t end = std::min(text.find(';', position), text.size());
-  const std::string value = Trim(text.substr(position, end - position));
+  std::string value = Trim(text.substr(position, end - position));
   position = end;
   return value;
 }
@@ -47,7 +47,7 @@ ConnectionString ParseConnectionString(std::string_view text) {
     }
     const std::string name = Trim(text.substr(position, equals - position));
     position = equals + 1;
-    const std::string value = TakeValue(text, position);
+    std::string value = TakeValue(text, position);
     ++position;
     if (EqualIgnoringCase(name, "Provider")) CheckProvider(value);
     if (EqualIgnoringCase(name, "Data Source")) result.dataSource = value;

@@ -56,7 +56,7 @@ Value CCur(Arguments arguments, const Scope&) {
 }
 
 Value CBool(Arguments arguments, const Scope&) {
-  if (const auto* text = std::get_if<std::string>(&arguments[0])) {
+  if (const auto* text = std::get_if<std::string>(&arguments.front())) {
     try {
       return ToBoolean(*text);
     } catch (const Error&) {

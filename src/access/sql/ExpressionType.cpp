@@ -33,7 +33,7 @@ int Rank(DataType type) {
   constexpr std::array kOrder = {DataType::Boolean,  DataType::UnsignedTinyInt, DataType::SmallInt,
                                  DataType::Integer,  DataType::Single,          DataType::Double,
                                  DataType::Currency, DataType::Numeric,         DataType::Date};
-  const auto found = std::find(kOrder.begin(), kOrder.end(), type);
+  const auto* const found = std::find(kOrder.begin(), kOrder.end(), type);
   return found == kOrder.end() ? -1 : static_cast<int>(found - kOrder.begin());
 }
 

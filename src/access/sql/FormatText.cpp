@@ -57,7 +57,7 @@ std::string FormatCharacters(const std::string& text, std::string_view pattern) 
   const bool fromLeft = HoldsAny(pattern, "!");
   const bool isUpper = HoldsAny(pattern, ">");
   const bool isLower = HoldsAny(pattern, "<");
-  std::size_t open = static_cast<std::size_t>(
+  auto open = static_cast<std::size_t>(
       std::count_if(places.begin(), places.end(), [](char32_t one) { return one == U'@' || one == U'&'; }));
   const std::size_t placeCount = open;
   std::size_t next = 0;

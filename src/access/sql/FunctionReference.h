@@ -16,7 +16,8 @@ class FunctionReference<Result(Arguments...)> {
  public:
   template <typename Callable>
   requires(!std::is_same_v<std::remove_cvref_t<Callable>, FunctionReference>)
-      FunctionReference(Callable&& callable)  // NOLINT(google-explicit-constructor): lambdas are passed as they are
+      FunctionReference(Callable&& callable)  // NOLINT: lambdas are passed as they are
+      // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): the call gives the constness back.
       : object_(const_cast<void*>(static_cast<const void*>(std::addressof(callable)))),
         call_([](void* object, Arguments... arguments) -> Result {
           return (*static_cast<std::remove_reference_t<Callable>*>(object))(std::forward<Arguments>(arguments)...);

@@ -25,7 +25,7 @@ Value Switch(LazyArguments arguments, const Scope& scope) {
 
 /// Choose(number, first, second, ...): Null when there is no such choice.
 Value Choose(LazyArguments arguments, const Scope& scope) {
-  const Value choice = Evaluate(*arguments[0], scope);
+  Value choice = Evaluate(*arguments[0], scope);
   if (IsNull(choice)) return choice;
   const double number = NumberOf(choice);
   if (!(number >= 1.0 && number < static_cast<double>(arguments.size()))) return Null{};
@@ -45,7 +45,7 @@ Value TestNull(Arguments arguments, const Scope&) {
 
 Value IsDate(Arguments arguments, const Scope&) {
   if (std::holds_alternative<Date>(arguments[0])) return true;
-  const auto* text = std::get_if<std::string>(&arguments[0]);
+  const auto* text = std::get_if<std::string>(&arguments.front());
   return text != nullptr && ParseDateText(*text, DateOrder::DayFirst).has_value();
 }
 

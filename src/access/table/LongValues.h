@@ -57,7 +57,7 @@ class LongValues {
  private:
   [[nodiscard]] Bytes ReadBytes(std::span<const std::uint8_t> stored, const ColumnDefinition& column) const;
   [[nodiscard]] Bytes ReadChain(RowPointer first, std::size_t length, const ColumnDefinition& column) const;
-  [[nodiscard]] RowPointer StoreChain(std::span<const std::uint8_t> data, const LongValueMaps& maps);
+  [[nodiscard]] RowPointer StoreChain(std::span<const std::uint8_t> bytes, const LongValueMaps& maps);
 
   Pager* pager_;
   FormatVersion version_;

@@ -79,7 +79,7 @@ class RowWriter {
     AppendWord(row_, stored.size());
   }
 
-  std::vector<Bytes> StoredByIndex() const {
+  [[nodiscard]] std::vector<Bytes> StoredByIndex() const {
     std::vector<Bytes> stored(definition_.variableColumnCounter);
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
       const ColumnDefinition& column = definition_.columns[i];

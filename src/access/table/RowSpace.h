@@ -35,7 +35,7 @@ class RowSpace {
   [[nodiscard]] bool Owns(PageNumber page) const;
 
  private:
-  [[nodiscard]] std::optional<RowPointer> InsertOn(PageNumber page, std::span<const std::uint8_t> bytes,
+  [[nodiscard]] std::optional<RowPointer> InsertOn(PageNumber number, std::span<const std::uint8_t> bytes,
                                                    std::uint16_t flags);
   void Offer(PageNumber page, bool isOffered);
 

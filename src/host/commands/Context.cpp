@@ -18,7 +18,7 @@ bool IsFile(const std::string& path) {
 
 /// The folder of a club that was named by its folder or its file.
 std::string FolderOf(const std::string& name) {
-  const std::string path = AbsolutePath(name);
+  std::string path = AbsolutePath(name);
   if (!IsFile(name)) return path;
   const PathParts parts = SplitPath(path);
   if (EqualIgnoringCase(parts.name, kClubFileName)) return parts.folder;

@@ -42,7 +42,7 @@ class Scanner {
   std::string NextField() {
     if (!AtEnd() && text_[at_] == '"') return QuotedField();
     const std::size_t end = std::min(text_.find_first_of(std::string("\r\n") + separator_, at_), text_.size());
-    const std::string field = Trim(text_.substr(at_, end - at_));
+    std::string field = Trim(text_.substr(at_, end - at_));
     at_ = end;
     return field;
   }

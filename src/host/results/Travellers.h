@@ -24,7 +24,7 @@ class Travellers {
 
  private:
   struct Line {
-    const XmlElement* node;
+    const XmlElement* node = nullptr;
     std::string northSouth;
     std::string eastWest;
     std::optional<double> northSouthPoints;

@@ -13,9 +13,7 @@ Cell CellOf(const Value& value) {
         using Type = std::decay_t<decltype(content)>;
         if constexpr (std::is_same_v<Type, Null>)
           return std::monostate{};
-        else if constexpr (std::is_same_v<Type, bool>)
-          return content;
-        else if constexpr (std::is_same_v<Type, std::string>)
+        else if constexpr (std::is_same_v<Type, bool> || std::is_same_v<Type, std::string>)
           return content;
         else if constexpr (std::is_integral_v<Type>)
           return static_cast<std::int64_t>(content);

@@ -92,13 +92,13 @@ std::vector<std::string> DamageOf(const RecoveredTable& table) {
 
 Table Figures(const RecoveryReport& report, bool withDamage) {
   std::vector<std::string> columns{"Table", "Found", "Saved", "Lost", "Values lost"};
-  if (withDamage) columns.push_back("Damage");
+  if (withDamage) columns.emplace_back("Damage");
   Table table(columns);
   for (const RecoveredTable& recovered : report.tables) {
     std::vector<Cell> row{recovered.name, recovered.found, recovered.saved, recovered.lost, recovered.valuesLost};
     std::string damage;
     for (const std::string& text : DamageOf(recovered)) damage += (damage.empty() ? "" : "\n") + text;
-    if (withDamage) row.push_back(damage);
+    if (withDamage) row.emplace_back(damage);
     table.Add(std::move(row));
   }
   return table;

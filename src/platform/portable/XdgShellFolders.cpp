@@ -67,7 +67,7 @@ std::optional<std::string> XdgShellFolders::AbsolutePathOf(const std::string& va
 }
 
 std::optional<std::string> XdgShellFolders::ConfigurationFolder() const {
-  if (const auto configured = AbsolutePathOf("XDG_CONFIG_HOME")) return configured;
+  if (auto configured = AbsolutePathOf("XDG_CONFIG_HOME")) return configured;
   if (const auto home = AbsolutePathOf("HOME")) return *home + "/.config";
   return std::nullopt;
 }

@@ -78,7 +78,7 @@ class XmlSettingsDocument : public SettingsDocument {
   }
 
   [[nodiscard]] std::optional<std::string> Text(const std::vector<std::string>& path) const override {
-    pugi::xml_node node = document_;
+    pugi::xml_node node = document_.root();
     for (const std::string& name : path) node = node.child(name.c_str());
     if (!node || path.empty()) return std::nullopt;
     std::string text;
@@ -94,13 +94,13 @@ class XmlSettingsDocument : public SettingsDocument {
       if (!IsElementName(name)) Refuse(fileName_, "can hold no element named \"" + name + "\".");
     }
     const pugi::xml_node root = document_.document_element();
-    if (path.empty() || (root && path.front() != root.name())) {
+    if (path.empty() || (!root.empty() && path.front() != root.name())) {
       Refuse(fileName_, "has the root element \"" + std::string(root.name()) + "\", so it is no settings file.");
     }
-    pugi::xml_node node = document_;
+    pugi::xml_node node = document_.root();
     for (const std::string& name : path) {
       const pugi::xml_node child = node.child(name.c_str());
-      node = child ? child : node.append_child(name.c_str());
+      node = !child.empty() ? child : node.append_child(name.c_str());
     }
     node.remove_children();
     node.append_child(pugi::node_pcdata).set_value(std::string(text).c_str());
