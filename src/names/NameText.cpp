@@ -35,8 +35,9 @@ void ClearNameParts(PlayerNameParts& parts) {
 
 void MakeFuzzedNames(std::string& FuzzedFirstName, std::string& FuzzedSurname, const PlayerNameParts& parts,
                      const NameKeyService& service) {
-  FuzzedSurname = service.Key(NameKeyMode::Surname, parts.Surname);
-  FuzzedFirstName = service.Key(NameKeyMode::FirstName, parts.FirstName);
+  NameKeys keys = service.Keys(parts.Surname, parts.FirstName);
+  FuzzedSurname = std::move(keys.surname);
+  FuzzedFirstName = std::move(keys.firstName);
 }
 
 }  // namespace tavi

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/ado/Provider.h"
@@ -36,6 +37,12 @@ class MessageBoxes {
 /// Which kind of name a key is made for.
 enum class NameKeyMode { Surname, FirstName };
 
+/// The keys of a surname and a first name.
+struct NameKeys {
+  std::string surname;
+  std::string firstName;
+};
+
 /// Makes sound-alike keys of names. Two writings that should be taken for the same name have equal keys in their mode;
 /// the key of a text never changes, because keys are stored.
 class NameKeyService {
@@ -43,6 +50,11 @@ class NameKeyService {
   virtual ~NameKeyService() = default;
   /// The key of a name: at most 50 ASCII characters, empty for the empty name.
   [[nodiscard]] virtual std::string Key(NameKeyMode mode, std::string_view name) const = 0;
+  /// The keys of both names of a person, the surname's made first.
+  [[nodiscard]] virtual NameKeys Keys(std::string_view surname, std::string_view firstName) const {
+    std::string surnameKey = Key(NameKeyMode::Surname, surname);
+    return {std::move(surnameKey), Key(NameKeyMode::FirstName, firstName)};
+  }
 };
 
 /// The roots of the registry.
@@ -74,7 +86,8 @@ class SettingsDocument {
 class SettingsDocuments {
  public:
   virtual ~SettingsDocuments() = default;
-  /// Loads a file (a path with backslashes, see util/NativePath.h). Raises an error when it cannot be read or is no XML.
+  /// Loads a file (a path with backslashes, see util/NativePath.h). Raises an error when it cannot be read or is no
+  /// XML.
   [[nodiscard]] virtual std::unique_ptr<SettingsDocument> Load(const std::string& path) const = 0;
 };
 

@@ -29,11 +29,9 @@ StoredNames NamesOf(const ado::Recordset& row) {
 }  // namespace
 
 StoredNames WithFreshKeys(StoredNames names, const NameKeyService& keys) {
-  const auto key = [&keys](NameKeyMode mode, const std::string& name) {
-    return cDatabase::StoredText(keys.Key(mode, cDatabase::PlainText(name)));
-  };
-  names.firstNameKey = key(NameKeyMode::FirstName, names.firstName);
-  names.surnameKey = key(NameKeyMode::Surname, names.surname);
+  const NameKeys fresh = keys.Keys(cDatabase::PlainText(names.surname), cDatabase::PlainText(names.firstName));
+  names.firstNameKey = cDatabase::StoredText(fresh.firstName);
+  names.surnameKey = cDatabase::StoredText(fresh.surname);
   return names;
 }
 

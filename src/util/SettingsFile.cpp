@@ -1,5 +1,7 @@
 #include "util/SettingsFile.h"
 
+#include <algorithm>
+
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 #include "util/NativeFiles.h"
@@ -37,13 +39,23 @@ std::vector<std::string> ElementPath(const std::string& keyPath, const std::stri
   return path;
 }
 
+/// Refuses a value with a character that no XML document holds: the file could not be loaded any more.
+void RequireXmlText(const std::string& valueName, const std::string& value) {
+  const auto isForbidden = [](char character) {
+    return character >= 0 && character < ' ' && character != '\t' && character != '\r' && character != '\n';
+  };
+  if (std::none_of(value.begin(), value.end(), isForbidden)) return;
+  throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
+              "The setting \"" + valueName + "\" holds a control character, so the settings file cannot take it.");
+}
+
 /// The path of the settings file, which is there on return unless it could not be made.
 std::string MakeSureOfFile(const ShellFolders& shell) {
   std::int32_t folderNumber = kCommonApplicationDataFolder;
   const std::string commonFolder = SpecialFolderPath(shell, folderNumber, true);
   if (commonFolder.empty()) {
     throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
-                "There is no folder for the settings file; set HOME or XDG_CONFIG_HOME.");
+                "There is no folder for the settings file: the system names none for the data of all programs.");
   }
   const std::string folder = commonFolder + "\\Madrigo";
   MakeNativeFolder(folder);
@@ -63,6 +75,7 @@ std::optional<std::string> SettingsFile::Value(const std::string& keyPath, const
 }
 
 void SettingsFile::SetValue(const std::string& keyPath, const std::string& valueName, const std::string& value) {
+  RequireXmlText(valueName, value);
   document_->SetText(ElementPath(keyPath, valueName), Escaped(value));
   changed_ = true;
 }

@@ -19,7 +19,7 @@ class SettingsFile {
 
   /// The value, nothing when the file does not hold it.
   [[nodiscard]] std::optional<std::string> Value(const std::string& keyPath, const std::string& valueName) const;
-  /// Sets a value; Save stores it.
+  /// Sets a value; Save stores it. Raises InvalidArgument for one with control characters.
   void SetValue(const std::string& keyPath, const std::string& valueName, const std::string& value);
   /// Writes the file when a value was set. Raises an error when that fails.
   void Save();

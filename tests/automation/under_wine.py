@@ -92,8 +92,12 @@ class Wine:
         del target
         return text.splitlines()
 
-    def end(self):
+    def stop(self):
+        """Ends what runs in this home; the next program starts all anew."""
         subprocess.run(["wineserver", "--kill"], env=self.environment, check=False)
+
+    def end(self):
+        self.stop()
         shutil.rmtree(self.home, ignore_errors=True)
 
 

@@ -164,6 +164,14 @@ TEST_F(SettingsStoreTest, AnErrorWhileTheFileIsWrittenReachesTheCaller) {
   EXPECT_THROW(static_cast<void>(Get(kMachine)), Error);
 }
 
+TEST_F(SettingsStoreTest, AValueThatNoXmlFileCanHoldIsRefusedAndTheFileStaysAsItIs) {
+  EXPECT_EQ(Get(kMachine), "default");
+  const std::string before = folder_.ReadFile(kFile);
+  PutIntoRegistry(kMachine, "C:\\Cl\x01ub");
+  EXPECT_THROW(static_cast<void>(Get(kMachine)), Error);
+  EXPECT_EQ(folder_.ReadFile(kFile), before);
+}
+
 /// Settings documents that can be read, without values, and not saved.
 class UnsavableDocuments : public SettingsDocuments {
  public:

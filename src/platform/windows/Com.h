@@ -34,6 +34,7 @@ class ComPointer {
 
   [[nodiscard]] Interface* Get() const { return pointer_; }
   Interface* operator->() const { return pointer_; }
+  Interface& operator*() const { return *pointer_; }
   explicit operator bool() const { return pointer_ != nullptr; }
   /// Where a call puts a new reference; the old one is given back first.
   Interface** Receive() {

@@ -3,17 +3,10 @@
 #include "platform/windows/Com.h"
 
 namespace tavi {
-namespace {
 
-using windows::AutomationText;
-using windows::Require;
-
-constexpr GUID kClass = {0x1926D4B2, 0xC320, 0x11D1, {0x94, 0x59, 0x00, 0x00, 0x4B, 0x40, 0x2E, 0x6B}};
-constexpr GUID kInterface = {0x1926D4B1, 0xC320, 0x11D1, {0x94, 0x59, 0x00, 0x00, 0x4B, 0x40, 0x2E, 0x6B}};
-constexpr const wchar_t* kClassKey = L"CLSID\\{1926D4B2-C320-11D1-9459-00004B402E6B}\\InprocServer32";
-
-/// The interface of the class: these members in this order behind those of every automation object.
-struct KeyMaker : public IDispatch {
+/// The interface of the class: these members in this order behind those of every automation object. It stands outside
+/// of the unnamed namespace, where the compiler would take it that no class implements it, and drop the calls.
+struct NameKeyMaker : public IDispatch {
   virtual HRESULT STDMETHODCALLTYPE PutInput(BSTR text) = 0;
   virtual HRESULT STDMETHODCALLTYPE PutMode(LONG mode) = 0;
   virtual HRESULT STDMETHODCALLTYPE GetKey(BSTR* key) = 0;
@@ -21,31 +14,86 @@ struct KeyMaker : public IDispatch {
   virtual HRESULT STDMETHODCALLTYPE GetFirstNameMode(LONG* mode) = 0;
 
  protected:
-  ~KeyMaker() = default;
+  ~NameKeyMaker() = default;
+};
+
+namespace {
+
+using windows::AutomationText;
+using windows::ComPointer;
+
+constexpr GUID kClass = {0x1926D4B2, 0xC320, 0x11D1, {0x94, 0x59, 0x00, 0x00, 0x4B, 0x40, 0x2E, 0x6B}};
+constexpr GUID kInterface = {0x1926D4B1, 0xC320, 0x11D1, {0x94, 0x59, 0x00, 0x00, 0x4B, 0x40, 0x2E, 0x6B}};
+constexpr const wchar_t* kLibraryKey = L"CLSID\\{1926D4B2-C320-11D1-9459-00004B402E6B}\\InprocServer32";
+constexpr const wchar_t* kProgramKey = L"CLSID\\{1926D4B2-C320-11D1-9459-00004B402E6B}\\LocalServer32";
+constexpr DWORD kLibraryOrProgram = CLSCTX_INPROC_SERVER | CLSCTX_LOCAL_SERVER;
+constexpr const char* kFailure = "The name-key service could not make a key";
+
+bool ClassesHold(const wchar_t* path) {
+  HKEY key = nullptr;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, path, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
+  ::RegCloseKey(key);
+  return true;
+}
+
+/// Raises a failed call as an error that says what the object left to be said about it.
+void RequireCall(HRESULT result) {
+  if (SUCCEEDED(result)) return;
+  ComPointer<IErrorInfo> information;
+  AutomationText source;
+  AutomationText description;
+  if (::GetErrorInfo(0, information.Receive()) == S_OK) {
+    static_cast<void>(information->GetSource(source.Receive()));
+    static_cast<void>(information->GetDescription(description.Receive()));
+  }
+  const std::string text = description.ToUtf8();
+  if (text.empty()) windows::Require(result, kFailure);
+  const std::string name = source.ToUtf8();
+  throw Error(static_cast<std::int32_t>(result), name.empty() ? "TaviMembership" : name, text);
+}
+
+/// One object of the class.
+class Maker {
+ public:
+  Maker() {
+    // What an earlier failure has left says nothing about this one.
+    static_cast<void>(::SetErrorInfo(0, nullptr));
+    windows::Require(::CoCreateInstance(kClass, nullptr, kLibraryOrProgram, kInterface, object_.ReceiveUntyped()),
+                     kFailure);
+  }
+
+  [[nodiscard]] std::string Key(NameKeyMode mode, std::string_view name) const {
+    LONG number = 0;
+    RequireCall(mode == NameKeyMode::Surname ? object_->GetSurnameMode(&number) : object_->GetFirstNameMode(&number));
+    RequireCall(object_->PutMode(number));
+    RequireCall(object_->PutInput(AutomationText(name).Get()));
+    AutomationText key;
+    RequireCall(object_->GetKey(key.Receive()));
+    return key.ToUtf8();
+  }
+
+ private:
+  windows::ComApartment apartment_;
+  ComPointer<NameKeyMaker> object_;
 };
 
 }  // namespace
 
 bool OutsideNameKeys::IsRegistered() {
-  HKEY key = nullptr;
-  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, kClassKey, 0, KEY_READ, &key) != ERROR_SUCCESS) return false;
-  ::RegCloseKey(key);
-  return true;
+  if (ClassesHold(kLibraryKey) || ClassesHold(kProgramKey)) return true;
+  const windows::ComApartment apartment;
+  ComPointer<IClassFactory> factory;
+  return SUCCEEDED(::CoGetClassObject(kClass, kLibraryOrProgram, nullptr, IID_IClassFactory, factory.ReceiveUntyped()));
 }
 
 std::string OutsideNameKeys::Key(NameKeyMode mode, std::string_view name) const {
-  const windows::ComApartment apartment;
-  const std::string action = "The name-key service could not make a key";
-  windows::ComPointer<KeyMaker> maker;
-  Require(::CoCreateInstance(kClass, nullptr, CLSCTX_INPROC_SERVER, kInterface, maker.ReceiveUntyped()), action);
-  LONG modeNumber = 0;
-  Require(mode == NameKeyMode::Surname ? maker->GetSurnameMode(&modeNumber) : maker->GetFirstNameMode(&modeNumber),
-          action);
-  Require(maker->PutMode(modeNumber), action);
-  Require(maker->PutInput(AutomationText(name).Get()), action);
-  AutomationText key;
-  Require(maker->GetKey(key.Receive()), action);
-  return key.ToUtf8();
+  return Maker().Key(mode, name);
+}
+
+NameKeys OutsideNameKeys::Keys(std::string_view surname, std::string_view firstName) const {
+  const Maker maker;
+  std::string surnameKey = maker.Key(NameKeyMode::Surname, surname);
+  return {std::move(surnameKey), maker.Key(NameKeyMode::FirstName, firstName)};
 }
 
 }  // namespace tavi

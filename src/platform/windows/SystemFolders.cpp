@@ -1,9 +1,5 @@
 #include "platform/windows/SystemFolders.h"
 
-#include <windows.h>
-
-#include <shlobj.h>
-
 #include <array>
 #include <bit>
 #include <memory>
@@ -15,6 +11,8 @@ namespace {
 
 // Installed programs have always passed this number for the owner window.
 constexpr std::uintptr_t kOwnerWindow = 100;
+constexpr std::size_t kPathCharacters = 260;
+constexpr std::size_t kLocationCharacters = 520;
 
 struct FreeByTaskAllocator {
   void operator()(ITEMIDLIST* list) const { ::CoTaskMemFree(list); }
@@ -22,9 +20,13 @@ struct FreeByTaskAllocator {
 
 }  // namespace
 
+ShellCalls ShellCalls::OfTheSystem() {
+  return {::SHGetFolderPathW, ::SHGetSpecialFolderLocation, ::SHGetPathFromIDListW};
+}
+
 std::optional<std::string> SystemFolders::FolderPath(std::int32_t folderNumber) const {
-  std::array<wchar_t, MAX_PATH + 1> path{};
-  const HRESULT result = ::SHGetFolderPathW(nullptr, folderNumber, nullptr, SHGFP_TYPE_CURRENT, path.data());
+  std::array<wchar_t, kPathCharacters + 1> path{};
+  const HRESULT result = shell_.getFolderPath(nullptr, folderNumber, nullptr, SHGFP_TYPE_CURRENT, path.data());
   // S_FALSE: the folder is known but is not there.
   if (result != S_OK && result != S_FALSE) return std::nullopt;
   return windows::FromWide(path.data());
@@ -32,12 +34,11 @@ std::optional<std::string> SystemFolders::FolderPath(std::int32_t folderNumber) 
 
 std::optional<ShellFolders::Location> SystemFolders::FolderLocation(std::int32_t folderNumber) const {
   ITEMIDLIST* found = nullptr;
-  if (::SHGetSpecialFolderLocation(std::bit_cast<HWND>(kOwnerWindow), folderNumber, &found) != S_OK) {
-    return std::nullopt;
-  }
+  const HRESULT result = shell_.getSpecialFolderLocation(std::bit_cast<HWND>(kOwnerWindow), folderNumber, &found);
   const std::unique_ptr<ITEMIDLIST, FreeByTaskAllocator> list(found);
-  std::array<wchar_t, MAX_PATH + 1> path{};
-  const bool isNonZero = ::SHGetPathFromIDListW(list.get(), path.data()) != 0;
+  if (result != S_OK) return std::nullopt;
+  std::array<wchar_t, kLocationCharacters + 1> path{};
+  const bool isNonZero = shell_.getPathFromIdList(list.get(), path.data()) != 0;
   return Location{windows::FromWide(path.data()), isNonZero};
 }
 
