@@ -18,8 +18,9 @@ TEST(CompactCommand, LaysTheClubsFileOutAnewAndKeepsTheOldOne) {
   const Outcome outcome = folder.Run({"compact"});
   EXPECT_EQ(outcome.code, 0) << outcome.error;
   const std::string backup = folder.Path("club/ClubMembers.backup-1.mdb");
-  EXPECT_EQ(outcome.out, "What\tValue\nFile\t" + folder.ClubFile() + "\nBytes before\t" + bytes + "\nBytes after\t" +
-                             std::to_string(fs::file_size(folder.ClubFile())) + "\nBackup\t" + backup + "\n");
+  EXPECT_EQ(outcome.out, "What\tValue\nFile\t" + InCell(folder.ClubFile()) + "\nBytes before\t" + bytes +
+                             "\nBytes after\t" + std::to_string(fs::file_size(folder.ClubFile())) + "\nBackup\t" +
+                             InCell(backup) + "\n");
   EXPECT_EQ(folder.Run({"members"}).out, members);
   EXPECT_EQ(folder.Run({"check", "--strict"}).code, 0);
   const Outcome old = folder.Run({"sql", "--file", backup, "Select Count(*) As Members From Members"});

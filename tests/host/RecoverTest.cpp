@@ -104,7 +104,9 @@ TEST_F(Recover, AnEmptyFileIsUsedAsItIs) {
 }
 
 TEST_F(Recover, TheClubsOwnFileIsRefusedUnderWhateverName) {
-  fs::create_directory_symlink(folder_.Path("old"), folder_.Path("link"));
+  std::error_code noLinks;
+  fs::create_directory_symlink(folder_.Path("old"), folder_.Path("link"), noLinks);
+  if (noLinks) GTEST_SKIP() << "links cannot be made here";
   const std::string before = Content(OldFile());
   const Outcome outcome =
       folder_.RunIn(folder_.Path("old"), {"recover", "--replace", folder_.Path("link/ClubMembers.mdb")});

@@ -1,7 +1,6 @@
 #include "host/support/Command.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -9,31 +8,52 @@
 #include <memory>
 #include <sstream>
 
+#ifdef _WIN32
+#include <process.h>
+#else
+#include <unistd.h>
+#endif
+
 #include "host/CommandLine.h"
+#include "host/text/PathText.h"
+#include "platform/values/Text.h"
 
 namespace tavi::host {
+
+namespace {
+
+/// Windows removes no file that may only be read.
+void RemoveAll(const std::filesystem::path& folder) {
+  using Walk = std::filesystem::recursive_directory_iterator;
+  std::error_code ignored;
+  std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
+  for (Walk walk(folder, ignored); walk != Walk(); walk.increment(ignored)) {
+    std::filesystem::permissions(walk->path(), std::filesystem::perms::owner_all, ignored);
+  }
+  std::filesystem::remove_all(folder, ignored);
+}
+
+}  // namespace
 
 CommandFolder::CommandFolder() {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
   std::string name = std::string(test->test_suite_name()) + "-" + test->name();
   for (char& c : name) c = c == '/' ? '-' : c;
   folder_ = std::filesystem::temp_directory_path() / ("tavi-" + std::to_string(getpid()) + "-" + name);
-  std::filesystem::remove_all(folder_);
+  RemoveAll(folder_);
   std::filesystem::create_directories(folder_);
 }
 
 CommandFolder::~CommandFolder() {
-  std::error_code ignored;
-  std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, ignored);
-  std::filesystem::remove_all(folder_, ignored);
+  RemoveAll(folder_);
 }
 
 std::string CommandFolder::Path(const std::string& name) const {
-  return name.empty() ? folder_.string() : (folder_ / name).string();
+  return name.empty() ? TextOf(folder_) : TextOf(folder_ / PathOf(name));
 }
 
 std::string CommandFolder::Write(const std::string& name, const std::string& content) const {
-  std::ofstream(Path(name), std::ios::binary) << content;
+  std::ofstream(PathOf(Path(name)), std::ios::binary) << content;
   return Path(name);
 }
 
@@ -63,6 +83,10 @@ std::vector<std::string> CommandFolder::Query(const std::string& statement) cons
   std::getline(lines, line);
   while (std::getline(lines, line)) rows.push_back(line);
   return rows;
+}
+
+std::string InCell(const std::string& value) {
+  return ReplaceAll(value, "\\", "\\\\");
 }
 
 ProgramOutput RunProgram(const std::string& commandLine) {

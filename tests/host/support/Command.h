@@ -39,6 +39,9 @@ class CommandFolder {
   std::filesystem::path folder_;
 };
 
+/// A value as a cell of tab-separated output.
+[[nodiscard]] std::string InCell(const std::string& value);
+
 /// The standard output of a program, and whether it could be run and succeeded.
 struct ProgramOutput {
   bool succeeded = false;
