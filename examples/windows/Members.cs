@@ -1,20 +1,49 @@
-// Lists the members of a club through the registered server. The arguments that are passed back are ref arguments of a
-// late call, so no generated classes are needed:
+// Lists the members of a club through the registered server. The few members that it needs are declared here, by their
+// numbers in the type library; for all of them, let tlbimp TaviMembership.tlb write the declarations.
 //   csc /platform:x64 Members.cs
 using System;
-using System.Reflection;
-using System.Threading;
+using System.Runtime.InteropServices;
+
+[ComImport, Guid("CD603914-4761-472B-BDA3-F543D0ABC6C1"), InterfaceType(ComInterfaceType.InterfaceIsIDispatch)]
+interface IMembershipDatabase
+{
+    [DispId(2)]
+    bool DatabaseExists { get; }
+
+    [DispId(3)]
+    string DatabaseFolder { get; set; }
+
+    [DispId(4)]
+    string DatabaseFileName { get; }
+
+    [DispId(23)]
+    bool GetFirstMember(ref int number, ref string name, ref double handicap, short nameFormat);
+
+    [DispId(24)]
+    bool GetNextMember(ref int number, ref string name, ref double handicap, short nameFormat);
+
+    [DispId(30)]
+    void EndGet();
+}
+
+[ComImport, Guid("88FA9BA1-A3F3-47AE-A57D-5FA91276F083")]
+class MembershipDatabase
+{
+}
 
 static class Members
 {
-    static readonly Type Server = Type.GetTypeFromProgID("TaviMembership.MembershipDatabase", true);
-
-    static object Call(object database, string operation, object[] arguments, params int[] passedBack)
+    static void List(IMembershipDatabase database)
     {
-        var modifier = new ParameterModifier(Math.Max(arguments.Length, 1));
-        foreach (int index in passedBack) modifier[index] = true;
-        return Server.InvokeMember(operation, BindingFlags.InvokeMethod, null, database, arguments,
-                                   new[] { modifier }, null, null);
+        if (!database.DatabaseExists)
+            throw new ApplicationException("There is no " + database.DatabaseFileName);
+        int number = 0;
+        string name = "";
+        double handicap = 0;
+        for (bool found = database.GetFirstMember(ref number, ref name, ref handicap, 0); found;
+             found = database.GetNextMember(ref number, ref name, ref handicap, 0))
+            Console.WriteLine("{0}\t{1}\t{2:F2}", number, name, handicap);
+        database.EndGet();
     }
 
     [STAThread]
@@ -22,20 +51,16 @@ static class Members
     {
         try
         {
-            object database = Activator.CreateInstance(Server);
+            var database = (IMembershipDatabase)new MembershipDatabase();
             if (given.Length > 0)
-                Server.InvokeMember("DatabaseFolder", BindingFlags.SetProperty, null, database, new object[] { given[0] });
-
-            var row = new object[] { 0, "", 0.0, (short)0 };
-            for (var found = (bool)Call(database, "GetFirstMember", row, 0, 1, 2); found;
-                 found = (bool)Call(database, "GetNextMember", row, 0, 1, 2))
-                Console.WriteLine("{0}\t{1}\t{2:F2}", row[0], row[1], row[2]);
-            Call(database, "EndGet", new object[0]);
+                database.DatabaseFolder = given[0];
+            List(database);
+            Marshal.ReleaseComObject(database);
             return 0;
         }
-        catch (TargetInvocationException error)
+        catch (Exception error)  // A COMException has the error's number as its ErrorCode.
         {
-            Console.Error.WriteLine(error.InnerException.Message);
+            Console.Error.WriteLine(error.Message);
             return 1;
         }
     }
