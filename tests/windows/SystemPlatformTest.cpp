@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <windows.h>
 
+#include <bit>
 #include <fstream>
 
 #include "access/file/support/TemporaryFolder.h"
@@ -11,6 +12,8 @@
 #include "platform/windows/SystemFolders.h"
 #include "platform/windows/SystemRegistry.h"
 #include "platform/windows/SystemXmlDocuments.h"
+#include "util/SettingsFile.h"
+#include "util/SpecialFolders.h"
 
 namespace tavi {
 namespace {
@@ -56,6 +59,100 @@ TEST(SystemFoldersTest, TheKnownFoldersHavePathsAndTheUnknownNone) {
   EXPECT_TRUE(located->nonZeroReturn) << "which callers take for failure";
 }
 
+/// A shell whose calls answer what the test says, and which notes them.
+class FakeShell {
+ public:
+  [[nodiscard]] std::string PathOf(std::int32_t number, bool create = false) {
+    return SpecialFolderPath(SystemFolders(Calls()), number, create);
+  }
+
+  HRESULT pathResult = E_FAIL;
+  HRESULT listResult = E_FAIL;
+  BOOL listPathResult = TRUE;
+  bool failsToLoad = false;
+  std::wstring path = L"C:\\Łódź 橋";
+  std::string calls;
+
+ private:
+  ShellCalls Calls() {
+    return {[this](HWND owner, int number, HANDLE token, DWORD flags, wchar_t* target) {
+              if (failsToLoad) throw Error(ErrorNumber::InvalidArgument, "shell", "no such library");
+              EXPECT_TRUE(owner == nullptr && token == nullptr && flags == 0);
+              calls += "path " + std::to_string(number) + " ";
+              path.copy(target, path.size());
+              return pathResult;
+            },
+            [this](HWND owner, int number, ITEMIDLIST** list) {
+              EXPECT_EQ(std::bit_cast<std::uintptr_t>(owner), 100U);
+              calls += "list " + std::to_string(number) + " ";
+              *list = listResult == S_OK ? static_cast<ITEMIDLIST*>(::CoTaskMemAlloc(sizeof(ITEMIDLIST))) : nullptr;
+              return listResult;
+            },
+            [this](const ITEMIDLIST* list, wchar_t* target) {
+              EXPECT_NE(list, nullptr);
+              calls += "listpath ";
+              path.copy(target, path.size());
+              return listPathResult;
+            }};
+  }
+};
+
+TEST(ShellCallsTest, TheFirstCallIsEnoughWhenItReturnsZeroOrOne) {
+  FakeShell shell;
+  for (const HRESULT result : {S_OK, S_FALSE}) {
+    shell.calls.clear();
+    shell.pathResult = result;
+    EXPECT_EQ(shell.PathOf(46), "C:\\Łódź 橋");
+    EXPECT_EQ(shell.calls, "path 46 ");
+  }
+}
+
+TEST(ShellCallsTest, AnEmptyPathIsAnAnswer) {
+  FakeShell shell;
+  shell.pathResult = S_FALSE;
+  shell.path.clear();
+  EXPECT_EQ(shell.PathOf(46), "");
+  EXPECT_EQ(shell.calls, "path 46 ");
+}
+
+TEST(ShellCallsTest, AnyOtherResultLeadsToTheOlderCallsWhosePathCountsWhenTheyReturnZero) {
+  FakeShell shell;
+  shell.pathResult = 2;
+  shell.listResult = S_OK;
+  shell.listPathResult = FALSE;
+  EXPECT_EQ(shell.PathOf(5), "C:\\Łódź 橋");
+  EXPECT_EQ(shell.calls, "path 5 list 5 listpath ");
+}
+
+TEST(ShellCallsTest, ANonZeroReturnOfTheOlderCallLeadsOnToThePersonalFolder) {
+  FakeShell shell;
+  shell.listResult = S_OK;
+  EXPECT_EQ(shell.PathOf(46), "");
+  EXPECT_EQ(shell.calls, "path 46 list 46 listpath path 5 list 5 listpath ");
+}
+
+TEST(ShellCallsTest, AFailureToLocateAsksForNoPath) {
+  FakeShell shell;
+  shell.listResult = S_FALSE;
+  EXPECT_EQ(shell.PathOf(5), "");
+  EXPECT_EQ(shell.calls, "path 5 list 5 ");
+}
+
+TEST(ShellCallsTest, TheCreateBitGoesIntoAllCallsAndKeepsFromThePersonalFolder) {
+  FakeShell shell;
+  EXPECT_EQ(shell.PathOf(46, true), "");
+  EXPECT_EQ(shell.calls, "path 32814 list 32814 ");
+}
+
+TEST(ShellCallsTest, AnErrorInTheFirstCallLeadsToTheOlderOnes) {
+  FakeShell shell;
+  shell.failsToLoad = true;
+  shell.listResult = S_OK;
+  shell.listPathResult = FALSE;
+  EXPECT_EQ(shell.PathOf(46), "C:\\Łódź 橋");
+  EXPECT_EQ(shell.calls, "list 46 listpath ");
+}
+
 TEST(OutsideNameKeysTest, TheClassIsNotRegisteredHere) {
   EXPECT_FALSE(OutsideNameKeys::IsRegistered());
   EXPECT_THROW(static_cast<void>(OutsideNameKeys().Key(NameKeyMode::Surname, "Smith")), Error);
@@ -84,6 +181,30 @@ TEST_F(SystemXmlDocumentsTest, WhatIsSetIsSavedWithTheElementsThatWereMissing) {
     document->Save();
   }
   EXPECT_EQ(Load()->Text({"settings", "a", "DB_Folder"}), "Łódź <&>");
+}
+
+/// A shell that has one folder for everything.
+class OneFolder : public ShellFolders {
+ public:
+  explicit OneFolder(std::string path) : path_(std::move(path)) {}
+  [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t /*number*/) const override { return path_; }
+  [[nodiscard]] std::optional<Location> FolderLocation(std::int32_t /*number*/) const override { return std::nullopt; }
+
+ private:
+  std::string path_;
+};
+
+TEST_F(SystemXmlDocumentsTest, KeysWithSlashesBlanksAndAccentsAreElementsOfTheSettingsFile) {
+  Platform platform;
+  platform.shellFolders = std::make_shared<OneFolder>(folder_.Path().string());
+  platform.settingsDocuments = std::make_shared<SystemXmlDocuments>();
+  SettingsFile file(platform);
+  file.SetValue("Software/My Club\\ÉVEN", "Some Value", "a<b>&amp; 橋");
+  file.Save();
+  const auto document = SystemXmlDocuments().Load(folder_.File("Madrigo\\Settings.xml"));
+  EXPECT_EQ(document->Text({"settings", "hkey_local_machine", "software", "my_club", "éven", "Some_Value"}),
+            "a&lt;b&gt;&amp;amp; 橋");
+  EXPECT_EQ(SettingsFile(platform).Value("SOFTWARE\\my club\\éven", "Some Value"), "a<b>&amp; 橋");
 }
 
 TEST_F(SystemXmlDocumentsTest, WhatIsNoXmlIsRefusedWithItsName) {

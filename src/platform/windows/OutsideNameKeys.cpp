@@ -83,7 +83,8 @@ bool OutsideNameKeys::IsRegistered() {
   if (ClassesHold(kLibraryKey) || ClassesHold(kProgramKey)) return true;
   const windows::ComApartment apartment;
   ComPointer<IClassFactory> factory;
-  return SUCCEEDED(::CoGetClassObject(kClass, kLibraryOrProgram, nullptr, IID_IClassFactory, factory.ReceiveUntyped()));
+  return SUCCEEDED(
+      ::CoGetClassObject(kClass, CLSCTX_INPROC_SERVER, nullptr, IID_IClassFactory, factory.ReceiveUntyped()));
 }
 
 std::string OutsideNameKeys::Key(NameKeyMode mode, std::string_view name) const {
