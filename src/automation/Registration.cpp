@@ -1,6 +1,7 @@
 #include "automation/Registration.h"
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 #include "automation/ClassFactory.h"
@@ -68,9 +69,12 @@ LSTATUS Remove(const std::wstring& key) {
   return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
 }
 
-bool IsThere(const std::wstring& key) {
+/// The part of the registry that programs of the other kind see, where that is another one.
+constexpr REGSAM kOtherKind = sizeof(void*) == sizeof(std::uint64_t) ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+
+bool IsThere(const std::wstring& key, REGSAM kind = 0) {
   HKEY opened = nullptr;
-  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
+  if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ | kind, &opened) != ERROR_SUCCESS) return false;
   ::RegCloseKey(opened);
   return true;
 }
@@ -121,7 +125,8 @@ LSTATUS RemoveAll() {
   };
   for (const CreatableClass& entry : CreatableClasses()) {
     note(Remove(ClassKey(entry)));
-    note(Remove(kProgramPrefix + entry.name));
+    // Names are common to both kinds of programs.
+    if (!IsThere(ClassKey(entry), kOtherKind)) note(Remove(kProgramPrefix + entry.name));
   }
   note(RemoveTypeLibrary());
   return result;

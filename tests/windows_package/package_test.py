@@ -25,6 +25,7 @@ MEMBERS = "club_number,first,last\n7,Agnes,Holloway\n8,Niall,O'Neil\n"
 # What scripts print under Wine has no accents in every locale.
 EXPECTED = ["7\tAgnes Holloway\t50.00", "8\tNiall O'Neil\t50.00"]
 PER_USER, MACHINE = "HKEY_CURRENT_USER\\Software\\Classes", "HKEY_LOCAL_MACHINE\\Software\\Classes"
+LIBRARY = "{CC2E8982-45EA-4B2D-805C-D41DB1E09BE7}"
 # Belong to Windows; they stay when something had to be entered below them.
 CONTAINERS = {"CLSID", "INTERFACE", "TYPELIB"}
 
@@ -109,7 +110,34 @@ class PackageTest(unittest.TestCase):
         self.assertGreater(len(for_all), 60)
         self.assertEqual(sorted(map(str, for_all)), sorted(str(entry) for entry in for_me if entry[0] not in CONTAINERS))
 
-    def test_4_what_is_not_there_is_said(self):
+    def test_4_what_is_common_to_both_kinds_stays_while_the_other_one_is_registered(self):
+        machine, user = self.keys(MACHINE), self.keys(PER_USER)
+        other_library = "win64" if KIND == "x86" else "win32"
+        other_class = MACHINE + "\\Wow6432Node\\CLSID\\{88FA9BA1-A3F3-47AE-A57D-5FA91276F083}"
+        if KIND == "x64":  # 32-bit Windows has no other kind.
+            self.wine.run("reg", "add", f"{other_class}\\InprocServer32", "/ve", "/d", "other.dll", "/f")
+            self.command("register.cmd")
+            self.command("unregister.cmd")
+            kept = {key for key, _, _ in self.keys(MACHINE) - machine}
+            self.assertIn("TAVIMEMBERSHIP.MEMBERSHIPDATABASE\\CLSID", kept)
+            self.wine.run("reg", "delete", other_class, "/f")
+            self.command("register.cmd")
+            self.command("unregister.cmd")
+            self.assertEqual(machine, self.keys(MACHINE))
+
+        library = f"{PER_USER}\\TypeLib\\{LIBRARY}\\1.0\\0\\{other_library}"
+        self.wine.run("reg", "add", library, "/ve", "/d", "other.dll", "/f")
+        self.command("register-for-me.cmd")
+        self.command("unregister-for-me.cmd")
+        kept = {key for key, _, _ in self.keys(PER_USER) - user}
+        self.assertIn("TAVIMEMBERSHIP.MEMBERSHIPDATABASE\\CLSID", kept)
+        self.assertFalse([key for key in kept if key.startswith(("CLSID\\", "INTERFACE\\"))])
+        self.wine.run("reg", "delete", library, "/f")
+        self.command("register-for-me.cmd")
+        self.command("unregister-for-me.cmd")
+        self.assertEqual(user, {entry for entry in self.keys(PER_USER) if entry in user or entry[0] not in CONTAINERS})
+
+    def test_5_what_is_not_there_is_said(self):
         (self.folder / "TaviMembership.dll").rename(self.folder / "away.dll")
         done = self.command("register.cmd", fail=False)
         self.assertIn("could not register", done)
