@@ -1,12 +1,6 @@
 #include "access/provider/support/Inspection.h"
 
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <array>
-#include <cstdio>
 #include <span>
-#include <sstream>
 
 #include "access/file/Checksum.h"
 #include "access/file/Pager.h"
@@ -52,23 +46,6 @@ std::string PrintedRow(const RowValues& row) {
   return text;
 }
 
-std::string Abridged(const std::string& line) {
-  constexpr std::size_t kShown = 60;
-  if (line.size() <= kShown) return line;
-  return line.substr(0, kShown) + "... " + std::to_string(line.size()) + " " + std::to_string(Add(0, line));
-}
-
-std::string OutputOf(const std::string& command) {
-  std::FILE* pipe = popen((command + " 2>&1").c_str(), "r");
-  if (pipe == nullptr) return {};
-  std::string output;
-  std::array<char, 4096> buffer{};
-  for (std::size_t count = 0; (count = std::fread(buffer.data(), 1, buffer.size(), pipe)) > 0;)
-    output.append(buffer.data(), count);
-  EXPECT_EQ(pclose(pipe), 0) << command << "\n" << output << "\n(this test needs mdbtools)";
-  return output;
-}
-
 template <typename Visit>
 void ForEachTable(Database& database, Visit visit) {
   const ReadStatement statement(database.GetPager());
@@ -78,6 +55,12 @@ void ForEachTable(Database& database, Visit visit) {
 }
 
 }  // namespace
+
+std::string Abridged(const std::string& line) {
+  constexpr std::size_t kShown = 60;
+  if (line.size() <= kShown) return line;
+  return line.substr(0, kShown) + "... " + std::to_string(line.size()) + " " + std::to_string(Add(0, line));
+}
 
 std::uint64_t DigestOf(Database& database) {
   std::uint64_t digest = 1;
@@ -93,18 +76,6 @@ PrintedRows PrintTables(Database& database) {
       rows.insert(Abridged(PrintedRow(table.Read(*row))));
     }
   });
-  return tables;
-}
-
-PrintedRows PrintTablesByAnother(const std::string& path) {
-  PrintedRows tables;
-  std::istringstream names(OutputOf("mdb-tables -1 '" + path + "'"));
-  for (std::string name; std::getline(names, name);) {
-    if (name.empty()) continue;
-    auto& rows = tables[name];
-    std::istringstream lines(OutputOf("mdb-export -H '" + path + "' '" + name + "'"));
-    for (std::string line; std::getline(lines, line);) rows.insert(Abridged(line));
-  }
   return tables;
 }
 

@@ -17,10 +17,14 @@ namespace tavi::access::test {
 /// commas. In the order of their texts; a long row is cut off, its length and a checksum added.
 using PrintedRows = std::map<std::string, std::multiset<std::string>>;
 
+/// A row as PrintedRows holds it.
+[[nodiscard]] std::string Abridged(const std::string& line);
+
 /// What this engine reads.
 [[nodiscard]] PrintedRows PrintTables(Database& database);
 
-/// What mdbtools reads. Fails the test when mdbtools is not there or cannot read the file.
+/// What mdbtools reads, which is there on POSIX systems. Fails the test when mdbtools is not there or cannot read the
+/// file.
 [[nodiscard]] PrintedRows PrintTablesByAnother(const std::string& path);
 
 }  // namespace tavi::access::test

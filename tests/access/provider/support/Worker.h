@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
-
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,6 +10,9 @@ namespace tavi::access::test {
 /// A process of its own that works on a database file: the program test_access_worker, which lies beside the test.
 class Worker {
  public:
+  /// What Wait returns for a process that was killed.
+  static constexpr int kKilled = -9;
+
   /// Starts it. `arguments` as in WorkerMain.cpp.
   explicit Worker(const std::vector<std::string>& arguments);
   /// Kills it when it still runs.
@@ -23,16 +25,16 @@ class Worker {
   /// Ends its standard input, which some tasks wait for.
   void EndInput();
   /// The number of the process.
-  [[nodiscard]] pid_t Process() const { return process_; }
-  /// Signal 9: no chance to tidy up.
+  [[nodiscard]] std::string Process() const;
+  /// Ends it at once: no chance to tidy up.
   void Kill();
-  /// Waits for its end; the exit code, or minus the signal that ended it.
+  /// Waits for its end; the exit code, or kKilled.
   int Wait();
 
  private:
-  pid_t process_ = -1;
-  int input_ = -1;
-  int output_ = -1;
+  struct System;
+
+  std::unique_ptr<System> system_;
   std::string buffered_;
 };
 

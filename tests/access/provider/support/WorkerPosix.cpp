@@ -31,11 +31,18 @@ std::string ProgramPath() {
 
 }  // namespace
 
-Worker::Worker(const std::vector<std::string>& arguments) {
+/// Numbers of the process and of the pipes' ends here; negative when they are closed.
+struct Worker::System {
+  pid_t process = -1;
+  int input = -1;
+  int output = -1;
+};
+
+Worker::Worker(const std::vector<std::string>& arguments) : system_(std::make_unique<System>()) {
   const Pipe toWorker = MakePipe();
   const Pipe fromWorker = MakePipe();
-  input_ = toWorker.writeEnd;
-  output_ = fromWorker.readEnd;
+  system_->input = toWorker.writeEnd;
+  system_->output = fromWorker.readEnd;
   std::vector<std::string> texts = {ProgramPath()};
   texts.insert(texts.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
@@ -45,7 +52,7 @@ Worker::Worker(const std::vector<std::string>& arguments) {
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, toWorker.readEnd, STDIN_FILENO);
   posix_spawn_file_actions_adddup2(&actions, fromWorker.writeEnd, STDOUT_FILENO);
-  const int result = ::posix_spawn(&process_, texts[0].c_str(), &actions, nullptr, pointers.data(), environ);
+  const int result = ::posix_spawn(&system_->process, texts[0].c_str(), &actions, nullptr, pointers.data(), environ);
   posix_spawn_file_actions_destroy(&actions);
   ::close(toWorker.readEnd);
   ::close(fromWorker.writeEnd);
@@ -54,11 +61,11 @@ Worker::Worker(const std::vector<std::string>& arguments) {
 
 Worker::~Worker() {
   EndInput();
-  if (process_ > 0) {
+  if (system_->process > 0) {
     Kill();
     Wait();
   }
-  ::close(output_);
+  ::close(system_->output);
 }
 
 std::optional<std::string> Worker::ReadLine() {
@@ -69,26 +76,31 @@ std::optional<std::string> Worker::ReadLine() {
       return line;
     }
     std::array<char, 4096> bytes{};
-    const ssize_t count = ::read(output_, bytes.data(), bytes.size());
+    const ssize_t count = ::read(system_->output, bytes.data(), bytes.size());
     if (count <= 0) return std::nullopt;
     buffered_.append(bytes.data(), static_cast<std::size_t>(count));
   }
 }
 
 void Worker::EndInput() {
-  if (input_ >= 0) ::close(input_);
-  input_ = -1;
+  if (system_->input >= 0) ::close(system_->input);
+  system_->input = -1;
+}
+
+std::string Worker::Process() const {
+  return std::to_string(system_->process);
 }
 
 void Worker::Kill() {
-  ::kill(process_, SIGKILL);
+  ::kill(system_->process, SIGKILL);
 }
 
 int Worker::Wait() {
   int status = 0;
-  ::waitpid(process_, &status, 0);
-  process_ = -1;
-  return WIFSIGNALED(status) ? -WTERMSIG(status) : WEXITSTATUS(status);
+  ::waitpid(system_->process, &status, 0);
+  system_->process = -1;
+  if (WIFSIGNALED(status)) return WTERMSIG(status) == SIGKILL ? kKilled : -WTERMSIG(status);
+  return WEXITSTATUS(status);
 }
 
 }  // namespace tavi::access::test
