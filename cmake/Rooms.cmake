@@ -62,7 +62,7 @@ function(tavi_test name)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main)
   if(TAVI_PRECOMPILE)
-    target_precompile_headers(${name} PRIVATE ${TAVI_PRECOMPILED_HEADERS} <gtest/gtest.h> <gmock/gmock.h>)
+    target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
   endif()
   if(WIN32)
     tavi_wine_test(Windows.${name}

@@ -39,7 +39,7 @@ class ClubFoldersTest : public ::testing::Test {
     files_.push_back(folder + "\\ClubMembers.mdb");
     CreateEmptyDatabase(files_.back(), kNow);
     const auto connection =
-        platform_->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + files_.back());
+        platform_->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=\"" + files_.back() + "\"");
     CreateBaseFile(*connection);
     connection->Close();
     auto club = std::make_unique<MembershipDatabase>(platform_);

@@ -24,6 +24,7 @@ void MakeFile(const Platform& platform, const std::string& path) {
 Club::Club(const ProviderWrapper& wrap) {
   platform_ = std::make_shared<Platform>(*MakePlatform({kToday, messages_}));
   platform_->shellFolders = FoldersBelow(folder_);
+  platform_->settingsDocuments = std::make_shared<MemorySettings>();
   MakeFile(*platform_, folder_.Path(kFileName));
   platform_->databaseProvider = MakeWatchedProvider(platform_->databaseProvider, watch_);
   if (wrap) platform_->databaseProvider = wrap(platform_->databaseProvider);

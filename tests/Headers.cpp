@@ -1,0 +1,1 @@
+// Nothing but a place for the headers that the tests have in common (see CMakeLists.txt).
