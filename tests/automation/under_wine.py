@@ -22,7 +22,7 @@ sys.dont_write_bytecode = True
 import check_type_library  # noqa: E402
 
 HERE = pathlib.Path(__file__).resolve().parent
-TIMEOUT = 300
+TIMEOUT = 590
 # The Wine for the kind of program that is tested.
 WINE = os.environ.get("TAVI_WINE", "wine")
 
