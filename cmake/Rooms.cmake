@@ -54,13 +54,25 @@ function(tavi_room name)
   endif()
 endfunction()
 
+# tavi_test_support(NAME SOURCES ... [USES ...]): a library of what several test programs need.
+function(tavi_test_support name)
+  cmake_parse_arguments(SUPPORT "" "" "SOURCES;USES" ${ARGN})
+  add_library(${name} STATIC ${SUPPORT_SOURCES})
+  target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/tests PRIVATE ${CMAKE_BINARY_DIR}/generated)
+  target_link_libraries(${name} PUBLIC tavi_options ${SUPPORT_USES} GTest::gtest GTest::gmock PRIVATE tavi_test_options)
+  if(TAVI_PRECOMPILE)
+    target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
+  endif()
+endfunction()
+
 # tavi_test(NAME SOURCES ... USES ...): a test program; each of its cases is a test of ctest. For Windows the program as a
 # whole is one, Windows.NAME, because each start of Wine costs time.
 function(tavi_test name)
   cmake_parse_arguments(TEST "" "" "SOURCES;USES" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_BINARY_DIR}/generated)
-  target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main)
+  target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main
+    tavi_test_options)
   if(TAVI_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
   endif()

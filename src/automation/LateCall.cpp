@@ -7,14 +7,16 @@ namespace {
 
 /// Finds the description of the operation that a call means, and gives it back at the end. Many languages know one kind
 /// of assignment only: where a property is set to objects, an object that is assigned as a value is one that is set.
-/// Some ask for the walk over a collection as a method, others as a property.
+/// Some ask for an item of a collection, and for the walk over it, as a method, others as a property.
 class Description {
  public:
   Description(ITypeInfo& information, DISPID member, WORD flags, bool givesObject) : information_(information) {
     Find(member, flags);
     const bool isObjectAssigned = (flags & DISPATCH_PROPERTYPUT) != 0 && givesObject;
     if (found_ == nullptr && isObjectAssigned) Find(member, DISPATCH_PROPERTYPUTREF);
-    if (found_ == nullptr && member == DISPID_NEWENUM) Find(member, DISPATCH_PROPERTYGET);
+    const bool isMemberOfCollections = member == DISPID_VALUE || member == DISPID_NEWENUM;
+    const bool isCalled = (flags & DISPATCH_METHOD) != 0;
+    if (found_ == nullptr && isMemberOfCollections && isCalled) Find(member, DISPATCH_PROPERTYGET);
   }
   ~Description() {
     if (found_ != nullptr) information_.ReleaseFuncDesc(found_);

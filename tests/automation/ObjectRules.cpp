@@ -164,6 +164,30 @@ void CheckItems(_Collection& rows) {
   }
 }
 
+/// Some languages know the members of a collection as methods, as statements in scripts do.
+void CheckItemsByNumber(_Collection& rows) {
+  VARIANT position = Of(1L);
+  DISPPARAMS one{&position, nullptr, 1, 0};
+  DISPPARAMS none{};
+  constexpr std::array<WORD, 3> kKindsOfCall = {DISPATCH_METHOD, DISPATCH_PROPERTYGET,
+                                                DISPATCH_METHOD | DISPATCH_PROPERTYGET};
+  for (const WORD flags : kKindsOfCall) {
+    const std::string kind = " called with " + std::to_string(flags);
+    VARIANT item{};
+    CheckResult("Item" + kind, rows.Invoke(DISPID_VALUE, IID_NULL, 0, flags, &one, &item, nullptr, nullptr), S_OK);
+    Check("an item" + kind, FirstNameOf(item) == "John");
+    ::VariantClear(&item);
+    CheckResult("a walk" + kind, rows.Invoke(DISPID_NEWENUM, IID_NULL, 0, flags, &none, &item, nullptr, nullptr), S_OK);
+    Check("is an object" + kind, item.vt == VT_UNKNOWN);
+    ::VariantClear(&item);
+  }
+  DISPID value = DISPID_PROPERTYPUT;
+  DISPPARAMS assigned{&position, &value, 1, 1};
+  CheckResult("an item is not assigned",
+              rows.Invoke(DISPID_VALUE, IID_NULL, 0, DISPATCH_PROPERTYPUT, &assigned, nullptr, nullptr, nullptr),
+              DISP_E_MEMBERNOTFOUND);
+}
+
 SIZE_T UsedMemory() {
   PROCESS_MEMORY_COUNTERS_EX counters{};
   counters.cb = sizeof(counters);
@@ -228,6 +252,7 @@ void CheckCollections(_MembershipDatabase& database) {
   CheckInterfaces("Collection", *rows.Get(), __uuidof(_Collection));
   CheckWalk(*rows.Get());
   CheckItems(*rows.Get());
+  CheckItemsByNumber(*rows.Get());
 }
 
 void CheckMemory(_MembershipDatabase& database) {
