@@ -77,6 +77,7 @@ function(tavi_test name)
     target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
   endif()
   if(WIN32)
+    target_sources(${name} PRIVATE $<TARGET_OBJECTS:tavi_test_thread_end>)
     tavi_wine_test(Windows.${name}
       ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tests/automation/under_wine.py ${CMAKE_BINARY_DIR} run
         $<TARGET_FILE:${name}>)

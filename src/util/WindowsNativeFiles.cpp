@@ -17,21 +17,60 @@ bool CanBePath(std::string_view path) {
   return path.find('\0') == std::string_view::npos;
 }
 
-bool WriteThrough(std::string_view path, DWORD access, DWORD disposition, std::string_view text) noexcept {
-  try {
-    if (!CanBePath(path)) return false;
+/// A file that is open while this object lives.
+class OpenFile {
+ public:
+  OpenFile(std::string_view path, DWORD access, DWORD disposition) {
     constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file =
+    if (!CanBePath(path)) return;
+    handle_ =
         ::CreateFileW(WidePath(path).c_str(), access, kShare, nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
-    if (file == INVALID_HANDLE_VALUE) return false;
-    DWORD written = 0;
-    const bool isWritten = ::WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != 0;
-    ::CloseHandle(file);
-    return isWritten && written == text.size();
-  } catch (...) {
-    return false;
   }
-}
+  ~OpenFile() {
+    if (IsOpen()) ::CloseHandle(handle_);
+  }
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+
+  [[nodiscard]] bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  [[nodiscard]] HANDLE Handle() const { return handle_; }
+
+  [[nodiscard]] bool Write(std::string_view text) const {
+    DWORD written = 0;
+    return ::WriteFile(handle_, text.data(), static_cast<DWORD>(text.size()), &written, nullptr) != 0 &&
+           written == text.size();
+  }
+
+ private:
+  HANDLE handle_ = INVALID_HANDLE_VALUE;
+};
+
+/// The turn to append to a file: a lock on a byte far behind every text, which nobody reads. Windows adds a text to the
+/// end in one step, but Wine finds the end first and writes then. Whoever does not get the turn soon writes without it:
+/// a program that was stopped in its turn must not stop others.
+class AppendTurn {
+ public:
+  explicit AppendTurn(const OpenFile& file) : file_(file.Handle()) {
+    constexpr int kTries = 50;
+    constexpr DWORD kHighOffset = 0x40000000;
+    constexpr DWORD kKind = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
+    byte_.OffsetHigh = kHighOffset;
+    for (int tries = 0; tries < kTries && !isOurs_; ++tries) {
+      if (tries != 0) ::Sleep(1);
+      isOurs_ = ::LockFileEx(file_, kKind, 0, 1, 0, &byte_) != 0;
+    }
+  }
+  ~AppendTurn() {
+    if (isOurs_) ::UnlockFileEx(file_, 0, 1, 0, &byte_);
+  }
+  AppendTurn(const AppendTurn&) = delete;
+  AppendTurn& operator=(const AppendTurn&) = delete;
+
+ private:
+  HANDLE file_;
+  OVERLAPPED byte_{};
+  bool isOurs_ = false;
+};
 
 }  // namespace
 
@@ -54,11 +93,24 @@ bool MakeNativeFolder(std::string_view path) noexcept {
 }
 
 bool MakeNativeFile(std::string_view path, std::string_view text) noexcept {
-  return WriteThrough(path, GENERIC_WRITE, CREATE_NEW, text);
+  try {
+    const OpenFile file(path, GENERIC_WRITE, CREATE_NEW);
+    return file.IsOpen() && file.Write(text);
+  } catch (...) {
+    return false;
+  }
 }
 
 bool AppendToNativeFile(std::string_view path, std::string_view text) noexcept {
-  return WriteThrough(path, FILE_APPEND_DATA, OPEN_ALWAYS, text);
+  try {
+    // Only who may read may lock.
+    const OpenFile file(path, FILE_APPEND_DATA | FILE_READ_DATA, OPEN_ALWAYS);
+    if (!file.IsOpen()) return false;
+    const AppendTurn turn(file);
+    return file.Write(text);
+  } catch (...) {
+    return false;
+  }
 }
 
 }  // namespace tavi

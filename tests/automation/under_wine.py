@@ -25,6 +25,10 @@ HERE = pathlib.Path(__file__).resolve().parent
 TIMEOUT = 590
 # The Wine for the kind of program that is tested.
 WINE = os.environ.get("TAVI_WINE", "wine")
+# Wine checks the heap then and spoils what is freed, so that a use of it shows. With the programs of whole rooms that
+# would take minutes; these are the ones about threads and objects.
+HEAP_CHECK = "-all,warn+heap"
+WITH_HEAP_CHECK = ("test_automation", "test_threads")
 
 
 def environment_of(home):
@@ -70,13 +74,18 @@ class Wine:
         self.environment = environment_of(self.home)
 
     def run(self, *command, folder=None, fail=True):
-        done = subprocess.run(
-            [WINE, *map(str, command)], env=self.environment, cwd=folder or self.home, timeout=TIMEOUT,
-            stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+        line = " ".join(map(str, command))
+        try:
+            done = subprocess.run(
+                [WINE, *map(str, command)], env=self.environment, cwd=folder or self.home, timeout=TIMEOUT,
+                stdout=subprocess.PIPE, stderr=subprocess.STDOUT, check=False)
+        except subprocess.TimeoutExpired as stopped:
+            print((stopped.stdout or b"").decode("utf-8", errors="replace"))
+            sys.exit(f"{line} did not end in {TIMEOUT} seconds and was stopped; above is what it wrote")
         text = done.stdout.decode("utf-8", errors="replace")
         if fail and done.returncode != 0:
             print(text)
-            sys.exit(f"{' '.join(map(str, command))} ended with {done.returncode}")
+            sys.exit(f"{line} ended with {done.returncode}")
         return text
 
     def make_club(self, build):
@@ -149,6 +158,8 @@ def main():
     build = pathlib.Path(sys.argv[1]).resolve()
     kind = sys.argv[2]
     wine = Wine(build, kind + "-" + pathlib.Path(sys.argv[3] if kind == "run" else kind).stem)
+    if kind != "run" or pathlib.Path(sys.argv[3]).stem in WITH_HEAP_CHECK:
+        wine.environment["WINEDEBUG"] = HEAP_CHECK
     try:
         if kind == "script":
             drive(wine, build, script("suite.vbs"), script("arguments.vbs"), script("faults.vbs"), script("suite.js"))

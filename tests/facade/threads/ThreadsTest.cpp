@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <condition_variable>
 #include <future>
-#include <latch>
+#include <mutex>
 #include <set>
 #include <thread>
 
@@ -16,16 +17,33 @@ using Texts = std::vector<std::string>;
 
 const Date kDay = Date::FromCivil(2025, 9, 17);
 
+/// Where threads wait for one another. A std::latch would do, but that of GCC 12 forgets waiting threads on Windows.
+class StartLine {
+ public:
+  explicit StartLine(std::size_t threads) : missing_(threads) {}
+
+  void ArriveAndWait() {
+    std::unique_lock lock(mutex_);
+    if (--missing_ == 0) allAreThere_.notify_all();
+    allAreThere_.wait(lock, [this] { return missing_ == 0; });
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable allAreThere_;
+  std::size_t missing_;
+};
+
 /// Threads that use one club's file, each through objects and a store of its own.
 class ThreadsTest : public ::testing::Test {
  protected:
   /// Runs the actions at once, each on a thread of its own; an error of one reaches the caller.
   static void AtOnce(const std::vector<std::function<void()>>& actions) {
-    std::latch start(static_cast<std::ptrdiff_t>(actions.size()));
+    StartLine start(actions.size());
     std::vector<std::future<void>> running;
     for (const auto& action : actions) {
       running.push_back(std::async(std::launch::async, [&start, action] {
-        start.arrive_and_wait();
+        start.ArriveAndWait();
         action();
       }));
     }

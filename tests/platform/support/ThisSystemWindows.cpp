@@ -1,3 +1,5 @@
+#include <gtest/gtest.h>
+
 #include <stdexcept>
 #include <system_error>
 
@@ -14,8 +16,10 @@ DiagnosticsLog::DiagnosticsLog() : drive_("C:\\") {
 }
 
 DiagnosticsLog::~DiagnosticsLog() {
-  std::error_code ignored;
-  std::filesystem::remove_all(File().parent_path(), ignored);
+  // What stayed would be in the way of the next test.
+  std::error_code error;
+  std::filesystem::remove_all(File().parent_path(), error);
+  EXPECT_FALSE(error) << File().parent_path() << ": " << error.message();
 }
 
 std::shared_ptr<const SettingsDocuments> SettingsDocumentsOfThisSystem() {
