@@ -55,9 +55,10 @@ class AppendTurn {
     constexpr DWORD kHighOffset = 0x40000000;
     constexpr DWORD kKind = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
     byte_.OffsetHigh = kHighOffset;
-    for (int tries = 0; tries < kTries && !isOurs_; ++tries) {
-      if (tries != 0) ::Sleep(1);
+    for (int tries = 0; tries < kTries; ++tries) {
       isOurs_ = ::LockFileEx(file_, kKind, 0, 1, 0, &byte_) != 0;
+      if (isOurs_ || ::GetLastError() != ERROR_LOCK_VIOLATION) return;
+      ::Sleep(1);
     }
   }
   ~AppendTurn() {
