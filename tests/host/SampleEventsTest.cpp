@@ -29,7 +29,7 @@ std::string Names(const Contestant& contestant) {
 class SampleEvents : public ::testing::TestWithParam<std::string> {
  protected:
   void SetUp() override {
-    if (!std::filesystem::exists(kEvents)) GTEST_SKIP() << "the sample events do not lie beside the project";
+    if (!std::filesystem::exists(kEvents)) GTEST_SKIP() << "the sample events are not beside this checkout";
   }
 };
 

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
 
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
@@ -76,6 +79,22 @@ TEST(WriteDiagnostic, AppendsLinesOnceTheFolderIsThere) {
   WriteDiagnostic("");
   WriteDiagnostic("Łukasz");
   EXPECT_EQ(log.Text(), "First line\r\n\r\nŁukasz\r\n");
+}
+
+TEST(WriteDiagnostic, LosesAndMixesNoLineOfThreadsThatWriteAtOnce) {
+  constexpr int kThreads = 4;
+  constexpr int kEach = 100;
+  const DiagnosticsLog log;
+  std::vector<std::thread> threads;
+  for (int thread = 0; thread < kThreads; ++thread) {
+    threads.emplace_back([] {
+      for (int count = 0; count < kEach; ++count) WriteDiagnostic("one line");
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::string lines;
+  for (int count = 0; count < kThreads * kEach; ++count) lines += "one line\r\n";
+  EXPECT_TRUE(log.Text() == lines) << log.Text().size() << " bytes instead of " << lines.size();
 }
 
 TEST(WriteDiagnostic, DropsALineThatCannotBeWritten) {

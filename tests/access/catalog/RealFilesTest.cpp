@@ -79,7 +79,7 @@ const char* TypeName(ColumnType type) {
 class RealFiles : public testing::TestWithParam<std::string> {
  protected:
   void SetUp() override {
-    if (GetParam().empty()) GTEST_SKIP() << "the sample files are not there";
+    if (GetParam().empty()) GTEST_SKIP() << "the sample files are not beside this checkout";
     folder_ = SampleFolder() / "expected" / GetParam();
     schema_ = nlohmann::json::parse(ReadWhole(folder_ / "schema.json"));
     file_ = std::make_unique<TestFile>((SampleFolder() / (GetParam() + ".mdb")).string());

@@ -258,7 +258,7 @@ TEST_F(RelationshipTest, OneThatIsNotEnforcedOnlyStandsInTheCatalogue) {
 
 TEST(RelationshipOfAccess, IsEnforcedInACopyOfARealFile) {
   const std::string sample = SampleFile("indexTestV2000.mdb");
-  if (sample.empty()) GTEST_SKIP() << "the sample files are not there";
+  if (sample.empty()) GTEST_SKIP() << "the sample files are not beside this checkout";
   TestFile file(sample);
   // Table1.otherfk1 -> Table2.id cascades deletes, Table1.otherfk2 -> Table3.id cascades updates.
   EXPECT_EQ(file.Refused([](Database& database) {

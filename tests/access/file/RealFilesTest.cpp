@@ -31,7 +31,7 @@ class RealFilesTest : public ::testing::Test {
  protected:
   void SetUp() override {
     files_ = RealFiles();
-    if (files_.empty()) GTEST_SKIP() << "the sample folder ../shared/access-files is not here";
+    if (files_.empty()) GTEST_SKIP() << "the sample files are not beside this checkout";
   }
   std::vector<fs::path> files_;
 };

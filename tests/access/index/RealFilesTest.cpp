@@ -78,7 +78,7 @@ class RealIndexTest : public ::testing::Test {
  protected:
   void SetUp() override {
     files_ = RealFiles();
-    if (files_.empty()) GTEST_SKIP() << "the sample folder ../shared/access-files is not here";
+    if (files_.empty()) GTEST_SKIP() << "the sample files are not beside this checkout";
   }
 
   /// Calls `visit(pager, table, index)` for each index of each file; the trace says where it is.

@@ -76,7 +76,7 @@ TEST(HostileFile, OfOurOwnMakingIsAnsweredOrRefused) {
 
 TEST(HostileFile, OfAnotherProgramIsAnsweredOrRefused) {
   const auto folder = std::filesystem::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
-  if (!std::filesystem::exists(folder)) GTEST_SKIP() << "no files of other programs lie beside the project";
+  if (!std::filesystem::exists(folder)) GTEST_SKIP() << "the sample files are not beside this checkout";
   constexpr std::uintmax_t kSmall = 300000;
   std::vector<std::filesystem::path> paths;
   for (const auto& entry : std::filesystem::directory_iterator(folder)) {

@@ -80,7 +80,7 @@ std::vector<std::string> ActualLines(Pager& pager, const TableDefinition& defini
 class RealFiles : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (RealFilesFolder().empty()) GTEST_SKIP() << "the folder of Access's own files is not beside this checkout";
+    if (RealFilesFolder().empty()) GTEST_SKIP() << "the sample files are not beside this checkout";
   }
 };
 

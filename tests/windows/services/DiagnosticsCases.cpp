@@ -9,6 +9,21 @@ constexpr const char* kLogFolder = "C:\\Diagnostics";
 constexpr const char* kLogFile = "C:\\Diagnostics\\Tallyman.txt";
 constexpr const char* kStart = "TaviMembership Initialising\r\n";
 
+/// A program that stopped while it had its turn to write: locks of all that is far behind the text.
+void CheckStoppedWriter() {
+  WriteFile(kLogFile, "");
+  const HANDLE stopped = ::CreateFileW(windows::ToWide(kLogFile).c_str(), GENERIC_READ,
+                                       FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING, 0, nullptr);
+  OVERLAPPED farBehind{};
+  farBehind.OffsetHigh = 1;
+  constexpr DWORD kToTheEnd = 0x7FFFFFFE;
+  Check("the far bytes are locked",
+        ::LockFileEx(stopped, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 0, kToTheEnd, &farBehind) != 0);
+  static_cast<void>(FolderFound());
+  ::CloseHandle(stopped);
+  CheckText("a program that stopped in its turn stops nobody", Content(kLogFile).value_or(""), kStart);
+}
+
 }  // namespace
 
 void CheckDiagnostics(const std::string& folder) {
@@ -42,6 +57,7 @@ void CheckDiagnostics(const std::string& folder) {
       ::CreateFileW(windows::ToWide(kLogFile).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
   static_cast<void>(FolderFound());
   ::CloseHandle(alone);
+  CheckStoppedWriter();
   RemoveTree(kLogFolder);
   WriteFile(kLogFolder, "a file in the folder's place");
   static_cast<void>(FolderFound());
