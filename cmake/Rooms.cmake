@@ -2,7 +2,9 @@
 
 find_program(CCACHE_PROGRAM ccache)
 if(CCACHE_PROGRAM)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+  # Without these ccache keeps nothing that was compiled with a precompiled header.
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+    CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${CCACHE_PROGRAM})
 endif()
 
 add_library(tavi_options INTERFACE)
@@ -11,7 +13,7 @@ target_compile_options(tavi_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wnon-virtual-dtor
   -Woverloaded-virtual)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(tavi_options INTERFACE -Werror)
+  target_compile_options(tavi_options INTERFACE -Werror -fpch-preprocess)
   # These look at optimized code and are wrong about std::string in GCC 12.
   target_compile_options(tavi_options INTERFACE -Wno-restrict -Wno-stringop-overflow
     -Wno-stringop-overread -Wno-array-bounds)
