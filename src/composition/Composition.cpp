@@ -20,11 +20,13 @@ std::shared_ptr<const Clock> MakeClock(const PlatformOptions& options) {
   return std::make_shared<SystemClock>();
 }
 
-std::shared_ptr<const ado::Provider> MakeProvider(const std::shared_ptr<const Clock>& clock) {
-  access::ProviderOptions options;
-  options.nativePath = ToNativePath;
-  options.pager.report = [](const std::string& text) { WriteDiagnostic(text); };
-  return access::MakeAccessProvider(access::NativeFileSystem(), clock, std::move(options));
+std::shared_ptr<const ado::Provider> MakeProvider(const PlatformOptions& options,
+                                                  const std::shared_ptr<const Clock>& clock) {
+  access::ProviderOptions providerOptions;
+  providerOptions.nativePath = ToNativePath;
+  providerOptions.pager.report = [](const std::string& text) { WriteDiagnostic(text); };
+  return access::MakeAccessProvider(options.databaseFiles ? options.databaseFiles : access::NativeFileSystem(), clock,
+                                    std::move(providerOptions));
 }
 
 }  // namespace
@@ -32,7 +34,7 @@ std::shared_ptr<const ado::Provider> MakeProvider(const std::shared_ptr<const Cl
 std::shared_ptr<const Platform> MakePlatform(const PlatformOptions& options) {
   auto platform = std::make_shared<Platform>();
   platform->clock = MakeClock(options);
-  platform->databaseProvider = MakeProvider(platform->clock);
+  platform->databaseProvider = MakeProvider(options, platform->clock);
   SetSystemParts(*platform);
   if (options.messageBoxes) platform->messageBoxes = options.messageBoxes;
   return platform;

@@ -11,11 +11,17 @@
 /// provider.
 namespace tavi {
 
+namespace access {
+class FileSystem;
+}
+
 struct PlatformOptions {
   /// Stands still as the current date and time; none: the machine's clock.
   std::optional<Date> now = std::nullopt;
   /// Shows messages; none: they are written to standard error, under Windows shown as message boxes.
   std::shared_ptr<const MessageBoxes> messageBoxes = nullptr;
+  /// Holds the database files; none: the machine's disks.
+  std::shared_ptr<access::FileSystem> databaseFiles = nullptr;
 };
 
 /// A platform of this machine. Usable on all threads. DefaultPlatform is the one without any option.

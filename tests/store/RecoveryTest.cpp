@@ -46,10 +46,7 @@ class RecoveryTest : public ::testing::Test {
     club_.Prepare({"Insert into Competitions (CompetitionName) Values ('gone')",
                    "Insert into Competitions (CompetitionName) Values ('gone too')",
                    "Insert into Members (MembershipNumber, LastName) Values (99, 'Gone')"});
-    CreateEmptyDatabase(OldPath(), ClubFile::kNow);
-    const auto connection = Connect();
-    CreateBaseFile(*connection);
-    connection->Close();
+    club_.folder.MakeClubFile("old.mdb");
   }
 
   [[nodiscard]] std::string OldPath() const { return club_.folder.Path("old.mdb"); }

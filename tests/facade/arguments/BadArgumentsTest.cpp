@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <optional>
 
 #include "access/catalog/Check.h"
@@ -121,7 +120,7 @@ class BadArgumentsTest : public ::testing::TestWithParam<BadArgumentOperation> {
   void ExpectASoundClosedFile() {
     EXPECT_EQ(club_.OpenCount(), 0);
     EXPECT_FALSE(club_.Folder().Has(std::string(kFileName) + ".redo")) << "the file is not closed";
-    access::Database database(access::Pager::Open(access::NativeFileSystem(), club_.Folder().Path(kFileName), {}));
+    access::Database database(access::Pager::Open(club_.Folder().Files(), club_.Folder().Path(kFileName), {}));
     EXPECT_EQ(access::CheckDatabase(database), Texts());
     database.GetPager().Close();
   }

@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <limits>
 
 #include "facade/support/Club.h"
@@ -116,34 +115,6 @@ TEST_F(ExactErrorsTest, SettingsThatCannotBeStoredLeaveTheStoredOnesAndTheHeldOn
             "RegularPairAdd cannot be NaN; pass an ordinary number.");
   EXPECT_EQ(club_->HandicalcOptions().MaxWeeks(), 5);
   EXPECT_EQ(club_.Rows("Select MaxWeeks From HandicalcSettings"), (std::vector<std::string>{"5"}));
-}
-
-TEST_F(ExactErrorsTest, AFolderNameWithANULNamesNoFile) {
-  const std::string folder = club_.Folder().Path();
-  club_->SetDatabaseFolder(folder + "/ClubMembers.mdb\0"s);
-  EXPECT_FALSE(club_->DatabaseExists());
-  EXPECT_EQ(ErrorOf(ErrorNumber::Component, [&] { club_->OpenDatabase(); }),
-            "Failed to open membership database " + folder +
-                "/ClubMembers.mdb \\ClubMembers.mdb:\r\n\r\nThe folder's name holds a NUL character; choose another "
-                "folder.");
-}
-
-TEST_F(ExactErrorsTest, FoldersMayHaveNamesThatLookLikeConnectionStrings) {
-  std::vector<std::string> names = {"a;Mode=Read;b", "O'Neil; Sons", " blank"};
-  // Windows has no such names.
-  if (std::filesystem::path::preferred_separator == '/') names.emplace_back("\"quoted\"; club");
-  for (const std::string& name : names) {
-    club_.Folder().MakeFolder(name);
-    club_.Folder().CopyFile("ClubMembers.mdb", name + "/ClubMembers.mdb");
-    club_->SetDatabaseFolder(club_.Folder().Path(name));
-    EXPECT_TRUE(club_->DatabaseExists());
-    club_->SetEBUNumber(1, "77");
-    EXPECT_EQ(club_->EnteredNumberToClubNumber(77), 1) << name;
-  }
-  club_->SetDatabaseFolder("both'kinds\";");
-  EXPECT_EQ(ErrorOf(ErrorNumber::Component, [&] { club_->OpenDatabase(); }),
-            "Failed to open membership database both'kinds\";\\ClubMembers.mdb:\r\n\r\nThe folder's name holds a "
-            "semicolon and both kinds of quotes; choose another folder.");
 }
 
 TEST_F(ExactErrorsTest, NamesOfAllCharactersComeBackAsTheyWere) {

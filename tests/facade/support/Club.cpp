@@ -4,28 +4,15 @@
 #include "facade/StoreSlot.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/values/Convert.h"
-#include "store/BaseFile.h"
 #include "store/OpenUse.h"
 
 namespace tavi::testing {
-namespace {
-
-constexpr const char* kFileName = "ClubMembers.mdb";
-
-void MakeFile(const Platform& platform, const std::string& path) {
-  CreateEmptyDatabase(path, platform.clock->Now());
-  const auto connection = platform.databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);
-  CreateBaseFile(*connection);
-  connection->Close();
-}
-
-}  // namespace
 
 Club::Club(const ProviderWrapper& wrap) {
-  platform_ = std::make_shared<Platform>(*MakePlatform({kToday, messages_}));
-  platform_->shellFolders = FoldersBelow(folder_);
+  platform_ = std::make_shared<Platform>(*MakePlatform({kToday, messages_, folder_.Files()}));
+  platform_->shellFolders = FoldersOfUser(folder_.Path("Documents"), folder_.Path(".config"));
   platform_->settingsDocuments = std::make_shared<MemorySettings>();
-  MakeFile(*platform_, folder_.Path(kFileName));
+  folder_.MakeClubFile("ClubMembers.mdb");
   platform_->databaseProvider = MakeWatchedProvider(platform_->databaseProvider, watch_);
   if (wrap) platform_->databaseProvider = wrap(platform_->databaseProvider);
   Reopen();

@@ -8,14 +8,15 @@
 #include "facade/MembershipDatabase.h"
 #include "facade/support/StatementWatch.h"
 #include "platform/Platform.h"
-#include "platform/TemporaryFolder.h"
 #include "platform/values/Value.h"
 #include "store/support/FakeFile.h"
+#include "store/support/MemoryFolder.h"
 
 namespace tavi::testing {
 
-/// A club for one test: a new, empty membership file in a folder of its own, opened through the public class on the
-/// embedded engine. The clock stands still, messages are recorded, and nothing of the user's own folders is touched.
+/// A club for one test: a new, empty membership file in memory, opened through the public class on the embedded engine.
+/// The clock stands still, messages are recorded, and nothing of the user's own folders is touched. DatabaseExists,
+/// which looks at the disk, does not see the file.
 class Club {
  public:
   /// 1 October 2025, the day on which the club is looked at.
@@ -38,7 +39,7 @@ class Club {
   /// Another public object on the same file, in place of the first one.
   void Reopen();
 
-  [[nodiscard]] const TemporaryFolder& Folder() const { return folder_; }
+  [[nodiscard]] const MemoryFolder& Folder() const { return folder_; }
   [[nodiscard]] std::shared_ptr<const Platform> SharedPlatform() const { return platform_; }
   /// What the thread's store counts as outstanding uses; 0: the file is closed.
   [[nodiscard]] int OpenCount() const;
@@ -54,7 +55,7 @@ class Club {
   [[nodiscard]] Value Single(const std::string& query);
 
  private:
-  TemporaryFolder folder_;
+  MemoryFolder folder_;
   std::shared_ptr<StatementWatch> watch_ = std::make_shared<StatementWatch>();
   std::shared_ptr<RecordedMessages> messages_ = std::make_shared<RecordedMessages>();
   std::shared_ptr<Platform> platform_;

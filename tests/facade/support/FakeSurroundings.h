@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "platform/Platform.h"
-#include "platform/TemporaryFolder.h"
 #include "platform/values/Error.h"
 #include "util/SpecialFolders.h"
 
@@ -26,13 +25,12 @@ class FakeFolders : public ShellFolders {
   std::map<std::int32_t, std::string> folders;
 };
 
-/// The folders of a user whose home is a test's: documents, and settings, which is made.
-inline std::shared_ptr<FakeFolders> FoldersBelow(const TemporaryFolder& home) {
+/// The folders of a user: documents and settings.
+inline std::shared_ptr<FakeFolders> FoldersOfUser(const std::string& documents, const std::string& settings) {
   constexpr std::int32_t kCreate = 0x8000;
   auto shell = std::make_shared<FakeFolders>();
-  home.MakeFolder(".config");
-  shell->folders[kPersonalFolder] = home.Path("Documents");
-  shell->folders[kCommonApplicationDataFolder | kCreate] = home.Path(".config");
+  shell->folders[kPersonalFolder] = documents;
+  shell->folders[kCommonApplicationDataFolder | kCreate] = settings;
   return shell;
 }
 

@@ -5,21 +5,17 @@
 #include <vector>
 
 #include "composition/Composition.h"
-#include "platform/TemporaryFolder.h"
-#include "store/BaseFile.h"
 #include "store/cDatabase.h"
 #include "store/support/FakeFile.h"
+#include "store/support/MemoryFolder.h"
 
 namespace tavi::testing {
 
-/// A real membership file of the current layout in a folder of its own, with a store on it.
+/// A membership file of the current layout in memory, with a store on it.
 class ClubFile {
  public:
   ClubFile() {
-    CreateEmptyDatabase(FilePath(), kNow);
-    const auto connection = Connect();
-    CreateBaseFile(*connection);
-    connection->Close();
+    folder.MakeClubFile("ClubMembers.mdb");
     store.SetDatabaseFolder(folder.Path());
   }
 
@@ -42,9 +38,9 @@ class ClubFile {
   /// The types of a table's columns by name.
   [[nodiscard]] std::map<std::string, std::int32_t> ColumnTypes(const std::string& table) const;
 
-  TemporaryFolder folder;
+  MemoryFolder folder;
   std::shared_ptr<RecordedMessages> messages = std::make_shared<RecordedMessages>();
-  std::shared_ptr<const Platform> platform = MakePlatform({kNow, messages});
+  std::shared_ptr<const Platform> platform = MakePlatform({kNow, messages, folder.Files()});
   cDatabase store{platform};
 };
 

@@ -18,7 +18,8 @@ constexpr const char* kConnection = "Provider=Microsoft.Jet.OLEDB.4.0;Data Sourc
 
 SharedClub::SharedClub() {
   const auto platform = std::make_shared<Platform>(*MakePlatform({kToday}));
-  platform->shellFolders = FoldersBelow(folder_);
+  folder_.MakeFolder(".config");
+  platform->shellFolders = FoldersOfUser(folder_.Path("Documents"), folder_.Path(".config"));
   platform_ = platform;
   MakeFile("");
 }
