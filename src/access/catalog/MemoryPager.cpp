@@ -16,7 +16,19 @@ std::vector<Page> MemoryPager::Pages() const {
 }
 
 void MemoryPager::Rollback() {
-  throw Error(ErrorNumber::ProviderFailure, kErrorSource, "A file that is being made cannot be rolled back.");
+  RaiseFailure("A file that is being made cannot be rolled back.");
+}
+
+std::int32_t MemoryPager::BeginTransaction() {
+  RaiseFailure("A file that is being made has no transactions.");
+}
+
+void MemoryPager::CommitTransaction() {
+  static_cast<void>(BeginTransaction());
+}
+
+void MemoryPager::RollbackTransaction() {
+  static_cast<void>(BeginTransaction());
 }
 
 PageNumber MemoryPager::PageCount() const {

@@ -23,8 +23,12 @@ class MemoryPager final : public Pager {
   void EndRead() override {}
   void BeginWrite() override {}
   void Commit() override {}
-  /// Not possible: raises an error.
+  /// Not possible: raises an error. So do the three for transactions.
   void Rollback() override;
+  std::int32_t BeginTransaction() override;
+  void CommitTransaction() override;
+  void RollbackTransaction() override;
+  [[nodiscard]] std::int32_t TransactionLevel() const override { return 0; }
   [[nodiscard]] bool InStatement() const override { return true; }
   [[nodiscard]] bool InWrite() const override { return true; }
   [[nodiscard]] PageNumber PageCount() const override;

@@ -67,6 +67,8 @@ class FileSystem {
   virtual void SyncFolderOf(const std::string& path) = 0;
   /// Waits a little before a lock is tried again.
   virtual void Pause(std::chrono::milliseconds duration) = 0;
+  /// The time by a clock that nobody sets, by which waits are measured.
+  [[nodiscard]] virtual std::chrono::steady_clock::time_point Now() { return std::chrono::steady_clock::now(); }
 };
 
 /// The operating system's files.

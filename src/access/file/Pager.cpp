@@ -37,9 +37,10 @@ void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseK
 std::unique_ptr<Pager> Pager::Open(const std::shared_ptr<FileSystem>& fileSystem, const std::string& path,
                                    const PagerOptions& options) {
   if (!fileSystem->Exists(path)) RaiseFailure("Could not find file '" + path + "'.");
+  const LockDeadline deadline(*fileSystem, options.lockTimeout);
   for (int attempt = 1;; ++attempt) {
     try {
-      return std::make_unique<PagerImplementation>(fileSystem, path, options);
+      return std::make_unique<PagerImplementation>(fileSystem, path, options, deadline);
     } catch (const FileWasReplaced&) {
       if (attempt == kMostAttempts)
         RaiseFailure("Could not open '" + path + "': it is being replaced by other files again and again.");

@@ -1,8 +1,6 @@
 #include "access/file/PagerImplementation.h"
 
 #include <algorithm>
-#include <cstring>
-#include <deque>
 #include <exception>
 #include <utility>
 
@@ -13,19 +11,12 @@
 
 namespace tavi::access {
 
-namespace {
-
-bool SameBytes(const Page& left, const Page& right) {
-  return std::memcmp(left.All().data(), right.All().data(), kPageSize) == 0;
-}
-
-}  // namespace
-
 // ---------------------------------------------------------------------------------------------------------------------
 // Opening
 // ---------------------------------------------------------------------------------------------------------------------
 
-PagerImplementation::PagerImplementation(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options)
+PagerImplementation::PagerImplementation(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options,
+                                         const LockDeadline& deadline)
     : fileSystem_(std::move(fileSystem)),
       path_(std::move(path)),
       canonical_(fileSystem_->CanonicalPath(path_)),
@@ -33,10 +24,11 @@ PagerImplementation::PagerImplementation(std::shared_ptr<FileSystem> fileSystem,
       readOnly_(options_.readOnly || !fileSystem_->IsWritable(canonical_)),
       file_(
           fileSystem_->Open(canonical_, readOnly_ ? FileSystem::OpenMode::ReadOnly : FileSystem::OpenMode::ReadWrite)),
-      lock_(*file_, *fileSystem_, path_, options_.lockTimeout),
+      lock_(*file_, *fileSystem_, path_, canonical_, options_.writingThreads),
       log_(*fileSystem_, canonical_, readOnly_),
-      cache_(options_.cacheBytes) {
-  Start();
+      cache_(options_.cacheBytes),
+      checkpointAt_(options_.checkpointBytes) {
+  Start(deadline);
 }
 
 PagerImplementation::~PagerImplementation() {
@@ -47,11 +39,11 @@ PagerImplementation::~PagerImplementation() {
   }
 }
 
-void PagerImplementation::Start() {
-  lock_.EnterPresence();
+void PagerImplementation::Start(const LockDeadline& deadline) {
+  lock_.EnterPresence(deadline);
   // Whoever had the file alone may have put another one into its place while we waited.
   if (!file_->IsStillAt(canonical_)) throw FileWasReplaced();
-  BeginRead();
+  EnterRead(deadline);
   try {
     ReadHeader();
   } catch (...) {
@@ -59,8 +51,8 @@ void PagerImplementation::Start() {
     throw;
   }
   EndRead();
-  RecoverWhenAlone();
-  if (options_.alone) StayAlone();
+  RecoverWhenAlone(deadline);
+  if (options_.alone) StayAlone(deadline);
 }
 
 void PagerImplementation::ReadHeader() {
@@ -80,16 +72,15 @@ void PagerImplementation::ReadHeader() {
                  (size > largest ? "more than an Access database can have."
                                  : "not a whole number of pages; the file is incomplete. Restore it from a backup."));
   }
-  committedPageCount_ = static_cast<PageNumber>(size / header_.pageSize);
-  pageCount_ = committedPageCount_;
+  pageCount_ = static_cast<PageNumber>(size / header_.pageSize);
 }
 
 // Brings a log that a crash left behind into the file. Where others have the file open it is their log.
-void PagerImplementation::RecoverWhenAlone() {
+void PagerImplementation::RecoverWhenAlone(const LockDeadline& deadline) {
   if (readOnly_ || !log_.HasFile() || FindForeignUse(*fileSystem_, canonical_)) return;
   if (!lock_.TryBecomeAlone()) return;
   try {
-    lock_.AcquireExclusive();
+    const SoleUse use(lock_, deadline);
     if (!Refresh()) SetLogAside(true);
     if (log_.HasFile()) Checkpoint(true);
   } catch (const Error& error) {
@@ -97,20 +88,23 @@ void PagerImplementation::RecoverWhenAlone() {
     stamp_.reset();
     Report("The log of '" + path_ + "' could not be brought into the file yet: " + error.Description());
   }
-  lock_.Release();
   lock_.LeaveAlone();
 }
 
-void PagerImplementation::StayAlone() {
+void PagerImplementation::StayAlone(const LockDeadline& deadline) {
   if (readOnly_) RaiseReadOnly();
-  if (const auto foreign = FindForeignUse(*fileSystem_, canonical_))
-    RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
-                 "; close the database there and try again.");
-  lock_.BecomeAlone();
-  lock_.AcquireExclusive();
+  RefuseForeignUse();
+  lock_.BecomeAlone(deadline);
+  const SoleUse use(lock_, deadline);
   if (!Refresh()) SetLogAside(true);
   if (log_.HasFile()) Checkpoint(true);
-  lock_.Release();
+}
+
+void PagerImplementation::RefuseForeignUse() const {
+  const auto foreign = FindForeignUse(*fileSystem_, canonical_);
+  if (!foreign) return;
+  RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
+               "; close the database there and try again.");
 }
 
 void PagerImplementation::RaiseReadOnly() const {
@@ -121,18 +115,25 @@ void PagerImplementation::RaiseReadOnly() const {
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Statements
+// Statements and transactions
 // ---------------------------------------------------------------------------------------------------------------------
 
 void PagerImplementation::BeginRead() {
+  EnterRead(NewDeadline());
+}
+
+// The writer sees its own changes, and nobody else can commit any, so there is nothing to lock or to take in.
+void PagerImplementation::EnterRead(const LockDeadline& deadline) {
   if (state_ != State::Idle)
     RaiseFailure("A read statement was begun on '" + path_ + "' inside another or after Close.");
-  lock_.AcquireShared();
-  try {
-    RefreshForReading();
-  } catch (...) {
-    lock_.Release();
-    throw;
+  if (!lock_.HoldsWriter()) {
+    lock_.AcquireShared(deadline);
+    try {
+      RefreshForReading(deadline);
+    } catch (...) {
+      lock_.Release();
+      throw;
+    }
   }
   state_ = State::Reading;
 }
@@ -140,131 +141,108 @@ void PagerImplementation::BeginRead() {
 void PagerImplementation::EndRead() {
   if (state_ != State::Reading) return;
   state_ = State::Idle;
-  lock_.Release();
+  if (!lock_.HoldsWriter()) lock_.Release();
 }
 
 void PagerImplementation::BeginWrite() {
   if (state_ != State::Idle)
     RaiseFailure("A write statement was begun on '" + path_ + "' inside another or after Close.");
   if (readOnly_) RaiseReadOnly();
-  lock_.AcquireExclusive();
-  try {
-    if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
-      RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
-                   "; close the database there and try again.");
-    }
-    RefreshForWriting();
-  } catch (...) {
-    lock_.Release();
-    throw;
-  }
+  if (transactions_ == 0) BecomeWriter();
+  changes_.BeginLevel(pageCount_);
   state_ = State::Writing;
 }
 
 void PagerImplementation::Commit() {
   if (state_ != State::Writing) RaiseFailure("Commit was called on '" + path_ + "' outside of a write statement.");
-  if (!changed_.empty()) {
-    if (AppendToLog()) hasOwnStatements_ = true;
-    KeepChangedPages();
-    CheckpointWhenLogIsLong();
-  }
-  EndWrite();
+  if (transactions_ == 0) return Store();
+  changes_.KeepLevel();
+  state_ = State::Idle;
 }
 
 void PagerImplementation::Rollback() {
   if (state_ != State::Writing) return;
-  if (!changed_.empty()) ++generation_;
-  pageCount_ = committedPageCount_;
-  EndWrite();
-}
-
-void PagerImplementation::EndWrite() noexcept {
-  changed_.clear();
+  Undo();
   state_ = State::Idle;
-  lock_.Release();
 }
 
-// ---------------------------------------------------------------------------------------------------------------------
-// Taking in what others have done
-// ---------------------------------------------------------------------------------------------------------------------
+std::int32_t PagerImplementation::BeginTransaction() {
+  if (state_ != State::Idle)
+    RaiseFailure("A transaction was begun on '" + path_ + "' inside a statement or after Close.");
+  if (transactions_ == 0 && !readOnly_) BecomeWriter();
+  changes_.BeginLevel(pageCount_);
+  return ++transactions_;
+}
 
-// False when the log must be set aside first: it is not one of ours, or another program has written the database.
-bool PagerImplementation::Refresh() {
+void PagerImplementation::CommitTransaction() {
+  RequireTransaction("commit");
+  if (transactions_ > 1) {
+    changes_.KeepLevel();
+    --transactions_;
+    return;
+  }
+  // Much may have happened since it was begun.
+  if (!changes_.IsEmpty()) RefuseForeignChange();
+  Store();
+}
+
+void PagerImplementation::RollbackTransaction() {
+  RequireTransaction("roll back");
+  Undo();
+  --transactions_;
+}
+
+void PagerImplementation::RequireTransaction(const std::string& what) const {
+  if (state_ != State::Idle)
+    RaiseFailure("A transaction on '" + path_ + "' was to end inside a statement or after Close.");
+  if (transactions_ == 0) {
+    RaiseFailure("There is no transaction to " + what + ": none was begun on '" + path_ +
+                 "', or it has ended already.");
+  }
+}
+
+void PagerImplementation::RefuseForeignChange() const {
+  RefuseForeignUse();
+  if (file_->ModificationStamp() == stamp_) return;
+  RaiseFailure("'" + path_ +
+               "' has been changed by another program since the transaction was begun. Roll the transaction back and "
+               "begin it again.");
+}
+
+void PagerImplementation::BecomeWriter() {
+  const LockDeadline deadline = NewDeadline();
+  lock_.AcquireWriter(deadline);
   try {
-    return TakeInOthers();
+    RefuseForeignUse();
+    RefreshForWriting(deadline);
   } catch (...) {
-    // Part of the news may have been taken in. Without the stamp the next statement trusts no page that is cached.
-    stamp_.reset();
+    lock_.ReleaseWriter();
     throw;
   }
 }
 
-bool PagerImplementation::TakeInOthers() {
-  std::vector<PageNumber> taken;
-  switch (log_.TakeIn(taken)) {
-    case RedoLog::News::None:
-      break;
-    case RedoLog::News::Statements:
-      for (const PageNumber number : taken) cache_.Erase(number);
-      ++generation_;
-      break;
-    case RedoLog::News::Replaced:
-      DropCache();
-      hasOwnStatements_ = false;
-      fileSize_ = file_->Size();
-      break;
-  }
-  const std::int64_t stamp = file_->ModificationStamp();
-  const bool isRewritten = stamp_ != stamp;
-  if (isRewritten) {
-    DropCache();
-    fileSize_ = file_->Size();
-  }
-  stamp_.reset();
-  if (log_.IsUnknown() && !readOnly_) return false;
-  if (isRewritten && log_.HasStatements() && !log_.BelongsTo(*file_)) return false;
-  stamp_ = stamp;
-  committedPageCount_ = log_.HasStatements() ? log_.PageCount() : static_cast<PageNumber>(FilePageCount());
-  pageCount_ = committedPageCount_;
-  return true;
-}
-
-void PagerImplementation::DropCache() {
-  cache_.Clear();
-  ++generation_;
-}
-
-void PagerImplementation::RefreshForReading() {
-  if (Refresh()) return;
-  if (readOnly_) {
-    Report("The log of '" + path_ + "' belongs to another state of the file and is left out of account.");
-    log_.Ignore();
-  } else {
+// Ends what is open, a write statement or the only transaction, once its changes are in the log.
+void PagerImplementation::Store() {
+  const bool any = !changes_.IsEmpty();
+  if (any && AppendToLog()) hasOwnStatements_ = true;
+  KeepChangedPages();
+  state_ = State::Idle;
+  transactions_ = 0;
+  try {
+    if (any) CheckpointWhenLogIsLong();
+  } catch (...) {
     lock_.Release();
-    lock_.AcquireExclusive();
-    if (!Refresh()) SetLogAside(false);
-    lock_.Release();
-    lock_.AcquireShared();
+    lock_.ReleaseWriter();
+    throw;
   }
-  if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
+  lock_.ReleaseWriter();
 }
 
-void PagerImplementation::RefreshForWriting() {
-  if (Refresh()) return;
-  SetLogAside(false);
-  if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
-}
-
-void PagerImplementation::SetLogAside(bool isAlone) {
-  const std::string reason = log_.IsUnknown()
-                                 ? "' cannot be understood; its start is damaged, or it is something else."
-                                 : "' does not belong to the file as it now is, because another program has "
-                                   "written the file.";
-  const std::string target = log_.SetAside(isAlone);
-  DropCache();
-  stamp_.reset();
-  hasOwnStatements_ = false;
-  Report("The log of '" + path_ + reason + " It was not applied but set aside as '" + target + "'.");
+void PagerImplementation::Undo() {
+  const PageChanges::Undone undone = changes_.UndoLevel();
+  pageCount_ = undone.pageCount;
+  if (undone.any) ++generation_;
+  if (changes_.LevelCount() == 0) lock_.ReleaseWriter();
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -282,20 +260,10 @@ void PagerImplementation::RequireStatement(PageNumber number) const {
 
 PageHandle PagerImplementation::Read(PageNumber number) {
   RequireStatement(number);
-  if (!changed_.empty()) {
-    const auto found = changed_.find(number);
-    if (found != changed_.end()) return Snapshot(found->second);
+  if (!changes_.IsEmpty()) {
+    if (PageHandle changed = changes_.Read(number)) return changed;
   }
   return ReadCommitted(number);
-}
-
-// The caller may go on changing the live page by the reference that it holds, so readers get a copy of their own; the
-// last one serves again while nothing has changed.
-PageHandle PagerImplementation::Snapshot(ChangedPage& changed) {
-  if (changed.snapshot == nullptr || !SameBytes(*changed.snapshot, *changed.live)) {
-    changed.snapshot = std::make_shared<const Page>(*changed.live);
-  }
-  return changed.snapshot;
 }
 
 PageHandle PagerImplementation::ReadCommitted(PageNumber number) {
@@ -323,12 +291,8 @@ Page& PagerImplementation::Write(PageNumber number) {
   RequireStatement(number);
   if (state_ != State::Writing)
     RaiseFailure("Page " + std::to_string(number) + " was to be changed in a read statement.");
-  const auto found = changed_.find(number);
-  if (found != changed_.end()) return *found->second.live;
-  ChangedPage changed;
-  changed.base = ReadCommitted(number);
-  changed.live = std::make_shared<Page>(*changed.base);
-  return *changed_.emplace(number, std::move(changed)).first->second.live;
+  if (Page* changed = changes_.Write(number)) return *changed;
+  return changes_.Add(number, ReadCommitted(number));
 }
 
 Page& PagerImplementation::WriteNew(PageNumber number) {
@@ -339,146 +303,10 @@ Page& PagerImplementation::WriteNew(PageNumber number) {
                  std::to_string(pageCount_) + " pages.");
   }
   if (number == pageCount_) ++pageCount_;
-  ChangedPage& changed = changed_[number];
-  if (changed.live == nullptr) {
-    changed.live = std::make_shared<Page>(number);
-  } else {
-    changed.live->Fill(0, kPageSize, 0);
-  }
-  return *changed.live;
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-// Committing
-// ---------------------------------------------------------------------------------------------------------------------
-
-// False when nothing had changed after all.
-bool PagerImplementation::AppendToLog() {
-  const std::vector<PageNumber> numbers = NumbersToLog();
-  if (numbers.empty()) return false;
-  std::vector<StatementPage> pages;
-  pages.reserve(numbers.size());
-  std::deque<Page> encoded;
-  for (const PageNumber number : numbers) {
-    const ChangedPage& changed = changed_.at(number);
-    const Page* stored = changed.live.get();
-    if (header_.databaseKey != 0) {
-      encoded.push_back(*changed.live);
-      ToggleEncoding(encoded.back());
-      stored = &encoded.back();
-    }
-    pages.push_back({number, ContentInDatabase(number, changed.base), stored->All()});
-  }
-  log_.Append(log_.HasStatements() ? LogOwner{} : DescribeDatabase(), pages, pageCount_);
-  return true;
-}
-
-std::vector<PageNumber> PagerImplementation::NumbersToLog() const {
-  std::vector<PageNumber> numbers;
-  numbers.reserve(changed_.size());
-  for (const auto& [number, changed] : changed_) {
-    if (changed.base == nullptr || !SameBytes(*changed.base, *changed.live)) numbers.push_back(number);
-  }
-  std::sort(numbers.begin(), numbers.end());
-  return numbers;
-}
-
-// Checksum of what the database file holds for the page; `base` is its committed content, if it was read.
-std::uint64_t PagerImplementation::ContentInDatabase(PageNumber number, const PageHandle& base) {
-  if (const LoggedPage* logged = log_.Find(number)) return logged->before;
-  if (number >= FilePageCount()) return RedoLog::kNotInDatabase;
-  Page stored(number);
-  if (base == nullptr) {
-    ReadStored(number, stored);
-    return RedoLog::PageChecksum(stored.All());
-  }
-  if (header_.databaseKey == 0) return RedoLog::PageChecksum(base->All());
-  stored.CopyFrom(*base);
-  ToggleEncoding(stored);
-  return RedoLog::PageChecksum(stored.All());
-}
-
-void PagerImplementation::KeepChangedPages() {
-  for (auto& [number, changed] : changed_) cache_.Put(std::move(changed.live));
-  changed_.clear();
-  committedPageCount_ = pageCount_;
-}
-
-// ---------------------------------------------------------------------------------------------------------------------
-// Checkpoints
-// ---------------------------------------------------------------------------------------------------------------------
-
-LogOwner PagerImplementation::DescribeDatabase() {
-  Page first(format::kHeaderPage);
-  file_->ReadAt(0, first.AllMutable());
-  return {file_->Size(), RedoLog::PageChecksum(first.All())};
-}
-
-void PagerImplementation::Checkpoint(bool isAlone) {
-  // Until the end the state of the file is not known to this pager.
-  stamp_.reset();
-  if (log_.HasStatements()) log_.ApplyTo(*file_);
-  if (isAlone) {
-    log_.Remove();
-  } else {
-    log_.Reset(DescribeDatabase());
-  }
-  hasOwnStatements_ = false;
-  fileSize_ = file_->Size();
-  stamp_ = file_->ModificationStamp();
-}
-
-void PagerImplementation::CheckpointWhenLogIsLong() {
-  if (log_.End() < options_.checkpointBytes) return;
-  try {
-    Checkpoint(false);
-  } catch (const Error& error) {
-    // The statement is safe in the log; a later checkpoint may fare better.
-    Report("The log of '" + path_ + "' could not be brought into the file yet: " + error.Description());
-  }
-}
-
-void PagerImplementation::Close() {
-  if (state_ == State::Closed) return;
-  Rollback();
-  EndRead();
-  state_ = State::Closed;
-  const std::exception_ptr failure = [this]() -> std::exception_ptr {
-    try {
-      LeaveLog();
-      return nullptr;
-    } catch (...) {
-      return std::current_exception();
-    }
-  }();
-  cache_.Clear();
-  log_.Release();
-  file_.reset();
-  if (failure) std::rethrow_exception(failure);
-}
-
-// The last checkpoint: when this pager has statements of its own in the log, or is the last one that could make it.
-void PagerImplementation::LeaveLog() {
-  if (readOnly_ || !log_.HasFile()) return;
-  const bool isAlone = lock_.TryBecomeAlone();
-  if (!isAlone && !hasOwnStatements_) return;
-  if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
-    return Report("The log of '" + path_ + "' was not brought into the file. " + foreign->Describe() + ".");
-  }
-  try {
-    lock_.AcquireExclusive();
-  } catch (const Error& error) {
-    return Report("The log of '" + path_ + "' was left for the next opener: " + error.Description());
-  }
-  if (!Refresh()) {
-    SetLogAside(isAlone);
-  } else if (log_.HasFile()) {
-    Checkpoint(isAlone);
-  }
-}
-
-void PagerImplementation::Report(const std::string& text) const {
-  if (options_.report) options_.report(text);
+  Page* changed = changes_.Write(number);
+  if (changed == nullptr) return changes_.Add(number, nullptr);
+  changed->Fill(0, kPageSize, 0);
+  return *changed;
 }
 
 }  // namespace tavi::access

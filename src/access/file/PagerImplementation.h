@@ -5,11 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "access/file/DatabaseHeader.h"
 #include "access/file/PageCache.h"
+#include "access/file/PageChanges.h"
 #include "access/file/Pager.h"
 #include "access/file/RedoLog.h"
 #include "access/file/StatementLock.h"
@@ -26,7 +26,9 @@ class FileWasReplaced : public std::exception {
 /// promises and its numbered rules, which the comments here cite.
 class PagerImplementation final : public Pager {
  public:
-  PagerImplementation(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options);
+  /// `deadline` is that of the locks that opening takes.
+  PagerImplementation(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options,
+                      const LockDeadline& deadline);
   ~PagerImplementation() override;
   PagerImplementation(const PagerImplementation&) = delete;
   PagerImplementation& operator=(const PagerImplementation&) = delete;
@@ -43,6 +45,11 @@ class PagerImplementation final : public Pager {
   [[nodiscard]] bool InStatement() const override { return state_ == State::Reading || state_ == State::Writing; }
   [[nodiscard]] bool InWrite() const override { return state_ == State::Writing; }
 
+  std::int32_t BeginTransaction() override;
+  void CommitTransaction() override;
+  void RollbackTransaction() override;
+  [[nodiscard]] std::int32_t TransactionLevel() const override { return transactions_; }
+
   [[nodiscard]] PageNumber PageCount() const override { return pageCount_; }
   [[nodiscard]] PageHandle Read(PageNumber number) override;
   [[nodiscard]] Page& Write(PageNumber number) override;
@@ -53,27 +60,29 @@ class PagerImplementation final : public Pager {
  private:
   enum class State { Idle, Reading, Writing, Closed };
 
-  /// A page that the write statement has changed.
-  struct ChangedPage {
-    std::shared_ptr<Page> live;  // what Write hands out
-    PageHandle base;             // as it was before; null when it was written from scratch
-    PageHandle snapshot;         // what Read handed out last; null when it has not been asked for
-  };
-  using ChangedPages = std::unordered_map<PageNumber, ChangedPage>;
-
-  // Opening.
-  void Start();
+  // Opening (PagerImplementation.cpp, up to the pages).
+  void Start(const LockDeadline& deadline);
   void ReadHeader();
-  void RecoverWhenAlone();
-  void StayAlone();
+  void RecoverWhenAlone(const LockDeadline& deadline);
+  void StayAlone(const LockDeadline& deadline);
   [[noreturn]] void RaiseReadOnly() const;
+  void RefuseForeignUse() const;
+  void RefuseForeignChange() const;
+  [[nodiscard]] LockDeadline NewDeadline() const { return {*fileSystem_, options_.lockTimeout}; }
 
-  // Taking in what others have done (rule 5).
+  // Statements and transactions.
+  void EnterRead(const LockDeadline& deadline);
+  void RequireTransaction(const std::string& what) const;
+  void BecomeWriter();
+  void Store();
+  void Undo();
+
+  // Taking in what others have done (rule 5; PagerLog.cpp, as all that follows but the pages).
   [[nodiscard]] bool Refresh();
   [[nodiscard]] bool TakeInOthers();
   void DropCache();
-  void RefreshForReading();
-  void RefreshForWriting();
+  void RefreshForReading(const LockDeadline& deadline);
+  void RefreshForWriting(const LockDeadline& deadline);
   void SetLogAside(bool isAlone);
 
   // Pages.
@@ -82,14 +91,11 @@ class PagerImplementation final : public Pager {
   [[nodiscard]] PageHandle ReadCommitted(PageNumber number);
   void ReadStored(PageNumber number, Page& target);
   void ToggleEncoding(Page& page) const;
-  [[nodiscard]] static PageHandle Snapshot(ChangedPage& changed);
 
   // Committing.
   [[nodiscard]] bool AppendToLog();
-  [[nodiscard]] std::vector<PageNumber> NumbersToLog() const;
   [[nodiscard]] std::uint64_t ContentInDatabase(PageNumber number, const PageHandle& base);
   void KeepChangedPages();
-  void EndWrite() noexcept;
 
   // Checkpoints (rule 4).
   [[nodiscard]] LogOwner DescribeDatabase();
@@ -113,10 +119,11 @@ class PagerImplementation final : public Pager {
   bool hasOwnStatements_ = false;  // this pager has committed since the last checkpoint
   std::optional<std::int64_t> stamp_;
   std::uint64_t fileSize_ = 0;
-  PageNumber committedPageCount_ = 0;
   PageNumber pageCount_ = 0;
   std::uint64_t generation_ = 0;
-  ChangedPages changed_;
+  std::uint64_t checkpointAt_;  // length of the log from which on a commit makes a checkpoint
+  std::int32_t transactions_ = 0;
+  PageChanges changes_;  // a level for each open transaction, and one for the write statement
 };
 
 }  // namespace tavi::access

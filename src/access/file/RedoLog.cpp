@@ -170,8 +170,15 @@ bool RedoLog::TakeInStatements(std::uint64_t size, std::vector<PageNumber>& chan
   bool any = false;
   for (;;) {
     std::uint64_t checksum = chain_;
-    const std::optional<Statement> statement = ReadStatementHeader(end_, size, checksum);
-    if (!statement || !TakeInStatement(*statement, checksum, changed)) return any;
+    std::optional<Statement> statement;
+    try {
+      statement = ReadStatementHeader(end_, size, checksum);
+      if (!statement || !TakeInStatement(*statement, checksum, changed)) return any;
+    } catch (const Error&) {
+      // A torn end goes while others read: the writer cuts it off before it appends.
+      if (file_->Size() >= size) throw;
+      return any;
+    }
     chain_ = checksum;
     pageCount_ = statement->pageCount;
     end_ += StatementSize(statement->count);

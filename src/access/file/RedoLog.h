@@ -92,9 +92,9 @@ struct LogOwner {
   std::uint64_t fingerprint = 0;
 };
 
-/// One opener's view of the redo log: reads what others have appended, appends, and drops the log. The calls that
-/// change the file need the statement lock exclusively, the others at least shared. Errors are those of the file
-/// system.
+/// One opener's view of the redo log: reads what others have appended, appends, and drops the log. Append is for the
+/// one writer, while others may read; the other calls that change the file are for who is alone with it; the rest need
+/// the statement lock shared, or the writer's. Errors are those of the file system.
 class RedoLog {
  public:
   static constexpr std::uint64_t kNotInDatabase = 0;

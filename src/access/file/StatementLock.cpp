@@ -16,6 +16,7 @@ using LockKind = File::LockKind;
 constexpr std::uint64_t kGate = std::uint64_t{1} << 31U;
 constexpr std::uint64_t kStatement = kGate + 1;
 constexpr std::uint64_t kPresence = kGate + 2;
+constexpr std::uint64_t kWriter = kGate + 3;
 constexpr std::uint64_t kOneByte = 1;
 constexpr std::uint64_t kGateAndStatement = 2;
 
@@ -24,27 +25,28 @@ constexpr std::array<int, 8> kPauses = {0, 0, 1, 1, 2, 3, 5, 10};
 
 }  // namespace
 
-StatementLock::StatementLock(File& file, FileSystem& fileSystem, std::string path, std::chrono::milliseconds timeout)
-    : file_(file), fileSystem_(fileSystem), path_(std::move(path)), timeout_(timeout) {}
+StatementLock::StatementLock(File& file, FileSystem& fileSystem, std::string path, std::string canonical,
+                             std::shared_ptr<WritingThreads> threads)
+    : file_(file),
+      fileSystem_(fileSystem),
+      path_(std::move(path)),
+      canonical_(std::move(canonical)),
+      threads_(threads ? std::move(threads) : std::make_shared<WritingThreads>()) {}
 
-void StatementLock::EnterPresence() {
-  WaitFor(kPresence, kOneByte, [&] { return file_.TryLock(kPresence, kOneByte, LockKind::Shared); });
+StatementLock::~StatementLock() {
+  // The file gives its locks back by itself; the list of threads does not.
+  if (holdsWriter_) threads_->Release(canonical_);
 }
 
-void StatementLock::AcquireShared() {
-  WaitFor(kGate, kGateAndStatement, [&] { return file_.TryLock(kGate, kGateAndStatement, LockKind::Shared); });
+void StatementLock::EnterPresence(const LockDeadline& deadline) {
+  const auto enter = [&] { return file_.TryLock(kPresence, kOneByte, LockKind::Shared); };
+  if (!WaitUntil(deadline, enter)) RaiseInUse(deadline, kPresence, kOneByte);
+}
+
+void StatementLock::AcquireShared(const LockDeadline& deadline) {
+  const auto enter = [&] { return file_.TryLock(kGate, kGateAndStatement, LockKind::Shared); };
+  if (!WaitUntil(deadline, enter)) RaiseInUse(deadline, kGate, kGateAndStatement);
   file_.Unlock(kGate, kOneByte);
-}
-
-void StatementLock::AcquireExclusive() {
-  if (file_.TryLock(kGate, kGateAndStatement, LockKind::Exclusive)) return;
-  WaitFor(kGate, kOneByte, [&] { return file_.TryLock(kGate, kOneByte, LockKind::Exclusive); });
-  try {
-    WaitFor(kStatement, kOneByte, [&] { return file_.TryLock(kStatement, kOneByte, LockKind::Exclusive); });
-  } catch (...) {
-    Release();
-    throw;
-  }
 }
 
 void StatementLock::Release() noexcept {
@@ -55,33 +57,96 @@ void StatementLock::Release() noexcept {
   }
 }
 
+void StatementLock::AcquireWriter(const LockDeadline& deadline) {
+  const auto become = [&] { return file_.TryLock(kWriter, kOneByte, LockKind::Exclusive); };
+  if (!become()) {
+    const WritingThreads::Wait wait(*threads_, canonical_);
+    const auto becomeUnlessHopeless = [&] {
+      if (become()) return true;
+      if (wait.IsHopeless()) {
+        RaiseFailure("Could not use '" + path_ +
+                     "'; file already in use by a connection whose changes are not committed and that cannot go on "
+                     "before this one does: waiting would never end. Commit or roll back one of the two first.");
+      }
+      return false;
+    };
+    if (!WaitUntil(deadline, becomeUnlessHopeless)) RaiseInUse(deadline, kWriter, kOneByte);
+  }
+  threads_->Hold(canonical_);
+  holdsWriter_ = true;
+}
+
+void StatementLock::ReleaseWriter() noexcept {
+  if (!holdsWriter_) return;
+  holdsWriter_ = false;
+  // Before the byte: who gets it next enters the list himself.
+  threads_->Release(canonical_);
+  try {
+    file_.Unlock(kWriter, kOneByte);
+  } catch (const std::exception&) {
+    // As in Release.
+  }
+}
+
+bool StatementLock::TryAcquireExclusive(const LockDeadline& deadline) {
+  if (file_.TryLock(kGate, kGateAndStatement, LockKind::Exclusive)) return true;
+  const auto closeGate = [&] { return file_.TryLock(kGate, kOneByte, LockKind::Exclusive); };
+  const auto seeLastReaderOff = [&] { return file_.TryLock(kStatement, kOneByte, LockKind::Exclusive); };
+  try {
+    if (WaitUntil(deadline, closeGate) && WaitUntil(deadline, seeLastReaderOff)) return true;
+  } catch (...) {
+    Release();
+    throw;
+  }
+  Release();
+  return false;
+}
+
+void StatementLock::AcquireExclusive(const LockDeadline& deadline) {
+  if (!TryAcquireExclusive(deadline)) RaiseInUse(deadline, kGate, kGateAndStatement);
+}
+
 bool StatementLock::TryBecomeAlone() {
   return file_.TryLock(kPresence, kOneByte, LockKind::Exclusive);
 }
 
-void StatementLock::BecomeAlone() {
-  WaitFor(kPresence, kOneByte, [&] { return TryBecomeAlone(); });
+void StatementLock::BecomeAlone(const LockDeadline& deadline) {
+  if (!WaitUntil(deadline, [&] { return TryBecomeAlone(); })) RaiseInUse(deadline, kPresence, kOneByte);
 }
 
 void StatementLock::LeaveAlone() {
   static_cast<void>(file_.TryLock(kPresence, kOneByte, LockKind::Shared));
 }
 
-void StatementLock::WaitFor(std::uint64_t offset, std::uint64_t length, const std::function<bool()>& attempt) {
-  std::chrono::milliseconds waited{0};
+bool StatementLock::WaitUntil(const LockDeadline& deadline, const std::function<bool()>& attempt) {
   for (std::size_t round = 0; !attempt(); ++round) {
-    if (waited >= timeout_ && round >= 1) RaiseInUse(offset, length);
-    const std::chrono::milliseconds pause{kPauses[std::min(round, kPauses.size() - 1)]};
-    fileSystem_.Pause(pause);
-    waited += pause;
+    const std::chrono::milliseconds left = deadline.Left(fileSystem_);
+    if (left.count() == 0 && round >= 1) return false;
+    fileSystem_.Pause(std::min(left, std::chrono::milliseconds{kPauses[std::min(round, kPauses.size() - 1)]}));
+  }
+  return true;
+}
+
+void StatementLock::RaiseInUse(const LockDeadline& deadline, std::uint64_t offset, std::uint64_t length) {
+  const std::string holder = file_.LockHolder(offset, length);
+  RaiseFailure("Could not use '" + path_ + "'; file already in use" + (holder.empty() ? "" : " by " + holder) +
+               ". It stayed locked for " + std::to_string(deadline.Timeout().count()) +
+               " milliseconds; try again when the other user has finished.");
+}
+
+SoleUse::SoleUse(StatementLock& lock, const LockDeadline& deadline) : lock_(lock), ownsWriter_(!lock.HoldsWriter()) {
+  if (ownsWriter_) lock_.AcquireWriter(deadline);
+  try {
+    lock_.AcquireExclusive(deadline);
+  } catch (...) {
+    if (ownsWriter_) lock_.ReleaseWriter();
+    throw;
   }
 }
 
-void StatementLock::RaiseInUse(std::uint64_t offset, std::uint64_t length) {
-  const std::string holder = file_.LockHolder(offset, length);
-  RaiseFailure("Could not use '" + path_ + "'; file already in use" + (holder.empty() ? "" : " by " + holder) +
-               ". It stayed locked for " + std::to_string(timeout_.count()) +
-               " milliseconds; try again when the other user has finished.");
+SoleUse::~SoleUse() {
+  lock_.Release();
+  if (ownsWriter_) lock_.ReleaseWriter();
 }
 
 }  // namespace tavi::access

@@ -1,49 +1,87 @@
 #pragma once
 
-#include <chrono>
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "access/file/FileSystem.h"
+#include "access/file/LockDeadline.h"
+#include "access/file/WritingThreads.h"
 
 namespace tavi::access {
 
-/// The locks by which the users of one database file keep out of each other's way. They are three bytes of the database
+/// The locks by which the users of one database file keep out of each other's way. They are four bytes of the database
 /// file itself, past the 2 GB that it can ever have, so that a lock of the whole file by another program stops us too:
 ///
 ///   byte       held shared by                    held exclusively by
-///   gate       a reader while it enters          a writer from the moment it waits: no new reader comes in
-///   statement  each reading statement            the writing statement, a checkpoint
+///   gate       a reader while it enters          who wants the statement's byte, as long as he waits: nobody comes in
+///   statement  each reading statement            a checkpoint, and who sets the log aside
 ///   presence   every open pager                  a pager that has found itself alone
+///   writer     nobody                            the one user who changes pages or the log, until commit or rollback
+///
+/// A writer keeps nobody from reading: what it has not committed is in its memory, and a commit appends to the log,
+/// behind what others know of it. Whoever overwrites what readers may be looking at needs the statement's byte too, and
+/// takes it as writer: in the order writer, gate, statement nobody waits for somebody who waits for him.
 ///
 /// Not for several threads.
 class StatementLock {
  public:
-  /// `path` is the file's name for error messages.
-  StatementLock(File& file, FileSystem& fileSystem, std::string path, std::chrono::milliseconds timeout);
+  /// `path` is the file's name for error messages, `canonical` the same for all who open the file. Without `threads`
+  /// waits that can never end last until their deadline.
+  StatementLock(File& file, FileSystem& fileSystem, std::string path, std::string canonical,
+                std::shared_ptr<WritingThreads> threads);
+  ~StatementLock();
+  StatementLock(const StatementLock&) = delete;
+  StatementLock& operator=(const StatementLock&) = delete;
 
-  /// Tells the others that this pager is there. Raises ProviderFailure "Could not use ..." after the timeout; so do the
-  /// next two.
-  void EnterPresence();
-  void AcquireShared();
-  void AcquireExclusive();
-  /// Gives the statement's lock back. Never fails: the end of the file's life gives it back in any case.
+  /// Tells the others that this pager is there. Raises ProviderFailure "Could not use ..." after the deadline; so do
+  /// all calls that acquire something.
+  void EnterPresence(const LockDeadline& deadline);
+
+  void AcquireShared(const LockDeadline& deadline);
+  /// Gives the statement's byte back, however it is held. Never fails: the end of the file's life gives it back in any
+  /// case.
   void Release() noexcept;
+
+  /// Becomes the one writer. Raises ProviderFailure at once where the wait could never end.
+  void AcquireWriter(const LockDeadline& deadline);
+  void ReleaseWriter() noexcept;
+  [[nodiscard]] bool HoldsWriter() const { return holdsWriter_; }
+
+  /// Waits until the last reader has left and keeps new ones out; for the writer. False after the deadline.
+  [[nodiscard]] bool TryAcquireExclusive(const LockDeadline& deadline);
+  void AcquireExclusive(const LockDeadline& deadline);
 
   /// Takes presence alone when no other pager has the file open; others then wait until LeaveAlone.
   [[nodiscard]] bool TryBecomeAlone();
   void LeaveAlone();
-  /// Waits until it is alone. Raises ProviderFailure "Could not use ..." after the timeout.
-  void BecomeAlone();
+  /// Waits until it is alone.
+  void BecomeAlone(const LockDeadline& deadline);
 
  private:
-  void WaitFor(std::uint64_t offset, std::uint64_t length, const std::function<bool()>& attempt);
-  [[noreturn]] void RaiseInUse(std::uint64_t offset, std::uint64_t length);
+  [[nodiscard]] bool WaitUntil(const LockDeadline& deadline, const std::function<bool()>& attempt);
+  [[noreturn]] void RaiseInUse(const LockDeadline& deadline, std::uint64_t offset, std::uint64_t length);
 
   File& file_;
   FileSystem& fileSystem_;
   std::string path_;
-  std::chrono::milliseconds timeout_;
+  std::string canonical_;
+  std::shared_ptr<WritingThreads> threads_;
+  bool holdsWriter_ = false;
+};
+
+/// The whole file for oneself, as guard: nobody else writes or reads. Joins the writer's part where that is held.
+class SoleUse {
+ public:
+  SoleUse(StatementLock& lock, const LockDeadline& deadline);
+  ~SoleUse();
+  SoleUse(const SoleUse&) = delete;
+  SoleUse& operator=(const SoleUse&) = delete;
+
+ private:
+  StatementLock& lock_;
+  bool ownsWriter_;
 };
 
 }  // namespace tavi::access

@@ -135,19 +135,34 @@ TEST_F(SharingTest, AWaitEndsWithAnErrorThatNamesTheOtherProcess) {
   Worker holder({"hold", path_});
   EXPECT_EQ(holder.ReadLine(), "ready");
   const std::string name = "process " + holder.Process() + " (test_access_wor)";
-  EXPECT_EQ(FailureOf([&] { reader->BeginRead(); }), Waited(name));
   EXPECT_EQ(FailureOf([&] { writer->BeginWrite(); }), Waited(name));
-  EXPECT_EQ(FailureOf([&] { static_cast<void>(Open()); }), Waited(name));
+  EXPECT_EQ(FailureOf([&] { writer->BeginTransaction(); }), Waited(name));
+  // Who only reads does not wait, nor who comes.
+  EXPECT_EQ(FailureOf([&] { const ReadStatement works(*reader); }), "");
+  EXPECT_EQ(FailureOf([&] { static_cast<void>(Open(0)); }), "");
   holder.EndInput();
   EXPECT_EQ(holder.Wait(), 0);
   const WriteStatement works(*writer);
 }
 
 TEST_F(SharingTest, AWaitForAnotherConnectionOfTheSameProcessSaysSo) {
-  const auto reader = Open();
-  const auto writer = Open();
-  const ReadStatement reading(*reader);
-  EXPECT_EQ(FailureOf([&] { writer->BeginWrite(); }), Waited("another connection of this process"));
+  const auto one = Open();
+  const auto two = Open();
+  const WriteStatement writing(*one);
+  EXPECT_EQ(FailureOf([&] { two->BeginWrite(); }), Waited("another connection of this process"));
+}
+
+// Symptom: a wait of ten seconds took up to sixteen.
+TEST_F(SharingTest, AWaitEndsWhenItSays) {
+  constexpr int kTimeout = 1000;
+  const auto one = Open();
+  const auto two = Open(kTimeout);
+  const WriteStatement writing(*one);
+  const auto start = std::chrono::steady_clock::now();
+  EXPECT_NE(FailureOf([&] { two->BeginWrite(); }), "");
+  const auto waited = std::chrono::steady_clock::now() - start;
+  EXPECT_GE(waited, std::chrono::milliseconds(kTimeout));
+  EXPECT_LE(waited, std::chrono::milliseconds(kTimeout + 400));
 }
 
 TEST_F(SharingTest, AFileThatAnotherDatabaseProgramHoldsIsReadButNotWritten) {

@@ -24,6 +24,7 @@ class InterceptedFileSystem : public FileSystem {
   void CopyPermissions(const std::string& from, const std::string& to) override;
   void SyncFolderOf(const std::string& path) override;
   void Pause(std::chrono::milliseconds duration) override;
+  [[nodiscard]] std::chrono::steady_clock::time_point Now() override { return inner_->Now(); }
 
   /// Called before each operation; throws to stop it. `partDone` is called to carry out a part of a write first (it
   /// does nothing for other operations).

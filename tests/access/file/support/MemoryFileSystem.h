@@ -33,7 +33,11 @@ class MemoryFileSystem final : public FileSystem {
   void Rename(const std::string& from, const std::string& to) override;
   void CopyPermissions(const std::string& from, const std::string& to) override;
   void SyncFolderOf(const std::string& path) override;
+  /// Time passes by pauses only, and with WorkTakes.
   void Pause(std::chrono::milliseconds duration) override;
+  [[nodiscard]] std::chrono::steady_clock::time_point Now() override {
+    return std::chrono::steady_clock::time_point{paused_ + worked_};
+  }
 
   /// The content of a file.
   [[nodiscard]] Bytes Contents(const std::string& path) const;
@@ -52,6 +56,8 @@ class MemoryFileSystem final : public FileSystem {
   /// Called in each Pause, for another user's turn.
   void OnPause(std::function<void()> action) { onPause_ = std::move(action); }
   [[nodiscard]] std::chrono::milliseconds Paused() const { return paused_; }
+  /// Lets so much time pass.
+  void WorkTakes(std::chrono::milliseconds duration) { worked_ += duration; }
 
   /// The file system as it is found after a crash now: no locks, nothing unflushed. Cheap: contents are shared.
   [[nodiscard]] std::shared_ptr<MemoryFileSystem> AfterCrash(CrashKind kind, std::uint32_t seed) const;
@@ -95,6 +101,7 @@ class MemoryFileSystem final : public FileSystem {
   std::int64_t clock_ = 0;
   std::function<void()> onPause_;
   std::chrono::milliseconds paused_{0};
+  std::chrono::milliseconds worked_{0};
 };
 
 }  // namespace tavi::access::test

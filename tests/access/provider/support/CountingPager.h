@@ -28,6 +28,10 @@ class CountingPager final : public Pager {
   void BeginWrite() override { inner_->BeginWrite(); }
   void Commit() override { inner_->Commit(); }
   void Rollback() override { inner_->Rollback(); }
+  std::int32_t BeginTransaction() override { return inner_->BeginTransaction(); }
+  void CommitTransaction() override { inner_->CommitTransaction(); }
+  void RollbackTransaction() override { inner_->RollbackTransaction(); }
+  [[nodiscard]] std::int32_t TransactionLevel() const override { return inner_->TransactionLevel(); }
   [[nodiscard]] bool InStatement() const override { return inner_->InStatement(); }
   [[nodiscard]] bool InWrite() const override { return inner_->InWrite(); }
   [[nodiscard]] PageNumber PageCount() const override { return inner_->PageCount(); }

@@ -1,0 +1,242 @@
+// What the pager does with the redo log: it takes in what others have committed, commits, makes checkpoints, and
+// leaves.
+#include <algorithm>
+#include <chrono>
+#include <deque>
+#include <exception>
+#include <utility>
+
+#include "access/file/EngineError.h"
+#include "access/file/ForeignUse.h"
+#include "access/file/Format.h"
+#include "access/file/PagerImplementation.h"
+
+namespace tavi::access {
+
+namespace {
+
+// New readers wait as long as a checkpoint waits for old ones.
+constexpr std::chrono::milliseconds kPatienceWithReaders{50};
+// A checkpoint that was put off is tried again when the log has grown by this part of what is long.
+constexpr std::uint64_t kPartsOfPatience = 8;
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Taking in what others have done
+// ---------------------------------------------------------------------------------------------------------------------
+
+// False when the log must be set aside first: it is not one of ours, or another program has written the database.
+bool PagerImplementation::Refresh() {
+  try {
+    return TakeInOthers();
+  } catch (...) {
+    // Part of the news may have been taken in. Without the stamp the next statement trusts no page that is cached.
+    stamp_.reset();
+    throw;
+  }
+}
+
+bool PagerImplementation::TakeInOthers() {
+  std::vector<PageNumber> taken;
+  switch (log_.TakeIn(taken)) {
+    case RedoLog::News::None:
+      break;
+    case RedoLog::News::Statements:
+      for (const PageNumber number : taken) cache_.Erase(number);
+      ++generation_;
+      break;
+    case RedoLog::News::Replaced:
+      DropCache();
+      hasOwnStatements_ = false;
+      fileSize_ = file_->Size();
+      break;
+  }
+  const std::int64_t stamp = file_->ModificationStamp();
+  const bool isRewritten = stamp_ != stamp;
+  if (isRewritten) {
+    DropCache();
+    fileSize_ = file_->Size();
+  }
+  stamp_.reset();
+  if (log_.IsUnknown() && !readOnly_) return false;
+  if (isRewritten && log_.HasStatements() && !log_.BelongsTo(*file_)) return false;
+  stamp_ = stamp;
+  pageCount_ = log_.HasStatements() ? log_.PageCount() : static_cast<PageNumber>(FilePageCount());
+  return true;
+}
+
+void PagerImplementation::DropCache() {
+  cache_.Clear();
+  ++generation_;
+}
+
+void PagerImplementation::RefreshForReading(const LockDeadline& deadline) {
+  if (Refresh()) return;
+  if (readOnly_) {
+    Report("The log of '" + path_ + "' belongs to another state of the file and is left out of account.");
+    log_.Ignore();
+  } else {
+    // The start of the log may just have been half written; alone, what is found holds.
+    lock_.Release();
+    {
+      const SoleUse use(lock_, deadline);
+      if (!Refresh()) SetLogAside(false);
+    }
+    lock_.AcquireShared(deadline);
+  }
+  if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
+}
+
+void PagerImplementation::RefreshForWriting(const LockDeadline& deadline) {
+  if (Refresh()) return;
+  {
+    const SoleUse use(lock_, deadline);
+    SetLogAside(false);
+  }
+  if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
+}
+
+void PagerImplementation::SetLogAside(bool isAlone) {
+  const std::string reason = log_.IsUnknown()
+                                 ? "' cannot be understood; its start is damaged, or it is something else."
+                                 : "' does not belong to the file as it now is, because another program has "
+                                   "written the file.";
+  const std::string target = log_.SetAside(isAlone);
+  DropCache();
+  stamp_.reset();
+  hasOwnStatements_ = false;
+  Report("The log of '" + path_ + reason + " It was not applied but set aside as '" + target + "'.");
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Committing
+// ---------------------------------------------------------------------------------------------------------------------
+
+// False when nothing had changed after all.
+bool PagerImplementation::AppendToLog() {
+  const std::vector<PageNumber> numbers = changes_.Differing();
+  if (numbers.empty()) return false;
+  std::vector<StatementPage> pages;
+  pages.reserve(numbers.size());
+  std::deque<Page> encoded;
+  for (const PageNumber number : numbers) {
+    const PageChanges::Changed& changed = changes_.At(number);
+    const Page* stored = changed.live.get();
+    if (header_.databaseKey != 0) {
+      encoded.push_back(*changed.live);
+      ToggleEncoding(encoded.back());
+      stored = &encoded.back();
+    }
+    pages.push_back({number, ContentInDatabase(number, changed.base), stored->All()});
+  }
+  log_.Append(log_.HasStatements() ? LogOwner{} : DescribeDatabase(), pages, pageCount_);
+  return true;
+}
+
+// Checksum of what the database file holds for the page; `base` is its committed content, if it was read.
+std::uint64_t PagerImplementation::ContentInDatabase(PageNumber number, const PageHandle& base) {
+  if (const LoggedPage* logged = log_.Find(number)) return logged->before;
+  if (number >= FilePageCount()) return RedoLog::kNotInDatabase;
+  Page stored(number);
+  if (base == nullptr) {
+    ReadStored(number, stored);
+    return RedoLog::PageChecksum(stored.All());
+  }
+  if (header_.databaseKey == 0) return RedoLog::PageChecksum(base->All());
+  stored.CopyFrom(*base);
+  ToggleEncoding(stored);
+  return RedoLog::PageChecksum(stored.All());
+}
+
+void PagerImplementation::KeepChangedPages() {
+  for (auto& [number, changed] : changes_.TakeAll()) cache_.Put(std::move(changed.live));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Checkpoints
+// ---------------------------------------------------------------------------------------------------------------------
+
+LogOwner PagerImplementation::DescribeDatabase() {
+  Page first(format::kHeaderPage);
+  file_->ReadAt(0, first.AllMutable());
+  return {file_->Size(), RedoLog::PageChecksum(first.All())};
+}
+
+void PagerImplementation::Checkpoint(bool isAlone) {
+  // Until the end the state of the file is not known to this pager.
+  stamp_.reset();
+  if (log_.HasStatements()) log_.ApplyTo(*file_);
+  if (isAlone) {
+    log_.Remove();
+  } else {
+    log_.Reset(DescribeDatabase());
+  }
+  hasOwnStatements_ = false;
+  fileSize_ = file_->Size();
+  stamp_ = file_->ModificationStamp();
+}
+
+// Readers are not disturbed by it: while one is reading it is put off, until the log has grown by another part.
+void PagerImplementation::CheckpointWhenLogIsLong() {
+  if (log_.End() < checkpointAt_) return;
+  try {
+    if (!lock_.TryAcquireExclusive({*fileSystem_, std::min(options_.lockTimeout, kPatienceWithReaders)})) {
+      checkpointAt_ = log_.End() + options_.checkpointBytes / kPartsOfPatience;
+      return;
+    }
+    Checkpoint(false);
+    checkpointAt_ = options_.checkpointBytes;
+  } catch (const Error& error) {
+    // The statement is safe in the log; a later checkpoint may fare better.
+    Report("The log of '" + path_ + "' could not be brought into the file yet: " + error.Description());
+  }
+  lock_.Release();
+}
+
+void PagerImplementation::Close() {
+  if (state_ == State::Closed) return;
+  Rollback();
+  EndRead();
+  while (transactions_ > 0) RollbackTransaction();
+  state_ = State::Closed;
+  const std::exception_ptr failure = [this]() -> std::exception_ptr {
+    try {
+      LeaveLog();
+      return nullptr;
+    } catch (...) {
+      return std::current_exception();
+    }
+  }();
+  cache_.Clear();
+  log_.Release();
+  file_.reset();
+  if (failure) std::rethrow_exception(failure);
+}
+
+// The last checkpoint: when this pager has statements of its own in the log, or is the last one that could make it.
+void PagerImplementation::LeaveLog() {
+  if (readOnly_ || !log_.HasFile()) return;
+  const bool isAlone = lock_.TryBecomeAlone();
+  if (!isAlone && !hasOwnStatements_) return;
+  if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
+    return Report("The log of '" + path_ + "' was not brought into the file. " + foreign->Describe() + ".");
+  }
+  std::optional<SoleUse> use;
+  try {
+    use.emplace(lock_, NewDeadline());
+  } catch (const Error& error) {
+    return Report("The log of '" + path_ + "' was left for the next opener: " + error.Description());
+  }
+  if (!Refresh()) {
+    SetLogAside(isAlone);
+  } else if (log_.HasFile()) {
+    Checkpoint(isAlone);
+  }
+}
+
+void PagerImplementation::Report(const std::string& text) const {
+  if (options_.report) options_.report(text);
+}
+
+}  // namespace tavi::access
