@@ -6,8 +6,10 @@
 #include "access/sql/Coercion.h"
 #include "access/sql/FormatText.h"
 #include "access/sql/Functions.h"
+#include "access/table/ExactDecimal.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
+#include "platform/values/Text.h"
 
 namespace tavi::access::sql {
 namespace {
@@ -46,8 +48,22 @@ Value CSng(Arguments arguments, const Scope&) {
   return static_cast<float>(number);
 }
 
+/// The amount that a text writes. Raises a type conflict for a text that is no number.
+Value ExactAmount(const std::string& text) {
+  constexpr std::uint8_t kPrecision = 19;
+  constexpr std::uint8_t kScale = 4;
+  static_cast<void>(NumberOf(text));
+  const std::optional<Decimal> number = ParseDecimal(Trim(text), kPrecision, kScale);
+  const std::optional<Currency> amount = number ? ToCurrency(*number) : std::nullopt;
+  if (!amount) RaiseOverflow("the amount is too large");
+  return *amount;
+}
+
 Value CCur(Arguments arguments, const Scope&) {
   if (std::holds_alternative<Currency>(arguments[0])) return arguments[0];
+  // A double has too few digits for the largest amounts.
+  if (const auto* text = std::get_if<std::string>(&arguments.front())) return ExactAmount(*text);
+  if (const auto* number = std::get_if<Decimal>(&arguments.front())) return ExactAmount(DecimalText(*number));
   constexpr double kUnit = 10000.0;
   constexpr double kLimit = 9.2233720368547758e18;
   const double amount = RoundHalfEven(NumberOf(arguments[0]) * kUnit, 0);

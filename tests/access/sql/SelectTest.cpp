@@ -71,6 +71,34 @@ TEST_F(SelectTest, GroupsAreCountedAndFiltered) {
             (Texts{"1|55.5|55.5", "2|52.5|60", "3|70|70"}));
 }
 
+TEST_F(SelectTest, AGroupMayBeAnExpressionThatHoldsASubSelect) {
+  const std::string parity = "Competition Mod (Select Min(Competition) + 1 From Results Where Competition > 0)";
+  EXPECT_EQ(Rows("Select " + parity + ", Count(*) From Results Group By " + parity + " Order By " + parity),
+            (Texts{"0|2", "1|2"}));
+  EXPECT_EQ(Rows("Select Competition mod (select min(competition) + 1 from RESULTS where competition > 0), Count(*) "
+                 "From Results Group By " +
+                 parity + " Having " + parity + " = 0"),
+            (Texts{"0|2"}));
+}
+
+TEST_F(SelectTest, AnExpressionWithAnotherSubSelectIsNoGroup) {
+  const auto refused = [&](const std::string& selected, const std::string& group) {
+    try {
+      Rows("Select Competition + (" + selected + "), Count(*) From Results Group By Competition + (" + group + ")");
+    } catch (const Error& error) {
+      return error.Description().find("no part of an aggregate") != std::string::npos;
+    }
+    return false;
+  };
+  const std::string one = "Select Min(Competition) From Results Where Player > 0";
+  EXPECT_FALSE(refused(one, one));
+  EXPECT_TRUE(refused("Select Max(Competition) From Results Where Player > 0", one));
+  EXPECT_TRUE(refused("Select Min(Player) From Results Where Player > 0", one));
+  EXPECT_TRUE(refused("Select Min(Competition) From Results Where Player > 1", one));
+  EXPECT_TRUE(refused("Select Min(Competition) From Results", one));
+  EXPECT_TRUE(refused("Select Distinct Min(Competition) From Results Where Player > 0", one));
+}
+
 TEST_F(SelectTest, AggregatesOfNoRowsGiveOneRow) {
   EXPECT_EQ(Rows("Select Count(*), Sum(Handicap), Min(FirstName) From Members Where MembershipNumber > 100"),
             (Texts{"0|null|null"}));
