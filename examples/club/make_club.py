@@ -90,10 +90,10 @@ def write_members(people):
 def write_pairs(people):
     with open(HERE / "pairs.csv", "w", encoding="utf-8", newline="") as file:
         writer = csv.writer(file, lineterminator="\n")
-        writer.writerow("club_number_1 club_number_2 player_1 player_2 known_as since active".split())
+        writer.writerow("club_number_1 club_number_2 player_1 player_2 known_as active".split())
         for one, two, name in PARTNERSHIPS:
             writer.writerow([people[one].number, people[two].number, people[one].written(), people[two].written(), name,
-                             FIRST_EVENING.isoformat(), "y"])
+                             "y"])
 
 
 def evening_pairs(people, visitors, rng):

@@ -43,6 +43,7 @@ struct Choices {
   std::string from;
   std::string outputFolder;
   CheckRequest check;
+  ImportRequest import;
   bool all = false;
   bool recalculate = false;
   Action action;
@@ -57,19 +58,23 @@ void AddNew(CLI::App& app, Choices& choices) {
   });
 }
 
-void AddImport(CLI::App& parent, Choices& choices, const char* what,
-               int (*import)(const Context&, const std::string&)) {
+CLI::App* AddImport(CLI::App& parent, Choices& choices, const char* what,
+                    int (*import)(const Context&, const ImportRequest&)) {
   CLI::App* command = parent.add_subcommand("import", std::string("Bring in ") + what + " from a comma-separated file");
-  command->add_option("FILE", choices.file, "The file; its first line names the columns")->required();
+  command->add_option("FILE", choices.import.file, "The file; its first line names the columns")->required();
+  command->add_flag("--dry-run", choices.import.dryRun, "Show each change, and change nothing");
+  command->add_flag("--ignore-unknown", choices.import.ignoreUnknown, "Pass over columns that are not known");
   command->callback([&choices, import] {
-    choices.action = [&choices, import](const Context& context) { return import(context, choices.file); };
+    choices.action = [&choices, import](const Context& context) { return import(context, choices.import); };
   });
+  return command;
 }
 
 void AddMembers(CLI::App& app, Choices& choices) {
   CLI::App* command = app.add_subcommand("members", "List the members, or bring them in");
   command->add_flag("--all", choices.all, "Retired members too");
-  AddImport(*command, choices, "members", ImportMembers);
+  AddImport(*command, choices, "members", ImportMembers)
+      ->add_flag("--allow-namesakes", choices.import.allowNamesakes, "Add second members of one name");
   command->callback([&choices, command] {
     if (!command->get_subcommands().empty()) return;
     choices.action = [&choices](const Context& context) { return ListMembers(context, choices.all); };
@@ -188,9 +193,7 @@ std::optional<Date> TodayOf(const Choices& choices) {
   return today;
 }
 
-}  // namespace
-
-int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal) {
+int Run(std::vector<std::string> arguments, const Terminal& terminal) {
   std::ostream& error = terminal.error;
   Choices choices;
   CLI::App app("Keeps a bridge club's members, results, master points and handicaps in its file ClubMembers.mdb.",
@@ -239,9 +242,26 @@ int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal)
   } catch (const Error& problem) {
     error << "tavi: " << PrintableLines(problem.Description()) << '\n';
   } catch (const std::exception& problem) {
-    error << "tavi: " << problem.what() << '\n';
+    error << "tavi: " << PrintableLines(problem.what()) << '\n';
   }
   return kFailed;
+}
+
+/// The exit code of a run that would end with `code`, once all output is where it belongs.
+int FinishOutput(const Terminal& terminal, int code) {
+  terminal.out.flush();
+  if (terminal.out) return code;
+  const std::error_code reason = terminal.outputFailure ? terminal.outputFailure() : std::error_code();
+  if (reason == std::errc::broken_pipe) return kReaderHasEnded;
+  terminal.error << "tavi: the output could not be written" << (reason ? ": " + reason.message() : "")
+                 << "; what there is of it is not complete\n";
+  return code == kSucceeded ? kFailed : code;
+}
+
+}  // namespace
+
+int RunCommandLine(std::vector<std::string> arguments, const Terminal& terminal) {
+  return FinishOutput(terminal, Run(std::move(arguments), terminal));
 }
 
 }  // namespace tavi::host

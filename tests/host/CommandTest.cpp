@@ -124,10 +124,10 @@ TEST_F(Command, ImportedMembersAreStoredIntactAndListed) {
   EXPECT_THAT(folder_.Run({"members", "--all"}).out, HasSubstr("11\tTimer, Old\t"));
 }
 
-TEST_F(Command, ImportingAgainUpdatesWhoIsThere) {
+TEST_F(Command, ImportingAgainAddsNobody) {
   MakeClub();
   const Outcome again = folder_.Run({"members", "import", folder_.Write("members.csv", kMembers)});
-  EXPECT_THAT(again.out, HasSubstr("\t0\t5"));
+  EXPECT_THAT(again.out, HasSubstr("\t0\t0\t5"));
   EXPECT_THAT(folder_.Query("Select Count(*) From Members"), ElementsAre("5"));
 }
 
@@ -242,6 +242,22 @@ TEST_F(Command, APlayerListedTwiceIsRefusedBeforeAnythingIsStored) {
   EXPECT_EQ(outcome.code, 1);
   EXPECT_THAT(outcome.error, HasSubstr("Ann Lee is listed twice"));
   EXPECT_THAT(folder_.Query("Select Count(*) From Competitions"), ElementsAre("0"));
+}
+
+TEST_F(Command, TwoVisitorsMayBearOneName) {
+  MakeClub();
+  const auto evening = [&](const std::string& first, const std::string& second) {
+    return folder_.Write("week.xml",
+                         Evening(Pair("1", "60", Player("Ann Lee") + Player("John Smith", first), Award("24")) +
+                                 Pair("2", "40", Player("Bob Ray") + Player("John Smith", second), Award("12"))));
+  };
+  EXPECT_EQ(folder_.Run({"score", evening("", "")}).code, 0);
+  EXPECT_EQ(folder_.Run({"score", evening("555001", "")}).code, 0);
+  const Outcome scored = folder_.Run({"score", evening("555001", "555002")});
+  EXPECT_EQ(scored.code, 0) << scored.error;
+  EXPECT_THAT(folder_.Query("Select NonMemberName, MasterPoints From MasterPoints Where MembershipNumber = -1"),
+              UnorderedElementsAre("John Smith\t0.24", "John Smith\t0.12"));
+  EXPECT_THAT(folder_.Run({"score", evening("555001", "555001")}).error, HasSubstr("John Smith is listed twice"));
 }
 
 TEST_F(Command, FindGivesTheMemberOrThoseWhoSoundAlike) {

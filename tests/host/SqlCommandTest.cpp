@@ -77,6 +77,33 @@ TEST_F(SqlCommand, PipedStatementsMayComeFromAnEditorOfWindows) {
   EXPECT_THAT(outcome.out, ::testing::EndsWith("Column\tType\nID\tLong\nName\tText\n"));
 }
 
+TEST_F(SqlCommand, PipedTextsOverSeveralLinesKeepTheirCarriageReturns) {
+  const Outcome outcome = folder_.Run({"sql"}, "Insert into T\r\nValues (2, 'a\r\nb\nc');\r\n.quit\r\nnonsense;\r\n");
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_EQ(folder_.Query("Select Name From T Where ID = 2"), (std::vector<std::string>{"a\\r\\nb\\nc"}));
+  EXPECT_EQ(folder_.Run({"sql"}, "Selct 1\r\n;").error.substr(0, 9), "Selct 1\n^");
+}
+
+TEST_F(SqlCommand, APathIsAPathWhateverIsInIt) {
+  const std::string odd = folder_.Path("a;Data Source=b=c 'd'");
+  ASSERT_EQ(folder_.RunIn(odd, {"new", "--name", "Odd"}).code, 0);
+  EXPECT_EQ(folder_.RunIn(odd, {"sql", "Select ClubName From ClubNames"}).out, "ClubName\nOdd\n");
+  const std::string file = odd + "/ClubMembers.mdb";
+  EXPECT_EQ(folder_.Run({"sql", "--file", file, "Select ClubName From ClubNames"}).out, "ClubName\nOdd\n");
+  EXPECT_NE(folder_.RunIn(odd, {"info"}).out.find("Club\tOdd\n"), std::string::npos);
+  EXPECT_EQ(
+      folder_.RunIn(odd, {"members", "import", folder_.Write("m.csv", "club_number,first,last\n1,Ann,Lee\n")}).code, 0);
+  EXPECT_EQ(folder_.RunIn(odd, {"check"}).code, 0);
+  EXPECT_EQ(folder_.RunIn(odd, {"recover", "--replace", folder_.ClubFile()}).code, 0);
+  EXPECT_EQ(folder_.RunIn(odd, {"sql", "Select ClubName From ClubNames"}).out, "ClubName\nClub\n");
+}
+
+TEST_F(SqlCommand, APathCannotNameAnotherFileBehindASemicolon) {
+  const Outcome outcome = folder_.Run({"sql", "--file", "/nothing;Data Source=" + folder_.ClubFile(), "Select 1"});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_EQ(outcome.out, "");
+}
+
 TEST_F(SqlCommand, TheFirstErrorEndsAPipedRun) {
   const Outcome outcome =
       folder_.Run({"sql"}, "Insert into T Values (2, 'x'); Insert into T Values (2, 'y'); Delete From T;");

@@ -43,6 +43,32 @@ TEST(Table, WithoutRowsHasItsHeader) {
   EXPECT_EQ(out.str(), "A\tB\n");
 }
 
+TEST(Table, StoredTextsCannotSteerATerminal) {
+  Table table({"Na\x1bme"});
+  table.Add({std::string("A\x1b[2J\u202eeeL")});
+  std::ostringstream aligned;
+  table.Write(aligned, OutputFormat::Table);
+  EXPECT_EQ(aligned.str(), "Na\\x1bme\n-----------------\nA\\x1b[2J\\u202eeeL\n");
+  std::ostringstream tabs;
+  table.Write(tabs, OutputFormat::Tabs);
+  EXPECT_EQ(tabs.str(), "Na\\x1bme\nA\\x1b[2J\\u202eeeL\n");
+}
+
+TEST(Table, TabSeparatedTextsTellABackslashFromAnEscape) {
+  Table table({"Text"});
+  table.Add({std::string("\\x1b\x1b")});
+  std::ostringstream tabs;
+  table.Write(tabs, OutputFormat::Tabs);
+  EXPECT_EQ(tabs.str(), "Text\n\\\\x1b\\x1b\n");
+}
+
+TEST(Printable, ShowsWhatTurnsTheDirectionOfTextAsEscapes) {
+  EXPECT_EQ(Printable("\u202a\u202b\u202c\u202d\u202e"), "\\u202a\\u202b\\u202c\\u202d\\u202e");
+  EXPECT_EQ(Printable("\u2066\u2067\u2068\u2069"), "\\u2066\\u2067\\u2068\\u2069");
+  EXPECT_EQ(Printable("\u2028\u2029"), "\\u2028\\u2029");
+  EXPECT_EQ(Printable("לאה"), "לאה");
+}
+
 TEST(Printable, ShowsControlCharactersAsEscapes) {
   EXPECT_EQ(Printable("a\x1b[31mb\nc"), "a\\x1b[31mb\\nc");
   EXPECT_EQ(PrintableLines("One:\r\n\r\nTwo\x1b"), "One:\n  Two\\x1b");

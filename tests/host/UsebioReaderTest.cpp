@@ -155,6 +155,69 @@ TEST(UsebioReader, RefusesBytesThatAreNotInTheDeclaredEncoding) {
   EXPECT_THAT(Refusal(text), HasSubstr("says that it is UTF-8"));
 }
 
+TEST(UsebioReader, SaysWhichEncodingIsClaimedAndWhatTheBytesAreInstead) {
+  const std::string file = File(Participants(kFirst));
+  const auto declared = [&](const std::string& name) {
+    return Refusal("<?xml version=\"1.0\" encoding=\"" + name + "\"?>\n" + file);
+  };
+  EXPECT_THAT(declared("utf-16"),
+              HasSubstr("week.xml:1: the file says that it is UTF-16, but its characters are of one"));
+  EXPECT_THAT(declared("UTF-16LE"), HasSubstr("the file says that it is UTF-16LE"));
+  EXPECT_THAT(declared("koi8-r"), HasSubstr("the encoding \"koi8-r\" is not read here"));
+  EXPECT_THAT(Refusal("<?xml version=\"1.0\" encoding=\"us-ascii\"?>\n<!-- \xEB -->" + file),
+              HasSubstr("week.xml:2: the file says that it is US-ASCII, but a byte here is not"));
+  EXPECT_THAT(Refusal("\xEF\xBB\xBF<!-- \xEB -->" + file), HasSubstr("says by its byte-order mark that it is UTF-8"));
+  EXPECT_THAT(Refusal(std::string("\xFF\xFE\0\0<\0\0\0", 8)), HasSubstr("the file is UTF-32"));
+  EXPECT_THAT(Refusal("\xFF\xFE<"), HasSubstr("ends in the middle of a character"));
+}
+
+TEST(UsebioReader, ReadsUtf16WithoutAByteOrderMark) {
+  const std::string text = "<?xml version=\"1.0\" encoding=\"utf-16\"?>\n" + File(Participants(kFirst));
+  std::string little;
+  std::string big;
+  for (const char c : text) {
+    little += {c, '\0'};
+    big += {'\0', c};
+  }
+  EXPECT_EQ(ReadUsebio(little, "week.xml")[0].name, "Tuesday");
+  EXPECT_EQ(ReadUsebio(big, "week.xml")[0].name, "Tuesday");
+}
+
+TEST(UsebioReader, TakesPercentagesOfAnyLength) {
+  const std::string players = Player("Ann Lee") + Player("Bob Ray");
+  const auto percentage = [&](const std::string& written) {
+    return *ReadUsebio(File(Participants(Pair("1", "<PERCENTAGE>" + written + "</PERCENTAGE>", players))),
+                       "week.xml")[0]
+                .contestants[0]
+                .actualPercentage;
+  };
+  EXPECT_DOUBLE_EQ(percentage("52.380952380952380952380952"), 52.380952380952381);
+  EXPECT_DOUBLE_EQ(percentage("33." + std::string(500, '3')), 100.0 / 3.0);
+  EXPECT_DOUBLE_EQ(percentage(std::string(400, '0') + "50"), 50.0);
+  EXPECT_THAT(Refusal(File(Participants(Pair("1", "<PERCENTAGE>" + std::string(400, '9') + "</PERCENTAGE>", players)))),
+              HasSubstr("expected a number"));
+}
+
+TEST(UsebioReader, RefusesEventTypesThatItDoesNotKnow) {
+  EXPECT_THAT(Refusal(File(Participants(kFirst), "CHESS")), HasSubstr("EVENT_TYPE is \"CHESS\""));
+  EXPECT_THAT(Refusal(File(Participants(kFirst), "MP_PAIRS_X")), HasSubstr("EVENT_TYPE is \"MP_PAIRS_X\""));
+  for (const char* known : {"", "pairs", "MP_PAIRS", "SWISS_PAIRS_CROSS_IMPS", "BUTLER_IMPS", "AGGREGATE"}) {
+    EXPECT_EQ(ReadUsebio(File(Participants(kFirst), known), "week.xml")[0].kind, Event::Kind::Pairs) << known;
+  }
+}
+
+TEST(UsebioReader, RefusesControlCharacters) {
+  const auto named = [](const std::string& name) {
+    return File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", Player(name) + Player("Bob Ray"))));
+  };
+  EXPECT_THAT(Refusal(named("Ann\x1b[31m Lee")), HasSubstr("the control character 0x1b"));
+  EXPECT_THAT(Refusal(named("Ann &#7;Lee")), HasSubstr("the control character 0x07"));
+  EXPECT_THAT(Refusal(named("Ann\xC2\x9bLee")), HasSubstr("the control character 0x9b"));
+  EXPECT_THAT(Refusal(named("Ann\x7fLee")), HasSubstr("the control character 0x7f"));
+  EXPECT_THAT(Refusal("<USEBIO>\n<EVENT EVENT_TYPE=\"PA&#27;IRS\"/></USEBIO>"), HasSubstr("week.xml:2: the control"));
+  EXPECT_EQ(ReadUsebio(named("Ann\tLee\r\n"), "week.xml")[0].contestants[0].players[0].name, "Ann Lee");
+}
+
 TEST(UsebioReader, RefusesEntitiesWithoutExpandingOrOpeningThem) {
   const std::string text = "<!DOCTYPE USEBIO [<!ENTITY x SYSTEM \"secret.txt\">]>\n" + File(Participants(kFirst));
   EXPECT_THAT(Refusal(text), HasSubstr("defines entities"));

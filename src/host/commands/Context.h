@@ -35,5 +35,7 @@ struct Context {
 inline constexpr int kSucceeded = 0;
 inline constexpr int kFailed = 1;
 inline constexpr int kWrongUse = 2;
+/// What shells show for a program that was ended by SIGPIPE (128 and 13).
+inline constexpr int kReaderHasEnded = 141;
 
 }  // namespace tavi::host

@@ -1,5 +1,7 @@
 #include "host/input/Csv.h"
 
+#include <algorithm>
+
 #include "host/results/XmlText.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -96,9 +98,9 @@ CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
   while (!scanner.AtEnd()) {
     Row row = scanner.NextRow();
     if (row.fields.size() == 1 && row.fields[0].empty()) continue;
-    if (row.fields.size() != file.columns_.size()) {
+    if (row.fields.size() != file.header_.size()) {
       file.Refuse(row, "the line has " + std::to_string(row.fields.size()) + " fields; expected " +
-                           std::to_string(file.columns_.size()) + " as in the header");
+                           std::to_string(file.header_.size()) + " as in the header");
     }
     file.rows_.push_back(std::move(row));
   }
@@ -106,8 +108,9 @@ CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
 }
 
 void CsvFile::SetHeader(const Row& header) {
+  header_ = header.fields;
   for (std::size_t i = 0; i < header.fields.size(); ++i) {
-    if (!columns_.emplace(LowerCase(header.fields[i]), i).second) {
+    if (!header.fields[i].empty() && !columns_.emplace(LowerCase(header.fields[i]), i).second) {
       Refuse(header, "the column " + header.fields[i] + " stands twice in the header; expected each name once");
     }
   }
@@ -118,8 +121,17 @@ std::string CsvFile::Field(const Row& row, const std::string& column) const {
   return found == columns_.end() ? std::string() : row.fields[found->second];
 }
 
-void CsvFile::RequireColumn(const std::string& name) const {
-  if (!HasColumn(name)) RefuseLine(fileName_, 1, "the header has no column " + name + "; expected one");
+std::vector<std::string> CsvFile::ColumnNames() const {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < header_.size(); ++i) {
+    const bool isEmpty = std::ranges::all_of(rows_, [i](const Row& row) { return row.fields[i].empty(); });
+    if (!header_[i].empty() || !isEmpty) names.push_back(header_[i]);
+  }
+  return names;
+}
+
+void CsvFile::RefuseHeader(const std::string& reason) const {
+  RefuseLine(fileName_, 1, reason);
 }
 
 void CsvFile::Refuse(const Row& row, const std::string& reason) const {

@@ -24,11 +24,16 @@ class CsvFile {
   static CsvFile Parse(std::string_view bytes, const std::string& fileName);
 
   [[nodiscard]] const std::vector<Row>& Rows() const { return rows_; }
+  /// The file's name, as messages begin with it.
+  [[nodiscard]] const std::string& FileName() const { return fileName_; }
+  /// The names of the header as written, in their order. A column without name and contents, which spreadsheets leave
+  /// at the end, is left out.
+  [[nodiscard]] std::vector<std::string> ColumnNames() const;
   [[nodiscard]] bool HasColumn(const std::string& name) const { return columns_.contains(name); }
   /// The trimmed field of a row; empty when the file lacks the column. Names are in lower case.
   [[nodiscard]] std::string Field(const Row& row, const std::string& column) const;
-  /// Raises InvalidArgument when a column is missing.
-  void RequireColumn(const std::string& name) const;
+  /// Raises InvalidArgument for the header.
+  [[noreturn]] void RefuseHeader(const std::string& reason) const;
   /// Raises InvalidArgument for a row.
   [[noreturn]] void Refuse(const Row& row, const std::string& reason) const;
 
@@ -37,6 +42,7 @@ class CsvFile {
   void SetHeader(const Row& header);
 
   std::string fileName_;
+  std::vector<std::string> header_;
   std::map<std::string, std::size_t> columns_;
   std::vector<Row> rows_;
 };

@@ -1,146 +1,91 @@
 #include "host/input/MemberFile.h"
 
-#include <algorithm>
-#include <optional>
 #include <set>
 #include <utility>
 
-#include "host/input/Csv.h"
-#include "host/text/Figures.h"
-#include "platform/values/Convert.h"
-#include "platform/values/Error.h"
+#include "host/input/Cells.h"
+#include "host/input/KnownColumns.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
 namespace {
 
-constexpr std::int32_t kMale = 1;
-constexpr std::int32_t kFemale = 2;
-
-std::int32_t RequiredNumber(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
-  const std::string text = file.Field(row, column);
-  if (!IsFigures(text) || text.size() > kLongestWholeNumber || std::stoi(text) == 0) {
-    file.Refuse(row, column + " is \"" + text + "\"; expected a whole number above 0");
-  }
-  return std::stoi(text);
+const std::vector<std::string>& KnownColumnNames() {
+  static const std::vector<std::string> names = {
+      "club_number", "ebu_number", "title",     "first",       "initials", "last",    "known_as", "sex",      "email",
+      "phone",       "mobile",     "join_date", "member_type", "house",    "address", "town",     "postcode", "active"};
+  return names;
 }
 
-std::string NationalNumber(const CsvFile& file, const CsvFile::Row& row) {
-  const std::string text = file.Field(row, "ebu_number");
-  if (text.empty()) return {};
-  if (!IsFigures(text)) file.Refuse(row, "ebu_number is \"" + text + "\"; expected figures only");
-  return WithoutLeadingZeros(text);
-}
-
-/// y or n (yes, no, true, false, 1, 0 too); an empty field is yes.
-bool YesOrNo(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
-  const std::string text = LowerCase(file.Field(row, column));
-  for (const char* yes : {"", "y", "yes", "true", "1", "-1"}) {
-    if (text == yes) return true;
-  }
-  for (const char* no : {"n", "no", "false", "0"}) {
-    if (text == no) return false;
-  }
-  file.Refuse(row, column + " is \"" + text + "\"; expected y or n");
-}
-
-std::int32_t Sex(const CsvFile& file, const CsvFile::Row& row) {
+std::string Sex(const CsvFile& file, const CsvFile::Row& row) {
   const std::string text = UpperCase(file.Field(row, "sex"));
-  if (text.empty()) return 0;
-  if (text == "M" || text == "MALE") return kMale;
-  if (text == "F" || text == "FEMALE") return kFemale;
+  if (text.empty()) return {};
+  if (text == "M" || text == "MALE") return "M";
+  if (text == "F" || text == "FEMALE") return "F";
   file.Refuse(row, "sex is \"" + text + "\"; expected M, F or nothing");
 }
 
-Date OptionalDate(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
-  const std::string text = file.Field(row, column);
-  if (text.empty()) return {};
-  if (const std::optional<Date> date = Date::FromIso(text)) return date->DayOnly();
-  const std::vector<std::string> parts = Split(text, '/');
-  const bool figures =
-      parts.size() == 3 && parts[2].size() == 4 &&
-      std::all_of(parts.begin(), parts.end(), [](const auto& part) { return IsFigures(part) && part.size() <= 4; });
-  if (figures) {
-    try {
-      return Date::FromCivil(std::stoi(parts[2]), std::stoi(parts[1]), std::stoi(parts[0]));
-    } catch (const Error&) {
-      file.Refuse(row, column + " is \"" + text + "\", which is no day of the calendar");
-    }
-  }
-  file.Refuse(row, column + " is \"" + text + "\"; expected yyyy-mm-dd or dd/mm/yyyy");
+std::string WithLineBreaks(const std::string& text) {
+  return ReplaceAll(ReplaceAll(text, "\r\n", "\n"), "\n", "\r\n");
 }
 
-ImportedMember MemberOf(const CsvFile& file, const CsvFile::Row& row) {
-  const auto field = [&](const char* column) { return file.Field(row, column); };
-  ImportedMember member;
+/// A cell in the one way of writing it.
+std::string ValueOf(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
+  if (column == "ebu_number") return NationalNumberInCell(file, row, column);
+  if (column == "sex") return Sex(file, row);
+  if (column == "join_date") return DayInCell(file, row, column);
+  const std::string text = file.Field(row, column);
+  if (column == "member_type" && text.empty()) return "Standard";
+  if (column == "address") return WithLineBreaks(text);
+  if (column != "active") return text;
+  const std::optional<bool> active = YesOrNoInCell(file, row, column);
+  return !active ? "" : *active ? "y" : "n";
+}
+
+MemberLine LineOf(const CsvFile& file, const CsvFile::Row& row) {
+  MemberLine member;
   member.line = row.line;
-  member.number = RequiredNumber(file, row, "club_number");
-  member.nationalNumber = NationalNumber(file, row);
-  member.title = field("title");
-  member.firstName = field("first");
-  member.initials = field("initials");
-  member.lastName = field("last");
-  member.knownAs = field("known_as");
-  member.sex = Sex(file, row);
-  member.email = field("email");
-  member.homePhone = field("phone");
-  member.mobilePhone = field("mobile");
-  member.joined = OptionalDate(file, row, "join_date");
-  member.memberType = field("member_type").empty() ? "Standard" : field("member_type");
-  member.house = field("house");
-  member.address = field("address");
-  if (!field("town").empty()) member.address += (member.address.empty() ? "" : "\r\n") + field("town");
-  member.postCode = field("postcode");
-  member.active = YesOrNo(file, row, "active");
-  if (member.firstName.empty() && member.lastName.empty()) {
-    file.Refuse(row, "the member has no name; expected a first name or a surname");
+  member.number = NumberInCell(file, row, "club_number");
+  for (const std::string& column : KnownColumnNames()) {
+    if (column != "club_number" && file.HasColumn(column)) member.values[column] = ValueOf(file, row, column);
+  }
+  if (!member.number && member.Value("ebu_number").value_or("").empty()) {
+    file.Refuse(row, "the member has no number; expected club_number, ebu_number or both");
   }
   return member;
 }
 
 }  // namespace
 
-std::vector<ImportedMember> ReadMemberFile(const std::string& path) {
+std::optional<std::string> MemberLine::Value(const std::string& column) const {
+  const auto found = values.find(column);
+  return found == values.end() ? std::nullopt : std::optional(found->second);
+}
+
+MemberFile ReadMemberFile(const std::string& path, bool passOverUnknown) {
   const CsvFile file = CsvFile::Read(path);
-  for (const char* column : {"club_number", "first", "last"}) file.RequireColumn(column);
-  std::vector<ImportedMember> members;
+  MemberFile read;
+  read.name = path;
+  read.passedOver = UnknownColumns(file, KnownColumnNames(), passOverUnknown);
+  if (!file.HasColumn("club_number") && !file.HasColumn("ebu_number")) {
+    file.RefuseHeader(
+        "the header has neither club_number nor ebu_number; expected one of them, to know the members by");
+  }
   std::set<std::int32_t> numbers;
   std::set<std::string> nationalNumbers;
   for (const CsvFile::Row& row : file.Rows()) {
-    ImportedMember member = MemberOf(file, row);
-    if (!numbers.insert(member.number).second) {
+    MemberLine member = LineOf(file, row);
+    if (member.number && !numbers.insert(*member.number).second) {
       file.Refuse(row,
-                  "the club number " + std::to_string(member.number) + " is given to two members; expected each once");
+                  "the club number " + std::to_string(*member.number) + " is given to two members; expected each once");
     }
-    if (!member.nationalNumber.empty() && !nationalNumbers.insert(member.nationalNumber).second) {
-      file.Refuse(row, "the EBU number " + member.nationalNumber + " is given to two members; expected each once");
+    const std::string nationalNumber = member.Value("ebu_number").value_or("");
+    if (!nationalNumber.empty() && !nationalNumbers.insert(nationalNumber).second) {
+      file.Refuse(row, "the EBU number " + nationalNumber + " is given to two members; expected each once");
     }
-    members.push_back(std::move(member));
+    read.members.push_back(std::move(member));
   }
-  return members;
-}
-
-std::vector<ImportedPair> ReadPairFile(const std::string& path) {
-  const CsvFile file = CsvFile::Read(path);
-  for (const char* column : {"club_number_1", "club_number_2"}) file.RequireColumn(column);
-  std::vector<ImportedPair> pairs;
-  std::set<std::pair<std::int32_t, std::int32_t>> seen;
-  for (const CsvFile::Row& row : file.Rows()) {
-    ImportedPair pair;
-    pair.line = row.line;
-    pair.firstNumber = RequiredNumber(file, row, "club_number_1");
-    pair.secondNumber = RequiredNumber(file, row, "club_number_2");
-    pair.knownAs = file.Field(row, "known_as");
-    pair.active = YesOrNo(file, row, "active");
-    if (pair.firstNumber == pair.secondNumber) {
-      file.Refuse(row, "member " + std::to_string(pair.firstNumber) + " is paired with themself; expected two members");
-    }
-    if (!seen.insert(std::minmax(pair.firstNumber, pair.secondNumber)).second) {
-      file.Refuse(row, "the pair stands twice in the file; expected it once");
-    }
-    pairs.push_back(std::move(pair));
-  }
-  return pairs;
+  return read;
 }
 
 }  // namespace tavi::host

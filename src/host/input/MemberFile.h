@@ -1,43 +1,38 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "platform/values/Date.h"
-
 namespace tavi::host {
 
-/// A member as a members file gives one.
-struct ImportedMember {
+/// What a line of a members file says of one person.
+struct MemberLine {
   std::size_t line = 0;
-  std::int32_t number = 0;
-  std::string nationalNumber;  ///< without leading zeros, as the governing body's own list has them
-  std::string title, firstName, initials, lastName, knownAs;
-  std::int32_t sex = 0;  ///< 0 not known, 1 male, 2 female
-  std::string email, homePhone, mobilePhone;
-  Date joined;  ///< the zero date when it is not given
-  std::string memberType;
-  std::string house, address, postCode;
-  bool active = true;
+  std::optional<std::int32_t> number;  ///< the club number; nothing where the column is missing or its cell is empty
+  /// The other columns that the file has, by name, in one way of writing: `ebu_number` without leading zeros, `sex` M
+  /// or F, `join_date` yyyy-mm-dd, `active` y or n, `member_type` Standard when it is empty, the lines of `address`
+  /// separated by CR LF. Empty cells are empty texts.
+  std::map<std::string, std::string> values;
+
+  /// The value of a column; nothing when the file lacks it.
+  [[nodiscard]] std::optional<std::string> Value(const std::string& column) const;
 };
 
-/// Reads a members file: comma-separated, with the columns club_number, first and last, and any of ebu_number, title,
-/// initials, known_as, sex (M, F), email, phone, mobile, join_date (yyyy-mm-dd or dd/mm/yyyy), member_type, house,
-/// address, town, postcode, active (y, n). Raises InvalidArgument ("FILE:LINE: ...") for the first thing wrong with it.
-std::vector<ImportedMember> ReadMemberFile(const std::string& path);
-
-/// A regular pair as a pairs file gives one.
-struct ImportedPair {
-  std::size_t line = 0;
-  std::int32_t firstNumber = 0;  ///< the player whom the pair is entered with first
-  std::int32_t secondNumber = 0;
-  std::string knownAs;
-  bool active = true;
+/// A members file.
+struct MemberFile {
+  std::string name;
+  std::vector<MemberLine> members;
+  std::vector<std::string> passedOver;  ///< unknown columns
 };
 
-/// Reads a pairs file: comma-separated, with the columns club_number_1 and club_number_2, and any of known_as and
-/// active. Raises InvalidArgument ("FILE:LINE: ...") for the first thing wrong with it.
-std::vector<ImportedPair> ReadPairFile(const std::string& path);
+/// Reads a members file: comma-separated, with a column club_number or ebu_number, and any of title, first, initials,
+/// last, known_as, sex (M, F), email, phone, mobile, join_date (yyyy-mm-dd or dd/mm/yyyy), member_type, house, address,
+/// town, postcode, active (y, n). Raises InvalidArgument ("FILE:LINE: ...") for the first thing wrong with it, such as
+/// an unknown column, unless these are to be passed over.
+MemberFile ReadMemberFile(const std::string& path, bool passOverUnknown);
 
 }  // namespace tavi::host

@@ -1,6 +1,7 @@
 #include "host/results/UsebioReader.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <set>
 #include <tuple>
@@ -26,6 +27,16 @@ struct SectionPart {
   int session = 1;
   std::string name;
 };
+
+/// Whether an event's type is made of words that are known: PAIRS, MP_PAIRS, SWISS_TEAMS, BUTLER_IMPS and so on.
+bool IsKnownType(const std::string& type) {
+  static constexpr std::array kWords = {
+      "PAIR",   "PAIRS",      "TEAM",  "TEAMS", "INDIVIDUAL", "INDIVIDUALS", "SWISS",     "MP",    "MATCH", "POINT",
+      "POINTS", "MATCHPOINT", "CROSS", "IMP",   "IMPS",       "BUTLER",      "AGGREGATE", "VP",    "OF",    "FOUR",
+      "FOURS",  "MULTIPLE",   "ROUND", "ROBIN", "KNOCKOUT",   "MATCHPOINTS", "MITCHELL",  "HOWELL"};
+  const std::vector<std::string> words = Split(ReplaceAll(ReplaceAll(type, "-", "_"), " ", "_"), '_');
+  return std::ranges::all_of(words, [](const std::string& word) { return std::ranges::count(kWords, word) > 0; });
+}
 
 /// A national number, or empty for the figures that writers put where there is none.
 std::string NationalNumber(const std::string& written) {
@@ -54,10 +65,15 @@ class EventReader {
     event_.name = document_.Leaf(node_, "EVENT_DESCRIPTION");
     if (event_.name.empty()) event_.name = document_.Leaf(node_, "TITLE");
     event_.date = document_.RequiredDate(node_, "DATE");
-    const std::string type = UpperCase(node_.Attribute("EVENT_TYPE"));
-    event_.kind = type.find("TEAM") != std::string::npos ? Event::Kind::Teams
-                  : type == "INDIVIDUAL"                 ? Event::Kind::Individual
-                                                         : Event::Kind::Pairs;
+    const std::string type = UpperCase(TidyText(node_.Attribute("EVENT_TYPE")));
+    if (!type.empty() && !IsKnownType(type)) {
+      document_.Refuse(node_, "EVENT_TYPE is \"" + type +
+                                  "\", which is no kind of event that is known; expected PAIRS, INDIVIDUAL, TEAMS, or "
+                                  "one of them with a way of scoring, such as MP_PAIRS, SWISS_PAIRS or SWISS_TEAMS");
+    }
+    event_.kind = type.find("TEAM") != std::string::npos         ? Event::Kind::Teams
+                  : type.find("INDIVIDUAL") != std::string::npos ? Event::Kind::Individual
+                                                                 : Event::Kind::Pairs;
     event_.swiss = type.find("SWISS") != std::string::npos;
     event_.scoring = ScoringOf(type);
     event_.winners = document_.Leaf(node_, "WINNER_TYPE") == "2" ? 2 : 1;

@@ -60,12 +60,12 @@ std::optional<double> XmlDocument::Number(const XmlElement& parent, const char* 
   if (text.empty()) return std::nullopt;
   const bool isSigned = allowSign && (text.front() == '-' || text.front() == '+');
   const std::string digits = isSigned ? text.substr(1) : text;
-  if (!IsPlainDecimal(digits) || digits.size() > 15) {
+  const std::optional<double> number = IsPlainDecimal(digits) ? ParseNumber(digits) : std::nullopt;
+  if (!number) {
     RefuseChild(parent, name,
                 std::string(name) + " is \"" + text + "\"; expected a number with a decimal point, such as 52.38");
   }
-  const double number = ParseNumber(digits).value_or(0.0);
-  return isSigned && text.front() == '-' ? -number : number;
+  return isSigned && text.front() == '-' ? -*number : *number;
 }
 
 std::optional<int> XmlDocument::Whole(const XmlElement& parent, const char* name) const {

@@ -25,7 +25,8 @@ class XmlDocument {
   /// The text of a child element, blanks at the ends and line breaks tidied; empty when the element is missing or
   /// empty.
   [[nodiscard]] std::string Leaf(const XmlElement& parent, const char* name) const;
-  /// A child that holds a plain decimal number (point, optional sign when `allowSign`); nothing when missing or empty.
+  /// A child that holds a plain decimal number of any length (point, optional sign when `allowSign`); nothing when
+  /// missing or empty.
   [[nodiscard]] std::optional<double> Number(const XmlElement& parent, const char* name, bool allowSign) const;
   /// A child that holds a whole number of at most nine figures; nothing when missing or empty.
   [[nodiscard]] std::optional<int> Whole(const XmlElement& parent, const char* name) const;

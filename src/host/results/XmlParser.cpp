@@ -68,6 +68,22 @@ std::string Unescaped(std::string_view text) {
   return plain;
 }
 
+bool IsControl(char32_t c) {
+  const bool isBlank = c == U'\t' || c == U'\n' || c == U'\r';
+  return (c < 0x20 && !isBlank) || (c >= 0x7F && c < 0xA0);
+}
+
+/// Where the first control character begins; npos without any.
+std::size_t FindControl(std::string_view text) {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    const auto byte = static_cast<unsigned char>(text[at]);
+    const bool isTwoBytes = byte == 0xC2 && at + 1 < text.size();
+    const char32_t c = isTwoBytes ? static_cast<unsigned char>(text[at + 1]) : byte;
+    if (isTwoBytes ? IsControl(c) : byte < 0x80 && IsControl(c)) return at;
+  }
+  return std::string_view::npos;
+}
+
 class Parser {
  public:
   Parser(std::string_view text, const std::string& fileName) : text_(text), fileName_(fileName) {
@@ -75,6 +91,7 @@ class Parser {
   }
 
   XmlElement Parse() {
+    RefuseControls(text_, 0);
     while (at_ < text_.size()) {
       if (text_[at_] == '<') {
         TakeMarkup();
@@ -98,6 +115,17 @@ class Parser {
 
   [[noreturn]] void RefuseMarkup(std::size_t at, const std::string& reason) const {
     Refuse(at, "not well-formed XML (" + reason + "); a complete USEBIO file was expected");
+  }
+
+  /// Refuses text that begins at `begin`, or was made from what begins there, when a control character is in it.
+  void RefuseControls(std::string_view text, std::size_t begin) const {
+    const std::size_t control = FindControl(text);
+    if (control == std::string_view::npos) return;
+    constexpr std::string_view kFigures = "0123456789abcdef";
+    const char32_t c = ToCodePoints(text.substr(control, 2)).front();
+    const std::string number{kFigures[c / 16], kFigures[c % 16]};
+    const bool isRaw = text.data() == text_.data();
+    Refuse(isRaw ? control : begin, "the control character 0x" + number + " is in the text; expected none");
   }
 
   [[nodiscard]] bool Follows(std::string_view expected) const { return text_.substr(at_).starts_with(expected); }
@@ -138,7 +166,9 @@ class Parser {
     const std::size_t end = std::min(text_.find('<', at_), text_.size());
     const std::string_view piece = text_.substr(at_, end - at_);
     if (open_.size() > 1 && piece.find_first_not_of(kBlanks) != std::string_view::npos) {
-      open_.back().text += Unescaped(piece);
+      const std::string text = Unescaped(piece);
+      RefuseControls(text, at_);
+      open_.back().text += text;
     }
     at_ = end;
   }
@@ -225,6 +255,7 @@ class Parser {
     const std::size_t end = text_.find(quote, at_);
     if (end == std::string_view::npos) RefuseMarkup(start, "the value of " + name + " has no closing quote");
     std::string value = Unescaped(ReplaceAll(std::string(text_.substr(at_, end - at_)), "\r\n", "\n"));
+    RefuseControls(value, start);
     std::ranges::replace_if(value, IsBlank, ' ');
     element.attributes.emplace_back(std::move(name), std::move(value));
     at_ = end + 1;

@@ -18,7 +18,8 @@ inline constexpr std::size_t kMaximumElements = 1'000'000;
 /// processing instructions and document types are passed over, and nothing outside of the text is ever opened.
 ///
 /// `text` is UTF-8; `fileName` is for messages. Raises InvalidArgument ("FILE:LINE: ...") for a text that is not
-/// well-formed, elements that are too many or lie too deep, and a document type that defines entities.
+/// well-formed or holds control characters, elements that are too many or lie too deep, and a document type that
+/// defines entities.
 XmlElement ParseXml(std::string_view text, const std::string& fileName);
 
 /// The number of the line (from 1) in which a byte lies.

@@ -14,6 +14,8 @@
 namespace tavi::host {
 namespace {
 
+constexpr std::string_view kUtf32Mark("\xFF\xFE\0\0", 4);
+
 [[noreturn]] void Refuse(const std::string& fileName, std::size_t line, const std::string& reason) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", fileName + ":" + std::to_string(line) + ": " + reason);
 }
@@ -35,7 +37,10 @@ std::string FromWindows1252(std::string_view bytes) {
   return FromCodePoints(codePoints);
 }
 
-std::string FromUtf16Bytes(std::string_view bytes, bool bigEndian) {
+std::string FromUtf16Bytes(std::string_view bytes, bool bigEndian, const std::string& fileName) {
+  if (bytes.size() % 2 != 0) {
+    Refuse(fileName, 1, "the file is UTF-16 but ends in the middle of a character; expected the whole file");
+  }
   std::u16string units;
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
     const auto first = static_cast<unsigned char>(bytes[i]);
@@ -86,6 +91,25 @@ std::string DeclaredEncoding(std::string_view bytes) {
   return LowerCase(declaration.substr(open + 1, close - open - 1));
 }
 
+/// Whether two bytes are a plain letter or "<" of UTF-16: one of them is zero. The order of the bytes is passed back.
+bool LooksLikeUtf16(std::string_view bytes, bool& bigEndian) {
+  if (bytes.size() < 2 || (bytes[0] == '\0') == (bytes[1] == '\0')) return false;
+  bigEndian = bytes[0] == '\0';
+  return true;
+}
+
+/// Refuses a file whose bytes are not in the encoding that it says, or that is not read here.
+[[noreturn]] void RefuseEncoding(const std::string& fileName, const std::string& declared) {
+  if (declared.starts_with("utf-16") || declared.starts_with("utf16")) {
+    Refuse(fileName, 1,
+           "the file says that it is " + UpperCase(declared) +
+               ", but its characters are of one byte each; expected the true encoding in its first line (most likely "
+               "UTF-8), or UTF-16 throughout");
+  }
+  Refuse(fileName, 1,
+         "the encoding \"" + declared + "\" is not read here; expected UTF-8, UTF-16, ISO-8859-1 or windows-1252");
+}
+
 bool IsLatin(const std::string& encoding) {
   static constexpr std::array kNames = {"iso-8859-1", "iso_8859-1", "latin1", "latin-1", "windows-1252", "cp1252"};
   return std::find(kNames.begin(), kNames.end(), encoding) != kNames.end();
@@ -118,22 +142,25 @@ std::string ReadWholeFile(const std::string& path) {
 }
 
 std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
-  if (bytes.starts_with("\xFF\xFE")) return FromUtf16Bytes(bytes.substr(2), false);
-  if (bytes.starts_with("\xFE\xFF")) return FromUtf16Bytes(bytes.substr(2), true);
+  if (bytes.starts_with(kUtf32Mark)) {
+    Refuse(fileName, 1, "the file is UTF-32 by its byte-order mark, which is not read here; expected UTF-8");
+  }
+  if (bytes.starts_with("\xFF\xFE")) return FromUtf16Bytes(bytes.substr(2), false, fileName);
+  if (bytes.starts_with("\xFE\xFF")) return FromUtf16Bytes(bytes.substr(2), true, fileName);
+  bool bigEndian = false;
+  if (LooksLikeUtf16(bytes, bigEndian)) return FromUtf16Bytes(bytes, bigEndian, fileName);
   const bool marked = bytes.starts_with("\xEF\xBB\xBF");
   if (marked) bytes.remove_prefix(3);
   const std::string declared = DeclaredEncoding(bytes);
   if (!marked && IsLatin(declared)) return FromWindows1252(bytes);
   const bool isUtf8 = marked || declared.empty() || declared == "utf-8" || declared == "utf8" || declared == "us-ascii";
-  if (!isUtf8) {
-    Refuse(fileName, 1,
-           "the encoding \"" + declared + "\" is not known; expected UTF-8, UTF-16, ISO-8859-1 or windows-1252");
-  }
+  if (!isUtf8) RefuseEncoding(fileName, declared);
   if (const auto invalid = FirstInvalidUtf8(bytes)) {
     if (!marked && declared.empty()) return FromWindows1252(bytes);
     Refuse(fileName, LineOf(bytes, *invalid),
-           "the file says that it is UTF-8, but a byte here is not; expected UTF-8, or a declaration of the true "
-           "encoding");
+           "the file says " + std::string(marked ? "by its byte-order mark " : "") + "that it is " +
+               (marked ? "UTF-8" : UpperCase(declared)) +
+               ", but a byte here is not; expected UTF-8 throughout, or its true encoding in its first line");
   }
   return std::string(bytes);
 }

@@ -114,7 +114,7 @@ void Server::Take(const std::string& line) {
 
 void Server::Serve(std::istream& in) {
   std::string line;
-  for (LineRead read = ReadLine(in, line); read != LineRead::AtEnd; read = ReadLine(in, line)) {
+  for (LineRead read = ReadLine(in, line); read != LineRead::AtEnd && out_.good(); read = ReadLine(in, line)) {
     if (read == LineRead::Read) {
       Take(line);
     } else {

@@ -5,7 +5,6 @@
 #include <tuple>
 
 #include "host/results/XmlElement.h"
-#include "host/scoring/NameFolding.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -105,8 +104,12 @@ ScoredEvent EveningScorer::Prepare(Event event, const std::string& fileName) {
 void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::string& fileName) const {
   std::map<std::tuple<int, std::int32_t, std::string>, std::string> seen;
   for (const ScoredContestant& entry : scored.contestants) {
-    for (const ResolvedPlayer& player : entry.players) {
-      const std::string visitor = player.number == -1 ? FoldName(player.name) : std::string();
+    for (std::size_t i = 0; i < entry.players.size(); ++i) {
+      const ResolvedPlayer& player = entry.players[i];
+      const bool isVisitor = player.number == -1;
+      const std::string visitor = isVisitor ? entry.contestant.players[i].nationalNumber : std::string();
+      // Visitors of one name can be two people; only a number tells that they are one.
+      if (isVisitor && visitor.empty()) continue;
       const auto [earlier, isNew] =
           seen.emplace(std::make_tuple(entry.contestant.session, player.number, visitor), entry.contestant.number);
       if (isNew) continue;

@@ -38,7 +38,8 @@ class EveningScorer {
       : database_(database), directory_(directory) {}
 
   /// Recognises the players. Raises InvalidArgument ("FILE:LINE: ...") when one stands twice in a session; nothing has
-  /// been stored then.
+  /// been stored then. A visitor is known by the national number: visitors of one name, without numbers or with
+  /// different ones, are different people.
   [[nodiscard]] ScoredEvent Prepare(Event event, const std::string& fileName);
   /// Stores a prepared event, replacing what an earlier scoring of it stored.
   void Store(ScoredEvent& scored);

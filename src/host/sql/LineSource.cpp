@@ -15,7 +15,6 @@ std::optional<std::string> StreamLines::Next(const std::string& /*prompt*/) {
   if (!std::getline(in_, line)) return std::nullopt;
   if (isFirst_ && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
   isFirst_ = false;
-  if (line.ends_with('\r')) line.pop_back();
   return line;
 }
 

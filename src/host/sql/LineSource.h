@@ -17,8 +17,8 @@ class LineSource {
   virtual void Remember(const std::string& /*input*/) {}
 };
 
-/// Lines of a stream, without carriage returns before their ends and a byte-order mark before the first. No prompt is
-/// shown.
+/// Lines of a stream, without a byte-order mark before the first. A carriage return before the end of a line stays: it
+/// can belong to a text that goes on in the next line. No prompt is shown.
 class StreamLines final : public LineSource {
  public:
   explicit StreamLines(std::istream& in) : in_(in) {}

@@ -15,6 +15,7 @@ class PromptedLines final : public LineSource {
     out_ << prompt << std::flush;
     std::optional<std::string> line = lines_.Next(prompt);
     if (!line) out_ << '\n';
+    if (line && line->ends_with('\r')) line->pop_back();
     return line;
   }
 

@@ -49,7 +49,7 @@ int Shell::Run() {
 
 bool Shell::Take(const std::string& line) {
   if (unfinished_.empty() && Trim(line).starts_with(".")) {
-    return RunCommand(Trim(line));
+    return RunCommand(Trim(ReplaceAll(line, "\r", "")));
   }
   unfinished_ += (unfinished_.empty() ? "" : "\n") + line;
   bool goOn = true;
@@ -95,7 +95,7 @@ bool Shell::Attempt(const std::string& statement, Task task) {
   try {
     task();
     context_.out << std::flush;
-    return true;
+    return context_.out.good();
   } catch (const Error& problem) {
     const auto place = PlaceInError(problem.Description());
     if (place) context_.error << MarkPlace(statement, *place) << '\n';

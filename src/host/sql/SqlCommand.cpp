@@ -5,6 +5,7 @@
 #include "host/sql/Query.h"
 #include "host/sql/Shell.h"
 #include "host/sql/StatementText.h"
+#include "host/tools/Connect.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
@@ -20,8 +21,7 @@ int RunShell(const Context& context, ado::Connection& connection) {
 
 int RunSql(const Context& context, const SqlRequest& request) {
   const std::string file = request.file.empty() ? context.AccessFile() : request.file;
-  const std::unique_ptr<ado::Connection> connection =
-      context.platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file);
+  const std::unique_ptr<ado::Connection> connection = Connect(context, file);
   int exitCode = kSucceeded;
   if (request.statement.empty()) {
     exitCode = RunShell(context, *connection);

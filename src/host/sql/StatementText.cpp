@@ -84,7 +84,7 @@ std::string MarkPlace(std::string_view statement, std::size_t character) {
   const std::size_t begin = lineBreak == std::u32string::npos ? 0 : lineBreak + 1;
   const std::size_t end = std::min(all.find(U'\n', place), all.size());
   const auto part = [&](std::size_t from, std::size_t to) {
-    return Printable(FromCodePoints(all.substr(from, to - from)));
+    return Printable(ReplaceAll(FromCodePoints(all.substr(from, to - from)), "\r", ""));
   };
   return part(begin, end) + "\n" + std::string(DisplayWidth(part(begin, place)), ' ') + "^";
 }

@@ -45,11 +45,14 @@ bool IsNumber(const Cell& cell) {
          std::holds_alternative<double>(cell);
 }
 
+/// A backslash is doubled, so that a text can be told from the escape of a character.
 std::string TabText(const Cell& cell) {
-  std::string text = ReplaceAll(CellText(cell), "\\", "\\\\");
-  text = ReplaceAll(text, "\t", "\\t");
-  text = ReplaceAll(text, "\n", "\\n");
-  return ReplaceAll(text, "\r", "\\r");
+  return Printable(ReplaceAll(CellText(cell), "\\", "\\\\"));
+}
+
+/// Characters that make a terminal, an editor or a spreadsheet show what follows in another order or on another line.
+bool ReordersText(char32_t c) {
+  return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x2028 || c == 0x2029;
 }
 
 bool IsWide(char32_t c) {
@@ -82,6 +85,8 @@ std::string Printable(const std::string& text) {
       shown += "\\t";
     } else if (c < 0x20 || (c >= 0x7F && c < 0xA0)) {
       shown += fmt::format("\\x{:02x}", static_cast<unsigned>(c));
+    } else if (ReordersText(c)) {
+      shown += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
     } else {
       shown += FromCodePoints(std::u32string(1, c));
     }
@@ -127,7 +132,7 @@ void Table::WriteTabs(std::ostream& out) const {
     for (std::size_t i = 0; i < cells.size(); ++i) out << (i == 0 ? "" : "\t") << text(cells[i]);
     out << '\n';
   };
-  writeLine(columns_, [](const std::string& name) { return name; });
+  writeLine(columns_, [](const std::string& name) { return TabText(name); });
   for (const std::vector<Cell>& row : rows_) writeLine(row, TabText);
 }
 
@@ -135,7 +140,7 @@ void Table::WriteAligned(std::ostream& out) const {
   std::vector<std::size_t> widths;
   std::vector<bool> numeric(columns_.size(), true);
   for (std::size_t i = 0; i < columns_.size(); ++i) {
-    widths.push_back(DisplayWidth(columns_[i]));
+    widths.push_back(DisplayWidth(Printable(columns_[i])));
     bool any = false;
     for (const std::vector<Cell>& row : rows_) {
       widths[i] = std::max(widths[i], DisplayWidth(Printable(CellText(row[i]))));
@@ -152,7 +157,9 @@ void Table::WriteAligned(std::ostream& out) const {
     }
     out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
   };
-  writeLine(columns_);
+  std::vector<std::string> header;
+  for (const std::string& name : columns_) header.push_back(Printable(name));
+  writeLine(header);
   std::vector<std::string> rule;
   for (const std::size_t width : widths) rule.emplace_back(width, '-');
   writeLine(rule);

@@ -31,8 +31,8 @@ class Table {
   [[nodiscard]] std::size_t RowCount() const { return rows_.size(); }
 
   /// Writes the table. Table: header, line, columns aligned by what a terminal shows, numbers to the right. Tabs:
-  /// header and rows; tab, line feed, carriage return and backslash in texts are written \t \n \r \\. Json: an array of
-  /// objects.
+  /// header and rows; tab, line feed, carriage return and backslash in texts are written \t \n \r \\. In both, what
+  /// steers a terminal is written as Printable does. Json: an array of objects.
   void Write(std::ostream& out, OutputFormat format) const;
   /// The JSON array alone, for use inside a larger document.
   [[nodiscard]] std::string Json() const;
@@ -47,7 +47,8 @@ class Table {
 
 /// How many columns a terminal uses for a text: combining marks none, East Asian wide characters two.
 std::size_t DisplayWidth(const std::string& text);
-/// A text with control characters shown as escapes, so that stored data cannot steer a terminal.
+/// A text with control characters shown as escapes (\x1b), and so are those that turn the direction of what follows
+/// (\u202e), so that stored data can neither steer a terminal nor be shown as something else.
 std::string Printable(const std::string& text);
 /// The same for a message of several lines (CR LF or LF between them), which stay lines.
 std::string PrintableLines(const std::string& message);

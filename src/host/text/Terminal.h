@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
+#include <system_error>
 
 namespace tavi::host {
 
@@ -12,9 +14,8 @@ struct Terminal {
   bool inputIsTerminal = false;
   bool outputIsTerminal = false;
   bool errorIsTerminal = false;
+  /// Why `out` could not be written, when the system told; may be empty.
+  std::function<std::error_code()> outputFailure{};
 };
-
-/// The standard streams of the process.
-Terminal StandardTerminal();
 
 }  // namespace tavi::host

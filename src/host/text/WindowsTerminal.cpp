@@ -58,25 +58,21 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
   int_type overflow(int_type character) override {
     if (traits_type::eq_int_type(character, traits_type::eof())) return traits_type::not_eof(character);
     const char byte = traits_type::to_char_type(character);
-    xsputn(&byte, 1);
-    return character;
+    return xsputn(&byte, 1) == 1 ? character : traits_type::eof();
   }
 
   std::streamsize xsputn(const char* bytes, std::streamsize count) override {
     constexpr std::size_t kMostPending = 4096;
     const std::string_view added(bytes, static_cast<std::size_t>(count));
     pending_ += added;
-    if (pending_.size() > kMostPending || added.find('\n') != std::string_view::npos) WritePending();
-    return count;
+    const bool isDue = pending_.size() > kMostPending || added.find('\n') != std::string_view::npos;
+    return !isDue || WritePending() ? count : 0;
   }
 
-  int sync() override {
-    WritePending();
-    return 0;
-  }
+  int sync() override { return WritePending() ? 0 : -1; }
 
  private:
-  void WritePending() {
+  bool WritePending() {
     // Consoles of older systems refuse more at a time.
     constexpr std::size_t kMostAtATime = 8000;
     const std::size_t ready = pending_.size() - UnfinishedBytes(pending_);
@@ -85,9 +81,10 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
     for (std::size_t at = 0; at < text.size();) {
       DWORD written = 0;
       const auto count = static_cast<DWORD>(std::min(kMostAtATime, text.size() - at));
-      if (::WriteConsoleW(console_, text.data() + at, count, &written, nullptr) == 0 || written == 0) return;
+      if (::WriteConsoleW(console_, text.data() + at, count, &written, nullptr) == 0 || written == 0) return false;
       at += written;
     }
+    return true;
   }
 
   HANDLE console_;
@@ -149,7 +146,7 @@ WindowsTerminal::~WindowsTerminal() {
 }
 
 Terminal WindowsTerminal::Streams() {
-  return {std::cin, std::cout, std::cerr, in_ != nullptr, out_ != nullptr, showsProgress_};
+  return {std::cin, std::cout, std::cerr, in_ != nullptr, out_ != nullptr, showsProgress_, {}};
 }
 
 std::vector<std::string> ProgramArguments() {

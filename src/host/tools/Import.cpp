@@ -2,83 +2,17 @@
 
 #include <ostream>
 
+#include "host/imports/MemberImport.h"
+#include "host/imports/PairImport.h"
 #include "host/input/MemberFile.h"
+#include "host/input/PairFile.h"
 #include "host/text/ProgressBar.h"
-#include "host/tools/ColumnWidths.h"
-#include "platform/values/Text.h"
 #include "store/cDatabase.h"
 
 namespace tavi::host {
 namespace {
 
-struct ColumnValue {
-  const char* column;
-  std::string literal;
-};
-
-std::string Text(const std::string& value) {
-  return cDatabase::SQLString(value);
-}
-
-/// The columns that a members file fills, as SQL literals.
-std::vector<ColumnValue> ColumnsOf(const ImportedMember& member, const NameKeyService& keys) {
-  return {{"EBUNumber", Text(member.nationalNumber)},
-          {"Title", Text(member.title)},
-          {"FirstName", Text(member.firstName)},
-          {"MiddleInitials", Text(member.initials)},
-          {"LastName", Text(member.lastName)},
-          {"FuzzedFirstName", Text(keys.Key(NameKeyMode::FirstName, member.firstName))},
-          {"FuzzedLastName", Text(keys.Key(NameKeyMode::Surname, member.lastName))},
-          {"KnownAs", Text(member.knownAs)},
-          {"Sex", std::to_string(member.sex)},
-          {"email", Text(member.email)},
-          {"HouseID", Text(member.house)},
-          {"Address", Text(member.address)},
-          {"PostCode", Text(member.postCode)},
-          {"HomePhone", Text(member.homePhone)},
-          {"MobilePhone", Text(member.mobilePhone)},
-          {"MemberType", Text(member.memberType)},
-          {"DateOfJoining", cDatabase::SQLDate(member.joined)},
-          {"Active", member.active ? "-1" : "0"}};
-}
-
-std::string InsertStatement(const ImportedMember& member, const std::vector<ColumnValue>& columns) {
-  std::string names = "MembershipNumber";
-  std::string values = std::to_string(member.number);
-  for (const ColumnValue& column : columns) {
-    names += std::string(", ") + column.column;
-    values += ", " + column.literal;
-  }
-  return "Insert into Members (" + names + ") Values (" + values + ")";
-}
-
-std::string UpdateStatement(const ImportedMember& member, const std::vector<ColumnValue>& columns) {
-  std::string assignments;
-  for (const ColumnValue& column : columns) {
-    assignments += (assignments.empty() ? "" : ", ") + std::string(column.column) + " = " + column.literal;
-  }
-  return "Update Members Set " + assignments + " Where MembershipNumber = " + std::to_string(member.number);
-}
-
-void RequireWidths(const ColumnWidths& widths, const std::string& path, const ImportedMember& member) {
-  const std::string where = path + ":" + std::to_string(member.line);
-  const std::pair<const char*, const std::string*> texts[] = {{"EBUNumber", &member.nationalNumber},
-                                                              {"Title", &member.title},
-                                                              {"FirstName", &member.firstName},
-                                                              {"MiddleInitials", &member.initials},
-                                                              {"LastName", &member.lastName},
-                                                              {"KnownAs", &member.knownAs},
-                                                              {"email", &member.email},
-                                                              {"HouseID", &member.house},
-                                                              {"Address", &member.address},
-                                                              {"PostCode", &member.postCode},
-                                                              {"HomePhone", &member.homePhone},
-                                                              {"MobilePhone", &member.mobilePhone},
-                                                              {"MemberType", &member.memberType}};
-  for (const auto& [column, text] : texts) widths.Require(where, column, *text);
-}
-
-/// The store on the club's folder, open until the guard goes.
+/// The store on the club's folder, open until it goes.
 class OpenStore {
  public:
   explicit OpenStore(const Context& context) : store(context.platform) {
@@ -92,65 +26,78 @@ class OpenStore {
   cDatabase store;
 };
 
-}  // namespace
+/// The number of a member, or those of a pair.
+Cell NumbersOf(const RecordChange& change) {
+  if (change.members.size() == 1) return std::int64_t{change.members.front()};
+  return std::to_string(change.members.front()) + " & " + std::to_string(change.members.back());
+}
 
-int ImportMembers(const Context& context, const std::string& path) {
-  const std::vector<ImportedMember> members = ReadMemberFile(path);
-  OpenStore open(context);
-  const ColumnWidths widths(*context.platform, open.store.DatabaseFilePath(), "Members");
-  for (const ImportedMember& member : members) RequireWidths(widths, path, member);
-  std::int64_t added = 0;
-  ProgressBar progress(context.error, context.showProgress, members.size());
-  for (std::size_t i = 0; i < members.size(); ++i) {
-    const ImportedMember& member = members[i];
-    progress.Show(i, member.firstName + " " + member.lastName);
-    const bool known = open.store.MemberExists(member.number);
-    const std::vector<ColumnValue> columns = ColumnsOf(member, *context.platform->nameKeyService);
-    open.store.Execute(known ? UpdateStatement(member, columns) : InsertStatement(member, columns));
-    added += known ? 0 : 1;
+Cell TextOrNothing(const std::string& text) {
+  return text.empty() ? Cell() : Cell(text);
+}
+
+void WriteChanges(const Context& context, const ImportPlan& plan) {
+  Table table({"Number", "Name", "Change", "Field", "Old", "New"});
+  for (const RecordChange& change : plan.changes) {
+    const std::string kind = change.isNew ? "added" : "changed";
+    for (const FieldChange& field : change.fields) {
+      table.Add(
+          {NumbersOf(change), change.name, kind, field.field, TextOrNothing(field.before), TextOrNothing(field.after)});
+    }
   }
-  open.store.SetNameUniquenessFlags("");
-  open.store.CloseDB(true);
-  Table table({"File", "Added", "Updated"});
-  table.Add({path, added, static_cast<std::int64_t>(members.size()) - added});
   table.Write(context.out, context.format);
+  context.error << "note: nothing was stored; it would be " << plan.Added() << " added, " << plan.Updated()
+                << " changed, " << plan.unchanged << " left as they are\n";
+}
+
+void WriteFigures(const Context& context, const std::string& path, const ImportPlan& plan) {
+  Table table({"File", "Added", "Changed", "Unchanged"});
+  table.Add({path, static_cast<std::int64_t>(plan.Added()), static_cast<std::int64_t>(plan.Updated()),
+             static_cast<std::int64_t>(plan.unchanged)});
+  table.Write(context.out, context.format);
+}
+
+void WriteRemarks(const Context& context, const std::string& path, const ImportPlan& plan,
+                  const std::vector<std::string>& passedOver) {
+  for (const std::string& column : passedOver) {
+    context.error << "note: " << Printable(path) << ": the column \"" << Printable(column) << "\" was passed over\n";
+  }
+  for (const ImportRemark& remark : plan.remarks) {
+    context.error << "note: " << Printable(PlaceInFile(path, remark.line) + ": " + remark.text) << '\n';
+  }
+}
+
+/// Plans an import and applies it, or only shows the plan.
+template <typename Import, typename File, typename Planner>
+int Run(const Context& context, const ImportRequest& request, const File& file, const Planner& plan) {
+  OpenStore open(context);
+  Import importer(open.store);
+  const ImportPlan planned = plan(importer);
+  if (!request.dryRun) {
+    ProgressBar progress(context.error, context.showProgress, planned.changes.size());
+    importer.Apply(planned, [&](std::size_t done, const std::string& name) { progress.Show(done, name); });
+  }
+  open.store.CloseDB(true);
+  WriteRemarks(context, request.file, planned, file.passedOver);
+  if (request.dryRun) {
+    WriteChanges(context, planned);
+  } else {
+    WriteFigures(context, request.file, planned);
+  }
   return kSucceeded;
 }
 
-int ImportPairs(const Context& context, const std::string& path) {
-  const std::vector<ImportedPair> pairs = ReadPairFile(path);
-  OpenStore open(context);
-  const ColumnWidths widths(*context.platform, open.store.DatabaseFilePath(), "Partnerships");
-  for (const ImportedPair& pair : pairs) {
-    const std::string where = path + ":" + std::to_string(pair.line);
-    widths.Require(where, "KnownAs", pair.knownAs);
-    for (const std::int32_t number : {pair.firstNumber, pair.secondNumber}) {
-      if (open.store.MemberExists(number)) continue;
-      throw Error(ErrorNumber::InvalidArgument, "tavi",
-                  where + ": there is no member number " + std::to_string(number) + "; expected members' club numbers");
-    }
-  }
-  std::int64_t added = 0;
-  ProgressBar progress(context.error, context.showProgress, pairs.size());
-  for (std::size_t i = 0; i < pairs.size(); ++i) {
-    const ImportedPair& pair = pairs[i];
-    progress.Show(i, std::to_string(pair.firstNumber) + " and " + std::to_string(pair.secondNumber));
-    std::string name;
-    double handicap = 0.0;
-    bool inactive = false;
-    const bool known = open.store.IsRegularPartnership(pair.firstNumber, pair.secondNumber, name, handicap, inactive);
-    open.store.MakeRegularPartnership(pair.firstNumber, pair.secondNumber, known ? handicap : -1.0, false,
-                                      pair.knownAs);
-    open.store.Execute("Update Partnerships Set KnownAs = " + Text(pair.knownAs) +
-                       ", Active = " + (pair.active ? "-1" : "0") + " Where " +
-                       cDatabase::PairWhereClause(pair.firstNumber, pair.secondNumber));
-    added += known ? 0 : 1;
-  }
-  open.store.CloseDB(true);
-  Table table({"File", "Added", "Updated"});
-  table.Add({path, added, static_cast<std::int64_t>(pairs.size()) - added});
-  table.Write(context.out, context.format);
-  return kSucceeded;
+}  // namespace
+
+int ImportMembers(const Context& context, const ImportRequest& request) {
+  const MemberFile file = ReadMemberFile(request.file, request.ignoreUnknown);
+  return Run<MemberImport>(context, request, file,
+                           [&](MemberImport& importer) { return importer.Plan(file, request.allowNamesakes); });
+}
+
+int ImportPairs(const Context& context, const ImportRequest& request) {
+  const PairFile file = ReadPairFile(request.file, request.ignoreUnknown);
+  return Run<PairImport>(context, request, file, [&](PairImport& importer) { return importer.Plan(file); });
 }
 
 }  // namespace tavi::host

@@ -5,14 +5,11 @@
 
 #include "host/sql/Query.h"
 #include "host/text/PathText.h"
+#include "host/tools/Connect.h"
 #include "util/NativePath.h"
 
 namespace tavi::host {
 namespace {
-
-std::unique_ptr<ado::Connection> Connect(const Context& context) {
-  return context.platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + context.ClubFile());
-}
 
 Value OneValue(ado::Connection& connection, const std::string& statement) {
   const std::unique_ptr<ado::Recordset> rows = connection.OpenRecordset(
@@ -24,7 +21,7 @@ Value OneValue(ado::Connection& connection, const std::string& statement) {
 
 int ShowInfo(const Context& context) {
   const std::string file = context.ClubFile();
-  const std::unique_ptr<ado::Connection> connection = Connect(context);
+  const std::unique_ptr<ado::Connection> connection = Connect(context, file);
   const auto count = [&](const std::string& table) {
     return CellOf(OneValue(*connection, "Select Count(*) From " + table));
   };

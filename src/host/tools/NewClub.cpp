@@ -5,6 +5,7 @@
 
 #include "composition/Composition.h"
 #include "host/text/PathText.h"
+#include "host/tools/Connect.h"
 #include "platform/values/Error.h"
 #include "store/BaseFile.h"
 #include "store/cDatabase.h"
@@ -38,8 +39,7 @@ void MakeClub(const Context& context, const ClubIdentity& identity) {
   }
   CreateEmptyDatabase(file, context.platform->clock->Now());
   try {
-    const std::unique_ptr<ado::Connection> connection =
-        context.platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + context.ClubFile());
+    const std::unique_ptr<ado::Connection> connection = Connect(context, context.ClubFile());
     CreateBaseFile(*connection);
     connection->Close();
     const std::unique_ptr<MembershipDatabase> club = context.OpenClub();

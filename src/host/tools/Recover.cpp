@@ -6,12 +6,12 @@
 
 #include "host/text/PathText.h"
 #include "host/text/ProgressBar.h"
+#include "host/tools/Connect.h"
 #include "host/tools/NewClub.h"
 #include "host/tools/TemporaryCopy.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
-#include "store/ConnectionText.h"
 #include "store/Recovery.h"
 #include "util/NativePath.h"
 
@@ -56,7 +56,7 @@ class ProgressOfTables : public RecoveryObserver {
 
 /// True when a table that is going to be emptied has rows, or it cannot be told.
 bool HoldsData(const Context& context) {
-  const auto connection = context.platform->databaseProvider->Open(ConnectionText(context.ClubFile()));
+  const auto connection = Connect(context, context.ClubFile());
   const auto tables = connection->OpenSchema(ado::SchemaKind::Tables);
   for (; !tables->AtEnd(); tables->MoveNext()) {
     const std::string name = ToText(tables->Get("TABLE_NAME"));

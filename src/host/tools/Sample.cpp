@@ -58,8 +58,8 @@ int MakeSample(Context context, const std::string& from) {
   quiet.folder = context.folder;
   quiet.platform = context.platform;
   MakeClub(quiet, {"Sample Bridge Club", ""});
-  ImportMembers(quiet, TextOf(PathOf(from) / "members.csv"));
-  ImportPairs(quiet, TextOf(PathOf(from) / "pairs.csv"));
+  ImportMembers(quiet, {TextOf(PathOf(from) / "members.csv")});
+  ImportPairs(quiet, {TextOf(PathOf(from) / "pairs.csv")});
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
   const std::vector<ScoredFile> scored = ScoreFiles(context, *club, files);
   for (const ScoredFile& file : scored) {

@@ -1,4 +1,4 @@
-#include "host/tools/ColumnWidths.h"
+#include "host/imports/ColumnWidths.h"
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
@@ -6,10 +6,8 @@
 
 namespace tavi::host {
 
-ColumnWidths::ColumnWidths(const Platform& platform, const std::string& filePath, const std::string& table) {
-  const std::unique_ptr<ado::Connection> connection =
-      platform.databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + filePath);
-  const std::unique_ptr<ado::Recordset> columns = connection->OpenSchema(ado::SchemaKind::Columns);
+ColumnWidths::ColumnWidths(cDatabase& store, const std::string& table) {
+  const std::unique_ptr<ado::Recordset> columns = store.OpenSchema(ado::SchemaKind::Columns);
   for (; !columns->AtEnd(); columns->MoveNext()) {
     const Value width = columns->Get("CHARACTER_MAXIMUM_LENGTH");
     if (IsNull(width) || !EqualIgnoringCase(ToText(columns->Get("TABLE_NAME")), table)) continue;

@@ -11,8 +11,8 @@ namespace tavi::host {
 /// How many characters the text columns of one table take, as the file says.
 class ColumnWidths {
  public:
-  /// Reads the columns of a table through an open connection's schema.
-  ColumnWidths(const Platform& platform, const std::string& filePath, const std::string& table);
+  /// Reads the columns of a table of the open file.
+  ColumnWidths(cDatabase& store, const std::string& table);
   /// Raises InvalidArgument ("WHERE: COLUMN ...") when a text is longer than its column takes as it will be stored.
   void Require(const std::string& where, const std::string& column, const std::string& text) const;
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "store/cDatabase.h"
+
+namespace tavi::host {
+
+/// A member as the club's file has it, retired or not. The values are written as in MemberLine; the address has all its
+/// lines, the town among them.
+struct StoredMember {
+  std::int32_t number = 0;
+  std::map<std::string, std::string> values;
+
+  [[nodiscard]] const std::string& Value(const std::string& field) const { return values.at(field); }
+  /// First name and surname.
+  [[nodiscard]] std::string Name() const;
+};
+
+/// All members of a club, to find those that a file means.
+class MemberRoll {
+ public:
+  /// Reads the members of the open file. Errors are the provider's.
+  explicit MemberRoll(cDatabase& store);
+
+  [[nodiscard]] const std::map<std::int32_t, StoredMember>& Members() const { return members_; }
+  /// The member whose club number, else whose governing body's number it is; null when it is nobody's. `place` begins
+  /// the messages. Raises InvalidArgument when the two are different members' numbers, or when several members bear the
+  /// governing body's one.
+  [[nodiscard]] const StoredMember* Find(const std::string& place, std::optional<std::int32_t> number,
+                                         const std::string& nationalNumber) const;
+
+ private:
+  [[nodiscard]] const StoredMember* ByNationalNumber(const std::string& place, const std::string& nationalNumber) const;
+
+  std::map<std::int32_t, StoredMember> members_;
+};
+
+}  // namespace tavi::host

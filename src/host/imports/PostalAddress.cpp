@@ -1,0 +1,48 @@
+#include "host/imports/PostalAddress.h"
+
+#include "platform/values/Text.h"
+
+namespace tavi::host {
+namespace {
+
+constexpr const char* kLineBreak = "\r\n";
+
+std::string Joined(const std::string& lines, const std::string& last) {
+  return lines + (lines.empty() || last.empty() ? "" : kLineBreak) + last;
+}
+
+/// Where the last of several lines begins with its line break; npos when there is one line only.
+std::size_t LastBreak(const std::string& text) {
+  return text.rfind(kLineBreak);
+}
+
+std::string LastLine(const std::string& text) {
+  const std::size_t at = LastBreak(text);
+  return at == std::string::npos ? text : text.substr(at + 2);
+}
+
+std::string WithOtherAddress(const std::string& stored, const std::string& address) {
+  const std::size_t at = LastBreak(stored);
+  const bool holdsTown = at != std::string::npos && LastLine(address) != stored.substr(at + 2);
+  return address.empty() || stored == address || !holdsTown ? address : Joined(address, stored.substr(at + 2));
+}
+
+std::string WithOtherTown(const std::string& stored, const std::string& town) {
+  const std::size_t at = LastBreak(stored);
+  if (town.empty()) {
+    const bool hasTwoLines = at != std::string::npos && stored.find(kLineBreak) == at;
+    return hasTwoLines ? stored.substr(0, at) : stored;
+  }
+  if (LastLine(stored) == town) return stored;
+  return Joined(stored.substr(0, at), town);
+}
+
+}  // namespace
+
+std::string ChangedAddress(const std::string& stored, const WrittenAddress& written) {
+  if (written.address && written.town) return Joined(*written.address, *written.town);
+  if (written.address) return WithOtherAddress(stored, *written.address);
+  return written.town ? WithOtherTown(stored, *written.town) : stored;
+}
+
+}  // namespace tavi::host
