@@ -67,10 +67,35 @@ function(tavi_test_support name)
   endif()
 endfunction()
 
-# tavi_test(NAME SOURCES ... USES ...): a test program; each of its cases is a test of ctest. For Windows the program as a
-# whole is one, Windows.NAME, because each start of Wine costs time.
+# tavi_check(NAME [NEEDS PROGRAM...] COMMAND ...): a test of ctest that shows of its output what tells why it failed, and
+# that is not run, which is noted, where a program that it needs is missing. Where several builds are tested in one run,
+# the names of their tests begin with TAVI_TEST_PREFIX.
+if(TAVI_SANITIZE)
+  set(TAVI_TEST_PREFIX Sanitize.)
+elseif(TAVI_SANITIZE_THREADS)
+  set(TAVI_TEST_PREFIX Threads.)
+endif()
+function(tavi_check name)
+  if(TAVI_FUZZ)
+    # There, ctest runs the fuzzers alone.
+    return()
+  endif()
+  cmake_parse_arguments(CHECK "" "" "NEEDS;COMMAND" ${ARGN})
+  set(full_name ${TAVI_TEST_PREFIX}${name})
+  list(TRANSFORM CHECK_NEEDS REPLACE "(.+)" "--needs;\\1")
+  add_test(NAME ${full_name}
+    COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/run-cases ${CHECK_NEEDS} ${full_name} ${CHECK_COMMAND})
+  set_tests_properties(${full_name} PROPERTIES TIMEOUT 600)
+  if(TAVI_SANITIZE_THREADS)
+    set_tests_properties(${full_name} PROPERTIES ENVIRONMENT TAVI_FIXED_ADDRESSES=1)
+  endif()
+endfunction()
+
+# tavi_test(NAME SOURCES ... USES ... [PARTS ...]): a test program, which ctest runs as a whole, because starting a process
+# for each of its cases takes longer than most cases. PARTS are patterns of cases that take long: each is a test of its
+# own, NAME.1 and so on, which runs beside the others. For Windows the program is always one test, Windows.NAME.
 function(tavi_test name)
-  cmake_parse_arguments(TEST "" "" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(TEST "" "" "SOURCES;USES;PARTS" ${ARGN})
   add_executable(${name} ${TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main
@@ -83,7 +108,21 @@ function(tavi_test name)
     tavi_wine_test(Windows.${name}
       ${Python3_EXECUTABLE} ${CMAKE_SOURCE_DIR}/tests/automation/under_wine.py ${CMAKE_BINARY_DIR} run
         $<TARGET_FILE:${name}>)
+    return()
+  endif()
+  set(number 0)
+  foreach(part ${TEST_PARTS})
+    math(EXPR number "${number} + 1")
+    tavi_check(${name}.${number} COMMAND $<TARGET_FILE:${name}> --gtest_filter=${part})
+    if(TEST ${TAVI_TEST_PREFIX}${name}.${number})
+      # ctest starts with what costs most.
+      set_tests_properties(${TAVI_TEST_PREFIX}${name}.${number} PROPERTIES COST 100)
+    endif()
+  endforeach()
+  if(TEST_PARTS)
+    string(REPLACE ";" ":" all_parts "${TEST_PARTS}")
+    tavi_check(${name} COMMAND $<TARGET_FILE:${name}> --gtest_filter=-${all_parts})
   else()
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 600)
+    tavi_check(${name} COMMAND $<TARGET_FILE:${name}>)
   endif()
 endfunction()

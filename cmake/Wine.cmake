@@ -19,6 +19,7 @@ endif()
 # tavi_wine_test(NAME COMMAND...): a test that runs under that Wine. Those of 32-bit programs are told apart by the end
 # of their names.
 function(tavi_wine_test name)
-  add_test(NAME ${name}${TAVI_TEST_SUFFIX} COMMAND ${ARGN})
+  add_test(NAME ${name}${TAVI_TEST_SUFFIX}
+    COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/run-cases ${name}${TAVI_TEST_SUFFIX} ${ARGN})
   set_tests_properties(${name}${TAVI_TEST_SUFFIX} PROPERTIES ENVIRONMENT "TAVI_WINE=${TAVI_WINE};WINEARCH=${TAVI_WINE_KIND}" TIMEOUT 600)
 endfunction()

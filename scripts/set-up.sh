@@ -1,47 +1,94 @@
-# Sourced by run and test: what a fresh Debian machine needs, and how a preset is configured and built.
+# shellcheck shell=bash disable=SC2034
+# Sourced by run, test and other scripts: what a fresh Debian machine needs, and how a preset is configured and built.
 # Every step that has nothing to do is skipped in a few milliseconds.
 
-packages_to_build="g++ cmake ninja-build ccache libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev libedit-dev pkg-config"
-packages_to_test="libgtest-dev libgmock-dev librapidcheck-dev libsqlite3-dev mdbtools python3 nodejs"
+packages_to_build="g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev libedit-dev pkg-config"
+packages_to_test="libgtest-dev libgmock-dev"
+# Without these a build takes longer, or some tests, which are counted, are not run.
+packages_for_comfort="ccache"
+packages_for_more_tests="libsqlite3-dev mdbtools python3 nodejs"
 packages_to_fuzz="clang libclang-rt-14-dev"
 packages_to_measure="libbenchmark-dev libsqlite3-dev"
-packages_for_windows="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools wine wine64 libwine-dev"
+packages_for_windows="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev libgtest-dev python3"
+packages_for_wine="wine wine64"
 
 say() { printf '%s\n' "$*" >&2; }
 
-# need_packages NAME...: installs those that are missing; remembers in build/ that they were there.
-need_packages() {
+# missing_packages NAME...: prints the names of those that are not installed.
+missing_packages() {
+  local installed
+  installed=$(dpkg-query -W -f='${Package} ${db:Status-Status}\n' "$@" 2>/dev/null || true)
+  local name
+  for name in "$@"; do
+    grep -qx "$name installed" <<<"$installed" || printf '%s\n' "$name"
+  done
+}
+
+# install_packages NAME...: returns 1 where that is not possible.
+install_packages() {
+  local as_root=()
+  if (($(id -u))); then
+    if ! command -v sudo >/dev/null; then
+      say "Only root can install packages, and there is no sudo."
+      return 1
+    fi
+    as_root=(sudo)
+  fi
+  "${as_root[@]}" apt-get update -qq &&
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+      apt-get install -y -qq --no-install-recommends "$@" >/dev/null
+}
+
+# get_packages NAME...: installs those that are missing; remembers in build/ that they were there. Leaves in the array
+# not_installed those that could not be installed and returns 1 then; within the next hour that is not tried again.
+get_packages() {
+  not_installed=()
   local stamp
   stamp="build/.packages-$(printf '%s' "$*" | cksum | cut -d' ' -f1)"
   [[ -e $stamp ]] && return
-  local missing=()
-  local name
-  for name in "$@"; do
-    dpkg-query -W -f='${db:Status-Status}' "$name" 2>/dev/null | grep -qx installed || missing+=("$name")
-  done
-  if ((${#missing[@]})); then
-    say "Installing ${missing[*]}"
-    local as_root=()
-    [[ $(id -u) -eq 0 ]] || as_root=(sudo)
-    if ! { "${as_root[@]}" apt-get update -qq &&
-      DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null; }; then
-      say "These packages are needed and could not be installed: ${missing[*]}"
-      return 1
+  mapfile -t not_installed < <(missing_packages "$@")
+  if ((${#not_installed[@]})) && [[ -z $(find "$stamp-failed" -mmin -60 2>/dev/null) ]]; then
+    say "Installing ${not_installed[*]}"
+    mkdir -p build
+    if install_packages "${not_installed[@]}"; then
+      not_installed=()
+      touch build/.packages-installed
+    else
+      touch "$stamp-failed"
     fi
   fi
+  ((${#not_installed[@]} == 0)) || return 1
   mkdir -p build
+  rm -f "$stamp-failed"
   touch "$stamp"
 }
 
-# build_preset PRESET TARGET...: configures the preset once and whenever presets have changed, then builds; silent when
-# everything is up to date.
+# need_packages NAME...: the same for those without which nothing goes on.
+need_packages() {
+  get_packages "$@" && return
+  say "These packages are needed and could not be installed: ${not_installed[*]}"
+  return 1
+}
+
+# want_packages WHAT NAME...: the same for those without which WHAT is left out.
+want_packages() {
+  local what=$1
+  shift
+  get_packages "$@" && return
+  say "These packages could not be installed, therefore $what: ${not_installed[*]}"
+  return 1
+}
+
+# build_preset PRESET TARGET...: configures the preset once and whenever presets or packages have changed, then builds;
+# silent when everything is up to date.
 build_preset() {
   local preset=$1
   shift
-  if [[ ! -e build/$preset/build.ninja || CMakePresets.json -nt build/$preset/build.ninja ]]; then
+  local ninja_file=build/$preset/build.ninja
+  if [[ ! -e $ninja_file || CMakePresets.json -nt $ninja_file || build/.packages-installed -nt $ninja_file ]]; then
     say "Configuring build/$preset"
     cmake --preset "$preset" >/dev/null
-    touch "build/$preset/build.ninja"
+    touch "$ninja_file"
   fi
   if ! ninja -C "build/$preset" -n "$@" 2>/dev/null | grep -q 'no work to do'; then
     say "Building build/$preset"
