@@ -12,9 +12,10 @@ set(tavi_archives tavimembership tavi_start tavi_platform tavi_platform_portable
 install(TARGETS ${tavi_archives} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavi)
 install(TARGETS tavi RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
-install(FILES include/tavi/MembershipDatabase.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavi)
+install(FILES include/tavi/MembershipDatabase.h include/tavi/DatabaseTransaction.h
+        DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavi)
 foreach(header
-    facade/MembershipDatabase.h handicaps/HandiCalcSettings.h handicaps/Handicaps.h members/EBUMembershipDetails.h
+    facade/MembershipDatabase.h facade/DatabaseTransaction.h handicaps/HandiCalcSettings.h handicaps/Handicaps.h members/EBUMembershipDetails.h
     composition/Composition.h facade/DefaultPlatform.h platform/Platform.h platform/ado/Provider.h
     platform/values/Convert.h platform/values/Date.h platform/values/Error.h platform/values/Text.h
     platform/values/Value.h)

@@ -115,6 +115,22 @@ std::unique_ptr<ado::Recordset> cDatabase::OpenSchema(ado::SchemaKind kind) {
   return OpenFile().OpenSchema(kind);
 }
 
+std::int32_t cDatabase::BeginTransaction() {
+  return OpenFile().BeginTrans();
+}
+
+void cDatabase::CommitTransaction() {
+  OpenFile().CommitTrans();
+}
+
+void cDatabase::RollbackTransaction() {
+  OpenFile().RollbackTrans();
+}
+
+std::int32_t cDatabase::TransactionLevel() const {
+  return connection_ ? connection_->TransactionLevel() : 0;
+}
+
 ado::Connection& cDatabase::OpenFile() {
   if (!connection_) {
     throw Error(ErrorNumber::NoObject, kSource,

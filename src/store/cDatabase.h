@@ -88,6 +88,19 @@ class cDatabase {
   /// The tables, columns or indexes of the open file.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind);
 
+  // --- Transactions (store/Connection.cpp; store/Transaction.h has the guard that operations use) --------------------
+
+  /// Begins a transaction on the open file, within another one when there is one, and returns how many are open then.
+  /// Raises NoObject on a closed store; so do the next two.
+  std::int32_t BeginTransaction();
+  /// Ends the innermost transaction and keeps its changes; those of the outermost are stored, all or none. After an
+  /// error it is still open, to be rolled back.
+  void CommitTransaction();
+  /// Ends the innermost transaction and undoes its changes.
+  void RollbackTransaction();
+  /// How many transactions are open; 0 on a closed store. Closing the file rolls them back.
+  [[nodiscard]] std::int32_t TransactionLevel() const;
+
   // --- SQL literals (store/Literals.cpp) -----------------------------------------------------------------------------
 
   /// The day number, rounded to the nearest day (ties to even), as plain decimal text: callers compare date columns

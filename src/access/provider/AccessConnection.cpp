@@ -75,6 +75,22 @@ std::unique_ptr<ado::Recordset> AccessConnection::OpenSchema(ado::SchemaKind kin
   });
 }
 
+std::int32_t AccessConnection::BeginTrans() {
+  return AsProvider([&] { return file_->Session().BeginTransaction(); });
+}
+
+void AccessConnection::CommitTrans() {
+  AsProvider([&] { file_->Session().CommitTransaction(); });
+}
+
+void AccessConnection::RollbackTrans() {
+  AsProvider([&] { file_->Session().RollbackTransaction(); });
+}
+
+std::int32_t AccessConnection::TransactionLevel() const {
+  return file_->GetDatabase().GetPager().TransactionLevel();
+}
+
 void AccessConnection::Close() {
   AsProvider([&] { file_->Close(); });
 }

@@ -36,6 +36,10 @@ class AccessConnection final : public ado::Connection {
   std::unique_ptr<ado::Recordset> OpenRecordset(std::string_view source, ado::CursorType cursorType,
                                                 ado::LockType lockType, ado::SourceKind sourceKind) override;
   std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind) override;
+  std::int32_t BeginTrans() override;
+  void CommitTrans() override;
+  void RollbackTrans() override;
+  [[nodiscard]] std::int32_t TransactionLevel() const override;
   void Close() override;
 
  private:

@@ -1,5 +1,6 @@
 #include "access/provider/AccessProvider.h"
 
+#include "access/file/WritingThreads.h"
 #include "access/provider/AccessConnection.h"
 #include "access/provider/ConnectionString.h"
 #include "access/provider/ProviderError.h"
@@ -11,7 +12,9 @@ namespace {
 class AccessProvider final : public ado::Provider {
  public:
   AccessProvider(std::shared_ptr<FileSystem> fileSystem, std::shared_ptr<const Clock> clock, ProviderOptions options)
-      : fileSystem_(std::move(fileSystem)), clock_(std::move(clock)), options_(std::move(options)) {}
+      : fileSystem_(std::move(fileSystem)), clock_(std::move(clock)), options_(std::move(options)) {
+    if (!options_.pager.writingThreads) options_.pager.writingThreads = std::make_shared<WritingThreads>();
+  }
 
   [[nodiscard]] std::unique_ptr<ado::Connection> Open(std::string_view connectionString) const override {
     return AsProvider([&]() -> std::unique_ptr<ado::Connection> {

@@ -9,6 +9,12 @@
 namespace tavi::access::sql {
 namespace {
 
+TransactionControl ReadTransactionControl(TokenStream& stream, TransactionControl::Action action) {
+  const bool isNamed = stream.TakeWord("TRANSACTION");
+  if (!isNamed && action != TransactionControl::Action::Begin) stream.TakeWord("WORK");
+  return {action};
+}
+
 Statement ReadStatement(TokenStream& stream) {
   if (stream.Peek().IsWord("SELECT")) return std::move(*ReadSelect(stream));
   if (stream.TakeWord("INSERT")) return ReadInsert(stream);
@@ -17,8 +23,12 @@ Statement ReadStatement(TokenStream& stream) {
   if (stream.TakeWord("CREATE")) return ReadCreate(stream);
   if (stream.TakeWord("ALTER")) return ReadAlter(stream);
   if (stream.TakeWord("DROP")) return ReadDrop(stream);
+  if (stream.TakeWord("BEGIN")) return ReadTransactionControl(stream, TransactionControl::Action::Begin);
+  if (stream.TakeWord("COMMIT")) return ReadTransactionControl(stream, TransactionControl::Action::Commit);
+  if (stream.TakeWord("ROLLBACK")) return ReadTransactionControl(stream, TransactionControl::Action::Rollback);
   stream.Fail(stream.Peek().position,
-              "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER and DROP");
+              "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER, DROP, "
+              "BEGIN, COMMIT and ROLLBACK");
 }
 
 }  // namespace

@@ -103,12 +103,43 @@ Outcome Session::Run(std::string_view text) {
     MakeReady(prepared, text, parse);
     return {OpenSelect(std::move(prepared)), 0};
   }
+  if (const auto* control = std::get_if<TransactionControl>(&prepared->statement)) {
+    Control(*control);
+    return {};
+  }
   Outcome outcome;
   Change([&](StatementContext& context, TableChanges& changes) {
     MakeReady(prepared, text, parse);
     outcome.affected = RunChange(*prepared, context, changes);
   });
   return outcome;
+}
+
+void Session::Control(const TransactionControl& control) {
+  switch (control.action) {
+    case TransactionControl::Action::Begin:
+      BeginTransaction();
+      break;
+    case TransactionControl::Action::Commit:
+      CommitTransaction();
+      break;
+    case TransactionControl::Action::Rollback:
+      RollbackTransaction();
+      break;
+  }
+}
+
+std::int32_t Session::BeginTransaction() {
+  return database_.GetPager().BeginTransaction();
+}
+
+void Session::CommitTransaction() {
+  database_.GetPager().CommitTransaction();
+}
+
+void Session::RollbackTransaction() {
+  database_.GetPager().RollbackTransaction();
+  ++changeCount_;
 }
 
 std::unique_ptr<ResultSet> Session::OpenTable(std::string_view name) {

@@ -24,8 +24,9 @@ struct Outcome {
 };
 
 /// Runs SQL statements on a database. One session belongs to a connection and its thread. Each statement is atomic: it
-/// happens wholly, or, on any error, not at all. Result sets stay usable between other statements and must not outlive
-/// the session. Statements are parsed and planned once and remembered.
+/// happens wholly, or, on any error, not at all, and so do those between the beginning of a transaction and its end.
+/// Result sets stay usable between other statements and must not outlive the session. Statements are parsed and planned
+/// once and remembered.
 ///
 /// Errors (source "Microsoft JET Database Engine"): ProviderSyntax for a text that is not understood, ProviderNoTable,
 /// ProviderBadParameter for an unknown column, ProviderPermission for changes to a read-only file, ProviderIntegrity
@@ -38,6 +39,10 @@ class Session {
 
   /// Runs one statement. With the word EXPLAIN before it, it is not run: the rows are the lines of its plan.
   Outcome Run(std::string_view text);
+  /// As BEGIN, COMMIT and ROLLBACK. The first returns how many transactions are open then.
+  std::int32_t BeginTransaction();
+  void CommitTransaction();
+  void RollbackTransaction();
   /// The rows of a whole table, in the order in which they are stored; rows can be added, changed and read. Damage does
   /// not end them: a place of the table that cannot be read counts as a row whose columns raise the error on reading.
   std::unique_ptr<ResultSet> OpenTable(std::string_view name);
@@ -53,12 +58,13 @@ class Session {
   [[nodiscard]] StatementContext MakeContext();
   /// Runs a change of rows as one statement of its own.
   void Change(FunctionReference<void(StatementContext&, TableChanges&)> change);
-  /// Grows with each change that this session makes: what was read before may be out of date.
+  /// Grows with each change that this session makes or undoes: what was read before may be out of date.
   [[nodiscard]] std::uint64_t ChangeCount() const { return changeCount_; }
 
  private:
   using Parsing = FunctionReference<Statement()>;
 
+  void Control(const TransactionControl& control);
   /// The statement remembered under `key`, or what `parse` gives.
   [[nodiscard]] std::shared_ptr<PreparedStatement> Prepare(std::string_view key, Parsing parse);
   /// Plans a statement, which is made anew when its tables have changed since it was planned. Inside a statement.

@@ -182,7 +182,13 @@ struct DropConstraint {
   std::string name;
 };
 
+/// BEGIN [TRANSACTION], COMMIT [TRANSACTION | WORK], ROLLBACK [TRANSACTION | WORK].
+struct TransactionControl {
+  enum class Action { Begin, Commit, Rollback };
+  Action action = Action::Begin;
+};
+
 using Statement = std::variant<Select, Insert, Update, Delete, CreateTable, DropTable, AddColumn, ChangeColumn,
-                               DropColumn, CreateIndex, DropIndex, AddRelationship, DropConstraint>;
+                               DropColumn, CreateIndex, DropIndex, AddRelationship, DropConstraint, TransactionControl>;
 
 }  // namespace tavi::access::sql

@@ -44,6 +44,12 @@ Table Query(ado::Connection& connection, const std::string& statement) {
   return table;
 }
 
+bool RollBackUnfinished(ado::Connection& connection) {
+  if (connection.TransactionLevel() == 0) return false;
+  while (connection.TransactionLevel() > 0) connection.RollbackTrans();
+  return true;
+}
+
 std::string TypeName(ado::DataType type) {
   switch (type) {
     case ado::DataType::SmallInt:

@@ -11,6 +11,12 @@ namespace tavi::host {
 /// Errors are the provider's.
 Table Query(ado::Connection& connection, const std::string& statement);
 
+/// Rolls back what was begun and not committed; true when there was anything.
+bool RollBackUnfinished(ado::Connection& connection);
+/// What a person is told then.
+inline constexpr char kRolledBack[] =
+    "The transaction was not committed, so all that was done in it has been rolled back.";
+
 /// A field's value as a cell; bytes and identifiers become text.
 Cell CellOf(const Value& value);
 

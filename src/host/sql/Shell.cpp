@@ -11,9 +11,11 @@ namespace tavi::host {
 namespace {
 
 constexpr const char* kPrompt = "tavi> ";
+constexpr const char* kPromptInTransaction = "tavi*> ";
 constexpr const char* kPromptWithin = "  ... ";
 constexpr const char* kHelp =
-    "A statement ends with a semicolon and may take several lines. Commands:\n"
+    "A statement ends with a semicolon and may take several lines. BEGIN, COMMIT and ROLLBACK make several one; they\n"
+    "nest, and the prompt shows a star until the end. Commands:\n"
     "  .tables           the tables of the file\n"
     "  .columns TABLE    the columns of a table\n"
     "  .explain on|off   show how statements would be run instead of running them\n"
@@ -38,13 +40,22 @@ int Shell::Run() {
   if (interactive_) context_.out << "Statements end with a semicolon; .help tells more.\n" << std::flush;
   bool goOn = true;
   while (goOn) {
-    const auto line = lines_.Next(unfinished_.empty() ? kPrompt : kPromptWithin);
+    const auto line = lines_.Next(Prompt());
     if (!line) break;
     goOn = Take(*line);
   }
   // The last statement of a file may lack its semicolon.
   if (goOn && !interactive_ && HasText(unfinished_)) RunStatement(unfinished_);
+  if (RollBackUnfinished(connection_)) {
+    context_.error << "tavi: " << kRolledBack << '\n' << std::flush;
+    if (!interactive_) exitCode_ = kFailed;
+  }
   return exitCode_;
+}
+
+const char* Shell::Prompt() const {
+  if (!unfinished_.empty()) return kPromptWithin;
+  return connection_.TransactionLevel() > 0 ? kPromptInTransaction : kPrompt;
 }
 
 bool Shell::Take(const std::string& line) {

@@ -17,12 +17,14 @@ class Shell {
   Shell(const Context& context, ado::Connection& connection, LineSource& lines, bool interactive)
       : context_(context), connection_(connection), lines_(lines), interactive_(interactive), bails_(!interactive) {}
 
-  /// Runs until the end of the input or ".quit". Returns the exit code of the command.
+  /// Runs until the end of the input or ".quit"; a transaction that is open then is rolled back. Returns the exit code
+  /// of the command.
   int Run();
 
  private:
   /// Takes one more line; false when the run is to end.
   bool Take(const std::string& line);
+  [[nodiscard]] const char* Prompt() const;
   bool RunCommand(const std::string& line);
   bool RunStatement(const std::string& statement);
   void ListTables();

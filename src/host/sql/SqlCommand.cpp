@@ -34,6 +34,10 @@ int RunSql(const Context& context, const SqlRequest& request) {
       if (place) context.error << MarkPlace(request.statement, *place) << '\n';
       throw;
     }
+    if (RollBackUnfinished(*connection)) {
+      context.error << "tavi: " << kRolledBack << '\n';
+      exitCode = kFailed;
+    }
   }
   connection->Close();
   return exitCode;

@@ -93,7 +93,22 @@ class Connection {
   /// Tables it has TABLE_NAME, TABLE_TYPE and CARDINALITY, the number of rows as the table states it (null when that is
   /// not to be found out), ordered by name.
   virtual std::unique_ptr<Recordset> OpenSchema(SchemaKind kind) = 0;
-  /// Closes the file. Open record sets of the connection become unusable. A second Close does nothing.
+  /// Begins a transaction, within another one when there is one, and returns how many are open then: 1 for the
+  /// outermost. What is stored until its end is kept or undone together; a statement that fails undoes only itself.
+  /// Others see the state before, without waiting, until the outermost one is committed; who wants to store something
+  /// waits until it has ended. Raises ProviderFailure when another stores something for longer than a while, or waiting
+  /// for him would never end. On a file that is only read it is begun all the same, and storing fails.
+  virtual std::int32_t BeginTrans() = 0;
+  /// Ends the innermost transaction. The changes of the outermost are stored, all or, with an error, none; after an
+  /// error it is still open, to be rolled back. Raises ProviderFailure when there is no transaction.
+  virtual void CommitTrans() = 0;
+  /// Ends the innermost transaction and undoes all that was stored in it, inner ones included. Record sets show the
+  /// rows as they are then. Raises ProviderFailure when there is no transaction.
+  virtual void RollbackTrans() = 0;
+  /// How many transactions are open; 0 on a closed connection.
+  [[nodiscard]] virtual std::int32_t TransactionLevel() const = 0;
+  /// Closes the file; open transactions are rolled back. Open record sets of the connection become unusable. A second
+  /// Close does nothing.
   virtual void Close() = 0;
 };
 

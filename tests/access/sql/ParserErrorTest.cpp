@@ -31,13 +31,11 @@ std::string MessageOf(std::string_view text) {
 TEST(ParserErrors, SayWhatWasFoundExpectedAndWhere) {
   const Case cases[] = {
       {"",
-       "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER and DROP "
-       "(character "
-       "1 of \"\")."},
+       "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER, DROP, "
+       "BEGIN, COMMIT and ROLLBACK (character 1 of \"\")."},
       {"Selct a From T",
-       "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER and DROP "
-       "(character 1 of "
-       "\"Selct a From T\")."},
+       "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER, DROP, "
+       "BEGIN, COMMIT and ROLLBACK (character 1 of \"Selct a From T\")."},
       {"Select a b From T",
        "Syntax error (missing operator) in query expression 'a b' of the SELECT statement: 'b' was found where an "
        "operator or "

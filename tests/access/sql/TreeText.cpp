@@ -166,6 +166,17 @@ struct StatementText {
     return "(change-column " + change.table + " " + ColumnText(change.column) + ")";
   }
   std::string operator()(const AddRelationship& add) const { return RelationshipText(add.relationship); }
+  std::string operator()(const TransactionControl& control) const {
+    switch (control.action) {
+      case TransactionControl::Action::Begin:
+        return "begin";
+      case TransactionControl::Action::Commit:
+        return "commit";
+      case TransactionControl::Action::Rollback:
+        break;
+    }
+    return "rollback";
+  }
   std::string operator()(const DropConstraint& drop) const {
     return "(drop-constraint " + drop.table + " " + drop.name + ")";
   }

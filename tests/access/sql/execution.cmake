@@ -20,6 +20,7 @@ tavi_test(test_access_sql_execution
     KeysetResultTest.cpp
     SelectTest.cpp
     StatementCacheTest.cpp
+    TransactionTest.cpp
     support/SqlFile.cpp
     ${sqlite_test}
   USES tavi_access_sql test_catalog_support ${sqlite})

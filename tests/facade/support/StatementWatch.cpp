@@ -25,6 +25,10 @@ class WatchedConnection : public ado::Connection {
     return connection_->OpenRecordset(source, cursorType, lockType, sourceKind);
   }
   std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind) override { return connection_->OpenSchema(kind); }
+  std::int32_t BeginTrans() override { return connection_->BeginTrans(); }
+  void CommitTrans() override { connection_->CommitTrans(); }
+  void RollbackTrans() override { connection_->RollbackTrans(); }
+  [[nodiscard]] std::int32_t TransactionLevel() const override { return connection_->TransactionLevel(); }
   void Close() override { connection_->Close(); }
 
  private:

@@ -91,9 +91,27 @@ class FakeConnection : public ado::Connection {
     }
     return MakeFakeRecordset(schema_);
   }
-  void Close() override { ++file_->closes; }
+  std::int32_t BeginTrans() override {
+    file_->transactions.push_back("begin " + std::to_string(++level_));
+    return level_;
+  }
+  void CommitTrans() override { End("commit"); }
+  void RollbackTrans() override { End("rollback"); }
+  [[nodiscard]] std::int32_t TransactionLevel() const override { return level_; }
+  void Close() override {
+    while (level_ > 0) End("rollback");
+    ++file_->closes;
+  }
 
  private:
+  void End(const std::string& how) {
+    if (level_ == 0) throw Error(ErrorNumber::ProviderFailure, kSource, "There is no transaction to end.");
+    for (const auto& [text, error] : file_->failures) {
+      if (text == how) throw error;
+    }
+    file_->transactions.push_back(how + " " + std::to_string(level_--));
+  }
+
   void Run(const std::string& statement) {
     static const std::regex kSelect("Select Top 1 (\\w+) From (\\w+)");
     static const std::regex kAdd("Alter Table (\\w+) Add Column (\\w+) (.+)");
@@ -114,6 +132,7 @@ class FakeConnection : public ado::Connection {
 
   std::shared_ptr<FakeFile> file_;
   FakeRows schema_;
+  std::int32_t level_ = 0;
 };
 
 class FakeProvider : public ado::Provider {

@@ -30,6 +30,8 @@ struct FakeFile {
   /// How many of the next openings fail.
   int openFailures = 0;
 
+  /// What happened to transactions: "begin 1", "commit 1", "rollback 2".
+  std::vector<std::string> transactions;
   int opens = 0;
   int closes = 0;
   std::vector<std::string> connectionStrings;

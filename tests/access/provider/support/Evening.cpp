@@ -1,6 +1,7 @@
 #include "access/provider/support/Evening.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "access/file/Pager.h"
 #include "access/file/support/Random.h"
@@ -31,7 +32,7 @@ class EveningMaker {
   }
 
  private:
-  void Say(std::string text, Kind kind = Kind::Statement) { steps_.push_back({kind, std::move(text)}); }
+  void Say(std::string text, Kind kind = Kind::Statement) { steps_.push_back({kind, std::move(text), {}, true}); }
   std::string Number(std::uint64_t count) { return std::to_string(random_.Below(count)); }
   std::string Word(std::size_t longest) {
     std::string word(1 + random_.Below(longest), 'a');
@@ -46,6 +47,7 @@ class EveningMaker {
 
   void Continue() {
     const std::uint32_t choice = random_.Below(100);
+    if (choice < 8) return DoTogether();
     if (choice < 30) return InsertMember();
     if (choice < 44) return Say("Update Members Set Notes = '" + Memo() + "' Where ID Mod 7 = " + Number(7));
     if (choice < 52) return Say("Update Members Set [Name] = '" + Word(200) + "' Where ID Mod 9 = " + Number(9));
@@ -59,7 +61,28 @@ class EveningMaker {
     if (choice < 89) return AddOrDropIndex();
     if (choice < 93) return AddOrDropTable();
     if (choice < 95) return Say("Insert Into Members (Code, Nothing) Values (1, 2)");
-    Say("", Kind::Reopen);
+    if (depth_ == 0) Say("", Kind::Reopen);
+  }
+
+  // Several steps as one, some of which are such ones themselves.
+  void DoTogether() {
+    constexpr int kDeepest = 3;
+    if (depth_ == kDeepest) return;
+    EveningStep together{Kind::Transaction, "", {}, random_.Below(4) != 0};
+    const auto known = std::tuple(hasColumn_, hasIndex_, hasTable_);
+    steps_.swap(together.parts);
+    ++depth_;
+    for (std::uint32_t parts = 1 + random_.Below(5); parts > 0; --parts) {
+      if (random_.Below(5) == 0) {
+        Say("Update Members Set Code = 5000, Notes = '" + Memo() + "'", Kind::Duplicate);
+      } else {
+        Continue();
+      }
+    }
+    --depth_;
+    steps_.swap(together.parts);
+    if (!together.isKept) std::tie(hasColumn_, hasIndex_, hasTable_) = known;
+    steps_.push_back(std::move(together));
   }
 
   void InsertMember() {
@@ -91,6 +114,7 @@ class EveningMaker {
 
   Random random_;
   std::size_t wanted_;
+  int depth_ = 0;  // how many transactions are being made, one in the other
   bool hasColumn_ = false;
   bool hasIndex_ = false;
   bool hasTable_ = false;
@@ -114,6 +138,53 @@ void EditRow(ado::Connection& connection, const std::string& notes) {
   rows->Update();
 }
 
+void RunOnce(ado::Connection& connection, const EveningStep& step);
+
+void RunTogether(ado::Connection& connection, const EveningStep& step) {
+  connection.BeginTrans();
+  try {
+    for (const EveningStep& part : step.parts) RunOnce(connection, part);
+    if (step.isKept) {
+      connection.CommitTrans();
+    } else {
+      connection.RollbackTrans();
+    }
+  } catch (const Error&) {
+    connection.RollbackTrans();
+    throw;
+  }
+}
+
+void RunUnlessDuplicate(ado::Connection& connection, const std::string& statement) {
+  try {
+    connection.Execute(statement);
+  } catch (const Error& error) {
+    if (error.Description().find("duplicate values") == std::string::npos) throw;
+  }
+}
+
+void RunOnce(ado::Connection& connection, const EveningStep& step) {
+  switch (step.kind) {
+    case Kind::Statement:
+      connection.Execute(step.text);
+      break;
+    case Kind::AddRow:
+      AddRow(connection, step.text);
+      break;
+    case Kind::EditRow:
+      EditRow(connection, step.text);
+      break;
+    case Kind::Duplicate:
+      RunUnlessDuplicate(connection, step.text);
+      break;
+    case Kind::Transaction:
+      RunTogether(connection, step);
+      break;
+    case Kind::Reopen:
+      break;
+  }
+}
+
 }  // namespace
 
 std::vector<EveningStep> MakeEvening(std::uint32_t seed, std::size_t steps) {
@@ -122,20 +193,8 @@ std::vector<EveningStep> MakeEvening(std::uint32_t seed, std::size_t steps) {
 
 bool RunStep(ado::Connection& connection, const EveningStep& step, std::string* refusal) {
   try {
-    switch (step.kind) {
-      case Kind::Statement:
-        connection.Execute(step.text);
-        break;
-      case Kind::AddRow:
-        AddRow(connection, step.text);
-        break;
-      case Kind::EditRow:
-        EditRow(connection, step.text);
-        break;
-      case Kind::Reopen:
-        break;
-    }
-    return true;
+    RunOnce(connection, step);
+    return step.isKept;
   } catch (const Error& error) {
     if (refusal != nullptr) *refusal = error.Description();
     return false;

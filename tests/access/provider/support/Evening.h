@@ -14,22 +14,26 @@ namespace tavi::access::test {
 /// One step of an evening.
 struct EveningStep {
   enum class Kind {
-    Statement,  ///< `text` is run
-    AddRow,     ///< a row with the name `text` is added to Members through a record set
-    EditRow,    ///< the first row of Members gets the notes `text` through a record set
-    Reopen,     ///< the connection is closed and opened again
+    Statement,    ///< `text` is run
+    AddRow,       ///< a row with the name `text` is added to Members through a record set
+    EditRow,      ///< the first row of Members gets the notes `text` through a record set
+    Duplicate,    ///< `text` is run in a transaction, which goes on when a unique index has refused it in the middle
+    Transaction,  ///< `parts` are done as one: all when `isKept`, or none; none also when one of them is refused
+    Reopen,       ///< the connection is closed and opened again
   };
   Kind kind = Kind::Statement;
   std::string text;
+  std::vector<EveningStep> parts = {};
+  bool isKept = true;
 };
 
 /// A long and varied evening at the club, always the same for a seed: tables are made, altered and dropped, rows come
-/// with texts of all lengths, grow, move and go, indexes split and shrink. Texts are made so that few rows fill many
-/// pages. Some statements fail, as some do on every evening.
+/// with texts of all lengths, grow, move and go, indexes split and shrink, several things are done as one. Texts are
+/// made so that few rows fill many pages. Some statements fail, as some do on every evening.
 [[nodiscard]] std::vector<EveningStep> MakeEvening(std::uint32_t seed, std::size_t steps);
 
-/// Runs a step that is no Reopen. True when it succeeded, false when the provider refused it; `refusal` then becomes
-/// the error's description.
+/// Runs a step that is no Reopen. True when it succeeded, false when it was rolled back or the provider refused it;
+/// `refusal` then becomes the error's description.
 bool RunStep(ado::Connection& connection, const EveningStep& step, std::string* refusal = nullptr);
 
 /// The clock of the evenings: it always stands at noon.

@@ -65,6 +65,17 @@ class FaultyConnection : public ado::Connection {
     plan_->Note(Kind::OpenSchema, "the schema");
     return Watched(connection_->OpenSchema(kind), "the schema");
   }
+  std::int32_t BeginTrans() override {
+    plan_->Note(Kind::BeginTrans, "");
+    return connection_->BeginTrans();
+  }
+  void CommitTrans() override {
+    plan_->Note(Kind::CommitTrans, "");
+    connection_->CommitTrans();
+  }
+  // What is only in memory can be forgotten whatever the disk does.
+  void RollbackTrans() override { connection_->RollbackTrans(); }
+  [[nodiscard]] std::int32_t TransactionLevel() const override { return connection_->TransactionLevel(); }
   void Close() override {
     plan_->Note(Kind::CloseConnection, "the connection");
     connection_->Close();
@@ -97,9 +108,9 @@ class FaultyProvider : public ado::Provider {
 }  // namespace
 
 std::string Description(const ProviderCall& call) {
-  static constexpr std::array<const char*, 11> kNames{
-      "Open", "Execute", "OpenRecordset",        "OpenSchema",          "MoveNext", "MovePrevious", "AddNew",
-      "Set",  "Update",  "Close the record set", "Close the connection"};
+  static constexpr std::array<const char*, 13> kNames{
+      "Open", "Execute", "OpenRecordset",        "OpenSchema", "MoveNext",    "MovePrevious",        "AddNew",
+      "Set",  "Update",  "Close the record set", "BeginTrans", "CommitTrans", "Close the connection"};
   return std::string(kNames.at(static_cast<std::size_t>(call.kind))) + ": " + call.text;
 }
 

@@ -25,6 +25,8 @@ struct ProviderCall {
     Set,
     Update,
     CloseRecordset,
+    BeginTrans,
+    CommitTrans,
     CloseConnection
   };
   Kind kind = Kind::Open;
