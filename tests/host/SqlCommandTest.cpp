@@ -128,6 +128,9 @@ TEST_F(SqlCommand, CommandsListTablesAndColumns) {
             "Plan\nT: scan\nID\n1\n");
   EXPECT_NE(folder_.Run({"sql"}, ".help").out.find(".quit"), std::string::npos);
   EXPECT_EQ(folder_.Run({"sql"}, ".quit\nDelete From T;").out, "");
+  EXPECT_EQ(folder_.Run({"sql"}, ".flush\n.flush on\nDelete From T Where ID = 99;\n.flush off\nSelect ID From T;").code,
+            0);
+  EXPECT_EQ(folder_.Run({"sql"}, ".flush sometimes\n").code, 1);
   EXPECT_EQ(folder_.Run({"sql"}, ".nonsense\n").code, 1);
   EXPECT_EQ(folder_.Run({"sql"}, ".columns Nothing\n").code, 1);
 }

@@ -36,6 +36,7 @@ class MemoryPager final : public Pager {
   [[nodiscard]] Page& Write(PageNumber number) override;
   [[nodiscard]] Page& WriteNew(PageNumber number) override;
   [[nodiscard]] std::uint64_t Generation() const override { return 0; }
+  void Flush() override {}
   void Close() override {}
 
  private:

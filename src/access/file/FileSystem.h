@@ -2,8 +2,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <optional>
 #include <span>
 #include <string>
 
@@ -29,6 +29,8 @@ class File {
   /// True when a path still leads to this very file, and not to another one that has taken its name since it was
   /// opened. Always true where the system does not let an open file be replaced.
   [[nodiscard]] virtual bool IsStillAt(const std::string& /*path*/) { return true; }
+  /// Another opener of this very file, whatever has become of its name, whose calls do not wait for those of this one.
+  [[nodiscard]] virtual std::unique_ptr<File> OpenAgain() = 0;
   /// True when the file was opened for reading only.
   [[nodiscard]] virtual bool IsReadOnly() const = 0;
 
@@ -42,6 +44,17 @@ class File {
   /// Who holds a lock of another opener in the range, for error messages ("process 1234"); empty when nobody does or
   /// the system does not tell.
   [[nodiscard]] virtual std::string LockHolder(std::uint64_t offset, std::uint64_t length) = 0;
+};
+
+/// Work that is done in the background a little after it was asked for. The calls are for one thread; the destructor
+/// waits for work that is being done and drops what was asked for.
+class BackgroundWork {
+ public:
+  virtual ~BackgroundWork() = default;
+  /// Lets the work begin after the delay. What is asked until it begins is done in one.
+  virtual void Ask() = 0;
+  /// Drops what was asked for, and returns when nothing is being done.
+  virtual void Settle() = 0;
 };
 
 class FileSystem {
@@ -69,6 +82,9 @@ class FileSystem {
   virtual void Pause(std::chrono::milliseconds duration) = 0;
   /// The time by a clock that nobody sets, by which waits are measured.
   [[nodiscard]] virtual std::chrono::steady_clock::time_point Now() { return std::chrono::steady_clock::now(); }
+  /// Makes ready for work beside the caller's. `work` runs in a thread of its own and must not throw.
+  [[nodiscard]] virtual std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
+                                                                          std::function<void()> work) = 0;
 };
 
 /// The operating system's files.

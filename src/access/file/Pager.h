@@ -8,6 +8,7 @@
 #include <string>
 
 #include "access/file/FileSystem.h"
+#include "access/file/FlushTime.h"
 #include "access/file/Page.h"
 
 namespace tavi::access {
@@ -28,6 +29,8 @@ struct PagerOptions {
   bool alone = false;
   /// Size of the redo log in bytes from which on a commit makes a checkpoint.
   std::uint64_t checkpointBytes = std::uint64_t{64} << 20U;
+  /// When a finished statement is flushed.
+  FlushTime flush = FlushTime::Soon;
   /// Told in words what people should know although nothing failed (a log set aside, a checkpoint put off). May be
   /// empty.
   std::function<void(const std::string&)> report = {};
@@ -45,7 +48,9 @@ struct PagerOptions {
 ///     before. Within a transaction a write statement that is rolled back undoes itself alone.
 ///  3. Commit of a write statement, or of the outermost transaction around it, appends all changed pages and a
 ///     checksummed commit record to the redo log, all of them or none; from then on a crash of the process loses
-///     nothing. The database file itself is not touched.
+///     nothing, and a loss of power nothing once the flush is over that begins within 100 ms. The database file itself
+///     is not touched. A flush that failed is the error of the next statement, or of Close, and no statement is
+///     committed after it before a checkpoint has succeeded.
 ///  4. Only a checkpoint writes the database file, while nobody reads or writes: first the log is flushed, then its
 ///     pages are written and flushed, then the log goes. Close makes a checkpoint; it can be repeated from the log
 ///     after a crash at any point.
@@ -140,6 +145,9 @@ class Pager {
   /// writes: another user's commit was taken in, or a statement or transaction was rolled back. Caches of what pages
   /// say (table definitions, statistics) are dropped when it has changed.
   [[nodiscard]] virtual std::uint64_t Generation() const = 0;
+
+  /// Returns when everything committed is durable, by whomever. Raises an error when the system cannot flush.
+  virtual void Flush() = 0;
 
   /// Checkpoint and release of the file; open statements and transactions are rolled back. Costs nothing when nothing
   /// is to be written. Where others keep the file busy for longer than the lock timeout the log stays for them or the

@@ -129,6 +129,7 @@ void PagerImplementation::EnterRead(const LockDeadline& deadline) {
   if (!lock_.HoldsWriter()) {
     lock_.AcquireShared(deadline);
     try {
+      RaiseFailedFlush();
       RefreshForReading(deadline);
     } catch (...) {
       lock_.Release();
@@ -215,6 +216,7 @@ void PagerImplementation::BecomeWriter() {
   try {
     RefuseForeignUse();
     RefreshForWriting(deadline);
+    RequireSoundLog(deadline);
   } catch (...) {
     lock_.ReleaseWriter();
     throw;
@@ -224,6 +226,7 @@ void PagerImplementation::BecomeWriter() {
 // Ends what is open, a write statement or the only transaction, once its changes are in the log.
 void PagerImplementation::Store() {
   const bool any = !changes_.IsEmpty();
+  if (any) RequireSoundLog(NewDeadline());
   if (any && AppendToLog()) hasOwnStatements_ = true;
   KeepChangedPages();
   state_ = State::Idle;

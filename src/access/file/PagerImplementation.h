@@ -55,6 +55,7 @@ class PagerImplementation final : public Pager {
   [[nodiscard]] Page& Write(PageNumber number) override;
   [[nodiscard]] Page& WriteNew(PageNumber number) override;
   [[nodiscard]] std::uint64_t Generation() const override { return generation_; }
+  void Flush() override;
   void Close() override;
 
  private:
@@ -102,6 +103,10 @@ class PagerImplementation final : public Pager {
   void Checkpoint(bool isAlone);
   void CheckpointWhenLogIsLong();
   void LeaveLog();
+  void BringLogIn(bool isAlone);
+  void LeaveLogToOthers(const std::string& why);
+  void RaiseFailedFlush();
+  void RequireSoundLog(const LockDeadline& deadline);
   void Report(const std::string& text) const;
 
   std::shared_ptr<FileSystem> fileSystem_;

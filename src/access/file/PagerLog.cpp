@@ -45,8 +45,11 @@ bool PagerImplementation::TakeInOthers() {
     case RedoLog::News::Statements:
       for (const PageNumber number : taken) cache_.Erase(number);
       ++generation_;
+      // Whoever appended them may be gone.
+      log_.FlushSoon();
       break;
     case RedoLog::News::Replaced:
+      log_.FlushSoon();
       DropCache();
       hasOwnStatements_ = false;
       fileSize_ = file_->Size();
@@ -130,7 +133,7 @@ bool PagerImplementation::AppendToLog() {
     }
     pages.push_back({number, ContentInDatabase(number, changed.base), stored->All()});
   }
-  log_.Append(log_.HasStatements() ? LogOwner{} : DescribeDatabase(), pages, pageCount_);
+  log_.Append(log_.HasStatements() ? LogOwner{} : DescribeDatabase(), pages, pageCount_, options_.flush);
   return true;
 }
 
@@ -218,21 +221,53 @@ void PagerImplementation::Close() {
 void PagerImplementation::LeaveLog() {
   if (readOnly_ || !log_.HasFile()) return;
   const bool isAlone = lock_.TryBecomeAlone();
-  if (!isAlone && !hasOwnStatements_) return;
+  if (isAlone || hasOwnStatements_) BringLogIn(isAlone);
+  log_.SettleFlush();
+  RaiseFailedFlush();
+}
+
+void PagerImplementation::BringLogIn(bool isAlone) {
   if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
-    return Report("The log of '" + path_ + "' was not brought into the file. " + foreign->Describe() + ".");
+    return LeaveLogToOthers("was not brought into the file. " + foreign->Describe() + ".");
   }
   std::optional<SoleUse> use;
   try {
     use.emplace(lock_, NewDeadline());
   } catch (const Error& error) {
-    return Report("The log of '" + path_ + "' was left for the next opener: " + error.Description());
+    return LeaveLogToOthers("was left for the next opener: " + error.Description());
   }
   if (!Refresh()) {
     SetLogAside(isAlone);
   } else if (log_.HasFile()) {
     Checkpoint(isAlone);
   }
+}
+
+void PagerImplementation::LeaveLogToOthers(const std::string& why) {
+  Report("The log of '" + path_ + "' " + why);
+  log_.Flush();
+}
+
+void PagerImplementation::RaiseFailedFlush() {
+  const std::optional<std::string> reason = log_.TakeFailedFlush();
+  if (!reason) return;
+  RaiseFailure("What was stored last in '" + path_ + "' could not be flushed to the disk: " + *reason +
+               " It is in the file's log, but would be lost if the power failed now. The next change, or the closing "
+               "of the file, tries to bring it into the file itself; check the disk.");
+}
+
+// What is appended to a doubtful log would not count.
+void PagerImplementation::RequireSoundLog(const LockDeadline& deadline) {
+  RaiseFailedFlush();
+  if (!log_.IsDoubtful()) return;
+  const SoleUse use(lock_, deadline);
+  Checkpoint(false);
+}
+
+void PagerImplementation::Flush() {
+  if (readOnly_) return;
+  const ReadStatement upToDate(*this);
+  log_.Flush();
 }
 
 void PagerImplementation::Report(const std::string& text) const {

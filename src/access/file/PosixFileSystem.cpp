@@ -16,6 +16,7 @@
 #include "access/file/EngineError.h"
 #include "access/file/FileSystem.h"
 #include "access/file/LockOwner.h"
+#include "access/file/NativeBackgroundWork.h"
 
 namespace tavi::access {
 
@@ -61,7 +62,10 @@ class Descriptor {
   Descriptor(Descriptor&& other) noexcept : value_(std::exchange(other.value_, -1)) {}
   Descriptor(const Descriptor&) = delete;
   Descriptor& operator=(const Descriptor&) = delete;
-  Descriptor& operator=(Descriptor&&) = delete;
+  Descriptor& operator=(Descriptor&& other) noexcept {
+    std::swap(value_, other.value_);
+    return *this;
+  }
   [[nodiscard]] int Value() const { return value_; }
 
  private:
@@ -118,6 +122,15 @@ class PosixFile final : public File {
     const struct stat own = Status();
     struct stat named {};
     return ::stat(path.c_str(), &named) == 0 && named.st_dev == own.st_dev && named.st_ino == own.st_ino;
+  }
+
+  std::unique_ptr<File> OpenAgain() override {
+    const std::string self = "/proc/self/fd/" + std::to_string(descriptor_.Value());
+    Descriptor again(Retry([&] { return ::open(self.c_str(), (isReadOnly_ ? O_RDONLY : O_RDWR) | O_CLOEXEC); }));
+    // Where the system does not show open files the same opener serves twice; calls of several threads are allowed.
+    if (again.Value() < 0) again = Descriptor(::fcntl(descriptor_.Value(), F_DUPFD_CLOEXEC, 0));
+    if (again.Value() < 0) RaiseSystemError("open", path_, errno);
+    return std::make_unique<PosixFile>(std::move(again), path_, isReadOnly_);
   }
 
   [[nodiscard]] bool IsReadOnly() const override { return isReadOnly_; }
@@ -254,6 +267,11 @@ class PosixFileSystem final : public FileSystem {
     } else {
       std::this_thread::yield();
     }
+  }
+
+  std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
+                                                    std::function<void()> work) override {
+    return NativeBackgroundWork(delay, std::move(work));
   }
 
  private:

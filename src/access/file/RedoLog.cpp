@@ -28,6 +28,8 @@ constexpr std::size_t kMarkedSize = 8;
 constexpr std::size_t kMarkSize = 16;
 constexpr std::size_t kAppliedOffset = 0x50;
 constexpr std::size_t kAppliedSize = 8;
+constexpr std::size_t kDoubtfulOffset = 0x58;
+constexpr std::size_t kDoubtfulSize = 8;
 
 constexpr std::uint32_t kStatementMagic = 0x544D5453;  // "STMT"
 constexpr std::size_t kStatementCountOffset = 0x04;
@@ -55,6 +57,16 @@ std::uint64_t NewSalt(std::uint64_t old) {
   std::uint64_t salt = Checksum(0, seed);
   while (salt == 0 || salt == old) ++salt;
   return salt;
+}
+
+void MarkAsDoubtful(File& log) {
+  std::array<std::uint8_t, kDoubtfulSize> mark{};
+  PutLittle<std::uint64_t>(mark, 0, 1);
+  try {
+    if (log.Size() >= RedoLog::kHeaderSize) log.WriteAt(kDoubtfulOffset, mark);
+  } catch (const Error&) {
+    // The others learn it from the system when they flush.
+  }
 }
 
 // Collects small writes into large ones.
@@ -92,7 +104,8 @@ RedoLog::RedoLog(FileSystem& fileSystem, std::string databasePath, bool readOnly
     : fileSystem_(fileSystem),
       databasePath_(std::move(databasePath)),
       path_(databasePath_ + ".redo"),
-      readOnly_(readOnly) {}
+      readOnly_(readOnly),
+      flush_(fileSystem, path_) {}
 
 std::uint64_t RedoLog::PageChecksum(std::span<const std::uint8_t> stored) {
   const std::uint64_t checksum = Checksum(0, stored);
@@ -129,8 +142,17 @@ RedoLog::News RedoLog::TakeIn(std::vector<PageNumber>& changed) {
 bool RedoLog::OpenFile() {
   if (!fileSystem_.Exists(path_)) return false;
   file_ = fileSystem_.Open(path_, readOnly_ ? FileSystem::OpenMode::ReadOnly : FileSystem::OpenMode::ReadWrite);
-  folderIsDurable_ = false;
+  if (!readOnly_) BeginFlushing();
   return true;
+}
+
+void RedoLog::BeginFlushing() {
+  try {
+    flush_.Begin(*file_, MarkAsDoubtful);
+  } catch (...) {
+    file_.reset();
+    throw;
+  }
 }
 
 void RedoLog::Forget() {
@@ -285,19 +307,24 @@ bool RedoLog::BelongsTo(File& database) {
 // Appending
 // ---------------------------------------------------------------------------------------------------------------------
 
-void RedoLog::Append(const LogOwner& owner, std::span<const StatementPage> pages, PageNumber pageCount) {
-  if (file_ == nullptr) {
-    file_ = fileSystem_.Open(path_, FileSystem::OpenMode::CreateNew);
-    fileSystem_.CopyPermissions(databasePath_, path_);
-    folderIsDurable_ = false;
-    fileSize_ = 0;
-  }
+void RedoLog::CreateFile() {
+  file_ = fileSystem_.Open(path_, FileSystem::OpenMode::CreateNew);
+  fileSystem_.CopyPermissions(databasePath_, path_);
+  fileSize_ = 0;
+  BeginFlushing();
+}
+
+void RedoLog::Append(const LogOwner& owner, std::span<const StatementPage> pages, PageNumber pageCount,
+                     FlushTime flush) {
+  if (file_ == nullptr) CreateFile();
   const std::uint64_t oldEnd = end_;
   try {
     if (fileSize_ > end_) file_->Truncate(end_);
     // A log without statements may have been begun before another program wrote the database.
     if (salt_ == 0 || (pages_.empty() && !IsOf(owner))) WriteHeader(owner);
-    chain_ = WriteStatement(pages, pageCount);
+    const std::uint64_t checksum = WriteStatement(pages, pageCount);
+    if (flush == FlushTime::EachStatement) flush_.Now();
+    chain_ = checksum;
   } catch (...) {
     if (oldEnd == 0) Forget();
     try {
@@ -317,6 +344,7 @@ void RedoLog::Append(const LogOwner& owner, std::span<const StatementPage> pages
   pageCount_ = pageCount;
   end_ += StatementSize(pages.size());
   fileSize_ = end_;
+  if (flush == FlushTime::Soon) flush_.Soon();
 }
 
 bool RedoLog::IsOf(const LogOwner& owner) const {
@@ -385,9 +413,48 @@ void RedoLog::MarkApplying() {
     file_->WriteAt(kMarkOffset, mark);
     header_ = marked;
   }
-  file_->Sync();
-  if (!folderIsDurable_) fileSystem_.SyncFolderOf(path_);
-  folderIsDurable_ = true;
+  MakeDurable();
+}
+
+bool RedoLog::IsDoubtful() const {
+  return flush_.HasFailed() || (salt_ != 0 && GetLittle<std::uint64_t>(header_, kDoubtfulOffset) != 0);
+}
+
+void RedoLog::FlushSoon() {
+  if (!readOnly_) flush_.Soon();
+}
+
+void RedoLog::Flush() {
+  if (file_ != nullptr && !readOnly_) MakeDurable();
+}
+
+void RedoLog::MakeDurable() {
+  flush_.Settle();
+  file_->ReadAt(0, header_);
+  if (IsDoubtful()) WriteAnew();
+  flush_.Now();
+}
+
+// Writes every byte that counts once more, so that the flush that follows has it all to write.
+void RedoLog::WriteAnew() {
+  std::vector<std::uint8_t> chunk(kChunkSize);
+  for (std::uint64_t offset = 0; offset < end_; offset += chunk.size()) {
+    chunk.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kChunkSize, end_ - offset)));
+    file_->ReadAt(offset, chunk);
+    file_->WriteAt(offset, chunk);
+  }
+  // A statement that was refused because of the failed flush must not come back behind them.
+  const std::array<std::uint8_t, kStatementHeaderSize> nothing{};
+  file_->WriteAt(end_, nothing);
+  // The system may have read it from the disk, and not from its memory.
+  RedoLog written(fileSystem_, databasePath_, true);
+  std::vector<PageNumber> pages;
+  static_cast<void>(written.TakeIn(pages));
+  if (written.end_ != end_) {
+    RaiseFailure("The log '" + path_ +
+                 "' could not be flushed, and the system has forgotten a part of it. What the file '" + databasePath_ +
+                 "' itself holds is sound.");
+  }
 }
 
 // Not flushed: where it gets lost the log is applied once more, which changes nothing.
@@ -425,28 +492,32 @@ void RedoLog::ApplyTo(File& database) {
 }
 
 void RedoLog::Reset(const LogOwner& owner) {
+  flush_.Settle();
   Forget();
   file_->Truncate(0);
   fileSize_ = 0;
   // Without this a power failure could bring old statements back that no longer belong to the database.
-  file_->Sync();
+  flush_.Now();
+  flush_.ForgetFailures();
   WriteHeader(owner);
 }
 
 void RedoLog::Remove() {
-  const bool hadStatements = fileSize_ > kHeaderSize;
-  file_.reset();
+  // A doubtful log may hold a statement that was refused because it could not be flushed.
+  const bool mayHoldStatements = fileSize_ > kHeaderSize || IsDoubtful();
+  Release();
   Forget();
   fileSystem_.Remove(path_);
   // As in Reset: old statements must not come back.
-  if (hadStatements) fileSystem_.SyncFolderOf(path_);
+  if (mayHoldStatements) fileSystem_.SyncFolderOf(path_);
 }
 
 std::string RedoLog::SetAside(bool isAlone) {
   std::string target = FreeSetAsidePath();
   Forget();
+  flush_.Settle();
   if (isAlone) {
-    file_.reset();
+    Release();
     fileSystem_.Rename(path_, target);
     fileSystem_.SyncFolderOf(path_);
   } else {
@@ -454,7 +525,7 @@ std::string RedoLog::SetAside(bool isAlone) {
     CopyTo(target);
     fileSystem_.SyncFolderOf(target);
     file_->Truncate(0);
-    file_->Sync();
+    flush_.Now();
     fileSize_ = 0;
   }
   return target;
@@ -478,6 +549,11 @@ void RedoLog::CopyTo(const std::string& path) {
     target->WriteAt(offset, chunk);
   }
   target->Sync();
+}
+
+void RedoLog::Release() {
+  flush_.End();
+  file_.reset();
 }
 
 void RedoLog::Ignore() {

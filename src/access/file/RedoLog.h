@@ -10,6 +10,8 @@
 #include <vector>
 
 #include "access/file/FileSystem.h"
+#include "access/file/FlushTime.h"
+#include "access/file/LogFlush.h"
 #include "access/file/Page.h"
 
 namespace tavi::access {
@@ -32,7 +34,7 @@ namespace tavi::access {
 //   0x40    8     applying: offset of the log's end at that time
 //   0x48    8     checksum of the 8 bytes before, seed = salt
 //   0x50    8     applied: checksum of the 16 bytes before, seed = salt; written when the database has been flushed
-//   0x58    8     0
+//   0x58    8     doubtful: not 0 when a flush of the log has failed
 //
 //   From offset 0x60 on: statements, back to back. A statement with n pages, 40 + n x (16 + 4096) bytes:
 //   +0x00   4     "STMT"
@@ -65,11 +67,15 @@ namespace tavi::access {
 // torn end of a statement that was not finished; it does not count and the next one is written over it. None counts in
 // a log that is marked as applied: the database has them all, and other programs may have changed it since.
 //
-// What is durable when: appending flushes nothing. A checkpoint sets the mark and flushes the log before it touches the
-// database, and flushes the database before the log goes; so whenever the applying mark is there and the run reaches
-// the offset in it, the database may hold any mixture of old and new pages, and the log holds all new ones. While it is
-// absent the database is as it was when the log was begun, and a log whose checksums of old pages disagree with it is
-// not its own.
+// What is durable when: a statement is appended, and a flush begins soon after (LogFlush), or is over before the
+// statement returns. A checkpoint sets the mark and flushes the log before it touches the database, and flushes the
+// database before the log goes; so whenever the applying mark is there and the run reaches the offset in it, the
+// database may hold any mixture of old and new pages, and the log holds all new ones. While it is absent the database
+// is as it was when the log was begun, and a log whose checksums of old pages disagree with it is not its own.
+//
+// After a flush that failed the system may have forgotten what it could not write, and a later flush that succeeds says
+// nothing about it: the log may have holes that show only after a power failure. It is doubtful then. Nothing is
+// appended to it before a checkpoint, which writes it once more from its start before it flushes it.
 
 /// A page in the log.
 struct LoggedPage {
@@ -98,6 +104,7 @@ struct LogOwner {
 class RedoLog {
  public:
   static constexpr std::uint64_t kNotInDatabase = 0;
+  static constexpr std::size_t kHeaderSize = 0x60;
 
   RedoLog(FileSystem& fileSystem, std::string databasePath, bool readOnly);
 
@@ -131,8 +138,21 @@ class RedoLog {
   /// Whether the statements belong to the database file as it now is.
   [[nodiscard]] bool BelongsTo(File& database);
 
-  /// Appends a statement, making the file when there is none. On an error the file is as it was before.
-  void Append(const LogOwner& owner, std::span<const StatementPage> pages, PageNumber pageCount);
+  /// Appends a statement, making the file when there is none. It is flushed soon, or before the call returns. On an
+  /// error, also of that flush, the file is as it was before.
+  void Append(const LogOwner& owner, std::span<const StatementPage> pages, PageNumber pageCount,
+              FlushTime flush = FlushTime::Soon);
+
+  /// Lets what others have appended be flushed soon: they may be gone.
+  void FlushSoon();
+  /// Returns when all statements are durable.
+  void Flush();
+  /// Waits for a flush that is going on in the background and drops what was asked for.
+  void SettleFlush() { flush_.Settle(); }
+  /// The reason why a flush in the background failed, once.
+  [[nodiscard]] std::optional<std::string> TakeFailedFlush() { return flush_.TakeFailure(); }
+  /// True when a flush has failed, here or by another opener: a checkpoint must come before the next statement.
+  [[nodiscard]] bool IsDoubtful() const;
 
   /// Writes all logged pages into the database file and flushes it; the log stays, marked as being applied. Can be
   /// repeated after an error or a crash.
@@ -145,8 +165,8 @@ class RedoLog {
   std::string SetAside(bool isAlone);
   /// Takes the log as if it were empty until another one is begun: for readers, who cannot set it aside.
   void Ignore();
-  /// Lets go of the file, whatever is in it.
-  void Release() { file_.reset(); }
+  /// Lets go of the file, whatever is in it, when no flush is going on any more.
+  void Release();
 
  private:
   struct Statement {
@@ -156,6 +176,10 @@ class RedoLog {
   };
 
   bool OpenFile();
+  void CreateFile();
+  void BeginFlushing();
+  void MakeDurable();
+  void WriteAnew();
   void Forget();
   News BecomeEmpty(bool isUnknown);
   [[nodiscard]] bool TakeInHeader();
@@ -175,7 +199,6 @@ class RedoLog {
   [[nodiscard]] std::string FreeSetAsidePath() const;
   void CopyTo(const std::string& path);
 
-  static constexpr std::size_t kHeaderSize = 0x60;
   using Header = std::array<std::uint8_t, kHeaderSize>;
 
   FileSystem& fileSystem_;
@@ -183,7 +206,7 @@ class RedoLog {
   std::string path_;
   bool readOnly_;
   std::unique_ptr<File> file_;
-  bool folderIsDurable_ = false;
+  LogFlush flush_;
 
   Header header_{};            // as last read; valid when salt_ is not 0
   std::uint64_t salt_ = 0;     // 0: the file has no header yet

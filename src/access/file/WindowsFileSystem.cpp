@@ -11,6 +11,7 @@
 
 #include "access/file/EngineError.h"
 #include "access/file/FileSystem.h"
+#include "access/file/NativeBackgroundWork.h"
 #include "access/file/WindowsRangeLocks.h"
 #include "platform/values/WideText.h"
 
@@ -152,6 +153,13 @@ class WindowsFile final : public File {
     return (times.LastWriteTime.QuadPart - kTicksTo1970) * kNanosecondsPerTick;
   }
 
+  std::unique_ptr<File> OpenAgain() override {
+    const DWORD access = isReadOnly_ ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
+    Handle again(::ReOpenFile(handle_.Value(), access, kShareEverything, 0));
+    if (!again.IsOpen()) RaiseSystemError("open", path_, ::GetLastError());
+    return std::make_unique<WindowsFile>(std::move(again), path_, isReadOnly_);
+  }
+
   bool IsReadOnly() const override { return isReadOnly_; }
 
   bool IsStillAt(const std::string& path) override {
@@ -243,6 +251,11 @@ class WindowsFileSystem final : public FileSystem {
     } else {
       std::this_thread::yield();
     }
+  }
+
+  std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
+                                                    std::function<void()> work) override {
+    return NativeBackgroundWork(delay, std::move(work));
   }
 
  private:

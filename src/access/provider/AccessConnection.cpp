@@ -36,6 +36,10 @@ sql::Session& OpenFile::Session() {
   return session_;
 }
 
+void OpenFile::Flush() {
+  if (!isClosed_) database_.GetPager().Flush();
+}
+
 void OpenFile::Close() {
   if (isClosed_) return;
   isClosed_ = true;
@@ -89,6 +93,10 @@ void AccessConnection::RollbackTrans() {
 
 std::int32_t AccessConnection::TransactionLevel() const {
   return file_->GetDatabase().GetPager().TransactionLevel();
+}
+
+void AccessConnection::Flush() {
+  AsProvider([&] { file_->Flush(); });
 }
 
 void AccessConnection::Close() {

@@ -18,6 +18,8 @@ class OpenFile {
   [[nodiscard]] sql::Session& Session();
   [[nodiscard]] Database& GetDatabase() { return database_; }
   [[nodiscard]] bool IsClosed() const { return isClosed_; }
+  /// Nothing is left to flush after Close.
+  void Flush();
   void Close();
 
  private:
@@ -40,6 +42,7 @@ class AccessConnection final : public ado::Connection {
   void CommitTrans() override;
   void RollbackTrans() override;
   [[nodiscard]] std::int32_t TransactionLevel() const override;
+  void Flush() override;
   void Close() override;
 
  private:

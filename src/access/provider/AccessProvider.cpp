@@ -21,6 +21,7 @@ class AccessProvider final : public ado::Provider {
       const ConnectionString wanted = ParseConnectionString(connectionString);
       PagerOptions pagerOptions = options_.pager;
       pagerOptions.readOnly = pagerOptions.readOnly || wanted.readOnly;
+      if (wanted.flush == FlushTime::EachStatement) pagerOptions.flush = wanted.flush;
       const std::string path = options_.nativePath ? options_.nativePath(wanted.dataSource) : wanted.dataSource;
       return std::make_unique<AccessConnection>(
           std::make_shared<OpenFile>(Pager::Open(fileSystem_, path, pagerOptions), clock_));

@@ -52,6 +52,7 @@ ConnectionString ParseConnectionString(std::string_view text) {
     if (EqualIgnoringCase(name, "Provider")) CheckProvider(value);
     if (EqualIgnoringCase(name, "Data Source")) result.dataSource = value;
     if (EqualIgnoringCase(name, "Mode")) result.readOnly = EqualIgnoringCase(value, "Read");
+    if (EqualIgnoringCase(name, "Flush") && EqualIgnoringCase(value, "Each")) result.flush = FlushTime::EachStatement;
   }
   if (result.dataSource.empty()) RaiseFailure("The connection string names no file; write Data Source=PATH.");
   return result;

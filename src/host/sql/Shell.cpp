@@ -19,6 +19,8 @@ constexpr const char* kHelp =
     "  .tables           the tables of the file\n"
     "  .columns TABLE    the columns of a table\n"
     "  .explain on|off   show how statements would be run instead of running them\n"
+    "  .flush            wait until all that is stored would survive a loss of power\n"
+    "  .flush on|off     whether each statement waits for that\n"
     "  .bail on|off      whether the first error ends the run\n"
     "  .help             this text\n"
     "  .quit             leave (so does the end of the input)\n";
@@ -91,6 +93,10 @@ bool Shell::RunCommand(const std::string& line) {
     return Attempt("", [&] { ListColumns(TidyName(rest)); });
   } else if (word == ".explain" && (rest == "on" || rest == "off")) {
     explains_ = rest == "on";
+  } else if (word == ".flush" && rest.empty()) {
+    return Attempt("", [&] { connection_.Flush(); });
+  } else if (word == ".flush" && (rest == "on" || rest == "off")) {
+    flushes_ = rest == "on";
   } else if (word == ".bail" && (rest == "on" || rest == "off")) {
     bails_ = rest == "on";
   } else {
@@ -119,7 +125,10 @@ bool Shell::Attempt(const std::string& statement, Task task) {
 bool Shell::RunStatement(const std::string& statement) {
   const std::string tidy = statement.substr(statement.find_first_not_of(" \t\r\n"));
   const std::string text = (explains_ ? "EXPLAIN " : "") + tidy;
-  return Attempt(tidy, [&] { Query(connection_, text).Write(context_.out, context_.format); });
+  return Attempt(tidy, [&] {
+    Query(connection_, text).Write(context_.out, context_.format);
+    if (flushes_) connection_.Flush();
+  });
 }
 
 void Shell::ListTables() {

@@ -38,6 +38,7 @@ class Shell {
   LineSource& lines_;
   bool interactive_;
   bool bails_;
+  bool flushes_ = false;
   bool explains_ = false;
   int exitCode_ = kSucceeded;
   std::string unfinished_;

@@ -93,6 +93,9 @@ class Connection {
   /// Tables it has TABLE_NAME, TABLE_TYPE and CARDINALITY, the number of rows as the table states it (null when that is
   /// not to be found out), ordered by name.
   virtual std::unique_ptr<Recordset> OpenSchema(SchemaKind kind) = 0;
+  /// Returns when all that statements have stored, also those of others, would survive a loss of power. Raises
+  /// ProviderFailure when the system cannot flush it.
+  virtual void Flush() = 0;
   /// Begins a transaction, within another one when there is one, and returns how many are open then: 1 for the
   /// outermost. What is stored until its end is kept or undone together; a statement that fails undoes only itself.
   /// Others see the state before, without waiting, until the outermost one is committed; who wants to store something

@@ -1,6 +1,7 @@
 // Rules 3 and 4 of Pager.h: the machine stops at every single operation, in the middle of it or before it, and what had
 // not been flushed is kept, dropped or torn. What is found afterwards is the state after some whole number of
-// statements: all finished ones when only the process died, at least those up to the last close when the power went.
+// statements: all finished ones when only the process died, at least those up to the last close or flush when the power
+// went.
 #include <gtest/gtest.h>
 
 #include <optional>
@@ -102,6 +103,10 @@ class Story {
       for (; statement <= sessionEnd; ++statement) {
         RunStatement(second && statement % 5 == 0 ? *second : *pager, statement);
         finished_ = statement;
+        if (statement % 4 == 0) {
+          memory_->RunBackgroundWork();
+          durable_ = finished_;
+        }
         const WriteStatement rolledBack(*pager);
         SetPageText(pager->Write(4), "never");
       }

@@ -19,6 +19,12 @@ TEST(ConnectionString, ValuesMayBeQuoted) {
   EXPECT_FALSE(ParseConnectionString("Data Source=a.mdb;Mode=ReadWrite").readOnly);
 }
 
+TEST(ConnectionString, AsksForTheFlushOfEachStatement) {
+  EXPECT_EQ(ParseConnectionString("Data Source=a.mdb; flush = each").flush, FlushTime::EachStatement);
+  EXPECT_EQ(ParseConnectionString("Data Source=a.mdb;Flush=Soon").flush, FlushTime::Soon);
+  EXPECT_EQ(ParseConnectionString("Data Source=a.mdb").flush, FlushTime::Soon);
+}
+
 TEST(ConnectionString, WhatCannotBeOpenedIsRefused) {
   EXPECT_THROW(ParseConnectionString(""), Error);
   EXPECT_THROW(ParseConnectionString("Provider=Microsoft.Jet.OLEDB.4.0"), Error);

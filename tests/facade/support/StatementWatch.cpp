@@ -29,6 +29,7 @@ class WatchedConnection : public ado::Connection {
   void CommitTrans() override { connection_->CommitTrans(); }
   void RollbackTrans() override { connection_->RollbackTrans(); }
   [[nodiscard]] std::int32_t TransactionLevel() const override { return connection_->TransactionLevel(); }
+  void Flush() override { connection_->Flush(); }
   void Close() override { connection_->Close(); }
 
  private:

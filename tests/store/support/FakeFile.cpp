@@ -91,6 +91,7 @@ class FakeConnection : public ado::Connection {
     }
     return MakeFakeRecordset(schema_);
   }
+  void Flush() override {}
   std::int32_t BeginTrans() override {
     file_->transactions.push_back("begin " + std::to_string(++level_));
     return level_;

@@ -32,6 +32,10 @@ class InterceptedFile final : public File {
   }
   std::int64_t ModificationStamp() override { return inner_->ModificationStamp(); }
   bool IsStillAt(const std::string& path) override { return inner_->IsStillAt(path); }
+  std::unique_ptr<File> OpenAgain() override {
+    Ask(Operation::Open);
+    return std::make_unique<InterceptedFile>(system_, inner_->OpenAgain(), path_);
+  }
   bool IsReadOnly() const override { return inner_->IsReadOnly(); }
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     Ask(Operation::Lock);
@@ -95,6 +99,11 @@ void InterceptedFileSystem::SyncFolderOf(const std::string& path) {
 
 void InterceptedFileSystem::Pause(std::chrono::milliseconds duration) {
   inner_->Pause(duration);
+}
+
+std::unique_ptr<BackgroundWork> InterceptedFileSystem::NewBackgroundWork(std::chrono::milliseconds delay,
+                                                                         std::function<void()> work) {
+  return inner_->NewBackgroundWork(delay, std::move(work));
 }
 
 }  // namespace tavi::access::test

@@ -25,6 +25,8 @@ class InterceptedFileSystem : public FileSystem {
   void SyncFolderOf(const std::string& path) override;
   void Pause(std::chrono::milliseconds duration) override;
   [[nodiscard]] std::chrono::steady_clock::time_point Now() override { return inner_->Now(); }
+  std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
+                                                    std::function<void()> work) override;
 
   /// Called before each operation; throws to stop it. `partDone` is called to carry out a part of a write first (it
   /// does nothing for other operations).

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <random>
+#include <utility>
 
 #include "access/file/EngineError.h"
 
@@ -57,12 +58,25 @@ class MemoryFile final : public File {
   }
 
   void Sync() override {
-    node_->durable = node_->bytes;
+    const std::optional<std::uint32_t> seed = std::exchange(node_->failingFlush, std::nullopt);
+    if (seed) {
+      std::mt19937 random(*seed);
+      MemoryFileSystem::ApplySome(node_->unflushed, node_->durable, [&random](std::size_t count) {
+        return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
+      });
+    } else {
+      // What an earlier flush has lost is not on the device even now.
+      for (const auto& change : node_->unflushed) MemoryFileSystem::Apply(change, node_->durable);
+    }
     node_->unflushed.clear();
+    if (seed) RaiseFailure("Could not flush '" + path_ + "': Input/output error.");
   }
 
   std::int64_t ModificationStamp() override { return node_->stamp; }
   bool IsStillAt(const std::string& path) override { return system_.Find(path) == node_; }
+  std::unique_ptr<File> OpenAgain() override {
+    return std::make_unique<MemoryFile>(system_, node_, path_, isReadOnly_);
+  }
   bool IsReadOnly() const override { return isReadOnly_; }
 
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
@@ -117,6 +131,28 @@ class MemoryFile final : public File {
   std::shared_ptr<Node> node_;
   std::string path_;
   bool isReadOnly_;
+};
+
+class MemoryWork final : public BackgroundWork {
+ public:
+  MemoryWork(MemoryFileSystem& system, std::function<void()> work) : system_(system), work_(std::move(work)) {
+    system_.works_.push_back(this);
+  }
+  ~MemoryWork() override { std::erase(system_.works_, this); }
+  MemoryWork(const MemoryWork&) = delete;
+  MemoryWork& operator=(const MemoryWork&) = delete;
+
+  void Ask() override { isAsked_ = true; }
+  void Settle() override { isAsked_ = false; }
+  [[nodiscard]] bool IsAsked() const { return isAsked_; }
+  void Run() {
+    if (std::exchange(isAsked_, false)) work_();
+  }
+
+ private:
+  MemoryFileSystem& system_;
+  std::function<void()> work_;
+  bool isAsked_ = false;
 };
 
 void MemoryFileSystem::Apply(const Change& change, SharedBytes& bytes) {
@@ -189,6 +225,24 @@ void MemoryFileSystem::Pause(std::chrono::milliseconds duration) {
   paused_ += duration;
   // A copy: the action may put another one in its place.
   if (const std::function<void()> action = onPause_) action();
+}
+
+std::unique_ptr<BackgroundWork> MemoryFileSystem::NewBackgroundWork(std::chrono::milliseconds /*delay*/,
+                                                                    std::function<void()> work) {
+  return std::make_unique<MemoryWork>(*this, std::move(work));
+}
+
+void MemoryFileSystem::RunBackgroundWork() {
+  const std::vector<MemoryWork*> works = works_;
+  for (MemoryWork* work : works) work->Run();
+}
+
+bool MemoryFileSystem::HasBackgroundWork() const {
+  return std::any_of(works_.begin(), works_.end(), [](const MemoryWork* work) { return work->IsAsked(); });
+}
+
+void MemoryFileSystem::FailNextFlush(const std::string& path, std::uint32_t seed) {
+  if (const auto node = Find(path)) node->failingFlush = seed;
 }
 
 MemoryFileSystem::Bytes MemoryFileSystem::Contents(const std::string& path) const {

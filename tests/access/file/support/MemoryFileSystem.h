@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,8 @@ class MemoryFileSystem final : public FileSystem {
   [[nodiscard]] std::chrono::steady_clock::time_point Now() override {
     return std::chrono::steady_clock::time_point{paused_ + worked_};
   }
+  std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
+                                                    std::function<void()> work) override;
 
   /// The content of a file.
   [[nodiscard]] Bytes Contents(const std::string& path) const;
@@ -59,11 +62,19 @@ class MemoryFileSystem final : public FileSystem {
   /// Lets so much time pass.
   void WorkTakes(std::chrono::milliseconds duration) { worked_ += duration; }
 
+  /// Does, on this thread, all work that was asked for and has not been done: what threads would have done by now.
+  void RunBackgroundWork();
+  [[nodiscard]] bool HasBackgroundWork() const;
+  /// Lets the next flush of the file fail as a failing device does it: the system forgets that there was something to
+  /// write, of which any part, chosen by the seed, is on the device. What is read is as before.
+  void FailNextFlush(const std::string& path, std::uint32_t seed);
+
   /// The file system as it is found after a crash now: no locks, nothing unflushed. Cheap: contents are shared.
   [[nodiscard]] std::shared_ptr<MemoryFileSystem> AfterCrash(CrashKind kind, std::uint32_t seed) const;
 
  private:
   friend class MemoryFile;
+  friend class MemoryWork;
 
   /// A write at an offset, or, without bytes, a change of the length to `offset`.
   struct Change {
@@ -83,6 +94,7 @@ class MemoryFileSystem final : public FileSystem {
     std::int64_t stamp = 0;
     bool isReadOnly = false;
     std::vector<Lock> locks;
+    std::optional<std::uint32_t> failingFlush;  // seed of what the next flush loses
   };
   using Names = std::map<std::string, std::shared_ptr<Node>>;
 
@@ -100,6 +112,7 @@ class MemoryFileSystem final : public FileSystem {
   std::uint64_t capacity_ = ~std::uint64_t{0};
   std::int64_t clock_ = 0;
   std::function<void()> onPause_;
+  std::vector<class MemoryWork*> works_;
   std::chrono::milliseconds paused_{0};
   std::chrono::milliseconds worked_{0};
 };

@@ -48,6 +48,7 @@ class CountingPager final : public Pager {
     return inner_->WriteNew(number);
   }
   [[nodiscard]] std::uint64_t Generation() const override { return inner_->Generation(); }
+  void Flush() override { inner_->Flush(); }
   void Close() override { inner_->Close(); }
 
   [[nodiscard]] std::uint64_t Left() const { return left_; }

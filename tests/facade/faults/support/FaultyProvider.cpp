@@ -76,6 +76,7 @@ class FaultyConnection : public ado::Connection {
   // What is only in memory can be forgotten whatever the disk does.
   void RollbackTrans() override { connection_->RollbackTrans(); }
   [[nodiscard]] std::int32_t TransactionLevel() const override { return connection_->TransactionLevel(); }
+  void Flush() override { connection_->Flush(); }
   void Close() override {
     plan_->Note(Kind::CloseConnection, "the connection");
     connection_->Close();
