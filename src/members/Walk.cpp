@@ -9,6 +9,7 @@
 namespace tavi {
 namespace {
 
+constexpr std::int32_t kNoMember = -1;
 constexpr double kSurnameFirstFormat = 10.0;
 
 /// The active member of a number; a new player numbered -1 when there is none.
@@ -23,6 +24,12 @@ std::shared_ptr<cPlayerDetails> GetActiveMemberDetails(cDatabase& store, std::in
   rows->Close();
   use.Close();
   return player;
+}
+
+/// A player of the partnership in the current row; where the row names none, no member.
+std::int32_t PlayerNumber(const ado::Recordset& row, const char* column) {
+  const Value number = row.Get(column);
+  return IsNull(number) ? kNoMember : ToInt32(number);
 }
 
 std::string ActiveRows(const std::string& select) {
@@ -92,25 +99,30 @@ bool Walk::GetNextEBURecord(cDatabase& store, std::string& EBUNumber, std::strin
 
 bool Walk::GetNextPartnership(cDatabase& store, WalkedPartnership& partnership, std::int16_t NameFormat) {
   while (HasRow(store)) {
-    const std::int32_t lowerNumber = ToInt32(cursor_->Get("LowerPlayer"));
-    const std::int32_t higherNumber = ToInt32(cursor_->Get("HigherPlayer"));
+    const std::int32_t lowerNumber = PlayerNumber(*cursor_, "LowerPlayer");
+    const std::int32_t higherNumber = PlayerNumber(*cursor_, "HigherPlayer");
     const std::shared_ptr<cPlayerDetails> lower = GetActiveMemberDetails(store, lowerNumber);
     const std::shared_ptr<cPlayerDetails> higher = GetActiveMemberDetails(store, higherNumber);
     const bool complete = lower->MembershipNumber >= 0 && higher->MembershipNumber >= 0;
     if (complete) ReadPartnership(lower, higher, partnership, NameFormat);
-    if (retiredPlayers_ && lower->MembershipNumber < 0) retiredPlayers_->Add(lowerNumber);
-    if (retiredPlayers_ && higher->MembershipNumber < 0) retiredPlayers_->Add(higherNumber);
+    if (lower->MembershipNumber < 0) Remember(lowerNumber);
+    if (higher->MembershipNumber < 0) Remember(higherNumber);
     cursor_->MoveNext();
     if (complete) return true;
   }
   return false;
 }
 
+void Walk::Remember(std::int32_t retiredPlayer) {
+  if (retiredPlayers_ && retiredPlayer != kNoMember) retiredPlayers_->Add(retiredPlayer);
+}
+
 void Walk::ReadPartnership(const std::shared_ptr<cPlayerDetails>& lower, const std::shared_ptr<cPlayerDetails>& higher,
                            WalkedPartnership& partnership, std::int16_t NameFormat) const {
-  const bool lowerFirst = !ToBoolean(cursor_->Get("HigherFirst"));
+  const Value higherFirst = cursor_->Get("HigherFirst");
+  const bool lowerFirst = !IsNull(higherFirst) && !ToBoolean(higherFirst);
   cPartnership pair(lowerFirst ? lower : higher, lowerFirst ? higher : lower);
-  pair.Handicap = ToDouble(cursor_->Get("Handicap"));
+  pair.Handicap = cDatabase::GetNonIntegerField(*cursor_, "Handicap", pair.Handicap);
   pair.KnownAs = cDatabase::GetTextField(*cursor_, "KnownAs");
   partnership.P1Number = pair.Player1->MembershipNumber;
   partnership.P1Name = pair.Player1->Name(NameFormat);
@@ -121,6 +133,7 @@ void Walk::ReadPartnership(const std::shared_ptr<cPlayerDetails>& lower, const s
 }
 
 void Walk::EndGet(cDatabase& store) {
+  retired_ = false;
   // Even where closing fails: the cursor of a closed file is of no use.
   const std::unique_ptr<ado::Recordset> ended = std::move(cursor_);
   store.CloseDB(true);

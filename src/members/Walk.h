@@ -45,12 +45,14 @@ class Walk {
   /// inactive, unless the store has moved to another file.
   void EndGet(cDatabase& store);
 
-  /// During a walk of the members that includes inactive ones: whether the last one returned is inactive.
+  /// During a walk of the members that includes inactive ones: whether the last one returned is inactive. False at any
+  /// other time.
   [[nodiscard]] bool Retired() const { return retired_; }
 
  private:
   /// False without a cursor; at the end of the cursor the walk is ended.
   bool HasRow(cDatabase& store);
+  void Remember(std::int32_t retiredPlayer);
   void ReadPartnership(const std::shared_ptr<cPlayerDetails>& lower, const std::shared_ptr<cPlayerDetails>& higher,
                        WalkedPartnership& partnership, std::int16_t NameFormat) const;
 

@@ -152,11 +152,64 @@ TEST_F(WalkStateTest, RetiredSpeaksOfTheMemberReturnedLastAndOnlyWhenInactiveOne
   ASSERT_TRUE(NextMember());
   EXPECT_FALSE(club_->Retired());
   ASSERT_TRUE(FirstMember());
-  club_->EndGet();
-  EXPECT_TRUE(club_->Retired()) << "the end of the walk does not matter";
+  EXPECT_TRUE(club_->Retired());
   club_->IncludeInactiveMembers = false;
   ASSERT_TRUE(FirstMember());
   EXPECT_FALSE(club_->Retired());
+}
+
+TEST_F(WalkStateTest, NobodyIsRetiredAnyMoreAfterTheEndOfAWalkAndInAnotherWalk) {
+  club_->DeleteMember(3);
+  club_->IncludeInactiveMembers = true;
+  AddToEBUList("(1, 'Ann', 'Lee', 'SX', '')");
+  const auto walkToTheRetiredMember = [this] {
+    ASSERT_TRUE(FirstMember());
+    ASSERT_TRUE(NextMember());
+    ASSERT_TRUE(NextMember());
+    ASSERT_TRUE(club_->Retired());
+  };
+  walkToTheRetiredMember();
+  EXPECT_FALSE(NextMember());
+  EXPECT_FALSE(club_->Retired()) << "the walk has come to its end";
+  walkToTheRetiredMember();
+  club_->EndGet();
+  EXPECT_FALSE(club_->Retired()) << "the walk was ended";
+  walkToTheRetiredMember();
+  ASSERT_TRUE(FirstPair());
+  EXPECT_FALSE(club_->Retired()) << "a walk of the pairs has begun";
+  walkToTheRetiredMember();
+  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, kFirstAndLastName));
+  EXPECT_FALSE(club_->Retired()) << "a walk of the governing body's list has begun";
+  walkToTheRetiredMember();
+  club_.Execute("Delete From Partnerships");
+  EXPECT_FALSE(FirstPair());
+  EXPECT_FALSE(club_->Retired()) << "a walk without rows ends the one before too";
+}
+
+TEST_F(WalkStateTest, APairWhoseOrderIsNotStoredHasTheHigherNumberFirst) {
+  club_.Execute("Update Partnerships Set HigherFirst = Null Where HigherPlayer = 2");
+  ASSERT_TRUE(FirstPair());
+  EXPECT_EQ(name_, "Jane Smith");
+  EXPECT_EQ(number_, 2);
+  EXPECT_EQ(secondName_, "John Smith");
+}
+
+TEST_F(WalkStateTest, APairWithoutAHandicapIsGivenLikeAnyOther) {
+  club_.Execute("Update Partnerships Set Handicap = Null");
+  EXPECT_EQ(WalkPairs(), (Numbers{2, 3}));
+}
+
+TEST_F(WalkStateTest, APairThatNamesNoPlayerIsPassedOverAndPartsNobody) {
+  club_.Execute("Drop Table Partnerships");
+  club_.Execute(
+      "Create Table Partnerships (LowerPlayer Long, HigherPlayer Long, HigherFirst Short, Handicap Double, KnownAs "
+      "Text (255), Active Bit, HandicalcSeed Double, HandicalcSeedDate Date)");
+  const std::string insert = "Insert into Partnerships (LowerPlayer, HigherPlayer, HigherFirst, Active) Values ";
+  club_.Execute(insert + "(Null, 2, 0, 1)");
+  club_.Execute(insert + "(1, Null, 0, 1)");
+  club_.Execute(insert + "(1, 3, 0, 1)");
+  EXPECT_EQ(WalkPairs(), (Numbers{3}));
+  EXPECT_EQ(club_.Watch().CountOf("Update Partnerships set Active = 0"), 0);
 }
 
 TEST_F(WalkStateTest, APairsOwnNameHasNoOtherOrder) {
