@@ -3,6 +3,7 @@
 
 #include "names/NameText.h"
 #include "platform/values/Convert.h"
+#include "platform/values/Text.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 
@@ -108,7 +109,8 @@ std::string cDatabase::GetFullName(std::int32_t memberNumber) {
   PlayerNameParts name;
   bool active = false;
   if (!GetMembersNames(memberNumber, name.FirstName, name.Initials, name.Surname, active)) return {};
-  return JoinNameParts(name.FirstName, name.Initials, name.Surname);
+  // Tabs and longer gaps stay as they are stored.
+  return ReplaceAll(Trim(name.FirstName + " " + name.Initials + " " + name.Surname), "  ", " ");
 }
 
 std::int32_t cDatabase::GetMembershipID(const std::string& FirstName, const std::string& Initials,

@@ -13,6 +13,7 @@ constexpr std::int16_t kFirstNameAndSurname = 2;
 
 std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
                                               const std::shared_ptr<const NameKeyService>& nameKeyService) {
+  if (row.AtEnd()) throw Error(ErrorNumber::Component, "TaviMembership", "End of Record Set");
   auto player = std::make_shared<cPlayerDetails>(nameKeyService);
   player->MembershipNumber = cDatabase::GetNumericField(row, "MembershipNumber", kNoMember);
   player->SetNameComponents(cDatabase::GetTextField(row, "FirstName"), cDatabase::GetTextField(row, "MiddleInitials"),

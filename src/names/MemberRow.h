@@ -11,7 +11,8 @@ namespace tavi {
 inline constexpr const char* kMemberRowColumns =
     "MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag";
 
-/// The player of the current row. The uniqueness flag is 2 whatever the row holds.
+/// The player of the current row. The uniqueness flag is 2 whatever the row holds. Raises "End of Record Set"
+/// (0x80040000, source "TaviMembership") when there is no current row.
 std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
                                               const std::shared_ptr<const NameKeyService>& nameKeyService);
 

@@ -56,6 +56,8 @@ void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> cand
 
 std::int32_t FindMember(cDatabase& database, const std::string& Name, bool ExactMatchRequired) {
   return WhileOpen(database, [&] {
+    // Not even a member without any name is meant by it.
+    if (Name.empty()) return kNoMember;
     const PlayerNameParts name = SplitName(Name);
     bool retired = false;
     const std::int32_t exact = database.GetMembershipID(name.FirstName, name.Initials, name.Surname, retired);

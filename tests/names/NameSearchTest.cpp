@@ -88,6 +88,13 @@ TEST_F(NameSearchTest, ASingleWordMeansAMemberWithoutSurname) {
   EXPECT_EQ(Find(""), -1);
 }
 
+TEST_F(NameSearchTest, AnEmptyNameMeansNobodyEvenWhereAMemberHasNoName) {
+  AnswerExact("", "", "", {{7, "", "", ""}});
+  EXPECT_EQ(Find(""), -1);
+  EXPECT_EQ(Find("", true), -1);
+  EXPECT_EQ(store_.OpenCount(), 0);
+}
+
 constexpr const char* kByBothKeys =
     "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag from "
     "Members Where Active <> 0 And FuzzedFirstName = 'F:JOHN' And FuzzedLastName = 'S:O''NEIL'";
@@ -131,6 +138,19 @@ TEST_F(NameSearchTest, ReadMemberRowTakesTheColumnsAndFlagTwo) {
   EXPECT_EQ(player->EBUNumber, "99");
   EXPECT_EQ(player->UniquenessFlag, 2) << "whatever the row holds";
   EXPECT_EQ(player->FuzzedSurname(), "SSMTH");
+}
+
+TEST_F(NameSearchTest, ReadMemberRowWantsARow) {
+  Answer("x", {});
+  const auto row = testing::MakeFakeRecordset(fake_.file->answers["x"]);
+  try {
+    static_cast<void>(ReadMemberRow(*row, testing::Keys()));
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::Component));
+    EXPECT_EQ(error.Source(), "TaviMembership");
+    EXPECT_EQ(error.Description(), "End of Record Set");
+  }
 }
 
 }  // namespace
