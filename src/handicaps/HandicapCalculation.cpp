@@ -7,6 +7,7 @@
 #include "members/Pairs.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
+#include "store/ReadField.h"
 
 namespace tavi {
 namespace {
@@ -28,13 +29,20 @@ Date WeeksBefore(Date date, std::int32_t weeks) {
   return Date{earlier < 0 ? earlier - timeOfDay : earlier + timeOfDay};
 }
 
-/// The seed of the current row, when there is one: a handicap above 0.
+/// The seed of the current row, when there is one: a handicap above 0 with a date.
 std::optional<cHandiCalcResultData> SeedOf(const ado::Recordset& row, const cPairMemberNumbers& pair, bool isOfPair) {
   if (row.AtEnd()) return std::nullopt;
   const double seed = cDatabase::GetNonIntegerField(row, "HandicalcSeed");
   if (!(seed > 0.0)) return std::nullopt;
-  return cHandiCalcResultData::Create(kSeedIdentifier, cDatabase::GetDateField(row, "HandicalcSeedDate", Date()), seed,
-                                      pair, isOfPair);
+  const auto date = ReadField(
+      row, "HandicalcSeedDate",
+      [](const Value& value) { return IsNull(value) ? std::optional<Date>() : std::optional<Date>(ToDate(value)); },
+      [&] {
+        return isOfPair ? "the partnership of " + std::to_string(pair.Lower()) + " and " + std::to_string(pair.Higher())
+                        : "member " + std::to_string(pair.Higher());
+      });
+  if (!date) return std::nullopt;
+  return cHandiCalcResultData::Create(kSeedIdentifier, *date, seed, pair, isOfPair);
 }
 
 /// Rounded to two decimals. Raises Overflow for what is no number that could be stored.
@@ -45,18 +53,47 @@ double Rounded(double handicap) {
         "Overflow: a handicap is too large for a number; look for enormous percentages among the results and for "
         "an enormous factor in the handicap settings.");
   }
-  return RoundHalfEven(handicap, kDecimals);
+  return RoundDecimalHalfEven(handicap, kDecimals);
 }
 
-cHandiCalcResultData ResultOf(const ado::Recordset& row, const cPairMemberNumbers& pair, bool samePair) {
-  return cHandiCalcResultData::Create(cDatabase::GetNumericField(row, "Competitions.ID"),
-                                      cDatabase::GetDateField(row, "Competitions.CompetitionDate", Date()),
-                                      cDatabase::GetNonIntegerField(row, "ActualPercentage"), pair, samePair);
+/// A value for a message, which it must not spoil.
+std::string Shown(const ado::Recordset& row, std::string_view column) {
+  try {
+    const Value value = row.Get(column);
+    return IsNull(value) ? "(none)" : ToText(value);
+  } catch (const Error&) {
+    return "?";
+  }
+}
+
+/// A field of the current result.
+template <typename Read>
+auto ResultField(const ado::Recordset& row, std::string_view column, const Read& read) {
+  return ReadField(row, column, read, [&row] {
+    return "the result of player " + Shown(row, "Player") + " and partner " + Shown(row, "Partner") +
+           " in competition " + Shown(row, "Competitions.ID");
+  });
+}
+
+/// A player of the current result; who is not stored is no member.
+std::int32_t PlayerOf(const ado::Recordset& row, std::string_view column) {
+  return ResultField(row, column, [](const Value& value) { return IsNull(value) ? kNoMember : ToInt32(value); });
 }
 
 cPairMemberNumbers PairOf(const ado::Recordset& row) {
-  return cPairMemberNumbers::Create(cDatabase::GetNumericField(row, "Player", kNoMember),
-                                    cDatabase::GetNumericField(row, "Partner", kNoMember));
+  return cPairMemberNumbers::Create(PlayerOf(row, "Player"), PlayerOf(row, "Partner"));
+}
+
+/// Adds the current result to a list, unless it has no percentage: it was never scored then.
+void AddResult(HandicapResultList& list, const ado::Recordset& row, const cPairMemberNumbers& pair, bool samePair) {
+  const auto percentage = ResultField(row, "ActualPercentage", [](const Value& value) {
+    return IsNull(value) ? std::optional<double>() : std::optional<double>(ToDouble(value));
+  });
+  if (!percentage) return;
+  const Date date = ResultField(row, "Competitions.CompetitionDate",
+                                [](const Value& value) { return IsNull(value) ? Date() : ToDate(value); });
+  const std::int32_t competition = ResultField(row, "Competitions.ID", ToInt32);
+  AddResultInOrder(list, cHandiCalcResultData::Create(competition, date, *percentage, pair, samePair));
 }
 
 }  // namespace
@@ -150,7 +187,7 @@ void HandicapCalculation::ReadPlayerResults(std::int32_t number, HandicapResultL
   const auto rows = OpenResults("(Player = " + player + " Or Partner = " + player + ") ");
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const cPairMemberNumbers rowPair = PairOf(*rows);
-    AddResultInOrder(list, ResultOf(*rows, rowPair, pair_.SameAs(rowPair)));
+    AddResult(list, *rows, rowPair, pair_.SameAs(rowPair));
   }
 }
 
@@ -160,7 +197,7 @@ HandicapResultList HandicapCalculation::ReadJointResults() {
   const auto rows = OpenResults("( (Player = " + player + " And Partner = " + partner + ")  Or (Player = " + partner +
                                 " And Partner = " + player + ")) ");
   HandicapResultList joint;
-  for (; !rows->AtEnd(); rows->MoveNext()) AddResultInOrder(joint, ResultOf(*rows, pair_, true));
+  for (; !rows->AtEnd(); rows->MoveNext()) AddResult(joint, *rows, pair_, true);
   return joint;
 }
 

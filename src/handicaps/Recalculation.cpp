@@ -1,7 +1,11 @@
 #include "handicaps/Recalculation.h"
 
+#include <optional>
+
 #include "handicaps/HandicapCalculation.h"
+#include "platform/values/Convert.h"
 #include "store/OpenUse.h"
+#include "store/ReadField.h"
 
 namespace tavi {
 namespace {
@@ -10,6 +14,16 @@ constexpr std::int32_t kNoMember = -1;
 
 std::string KeyOf(std::int32_t memberNumber) {
   return std::to_string(memberNumber) + "M";
+}
+
+/// A number by which a row is known; nothing where it has none.
+std::optional<std::int32_t> NumberIn(const ado::Recordset& row, const char* table, std::string_view column) {
+  return ReadField(
+      row, column,
+      [](const Value& value) {
+        return IsNull(value) ? std::optional<std::int32_t>() : std::optional<std::int32_t>(ToInt32(value));
+      },
+      [table] { return "a row of the table " + std::string(table); });
 }
 
 void Store(ado::Recordset& row, double handicap) {
@@ -29,12 +43,13 @@ RememberedHandicaps RecalculatePartnerships(cDatabase& database, HeldSettings& h
   RememberedHandicaps remembered;
   const auto rows = database.OpenRecordset("Select * from Partnerships Where Active <> 0", ado::CursorType::Dynamic);
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    const std::int32_t lower = cDatabase::GetNumericField(*rows, "LowerPlayer", kNoMember);
-    const std::int32_t higher = cDatabase::GetNumericField(*rows, "HigherPlayer", kNoMember);
-    const Handicaps handicaps = CalculateHandicaps(database, held, RequestFor(lower, higher, false));
+    const std::optional<std::int32_t> lower = NumberIn(*rows, "Partnerships", "LowerPlayer");
+    const std::optional<std::int32_t> higher = NumberIn(*rows, "Partnerships", "HigherPlayer");
+    if (!lower || !higher) continue;
+    const Handicaps handicaps = CalculateHandicaps(database, held, RequestFor(*lower, *higher, false));
     Store(*rows, handicaps.PartnershipHandicap());
-    RememberHandicap(remembered, lower, handicaps.Player1Handicap());
-    RememberHandicap(remembered, higher, handicaps.Player2Handicap());
+    RememberHandicap(remembered, *lower, handicaps.Player1Handicap());
+    RememberHandicap(remembered, *higher, handicaps.Player2Handicap());
   }
   return remembered;
 }
@@ -42,11 +57,12 @@ RememberedHandicaps RecalculatePartnerships(cDatabase& database, HeldSettings& h
 void RecalculateMembers(cDatabase& database, HeldSettings& held, const RememberedHandicaps& remembered) {
   const auto rows = database.OpenRecordset("Select * from Members Where Active <> 0", ado::CursorType::Dynamic);
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    const std::int32_t number = cDatabase::GetNumericField(*rows, "MembershipNumber", kNoMember);
-    const double* known = remembered.Find(KeyOf(number));
+    const std::optional<std::int32_t> number = NumberIn(*rows, "Members", "MembershipNumber");
+    if (!number) continue;
+    const double* known = remembered.Find(KeyOf(*number));
     double handicap = known == nullptr ? 0.0 : *known;
     if (handicap == 0.0) {
-      handicap = CalculateHandicaps(database, held, RequestFor(number, kNoMember, true)).Player1Handicap();
+      handicap = CalculateHandicaps(database, held, RequestFor(*number, kNoMember, true)).Player1Handicap();
     }
     Store(*rows, handicap);
   }

@@ -17,8 +17,9 @@ void RememberHandicap(RememberedHandicaps& list, std::int32_t memberNumber, doub
 
 /// Calculates the handicap of every active partnership and member as of today and stores it. A member of a partnership
 /// gets the player handicap of that calculation (of the first of several partnerships), anybody else, and who gets
-/// exactly 0 there, an individual one. Each calculation leaves the store open once more. Errors of the store pass on;
-/// the rows stored before stay stored.
+/// exactly 0 there, an individual one. Rows without a number are left out; one that holds no number raises
+/// TypeMismatch. Each calculation leaves the store open once more. Errors of the store pass on; the rows stored before
+/// stay stored.
 void RecalculateAllHandicaps(cDatabase& database, HeldSettings& held);
 
 }  // namespace tavi

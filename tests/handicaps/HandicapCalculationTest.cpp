@@ -138,6 +138,58 @@ TEST_F(HandicapCalculationTest, HalfWayValuesGoToTheEvenDigit) {
   EXPECT_EQ(Of(2), 50.38);
 }
 
+TEST_F(HandicapCalculationTest, AMeanIsHalfWayWhenItsFifteenDigitsSaySo) {
+  AddResult(1, 1, 3, 34.825);
+  AddResult(1, 2, 4, 33.995);
+  EXPECT_EQ(Of(1), 34.82);
+  EXPECT_EQ(Of(2), 34.0);
+  EXPECT_EQ(Calculate(3, 2).Player1Handicap(), 34.82);
+  EXPECT_EQ(Calculate(3, 2).Player2Handicap(), 34.0);
+  settings_->SetRegularPairAdd(52.355 - (34.825 + 33.995) / 2.0);
+  club_->AddRegularPair(1, 2);
+  EXPECT_EQ(OfPair(), 52.36);
+}
+
+TEST_F(HandicapCalculationTest, AResultWithoutAPercentageWasNeverScored) {
+  const std::int32_t id = AddResult(1, 1, 2, 60.0);
+  AddResult(2, 1, 2, 50.0);
+  club_.Execute("Update Results Set ActualPercentage = Null Where Competition = " + std::to_string(id));
+  settings_->SetSamePartnerWeighting(100);
+  EXPECT_EQ(Of(1), 50.0);
+  EXPECT_EQ(OfPair(), 50.0);
+  settings_->SetMaxResults(5);
+  EXPECT_EQ(OfPair(), 50.0);
+  SetSeed(3, 44.0);
+  club_.Execute("Update Results Set Player = 3, Partner = 4, ActualPercentage = Null");
+  EXPECT_EQ(Of(3), 44.0) << "and it takes no room from a seed";
+}
+
+TEST_F(HandicapCalculationTest, APercentageThatIsNoNumberIsAnErrorThatNamesPlayerAndCompetition) {
+  const std::int32_t id = AddResult(1, 1, 2, 60.0);
+  club_.Execute("Alter Table Results Drop Column ActualPercentage");
+  club_.Execute("Alter Table Results Add Column ActualPercentage Text (20)");
+  club_.Execute("Update Results Set ActualPercentage = '57.5'");
+  EXPECT_EQ(Of(1), 57.5) << "a text that is a number will do";
+  club_.Execute("Update Results Set ActualPercentage = 'good'");
+  try {
+    Of(2);
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::TypeMismatch));
+    EXPECT_EQ(error.Description(),
+              "The column ActualPercentage of the result of player 1 and partner 2 in competition " +
+                  std::to_string(id) + " cannot be read: Type mismatch: \"good\" is not a number.");
+  }
+}
+
+TEST_F(HandicapCalculationTest, APartnerWhoIsNotStoredIsNoMember) {
+  const std::int32_t id = AddResult(1, 1, -1, 60.0);
+  AddTo(id, 1, 2, 50.0);
+  club_.Execute("Update Results Set Partner = Null Where Partner = -1");
+  EXPECT_EQ(Of(1), 55.0);
+  EXPECT_EQ(Of(2), 50.0);
+}
+
 TEST_F(HandicapCalculationTest, TheSecondPlayerOfAnIndividualCompetitionIsNotRounded) {
   settings_->SetUnknownPlayerHandicap(46.12345);
   AddResult(1, 1, 3, 50.126);
@@ -246,6 +298,16 @@ TEST_F(HandicapCalculationTest, OnlyPositiveSeedsCount) {
   EXPECT_EQ(Of(1), 50.0);
   SetSeed(1, 44.0);
   EXPECT_EQ(Of(1), 44.0);
+}
+
+TEST_F(HandicapCalculationTest, ASeedWithoutADateIsNone) {
+  settings_->SetMaxResults(5);
+  SetSeed(1, 44.0);
+  SetPairSeed(56.0);
+  club_.Execute("Update Partnerships Set HandicalcSeedDate = Null");
+  EXPECT_EQ(Calculate(1, 2).Player1Handicap(), 44.0) << "the pair has no seed, so that the player's own counts";
+  club_.Execute("Update Members Set HandicalcSeedDate = Null");
+  EXPECT_EQ(Calculate(1, 2).Player1Handicap(), 50.0);
 }
 
 TEST_F(HandicapCalculationTest, ASeedOutsideTheRangeOfDatesDoesNotCount) {
@@ -358,6 +420,14 @@ TEST_F(HandicapCalculationTest, AHandicapThatIsNoNumberAnyMoreOverflows) {
   }
   EXPECT_THROW(club_->RecalculateAllHandicaps(), Error);
   EXPECT_EQ(club_.Rows("Select Handicap From Partnerships"), (std::vector<std::string>{"50"}));
+}
+
+TEST_F(HandicapCalculationTest, ANegativeNumberOfResultsIsStoredAndThenNothingCanBeCalculated) {
+  settings_->SetMaxResults(-1);
+  AddResult(1, 1, 2, 60.0);
+  EXPECT_THROW(Of(1), Error);
+  EXPECT_EQ(club_.Rows("Select MaxResults From HandicalcSettings"), (std::vector<std::string>{"-1"}));
+  EXPECT_EQ(club_->HandicalcOptions().MaxResults(), -1);
 }
 
 TEST_F(HandicapCalculationTest, NothingIsWritten) {

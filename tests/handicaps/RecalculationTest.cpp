@@ -92,6 +92,48 @@ TEST_F(RecalculationTest, AMemberWithExactlyNothingInThePairIsCalculatedAlone) {
   EXPECT_EQ(club_.Watch().CountOf("Select ActualPercentage"), 2 + 5) << "both again, and the three without a pair";
 }
 
+TEST_F(RecalculationTest, HandicapsAreRecalculatedThoughTheCalculationIsSwitchedOff) {
+  static_cast<void>(club_->HandicalcOptions());
+  club_->SetHandiCalcDisabled(true);
+  AddResult(1, 2, "56");
+  club_->RecalculateAllHandicaps();
+  EXPECT_EQ(MemberHandicaps(), (Texts{"56", "56", "50", "50", "50"}));
+  EXPECT_TRUE(club_->HandiCalcDisabled());
+}
+
+TEST_F(RecalculationTest, RowsWithoutANumberAreLeftOut) {
+  club_.Execute("Drop Table Partnerships");
+  club_.Execute(
+      "Create Table Partnerships (LowerPlayer Long, HigherPlayer Long, Handicap Double, KnownAs Text (255), Active "
+      "Bit, HandicalcSeed Double, HandicalcSeedDate Date)");
+  const std::string insert = "Insert Into Partnerships (LowerPlayer, HigherPlayer, Handicap, Active) Values ";
+  for (const char* row : {"(Null, 2, 33, 1)", "(1, Null, 33, 1)", "(1, 2, 33, 1)"}) club_.Execute(insert + row);
+  club_.Execute("Drop Index PrimaryKey On Members");
+  club_.Execute("Alter Table Members Alter Column MembershipNumber Long");
+  club_.Execute("Update Members Set MembershipNumber = Null Where MembershipNumber = 5");
+  AddResult(1, 2, "56");
+  club_->RecalculateAllHandicaps();
+  EXPECT_EQ(PairHandicaps(), (Texts{" | 2 | 33", "1 |  | 33", "1 | 2 | 56"}));
+  EXPECT_EQ(club_.Rows("Select Handicap From Members Order By FirstName"), (Texts{"56", "56", "50", "50", "33"}));
+}
+
+TEST_F(RecalculationTest, ANumberThatIsNoneIsAnErrorThatNamesItsTableAndColumn) {
+  club_.Execute("Drop Table Partnerships");
+  club_.Execute(
+      "Create Table Partnerships (LowerPlayer Text (20), HigherPlayer Long, Handicap Double, KnownAs Text (255), "
+      "Active "
+      "Bit, HandicalcSeed Double, HandicalcSeedDate Date)");
+  club_.Execute("Insert Into Partnerships (LowerPlayer, HigherPlayer, Handicap, Active) Values ('Anne', 2, 33, 1)");
+  try {
+    club_->RecalculateAllHandicaps();
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::TypeMismatch));
+    EXPECT_TRUE(error.Description().starts_with("The column LowerPlayer of a row of the table Partnerships cannot be"))
+        << error.Description();
+  }
+}
+
 TEST_F(RecalculationTest, EachCalculationLeavesTheFileOpenOnceMore) {
   AddPair(1, 2);
   club_->RecalculateAllHandicaps();

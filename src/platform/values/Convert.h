@@ -28,11 +28,16 @@ std::string ToText(const Value& value);
 /// The general decimal text of a double: as many significant digits as it needs, at most 15, no exponent for ordinary
 /// values (1e-5 <= |x| < 1e15), a point as the separator, no trailing zeros ("0.5", "12", "-1.25", "1E+15").
 std::string NumberText(double number);
+/// The same with as many digits more, at most 17, as it takes to be read back as the same double.
+std::string ExactNumberText(double number);
 /// Reads a number in plain or exponent notation, blanks around it allowed; nothing when the text is none or not finite.
 std::optional<double> ParseNumber(std::string_view text);
 
 /// Rounds to `decimals` places, a value exactly half-way to the even last digit.
 double RoundHalfEven(double number, int decimals);
+/// The same for what people read: the number is taken as its text of 15 significant digits says, so that 33.995 is
+/// half-way to 34 although the nearest double lies a little below.
+double RoundDecimalHalfEven(double number, int decimals);
 
 /// The decimal text of an amount or decimal number, exact, without trailing zeros after the point ("-1.1", "14", "0").
 std::string CurrencyText(Currency amount);

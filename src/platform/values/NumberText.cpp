@@ -10,21 +10,23 @@ namespace tavi {
 namespace {
 
 constexpr int kSignificantDigits = 15;
+/// So many digits tell every double from all others.
+constexpr int kMostDigits = 17;
 constexpr int kFirstPlainExponent = -5;
 
 /// Above this size a double has no digits behind the point that could be rounded.
 constexpr double kWholeFrom = 4503599627370496.0;  // 2^52
 
-/// The digits of a positive number without trailing zeros, and the power of ten of the first one.
+/// The significant digits of a positive number without trailing zeros, and the power of ten of the first one.
 struct Digits {
   std::string digits;
   int exponent = 0;
 };
 
-Digits DigitsOf(double positive) {
+Digits DigitsOf(double positive, int count = kSignificantDigits) {
   std::array<char, 40> buffer{};
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), positive,
-                                     std::chars_format::scientific, kSignificantDigits - 1);
+  const auto written =
+      std::to_chars(buffer.data(), buffer.data() + buffer.size(), positive, std::chars_format::scientific, count - 1);
   const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
   const std::size_t mark = text.find('e');
   Digits result;
@@ -53,6 +55,12 @@ std::string ExponentText(const Digits& number) {
   return text + (number.exponent < 0 ? "E-" : "E+") + (exponent.size() < 2 ? "0" : "") + exponent;
 }
 
+std::string TextOf(double number, int digitCount) {
+  const Digits digits = DigitsOf(std::abs(number), digitCount);
+  const bool plain = digits.exponent >= kFirstPlainExponent && digits.exponent < kSignificantDigits;
+  return (number < 0 ? "-" : "") + (plain ? PlainText(digits) : ExponentText(digits));
+}
+
 /// True when a number that the library calls out of range is too small rather than too large.
 bool IsTiny(std::string_view text) {
   const std::size_t mark = text.find_first_of("eE");
@@ -66,9 +74,15 @@ std::string NumberText(double number) {
   if (std::isnan(number)) return "NaN";
   if (std::isinf(number)) return number > 0 ? "Infinity" : "-Infinity";
   if (number == 0.0) return "0";
-  const Digits digits = DigitsOf(std::abs(number));
-  const bool plain = digits.exponent >= kFirstPlainExponent && digits.exponent < kSignificantDigits;
-  return (number < 0 ? "-" : "") + (plain ? PlainText(digits) : ExponentText(digits));
+  return TextOf(number, kSignificantDigits);
+}
+
+std::string ExactNumberText(double number) {
+  std::string text = NumberText(number);
+  for (int digits = kSignificantDigits + 1; digits <= kMostDigits && ParseNumber(text) != number; ++digits) {
+    text = TextOf(number, digits);
+  }
+  return text;
 }
 
 std::optional<double> ParseNumber(std::string_view text) {
@@ -94,6 +108,24 @@ double RoundHalfEven(double number, int decimals) {
   const double above = scaled - below;
   const bool up = above > 0.5 || (above == 0.5 && std::fmod(below, 2.0) != 0.0);
   return (up ? below + 1.0 : below) / scale;
+}
+
+double RoundDecimalHalfEven(double number, int decimals) {
+  if (!std::isfinite(number) || number == 0.0) return number;
+  const Digits text = DigitsOf(std::abs(number));
+  const int kept = text.exponent + 1 + decimals;
+  if (kept > kSignificantDigits) return RoundHalfEven(number, decimals);
+  if (kept < 0) return 0.0;
+  const auto keptCount = std::min(static_cast<std::size_t>(kept), text.digits.size());
+  std::string digits = "0" + text.digits.substr(0, keptCount);
+  digits.append(static_cast<std::size_t>(kept) - keptCount, '0');
+  // No trailing zeros are in it, so that a rest of just "5" is exactly half-way.
+  const std::string rest = text.digits.substr(keptCount);
+  std::int64_t units = 0;
+  std::from_chars(digits.data(), digits.data() + digits.size(), units);
+  if (rest > "5" || (rest == "5" && units % 2 != 0)) ++units;
+  const double rounded = ParseNumber(std::to_string(units) + "E" + std::to_string(-decimals)).value_or(0.0);
+  return number < 0 ? -rounded : rounded;
 }
 
 }  // namespace tavi

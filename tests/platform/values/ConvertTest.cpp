@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 
 #include "platform/values/Error.h"
@@ -48,6 +51,23 @@ TEST(NumberText, WritesExponentsOnlyForVeryLargeAndVerySmallNumbers) {
   EXPECT_EQ(NumberText(std::numeric_limits<double>::quiet_NaN()), "NaN");
 }
 
+TEST(ExactNumberText, HasTheDigitsThatItTakesToReadTheSameNumberBack) {
+  EXPECT_EQ(ExactNumberText(50.0), "50");
+  EXPECT_EQ(ExactNumberText(0.9), "0.9");
+  EXPECT_EQ(ExactNumberText(100000.0), "100000");
+  EXPECT_EQ(ExactNumberText(0.1 + 0.2), "0.30000000000000004");
+  EXPECT_EQ(ExactNumberText(-1.0 / 3.0), "-0.3333333333333333");
+  EXPECT_EQ(ExactNumberText(1e-9 / 1.5), "6.666666666666667E-10");
+  EXPECT_EQ(ExactNumberText(123456789012345678.0), "1.2345678901234568E+17");
+  std::uint64_t bits = 0x3FF0000000000001U;
+  for (int count = 0; count < 20000; ++count, bits = bits * 6364136223846793005U + 1442695040888963407U) {
+    double number = 0.0;
+    std::memcpy(&number, &bits, sizeof(number));
+    if (!std::isfinite(number)) continue;
+    EXPECT_EQ(ParseNumber(ExactNumberText(number)), number);
+  }
+}
+
 TEST(ParseNumber, ReadsPlainAndExponentForms) {
   EXPECT_EQ(ParseNumber(" 12.5 "), 12.5);
   EXPECT_EQ(ParseNumber("+1"), 1.0);
@@ -76,6 +96,34 @@ TEST(RoundHalfEven, RoundsHalvesToTheEvenDigit) {
   EXPECT_EQ(RoundHalfEven(0.375, 2), 0.38);
   EXPECT_EQ(RoundHalfEven(2.4999999, 0), 2.0);
   EXPECT_EQ(RoundHalfEven(1e300, 2), 1e300);
+}
+
+TEST(RoundDecimalHalfEven, TakesANumberAsItsFifteenDigitsSay) {
+  EXPECT_EQ(RoundDecimalHalfEven(34.825, 2), 34.82);
+  EXPECT_EQ(RoundDecimalHalfEven(33.995, 2), 34.0);
+  EXPECT_EQ(RoundDecimalHalfEven(52.355, 2), 52.36);
+  EXPECT_EQ(RoundDecimalHalfEven(-52.355, 2), -52.36);
+  EXPECT_EQ(RoundDecimalHalfEven(1.005, 2), 1.0);
+  EXPECT_EQ(RoundDecimalHalfEven(0.005, 2), 0.0);
+  EXPECT_EQ(RoundDecimalHalfEven(0.015, 2), 0.02);
+  EXPECT_EQ(RoundDecimalHalfEven(0.0051, 2), 0.01);
+  EXPECT_EQ(RoundDecimalHalfEven(0.0009, 2), 0.0);
+  EXPECT_EQ(RoundDecimalHalfEven(99.995, 2), 100.0);
+  EXPECT_EQ(RoundDecimalHalfEven(34.8250000000001, 2), 34.83) << "the fifteenth digit counts";
+  EXPECT_EQ(RoundDecimalHalfEven(34.82500000000001, 2), 34.82) << "the sixteenth does not";
+  EXPECT_EQ(RoundDecimalHalfEven(7.0, 2), 7.0);
+  EXPECT_EQ(RoundDecimalHalfEven(300.0, 2), 300.0);
+  EXPECT_EQ(RoundDecimalHalfEven(0.0, 2), 0.0);
+  EXPECT_EQ(RoundDecimalHalfEven(1234567890123.25, 2), 1234567890123.25) << "no third decimal in fifteen digits";
+  EXPECT_EQ(RoundDecimalHalfEven(1e300, 2), 1e300);
+}
+
+TEST(RoundDecimalHalfEven, GivesEveryHalfWayHandicapItsEvenHundredth) {
+  for (int thousandths = 5; thousandths < 100000; thousandths += 10) {
+    const int hundredths = thousandths / 10;
+    const int even = hundredths % 2 == 0 ? hundredths : hundredths + 1;
+    EXPECT_EQ(RoundDecimalHalfEven(thousandths / 1000.0, 2), even / 100.0) << thousandths;
+  }
 }
 
 TEST(ToInt32, RoundsToTheNearestNumberTiesToEven) {
