@@ -2,15 +2,23 @@
 
 #include <optional>
 
-#include "names/NameText.h"
+#include "names/cPlayerDetails.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
+#include "store/ReadField.h"
 
 namespace tavi {
 namespace {
 
 constexpr const char* kStandardMember = "Standard";
 constexpr std::int32_t kEnrolled = -1;
+
+/// A field of the policy's row.
+template <typename Read>
+auto PolicyField(const ado::Recordset& row, std::string_view column, const Read& read) {
+  return ReadField(row, column, read,
+                   [] { return "the table ClubPolicies, row \"" + std::string(kStandardMember) + "\","; });
+}
 
 /// The fixed day of this year, or of the next when it is not after today.
 Date NextFixedDay(Date fixedDay, Date today) {
@@ -44,8 +52,13 @@ SubscriptionTerms GetStandardSubscriptionTerms(cDatabase& store) {
   const auto rows =
       store.OpenRecordset("Select * from ClubPolicies Where MemberType = " + cDatabase::SQLString(kStandardMember));
   if (!rows->AtEnd()) {
-    if (ToBoolean(rows->Get("SpecificDate"))) fixedDay = cDatabase::GetDateField(*rows, "SubsDueDate", terms.NextDue);
-    terms.Amount = ToDouble(rows->Get("Subs"));
+    if (PolicyField(*rows, "SpecificDate", ToBoolean)) {
+      const Date yearAhead = terms.NextDue;
+      fixedDay =
+          PolicyField(*rows, "SubsDueDate", [&](const Value& day) { return IsNull(day) ? yearAhead : ToDate(day); });
+    }
+    terms.Amount =
+        PolicyField(*rows, "Subs", [](const Value& amount) { return IsNull(amount) ? 0.0 : ToDouble(amount); });
   }
   rows->Close();
   use.Close();
@@ -55,7 +68,10 @@ SubscriptionTerms GetStandardSubscriptionTerms(cDatabase& store) {
 
 std::int32_t CheckMembershipID(cDatabase& store, std::int32_t MembershipID, const std::string& Name, double Par,
                                bool& Retired) {
-  const PlayerNameParts name = SplitName(Name);
+  // With its keys, so that a key service that is out of order is met before anything else is done.
+  cPlayerDetails player(store.GetPlatform().nameKeyService);
+  player.SetName(Name);
+  const PlayerNameParts& name = player.NameParts();
   OpenUse use(store);
   bool retiredNamesake = false;
   const std::int32_t namesake = store.GetMembershipID(name.FirstName, name.Initials, name.Surname, retiredNamesake);

@@ -66,6 +66,13 @@ TEST_F(MemberKeysTest, NobodyIsEnrolledWithoutKeys) {
   EXPECT_EQ(club_.Rows("Select FirstName From Members"), (Texts{"John"}));
 }
 
+TEST_F(MemberKeysTest, ACheckMakesTheKeysOfTheNameBeforeItOpensTheFile) {
+  bool retired = false;
+  club_.Watch().statements.clear();
+  ExpectError([&] { static_cast<void>(database_->CheckMembershipID(1, "John Smith", 50.0, retired)); });
+  EXPECT_TRUE(club_.Watch().statements.empty());
+}
+
 TEST_F(MemberKeysTest, SearchingAndLoadingRecordsPassTheErrorOn) {
   ExpectError([this] { static_cast<void>(database_->FindNearestMatches("John")); });
   ExpectError([this] { static_cast<void>(database_->GetMemberName(1, 5)); });

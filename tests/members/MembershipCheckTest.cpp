@@ -26,6 +26,18 @@ class MembershipCheckTest : public ::testing::Test {
         std::to_string(number));
   }
 
+  void ExpectUnreadablePolicy(const std::string& column, ErrorNumber number) {
+    try {
+      static_cast<void>(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_));
+      FAIL() << "accepted";
+    } catch (const Error& error) {
+      EXPECT_TRUE(error.Is(number)) << error.Number();
+      EXPECT_TRUE(error.Description().starts_with("The column " + column + " of the table ClubPolicies"))
+          << error.Description();
+    }
+    EXPECT_TRUE(Enrolled(40).empty());
+  }
+
   Club club_;
   bool retired_ = false;
 };
@@ -104,6 +116,26 @@ TEST_F(MembershipCheckTest, AFixedDayIsThisYearsOrTheNextOnes) {
   SetPolicy("1", "Null");
   static_cast<void>(club_->CheckMembershipID(42, "Cat Fox", 50.0, retired_));
   EXPECT_EQ(Enrolled(42), (Texts{"Fox | Standard | 1899-12-30 | 1899-12-30 | 2026-10-01 | 25.5"}));
+}
+
+TEST_F(MembershipCheckTest, AnEmptyAmountOfThePolicyIsNothingToPay) {
+  SetPolicy("1", "#2001-12-24#");
+  club_.Execute("Update ClubPolicies Set Subs = Null");
+  EXPECT_EQ(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_), -1);
+  EXPECT_EQ(Enrolled(40), (Texts{"Lee | Standard | 1899-12-30 | 1899-12-30 | 2025-12-24 | 0"}));
+}
+
+TEST_F(MembershipCheckTest, APolicyWithoutADayOrKindIsAnErrorAndNobodyIsEnrolled) {
+  SetPolicy("Null", "#2001-12-24#");
+  ExpectUnreadablePolicy("SpecificDate", ErrorNumber::TypeMismatch);
+  SetPolicy("1", "#2001-12-24#");
+  club_.Execute("Alter Table ClubPolicies Drop Column SubsDueDate");
+  ExpectUnreadablePolicy("SubsDueDate", ErrorNumber::ProviderNoColumn);
+  club_.Execute("Alter Table ClubPolicies Add Column SubsDueDate Text (20)");
+  club_.Execute("Update ClubPolicies Set SubsDueDate = 'Lady Day'");
+  ExpectUnreadablePolicy("SubsDueDate", ErrorNumber::TypeMismatch);
+  club_.Execute("Update ClubPolicies Set SubsDueDate = '24 Dec 2001'");
+  EXPECT_EQ(club_->CheckMembershipID(40, "Ann Lee", 50.0, retired_), -1) << "a text that is a date will do";
 }
 
 TEST_F(MembershipCheckTest, ADayThatDoesNotExistThisYearIsAConversionError) {
