@@ -1,6 +1,7 @@
 #include "competitions/MasterPoints.h"
 
 #include "competitions/CompetitionAttributes.h"
+#include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/Arguments.h"
 #include "store/OpenUse.h"
@@ -59,7 +60,7 @@ void InsertMasterPointsRow(cDatabase& database, const MasterPointAward& award, s
       "Status, RecordUpdated) Values (" +
       std::to_string(MemberID) + ", " + cDatabase::SQLString(KeptName(MemberID, Name)) + ", " +
       std::to_string(award.CompetitionID) + ", " + std::to_string(award.SessionNo) + ", " +
-      cDatabase::SQLNumber(award.MasterPoints, kPoints) + ", " + std::to_string(award.Colour) + ", 0, 1)");
+      NumberText(RequireNumber(award.MasterPoints, kPoints)) + ", " + std::to_string(award.Colour) + ", 0, 1)");
 }
 
 void ClearCompetitorMasterPoints(cDatabase& database, std::int32_t CompetitionID, std::int32_t MemberID,

@@ -43,6 +43,12 @@ constexpr std::array kTableStatements{
     "Create Table HandicalcSettings (MaxWeeks Short, MaxResults Short, SamePartnerWeighting Short, "
     "RegularPairMultiplier Double, RegularPairAdd Double, UnknownPlayerHandicap Double, Disabled Bit Default 0)"};
 
+/// The row of handicap settings, with what counts where none are stored: switching the calculation off changes this
+/// row.
+constexpr const char* kHandicapSettings =
+    "Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, RegularPairAdd, "
+    "UnknownPlayerHandicap, Disabled) Values (0, 0, 50, 1, 0, 50, 0)";
+
 /// One index for each column, or set of columns, by which rows are looked up or sorted.
 constexpr std::array kIndexStatements{
     "Create Index PrimaryKey On Members (MembershipNumber) With Primary",
@@ -72,6 +78,7 @@ void CreateBaseFile(ado::Connection& connection) {
   for (const char* statement : kTableStatements) connection.Execute(statement);
   connection.Execute(kCreateEbuMembersTable);
   for (const char* statement : kIndexStatements) connection.Execute(statement);
+  connection.Execute(kHandicapSettings);
 }
 
 }  // namespace tavi

@@ -16,7 +16,7 @@ std::string cDatabase::SQLDate(Date SomeDate) {
 }
 
 std::string cDatabase::SQLNumber(double Number, const std::string& What) {
-  return NumberText(RequireNumber(Number, What));
+  return ExactNumberText(RequireNumber(Number, What));
 }
 
 std::string cDatabase::StoredText(std::string_view text) {

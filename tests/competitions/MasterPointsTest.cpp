@@ -45,6 +45,16 @@ TEST_F(MasterPointsTest, ANegativeAwardIsStored) {
   EXPECT_EQ(club_.Rows("Select MasterPoints From MasterPoints"), (Texts{"-0.5", "-0.5"}));
 }
 
+TEST_F(MasterPointsTest, AnAwardHasAtMostFifteenDigits) {
+  club_.Watch().statements.clear();
+  club_->AddMasterPoints(id_, 1, 5, "", 7, "", 2.0 / 3.0, 0);
+  EXPECT_EQ(
+      club_.Watch().CountOf("Insert into MasterPoints (MembershipNumber, NonMemberName, CompetitionID, SessionNo, "
+                            "MasterPoints, Colour, Status, RecordUpdated) Values (5, '', " +
+                            std::to_string(id_) + ", 1, 0.666666666666667, 0, 0, 1)"),
+      1);
+}
+
 TEST_F(MasterPointsTest, InAnIndividualCompetitionOnlyTheFirstPlayerIsAwarded) {
   const std::int32_t individual = Register("Individual", true);
   club_->AddMasterPoints(individual, 1, 5, "", 7, "", 3.0, 0);

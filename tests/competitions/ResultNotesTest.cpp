@@ -29,9 +29,6 @@ class ResultNotesTest : public ::testing::Test {
   }
   void DisableCalculation() {
     static_cast<void>(club_->HandicalcOptions());
-    club_.Execute(
-        "Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
-        "RegularPairAdd, UnknownPlayerHandicap, Disabled) Values (0, 0, 50, 1, 0, 50, 0)");
     club_->SetHandiCalcDisabled(true);
   }
   Texts Results() { return club_.Rows("Select Player, Partner, ActualPercentage, NetPercentage From Results"); }
@@ -46,6 +43,15 @@ TEST_F(ResultNotesTest, AResultIsStored) {
   club_->NoteCompetitorResult(id, 1, "", 2, "", 55.25, 60.5);
   EXPECT_EQ(club_.Rows("Select Competition, Player, Partner, ActualPercentage, NetPercentage From Results"),
             (Texts{std::to_string(id) + " | 1 | 2 | 55.25 | 60.5"}));
+}
+
+TEST_F(ResultNotesTest, PercentagesAndAppliedHandicapsAreReadBackAsTheyWereStored) {
+  DisableCalculation();
+  club_->NoteCompetitorResult(Register(true), 1, "", 2, "", 100.0 / 3.0, 0.1 + 0.2, 200.0 / 3.0);
+  EXPECT_EQ(club_.Single("Select ActualPercentage From Results"), Value(100.0 / 3.0));
+  EXPECT_EQ(club_.Single("Select NetPercentage From Results"), Value(0.1 + 0.2));
+  EXPECT_EQ(club_.Single("Select Handicap From Members Where MembershipNumber = 1"), Value(200.0 / 3.0));
+  EXPECT_EQ(club_.Single("Select Handicap From Partnerships"), Value(200.0 / 3.0));
 }
 
 TEST_F(ResultNotesTest, ACompetitionThatDoesNotCountTouchesNoHandicap) {

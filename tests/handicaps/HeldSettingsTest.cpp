@@ -15,6 +15,7 @@ constexpr const char* kColumns =
 /// The settings that a public object holds, and the table that they come from.
 class HeldSettingsTest : public ::testing::Test {
  protected:
+  HeldSettingsTest() { club_.Execute("Delete From HandicalcSettings"); }
   ~HeldSettingsTest() override { EXPECT_EQ(club_.OpenCount(), 0) << "an operation left the file open"; }
 
   void StoreRow(const std::string& values) {
@@ -92,6 +93,19 @@ TEST_F(HeldSettingsTest, StoringReplacesTheRow) {
   EXPECT_EQ(StoredRows(), (Texts{"26 | -1 | 75 | 0.333333333333333 | -0.5 | 1234567.890625 | False"}));
 }
 
+TEST_F(HeldSettingsTest, NumbersAreReadBackAsTheyWereStored) {
+  auto settings = std::make_shared<HandiCalcSettings>();
+  settings->SetRegularPairMultiplier(1.0 / 3.0);
+  settings->SetRegularPairAdd(-0.1 - 0.2);
+  settings->SetUnknownPlayerHandicap(50.0 + 1.0 / 7.0);
+  club_->SetHandicalcOptions(settings);
+  club_.Reopen();
+  const HandiCalcSettings read = club_->HandicalcOptions();
+  EXPECT_EQ(read.RegularPairMultiplier(), 1.0 / 3.0);
+  EXPECT_EQ(read.RegularPairAdd(), -0.1 - 0.2);
+  EXPECT_EQ(read.UnknownPlayerHandicap(), 50.0 + 1.0 / 7.0);
+}
+
 TEST_F(HeldSettingsTest, TheStatementsAreTheKnownOnes) {
   static_cast<void>(club_->HandicalcOptions());
   club_.Watch().statements.clear();
@@ -144,6 +158,22 @@ TEST_F(HeldSettingsTest, DisablingBeforeAnySettingsAreHeldIsRefused) {
     EXPECT_TRUE(error.Is(ErrorNumber::NoObject));
   }
   EXPECT_EQ(StoredRows(), (Texts{"52 | 10 | 75 | 0.9 | 1.5 | 46.25 | False"}));
+}
+
+TEST(HeldSettingsOfANewClub, AreTheDefaultsAndRememberThatTheCalculationIsSwitchedOff) {
+  Club club;
+  const HandiCalcSettings settings = club->HandicalcOptions();
+  const HandiCalcSettings defaults;
+  EXPECT_EQ(settings.MaxWeeks(), defaults.MaxWeeks());
+  EXPECT_EQ(settings.MaxResults(), defaults.MaxResults());
+  EXPECT_EQ(settings.SamePartnerWeighting(), defaults.SamePartnerWeighting());
+  EXPECT_EQ(settings.RegularPairMultiplier(), defaults.RegularPairMultiplier());
+  EXPECT_EQ(settings.RegularPairAdd(), defaults.RegularPairAdd());
+  EXPECT_EQ(settings.UnknownPlayerHandicap(), defaults.UnknownPlayerHandicap());
+  EXPECT_FALSE(settings.Disabled());
+  club->SetHandiCalcDisabled(true);
+  club.Reopen();
+  EXPECT_TRUE(club->HandiCalcDisabled());
 }
 
 TEST_F(HeldSettingsTest, StoringNothingIsRefused) {

@@ -176,6 +176,22 @@ TEST_F(MembersTest, HandicapsOfActiveMembersCanBeSet) {
   EXPECT_EQ(club_->GetHandicap(77), 50.0);
 }
 
+TEST_F(MembersTest, HandicapsAreReadBackAsTheyWereStored) {
+  club_->AddNewMember("Anne", "", "Hill", 100.0 / 3.0);
+  club_->AddNewMember("Bob", "", "Dale", 50.0);
+  EXPECT_EQ(club_->GetHandicap(1), 100.0 / 3.0);
+  club_->SetHandicap(1, 0.1 + 0.2);
+  EXPECT_EQ(club_->GetHandicap(1), 0.1 + 0.2);
+  club_->AddRegularPair(1, 2);
+  std::string alias;
+  double handicap = 0.0;
+  ASSERT_TRUE(club_->IsRegularPair(1, 2, alias, handicap));
+  EXPECT_EQ(handicap, (0.1 + 0.2) / 2.0 + 25.0);
+  club_->SetPairHandicap(1, 2, 200.0 / 3.0);
+  ASSERT_TRUE(club_->IsRegularPair(1, 2, alias, handicap));
+  EXPECT_EQ(handicap, 200.0 / 3.0);
+}
+
 TEST_F(MembersTest, AStratumIsStoredAndRead) {
   club_->AddNewMember("Anne", "", "Hill");
   EXPECT_EQ(club_->PlayersStratum(1), 0);
@@ -192,6 +208,13 @@ TEST_F(MembersTest, AMemberWithoutInitialsHasNoDoubleBlankInTheFullName) {
   EXPECT_EQ(ThreadStore()->GetFullName(1), "Anne Hill");
   EXPECT_EQ(ThreadStore()->GetFullName(2), "Anne B C Hill");
   EXPECT_EQ(ThreadStore()->GetFullName(3), "");
+}
+
+TEST_F(MembersTest, TheFullNameHasEachPairOfBlanksMadeOneAndNothingElseTidied) {
+  club_->AddNewMember("Anne\tMary", "", "Hill");
+  EXPECT_EQ(ThreadStore()->GetFullName(1), "Anne\tMary Hill") << "a tab is no blank";
+  club_.Execute("Update Members Set FirstName = '  Jo  Ann', MiddleInitials = ' ', LastName = 'Ash '");
+  EXPECT_EQ(ThreadStore()->GetFullName(1), "Jo Ann  Ash") << "three blanks are a pair and one";
 }
 
 TEST_F(MembersTest, MembersExistWhenTheyHaveARecord) {

@@ -189,6 +189,18 @@ TEST(BaseFile, EveryTextColumnTakesAnEmptyText) {
   }
 }
 
+TEST(BaseFile, HasOneRowOfHandicapSettingsAndNoOtherRow) {
+  const ClubFile club;
+  EXPECT_THAT(club.Column("Select MaxWeeks & ' ' & MaxResults & ' ' & SamePartnerWeighting & ' ' & "
+                          "RegularPairMultiplier & ' ' & RegularPairAdd & ' ' & UnknownPlayerHandicap & ' ' & Disabled "
+                          "From HandicalcSettings"),
+              ElementsAre("0 0 50 1 0 50 0"));
+  for (const char* table : {"Members", "Partnerships", "Competitions", "Results", "MasterPoints", "Settings",
+                            "ClubNames", "ClubPolicies", "EBUMembershipList"}) {
+    EXPECT_THAT(club.Column("Select Count(*) From " + std::string(table)), ElementsAre("0")) << table;
+  }
+}
+
 TEST(BaseFile, CannotBeMadeTwice) {
   const ClubFile club;
   const auto connection = club.Connect();

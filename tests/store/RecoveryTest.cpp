@@ -112,7 +112,7 @@ TEST_F(RecoveryTest, EveryTableOfTheOldFileReplacesTheCurrentOne) {
   Old({"Insert into ClubNames (ClubName, ClubEBUNumber, Affiliation) Values ('Hillcrest', '123', 'WBU')",
        "Insert into ClubPolicies (MemberType, Subs) Values ('Junior', 5)",
        "Insert into Competitions (CompetitionName) Values ('Tuesday')",
-       "Insert into HandicalcSettings (MaxWeeks, Disabled) Values (26, -1)",
+       "Update HandicalcSettings Set MaxWeeks = 26, Disabled = -1",
        "Insert into MasterPoints (MembershipNumber, Colour, MasterPoints) Values (7, 2, 24)",
        "Insert into Members (MembershipNumber, FirstName, LastName, Notes, DOB, Active) Values (7, 'Ann', 'O''Neil', "
        "'" +

@@ -62,8 +62,10 @@ bool HoldsData(const Context& context) {
     const std::string name = ToText(tables->Get("TABLE_NAME"));
     const bool isKept =
         ToText(tables->Get("TABLE_TYPE")) != "TABLE" || EqualIgnoringCase(name, cDatabase::EBUMembersTable());
+    // Every new club's file has a row of default settings.
+    const std::int32_t rowsOfANewClub = EqualIgnoringCase(name, "HandicalcSettings") ? 1 : 0;
     const Value count = tables->Get("CARDINALITY");
-    if (!isKept && (IsNull(count) || ToInt32(count) > 0)) return true;
+    if (!isKept && (IsNull(count) || ToInt32(count) > rowsOfANewClub)) return true;
   }
   return false;
 }

@@ -46,6 +46,7 @@ class BadArgumentsTest : public ::testing::TestWithParam<BadArgumentOperation> {
           "Insert into EBUMembershipList (EBUNumber, FirstName, LastName) Values (78, 'Tim', 'Fox')",
           "Insert into ClubNames (ClubName) Values ('Old Club')", "Insert into Settings (LastMPCertificate) Values (7)",
           "Insert into ClubPolicies (MemberType, SpecificDate, Subs) Values ('Standard', 0, 12.5)",
+          "Delete from HandicalcSettings",
           "Insert into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
           "RegularPairAdd, UnknownPlayerHandicap, Disabled) Values (0, 0, 75, 1.5, 1, 45, 0)"}) {
       club_.Execute(statement);

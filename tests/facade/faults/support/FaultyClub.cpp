@@ -56,7 +56,7 @@ void FaultyClub::Fill() {
         "Insert Into EBUMembershipList Values (100002, 'John', 'Smith', 'SX', 'Lewes')",
         "Insert Into EBUMembershipList Values (100003, 'Jane', 'Smith', 'SX', 'Lewes')",
         "Insert Into ClubPolicies (MemberType, SpecificDate, SubsDueDate, Subs) Values ('Standard', 1, 45748, 25)",
-        "Insert Into HandicalcSettings Values (52, 3, 75, 0.9, 1.5, 45, 0)"}) {
+        "Delete From HandicalcSettings", "Insert Into HandicalcSettings Values (52, 3, 75, 0.9, 1.5, 45, 0)"}) {
     club_->Execute(statement);
   }
   const std::int32_t id = club.SetCompetition("Wednesday", Date::FromCivil(2025, 9, 17), false, 0, 0, 0, 5, 2, 0, true);
