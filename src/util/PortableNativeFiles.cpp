@@ -52,6 +52,32 @@ bool MakeNativeFile(std::string_view path, std::string_view text) noexcept {
   return WriteThrough(path, O_EXCL, text);
 }
 
+std::optional<std::string> ReadNativeFile(std::string_view path, std::size_t most) noexcept {
+  try {
+    if (!CanBePath(path)) return std::nullopt;
+    const int file = ::open(NativePath(path).c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return std::nullopt;
+    // One byte more, to see whether the file is larger.
+    std::string content(most + 1, '\0');
+    std::size_t size = 0;
+    ssize_t count = 1;
+    while (count > 0 && size < content.size()) {
+      count = ::read(file, content.data() + size, content.size() - size);
+      if (count > 0) size += static_cast<std::size_t>(count);
+    }
+    ::close(file);
+    if (count < 0 || size > most) return std::nullopt;
+    content.resize(size);
+    return content;
+  } catch (...) {
+    return std::nullopt;
+  }
+}
+
+bool ReplaceNativeFile(std::string_view path, std::string_view text) noexcept {
+  return WriteThrough(path, O_TRUNC, text);
+}
+
 bool AppendToNativeFile(std::string_view path, std::string_view text) noexcept {
   return WriteThrough(path, O_APPEND, text);
 }

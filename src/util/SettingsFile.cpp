@@ -11,6 +11,8 @@
 namespace tavi {
 namespace {
 
+/// A file without elements is not longer, whatever comments it has.
+constexpr std::size_t kLongestWithoutElement = 4096;
 constexpr const char* kSkeleton =
     "<settings>\r\n"
     "  <hkey_local_machine>\r\n"
@@ -49,25 +51,58 @@ void RequireXmlText(const std::string& valueName, const std::string& value) {
               "The setting \"" + valueName + "\" holds a control character, so the settings file cannot take it.");
 }
 
-/// The path of the settings file, which is there on return unless it could not be made.
-std::string MakeSureOfFile(const ShellFolders& shell) {
+/// True for an empty text and an XML document without a root: nobody's settings are lost with it.
+bool HoldsNoElement(std::string_view text) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  for (;;) {
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+    if (text.empty()) return true;
+    const bool isComment = text.starts_with("<!--");
+    if (!isComment && !text.starts_with("<?")) return false;
+    const std::string_view end = isComment ? "-->" : "?>";
+    const std::size_t place = text.find(end);
+    if (place == std::string_view::npos) return false;
+    text.remove_prefix(place + end.size());
+  }
+}
+
+std::string SettingsFolder(const ShellFolders& shell) {
   std::int32_t folderNumber = kCommonApplicationDataFolder;
   const std::string commonFolder = SpecialFolderPath(shell, folderNumber, true);
-  if (commonFolder.empty()) {
-    throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
-                "There is no folder for the settings file: the system names none for the data of all programs.");
-  }
-  const std::string folder = commonFolder + "\\Madrigo";
-  MakeNativeFolder(folder);
-  std::string fileName = folder + "\\Settings.xml";
-  if (!FileExists(fileName)) MakeNativeFile(fileName, kSkeleton);
-  return fileName;
+  return commonFolder.empty() ? "" : commonFolder + "\\Madrigo";
+}
+
+std::string SettingsPath(const ShellFolders& shell) {
+  const std::string folder = SettingsFolder(shell);
+  if (!folder.empty()) return folder + "\\Settings.xml";
+  throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
+              "There is no folder for the settings file: the system names none for the data of all programs.");
 }
 
 }  // namespace
 
-SettingsFile::SettingsFile(const Platform& platform)
-    : document_(platform.settingsDocuments->Load(MakeSureOfFile(*platform.shellFolders))) {}
+void SettingsFile::MakeSure(const Platform& platform) {
+  const std::string folder = SettingsFolder(*platform.shellFolders);
+  if (folder.empty()) return;
+  const std::string path = SettingsPath(*platform.shellFolders);
+  MakeNativeFolder(folder);
+  bool isThere = true;
+  if (!FileExists(path)) {
+    // Another program may make it at the same time.
+    isThere = MakeNativeFile(path, kSkeleton) || FileExists(path);
+  } else if (const auto content = ReadNativeFile(path, kLongestWithoutElement); content && HoldsNoElement(*content)) {
+    isThere = ReplaceNativeFile(path, kSkeleton);
+  }
+  if (isThere) return;
+  throw Error(ErrorNumber::InvalidArgument, "TaviMembership",
+              "The settings file " + path + " cannot be made; let this user write into its folder.");
+}
+
+SettingsFile::SettingsFile(const Platform& platform) {
+  MakeSure(platform);
+  document_ = platform.settingsDocuments->Load(SettingsPath(*platform.shellFolders));
+}
 
 std::optional<std::string> SettingsFile::Value(const std::string& keyPath, const std::string& valueName) const {
   const std::optional<std::string> text = document_->Text(ElementPath(keyPath, valueName));

@@ -13,8 +13,11 @@ namespace tavi {
 /// Markup characters of a value stand in the file escaped twice, as all installed files have them.
 class SettingsFile {
  public:
-  /// Loads the file; makes the folder and a file without values first where they are missing. Raises an error when the
-  /// file cannot be made, read or understood.
+  /// Makes the folder and a file without values where they are missing, and such a file in place of an empty one or one
+  /// without a root. Raises an error when that fails. Whatever else a file holds is left alone.
+  static void MakeSure(const Platform& platform);
+
+  /// Makes sure of the file and loads it. Raises an error when it cannot be made, read or understood.
   explicit SettingsFile(const Platform& platform);
 
   /// The value, nothing when the file does not hold it.

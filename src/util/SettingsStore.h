@@ -11,9 +11,10 @@ inline constexpr const char* kSettingsKey = "Software\\Pelmont\\Bridge\\ClubData
 inline constexpr const char* kDatabaseFolderSetting = "DB Folder";
 inline constexpr const char* kGoverningBodySetting = "Governing Body";
 
-/// A setting, or `Default` when it is missing, empty, or cannot be read. Machine-wide values are looked up in the
-/// settings file first, then in the registry; one that only the registry holds is copied into the file, so that the
-/// file takes over by and by. Per-user values are in the registry only. Raises an error only when that copying fails.
+/// A setting, or `Default` when it is missing or cannot be read; an empty "DB Folder" counts as missing. Machine-wide
+/// values are looked up in the settings file first, then in the registry; one that only the registry holds is copied
+/// into the file, so that the file takes over by and by. Per-user values are in the registry only. A file that cannot
+/// be read is left as it is and never an error; writing it that fails is one.
 std::string GetSetting(const Platform& platform, RegistryRoot root, const std::string& KeyPath,
                        const std::string& ValueName, const std::string& Default);
 

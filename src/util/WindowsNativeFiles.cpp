@@ -102,6 +102,33 @@ bool MakeNativeFile(std::string_view path, std::string_view text) noexcept {
   }
 }
 
+std::optional<std::string> ReadNativeFile(std::string_view path, std::size_t most) noexcept {
+  try {
+    const OpenFile file(path, GENERIC_READ, OPEN_EXISTING);
+    if (!file.IsOpen()) return std::nullopt;
+    // One byte more, to see whether the file is larger.
+    std::string content(most + 1, '\0');
+    DWORD size = 0;
+    if (::ReadFile(file.Handle(), content.data(), static_cast<DWORD>(content.size()), &size, nullptr) == 0) {
+      return std::nullopt;
+    }
+    if (size > most) return std::nullopt;
+    content.resize(size);
+    return content;
+  } catch (...) {
+    return std::nullopt;
+  }
+}
+
+bool ReplaceNativeFile(std::string_view path, std::string_view text) noexcept {
+  try {
+    const OpenFile file(path, GENERIC_WRITE, CREATE_ALWAYS);
+    return file.IsOpen() && file.Write(text);
+  } catch (...) {
+    return false;
+  }
+}
+
 bool AppendToNativeFile(std::string_view path, std::string_view text) noexcept {
   try {
     // Only who may read may lock.

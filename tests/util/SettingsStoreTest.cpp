@@ -57,6 +57,16 @@ class ConfigurationFolder : public NoFolders {
   const testing::TemporaryFolder& parent_;
 };
 
+/// Knows the folder of settings files alone, whatever is at its place.
+class FixedFolder : public NoFolders {
+ public:
+  explicit FixedFolder(std::string path) : path_(std::move(path)) {}
+  [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t /*folderNumber*/) const override { return path_; }
+
+ private:
+  std::string path_;
+};
+
 class SettingsStoreTest : public ::testing::Test {
  protected:
   static constexpr const char* kFile = "config/Madrigo/Settings.xml";
@@ -122,12 +132,24 @@ TEST_F(SettingsStoreTest, APerUserQuestionMakesNoFile) {
   EXPECT_FALSE(folder_.Has("config"));
 }
 
-TEST_F(SettingsStoreTest, AnEmptyValueLeavesTheDefault) {
+TEST_F(SettingsStoreTest, AnEmptyDatabaseFolderLeavesTheDefault) {
   PutIntoFile("<DB_Folder></DB_Folder>");
   PutIntoRegistry(kMachine, "");
   PutIntoRegistry(kUser, "");
   EXPECT_EQ(Get(kMachine), "default");
   EXPECT_EQ(Get(kUser), "default");
+}
+
+TEST_F(SettingsStoreTest, AnEmptyValueOfAnyOtherSettingIsFound) {
+  registry_->values[{kUser, kSettingsKey, kGoverningBodySetting}] = "";
+  EXPECT_EQ(Get(kUser, kGoverningBodySetting), "");
+  registry_->values[{kMachine, kSettingsKey, kGoverningBodySetting}] = "";
+  EXPECT_EQ(Get(kMachine, kGoverningBodySetting), "");
+  registry_->values.clear();
+  EXPECT_EQ(Get(kMachine, kGoverningBodySetting), "") << "the empty value stands in the file now";
+  PutIntoFile("<Governing_Body/>");
+  registry_->values[{kMachine, kSettingsKey, kGoverningBodySetting}] = "WBU";
+  EXPECT_EQ(Get(kMachine, kGoverningBodySetting), "") << "the file's value wins";
 }
 
 TEST_F(SettingsStoreTest, MarkupCharactersStandInTheFileEscapedTwice) {
@@ -148,18 +170,42 @@ TEST_F(SettingsStoreTest, KeysAreLowerCasedAndBlanksBecomeUnderscores) {
   EXPECT_EQ(SettingsFile(platform_).Value("SOFTWARE\\my club\\éven", "Some Value"), "x");
 }
 
-TEST_F(SettingsStoreTest, AnUnreadableFileNeverFailsARead) {
-  folder_.WriteFile(kFile, "this is no XML");
-  EXPECT_EQ(Get(kMachine), "default");
+TEST_F(SettingsStoreTest, AFileThatIsNoXmlNeverFailsAReadAndIsLeftAlone) {
+  for (const char* content : {"this is no XML", "<settings><hkey_local_machine>", "<", "<!-- no end", "\xFF\xFE<"}) {
+    folder_.WriteFile(kFile, content);
+    registry_->values.clear();
+    EXPECT_EQ(Get(kMachine), "default") << content;
+    PutIntoRegistry(kMachine, "C:\\Other");
+    EXPECT_EQ(Get(kMachine), "C:\\Other") << content;
+    EXPECT_EQ(folder_.ReadFile(kFile), content);
+  }
+}
+
+TEST_F(SettingsStoreTest, AnEmptyFileOrOneWithoutARootIsMadeWhole) {
+  for (const char* content : {"", "  \r\n", "\xEF\xBB\xBF", "<?xml version=\"1.0\"?>\r\n", "<!-- <settings> -->\n"}) {
+    folder_.WriteFile(kFile, content);
+    registry_->values.clear();
+    EXPECT_EQ(Get(kMachine), "default") << content;
+    EXPECT_TRUE(folder_.ReadFile(kFile).starts_with("<settings>\r\n")) << content;
+    folder_.WriteFile(kFile, content);
+    PutIntoRegistry(kMachine, "C:\\Other");
+    EXPECT_EQ(Get(kMachine), "C:\\Other") << content;
+    registry_->values.clear();
+    EXPECT_EQ(Get(kMachine), "C:\\Other") << "copied; " << content;
+  }
 }
 
 TEST_F(SettingsStoreTest, WithoutAFolderTheRegistryAndTheDefaultStandIn) {
   platform_.shellFolders = std::make_shared<NoFolders>();
   EXPECT_EQ(Get(kMachine), "default");
+  PutIntoRegistry(kMachine, "C:\\Other");
+  EXPECT_EQ(Get(kMachine), "C:\\Other");
 }
 
-TEST_F(SettingsStoreTest, AnErrorWhileTheFileIsWrittenReachesTheCaller) {
-  folder_.WriteFile(kFile, "this is no XML");
+TEST_F(SettingsStoreTest, AFileThatCannotBeMadeIsNoErrorUnlessAValueIsToBeCopied) {
+  folder_.WriteFile("config", "a file where the folder of settings should be");
+  platform_.shellFolders = std::make_shared<FixedFolder>(folder_.Path("config"));
+  EXPECT_EQ(Get(kMachine), "default");
   PutIntoRegistry(kMachine, "C:\\Other");
   EXPECT_THROW(static_cast<void>(Get(kMachine)), Error);
 }
