@@ -1,5 +1,6 @@
 #include "names/NameKeys.h"
 
+#include <algorithm>
 #include <array>
 
 #include "names/NameDictionary.h"
@@ -57,6 +58,8 @@ std::string CharacterKey(std::u32string_view characters) {
     }
     key += number;
   }
+  // The number on the limit is cut, as a long name's consonants are.
+  key.resize(std::min(key.size(), kLongestKey));
   return key;
 }
 

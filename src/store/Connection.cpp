@@ -43,7 +43,10 @@ std::string cDatabase::DatabaseFilePath() const {
 }
 
 void cDatabase::SetDatabaseFolder(const std::string& newFolder) {
-  if (!EqualIgnoringCase(newFolder, folder_)) NewDatabase();
+  if (!EqualIgnoringCase(newFolder, folder_)) {
+    NewDatabase();
+    nextFileUnchecked_ = openCount_ > 0;
+  }
   folder_ = newFolder;
 }
 
@@ -68,7 +71,11 @@ void cDatabase::OpenDB() {
   if (folder_.empty()) {
     throw Error(ErrorNumber::Component, kSource, "Attempt to use database before path set.");
   }
-  if (openCount_ == 0) OpenConnection();
+  if (openCount_ == 0) {
+    OpenConnection();
+    layoutCheckPending_ = layoutCheckPending_ || nextFileUnchecked_;
+    nextFileUnchecked_ = false;
+  }
   // A host that never closes what its calculations leave open must not fail in the middle of an evening.
   if (openCount_ < kMostUses) ++openCount_;
   if (!layoutCheckPending_) return;
@@ -85,7 +92,10 @@ void cDatabase::OpenDB() {
 
 void cDatabase::RefreshStoredNameKeys() noexcept {
   try {
-    RefreshNameKeys(OpenFile(), *platform_->nameKeyService);
+    const NameKeyRefresh refresh = RefreshNameKeys(OpenFile(), *platform_->nameKeyService);
+    if (refresh.passedOver == 0) return;
+    WriteDiagnostic("Name keys that could not be brought up to date: " + std::to_string(refresh.passedOver) +
+                    ". The first: " + refresh.firstPassedOver);
   } catch (const std::exception& error) {
     WriteDiagnostic("Failed to bring name keys up to date: " + std::string(error.what()));
   }

@@ -11,6 +11,7 @@ namespace {
 
 constexpr const char* kFirstNameKey = "FuzzedFirstName";
 constexpr const char* kSurnameKey = "FuzzedLastName";
+constexpr int kMostFailuresInARow = 3;
 
 std::unique_ptr<ado::Recordset> OpenMembers(ado::Connection& connection, ado::CursorType cursorType,
                                             ado::LockType lockType) {
@@ -24,6 +25,39 @@ StoredNames NamesOf(const ado::Recordset& row) {
     return IsNull(value) ? std::string() : ToText(value);
   };
   return {text("FirstName"), text("LastName"), text(kFirstNameKey), text(kSurnameKey)};
+}
+
+enum class RowOutcome { Done, ValueRefused, FileRefused };
+
+void NotePassedOver(NameKeyRefresh& result, const StoredNames& names, const Error& error) {
+  ++result.passedOver;
+  if (result.firstPassedOver.empty()) {
+    result.firstPassedOver = names.firstName + " " + names.surname + ": " + error.Description();
+  }
+}
+
+/// Brings the keys of the current row up to date. A key that does not fit its column concerns that row alone; of what
+/// goes wrong otherwise it is not known.
+RowOutcome RefreshRow(ado::Recordset& row, const NameKeyService& keys, NameKeyRefresh& result) {
+  RowOutcome ifItFails = RowOutcome::FileRefused;
+  StoredNames names;
+  try {
+    names = NamesOf(row);
+    const StoredNames fresh = WithFreshKeys(names, keys);
+    if (fresh == names) return RowOutcome::Done;
+    ifItFails = RowOutcome::ValueRefused;
+    row.Set(kFirstNameKey, fresh.firstNameKey);
+    row.Set(kSurnameKey, fresh.surnameKey);
+    ifItFails = RowOutcome::FileRefused;
+    row.Update();
+    ++result.refreshed;
+    return RowOutcome::Done;
+  } catch (const Error& error) {
+    row.CancelUpdate();
+    if (error.Is(ErrorNumber::ProviderPermission)) throw;
+    NotePassedOver(result, names, error);
+    return ifItFails;
+  }
 }
 
 }  // namespace
@@ -45,19 +79,18 @@ std::size_t CountStaleNameKeys(ado::Connection& connection, const NameKeyService
   return count;
 }
 
-std::size_t RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys) {
-  std::size_t count = 0;
+NameKeyRefresh RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys) {
+  NameKeyRefresh result;
+  int failuresInARow = 0;
   const auto rows = OpenMembers(connection, ado::CursorType::Dynamic, ado::LockType::Pessimistic);
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    const StoredNames names = NamesOf(*rows);
-    const StoredNames fresh = WithFreshKeys(names, keys);
-    if (fresh == names) continue;
-    rows->Set(kFirstNameKey, fresh.firstNameKey);
-    rows->Set(kSurnameKey, fresh.surnameKey);
-    rows->Update();
-    ++count;
+    const RowOutcome outcome = RefreshRow(*rows, keys, result);
+    failuresInARow = outcome == RowOutcome::FileRefused ? failuresInARow + 1 : 0;
+    if (failuresInARow == kMostFailuresInARow) {
+      throw Error(ErrorNumber::ProviderFailure, "cDatabase", "nothing can be stored: " + result.firstPassedOver);
+    }
   }
-  return count;
+  return result;
 }
 
 }  // namespace tavi

@@ -31,8 +31,16 @@ struct StoredNames {
   return CountStaleNameKeys(connection, keys) == 0;
 }
 
-/// Stores fresh keys where they differ and returns how many members that were; a file without such members is not
-/// written. Errors of the provider pass on; the members before the one that could not be written keep their new keys.
-std::size_t RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys);
+/// What a refresh of the keys did.
+struct NameKeyRefresh {
+  std::size_t refreshed = 0;    ///< members whose keys were stored
+  std::size_t passedOver = 0;   ///< members whose keys could not be made or stored
+  std::string firstPassedOver;  ///< the first of them and why; empty without any
+};
+
+/// Stores fresh keys where they differ; a file without such members is not written. A member whose keys cannot be
+/// stored is passed over. Where the file itself takes no change (it is read-only, or three members one after the other
+/// fail) the error passes on; the members before keep their new keys.
+NameKeyRefresh RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys);
 
 }  // namespace tavi

@@ -62,7 +62,9 @@ class cDatabase {
   /// The folder joined with "ClubMembers.mdb".
   [[nodiscard]] std::string DatabaseFilePath() const;
   [[nodiscard]] const std::string& DatabaseFolder() const { return folder_; }
-  /// A folder that differs (ignoring case) makes the layout check pending again.
+  /// A folder that differs (ignoring case) makes the layout check pending again. While the file is open everything goes
+  /// on with that file until it is closed, the pending check too; the other folder's own file is then checked at its
+  /// first opening.
   void SetDatabaseFolder(const std::string& newFolder);
   /// Makes the layout check pending.
   void NewDatabase() { layoutCheckPending_ = true; }
@@ -114,7 +116,8 @@ class cDatabase {
   [[nodiscard]] static std::string StoredText(std::string_view text);
   /// The text that StoredText was made of, but for the blanks around it.
   [[nodiscard]] static std::string PlainText(std::string_view stored);
-  /// The decimal text of a number. Raises InvalidArgument for one that a file cannot hold (RequireNumber).
+  /// The decimal text of a number, which the database reads back as the same one. Raises InvalidArgument for one that a
+  /// file cannot hold (RequireNumber).
   [[nodiscard]] static std::string SQLNumber(double Number, const std::string& What);
 
   // --- Field readers (store/FieldReaders.cpp): null gives the default; a failure the zero value of the type, no error
@@ -181,7 +184,7 @@ class cDatabase {
   /// False when no row was found.
   bool GetMembersNames(std::int32_t memberNumber, std::string& FirstName, std::string& Initials, std::string& LastName,
                        bool& Active);
-  /// First name, initials and last name; empty when unknown.
+  /// First name, initials and last name joined with blanks, each pair of blanks made one; empty when unknown.
   [[nodiscard]] std::string GetFullName(std::int32_t memberNumber);
   /// The number of the member of exactly this name, or -1. `Retired` is set when a row was found.
   std::int32_t GetMembershipID(const std::string& FirstName, const std::string& Initials, const std::string& LastName,
@@ -226,6 +229,9 @@ class cDatabase {
   std::unique_ptr<ado::Connection> connection_;
   std::int16_t openCount_ = 0;
   bool layoutCheckPending_ = true;
+  /// The folder was changed while a file was open: the file of the new one has not been checked, whatever was
+  /// meanwhile.
+  bool nextFileUnchecked_ = false;
   bool fieldLimitMessageShown_ = false;
 };
 

@@ -164,6 +164,26 @@ TEST(NameKeys, AreShortPlainCapitalsAndNeverEmptyForAName) {
   }
 }
 
+TEST(NameKeys, OfOtherScriptsFitTheirColumnsHoweverTheNumbersOfTheirLettersFall) {
+  // Letters whose numbers have three, four and five digits, so that each place of the limit is met.
+  for (const std::string letter : {"ж", "李", "각", "𠀀"}) {
+    for (const std::string beginning : {"", "ж", "жж", "жжж", "жжжж"}) {
+      std::string name = beginning;
+      for (int count = 1; count <= 60; ++count) {
+        name += letter;
+        EXPECT_LE(FirstNameKey(name).size(), 50U) << name;
+        EXPECT_LE(SurnameKey(name).size(), 50U) << name;
+      }
+      EXPECT_EQ(FirstNameKey(name).size(), 50U) << name;
+    }
+  }
+}
+
+TEST(NameKeys, OfOtherScriptsThatFittedAreStillTheWholeNumbersOfTheirLetters) {
+  EXPECT_EQ(FirstNameKey("жж"), "2416416");
+  EXPECT_EQ(SurnameKey("李小龍"), "2674E5C0F9F8D");
+}
+
 TEST(NameKeys, OfAnInitialAreNoName) {
   EXPECT_NE(FirstNameKey("C"), FirstNameKey("K"));
   EXPECT_EQ(FirstNameKey("c."), FirstNameKey("C"));

@@ -173,6 +173,44 @@ TEST_F(StoreConnectionTest, AnotherFolderMakesTheCheckPendingAgainButNotAnotherL
   EXPECT_EQ(LayoutChecks(), 3U);
 }
 
+TEST_F(StoreConnectionTest, AnotherFolderSetWhileTheFileIsOpenIsCheckedThereAndAgainInItsOwnFile) {
+  store_.OpenDB();
+  store_.SetDatabaseFolder("D:\\Other");
+  EXPECT_EQ(LayoutChecks(), 1U);
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 2U) << "the pending check looks at the file that is open";
+  EXPECT_EQ(fake_.file->opens, 1);
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 2U);
+  store_.CloseDB(true);
+  store_.Execute("x");
+  EXPECT_EQ(fake_.file->connectionStrings.back(),
+            "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=D:\\Other\\ClubMembers.mdb");
+  EXPECT_EQ(LayoutChecks(), 3U) << "the other folder's own file";
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 3U);
+}
+
+TEST_F(StoreConnectionTest, AnotherFolderWhoseFileDoesNotOpenAtFirstIsCheckedWhenItDoes) {
+  store_.OpenDB();
+  store_.SetDatabaseFolder("D:\\Other");
+  store_.Execute("x");
+  store_.CloseDB(true);
+  fake_.file->openFailures = 1;
+  ErrorOf([&] { store_.OpenDB(); });
+  store_.OpenDB();
+  EXPECT_EQ(LayoutChecks(), 3U);
+}
+
+TEST_F(StoreConnectionTest, AnotherFolderThatIsOpenedWithoutACheckBeforeIsCheckedOnce) {
+  store_.OpenDB();
+  store_.SetDatabaseFolder("D:\\Other");
+  store_.CloseDB(true);
+  store_.Execute("x");
+  store_.Execute("x");
+  EXPECT_EQ(LayoutChecks(), 2U);
+}
+
 TEST_F(StoreConnectionTest, AnErrorOfTheFirstOpenLeavesTheCountBalanced) {
   fake_.file->failures.emplace_back("UniquenessFlag From Members",
                                     Error(ErrorNumber::ProviderNoTable, "Microsoft JET", "No such table."));

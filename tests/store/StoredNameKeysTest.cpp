@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/support/ThisSystem.h"
 #include "store/support/ClubFile.h"
 
 namespace tavi {
@@ -67,14 +68,67 @@ TEST_F(StoredNameKeys, ThatAreUpToDateLeaveTheFileAsItIs) {
 TEST_F(StoredNameKeys, AreWrittenOnlyWhereTheyDiffer) {
   AddMembers();
   const auto connection = club_.Connect();
-  EXPECT_EQ(RefreshNameKeys(*connection, *club_.platform->nameKeyService), 2U);
-  EXPECT_EQ(RefreshNameKeys(*connection, *club_.platform->nameKeyService), 0U);
+  EXPECT_EQ(RefreshNameKeys(*connection, *club_.platform->nameKeyService).refreshed, 2U);
+  EXPECT_EQ(RefreshNameKeys(*connection, *club_.platform->nameKeyService).refreshed, 0U);
   connection->Close();
 }
 
 TEST_F(StoredNameKeys, OfAnEmptyClubAreCurrent) {
   OpenAndClose();
   EXPECT_EQ(Stale(), 0U);
+}
+
+TEST_F(StoredNameKeys, ThatDoNotFitAnOlderColumnArePassedOverAndSaidAndAllOthersAreRefreshed) {
+  const testing::DiagnosticsLog log;
+  club_.Prepare({"Drop Index FuzzedLastName On Members", "Alter Table Members Drop Column FuzzedLastName",
+                 "Alter Table Members Add Column FuzzedLastName Text (6)"});
+  const std::string insert = "Insert Into Members (MembershipNumber, FirstName, LastName) Values ";
+  for (const char* member : {"(1, 'Bill', 'Smith')", "(2, 'Kate', 'Featherstone')", "(3, 'Ann', 'Featherstone')",
+                             "(4, 'Liz', 'Featherstone')", "(5, 'Tom', 'Featherstone')", "(6, 'Kate', 'Jones')"}) {
+    club_.Prepare({insert + member});
+  }
+  OpenAndClose();
+  EXPECT_EQ(club_.Column("Select FuzzedLastName From Members Order By MembershipNumber"),
+            (Texts{"SMITH", "Null", "Null", "Null", "Null", "JONES"}));
+  EXPECT_NE(log.Text().find("Name keys that could not be brought up to date: 4. The first: Kate Featherstone: "),
+            std::string::npos)
+      << log.Text();
+}
+
+/// A key service that fails for some names, or for all.
+class FaultyKeys : public NameKeyService {
+ public:
+  explicit FaultyKeys(std::string faultyName) : faultyName_(std::move(faultyName)) {}
+  [[nodiscard]] std::string Key(NameKeyMode /*mode*/, std::string_view name) const override {
+    if (faultyName_ == "all" || name == faultyName_) throw Error(ErrorNumber::Component, "keys", "out of order");
+    return std::string(name);
+  }
+
+ private:
+  std::string faultyName_;
+};
+
+TEST_F(StoredNameKeys, ThatCannotBeMadeForOneMemberAreMadeForTheOthers) {
+  AddMembers();
+  const auto connection = club_.Connect();
+  const NameKeyRefresh refresh = RefreshNameKeys(*connection, FaultyKeys("Jones"));
+  EXPECT_EQ(refresh.refreshed, 2U);
+  EXPECT_EQ(refresh.passedOver, 1U);
+  EXPECT_EQ(refresh.firstPassedOver, "Kate Jones: out of order");
+  connection->Close();
+  EXPECT_EQ(club_.Column(kKeys), (Texts{"Bill/Smyth", "/", "Peggy/Brown"}));
+}
+
+TEST_F(StoredNameKeys, OfAFileThatRefusesOneMemberAfterTheOtherAreGivenUp) {
+  AddMembers();
+  const auto connection = club_.Connect();
+  try {
+    static_cast<void>(RefreshNameKeys(*connection, FaultyKeys("all")));
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_EQ(error.Description(), "nothing can be stored: Bill Smyth: out of order");
+  }
+  connection->Close();
 }
 
 TEST(StoredNameKeysOnAnUnwritableFile, DoNotKeepItFromOpening) {
