@@ -22,14 +22,36 @@ std::string Assignments(const CompetitionKind& kind, bool setIsExternal) {
   return std::string(kind.assignments) + (setIsExternal ? ", IsExternal = 1" : "");
 }
 
+/// True when codes can be looked for: a column that holds numbers, or is damaged, has none that could be told.
+bool CanReadCodes(cDatabase& database) {
+  try {
+    database.Execute("Select Count(*) From Competitions Where ExternalType = 'P'");
+    return true;
+  } catch (const Error&) {
+    return false;
+  }
+}
+
+/// Converts the competitions of one code and empties it in the same statement.
+void ConvertCode(cDatabase& database, const CompetitionKind& kind, bool setIsExternal) {
+  const auto convert = [&](const std::string& emptyCode) {
+    database.Execute("Update Competitions Set " + Assignments(kind, setIsExternal) + ", ExternalType = " + emptyCode +
+                     " Where ExternalType = '" + kind.code + "'");
+  };
+  try {
+    convert("Null");
+  } catch (const Error&) {
+    // The column may have to hold something.
+    convert("' '");
+  }
+}
+
 }  // namespace
 
 void ConvertCompetitionTypes(cDatabase& database, bool setIsExternal) {
   OpenUse use(database);
-  for (const CompetitionKind& kind : kCompetitionKinds) {
-    database.Execute("Update Competitions Set " + Assignments(kind, setIsExternal) + " Where ExternalType = '" +
-                     kind.code + "'");
-  }
+  if (!CanReadCodes(database)) return;
+  for (const CompetitionKind& kind : kCompetitionKinds) ConvertCode(database, kind, setIsExternal);
 }
 
 void ConvertCompetitionType(cDatabase& database, std::int32_t competition, const std::string& code,

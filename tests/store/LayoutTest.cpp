@@ -209,14 +209,17 @@ TEST_F(LayoutTest, KindsOfCompetitionsAreCarriedOverBeforeTheirOldColumnGoes) {
   Add("Competitions", "ExternalType");
   Remove("Competitions", "IsExternal");
   Open();
-  const Statements expected{
-      "Alter Table Competitions Add Column IsExternal Bit",
-      "Update Competitions Set IsExternal = 0",
-      "Update Competitions Set Individual = 0, IsSwiss = 0, IsTeams = 0, IsExternal = 1 Where ExternalType = 'P'",
-      "Update Competitions Set Individual = 1, IsSwiss = 0, IsTeams = 0, IsExternal = 1 Where ExternalType = 'I'",
-      "Update Competitions Set Individual = 0, IsSwiss = 1, IsTeams = 0, IsExternal = 1 Where ExternalType = 'S'",
-      "Update Competitions Set Individual = 0, IsSwiss = 0, IsTeams = 1, IsExternal = 1 Where ExternalType = 'T'",
-      "Alter Table Competitions Drop Column ExternalType"};
+  const Statements expected{"Alter Table Competitions Add Column IsExternal Bit",
+                            "Update Competitions Set IsExternal = 0",
+                            "Update Competitions Set Individual = 0, IsSwiss = 0, IsTeams = 0, IsExternal = 1, "
+                            "ExternalType = Null Where ExternalType = 'P'",
+                            "Update Competitions Set Individual = 1, IsSwiss = 0, IsTeams = 0, IsExternal = 1, "
+                            "ExternalType = Null Where ExternalType = 'I'",
+                            "Update Competitions Set Individual = 0, IsSwiss = 1, IsTeams = 0, IsExternal = 1, "
+                            "ExternalType = Null Where ExternalType = 'S'",
+                            "Update Competitions Set Individual = 0, IsSwiss = 0, IsTeams = 1, IsExternal = 1, "
+                            "ExternalType = Null Where ExternalType = 'T'",
+                            "Alter Table Competitions Drop Column ExternalType"};
   Statements changes;
   for (const std::string& statement : fake_.file->statements) {
     if (statement.find(" Competitions ") != std::string::npos && !statement.starts_with("Select")) {
@@ -229,8 +232,9 @@ TEST_F(LayoutTest, KindsOfCompetitionsAreCarriedOverBeforeTheirOldColumnGoes) {
 TEST_F(LayoutTest, AnIsExternalColumnThatWasThereKeepsItsValues) {
   Add("Competitions", "ExternalType");
   Open();
-  EXPECT_EQ(Updates().at(0),
-            "Update Competitions Set Individual = 0, IsSwiss = 0, IsTeams = 0 Where ExternalType = 'P'");
+  EXPECT_EQ(
+      Updates().at(0),
+      "Update Competitions Set Individual = 0, IsSwiss = 0, IsTeams = 0, ExternalType = Null Where ExternalType = 'P'");
 }
 
 TEST_F(LayoutTest, TheOldColumnStaysWhileItsContentCouldNotBeCarriedOver) {

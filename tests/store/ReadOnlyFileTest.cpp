@@ -1,0 +1,54 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "store/support/ClubFile.h"
+
+namespace tavi {
+namespace {
+
+using testing::ClubFile;
+
+/// A club's file that nobody may write.
+class ReadOnlyFileTest : public ::testing::Test {
+ protected:
+  ~ReadOnlyFileTest() override { Allow(std::filesystem::perm_options::add); }
+
+  void Allow(std::filesystem::perm_options change) const {
+    using std::filesystem::perms;
+    std::filesystem::permissions(club_.FilePath(), perms::owner_write | perms::group_write | perms::others_write,
+                                 change);
+  }
+  /// One member, whose name is told apart by as much as the flag says.
+  void PrepareMember(const std::string& uniquenessFlag) {
+    const auto& keys = *club_.platform->nameKeyService;
+    club_.Prepare(
+        {"Insert Into Members (MembershipNumber, FirstName, LastName, FuzzedFirstName, FuzzedLastName, "
+         "UniquenessFlag) Values (1, 'Ann', 'Lee', '" +
+         keys.Key(NameKeyMode::FirstName, "Ann") + "', '" + keys.Key(NameKeyMode::Surname, "Lee") + "', " +
+         uniquenessFlag + ")"});
+    Allow(std::filesystem::perm_options::remove);
+  }
+
+  ClubFile club_;
+};
+
+TEST_F(ReadOnlyFileTest, OpensWhereNothingHasToBeBroughtUpToDate) {
+  PrepareMember("4");
+  EXPECT_EQ(club_.store.GetFullName(1), "Ann Lee");
+}
+
+TEST_F(ReadOnlyFileTest, WithOldUniquenessFlagsFailsTheFirstCallAndNoOther) {
+  PrepareMember("1");
+  try {
+    static_cast<void>(club_.store.GetFullName(1));
+    FAIL() << "no error";
+  } catch (const Error& error) {
+    EXPECT_TRUE(error.Is(ErrorNumber::ProviderPermission)) << error.Description();
+  }
+  EXPECT_EQ(club_.store.OpenCount(), 0);
+  EXPECT_EQ(club_.store.GetFullName(1), "Ann Lee");
+}
+
+}  // namespace
+}  // namespace tavi
