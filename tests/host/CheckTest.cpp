@@ -94,6 +94,30 @@ TEST_F(CheckCommand, TellsOfNameKeysThatAreNotTheOnesMadeNow) {
   EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
 }
 
+TEST_F(CheckCommand, ListsRowsWithoutTheNumbersThatHandicapsAreMadeOf) {
+  EXPECT_EQ(folder_.Run({"check"}).out.find("lack a number"), std::string::npos);
+  for (const char* statement :
+       {"Insert Into Results (Competition, Player, Partner, ActualPercentage) Values (3, 1, 2, 55)",
+        "Insert Into Results (Competition, Player, Partner) Values (4, 1, 2)",
+        "Insert Into Results (Competition, Player) Values (5, 1)", "Drop Index PrimaryKey On Partnerships",
+        "Alter Table Partnerships Alter Column HigherPlayer Long",
+        "Insert Into Partnerships (LowerPlayer) Values (2)"}) {
+    ASSERT_EQ(folder_.Run({"sql", statement}).code, 0) << statement;
+  }
+  const Outcome outcome = folder_.Run({"check"});
+  EXPECT_EQ(outcome.code, 0) << "the file is sound all the same";
+  EXPECT_NE(outcome.out.find("complete or delete them with 'tavi sql':\n"
+                             "  Results: player 1 with partner 2 in competition 4 has no percentage.\n"
+                             "  Results: player 1 with partner (none) in competition 5 has no percentage.\n"
+                             "  Partnerships: the pair of 2 and (none) lacks a player's number.\n"),
+            std::string::npos)
+      << outcome.out;
+  const auto json = nlohmann::json::parse(folder_.Run({"check", "--json"}).out);
+  EXPECT_EQ(json["rowsWithoutNumbers"].size(), 3U);
+  EXPECT_EQ(json["moreRowsWithoutNumbers"], 0);
+  EXPECT_EQ(json["sound"], true);
+}
+
 // The members' keys were said to be stale for ever: the escapes of their names were taken for letters.
 TEST_F(CheckCommand, KeysOfNamesThatAreStoredWithEscapesAreCurrent) {
   const std::string add = R"({"jsonrpc":"2.0","method":"AddNewMember","params":["100%","","Pool%Load"]})";

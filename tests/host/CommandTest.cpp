@@ -162,6 +162,24 @@ TEST_F(Command, PairsAreImportedOnlyWhenBothPlayersAreMembers) {
   EXPECT_THAT(listed.out, HasSubstr("The Mix"));
 }
 
+TEST_F(Command, PairsAndHandicapsShowRowsWhoseNumbersAreEmpty) {
+  MakeClub();
+  ASSERT_EQ(
+      folder_.Run({"pairs", "import", folder_.Write("pairs.csv", "club_number_1,club_number_2\n7,8\n9,10\n")}).code, 0);
+  for (const char* statement : {"Update Partnerships Set Handicap = Null, HigherFirst = Null Where LowerPlayer = 7",
+                                "Update Members Set Handicap = Null Where MembershipNumber = 9"}) {
+    ASSERT_EQ(folder_.Run({"sql", statement}).code, 0);
+  }
+  const Outcome pairs = folder_.Run({"pairs"});
+  EXPECT_EQ(pairs.code, 0) << pairs.error;
+  EXPECT_THAT(pairs.out, HasSubstr("8\tRobert Ray\t7\tAnn Lee\tRobert Ray & Ann Lee\t50.00\tyes"));
+  const Outcome handicaps = folder_.Run({"handicaps"});
+  EXPECT_EQ(handicaps.code, 0) << handicaps.error;
+  EXPECT_THAT(handicaps.out, HasSubstr("pair\t8\t7\tRobert Ray & Ann Lee\t50.00"));
+  EXPECT_THAT(handicaps.out, HasSubstr("member\t9\t\t"));
+  EXPECT_THAT(handicaps.out, HasSubstr("pair\t9\t10\t"));
+}
+
 TEST_F(Command, ScoringStoresResultsAwardsAndHandicapsAndSaysWhoIsNoMember) {
   MakeClub();
   const Outcome scored = folder_.Run({"score", folder_.Write("week.xml", Evening(kTwoPairs))});

@@ -6,6 +6,7 @@
 
 #include "access/catalog/Check.h"
 #include "host/tools/CheckProgressBar.h"
+#include "host/tools/MissingNumbers.h"
 #include "host/tools/NameKeyCheck.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
@@ -59,8 +60,26 @@ NameKeyCount CountKeys(const Context& context, access::Database& database, const
   return result.findings.empty() ? CountNameKeys(database, *context.platform->nameKeyService) : NameKeyCount();
 }
 
+/// Not looked for where the file is damaged, for the same reason.
+MissingNumbers FindMissing(access::Database& database, const access::CheckResult& result) {
+  return result.findings.empty() ? FindMissingNumbers(database) : MissingNumbers();
+}
+
+/// What a sound club's file has that searches and handicaps pass over.
+void WriteRemarks(const Context& context, const NameKeyCount& keys, const MissingNumbers& missing) {
+  if (keys.stale > 0) {
+    context.out << "The stored name keys of " << keys.stale << " of " << keys.members
+                << " members are not the ones that this version makes, so searches by similar names may miss these "
+                   "members until they are brought up to date: 'tavi members' does so, as all that opens the club.\n";
+  }
+  if (missing.rows.empty()) return;
+  context.out << "Handicaps pass over rows that lack a number; complete or delete them with 'tavi sql':\n";
+  for (const std::string& row : missing.rows) context.out << "  " << Printable(row) << '\n';
+  if (missing.more > 0) context.out << "  (" << missing.more << " more)\n";
+}
+
 void WriteJson(const Context& context, const std::string& file, const access::CheckResult& result,
-               const NameKeyCount& keys) {
+               const NameKeyCount& keys, const MissingNumbers& missing) {
   nlohmann::ordered_json findings = nlohmann::ordered_json::array();
   for (const access::CheckFinding& finding : result.findings)
     findings.push_back({{"part", NameOf(finding.part)}, {"table", finding.table}, {"text", finding.text}});
@@ -73,22 +92,20 @@ void WriteJson(const Context& context, const std::string& file, const access::Ch
                                            {"findings", findings},
                                            {"more", result.isCutShort},
                                            {"advice", Advice(result)},
-                                           {"staleNameKeys", keys.stale}};
+                                           {"staleNameKeys", keys.stale},
+                                           {"rowsWithoutNumbers", missing.rows},
+                                           {"moreRowsWithoutNumbers", missing.more}};
   context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
 }
 
 void WriteText(const Context& context, const std::string& file, const access::CheckResult& result,
-               const NameKeyCount& keys) {
+               const NameKeyCount& keys, const MissingNumbers& missing) {
   const std::string name = Printable(file);
   for (const access::CheckFinding& finding : result.findings) context.out << Printable(finding.text) << '\n';
   if (result.findings.empty()) {
     context.out << name << ": sound (" << result.pages << " pages, " << result.tables << " tables, " << result.rows
                 << " rows, " << result.indexes << " indexes)\n";
-    if (keys.stale > 0) {
-      context.out << "The stored name keys of " << keys.stale << " of " << keys.members
-                  << " members are not the ones that this version makes, so searches by similar names may miss these "
-                     "members until they are brought up to date: 'tavi members' does so, as all that opens the club.\n";
-    }
+    WriteRemarks(context, keys, missing);
     return;
   }
   context.out << name << ": damaged (" << (result.isCutShort ? "more than " : "") << result.findings.size()
@@ -109,10 +126,11 @@ int Check(const Context& context, const CheckRequest& request) {
   }
   const access::CheckResult result = RunCheck(context, *database, request.strict);
   const NameKeyCount keys = CountKeys(context, *database, result);
+  const MissingNumbers missing = FindMissing(*database, result);
   if (context.format == OutputFormat::Json) {
-    WriteJson(context, file, result, keys);
+    WriteJson(context, file, result, keys, missing);
   } else {
-    WriteText(context, file, result, keys);
+    WriteText(context, file, result, keys, missing);
   }
   return result.findings.empty() ? kSound : kDamaged;
 }
