@@ -87,6 +87,28 @@ TEST_F(StartUpTest, AnEmptySettingLeavesTheFolderThatWasFoundBefore) {
   EXPECT_EQ(StartedFolder(), "E:\\Machine");
 }
 
+TEST_F(StartUpTest, TheDocumentsFolderIsAskedForWithoutBeingMade) {
+  class Asked : public ShellFolders {
+   public:
+    [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t folderNumber) const override {
+      numbers.push_back(folderNumber);
+      return std::nullopt;
+    }
+    [[nodiscard]] std::optional<Location> FolderLocation(std::int32_t /*folderNumber*/) const override {
+      return std::nullopt;
+    }
+    mutable std::vector<std::int32_t> numbers;
+  };
+  constexpr std::int32_t kMake = 0x8000;
+  const auto shell = std::make_shared<Asked>();
+  fake_.platform->shellFolders = shell;
+  EXPECT_EQ(StartedFolder(), kLastResort);
+  EXPECT_EQ(shell->numbers.front(), kCommonDocumentsFolder);
+  for (const std::int32_t number : shell->numbers) {
+    if ((number & ~kMake) != kCommonApplicationDataFolder) EXPECT_EQ(number & kMake, 0) << number;
+  }
+}
+
 TEST_F(StartUpTest, AnErrorInOneStepIsLoggedAndTheNextStepTaken) {
   registry_->failing = kMachine;
   PutSetting(kUser, "E:\\User");
