@@ -14,7 +14,6 @@ class FolderChangeTest : public ::testing::Test {
   FolderChangeTest() {
     club_->AddNewMember("Bob", "", "Ray");
     club_->CloseDatabase();
-    club_.Folder().MakeFolder("other");
     club_.Folder().CopyFile("ClubMembers.mdb", "other/ClubMembers.mdb");
     club_.Execute("Update Members Set FirstName = 'Ann'");
   }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "store/support/ClubFile.h"
 
 namespace tavi {
@@ -12,13 +10,6 @@ using testing::ClubFile;
 /// A club's file that nobody may write.
 class ReadOnlyFileTest : public ::testing::Test {
  protected:
-  ~ReadOnlyFileTest() override { Allow(std::filesystem::perm_options::add); }
-
-  void Allow(std::filesystem::perm_options change) const {
-    using std::filesystem::perms;
-    std::filesystem::permissions(club_.FilePath(), perms::owner_write | perms::group_write | perms::others_write,
-                                 change);
-  }
   /// One member, whose name is told apart by as much as the flag says.
   void PrepareMember(const std::string& uniquenessFlag) {
     const auto& keys = *club_.platform->nameKeyService;
@@ -27,7 +18,7 @@ class ReadOnlyFileTest : public ::testing::Test {
          "UniquenessFlag) Values (1, 'Ann', 'Lee', '" +
          keys.Key(NameKeyMode::FirstName, "Ann") + "', '" + keys.Key(NameKeyMode::Surname, "Lee") + "', " +
          uniquenessFlag + ")"});
-    Allow(std::filesystem::perm_options::remove);
+    club_.folder.Files()->SetReadOnly(club_.FilePath(), true);
   }
 
   ClubFile club_;
