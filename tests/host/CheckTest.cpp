@@ -99,8 +99,9 @@ TEST_F(CheckCommand, ListsRowsWithoutTheNumbersThatHandicapsAreMadeOf) {
   for (const char* statement :
        {"Insert Into Results (Competition, Player, Partner, ActualPercentage) Values (3, 1, 2, 55)",
         "Insert Into Results (Competition, Player, Partner) Values (4, 1, 2)",
-        "Insert Into Results (Competition, Player) Values (5, 1)", "Drop Index PrimaryKey On Partnerships",
-        "Alter Table Partnerships Alter Column HigherPlayer Long",
+        "Insert Into Results (Competition, Player) Values (5, 1)", "Drop Table Partnerships",
+        "Create Table Partnerships (LowerPlayer Long, HigherPlayer Long, HigherFirst Short, Handicap Double, KnownAs "
+        "Text (255), Active Bit, HandicalcSeed Double, HandicalcSeedDate Date)",
         "Insert Into Partnerships (LowerPlayer) Values (2)"}) {
     ASSERT_EQ(folder_.Run({"sql", statement}).code, 0) << statement;
   }
