@@ -19,13 +19,14 @@ struct NamedValue {
   T value;
 };
 
+/// The calls refer to the values, of which some are long: a copy in each of them would take seconds to make.
 template <typename T>
 std::vector<BadCall> CallsWith(const std::string& argument, const std::vector<NamedValue<T>>& values,
                                const std::function<void(MembershipDatabase&, const T&)>& operation) {
   std::vector<BadCall> calls;
   for (const NamedValue<T>& bad : values) {
     calls.push_back({argument + ": " + bad.name,
-                     [operation, value = bad.value](MembershipDatabase& club) { operation(club, value); }});
+                     [operation, value = &bad.value](MembershipDatabase& club) { operation(club, *value); }});
   }
   return calls;
 }
