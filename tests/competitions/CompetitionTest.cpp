@@ -182,6 +182,14 @@ TEST_F(CompetitionTest, AttributesAreReadFromTheRow) {
   EXPECT_TRUE(attributes.IsTeams);
   EXPECT_TRUE(attributes.IsSwiss);
   EXPECT_EQ(attributes.NatCode, "WBU");
+  for (const char* column : {"Individual", "IsTeams", "IsSwiss"}) {
+    club_.Execute("Update Competitions Set Individual = 0, IsTeams = 0, IsSwiss = 0");
+    club_.Execute(std::string("Update Competitions Set ") + column + " = -1");
+    const CompetitionAttributes one = ReadCompetitionAttributes(*ThreadStore(), id);
+    EXPECT_EQ(one.Individual, column == std::string("Individual"));
+    EXPECT_EQ(one.IsTeams, column == std::string("IsTeams"));
+    EXPECT_EQ(one.IsSwiss, column == std::string("IsSwiss"));
+  }
 }
 
 TEST_F(CompetitionTest, ARowWithoutGoverningBodyBelongsToTheEBU) {

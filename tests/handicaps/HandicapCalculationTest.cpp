@@ -382,11 +382,17 @@ TEST_F(HandicapCalculationTest, WithoutALimitThePairSeedStillCountsAmongTheJoint
   EXPECT_EQ(handicaps.PartnershipHandicap(), 57.0);
 }
 
-TEST_F(HandicapCalculationTest, PlayersWithNothingButAPairSeedHaveTheJointAverageAtAnyWeighting) {
+TEST_F(HandicapCalculationTest, APairSeedAloneIsTheHandicapOfThePairAndItsPlayersAtAnyWeighting) {
   settings_->SetMaxResults(3);
-  settings_->SetSamePartnerWeighting(60);
   SetPairSeed(54.0);
-  EXPECT_EQ(OfPair(), 54.0);
+  for (const std::int16_t weighting : {50, 51, 60, 75, 99, 100}) {
+    settings_->SetSamePartnerWeighting(weighting);
+    isStored_ = false;
+    const Handicaps handicaps = Calculate(1, 2);
+    EXPECT_EQ(handicaps.PartnershipHandicap(), 54.0) << weighting;
+    EXPECT_EQ(handicaps.Player1Handicap(), 54.0) << weighting;
+    EXPECT_EQ(handicaps.Player2Handicap(), 54.0) << weighting;
+  }
 }
 
 TEST_F(HandicapCalculationTest, ARegularPairsHandicapIsAdjusted) {

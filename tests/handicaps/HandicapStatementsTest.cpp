@@ -132,9 +132,12 @@ TEST_F(HandicapStatementsTest, AnUnreadableSeedIsNone) {
   fake_.file->answers
       ["Select MembershipNumber, HandicalcSeed, HandicalcSeedDate From Members Where MembershipNumber = "
        "3"] = {{"HandicalcSeed", "HandicalcSeedDate"}, {{"no number", Date{45000.0}}}};
+  fake_.file->answers[ResultsOf(" Top 3 ", "(Player = 3 Or Partner = 3) ", "")] = {
+      {"ActualPercentage", "Player", "Partner", "Competitions.ID", "Competitions.CompetitionDate"},
+      {{62.0, std::int32_t{3}, std::int32_t{8}, std::int32_t{1}, Date{45001.0}}}};
   held_.LoadHandicalcSettings(store_);
   const Handicaps handicaps = CalculateHandicaps(store_, held_, {3, 7, "", kNoCompetitionDate, false});
-  EXPECT_EQ(handicaps.Player1Handicap(), 50.0);
+  EXPECT_EQ(handicaps.Player1Handicap(), 62.0) << "the result alone counts";
 }
 
 TEST_F(HandicapStatementsTest, AFailedCalculationKeepsTheFileOpenLikeAnyOther) {

@@ -79,7 +79,7 @@ TEST_F(HeldSettingsTest, AFileThatCouldNotBeReadIsReadAgainByTheNextUse) {
   EXPECT_EQ(club_->HandicalcOptions().MaxWeeks(), 52);
 }
 
-TEST_F(HeldSettingsTest, StoringReplacesTheRow) {
+TEST_F(HeldSettingsTest, StoringReplacesEveryRow) {
   StoreRow("1, 1, 50, 1, 0, 50, 1");
   StoreRow("2, 2, 50, 1, 0, 50, 1");
   auto settings = std::make_shared<HandiCalcSettings>();

@@ -129,18 +129,18 @@ TEST_F(MemberStatementsTest, MembersAreCountedByNumber) {
   EXPECT_FALSE(store_.MemberExists(8));
 }
 
-TEST_F(MemberStatementsTest, NamesOfAnActiveMemberComeBeforeThoseOfARetiredOne) {
+TEST_F(MemberStatementsTest, OfTwoRowsWithOneNumberTheNamesOfTheFirstAreRead) {
   fake_.file->answers
       ["Select FirstName, MiddleInitials, LastName, Active From Members Where MembershipNumber = 7 Order "
        "by Active Desc"] = {{"FirstName", "MiddleInitials", "LastName", "Active"},
-                            {{"Anne", Null(), "Hill", true}, {"Old", "", "Name", false}}};
+                            {{"Anne", Null(), "Hill", false}, {"New", "", "Name", true}}};
   std::string first;
   std::string initials = "?";
   std::string last;
   bool active = false;
   EXPECT_TRUE(store_.GetMembersNames(7, first, initials, last, active));
   EXPECT_EQ(first + "/" + initials + "/" + last, "Anne//Hill");
-  EXPECT_TRUE(active);
+  EXPECT_FALSE(active);
   EXPECT_EQ(store_.GetFullName(7), "Anne Hill");
   EXPECT_FALSE(store_.GetMembersNames(8, first, initials, last, active));
 }

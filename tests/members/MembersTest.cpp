@@ -57,6 +57,18 @@ TEST_F(MembersTest, ANewMemberIsStoredWithKeysTypeAndDates) {
             (Texts{keys.Key(NameKeyMode::FirstName, "Anne") + " | " + keys.Key(NameKeyMode::Surname, "Hill")}));
 }
 
+TEST_F(MembersTest, OfTwoWithOneNumberTheRetiredOnesNamesAreRead) {
+  club_.Execute("Drop Index PrimaryKey On Members");
+  const std::string insert = "Insert Into Members (MembershipNumber, FirstName, LastName, Active) Values ";
+  for (const char* row :
+       {"(7, 'Anne', 'Hill', -1)", "(7, 'Old', 'Name', 0)", "(8, 'Old', 'Name', 0)", "(8, 'Anne', 'Hill', -1)"}) {
+    club_.Execute(insert + row);
+  }
+  // Descending, because True is -1.
+  EXPECT_EQ(ThreadStore()->GetFullName(7), "Old Name");
+  EXPECT_EQ(ThreadStore()->GetFullName(8), "Old Name");
+}
+
 TEST_F(MembersTest, AHandicapBelowOneBecomesFifty) {
   EXPECT_EQ(StoredHandicap(club_->AddNewMember("Anne", "", "Hill", 0.5)), 50.0);
   EXPECT_EQ(StoredHandicap(club_->AddNewMember("Bob", "", "Hill", -3.0)), 50.0);
@@ -153,7 +165,8 @@ TEST_F(MembersTest, ATypedNumberIsAClubNumberBeforeItIsAnEBUNumber) {
 TEST_F(MembersTest, RetiringKeepsTheRecord) {
   club_->AddNewMember("Anne", "", "Hill", 45.0);
   club_->DeleteMember(1);
-  EXPECT_EQ(club_.Rows("Select MembershipNumber, Active From Members"), (Texts{"1 | False"}));
+  EXPECT_EQ(club_.Rows("Select MembershipNumber, FirstName, LastName, Handicap, Active From Members"),
+            (Texts{"1 | Anne | Hill | 45 | False"}));
   EXPECT_TRUE(club_->IsValidMemberID(1));
   EXPECT_FALSE(club_->IsValidMemberID(2));
   EXPECT_FALSE(club_->IsValidMemberID(-1));

@@ -155,8 +155,10 @@ TEST_F(WalkTest, EmailAddressesAreFoundForRetiredMembersAndEmptyForUnknownNumber
 TEST_F(WalkTest, AllEmailAddressesAreThoseOfActiveMembersAndFailWhenTwoShareOne) {
   club_.Execute("Update Members Set email = 'a@example.org' Where MembershipNumber = 1");
   club_.Execute("Update Members Set email = 'b@example.org' Where MembershipNumber = 2");
-  EXPECT_EQ(club_->AllEmailAddresses(), (Texts{"a@example.org", "b@example.org"}));
   club_.Execute("Update Members Set email = 'A@example.org' Where MembershipNumber = 3");
+  club_->DeleteMember(3);
+  EXPECT_EQ(club_->AllEmailAddresses(), (Texts{"a@example.org", "b@example.org"}));
+  club_.Execute("Update Members Set Active = -1 Where MembershipNumber = 3");
   try {
     static_cast<void>(club_->AllEmailAddresses());
     FAIL() << "accepted";

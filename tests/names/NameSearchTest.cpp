@@ -110,8 +110,11 @@ TEST_F(NameSearchTest, NearestMatchesComeBestFirstAndEqualOnesInTheOrderOfTheFil
 }
 
 TEST_F(NameSearchTest, ASingleWordIsLookedForAsAFirstName) {
-  EXPECT_THAT(FindNearestMatches(store_, "John"), IsEmpty());
-  EXPECT_TRUE(fake_.file->recordsets.back().source.ends_with("Where Active <> 0 And FuzzedFirstName = 'F:JOHN'"));
+  Answer(
+      "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag from "
+      "Members Where Active <> 0 And FuzzedFirstName = 'F:JOHN'",
+      {{1, "John", "", "Smith"}, {2, "Peter", "", "John"}, {3, "john", "", "Dale"}});
+  EXPECT_THAT(FindNearestMatches(store_, "John"), ElementsAre(1, 3));
 }
 
 TEST_F(NameSearchTest, AnEmptyNameHasNoMatchesAndOpensNothing) {
@@ -123,8 +126,8 @@ TEST_F(NameSearchTest, BlanksAloneMatchNobody) {
   Answer(
       "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag "
       "from Members Where Active <> 0",
-      {{1, "John", "", "Smith"}});
-  EXPECT_THAT(FindNearestMatches(store_, "  "), IsEmpty());
+      {{1, "John", "", "Smith"}, {2, "", "", ""}, {3, "", "A", ""}, {4, "", "", "Smith"}, {5, "John", "", ""}});
+  for (const char* blanks : {" ", "  ", "\t"}) EXPECT_THAT(FindNearestMatches(store_, blanks), IsEmpty());
 }
 
 TEST_F(NameSearchTest, ReadMemberRowTakesTheColumnsAndFlagTwo) {

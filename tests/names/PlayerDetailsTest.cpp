@@ -37,8 +37,11 @@ TEST(cPlayerDetails, ClearMakesARecordNewAgain) {
   EXPECT_EQ(player.MembershipNumber, -1);
   EXPECT_EQ(player.Handicap, 50.0);
   EXPECT_EQ(player.UniquenessFlag, 4);
-  EXPECT_EQ(player.Name(0), "");
+  EXPECT_EQ(player.NameParts(), PlayerNameParts{});
+  EXPECT_EQ(player.KnownAs, "");
+  EXPECT_EQ(player.EBUNumber, "");
   EXPECT_EQ(player.FuzzedSurname(), "S");
+  EXPECT_EQ(player.FuzzedFirstName(), "F");
   EXPECT_TRUE(IsNull(player.CandidateWeight));
 }
 

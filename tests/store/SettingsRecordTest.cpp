@@ -105,6 +105,7 @@ TEST_F(SettingsRecordTest, ThePrefixHasTheInitialsOfTheFirstFourWords) {
 }
 
 TEST_F(SettingsRecordTest, RenamingTheClubAddsANameAndRenamesThePrefix) {
+  Settings().rows = {{std::string("BC"), Null(), Null(), Null(), Null(), Null(), Null()}};
   SetClubName("Kings' Club");
   store_.SetLatestClubName("Kings' Club");
   EXPECT_EQ(fake_.file->statements.back(), "Insert into ClubNames (ClubName) Values ('Kings'' Club')");

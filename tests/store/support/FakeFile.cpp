@@ -1,13 +1,71 @@
 #include "store/support/FakeFile.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <regex>
 
+#include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
 namespace tavi::testing {
 namespace {
 
 constexpr const char* kSource = "Fake provider";
+
+constexpr std::string_view kCount = "Select count(";
+
+bool IsAscii(const std::string& text) {
+  return std::none_of(text.begin(), text.end(), [](char character) { return character < 0; });
+}
+
+/// Below, at or above 0 where a file has a value before, with or behind another one: nothing comes first, and True,
+/// which is -1, before False. Other letters than those of ASCII stand where a sort order puts them, which is not known
+/// here.
+int Compare(const Value& left, const Value& right) {
+  if (IsNull(left) || IsNull(right)) return static_cast<int>(IsNull(right)) - static_cast<int>(IsNull(left));
+  const auto* leftText = std::get_if<std::string>(&left);
+  const auto* rightText = std::get_if<std::string>(&right);
+  if (leftText != nullptr && rightText != nullptr) {
+    return IsAscii(*leftText) && IsAscii(*rightText) ? CompareIgnoringCase(*leftText, *rightText) : 0;
+  }
+  const double difference = ToDouble(left) - ToDouble(right);
+  return difference < 0 ? -1 : static_cast<int>(difference > 0);
+}
+
+std::optional<std::size_t> PlaceOf(const FakeRows& rows, const std::string& column) {
+  for (std::size_t index = 0; index < rows.fields.size(); ++index) {
+    if (EqualIgnoringCase(rows.fields[index], column)) return index;
+  }
+  return std::nullopt;
+}
+
+/// Whether a row may come before another one by the columns of an "Order By".
+bool MayPrecede(const FakeRows& rows, std::size_t first, std::size_t second, const std::string& columns) {
+  for (const std::string& column : Split(columns, ',')) {
+    const std::vector<std::string> words = Split(Trim(column), ' ');
+    const auto place = PlaceOf(rows, words.front());
+    if (!place) return true;
+    const int order = Compare(rows.rows[first][*place], rows.rows[second][*place]);
+    if (order != 0) return words.size() > 1 ? order > 0 : order < 0;
+  }
+  return true;
+}
+
+/// Fails the test whose answer no file would give: rows in another order than was asked for, or retired members among
+/// the active ones.
+void ExpectAnswerOfAFile(const std::string& source, const FakeRows& answer) {
+  static const std::regex kOrder("Order by (.+)$", std::regex::icase);
+  std::smatch found;
+  if (std::regex_search(source, found, kOrder)) {
+    for (std::size_t row = 1; row < answer.rows.size(); ++row) {
+      EXPECT_TRUE(MayPrecede(answer, row - 1, row, found[1])) << "row " << row + 1 << " of: " << source;
+    }
+  }
+  const auto active = PlaceOf(answer, "Active");
+  if (!active || source.find("Active <> 0") == std::string::npos) return;
+  for (const auto& row : answer.rows) EXPECT_TRUE(ToBoolean(row[*active])) << source;
+}
 
 class FakeRecordset : public ado::Recordset {
  public:
@@ -78,7 +136,11 @@ class FakeConnection : public ado::Connection {
     for (const auto& [text, error] : file_->failures) {
       if (source.find(text) != std::string::npos) throw error;
     }
-    return MakeFakeRecordset(file_->answers[std::string(source)]);
+    FakeRows& answer = file_->answers[std::string(source)];
+    const bool isCount = EqualIgnoringCase(source.substr(0, kCount.size()), kCount);
+    if (isCount && answer.rows.empty()) answer = {{"Expr1000"}, {{std::int32_t{0}}}};
+    ExpectAnswerOfAFile(std::string(source), answer);
+    return MakeFakeRecordset(answer);
   }
   std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind /*kind*/) override {
     schema_.fields = {"TABLE_NAME", "COLUMN_NAME", "DATA_TYPE"};

@@ -19,7 +19,8 @@ struct FakeRows {
 };
 
 /// A file of which the provider knows the columns of each table, and answers that the test puts in. It records what it
-/// is asked, and fails where the test says so.
+/// is asked, fails where the test says so, and fails the test where a file could not give its answer: rows in another
+/// order than was asked for, or retired members among the active ones. A count without an answer is 0.
 struct FakeFile {
   /// The columns of each table with their type words.
   std::map<std::string, std::map<std::string, std::string>> tables;
