@@ -1,17 +1,25 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "access/catalog/Database.h"
+#include "access/catalog/KeyLookup.h"
+#include "access/file/DatabaseHeader.h"
 #include "access/file/Format.h"
+#include "access/file/PageAllocator.h"
+#include "access/file/Rc4.h"
 #include "host/support/Command.h"
 
 namespace tavi::host {
 namespace {
 
 namespace fs = std::filesystem;
+
+constexpr std::uint8_t kHyphenBehindSixElements = 0x1F;   // 7 + 4 * 6
+constexpr std::uint8_t kHyphenBehindFiveElements = 0x1B;  // 7 + 4 * 5
 
 std::string ReadFile(const std::string& path) {
   std::ifstream stream(path, std::ios::binary);
@@ -33,6 +41,43 @@ class CheckCommand : public testing::Test {
     access::Database database(access::Pager::Open(access::NativeFileSystem(), folder_.ClubFile(), {}));
     const access::ReadStatement statement(database.GetPager());
     return database.OpenTable("Members")->Definition();
+  }
+  /// The first pages of a file in the older format.
+  std::string FileOfAccess97() const {
+    constexpr std::size_t kSmallPage = 2048;
+    namespace header = access::format::header;
+    access::Page page(access::format::kHeaderPage);
+    std::ifstream(folder_.ClubFile(), std::ios::binary)
+        .read(reinterpret_cast<char*>(page.AllMutable().data()), access::kPageSize);
+    access::ToggleHeaderMask(page);
+    page.Fill(header::kPasswordOffset, header::kPasswordSize, 0);
+    page.SetU8(header::kVersionOffset, header::kVersionJet3);
+    access::ApplyRc4(header::kMaskKey, page.AllMutable().subspan(header::kMaskOffset, header::kJet3MaskSize));
+    std::string bytes(page.All().begin(), page.All().begin() + kSmallPage);
+    bytes.resize(4 * kSmallPage);
+    return bytes;
+  }
+  /// Puts a row under a key that another program would make, where letters that sort as two count as one place.
+  void MoveToAnotherKey(const std::string& table, const std::string& index, const std::string& name) const {
+    access::Database database(access::Pager::Open(access::NativeFileSystem(), folder_.ClubFile(), {}));
+    access::WriteStatement statement(database.GetPager());
+    const auto opened = database.OpenTable(table);
+    const std::size_t place = static_cast<std::size_t>(
+        std::ranges::find(opened->Indexes(), index, &access::Index::name) - opened->Indexes().begin());
+    const access::RowPointer row = access::RowsWithValue(*opened, "Name", name).at(0);
+    access::IndexEntry entry{opened->Encoder(place).RowKey(opened->Read(row)), row};
+    ASSERT_TRUE(opened->Tree(place).Remove(entry));
+    ASSERT_EQ(std::ranges::count(entry.key, kHyphenBehindSixElements), 1);
+    std::ranges::replace(entry.key, kHyphenBehindSixElements, kHyphenBehindFiveElements);
+    opened->Tree(place).Insert(entry);
+    statement.Commit();
+  }
+  /// Takes a page that nobody will use.
+  void LeakAPage() const {
+    access::Database database(access::Pager::Open(access::NativeFileSystem(), folder_.ClubFile(), {}));
+    access::WriteStatement statement(database.GetPager());
+    static_cast<void>(access::PageAllocator(database.GetPager()).Allocate());
+    statement.Commit();
   }
   void SetByte(std::size_t page, std::size_t offset, char value) const {
     std::fstream stream(folder_.ClubFile(), std::ios::binary | std::ios::in | std::ios::out);
@@ -126,6 +171,53 @@ TEST_F(CheckCommand, KeysOfNamesThatAreStoredWithEscapesAreCurrent) {
   ASSERT_EQ(folder_.Query("Select LastName From Members Where FirstName = '100%p'"),
             (std::vector<std::string>{"Pool%pLoad"}));
   EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
+}
+
+TEST_F(CheckCommand, SaysThatAFileOfAccess97IsNotCheckedRatherThanDamaged) {
+  const std::string old = folder_.Write("old.mdb", FileOfAccess97());
+  const Outcome outcome = folder_.Run({"check", old});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_EQ(outcome.out, "");
+  EXPECT_NE(outcome.error.find("is in the format of Access 97, which is only read here and cannot be checked"),
+            std::string::npos)
+      << outcome.error;
+}
+
+// A statement missed rows that another program had entered under keys of its own.
+TEST_F(CheckCommand, AnIndexWithAnotherProgramsKeysIsRemarkedOnNotSearchedAndMadeAnewBeforeAWrite) {
+  ASSERT_EQ(folder_
+                .Run({"sql"},
+                     "Create Table People (Name Text(30));\nCreate Index ByName On People (Name);\n"
+                     "Insert Into People Values ('Gro\u00DFe-Brauer');\n")
+                .code,
+            0);
+  MoveToAnotherKey("People", "ByName", "Gro\u00DFe-Brauer");
+  const Outcome check = folder_.Run({"check"});
+  EXPECT_EQ(check.code, 0);
+  EXPECT_NE(check.out.find("holds 1 of its 1 keys in an order other than this program's."), std::string::npos)
+      << check.out;
+  const std::string find = "Select Name From People Where Name = 'Gro\u00DFe-Brauer'";
+  EXPECT_EQ(folder_.Query(find).size(), 1U);
+  const std::vector<std::string> explain = {"sql", "--explain", find};
+  EXPECT_EQ(folder_.Run(explain).out.find("index ByName"), std::string::npos);
+
+  ASSERT_EQ(folder_.Run({"sql", "Insert Into People Values ('Zed')"}).code, 0);
+  EXPECT_EQ(folder_.Run({"check"}).out.find("Remark, harmless"), std::string::npos);
+  EXPECT_EQ(folder_.Query(find).size(), 1U);
+}
+
+TEST_F(CheckCommand, ASoundFileWithRemarksIsSound) {
+  LeakAPage();
+  EXPECT_EQ(folder_.Run({"check"}).out.find("Remark, harmless"), std::string::npos);
+  const Outcome strict = folder_.Run({"check", "--strict"});
+  EXPECT_EQ(strict.code, 0);
+  EXPECT_NE(strict.out.find("Remark, harmless: Page "), std::string::npos) << strict.out;
+  EXPECT_NE(strict.out.find("ClubMembers.mdb: sound ("), std::string::npos) << strict.out;
+  const auto json = nlohmann::json::parse(folder_.Run({"check", "--strict", "--json"}).out);
+  EXPECT_EQ(json["sound"], true);
+  EXPECT_EQ(json["findings"].size(), 0U);
+  ASSERT_EQ(json["remarks"].size(), 1U);
+  EXPECT_EQ(json["remarks"][0]["part"], "file");
 }
 
 TEST_F(CheckCommand, SaysThatAFileCannotBeOpened) {

@@ -4,9 +4,12 @@
 
 #include <fstream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "SourceDirectory.h"
+#include "access/catalog/Database.h"
+#include "access/file/Format.h"
 #include "host/support/Command.h"
 
 namespace tavi::host {
@@ -110,6 +113,50 @@ TEST(Dump, WritesColumnsIndexesAndRowsInAFixedForm) {
   "linkedTables": []
 }
 )");
+}
+
+// The flag of automatic GUIDs stands on texts, too, in files of other programs.
+TEST(Dump, OnlyColumnsThatCanCountAreAutomaticNumbers) {
+  const CommandFolder folder;
+  const std::string file = EmptyFile(folder);
+  RunStatements(folder, file, "Create Table Words (ID Counter, Word Text(20), Mark GUID);\n");
+  {
+    access::Database database(access::Pager::Open(access::NativeFileSystem(), file, {}));
+    access::WriteStatement statement(database.GetPager());
+    access::TableDefinition words = database.OpenTable("Words")->Definition();
+    for (access::ColumnDefinition& column : words.columns)
+      column.flags |= access::format::column_flag::kAutonumber | access::format::column_flag::kAutonumberGuid;
+    access::WriteTableDefinition(database.GetPager(), words, true);
+    statement.Commit();
+  }
+  ASSERT_EQ(folder.Run({"dump", file, folder.Path("dump")}).code, 0);
+  const auto schema = nlohmann::json::parse(ReadFolder(folder.Path("dump")).at("schema.json"));
+  std::map<std::string, bool> automatic;
+  for (const auto& column : schema["tables"][0]["columns"]) automatic[column["name"]] = column["autonumber"];
+  EXPECT_EQ(automatic, (std::map<std::string, bool>{{"ID", true}, {"Word", false}, {"Mark", true}}));
+}
+
+// 64 letters take up to 576 bytes when they are escaped; a file system takes 255.
+TEST(Dump, LongTableNamesOfOtherScriptsGetFilesOfTheirOwn) {
+  const CommandFolder folder;
+  const std::string file = EmptyFile(folder);
+  std::string start;
+  for (int i = 0; i < 63; ++i) start += "\u6F22";
+  RunStatements(folder, file,
+                "Create Table [" + start + "\u5B57] (A Long);\nCreate Table [" + start + "\u4EEE] (B Long);\n");
+  const Outcome outcome = folder.Run({"dump", file, folder.Path("dump")});
+  ASSERT_EQ(outcome.code, 0) << outcome.error;
+  const auto files = ReadFolder(folder.Path("dump"));
+  ASSERT_EQ(files.size(), 3U);
+  const auto schema = nlohmann::json::parse(files.at("schema.json"));
+  std::map<std::string, std::string> headers;
+  for (const auto& table : schema["tables"]) {
+    const std::string name = table["file"];
+    EXPECT_LE(name.size(), 255U);
+    EXPECT_TRUE(name.starts_with("%E6%BC%A2%E6%BC%A2"));
+    headers[table["name"]] = files.at(name);
+  }
+  EXPECT_EQ(headers, (std::map<std::string, std::string>{{start + "\u5B57", "A\n"}, {start + "\u4EEE", "B\n"}}));
 }
 
 TEST(Dump, ChangesNothingAndLeavesNoFileBeside) {

@@ -77,7 +77,7 @@ void FillAutoNumbers(Pager& pager, StoredTable& table, RowValues& row) {
     if (!IsNull(row[i])) continue;
     if (column.definition.IsAutoNumber()) {
       row[i] = IsRandom(column) ? RandomNumber(table, i) : NextNumber(pager, table, i);
-    } else if ((column.definition.flags & format::column_flag::kAutonumberGuid) != 0) {
+    } else if (column.definition.IsAutoGuid()) {
       row[i] = RandomGuid();
     }
   }

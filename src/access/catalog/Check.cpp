@@ -1,20 +1,20 @@
 #include "access/catalog/Check.h"
 
 #include "access/catalog/TableCheck.h"
+#include "access/file/EngineError.h"
 
 namespace tavi::access {
 
 namespace {
 
-void CheckTables(Database& database, CheckKind kind, PageOwners& owners, CheckReport& report) {
+void CheckTables(Database& database, PageOwners& owners, CheckReport& report) {
   std::vector<std::shared_ptr<Table>> tables;
   for (const CatalogEntry& entry : database.Tables()) {
     if (entry.isLinked) continue;
     report.Begin(CheckPart::Rows, entry.name);
     report.Guard("Table '" + entry.name + "'", [&] { tables.push_back(database.OpenTable(entry.name)); });
   }
-  for (const std::shared_ptr<Table>& table : tables)
-    TableCheck(database.GetPager(), *table, kind, owners, report).Run();
+  for (const std::shared_ptr<Table>& table : tables) TableCheck(database.GetPager(), *table, owners, report).Run();
   for (const std::shared_ptr<Table>& table : tables) {
     report.Begin(CheckPart::Relationship, table->Name());
     CheckRelationships(database, *table, report);
@@ -24,26 +24,30 @@ void CheckTables(Database& database, CheckKind kind, PageOwners& owners, CheckRe
 }  // namespace
 
 CheckResult CheckFile(Database& database, CheckKind kind, const CheckProgress& progress) {
-  CheckReport report(progress);
+  if (database.GetPager().IsJet3()) {
+    throw Error(ErrorNumber::ProviderPermission, kErrorSource,
+                "'" + database.GetPager().Path() +
+                    "' is in the format of Access 97, which is only read here and cannot be checked. Nothing is known "
+                    "to be wrong with it; convert it in Access to check it, or read it with 'tavi dump'.");
+  }
+  CheckReport report(kind, progress);
   report.Guard("The file", [&] {
     const ReadStatement statement(database.GetPager());
     report.Result().pages = database.GetPager().PageCount();
-    if (database.GetPager().IsJet3()) {
-      report.Add("The file is in the format of Access 97, which is only read and cannot be checked.");
-      return;
-    }
     PageOwners owners(database.GetPager(), report);
-    CheckTables(database, kind, owners, report);
+    CheckTables(database, owners, report);
     report.Begin(CheckPart::File, "");
-    owners.CheckMapPages(kind);
-    if (kind == CheckKind::Strict) owners.ReportLeaks();
+    owners.CheckMapPages();
+    if (report.IsStrict()) owners.ReportLeaks();
   });
   return std::move(report.Result());
 }
 
 std::vector<std::string> CheckDatabase(Database& database, CheckKind kind) {
   std::vector<std::string> texts;
-  for (CheckFinding& finding : CheckFile(database, kind).findings) texts.push_back(std::move(finding.text));
+  CheckResult result = CheckFile(database, kind);
+  for (CheckFinding& finding : result.findings) texts.push_back(std::move(finding.text));
+  for (CheckFinding& remark : result.remarks) texts.push_back(std::move(remark.text));
   return texts;
 }
 

@@ -10,8 +10,9 @@ namespace tavi::access {
 
 enum class CheckKind {
   Ordinary,  ///< what is wrong in any file
-  Strict     ///< also what other programs leave behind but this one never does: pages and long values that nobody uses,
-             ///< counters of system tables that are off, automatic numbers above the counter
+  Strict     ///< also remarks on what other programs leave behind but this one never does: pages and long values that
+             ///< nobody uses, counters of system tables that are off, automatic numbers above the counter, indexes
+             ///< that are not listed by name, parts of long values on pages that are offered for others
 };
 
 /// What a finding is about. Where no finding is about the file or rows the rows are whole, and a rebuild of the file
@@ -33,8 +34,9 @@ struct CheckFinding {
 
 /// What a check looked at and found.
 struct CheckResult {
-  std::vector<CheckFinding> findings;
-  bool isCutShort = false;  ///< there is more to find than is listed
+  std::vector<CheckFinding> findings;  ///< damage
+  std::vector<CheckFinding> remarks;   ///< what does no harm; the file is sound all the same
+  bool isCutShort = false;             ///< there is more to find than is listed
   std::size_t pages = 0;
   std::size_t tables = 0;  ///< the system's included, like the next two
   std::size_t rows = 0;
@@ -45,10 +47,12 @@ struct CheckResult {
 using CheckProgress = std::function<void(std::size_t done, std::size_t total, const std::string& table)>;
 
 /// Walks every page, map, row, long value and index of a file and says what does not agree; nothing when all is well.
-/// It never raises for damage, and stops at 1000 findings. Joins the pager's open statement or makes a read statement.
+/// It never raises for damage, and stops at 1000 findings and 1000 remarks. A file of Access 97 raises
+/// ProviderPermission: it is only read here and cannot be checked. Joins the pager's open statement or makes a read
+/// statement.
 CheckResult CheckFile(Database& database, CheckKind kind, const CheckProgress& progress = {});
 
-/// The texts of the findings alone.
+/// The texts of the findings and remarks alone.
 std::vector<std::string> CheckDatabase(Database& database, CheckKind kind = CheckKind::Ordinary);
 
 }  // namespace tavi::access

@@ -10,24 +10,27 @@
 
 namespace tavi::access {
 
-/// The findings of a check, while it is made.
+/// The findings and remarks of a check, while it is made.
 class CheckReport {
  public:
   static constexpr std::size_t kMaximumFindings = 1000;
 
-  explicit CheckReport(CheckProgress progress = {}) : progress_(std::move(progress)) {}
+  explicit CheckReport(CheckKind kind = CheckKind::Ordinary, CheckProgress progress = {})
+      : kind_(kind), progress_(std::move(progress)) {}
 
+  [[nodiscard]] bool IsStrict() const { return kind_ == CheckKind::Strict; }
   /// What is looked at from now on.
   void Begin(CheckPart part, std::string table) {
     part_ = part;
     table_ = std::move(table);
   }
-  void Add(std::string finding) {
-    if (result_.findings.size() < kMaximumFindings) {
-      result_.findings.push_back({part_, table_, std::move(finding)});
-    } else {
-      result_.isCutShort = true;
-    }
+  /// Notes damage.
+  void Add(std::string finding) { AddTo(result_.findings, std::move(finding)); }
+  /// Notes what is worth knowing and does no harm.
+  void Remark(std::string remark) { AddTo(result_.remarks, std::move(remark)); }
+  /// Notes what other programs leave behind without harm: of interest to a strict check only.
+  void Leftover(std::string remark) {
+    if (IsStrict()) Remark(std::move(remark));
   }
   [[nodiscard]] CheckResult& Result() { return result_; }
 
@@ -50,6 +53,15 @@ class CheckReport {
   }
 
  private:
+  void AddTo(std::vector<CheckFinding>& list, std::string text) {
+    if (list.size() < kMaximumFindings) {
+      list.push_back({part_, table_, std::move(text)});
+    } else {
+      result_.isCutShort = true;
+    }
+  }
+
+  CheckKind kind_;
   CheckProgress progress_;
   CheckPart part_ = CheckPart::File;
   std::string table_;

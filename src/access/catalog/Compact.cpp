@@ -86,6 +86,7 @@ class Compacting {
   void CheckNewFile() {
     Database made(Open(newPath_, false));
     const CheckResult result = CheckFile(made, CheckKind::Strict, progress_);
+    if (!result.remarks.empty()) RaiseDifferent(result.remarks.front().text);
     for (const CheckFinding& finding : result.findings) {
       // Rows whose related row is missing are missed by nobody else; they are kept as they are.
       const bool wasBefore = finding.part == CheckPart::Relationship && hadBrokenRelationships_;

@@ -5,7 +5,7 @@
 
 #include "access/catalog/JsonTree.h"
 #include "access/catalog/Names.h"
-#include "access/file/Format.h"
+#include "access/table/Sha256.h"
 #include "access/table/TsvValue.h"
 
 namespace tavi::access {
@@ -13,6 +13,12 @@ namespace tavi::access {
 namespace {
 
 using Kind = LogicalIndexDefinition::Kind;
+
+constexpr std::string_view kUpperHexadecimal = "0123456789ABCDEF";
+constexpr char kTextFileEnding[] = ".tsv";
+constexpr std::size_t kLongestFileName = 255;  // bytes that file systems take
+constexpr char kCutMark = '~';                 // stands in no name that is written whole
+constexpr std::size_t kCutDigestSize = 8;      // bytes of the digest that tells cut names apart
 
 const char* TypeName(ColumnType type) {
   switch (type) {
@@ -70,9 +76,8 @@ JsonTree ColumnTree(const Column& column, bool isJet3) {
     tree.Set("precision", JsonTree::Number(definition.precision));
     tree.Set("scale", JsonTree::Number(definition.scale));
   }
-  const bool isGuidNumber = (definition.flags & format::column_flag::kAutonumberGuid) != 0;
   tree.Set("variable", JsonTree::Flag(!definition.IsFixed()));
-  tree.Set("autonumber", JsonTree::Flag(definition.IsAutoNumber() || isGuidNumber));
+  tree.Set("autonumber", JsonTree::Flag(definition.IsAutoNumber() || definition.IsAutoGuid()));
   tree.Set("required", JsonTree::Flag(column.required));
   return tree;
 }
@@ -97,19 +102,36 @@ JsonTree IndexTree(const Table& table, const LogicalIndexDefinition& logical) {
   return tree;
 }
 
-std::string FileName(const std::string& table) {
+std::string Escaped(std::string_view text) {
   constexpr std::string_view kKept = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 ._-()";
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string name;
-  for (const char character : table) {
+  std::string escaped;
+  for (const char character : text) {
     const auto byte = static_cast<unsigned char>(character);
     if (kKept.find(character) != std::string_view::npos) {
-      name += character;
+      escaped += character;
     } else {
-      name += {'%', kDigits[byte >> 4U], kDigits[byte & 0xFU]};
+      escaped += {'%', kUpperHexadecimal[byte >> 4U], kUpperHexadecimal[byte & 0xFU]};
     }
   }
-  return name + ".tsv";
+  return escaped;
+}
+
+// 64 letters of most scripts take more bytes, escaped, than a file system gives to a name.
+std::string CutMark(const std::string& table) {
+  const auto digest = Sha256({reinterpret_cast<const std::uint8_t*>(table.data()), table.size()});
+  std::string mark(1, kCutMark);
+  for (std::size_t i = 0; i < kCutDigestSize; ++i)
+    mark += {kUpperHexadecimal[digest[i] >> 4U], kUpperHexadecimal[digest[i] & 0xFU]};
+  return mark;
+}
+
+std::string FileName(const std::string& table) {
+  std::string name = Escaped(table) + kTextFileEnding;
+  if (name.size() <= kLongestFileName) return name;
+  const std::string end = CutMark(table) + kTextFileEnding;
+  std::size_t kept = table.size();
+  while (Escaped(table.substr(0, kept)).size() + end.size() > kLongestFileName) --kept;
+  return Escaped(table.substr(0, kept)) + end;
 }
 
 JsonTree TableTree(const Table& table, std::size_t rows, bool isJet3) {

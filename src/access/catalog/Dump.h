@@ -14,7 +14,8 @@ namespace tavi::access {
 ///   schema.json   the version of the format, tables with columns and indexes, relationships, names of links
 ///   TABLE.tsv     the names of the columns in one line, then a line for each row, sorted by bytes; values as TsvText
 ///                 writes them, with a tab between. The name of the file is the table's; bytes other than letters,
-///                 digits, space and ._-() become %XX.
+///                 digits, space and ._-() become %XX. A name of more than 255 bytes is cut, and ends in ~ and
+///                 sixteen digits that tell it from others; schema.json names the file of each table.
 ///
 /// Calls `write` with the name and the text of each. Joins the pager's open statement or makes a read statement.
 /// Raises ProviderFailure where the file is damaged.

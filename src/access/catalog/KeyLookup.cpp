@@ -21,7 +21,8 @@ std::vector<RowPointer> RowsWithValue(Table& table, std::string_view column, con
   if (!position.has_value()) return {};
   const std::vector<Index>& indexes = table.Indexes();
   for (std::size_t i = 0; i < indexes.size(); ++i)
-    if (!indexes[i].columns.empty() && indexes[i].columns[0] == *position) return RowsWithKey(table, i, {value});
+    if (!indexes[i].columns.empty() && indexes[i].columns[0] == *position && table.CanSearch(i))
+      return RowsWithKey(table, i, {value});
   std::vector<bool> wanted(table.Columns().size());
   wanted[*position] = true;
   std::vector<RowPointer> rows;

@@ -22,9 +22,11 @@ LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueM
   if (!maps.ownedPages.IsNone()) owners.ClaimMap(maps.ownedPages, where_);
   if (!maps.freeSpacePages.IsNone()) owners.ClaimMap(maps.freeSpacePages, where_);
   report_.Guard(where_, [&] {
+    std::set<PageNumber> ownedPages;
     for (const PageNumber page : UsageMap(pager_, maps.freeSpacePages).Pages()) freeSpacePages_.insert(page);
     for (const PageNumber number : UsageMap(pager_, maps.ownedPages).Pages()) {
       owners.Claim(number, where_);
+      ownedPages.insert(number);
       report_.CountPage();
       const std::string place = "Page " + std::to_string(number) + " of " + where_;
       const std::vector<RowEntry> entries =
@@ -33,6 +35,10 @@ LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueM
         if (!entries[row].IsDeleted())
           parts_[{number, static_cast<std::uint8_t>(row)}] = {entries[row].offset, entries[row].length};
       }
+    }
+    for (const PageNumber page : freeSpacePages_) {
+      if (!ownedPages.contains(page))
+        report_.Leftover("Page " + std::to_string(page) + " is offered for values of " + where_ + " but not its own.");
     }
   });
 }
@@ -91,7 +97,8 @@ void LongValueCheck::UseChain(RowPointer place, std::size_t length, const std::s
       return;
     }
     if (freeSpacePages_.contains(place.page))
-      report_.Add(value + " has a part on page " + std::to_string(place.page) + ", which is offered for other values.");
+      report_.Leftover(value + " has a part on page " + std::to_string(place.page) +
+                       ", which is offered for other values.");
     found += part->length - layout::kChainPointerSize;
     place = RowPointer::FromPacked(pager_.Read(place.page)->U32(part->offset));
   }
@@ -101,7 +108,7 @@ void LongValueCheck::UseChain(RowPointer place, std::size_t length, const std::s
 
 void LongValueCheck::ReportUnused() {
   for (const auto& [place, part] : parts_)
-    if (!part.used) report_.Add("The long value in " + NameOf(place) + " of " + where_ + " is used by no row.");
+    if (!part.used) report_.Leftover("The long value in " + NameOf(place) + " of " + where_ + " is used by no row.");
 }
 
 }  // namespace tavi::access

@@ -19,7 +19,7 @@ class LongValueCheck {
 
   /// Checks a value by its descriptor as it stands in a row.
   void Use(std::span<const std::uint8_t> descriptor, RowPointer row);
-  /// Reports what no row uses. Call it after all rows.
+  /// Remarks on what no row uses. Call it after all rows.
   void ReportUnused();
 
  private:

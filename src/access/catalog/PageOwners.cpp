@@ -52,7 +52,7 @@ void PageOwners::ClaimMap(RowPointer map, const std::string& owner) {
   });
 }
 
-void PageOwners::CheckMapPages(CheckKind kind) {
+void PageOwners::CheckMapPages() {
   std::set<PageNumber> pages;
   for (const auto& [map, owner] : maps_) pages.insert(map.page);
   for (const PageNumber number : pages) {
@@ -61,10 +61,9 @@ void PageOwners::CheckMapPages(CheckKind kind) {
         number == format::kGlobalMapPage ? format::data::kOwnerGlobalMap : format::data::kOwnerUsageMaps;
     report_.Guard(where, [&] {
       const std::vector<RowEntry> entries = CheckDataPage(*pager_.Read(number), owner, where, report_);
-      if (kind != CheckKind::Strict) return;
       for (std::size_t row = 0; row < entries.size(); ++row) {
         if (!entries[row].IsDeleted() && !maps_.contains({number, static_cast<std::uint8_t>(row)}))
-          report_.Add(where + ": row " + std::to_string(row) + " is a map of nothing.");
+          report_.Leftover(where + ": row " + std::to_string(row) + " is a map of nothing.");
       }
     });
   }
@@ -74,7 +73,7 @@ void PageOwners::ReportLeaks() {
   const PageAllocator allocator(pager_);
   for (PageNumber page = 0; page < owners_.size(); ++page) {
     if (owners_[page].empty() && !allocator.IsFree(page))
-      report_.Add("Page " + std::to_string(page) + " is neither free nor owned by anything.");
+      report_.Leftover("Page " + std::to_string(page) + " is neither free nor owned by anything.");
   }
 }
 

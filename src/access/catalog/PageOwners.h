@@ -20,8 +20,8 @@ class PageOwners {
   /// Notes a usage map: its row (which must not serve twice) and its pages of bits.
   void ClaimMap(RowPointer map, const std::string& owner);
   /// Looks at the pages on which the noted usage maps lie. Call it when all are noted.
-  void CheckMapPages(CheckKind kind);
-  /// Reports pages that are neither owned nor free.
+  void CheckMapPages();
+  /// Remarks on pages that are neither owned nor free.
   void ReportLeaks();
 
  private:

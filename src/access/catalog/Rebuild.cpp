@@ -7,6 +7,7 @@
 #include "access/catalog/DefinitionChanges.h"
 #include "access/catalog/MemoryPager.h"
 #include "access/catalog/NewFile.h"
+#include "access/catalog/TableLayout.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
@@ -51,6 +52,7 @@ void RenumberColumns(TableDefinition& definition) {
 /// The definition without anything that says where things lie.
 TableDefinition WithoutPlaces(TableDefinition definition) {
   RenumberColumns(definition);
+  SortIndexRecords(definition);
   definition.ownedPages = {};
   definition.freeSpacePages = {};
   definition.longValueMaps.clear();

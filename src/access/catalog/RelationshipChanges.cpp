@@ -88,6 +88,7 @@ LogicalIndexDefinition MakeSide(const Relationship& relationship, Side side) {
 }
 
 void RefuseOrphans(StoredTable& foreign, std::size_t index, StoredTable& primary, std::size_t primaryIndex) {
+  primary.MakeSearchable(primaryIndex);
   std::vector<bool> wanted(foreign.Columns().size());
   for (const std::size_t column : foreign.Indexes()[index].columns) wanted[column] = true;
   foreign.Rows().Walk([&](RowPointer place) {

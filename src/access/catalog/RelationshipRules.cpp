@@ -70,6 +70,7 @@ std::vector<RowPointer> Referring(const StoredTable& table, const LogicalIndexDe
                                   const Partner& foreign, const RowValues& row) {
   const auto values = KeyValues(table, primary.realIndex, row);
   if (!values.has_value()) return {};
+  foreign.table->MakeSearchable(foreign.index);
   return RowsWithKey(*foreign.table, foreign.index, *values);
 }
 
@@ -134,6 +135,7 @@ void CheckPrimaryRows(StoredTable& table, RelatedTables& related, const RowValue
     if (before != nullptr && SameColumns(table, side.realIndex, *before, after)) continue;
     const auto values = KeyValues(table, side.realIndex, after);
     if (!values.has_value()) continue;
+    primary.table->MakeSearchable(primary.index);
     const std::optional<IndexKey> key = primary.table->Encoder(primary.index).PrefixKey(*values);
     if (key.has_value() && primary.table->Tree(primary.index).ContainsKey(*key)) continue;
     const bool isItself = primary.table->Definition().page == table.Definition().page && key.has_value() &&

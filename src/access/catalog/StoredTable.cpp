@@ -2,6 +2,8 @@
 
 #include "access/catalog/AutoNumbers.h"
 #include "access/catalog/ChangeErrors.h"
+#include "access/catalog/DefinitionChanges.h"
+#include "access/catalog/KeyOrder.h"
 #include "access/catalog/RelationshipRules.h"
 #include "access/file/EngineError.h"
 #include "access/table/RowCodec.h"
@@ -43,6 +45,7 @@ StoredTable::StoredTable(Pager& pager, std::string name, bool isSystem, TableDef
       columns_(MakeColumns(definition_, properties)),
       rows_(pager, definition_),
       indexes_(pager, name_, definition_),
+      searchable_(definition_.realIndexes.size()),
       related_(related) {}
 
 std::optional<std::size_t> StoredTable::FindColumn(std::string_view name) const {
@@ -80,12 +83,46 @@ void StoredTable::CheckAutoNumbersKept(const RowValues& before, RowValues& after
   }
 }
 
+bool StoredTable::CanSearch(std::size_t index) {
+  std::optional<bool>& known = searchable_[index];
+  if (!known.has_value()) {
+    try {
+      known = !Encoder(index).Positions().empty() && HasOwnKeys(*this, index);
+    } catch (const Error&) {
+      known = false;  // keys of a type or sort order that cannot be made here
+    }
+  }
+  return *known;
+}
+
+void StoredTable::MakeSearchable(std::size_t index) {
+  if (CanSearch(index)) return;
+  static_cast<void>(Encoder(index));
+  try {
+    FillIndex(*pager_, *this, index);
+  } catch (const Error& error) {
+    throw Error(
+        error.Number(), error.Source(),
+        "The index '" + Indexes()[index].name + "' of the table '" + name_ +
+            "' holds its keys in an order other than this program's and cannot be made anew: " + error.Description());
+  }
+  searchable_[index] = true;
+}
+
+void StoredTable::MakeChangedSearchable(const RowValues* before, const RowValues* after) {
+  for (std::size_t i = 0; i < Indexes().size(); ++i) {
+    const bool isConcerned = before == nullptr || after == nullptr || !indexes_.SameColumns(i, *before, *after);
+    if (isConcerned) MakeSearchable(i);
+  }
+}
+
 RowPointer StoredTable::Insert(RowValues& row) {
   CheckSize(row);
   RowValues values = row;
   ConvertValues(values);
   FillAutoNumbers(*pager_, *this, values);
   CheckColumns(nullptr, values);
+  MakeChangedSearchable(nullptr, &values);
   const std::vector<IndexChange> changes = indexes_.Plan(nullptr, &values);
   if (related_ != nullptr) CheckPrimaryRows(*this, *related_, nullptr, values);
 
@@ -109,6 +146,7 @@ void StoredTable::UpdateCascading(RowPointer row, RowValues values, int depth) {
   if (values == before) return;
   CheckAutoNumbersKept(before, values);
   CheckColumns(&before, values);
+  MakeChangedSearchable(&before, &values);
   const std::vector<IndexChange> changes = indexes_.Plan(&before, &values);
   std::vector<FollowingUpdate> following;
   if (related_ != nullptr) {
@@ -140,6 +178,7 @@ void StoredTable::Delete(RowPointer row) {
 
 void StoredTable::DeleteAlone(RowPointer row) {
   const RowValues before = rows_.Read(row);
+  MakeChangedSearchable(&before, nullptr);
   const std::vector<IndexChange> changes = indexes_.Plan(&before, nullptr);
   rows_.Delete(row);
   indexes_.Apply(changes, row);

@@ -47,6 +47,10 @@ class StoredTable final : public Table {
   }
   [[nodiscard]] BTree& Tree(std::size_t index) override { return indexes_.Tree(index); }
   [[nodiscard]] const KeyEncoder& Encoder(std::size_t index) override { return indexes_.Encoder(index); }
+  [[nodiscard]] bool CanSearch(std::size_t index) override;
+  /// Makes an index anew that cannot be searched as it is. Raises ProviderFailure when its keys cannot be made here,
+  /// and what FillIndex raises.
+  void MakeSearchable(std::size_t index);
 
   RowPointer Insert(RowValues& row) override;
   void Update(RowPointer row, RowValues values) override;
@@ -65,6 +69,8 @@ class StoredTable final : public Table {
   /// Required and zero-length rules, for the columns that differ from `before` (all when it is null).
   void CheckColumns(const RowValues* before, const RowValues& after) const;
   void CheckAutoNumbersKept(const RowValues& before, RowValues& after) const;
+  /// Readies the indexes that a change of a row concerns (null: there is none before, or after).
+  void MakeChangedSearchable(const RowValues* before, const RowValues* after);
 
   Pager* pager_;
   std::string name_;
@@ -73,6 +79,7 @@ class StoredTable final : public Table {
   std::vector<Column> columns_;
   TableRows rows_;
   TableIndexes indexes_;
+  std::vector<std::optional<bool>> searchable_;  ///< by index, once it is known
   RelatedTables* related_;
 };
 

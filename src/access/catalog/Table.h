@@ -60,6 +60,10 @@ class Table {
   /// The tree of an index, and the maker of its keys, by position in Indexes().
   [[nodiscard]] virtual BTree& Tree(std::size_t index) = 0;
   [[nodiscard]] virtual const KeyEncoder& Encoder(std::size_t index) = 0;
+  /// True when what a key is looked for under is where it stands: the keys of the index can be made here, and stand as
+  /// they are made here (see KeyOrder.h). Nothing may be looked for in the tree of another index. A change of a row
+  /// makes such an index anew first, where its keys can be made.
+  [[nodiscard]] virtual bool CanSearch(std::size_t index) = 0;
 
   /// Adds a row. Values are converted to their columns' types; an automatic number whose value is null gets the next
   /// one, and `row` becomes the values as they are stored. Defaults are the caller's business. Raises ProviderFailure

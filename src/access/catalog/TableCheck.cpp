@@ -18,11 +18,10 @@ std::string NameOf(RowPointer row) {
 
 }  // namespace
 
-TableCheck::TableCheck(Pager& pager, Table& table, CheckKind kind, PageOwners& owners, CheckReport& report)
+TableCheck::TableCheck(Pager& pager, Table& table, PageOwners& owners, CheckReport& report)
     : pager_(pager),
       table_(table),
       definition_(table.Definition()),
-      kind_(kind),
       owners_(owners),
       report_(report),
       name_("table '" + table.Name() + "'") {}
@@ -37,13 +36,13 @@ void TableCheck::Run() {
   report_.Guard(Where("The pages"), [&] { CheckPages(); });
   for (const auto& [number, entries] : pages_) CheckRows(number, entries);
   CheckTargets();
-  if (kind_ == CheckKind::Strict) {
+  if (report_.IsStrict()) {
     for (auto& [id, check] : longValues_) check.ReportUnused();
   }
   report_.Begin(CheckPart::Counter, table_.Name());
   report_.Guard(Where("The counters"), [&] { CheckCounters(); });
   report_.Begin(CheckPart::Index, table_.Name());
-  for (std::size_t i = 0; i < table_.Indexes().size(); ++i) CheckIndex(pager_, table_, i, kind_, owners_, report_);
+  for (std::size_t i = 0; i < table_.Indexes().size(); ++i) CheckIndex(pager_, table_, i, owners_, report_);
   CheckResult& result = report_.Result();
   ++result.tables;
   result.rows += liveRows_;
@@ -56,7 +55,8 @@ void TableCheck::CheckDefinition() {
   CheckColumns();
   for (std::size_t i = 1; i < definition_.logicalIndexes.size(); ++i) {
     if (NameBefore(definition_.logicalIndexes[i].name, definition_.logicalIndexes[i - 1].name))
-      report_.Add(Where("The index '" + definition_.logicalIndexes[i].name + "'") + " is not in the order of names.");
+      report_.Leftover(Where("The index '" + definition_.logicalIndexes[i].name + "'") +
+                       " is not listed in the order of names.");
   }
   for (const LogicalIndexDefinition& logical : definition_.logicalIndexes) {
     if (logical.realIndex >= definition_.realIndexes.size())
@@ -176,11 +176,16 @@ void TableCheck::CheckTargets() {
 }
 
 void TableCheck::CheckCounters() {
-  const bool exact = kind_ == CheckKind::Strict || !definition_.isSystem;
-  if (exact && table_.RowCount() != liveRows_)
-    report_.Add(Where("The counter") + " says " + std::to_string(table_.RowCount()) + " rows; there are " +
-                std::to_string(liveRows_) + ".");
-  if (kind_ != CheckKind::Strict) return;
+  if (table_.RowCount() != liveRows_) {
+    std::string text = Where("The counter") + " says " + std::to_string(table_.RowCount()) + " rows; there are " +
+                       std::to_string(liveRows_) + ".";
+    if (definition_.isSystem) {
+      report_.Leftover(std::move(text));
+    } else {
+      report_.Add(std::move(text));
+    }
+  }
+  if (!report_.IsStrict()) return;
   const std::int32_t last = LastAutoNumber(pager_, definition_);
   for (std::size_t i = 0; i < table_.Columns().size(); ++i) {
     if (!table_.Columns()[i].definition.IsAutoNumber()) continue;
@@ -190,8 +195,8 @@ void TableCheck::CheckCounters() {
       const RowValues values = table_.Read(*row, wanted);
       const auto* number = std::get_if<std::int32_t>(&values[i]);
       if (number != nullptr && *number > last)
-        report_.Add(Where("The automatic number " + std::to_string(*number)) + " is above the last one, " +
-                    std::to_string(last) + ".");
+        report_.Leftover(Where("The automatic number " + std::to_string(*number)) + " is above the last one, " +
+                         std::to_string(last) + ".");
     }
   }
 }

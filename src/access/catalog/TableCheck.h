@@ -13,7 +13,7 @@ namespace tavi::access {
 /// Checks one table: its definition, pages, rows, long values, counters and indexes.
 class TableCheck {
  public:
-  TableCheck(Pager& pager, Table& table, CheckKind kind, PageOwners& owners, CheckReport& report);
+  TableCheck(Pager& pager, Table& table, PageOwners& owners, CheckReport& report);
 
   void Run();
 
@@ -31,7 +31,6 @@ class TableCheck {
   Pager& pager_;
   Table& table_;
   const TableDefinition& definition_;
-  CheckKind kind_;
   PageOwners& owners_;
   CheckReport& report_;
   std::string name_;
@@ -42,7 +41,7 @@ class TableCheck {
 };
 
 /// Checks one index against the rows of its table; see IndexCheck.cpp.
-void CheckIndex(Pager& pager, Table& table, std::size_t index, CheckKind kind, PageOwners& owners, CheckReport& report);
+void CheckIndex(Pager& pager, Table& table, std::size_t index, PageOwners& owners, CheckReport& report);
 
 /// Checks that the relationships in which a table is the foreign side hold, and that both sides agree about them.
 void CheckRelationships(Database& database, Table& table, CheckReport& report);

@@ -180,6 +180,10 @@ void SortRecords(TableDefinition& definition) {
   std::ranges::stable_sort(definition.columns, [](const ColumnDefinition& left, const ColumnDefinition& right) {
     return left.ordinal != right.ordinal ? left.ordinal < right.ordinal : NameBefore(left.name, right.name);
   });
+  SortIndexRecords(definition);
+}
+
+void SortIndexRecords(TableDefinition& definition) {
   std::ranges::stable_sort(definition.logicalIndexes, NameBefore, &LogicalIndexDefinition::name);
 }
 

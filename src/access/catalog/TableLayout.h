@@ -27,6 +27,8 @@ void AppendColumn(TableDefinition& definition, ColumnDefinition column, std::siz
 
 /// Puts columns (by ordinal, then name) and logical indexes (by name) into their stored order.
 void SortRecords(TableDefinition& definition);
+/// The logical indexes alone: the order of columns is that of all row values.
+void SortIndexRecords(TableDefinition& definition);
 
 /// The flags byte of a physical index as its members state it.
 std::uint8_t IndexFlags(const RealIndexDefinition& index);

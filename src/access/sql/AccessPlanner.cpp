@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "access/sql/ValueKey.h"
-#include "platform/values/Error.h"
 
 namespace tavi::access::sql {
 
@@ -59,14 +58,6 @@ void SplitByOr(const Expression& expression, std::vector<const Expression*>& con
 }
 
 }  // namespace
-
-bool IsUsableIndex(Table& table, std::size_t index) {
-  try {
-    return !table.Encoder(index).Positions().empty();
-  } catch (const Error&) {
-    return false;  // keys of a type or sort order that cannot be made here
-  }
-}
 
 double AccessPlanner::Selectivity(const Conjuncts& conjuncts) {
   double part = 1.0;
@@ -181,7 +172,7 @@ std::optional<AccessPath> AccessPlanner::IndexPath(const Task& task, std::size_t
     path.equalColumns.push_back(column);
   }
   if (path.equals.empty() && path.low == nullptr && path.high == nullptr) return std::nullopt;
-  if (!IsUsableIndex(*task.table, index)) return std::nullopt;
+  if (!task.table->CanSearch(index)) return std::nullopt;
   path.rows = EstimateIndexRows(task, definition, path);
   path.cost = kIndexDescent + path.rows * kRowByPointer;
   return path;
@@ -245,7 +236,7 @@ bool AccessPlanner::LeadsFileIndex(Table& table, std::size_t column) const {
   if (!context_.options.fileIndexes) return false;
   for (std::size_t i = 0; i < table.Indexes().size(); ++i) {
     const Index& index = table.Indexes()[i];
-    if (!index.columns.empty() && index.columns.front() == column && IsUsableIndex(table, i)) return true;
+    if (!index.columns.empty() && index.columns.front() == column && table.CanSearch(i)) return true;
   }
   return false;
 }

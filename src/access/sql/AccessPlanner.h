@@ -59,7 +59,4 @@ class AccessPlanner {
   const NameBinder& binder_;
 };
 
-/// True when an index can serve look-ups here: its keys can be made.
-bool IsUsableIndex(Table& table, std::size_t index);
-
 }  // namespace tavi::access::sql

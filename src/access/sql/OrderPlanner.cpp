@@ -101,7 +101,7 @@ void ChooseOrderWalk(const PlanContext& context, SelectPlan& plan) {
   if (static_cast<double>(*select.top) / kept * kRowByIndex > all) return;
   for (std::size_t i = 0; i < table.Indexes().size(); ++i) {
     bool backwards = false;
-    if (!Delivers(table.Indexes()[i], plan, backwards) || !IsUsableIndex(table, i)) continue;
+    if (!Delivers(table.Indexes()[i], plan, backwards) || !table.CanSearch(i)) continue;
     plan.orderWalk = OrderWalk{i, backwards};
     return;
   }

@@ -32,11 +32,16 @@ RowPointer RowSpace::Insert(std::span<const std::uint8_t> bytes, std::uint16_t f
   return row;
 }
 
-// A page that another program lists although it is not the owner's is passed over.
+// A page that another program lists although it is not the owner's is passed over. All long values name one owner on
+// their pages, so that of them only the map tells whose a page is.
 std::optional<RowPointer> RowSpace::InsertOn(PageNumber number, std::span<const std::uint8_t> bytes,
                                              std::uint16_t flags) {
   Page& page = pager_->Write(number);
   if (!DataPageReader::IsOwnedBy(page, owner_)) return std::nullopt;
+  if (owner_ == format::data::kOwnerLongValues && !Owns(number)) {
+    Offer(number, false);
+    return std::nullopt;
+  }
   DataPageEditor editor(page);
   if (!editor.Takes(bytes.size())) {
     if (!editor.HasRoomForTypicalRow()) Offer(number, false);

@@ -15,6 +15,10 @@ bool ColumnDefinition::IsAutoNumber() const {
   return type == ColumnType::Long && (flags & format::column_flag::kAutonumber) != 0;
 }
 
+bool ColumnDefinition::IsAutoGuid() const {
+  return type == ColumnType::Guid && (flags & format::column_flag::kAutonumberGuid) != 0;
+}
+
 bool ColumnDefinition::IsLongValue() const {
   return type == ColumnType::Memo || type == ColumnType::Ole;
 }

@@ -47,6 +47,7 @@ struct ColumnDefinition {
 
   [[nodiscard]] bool IsFixed() const;       ///< stored in the fixed area of a row
   [[nodiscard]] bool IsAutoNumber() const;  ///< Long autonumber
+  [[nodiscard]] bool IsAutoGuid() const;    ///< GUID that is made for each new row; the flag stands on other types too
   [[nodiscard]] bool IsLongValue() const;   ///< Memo or OLE
   [[nodiscard]] bool IsCompressed() const;  ///< Unicode compression switched on
 };

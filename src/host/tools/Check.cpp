@@ -60,6 +60,13 @@ NameKeyCount CountKeys(const Context& context, access::Database& database, const
   return result.findings.empty() ? CountNameKeys(database, *context.platform->nameKeyService) : NameKeyCount();
 }
 
+nlohmann::ordered_json JsonOf(const std::vector<access::CheckFinding>& findings) {
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const access::CheckFinding& finding : findings)
+    list.push_back({{"part", NameOf(finding.part)}, {"table", finding.table}, {"text", finding.text}});
+  return list;
+}
+
 /// Not looked for where the file is damaged, for the same reason.
 MissingNumbers FindMissing(access::Database& database, const access::CheckResult& result) {
   return result.findings.empty() ? FindMissingNumbers(database) : MissingNumbers();
@@ -80,16 +87,14 @@ void WriteRemarks(const Context& context, const NameKeyCount& keys, const Missin
 
 void WriteJson(const Context& context, const std::string& file, const access::CheckResult& result,
                const NameKeyCount& keys, const MissingNumbers& missing) {
-  nlohmann::ordered_json findings = nlohmann::ordered_json::array();
-  for (const access::CheckFinding& finding : result.findings)
-    findings.push_back({{"part", NameOf(finding.part)}, {"table", finding.table}, {"text", finding.text}});
   const nlohmann::ordered_json document = {{"file", file},
                                            {"sound", result.findings.empty()},
                                            {"pages", result.pages},
                                            {"tables", result.tables},
                                            {"rows", result.rows},
                                            {"indexes", result.indexes},
-                                           {"findings", findings},
+                                           {"findings", JsonOf(result.findings)},
+                                           {"remarks", JsonOf(result.remarks)},
                                            {"more", result.isCutShort},
                                            {"advice", Advice(result)},
                                            {"staleNameKeys", keys.stale},
@@ -102,6 +107,8 @@ void WriteText(const Context& context, const std::string& file, const access::Ch
                const NameKeyCount& keys, const MissingNumbers& missing) {
   const std::string name = Printable(file);
   for (const access::CheckFinding& finding : result.findings) context.out << Printable(finding.text) << '\n';
+  for (const access::CheckFinding& remark : result.remarks)
+    context.out << "Remark, harmless: " << Printable(remark.text) << '\n';
   if (result.findings.empty()) {
     context.out << name << ": sound (" << result.pages << " pages, " << result.tables << " tables, " << result.rows
                 << " rows, " << result.indexes << " indexes)\n";
@@ -118,13 +125,14 @@ void WriteText(const Context& context, const std::string& file, const access::Ch
 int Check(const Context& context, const CheckRequest& request) {
   const std::string file = NativePath(request.file.empty() ? context.AccessFile() : request.file);
   std::unique_ptr<access::Database> database;
+  access::CheckResult result;
   try {
     database = OpenToRead(context, file);
+    result = RunCheck(context, *database, request.strict);
   } catch (const Error& problem) {
     context.error << "tavi: " << PrintableLines(problem.Description()) << '\n';
     return kCannotBeOpened;
   }
-  const access::CheckResult result = RunCheck(context, *database, request.strict);
   const NameKeyCount keys = CountKeys(context, *database, result);
   const MissingNumbers missing = FindMissing(*database, result);
   if (context.format == OutputFormat::Json) {

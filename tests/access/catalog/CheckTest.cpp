@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
+#include "access/catalog/Compact.h"
 #include "access/catalog/support/TestFile.h"
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
@@ -175,6 +178,69 @@ TEST_F(CheckTest, FindsAnAutomaticNumberAboveTheCounter) {
   const std::vector<std::string> strict = CheckDatabase(file_.Get(), CheckKind::Strict);
   ASSERT_EQ(strict.size(), 1U);
   EXPECT_FINDING(strict[0], "The automatic number 100");
+}
+
+// Sound files of other programs were called damaged for the two things that follow.
+TEST_F(CheckTest, TakesIndexesInAnyOrderOfNamesAndRemarksOnItWhenStrict) {
+  file_.Write([&](Database& database) {
+    TableDefinition other = definition_;
+    std::ranges::reverse(other.logicalIndexes);
+    WriteTableDefinition(database.GetPager(), other, true);
+  });
+  file_.Reopen();
+  EXPECT_EQ(CheckDatabase(file_.Get()), std::vector<std::string>());
+  const CheckResult strict = CheckFile(file_.Get(), CheckKind::Strict);
+  EXPECT_TRUE(strict.findings.empty());
+  ASSERT_EQ(strict.remarks.size(), 1U);
+  EXPECT_FINDING(strict.remarks[0].text, "of table 'Members' is not listed in the order of names.");
+  file_.Close();
+  CompactFile(NativeFileSystem(), file_.Path());
+  file_.Reopen();
+  file_.ExpectSound();
+}
+
+TEST_F(CheckTest, TakesPartsOfLongValuesOnOfferedPagesAndRemarksOnThemWhenStrict) {
+  file_.Write([&](Database& database) {
+    const LongValueMaps& maps = definition_.longValueMaps.at(0);
+    for (const PageNumber page : UsageMap(database.GetPager(), maps.ownedPages).Pages())
+      UsageMap(database.GetPager(), maps.freeSpacePages).Add(page);
+  });
+  EXPECT_EQ(CheckDatabase(file_.Get()), std::vector<std::string>());
+  const CheckResult strict = CheckFile(file_.Get(), CheckKind::Strict);
+  EXPECT_TRUE(strict.findings.empty());
+  ASSERT_FALSE(strict.remarks.empty());
+  EXPECT_FINDING(strict.remarks[0].text, "which is offered for other values");
+  file_.Close();
+  CompactFile(NativeFileSystem(), file_.Path());
+  file_.Reopen();
+  file_.ExpectSound();
+}
+
+TEST_F(CheckTest, RemarksOnPagesThatAreOfferedToAColumnThatDoesNotOwnThem) {
+  TableDesign design;
+  design.name = "Letters";
+  design.columns = {MakeColumn("Text", ColumnType::Memo)};
+  file_.Write([&](Database& database) {
+    database.CreateTable(design, kNow);
+    Insert(database, "Letters", {{"Text", std::string(500, 'y')}});
+    const LongValueMaps& others = database.OpenTable("Letters")->Definition().longValueMaps.at(0);
+    UsageMap offered(database.GetPager(), others.freeSpacePages);
+    for (const PageNumber page : offered.Pages()) offered.Remove(page);
+    for (const PageNumber page : UsageMap(database.GetPager(), definition_.longValueMaps.at(0).freeSpacePages).Pages())
+      offered.Add(page);
+  });
+  EXPECT_EQ(CheckDatabase(file_.Get()), std::vector<std::string>());
+  const CheckResult strict = CheckFile(file_.Get(), CheckKind::Strict);
+  EXPECT_TRUE(strict.findings.empty());
+  ASSERT_FALSE(strict.remarks.empty());
+  EXPECT_FINDING(strict.remarks[0].text, "but not its own");
+
+  // The value would have gone with the other table's pages.
+  file_.Write([&](Database& database) { Insert(database, "Letters", {{"Text", std::string(500, 'z')}}); });
+  file_.ExpectSound();
+  file_.Write([](Database& database) { database.DropTable("Members"); });
+  EXPECT_EQ(ColumnOf(file_.Get(), "Letters", "Text"),
+            (std::vector<Value>{std::string(500, 'y'), std::string(500, 'z')}));
 }
 
 TEST_F(CheckTest, FindsAMissingRelatedRow) {
