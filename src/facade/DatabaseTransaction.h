@@ -11,14 +11,14 @@ namespace tavi {
 ///     for (const Result& result : event) club.NoteResult(...);
 ///     transaction.Commit();
 ///
-/// The file is open for its length. Other users see the state before, without waiting, until Commit; who wants to store
-/// something waits for its end, so keep it short and show no message boxes in it. An operation that fails undoes what
-/// it undoes without a transaction and leaves the rest; whether to go on is the host's choice. Transactions nest: an
-/// inner one ends alone, and what it kept is undone with the outer one. CloseDatabase and another database folder end
-/// it by undoing everything; Commit then raises the error. What objects hold in memory, such as handicap settings that
-/// were set, is not undone.
+/// The file is open for its length: CloseDatabase takes effect at its end. Other users see the state before, without
+/// waiting, until Commit; who wants to store something waits for its end, so keep it short and show no message boxes in
+/// it. An operation that fails undoes what it undoes without a transaction and leaves the rest; whether to go on is the
+/// host's choice. Transactions nest: an inner one ends alone, and what it kept is undone with the outer one. What
+/// objects hold in memory, such as handicap settings that were set, is not undone.
 ///
-/// Use it on one thread only, the one that created the MembershipDatabase.
+/// Use it on one thread only, the one that created the MembershipDatabase, and create no other MembershipDatabase there
+/// in its life.
 class DatabaseTransaction {
  public:
   /// Raises NoObject on a thread without a MembershipDatabase, what OpenDatabase raises, and the database's error when

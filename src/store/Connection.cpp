@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <exception>
 #include <limits>
 
@@ -103,7 +104,7 @@ void cDatabase::RefreshStoredNameKeys() noexcept {
 
 void cDatabase::CloseDB(bool ForceClose) {
   if (openCount_ == 0) return;
-  openCount_ = ForceClose ? std::int16_t{0} : static_cast<std::int16_t>(openCount_ - 1);
+  openCount_ = ForceClose ? transactions_ : std::max(transactions_, static_cast<std::int16_t>(openCount_ - 1));
   if (openCount_ > 0) return;
   const std::unique_ptr<ado::Connection> closing = std::move(connection_);
   closing->Close();
@@ -126,15 +127,19 @@ std::unique_ptr<ado::Recordset> cDatabase::OpenSchema(ado::SchemaKind kind) {
 }
 
 std::int32_t cDatabase::BeginTransaction() {
-  return OpenFile().BeginTrans();
+  const std::int32_t level = OpenFile().BeginTrans();
+  ++transactions_;
+  return level;
 }
 
 void cDatabase::CommitTransaction() {
   OpenFile().CommitTrans();
+  --transactions_;
 }
 
 void cDatabase::RollbackTransaction() {
   OpenFile().RollbackTrans();
+  --transactions_;
 }
 
 std::int32_t cDatabase::TransactionLevel() const {

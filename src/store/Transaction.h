@@ -7,8 +7,9 @@
 namespace tavi {
 
 /// Several statements as one, for the length of a scope: what is stored in its life is kept by Commit, or undone at its
-/// end. Holds the file open by one counted use of its own. One within another ends alone; what it kept is undone with
-/// the outer one. What operations keep in memory is not undone: give it up where an error passes.
+/// end. Holds the file open by one counted use of its own, also when an operation in it closes the file whatever the
+/// count. One within another ends alone; what it kept is undone with the outer one. What operations keep in memory is
+/// not undone: give it up where an error passes.
 class Transaction {
  public:
   /// Raises what OpenDB and BeginTransaction raise.
@@ -17,7 +18,7 @@ class Transaction {
     try {
       if (isOpen_) database_.RollbackTransaction();
     } catch (const std::exception&) {
-      // Whatever closed the file has rolled it back.
+      // The file's end has rolled it back.
       isOpen_ = false;
     }
   }

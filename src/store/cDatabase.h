@@ -76,7 +76,8 @@ class cDatabase {
   /// ..."; after an error the count is as before. The count has 16 bits: at 32767 the file stays open and the count
   /// stands still.
   void OpenDB();
-  /// Counts one use less, or all of them, and closes the file at zero. On a closed store it does nothing.
+  /// Counts one use less, or all of them, and closes the file at zero. On a closed store it does nothing. Within
+  /// transactions the file stays open until they have ended: each of them keeps the use that it counted.
   void CloseDB(bool ForceClose);
   /// How many uses are outstanding; 0: the file is closed.
   [[nodiscard]] std::int16_t OpenCount() const { return openCount_; }
@@ -100,7 +101,7 @@ class cDatabase {
   void CommitTransaction();
   /// Ends the innermost transaction and undoes its changes.
   void RollbackTransaction();
-  /// How many transactions are open; 0 on a closed store. Closing the file rolls them back.
+  /// How many transactions are open; 0 on a closed store.
   [[nodiscard]] std::int32_t TransactionLevel() const;
 
   // --- SQL literals (store/Literals.cpp) -----------------------------------------------------------------------------
@@ -228,6 +229,7 @@ class cDatabase {
   std::string folder_;
   std::unique_ptr<ado::Connection> connection_;
   std::int16_t openCount_ = 0;
+  std::int16_t transactions_ = 0;
   bool layoutCheckPending_ = true;
   /// The folder was changed while a file was open: the file of the new one has not been checked, whatever was
   /// meanwhile.

@@ -78,12 +78,48 @@ TEST_F(StoreTransactionTest, ACommitThatFailsIsRaisedAndUndone) {
   EXPECT_EQ(store_.OpenCount(), 0);
 }
 
-TEST_F(StoreTransactionTest, WhoClosesTheFileInItHasUndoneIt) {
-  Transaction transaction(store_);
-  store_.CloseDB(true);
-  EXPECT_EQ(Told(), (Texts{"begin 1", "rollback 1"}));
-  EXPECT_THROW(transaction.Commit(), Error);
+TEST_F(StoreTransactionTest, WhoClosesTheFileInItClosesItAtItsEnd) {
+  store_.OpenDB();
+  store_.OpenDB();
+  {
+    Transaction outer(store_);
+    {
+      Transaction inner(store_);
+      store_.CloseDB(true);
+      store_.CloseDB(true);
+      EXPECT_EQ(store_.OpenCount(), 2);
+      store_.CloseDB(false);
+      EXPECT_EQ(store_.OpenCount(), 2);
+      inner.Commit();
+    }
+    EXPECT_EQ(store_.OpenCount(), 1);
+    EXPECT_EQ(fake_.file->closes, 0);
+    outer.Commit();
+  }
+  EXPECT_EQ(Told(), (Texts{"begin 1", "begin 2", "commit 2", "commit 1"}));
   EXPECT_EQ(store_.OpenCount(), 0);
+  EXPECT_EQ(fake_.file->closes, 1);
+}
+
+TEST_F(StoreTransactionTest, WhatIsOpenedInItIsCountedAsEver) {
+  {
+    Transaction transaction(store_);
+    store_.OpenDB();
+    store_.OpenDB();
+    store_.CloseDB(false);
+    EXPECT_EQ(store_.OpenCount(), 2);
+    transaction.Commit();
+  }
+  EXPECT_EQ(store_.OpenCount(), 1);
+}
+
+TEST_F(StoreTransactionTest, AStoreThatGoesRollsBack) {
+  auto store = std::make_unique<cDatabase>(fake_.platform);
+  store->SetDatabaseFolder("C:\\Other");
+  store->OpenDB();
+  store->BeginTransaction();
+  store.reset();
+  EXPECT_EQ(Told(), (Texts{"begin 1", "rollback 1"}));
 }
 
 TEST_F(StoreTransactionTest, OnAFileThatCannotBeOpenedItDoesNotBegin) {

@@ -120,6 +120,11 @@ class FakeRecordset : public ado::Recordset {
 class FakeConnection : public ado::Connection {
  public:
   explicit FakeConnection(std::shared_ptr<FakeFile> file) : file_(std::move(file)) {}
+  ~FakeConnection() override {
+    while (level_ > 0) End("rollback");
+  }
+  FakeConnection(const FakeConnection&) = delete;
+  FakeConnection& operator=(const FakeConnection&) = delete;
 
   std::int64_t Execute(std::string_view commandText) override {
     const std::string statement(commandText);
