@@ -119,6 +119,34 @@ TEST_F(SqlCommand, APipedRunGoesOnAfterErrorsWhenToldSo) {
   EXPECT_EQ(folder_.Query("Select Name From T"), (std::vector<std::string>{"one", "x"}));
 }
 
+TEST_F(SqlCommand, SeveralStatementsCanBeOne) {
+  const Outcome kept = folder_.Run(
+      {"sql"}, "Begin; Insert into T Values (2, 'x'); Begin Transaction; Delete From T; Rollback; Commit Transaction;");
+  EXPECT_EQ(kept.code, 0) << kept.error;
+  EXPECT_EQ(folder_.Query("Select Name From T Order By ID"), (std::vector<std::string>{"one", "x"}));
+  EXPECT_EQ(folder_.Run({"sql"}, "Begin; Delete From T; Rollback;").code, 0);
+  EXPECT_EQ(folder_.Query("Select Name From T Order By ID"), (std::vector<std::string>{"one", "x"}));
+  EXPECT_EQ(folder_.Run({"sql"}, "Commit;").code, 1);
+}
+
+TEST_F(SqlCommand, AnUnfinishedTransactionIsRolledBackAndSaid) {
+  const std::string said =
+      "tavi: The transaction was not committed, so all that was done in it has been rolled back.\n";
+  for (const char* input : {"Begin; Delete From T; Select Count(*) As N From T;",
+                            "Begin; Begin; Delete From T; Commit;\n.quit\nCommit;", "Begin; Delete From T; Begin"}) {
+    const Outcome outcome = folder_.Run({"sql"}, input);
+    EXPECT_EQ(outcome.code, 1) << input;
+    EXPECT_EQ(outcome.error, said) << input;
+  }
+  const Outcome afterError = folder_.Run({"sql"}, "Begin; Delete From T; Selct; Commit;");
+  EXPECT_EQ(afterError.code, 1);
+  EXPECT_THAT(afterError.error, ::testing::EndsWith(said));
+  const Outcome alone = folder_.Run({"sql", "Begin"});
+  EXPECT_EQ(alone.code, 1);
+  EXPECT_EQ(alone.error, said);
+  EXPECT_EQ(folder_.Query("Select Name From T"), (std::vector<std::string>{"one"}));
+}
+
 TEST_F(SqlCommand, CommandsListTablesAndColumns) {
   const Outcome tables = folder_.Run({"sql"}, ".tables\n");
   EXPECT_NE(tables.out.find("\nMembers\n"), std::string::npos) << tables.out;
@@ -158,12 +186,14 @@ TEST_F(SqlCommand, TheShellAtATerminalEditsLinesAndKeepsAHistory) {
   // `script` gives the program a terminal; Up fetches the statement of the session before.
   const std::string tavi = std::string(TAVI_PROGRAM) + " --db " + folder_.Club() + " sql";
   const std::string environment = "TERM=xterm TAVI_HISTORY=" + folder_.Path("state/history");
-  const std::string first = folder_.Write("first", "Select Name From T\r;\r.quit\r");
-  const std::string second = folder_.Write("second", "\x1b[A\r.quit\r");
+  const std::string first = folder_.Write("first", "Begin;\rSelect Name From T\r;\rCommit;\r.quit\r");
+  const std::string second = folder_.Write("second", "\x1b[A\x1b[A\r.quit\r");
   const auto run = [&](const std::string& keys) {
     return RunProgram("cat " + keys + " | " + environment + " script -qec '" + tavi + "' /dev/null");
   };
-  EXPECT_NE(run(first).text.find("one"), std::string::npos);
+  const std::string shown = run(first).text;
+  EXPECT_NE(shown.find("one"), std::string::npos);
+  EXPECT_NE(shown.find("tavi*> "), std::string::npos) << shown;
   const ProgramOutput again = run(second);
   EXPECT_NE(again.text.find("one"), std::string::npos) << again.text;
   EXPECT_NE(again.text.find("tavi> "), std::string::npos) << again.text;

@@ -1,3 +1,4 @@
+#include <tavi/DatabaseTransaction.h>
 #include <tavi/MembershipDatabase.h>
 
 #include <cstdio>
