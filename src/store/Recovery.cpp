@@ -9,6 +9,7 @@
 #include "store/LayoutConversions.h"
 #include "store/OpenUse.h"
 #include "util/Diagnostics.h"
+#include "util/Paths.h"
 #include "util/SettingsStore.h"
 
 namespace tavi {
@@ -66,7 +67,7 @@ RecoveryReport Recovery::Run(const std::string& oldFile) {
 }
 
 void Recovery::Recover(const std::string& oldFile) {
-  if (EqualIgnoringCase(oldFile, database_.DatabaseFilePath())) {
+  if (IsSameFile(oldFile, database_.DatabaseFilePath())) {
     throw Error(ErrorNumber::Component, "Recovery",
                 "The old file " + oldFile + " is the current one, which is emptied first. Recover into another one.");
   }
@@ -76,6 +77,8 @@ void Recovery::Recover(const std::string& oldFile) {
   CopyTables();
   if (conversionNeeded_) ConvertOlderData();
   Attempt("repairing the colours of awards", [this] { RepairMasterPointColours(database_); });
+  // The old file's keys may be of another function than this version's.
+  database_.RefreshStoredNameKeys();
   Attempt("refreshing the uniqueness flags of names", [this] { database_.SetNameUniquenessFlags(""); });
   use.Close();
   old_->Close();
@@ -126,6 +129,9 @@ void Recovery::ConvertCompetitions() {
 void Recovery::Attempt(const std::string& step, const std::function<void()>& action) {
   try {
     action();
+  } catch (const Error& error) {
+    if (IsOfTheNewFile(error)) throw;
+    report_.problems.push_back("Recovery: " + step + " failed: " + error.Description());
   } catch (const std::exception& error) {
     report_.problems.push_back("Recovery: " + step + " failed: " + error.what());
   }

@@ -46,6 +46,11 @@ std::string Quoted(const Value& value) {
 
 }  // namespace
 
+bool IsOfTheNewFile(const Error& error) {
+  const std::string text = error.Description();
+  return text.starts_with("Could not ") && !text.starts_with("Could not read ");
+}
+
 RecoveredTable TableRecovery::Copy(const TableTask& task, std::optional<std::int64_t> stated) {
   report_ = {};
   danglingReferences_ = 0;
@@ -56,6 +61,7 @@ RecoveredTable TableRecovery::Copy(const TableTask& task, std::optional<std::int
   try {
     CopyRows(task);
   } catch (const Error& error) {
+    if (IsOfTheNewFile(error)) throw;
     report_.error = error;
     report_.isInOldFile = !error.Is(ErrorNumber::ProviderNoTable);
   }
@@ -95,6 +101,7 @@ void TableRecovery::CopyRow() {
     newRows_->Update();
   } catch (const Error& error) {
     newRows_->CancelUpdate();
+    if (IsOfTheNewFile(error)) throw;
     ++report_.lost;
     Remark("A row could not be saved: " + error.Description());
     return;

@@ -15,6 +15,10 @@ namespace tavi {
 /// The table that rows of other tables refer to.
 inline constexpr const char* kCompetitionsTable = "Competitions";
 
+/// True for an error that the system has with the new file, such as a full disk: no row that follows would escape it,
+/// and what is not saved is not lost, for the old file has it still. The old file itself is only read.
+[[nodiscard]] bool IsOfTheNewFile(const Error& error);
+
 /// A table as it is to be copied.
 struct TableTask {
   std::string specification;        ///< see ParseTableSpecification
@@ -36,7 +40,7 @@ class TableRecovery {
         conversionNeeded_(conversionNeeded),
         observer_(observer) {}
 
-  /// Copies. Raises nothing that concerns the table: see RecoveredTable::error.
+  /// Copies. Raises nothing that concerns the table (see RecoveredTable::error), only errors of the new file.
   RecoveredTable Copy(const TableTask& task, std::optional<std::int64_t> stated);
 
  private:

@@ -88,6 +88,9 @@ class cDatabase {
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenRecordset(std::string_view SQL,
                                                               ado::CursorType CursorType = ado::CursorType::ForwardOnly,
                                                               bool IsTable = false);
+  /// Brings keys of the open file that another function made up to date (store/StoredNameKeys.h). What cannot be written
+  /// stays: only the search by similar names suffers. The diagnostics log says so then.
+  void RefreshStoredNameKeys() noexcept;
   /// The tables, columns or indexes of the open file.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind);
 
@@ -215,9 +218,6 @@ class cDatabase {
   // --- File layout (store/Layout.cpp) --------------------------------------------------------------------------------
 
   void CheckLayout();
-  /// Brings keys that another function made up to date (store/StoredNameKeys.h). A file that cannot be written opens
-  /// all the same: only the search by similar names suffers. The diagnostics log says so then.
-  void RefreshStoredNameKeys() noexcept;
   /// The one row of Settings, added when the table is empty.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSettingsRow();
 

@@ -13,6 +13,8 @@ namespace tavi {
 
 /// True when the path names something that is no folder.
 bool IsNativeFile(std::string_view path) noexcept;
+/// True when both paths lead to one file that is there, in whatever spelling and over whatever links.
+bool IsSameNativeFile(std::string_view path, std::string_view other) noexcept;
 /// Makes a folder in one that exists. False when that cannot be done, also because it is there already.
 bool MakeNativeFolder(std::string_view path) noexcept;
 /// Makes a file that holds `text`. False, and nothing is changed, when it is there already or cannot be made.

@@ -1,6 +1,7 @@
 #include "util/Paths.h"
 
 #include "platform/values/Error.h"
+#include "platform/values/Text.h"
 #include "util/NativeFiles.h"
 
 namespace tavi {
@@ -14,6 +15,10 @@ std::string PathJoin(std::string_view folder, std::string_view fileName, std::st
 
 bool FileExists(std::string_view path) noexcept {
   return IsNativeFile(path);
+}
+
+bool IsSameFile(std::string_view path, std::string_view other) {
+  return EqualIgnoringCase(ReplaceAll(path, "\\", "/"), ReplaceAll(other, "\\", "/")) || IsSameNativeFile(path, other);
 }
 
 std::string ParentPath(std::string_view path) {

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// Paths as the component writes them; only FileExists looks at the disk.
+/// Paths as the component writes them; only FileExists and IsSameFile look at the disk.
 namespace tavi {
 
 /// Folder, separator and file name; no separator is put behind one that is there already ("\" or "/"), nor behind the
@@ -12,6 +12,10 @@ std::string PathJoin(std::string_view folder, std::string_view fileName, std::st
 
 /// True for a file that is there and is no folder. Never raises an error.
 bool FileExists(std::string_view path) noexcept;
+
+/// True for two paths of one file: on the disk, in whatever spelling and over whatever links; or of the same text, but
+/// for case and the kind of separators, whether the file is there or not.
+bool IsSameFile(std::string_view path, std::string_view other);
 
 /// Everything before the last ":", "\" or "/"; nothing for a drive alone ("C:"). Raises InvalidArgument for a path
 /// without any of them.

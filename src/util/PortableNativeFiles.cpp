@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "platform/FileSizeSignal.h"
 #include "util/NativeFiles.h"
 #include "util/NativePath.h"
 
@@ -22,7 +23,7 @@ bool WriteThrough(std::string_view path, int flags, std::string_view text) noexc
     if (!CanBePath(path)) return false;
     const int file = ::open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, kFileRights);
     if (file < 0) return false;
-    const ssize_t written = ::write(file, text.data(), text.size());
+    const ssize_t written = WithoutFileSizeSignal([&] { return ::write(file, text.data(), text.size()); });
     return ::close(file) == 0 && written == static_cast<ssize_t>(text.size());
   } catch (...) {
     return false;
@@ -35,6 +36,18 @@ bool IsNativeFile(std::string_view path) noexcept {
   try {
     struct stat status {};
     return CanBePath(path) && ::stat(NativePath(path).c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+  } catch (...) {
+    return false;
+  }
+}
+
+bool IsSameNativeFile(std::string_view path, std::string_view other) noexcept {
+  try {
+    struct stat first {};
+    struct stat second {};
+    return CanBePath(path) && CanBePath(other) && ::stat(NativePath(path).c_str(), &first) == 0 &&
+           ::stat(NativePath(other).c_str(), &second) == 0 && first.st_dev == second.st_dev &&
+           first.st_ino == second.st_ino;
   } catch (...) {
     return false;
   }

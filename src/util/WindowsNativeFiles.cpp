@@ -85,6 +85,21 @@ bool IsNativeFile(std::string_view path) noexcept {
   }
 }
 
+bool IsSameNativeFile(std::string_view path, std::string_view other) noexcept {
+  try {
+    const OpenFile first(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING);
+    const OpenFile second(other, FILE_READ_ATTRIBUTES, OPEN_EXISTING);
+    BY_HANDLE_FILE_INFORMATION one{};
+    BY_HANDLE_FILE_INFORMATION two{};
+    return first.IsOpen() && second.IsOpen() && ::GetFileInformationByHandle(first.Handle(), &one) != 0 &&
+           ::GetFileInformationByHandle(second.Handle(), &two) != 0 &&
+           one.dwVolumeSerialNumber == two.dwVolumeSerialNumber && one.nFileIndexHigh == two.nFileIndexHigh &&
+           one.nFileIndexLow == two.nFileIndexLow;
+  } catch (...) {
+    return false;
+  }
+}
+
 bool MakeNativeFolder(std::string_view path) noexcept {
   try {
     return CanBePath(path) && ::CreateDirectoryW(WidePath(path).c_str(), nullptr) != 0;

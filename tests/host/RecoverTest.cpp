@@ -5,6 +5,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "access/file/FileSystem.h"
 #include "composition/Composition.h"
 #include "host/support/Command.h"
 #include "store/support/DamagedBytes.h"
@@ -49,6 +50,11 @@ class Recover : public ::testing::Test {
     bytes.ZeroPage(pages.at(1));
     folder_.Write("old/ClubMembers.mdb", bytes.Content());
     return lost;
+  }
+  [[nodiscard]] std::vector<std::string> NamesInClub() const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::directory_iterator(folder_.Club())) names.push_back(entry.path().filename().string());
+    return names;
   }
   [[nodiscard]] std::size_t MemberCount() const { return folder_.Query("Select MembershipNumber From Members").size(); }
 
@@ -123,7 +129,76 @@ TEST_F(Recover, WhatIsNoDatabaseLeavesNoNewFile) {
   const Outcome outcome = folder_.Run({"recover", folder_.Write("none.mdb", "no database")});
   EXPECT_EQ(outcome.code, 2);
   EXPECT_THAT(outcome.error, HasSubstr("Unrecognized database format '" + folder_.Path("none.mdb") + "'"));
-  EXPECT_FALSE(fs::exists(folder_.ClubFile()));
+  EXPECT_FALSE(fs::exists(folder_.Club()));
+}
+
+TEST_F(Recover, AFileThatIsNoClubsIsRefusedAndLeavesNothing) {
+  const std::string other = folder_.Path("other.mdb");
+  CreateEmptyDatabase(other, Date{45000});
+  const auto connection =
+      MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + other);
+  connection->Execute("Create Table Albums (Title Text (50))");
+  connection->Close();
+  const Outcome outcome = folder_.Run({"recover", other});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_THAT(outcome.error, HasSubstr(other + " is no club's file"));
+  EXPECT_FALSE(fs::exists(folder_.Club()));
+  ASSERT_EQ(folder_.Run({"new", "--name", "Current"}).code, 0);
+  EXPECT_EQ(folder_.Run({"recover", "--replace", other}).code, 2);
+  EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Current"));
+  EXPECT_THAT(NamesInClub(), ElementsAre("ClubMembers.mdb"));
+}
+
+TEST_F(Recover, WhatAStoppedRunLeftIsClearedByTheNextOne) {
+  fs::create_directories(folder_.Path("club/ClubMembers.mdb.work/deep"));
+  for (const char* name : {"ClubMembers.mdb", "ClubMembers.mdb.redo", "old.mdb", "lock", "deep/old.mdb"})
+    folder_.Write(std::string("club/ClubMembers.mdb.work/") + name, "left");
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_EQ(MemberCount(), 40U);
+  EXPECT_THAT(NamesInClub(), ElementsAre("ClubMembers.mdb"));
+}
+
+TEST_F(Recover, AnotherRunThatIsStillWorkingIsLeftAlone) {
+  fs::create_directories(folder_.Path("club/ClubMembers.mdb.work"));
+  const std::string lock = folder_.Write("club/ClubMembers.mdb.work/lock", "");
+  const auto file = access::NativeFileSystem()->Open(lock, access::FileSystem::OpenMode::ReadWrite);
+  ASSERT_TRUE(file->TryLock(0, 1, access::File::LockKind::Exclusive));
+  const std::string work = folder_.Write("club/ClubMembers.mdb.work/old.mdb", "in use");
+  for (const Outcome& outcome : {folder_.Run({"recover", OldFile()}), folder_.Run({"new"})}) {
+    EXPECT_NE(outcome.code, 0);
+    EXPECT_THAT(outcome.error, HasSubstr("another program is making or recovering this club"));
+  }
+  EXPECT_EQ(Content(work), "in use");
+}
+
+TEST_F(Recover, AClubFileThatIsDamagedItselfIsReplacedAllTheSame) {
+  ASSERT_EQ(folder_.Run({"new", "--name", "Current"}).code, 0);
+  DamagedBytes bytes(Content(folder_.ClubFile()));
+  bytes.ZeroPage(bytes.DefinitionOfTableWith("Current"));
+  folder_.Write("club/ClubMembers.mdb", bytes.Content());
+  const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_THAT(outcome.error, HasSubstr("has been made anew"));
+  EXPECT_EQ(MemberCount(), 40U);
+  EXPECT_EQ(folder_.Run({"check", "--strict"}).code, 0);
+}
+
+TEST_F(Recover, AClubFileThatIsInUseStaysAsItIs) {
+  ASSERT_EQ(folder_.Run({"new", "--name", "Current"}).code, 0);
+  const auto connection =
+      MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + folder_.ClubFile());
+  const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
+  EXPECT_EQ(outcome.code, 2);
+  EXPECT_THAT(outcome.error, HasSubstr("in use"));
+  connection->Close();
+  EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Current"));
+}
+
+TEST_F(Recover, TheGoverningBodysListStays) {
+  ASSERT_EQ(folder_.Run({"new"}).code, 0);
+  ASSERT_EQ(folder_.Run({"sql", "Insert Into EBUMembershipList (LastName) Values ('Listed')"}).code, 0);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_THAT(folder_.Query("Select LastName From EBUMembershipList"), ElementsAre("Listed"));
 }
 
 TEST_F(Recover, AFileCutInTheMiddleOfAPageIsReadToItsEnd) {

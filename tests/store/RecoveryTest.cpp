@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
 #include "store/support/ClubFile.h"
 #include "store/support/DamagedBytes.h"
@@ -314,11 +317,49 @@ TEST_F(RecoveryTest, AFileThatCannotBeOpenedIsReportedBeforeAnythingIsEmptied) {
   EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Gone"));
 }
 
-TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItself) {
-  const RecoveryReport report = club_.store.RecoverData(club_.store.DatabaseFilePath());
-  ASSERT_TRUE(report.failure);
-  EXPECT_THAT(Message(), HasSubstr("is the current one"));
-  EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Gone"));
+TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItselfInWhateverSpelling) {
+  const std::string folder = club_.folder.Path();
+  for (const std::string& path : {club_.store.DatabaseFilePath(), folder + "/ClubMembers.mdb",
+                                  folder + "\\ClubMembers.mdb", folder + "/clubMEMBERS.MDB"}) {
+    club_.messages->shown.clear();
+    const RecoveryReport report = club_.store.RecoverData(path);
+    ASSERT_TRUE(report.failure) << path;
+    EXPECT_THAT(Message(), HasSubstr("is the current one"));
+    EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Gone"));
+  }
+}
+
+TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItselfOverLinksAndDetours) {
+  const testing::TemporaryFolder folder;
+  folder.WriteFile("ClubMembers.mdb", club_.Content());
+  cDatabase store(MakePlatform({ClubFile::kNow, club_.messages}));
+  store.SetDatabaseFolder(folder.Path());
+  std::error_code noLink;
+  std::filesystem::create_hard_link(folder.Path("ClubMembers.mdb"), folder.Path("hard.mdb"), noLink);
+  ASSERT_FALSE(noLink) << noLink.message();
+  std::filesystem::create_symlink(folder.Path("ClubMembers.mdb"), folder.Path("soft.mdb"), noLink);
+#ifndef _WIN32
+  ASSERT_FALSE(noLink) << noLink.message();
+#endif
+  std::vector<std::string> paths{folder.Path() + "/./ClubMembers.mdb", folder.Path() + "//ClubMembers.mdb",
+                                 folder.Path("hard.mdb")};
+  // Users of Windows need a right of their own to make these.
+  if (!noLink) paths.push_back(folder.Path("soft.mdb"));
+  for (const std::string& path : paths) {
+    const RecoveryReport report = store.RecoverData(path);
+    ASSERT_TRUE(report.failure) << path;
+    EXPECT_THAT(report.failure->Description(), HasSubstr("is the current one"));
+  }
+  EXPECT_EQ(folder.ReadFile("ClubMembers.mdb"), club_.Content());
+}
+
+TEST_F(RecoveryTest, NameKeysOfAnotherFunctionAreMadeAnew) {
+  Old(
+      {"Insert into Members (MembershipNumber, FirstName, LastName, FuzzedFirstName, FuzzedLastName) Values (1, "
+       "'Bill', 'Smyth', 'B400', 'S530')"});
+  const RecoveryReport report = Recover();
+  EXPECT_FALSE(report.IsSomethingLost());
+  EXPECT_THAT(club_.Column("Select FuzzedFirstName & '/' & FuzzedLastName From Members"), ElementsAre("WILLIAM/SMITH"));
 }
 
 TEST_F(RecoveryTest, ATableThatTheOldFileLacksIsReportedButNothingIsLost) {

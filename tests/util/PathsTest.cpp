@@ -29,6 +29,23 @@ TEST(PathJoin, PutsOneSeparatorBetweenFolderAndFile) {
   EXPECT_EQ(PathJoin("C:", "b"), "C:\\b");
 }
 
+TEST(IsSameFile, TakesTextsThatDifferInCaseAndSeparatorsForOne) {
+  EXPECT_TRUE(IsSameFile("C:\\Data\\ClubMembers.mdb", "c:/data/CLUBMEMBERS.MDB"));
+  EXPECT_FALSE(IsSameFile("C:\\Data\\ClubMembers.mdb", "C:\\Data\\ClubMembers.mdb.redo"));
+  EXPECT_FALSE(IsSameFile("", "C:\\Data\\ClubMembers.mdb"));
+}
+
+TEST(IsSameFile, LooksAtTheDisk) {
+  const TemporaryFolder folder;
+  folder.WriteFile("one", "same");
+  folder.WriteFile("two", "same");
+  EXPECT_FALSE(IsSameFile(folder.Path("one"), folder.Path("two")));
+  EXPECT_TRUE(IsSameFile(folder.Path("one"), folder.Path() + "/./one"));
+  std::filesystem::create_hard_link(folder.Path("one"), folder.Path("three"));
+  EXPECT_TRUE(IsSameFile(folder.Path("one"), folder.Path("three")));
+  EXPECT_FALSE(IsSameFile(folder.Path("one"), std::string_view("one\0", 4)));
+}
+
 TEST(ParentPath, CutsAtTheLastSeparatorOfAnyKind) {
   EXPECT_EQ(ParentPath("C:\\Data\\Old.mdb"), "C:\\Data");
   EXPECT_EQ(ParentPath("C:/Data/Old.mdb"), "C:/Data");

@@ -6,7 +6,7 @@
 #include "access/catalog/Dump.h"
 #include "access/catalog/Rebuild.h"
 #include "access/file/EngineError.h"
-#include "access/file/ForeignUse.h"
+#include "access/file/Replacement.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access {
@@ -29,6 +29,10 @@ class Compacting {
         source_(Open(path_, true)) {}
 
   CompactResult Run() {
+    if (HasUnnamedBackup()) {
+      if (!IsWrittenSinceTheBackup()) return FinishFormerRun();
+      NameBackup();
+    }
     RemoveLeftovers();
     try {
       CheckSource();
@@ -37,8 +41,7 @@ class Compacting {
       CopyOldFile();
       return Swap();
     } catch (...) {
-      RemoveQuietly(newPath_);
-      RemoveQuietly(copyPath_);
+      if (!isReplaced_) RemoveLeftoversQuietly();
       throw;
     }
   }
@@ -51,15 +54,19 @@ class Compacting {
     return Pager::Open(fileSystem_, path, options);
   }
 
-  /// Nobody else is compacting: whatever is there a crash left behind.
+  /// Nobody else is compacting: whatever is there a crash left behind. The copy goes first, for good: alone it would be
+  /// taken for the backup of a file that has been replaced.
   void RemoveLeftovers() {
-    for (const std::string& leftover : {newPath_, copyPath_})
-      if (fileSystem_->Exists(leftover)) fileSystem_->Remove(leftover);
+    if (fileSystem_->Exists(copyPath_)) {
+      fileSystem_->Remove(copyPath_);
+      fileSystem_->SyncFolderOf(path_);
+    }
+    if (fileSystem_->Exists(newPath_)) fileSystem_->Remove(newPath_);
   }
 
-  void RemoveQuietly(const std::string& path) noexcept {
+  void RemoveLeftoversQuietly() noexcept {
     try {
-      if (fileSystem_->Exists(path)) fileSystem_->Remove(path);
+      RemoveLeftovers();
     } catch (...) {
       // The next call removes it.
     }
@@ -118,28 +125,44 @@ class Compacting {
     fileSystem_->CopyPermissions(path_, copyPath_);
   }
 
+  // In this order: a stop between the steps leaves the new file, and its name, beside the old one, or the copy of the
+  // old one beside the new file, which then has only not got its name yet.
   CompactResult Swap() {
-    if (const auto foreign = FindForeignUse(*fileSystem_, path_))
-      RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
-                   "; close the database there and try again.");
     result_.bytesAfter = fileSystem_->Open(newPath_, FileSystem::OpenMode::ReadOnly)->Size();
-    result_.backup = FreeBackupName();
-    fileSystem_->Rename(copyPath_, result_.backup);
     fileSystem_->SyncFolderOf(path_);
-    TakeItsPlace();
-    fileSystem_->SyncFolderOf(path_);
-    source_.GetPager().Close();
+    ReplaceFile(*fileSystem_, newPath_, path_, source_.GetPager());
+    isReplaced_ = true;
+    NameBackup();
     return result_;
   }
 
-  void TakeItsPlace() {
-    try {
-      fileSystem_->Rename(newPath_, path_);
-    } catch (const Error&) {
-      // Some systems let no open file be replaced. They would not let us overlook anybody who opens it now, either.
-      source_.GetPager().Close();
-      fileSystem_->Rename(newPath_, path_);
-    }
+  /// The last change of all; where a power failure undoes it the next call does it again.
+  void NameBackup() {
+    result_.backup = FreeBackupName();
+    fileSystem_->Rename(copyPath_, result_.backup);
+  }
+
+  /// True when a run was stopped after the new file had taken the place: its copy of the old one has not got its name.
+  [[nodiscard]] bool HasUnnamedBackup() const {
+    return fileSystem_->Exists(copyPath_) && !fileSystem_->Exists(newPath_);
+  }
+
+  [[nodiscard]] bool IsWrittenSinceTheBackup() {
+    const auto stamp = [&](const std::string& path) {
+      return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->ModificationStamp();
+    };
+    return stamp(path_) > stamp(copyPath_);
+  }
+
+  /// All that it has left to do.
+  CompactResult FinishFormerRun() {
+    const auto size = [&](const std::string& path) {
+      return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->Size();
+    };
+    result_.bytesBefore = size(copyPath_);
+    result_.bytesAfter = size(path_);
+    NameBackup();
+    return result_;
   }
 
   [[nodiscard]] std::string FreeBackupName() const {
@@ -162,6 +185,7 @@ class Compacting {
   CheckProgress progress_;
   Database source_;  // holds the file until the end of this object's life
   bool hadBrokenRelationships_ = false;
+  bool isReplaced_ = false;
   CompactResult result_;
 };
 

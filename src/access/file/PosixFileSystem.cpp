@@ -17,6 +17,7 @@
 #include "access/file/FileSystem.h"
 #include "access/file/LockOwner.h"
 #include "access/file/NativeBackgroundWork.h"
+#include "platform/FileSizeSignal.h"
 
 namespace tavi::access {
 
@@ -26,8 +27,14 @@ constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 07777;
 
-[[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, int code) {
-  RaiseFailure("Could not " + operation + " '" + path + "': " + std::generic_category().message(code) + ".");
+[[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, int code,
+                                   const std::string& place = "") {
+  RaiseFailure("Could not " + operation + " '" + path + "'" + place + ": " + std::generic_category().message(code) +
+               ".");
+}
+
+std::string AtByte(std::uint64_t offset) {
+  return " at byte " + std::to_string(offset);
 }
 
 std::string FolderOf(const std::string& path) {
@@ -81,7 +88,7 @@ class PosixFile final : public File {
     while (!target.empty()) {
       const ssize_t count =
           Retry([&] { return ::pread(descriptor_.Value(), target.data(), target.size(), static_cast<off_t>(offset)); });
-      if (count < 0) RaiseSystemError("read", path_, errno);
+      if (count < 0) RaiseSystemError("read", path_, errno, AtByte(offset));
       if (count == 0)
         RaiseFailure("Could not read '" + path_ + "': the file ends at byte " + std::to_string(offset) + ".");
       offset += static_cast<std::uint64_t>(count);
@@ -91,10 +98,12 @@ class PosixFile final : public File {
 
   void WriteAt(std::uint64_t offset, std::span<const std::uint8_t> source) override {
     while (!source.empty()) {
-      const ssize_t count = Retry(
-          [&] { return ::pwrite(descriptor_.Value(), source.data(), source.size(), static_cast<off_t>(offset)); });
-      if (count < 0) RaiseSystemError("write", path_, errno);
-      if (count == 0) RaiseSystemError("write", path_, ENOSPC);
+      const ssize_t count = Retry([&] {
+        return WithoutFileSizeSignal(
+            [&] { return ::pwrite(descriptor_.Value(), source.data(), source.size(), static_cast<off_t>(offset)); });
+      });
+      if (count < 0) RaiseSystemError("write", path_, errno, AtByte(offset));
+      if (count == 0) RaiseSystemError("write", path_, ENOSPC, AtByte(offset));
       offset += static_cast<std::uint64_t>(count);
       source = source.subspan(static_cast<std::size_t>(count));
     }
@@ -103,7 +112,8 @@ class PosixFile final : public File {
   std::uint64_t Size() override { return static_cast<std::uint64_t>(Status().st_size); }
 
   void Truncate(std::uint64_t size) override {
-    if (Retry([&] { return ::ftruncate(descriptor_.Value(), static_cast<off_t>(size)); }) != 0) {
+    const auto change = [&] { return ::ftruncate(descriptor_.Value(), static_cast<off_t>(size)); };
+    if (Retry([&] { return WithoutFileSizeSignal(change); }) != 0) {
       RaiseSystemError("change the length of", path_, errno);
     }
   }

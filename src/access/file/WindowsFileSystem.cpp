@@ -25,11 +25,16 @@ using windows::ToWidePath;
 constexpr DWORD kShareEverything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr DWORD kLargestTransfer = DWORD{1} << 30U;
 
-[[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, DWORD code) {
+[[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, DWORD code,
+                                   const std::string& place = "") {
   if (code == ERROR_SHARING_VIOLATION) {
     RaiseFailure("Could not use '" + path + "'; file already in use. Another program has locked it as a whole.");
   }
-  RaiseFailure("Could not " + operation + " '" + path + "': " + SystemErrorText(code) + ".");
+  RaiseFailure("Could not " + operation + " '" + path + "'" + place + ": " + SystemErrorText(code) + ".");
+}
+
+std::string AtByte(std::uint64_t offset) {
+  return " at byte " + std::to_string(offset);
 }
 
 std::string FolderOf(const std::string& path) {
@@ -101,7 +106,7 @@ class WindowsFile final : public File {
       DWORD count = 0;
       if (::ReadFile(handle_.Value(), target.data(), TransferSize(target.size()), &count, &position) == 0 &&
           ::GetLastError() != ERROR_HANDLE_EOF) {
-        RaiseSystemError("read", path_, ::GetLastError());
+        RaiseSystemError("read", path_, ::GetLastError(), AtByte(offset));
       }
       if (count == 0) {
         RaiseFailure("Could not read '" + path_ + "': the file ends at byte " + std::to_string(offset) + ".");
@@ -116,9 +121,9 @@ class WindowsFile final : public File {
       OVERLAPPED position = At(offset);
       DWORD count = 0;
       if (::WriteFile(handle_.Value(), source.data(), TransferSize(source.size()), &count, &position) == 0) {
-        RaiseSystemError("write", path_, ::GetLastError());
+        RaiseSystemError("write", path_, ::GetLastError(), AtByte(offset));
       }
-      if (count == 0) RaiseSystemError("write", path_, ERROR_DISK_FULL);
+      if (count == 0) RaiseSystemError("write", path_, ERROR_DISK_FULL, AtByte(offset));
       offset += count;
       source = source.subspan(count);
     }

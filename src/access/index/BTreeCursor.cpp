@@ -64,11 +64,10 @@ void BTreeCursor::GoForwardFrom(std::size_t offset) {
       RaiseDamage("the leaves of an index lead in a circle at page " + std::to_string(next) + ".");
     Enter(next);
     offset = 0;
-    const bool ascends =
-        leaf_.view.IsEmpty() || bytes_.empty() || leaf_.view.Compare(leaf_.view.EntryAt(0), bytes_) > 0;
-    if (!ascends) RaiseDamage("the entries of index page " + std::to_string(next) + " do not follow those before it.");
   }
   Take(leaf_.view.EntryAt(offset));
+  if (!before_.empty() && before_ >= bytes_)
+    RaiseDamage("the entries of index page " + std::to_string(leaf_.view.Number()) + " do not follow those before it.");
 }
 
 void BTreeCursor::GoBackFrom(std::size_t offset) {
@@ -82,12 +81,11 @@ void BTreeCursor::GoBackFrom(std::size_t offset) {
       RaiseDamage("the leaves of an index lead in a circle at page " + std::to_string(previous) + ".");
     Enter(previous);
     offset = leaf_.view.End();
-    const bool descends =
-        offset == 0 || bytes_.empty() || leaf_.view.Compare(leaf_.view.EntryAt(offset - 1), bytes_) < 0;
-    if (!descends)
-      RaiseDamage("the entries of index page " + std::to_string(previous) + " do not come before those behind it.");
   }
   Take(leaf_.view.EntryAt(offset - 1));
+  if (!before_.empty() && before_ <= bytes_)
+    RaiseDamage("the entries of index page " + std::to_string(leaf_.view.Number()) +
+                " do not come before those behind it.");
 }
 
 void BTreeCursor::Enter(PageNumber leaf) {
@@ -102,6 +100,7 @@ void BTreeCursor::Leave(Place place) {
 
 void BTreeCursor::Take(EntryPlace entry) {
   entry_ = entry;
+  before_.swap(bytes_);
   leaf_.view.Decode(entry, bytes_);
   const std::size_t keySize = bytes_.size() - format::index::kEntryRowPointerSize;
   current_.key.assign(bytes_.begin(), bytes_.begin() + static_cast<std::ptrdiff_t>(keySize));

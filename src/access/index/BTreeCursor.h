@@ -4,8 +4,9 @@
 
 namespace tavi::access {
 
-/// Stands at an entry of a leaf and goes along the chain of leaves. Entries that do not ascend, as in a chain that
-/// leads in a circle, raise ProviderFailure.
+/// Stands at an entry of a leaf and goes along the chain of leaves. Each entry must follow the one before it, on the
+/// same leaf too: otherwise ProviderFailure is raised. So a walk in one direction ends, wherever the links of a damaged
+/// chain lead: it meets no entry twice.
 class BTreeCursor final : public BTree::Cursor {
  public:
   /// At the first entry whose bytes are >= `target`, behind the last entry when there is none.
@@ -32,7 +33,8 @@ class BTreeCursor final : public BTree::Cursor {
   ReadIndexPage leaf_;
   EntryPlace entry_;
   Place place_ = Place::BehindLast;
-  EntryBytes bytes_;  // of the current entry, else empty
+  EntryBytes bytes_;   // of the current entry, else empty
+  EntryBytes before_;  // of the entry that it came from, else empty
   IndexEntry current_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "access/file/Bytes.h"
@@ -123,7 +124,6 @@ Bytes LongValues::ReadBytes(Stored stored, const ColumnDefinition& column) const
   return {bytes.begin(), bytes.end()};
 }
 
-// Each link must bring data and no value is larger than the file, so that links in a circle come to an end.
 Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDefinition& column) const {
   if (length > std::size_t{pager_->PageCount()} * kPageSize) {
     RaiseBadValue(column, "is said to have " + std::to_string(length) + " bytes, more than the file.");
@@ -131,7 +131,10 @@ Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDe
   const RowFinder finder(*pager_, data::kOwnerLongValues);
   Bytes value;
   value.reserve(length);
+  std::unordered_set<std::uint32_t> taken;
   for (RowPointer place = first; value.size() < length;) {
+    if (!taken.insert(place.Packed()).second)
+      RaiseBadValue(column, "has parts that lead in a circle to " + NameOf(place) + ".");
     const auto row = place.IsNone() ? std::nullopt : finder.Find(place);
     if (!row || row->bytes.size() <= layout::kChainPointerSize) {
       RaiseBadValue(column, "breaks off after " + std::to_string(value.size()) + " of " + std::to_string(length) +

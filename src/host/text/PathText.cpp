@@ -6,6 +6,11 @@
 #include <windows.h>
 
 #include "platform/values/WideText.h"
+#else
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #endif
 
 namespace tavi::host {
@@ -60,6 +65,21 @@ std::error_code MakeFolders(const std::string& path) {
   std::filesystem::create_directory(PathOf(path), failure);
   std::error_code ignored;
   return std::filesystem::is_directory(PathOf(path), ignored) ? std::error_code() : failure;
+}
+
+std::error_code MakePrivateFolder(const std::string& path) {
+#ifdef _WIN32
+  return MakeFolders(path);
+#else
+  if (::mkdir(path.c_str(), S_IRWXU) == 0) return {};
+  std::error_code failure(errno, std::generic_category());
+  struct stat status {};
+  if (failure != std::errc::file_exists || ::lstat(path.c_str(), &status) != 0) return failure;
+  if (!S_ISDIR(status.st_mode)) return failure;
+  // What another user has made stays theirs to see.
+  if (status.st_uid != ::geteuid()) return std::make_error_code(std::errc::operation_not_permitted);
+  return ::chmod(path.c_str(), S_IRWXU) == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
+#endif
 }
 
 std::string ReasonOf(const std::error_code& failure) {

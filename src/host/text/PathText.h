@@ -27,6 +27,10 @@ struct PathParts {
 /// Makes a folder, and first those that it lies in; one that is there already is no failure.
 [[nodiscard]] std::error_code MakeFolders(const std::string& path);
 
+/// Makes a folder that nobody but its owner may enter, in one that exists; one of that kind that is there already is no
+/// failure, but a link to a folder is one. Under Windows it is as open as the folder that it lies in.
+[[nodiscard]] std::error_code MakePrivateFolder(const std::string& path);
+
 /// The system's words for a failure of a file operation.
 [[nodiscard]] std::string ReasonOf(const std::error_code& failure);
 

@@ -1,55 +1,37 @@
 #include "host/tools/NewClub.h"
 
 #include <filesystem>
-#include <ostream>
 
-#include "composition/Composition.h"
 #include "host/text/PathText.h"
-#include "host/tools/Connect.h"
 #include "platform/values/Error.h"
-#include "store/BaseFile.h"
 #include "store/cDatabase.h"
 #include "util/NativePath.h"
 
 namespace tavi::host {
+
 namespace {
 
-void RemoveQuietly(const std::string& path) {
-  std::error_code ignored;
-  std::filesystem::remove(PathOf(path), ignored);
-}
-
-void StoreNationalNumber(const Context& context, const std::string& number) {
-  if (number.empty()) return;
+/// True when the file is what a run with the same request made that was stopped at the very end; its traces go then.
+bool FinishFormerRun(const Context& context, const ClubIdentity& identity) {
+  if (!ClubDraft::WasLeftWhenDone(context)) return false;
   cDatabase store(context.platform);
   store.SetDatabaseFolder(context.ClubFolder());
-  store.Execute("Update ClubNames Set ClubEBUNumber = " + cDatabase::SQLString(number));
+  if (store.LatestClubName() != identity.name) return false;
+  const ClubDraft cleared(context);
+  return true;
 }
 
 }  // namespace
 
 void MakeClub(const Context& context, const ClubIdentity& identity) {
-  const std::string folder = NativePath(context.ClubFolder());
   const std::string file = NativePath(context.ClubFile());
   if (std::filesystem::exists(PathOf(file))) {
+    if (FinishFormerRun(context, identity)) return;
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
   }
-  if (const std::error_code code = MakeFolders(folder)) {
-    throw Error(ErrorNumber::InvalidArgument, "tavi", "the folder " + folder + " cannot be made: " + ReasonOf(code));
-  }
-  CreateEmptyDatabase(file, context.platform->clock->Now());
-  try {
-    const std::unique_ptr<ado::Connection> connection = Connect(context, context.ClubFile());
-    CreateBaseFile(*connection);
-    connection->Close();
-    const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
-    if (!identity.name.empty()) club->SetClubName(identity.name);
-    club->CloseDatabase();
-    StoreNationalNumber(context, identity.nationalNumber);
-  } catch (...) {
-    RemoveQuietly(file);
-    throw;
-  }
+  ClubDraft draft(context);
+  draft.BeginEmpty(identity);
+  draft.TakePlace();
 }
 
 int NewClub(const Context& context, const ClubIdentity& identity) {

@@ -1,19 +1,12 @@
 #pragma once
 
-#include <string>
-
 #include "host/commands/Context.h"
+#include "host/tools/ClubDraft.h"
 
 namespace tavi::host {
 
-/// What a new club's file says of the club.
-struct ClubIdentity {
-  std::string name;
-  std::string nationalNumber;  ///< of the club, at the governing body; may be empty
-};
-
 /// Makes the folder and in it an empty file with all tables of the current layout. Raises an error when there is a file
-/// already; nothing is changed then.
+/// already. The file appears when it is whole; on an error, or when the program is stopped, there is none.
 void MakeClub(const Context& context, const ClubIdentity& identity);
 
 /// `tavi new`.

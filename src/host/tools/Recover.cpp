@@ -1,13 +1,14 @@
 #include "host/tools/Recover.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "host/text/PathText.h"
 #include "host/text/ProgressBar.h"
+#include "host/tools/ClubDraft.h"
 #include "host/tools/Connect.h"
-#include "host/tools/NewClub.h"
 #include "host/tools/TemporaryCopy.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
@@ -76,7 +77,8 @@ void RequirePermission(const Context& context, const RecoverRequest& request, co
     Refuse(clubFile +
            " is the club's own file. Move it to another place first, or name another folder with --db FOLDER.");
   }
-  if (!request.replace && fs::exists(PathOf(clubFile)) && HoldsData(context)) {
+  const bool mayReplace = request.replace || ClubDraft::WasLeftWhenDone(context);
+  if (!mayReplace && fs::exists(PathOf(clubFile)) && HoldsData(context)) {
     Refuse(clubFile +
            " holds data already. Recovery empties its tables first; with --replace it does so, or name another folder "
            "with --db FOLDER.");
@@ -161,30 +163,35 @@ class Naming {
   std::string original_;
 };
 
-RecoveryReport RunRecovery(const Context& context, const TemporaryCopy& copy, const Naming& naming) {
+/// Recovers into the draft.
+RecoveryReport RunRecovery(const ClubDraft& draft, const TemporaryCopy& copy, const std::string& oldFile) {
+  const Context& context = draft.Inside();
   auto platform = std::make_shared<Platform>(*context.platform);
   platform->messageBoxes = std::make_shared<MessagesBesideTheReport>(context.platform->messageBoxes);
   cDatabase store(std::move(platform));
   store.SetDatabaseFolder(context.ClubFolder());
   ProgressOfTables progress(context);
   RecoveryReport report = store.RecoverData(copy.Path(), &progress);
+  const Naming naming(copy.Path(), oldFile);
   if (report.failure) throw naming.Of(*report.failure);
+  if (std::ranges::none_of(report.tables, &RecoveredTable::isInOldFile))
+    Refuse(oldFile + " is no club's file: it has none of a club's tables. Nothing was changed.");
   naming.Apply(report);
   return report;
 }
 
-/// Makes the club's file when there is none, and takes it away again when nothing was recovered.
+/// The club's file changes when all is recovered, in one step.
 RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
-  const TemporaryCopy copy(PathOf(NativePath(oldFile)));
-  const bool isNew = !fs::exists(PathOf(clubFile));
-  if (isNew) MakeClub(context, {});
-  try {
-    return RunRecovery(context, copy, Naming(copy.Path(), oldFile));
-  } catch (...) {
-    std::error_code ignored;
-    if (isNew) fs::remove(PathOf(clubFile), ignored);
-    throw;
+  ClubDraft draft(context);
+  const TemporaryCopy copy(draft.Folder(), PathOf(NativePath(oldFile)));
+  const bool isKept = !draft.IsFirst() && draft.BeginWithCurrent();
+  if (!isKept) draft.BeginEmpty({});
+  RecoveryReport report = RunRecovery(draft, copy, oldFile);
+  draft.TakePlace();
+  if (!draft.IsFirst() && !isKept) {
+    context.error << "tavi: " << Printable(clubFile) << " was damaged itself or no club's, and has been made anew\n";
   }
+  return report;
 }
 
 }  // namespace

@@ -1,7 +1,6 @@
 #include "host/tools/TemporaryCopy.h"
 
 #include <fstream>
-#include <random>
 #include <string_view>
 
 #include "access/file/Page.h"
@@ -36,41 +35,25 @@ std::string FirstBytes(const fs::path& file, std::size_t count) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", TextOf(file) + " cannot be read: " + why);
 }
 
-fs::path NewFolder() {
-  std::random_device random;
-  fs::path folder;
-  do {
-    folder = fs::temp_directory_path() / ("tavi-recover-" + std::to_string(random()));
-  } while (!fs::create_directory(folder));
-  fs::permissions(folder, fs::perms::owner_all);
-  return folder;
-}
-
 void FillUpLastPage(const fs::path& file) {
   const std::uintmax_t beyond = fs::file_size(file) % access::kPageSize;
   if (beyond == 0) return;
   std::ofstream stream(file, std::ios::binary | std::ios::app);
   stream << std::string(static_cast<std::size_t>(access::kPageSize - beyond), kFiller);
+  if (!stream.flush()) Raise(file, "its copy cannot be written; is the disk full?");
 }
 
 }  // namespace
 
-TemporaryCopy::TemporaryCopy(const fs::path& original) {
+TemporaryCopy::TemporaryCopy(const WorkFolder& folder, const fs::path& original)
+    : folder_(folder), file_(PathOf(folder.File("old.mdb"))) {
   std::error_code ignored;
   if (!fs::is_regular_file(original, ignored)) Raise(original, "there is no such file");
   try {
-    folder_ = NewFolder();
-    file_ = folder_ / "old.mdb";
     Copy(original);
   } catch (const fs::filesystem_error& error) {
-    fs::remove_all(folder_, ignored);
     Raise(original, ReasonOf(error.code()));
   }
-}
-
-TemporaryCopy::~TemporaryCopy() {
-  std::error_code ignored;
-  fs::remove_all(folder_, ignored);
 }
 
 std::string TemporaryCopy::Path() const {
@@ -93,12 +76,13 @@ void TemporaryCopy::Copy(const fs::path& original) const {
 }
 
 void TemporaryCopy::ReplaceFirstPage() const {
-  const fs::path sound = folder_ / "new.mdb";
-  CreateEmptyDatabase(TextOf(sound), Date{});
-  const std::string page = FirstBytes(sound, access::kPageSize);
-  fs::remove(sound);
+  const std::string sound = folder_.File("header.mdb");
+  CreateEmptyDatabase(sound, Date{});
+  const std::string page = FirstBytes(PathOf(sound), access::kPageSize);
+  fs::remove(PathOf(sound));
   std::fstream stream(file_, std::ios::binary | std::ios::in | std::ios::out);
   stream.write(page.data(), static_cast<std::streamsize>(page.size()));
+  if (!stream.flush()) Raise(file_, "it cannot be written; is the disk full?");
 }
 
 }  // namespace tavi::host

@@ -265,6 +265,35 @@ TEST(Compact, LeavesTheFileAloneWhenTheDiskIsFull) {
   }
 }
 
+void ExpectNoTraces(const MemoryFileSystem& files) {
+  for (const std::string& path : files.Paths()) EXPECT_EQ(path.find(".compact"), std::string::npos) << path;
+}
+
+TEST(Compact, AfterAStopAtTheVeryEndTheNextCallOnlyNamesTheBackup) {
+  const auto memory = MakeClub();
+  const auto before = memory->Contents(kPath);
+  const CompactResult whole = CompactFile(memory, kPath);
+  const auto compacted = memory->Contents(kPath);
+  memory->Rename(kBackup, std::string(kPath) + ".compact-old");
+  memory->SetContents(std::string(kPath) + ".compact-old", before);
+  const CompactResult rest = CompactFile(memory, kPath);
+  EXPECT_EQ(rest.backup, kBackup);
+  EXPECT_EQ(rest.bytesBefore, whole.bytesBefore);
+  EXPECT_EQ(rest.bytesAfter, whole.bytesAfter);
+  EXPECT_TRUE(memory->Contents(kPath) == compacted);
+  EXPECT_EQ(memory->Paths().size(), 2U);
+}
+
+TEST(Compact, ABackupWithoutNameIsKeptWhenTheFileWasWrittenSince) {
+  const auto memory = MakeClub();
+  CompactFile(memory, kPath);
+  memory->Rename(kBackup, std::string(kPath) + ".compact-old");
+  const auto kept = memory->Contents(std::string(kPath) + ".compact-old");
+  memory->SetContents(kPath, memory->Contents(kPath));
+  EXPECT_EQ(CompactFile(memory, kPath).backup, "club.backup-2.mdb");
+  EXPECT_TRUE(memory->Contents(kBackup) == kept);
+}
+
 TEST(Compact, LeavesTheFileAloneWhenAnyCallFails) {
   using Operation = InterceptedFileSystem::Operation;
   const std::set<Operation> changing{Operation::Create, Operation::Write, Operation::Sync, Operation::Rename,
@@ -283,14 +312,13 @@ TEST(Compact, LeavesTheFileAloneWhenAnyCallFails) {
       break;
     }
     const bool isNew = memory->Contents(kPath) != before;
-    if (isNew) {
-      EXPECT_EQ(memory->Contents(kBackup), before) << call;
-    }
     ExpectSound(memory, kPath);
     EXPECT_EQ(ContentsOf(memory, kPath).at("Members"), ContentsOf(MakeClub(), kPath).at("Members")) << call;
-    for (const std::string& path : memory->Paths()) EXPECT_EQ(path.find(".compact"), std::string::npos) << call;
+    if (!isNew) ExpectNoTraces(*memory);
     failing->FailNothing();
     CompactFile(failing, kPath);
+    EXPECT_TRUE(memory->Contents(kBackup) == before) << call;
+    ExpectNoTraces(*memory);
   }
 }
 
@@ -312,15 +340,12 @@ TEST(Compact, LeavesTheOldOrTheNewFileWhenTheMachineStopsAtAnyInstant) {
     }
     for (const CrashKind kind : {CrashKind::Kept, CrashKind::Dropped, CrashKind::Torn}) {
       const auto after = memory->AfterCrash(kind, static_cast<std::uint32_t>(point));
-      const bool isOld = after->Contents(kPath) == before;
-      seen.insert(isOld);
-      if (!isOld) {
-        EXPECT_EQ(after->Contents(kBackup), before) << point;
-      }
+      seen.insert(after->Contents(kPath) == before);
       ExpectSound(after, kPath);
       EXPECT_EQ(ContentsOf(after, kPath).at("Members"), expected.at("Members")) << point;
       CompactFile(after, kPath);
-      for (const std::string& path : after->Paths()) EXPECT_EQ(path.find(".compact"), std::string::npos) << point;
+      EXPECT_TRUE(after->Contents(kBackup) == before) << point;
+      ExpectNoTraces(*after);
     }
   }
   EXPECT_EQ(seen.size(), 2U);

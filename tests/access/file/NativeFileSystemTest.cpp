@@ -1,11 +1,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
+#include <functional>
 #include <limits>
 #include <thread>
 
@@ -50,6 +53,81 @@ TEST_F(NativeFileSystemTest, ReadsWritesAndTruncates) {
     EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
     EXPECT_EQ(error.Description(), "Could not read '" + path_ + "': the file ends at byte 102.");
   }
+}
+
+/// While it lives, the files of this process may not grow past a size, and the signal that tells so has its usual
+/// meaning: the end of the process.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(rlim_t bytes) {
+    ::getrlimit(RLIMIT_FSIZE, &before_);
+    struct rlimit limit = before_;
+    limit.rlim_cur = bytes;
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    handler_ = std::signal(SIGXFSZ, SIG_DFL);
+  }
+  ~FileSizeLimit() {
+    ::setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+  FileSizeLimit(const FileSizeLimit&) = delete;
+  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+ private:
+  struct rlimit before_ {};
+  void (*handler_)(int) = nullptr;
+};
+
+std::string ReasonOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const Error& error) {
+    return error.Description();
+  }
+  return "";
+}
+
+bool IsPending(int signal) {
+  sigset_t pending;
+  sigemptyset(&pending);
+  ::sigpending(&pending);
+  return sigismember(&pending, signal) == 1;
+}
+
+TEST_F(NativeFileSystemTest, AWritePastTheLimitOfTheSystemIsAnErrorAndNotTheEnd) {
+  const auto file = system_->Open(path_, OpenMode::CreateNew);
+  const std::vector<std::uint8_t> bytes(100);
+  const FileSizeLimit limit(150);
+  file->WriteAt(0, bytes);
+  EXPECT_EQ(ReasonOf([&] { file->WriteAt(100, bytes); }),
+            "Could not write '" + path_ + "' at byte 150: File too large.");
+  EXPECT_EQ(ReasonOf([&] { file->Truncate(1000); }), "Could not change the length of '" + path_ + "': File too large.");
+  EXPECT_FALSE(IsPending(SIGXFSZ));
+  file->WriteAt(0, bytes);
+}
+
+TEST_F(NativeFileSystemTest, WhatTheHostHasSettledForTheSignalStays) {
+  const auto file = system_->Open(path_, OpenMode::CreateNew);
+  const std::vector<std::uint8_t> bytes(100);
+  const FileSizeLimit limit(50);
+  sigset_t signal;
+  sigset_t mask;
+  sigemptyset(&signal);
+  sigaddset(&signal, SIGXFSZ);
+  ::pthread_sigmask(SIG_BLOCK, &signal, nullptr);
+  static_cast<void>(ReasonOf([&] { file->WriteAt(0, bytes); }));
+  EXPECT_FALSE(IsPending(SIGXFSZ));
+  ::raise(SIGXFSZ);
+  static_cast<void>(ReasonOf([&] { file->WriteAt(0, bytes); }));
+  EXPECT_TRUE(IsPending(SIGXFSZ)) << "the host's own signal is not taken away";
+  ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+  EXPECT_EQ(sigismember(&mask, SIGXFSZ), 1);
+  const struct timespec noTime {};
+  EXPECT_EQ(::sigtimedwait(&signal, nullptr, &noTime), SIGXFSZ);
+  ::pthread_sigmask(SIG_UNBLOCK, &signal, nullptr);
+  EXPECT_NE(ReasonOf([&] { file->WriteAt(0, bytes); }), "");
+  ::pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+  EXPECT_EQ(sigismember(&mask, SIGXFSZ), 0);
 }
 
 TEST_F(NativeFileSystemTest, ErrorsNameFileOperationAndReason) {

@@ -275,6 +275,23 @@ TEST_F(BTreeCheckTest, CirclesOfLeavesEndWithAnError) {
   EXPECT_NE(ErrorOf(backwards).find("do not come before those behind it"), std::string::npos);
 }
 
+TEST_F(BTreeCheckTest, ACircleWhoseLastEntryIsOutOfOrderEndsWithAnError) {
+  const auto spoil = [&](std::size_t entry) {
+    const EntryPlace place = View(leaf_).EntryAt(entry);
+    Write(leaf_).SetU8(layout::kEntriesOffset + place.start, entry == 0 ? 0xFF : 0x00);
+  };
+  spoil(View(leaf_).End() - 1);
+  Write(leaf_).SetU32(layout::kNextOffset, leaf_);
+  EXPECT_NE(ErrorOf([&] { (void)index_.Entries(); }).find("do not follow those before it"), std::string::npos);
+  spoil(0);
+  Write(leaf_).SetU32(layout::kPreviousOffset, leaf_);
+  const auto backwards = [&] {
+    auto cursor = index_.Tree().SeekFirst(LongEntry(1).key);
+    while (cursor->Current() != nullptr) cursor->Previous();
+  };
+  EXPECT_NE(ErrorOf(backwards).find("do not come before those behind it"), std::string::npos);
+}
+
 TEST_F(BTreeCheckTest, CirclesOfEmptyLeavesEndWithAnError) {
   Page& page = Write(nextLeaf_);
   EntryMask().Store(page);

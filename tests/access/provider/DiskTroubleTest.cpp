@@ -13,6 +13,7 @@
 #include "access/provider/AccessProvider.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/Inspection.h"
+#include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access::test {
@@ -82,6 +83,37 @@ class DiskTroubleTest : public testing::Test {
     return isRefused;
   }
 
+  /// Takes the file back to what it was, for everybody.
+  void GoBackTo(const std::shared_ptr<MemoryFileSystem>& before) {
+    connection_.reset();
+    memory_ = before;
+    failing_ = std::make_shared<FailingFileSystem>(memory_);
+    Open();
+  }
+
+  void Reopen() {
+    connection_->Close();
+    Open();
+  }
+
+  /// All rows of a statement as text, or the error.
+  std::string AnswerTo(const std::string& statement) {
+    std::string answer;
+    try {
+      const auto rows = connection_->OpenRecordset(statement, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly,
+                                                   ado::SourceKind::CommandText);
+      for (; !rows->AtEnd(); rows->MoveNext()) {
+        for (const ado::Field& field : rows->Fields()) {
+          const Value value = rows->Get(field.name);
+          answer += IsNull(value) ? "-|" : ToText(value) + "|";
+        }
+      }
+    } catch (const Error& error) {
+      return error.Description();
+    }
+    return answer;
+  }
+
   void ExpectAllDone() {
     connection_->Close();
     EXPECT_EQ(Digest(true), digests_.back());
@@ -132,6 +164,54 @@ TEST_F(EveningUnderTrouble, AFullDiskRefusesStatementsAndLosesNone) {
 
 TEST_F(EveningUnderTrouble, AFailingReadRefusesStatementsAndLosesNone) {
   FailOneCall({Operation::Read}, 60);
+}
+
+// Every single read of a small evening fails once: the step is refused with the place, or done without it.
+TEST_F(EveningUnderTrouble, EachReadThatFailsRefusesItsStatementAndLosesNothing) {
+  std::size_t refusals = 0;
+  const std::size_t last = std::min<std::size_t>(steps_.size(), Lengthened(40));
+  for (std::size_t step = 0; step < last && !HasFailure(); ++step) {
+    // The step is told until it meets no failing read any more; each time from the same state.
+    for (std::size_t call = 0; !HasFailure(); ++call) {
+      SCOPED_TRACE("read " + std::to_string(call));
+      const auto before = memory_->AfterCrash(CrashKind::Kept, 0);
+      const bool isRefused = RunUnderTrouble(
+          step, [&] { failing_->FailCall(call, {Operation::Read}); }, [&] { failing_->FailNothing(); },
+          "Input/output error");
+      if (isRefused) ++refusals;
+      if (!failing_->HasFailed()) break;
+      GoBackTo(before);
+    }
+  }
+  EXPECT_GT(refusals, 2 * last);
+  std::cout << refusals << " refusals\n";
+}
+
+// The same with questions: an answer is right, or there is none.
+TEST_F(EveningUnderTrouble, EachReadThatFailsGivesNoWrongAnswer) {
+  for (std::size_t step = 0; step < steps_.size(); ++step) {
+    if (steps_[step].kind != EveningStep::Kind::Reopen) RunStep(*connection_, steps_[step]);
+  }
+  std::size_t refusals = 0;
+  for (const std::string question :
+       {"Select * From Members", "Select Count(*) From Members Where ID > 3", "Select * From Members Order By [Name]",
+        "Select Members.[Name], Results.Score From Members Inner Join Results On Members.ID = Results.Player"}) {
+    Reopen();
+    const std::string right = AnswerTo(question);
+    for (std::size_t call = 0;; ++call) {
+      Reopen();
+      failing_->FailCall(call, {Operation::Read});
+      const std::string answer = AnswerTo(question);
+      failing_->FailNothing();
+      if (!failing_->HasFailed()) break;
+      if (answer == right) continue;
+      EXPECT_NE(answer.find("Input/output error"), std::string::npos) << question << "\n" << answer;
+      EXPECT_NE(answer.find(kEveningPath), std::string::npos) << answer;
+      ++refusals;
+    }
+  }
+  EXPECT_GT(refusals, 10U);
+  std::cout << refusals << " refusals\n";
 }
 
 TEST_F(EveningUnderTrouble, AFailingWriteRefusesStatementsAndLosesNone) {

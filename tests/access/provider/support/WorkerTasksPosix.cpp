@@ -3,7 +3,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
 #include <filesystem>
 #include <iostream>
 
@@ -24,7 +23,6 @@ class CrampedWorker : public EveningWorker {
 
   // A step that fails for want of room is told, and run again with more.
   void RunCramped() {
-    std::signal(SIGXFSZ, SIG_IGN);
     for (; next_ < steps_.size(); Report()) {
       if (steps_[next_].kind == EveningStep::Kind::Reopen) {
         ReopenCramped();

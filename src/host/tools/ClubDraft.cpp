@@ -1,0 +1,142 @@
+#include "host/tools/ClubDraft.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <ostream>
+#include <vector>
+
+#include "access/catalog/Check.h"
+#include "access/file/Replacement.h"
+#include "composition/Composition.h"
+#include "host/text/PathText.h"
+#include "host/tools/Connect.h"
+#include "platform/values/Error.h"
+#include "store/BaseFile.h"
+#include "store/cDatabase.h"
+#include "util/NativePath.h"
+
+namespace tavi::host {
+namespace {
+
+std::string PlaceOf(const Context& context) {
+  return access::NativeFileSystem()->CanonicalPath(NativePath(context.ClubFile()));
+}
+
+Context InFolder(const Context& context, const std::string& folder) {
+  Context inside = context;
+  inside.folder = folder;
+  return inside;
+}
+
+std::unique_ptr<access::Database> OpenAlone(const std::shared_ptr<access::FileSystem>& fileSystem,
+                                            const std::string& path) {
+  access::PagerOptions options;
+  options.alone = true;
+  return std::make_unique<access::Database>(access::Pager::Open(fileSystem, path, options));
+}
+
+void StoreNationalNumber(const Context& context, const std::string& number) {
+  if (number.empty()) return;
+  cDatabase store(context.platform);
+  store.SetDatabaseFolder(context.ClubFolder());
+  store.Execute("Update ClubNames Set ClubEBUNumber = " + cDatabase::SQLString(number));
+}
+
+}  // namespace
+
+bool ClubDraft::WasLeftWhenDone(const Context& context) {
+  return WorkFolder::WasLeftWhenDone(PlaceOf(context));
+}
+
+ClubDraft::ClubDraft(const Context& context)
+    : context_(context),
+      fileSystem_(access::NativeFileSystem()),
+      place_(PlaceOf(context)),
+      folder_(place_),
+      file_(folder_.Draft()),
+      inside_(InFolder(context, folder_.Path())) {
+  if (fileSystem_->Exists(place_)) current_ = OpenAlone(fileSystem_, place_);
+}
+
+void ClubDraft::BeginEmpty(const ClubIdentity& identity) {
+  CreateEmptyDatabase(file_, context_.platform->clock->Now());
+  const std::unique_ptr<ado::Connection> connection = Connect(inside_, file_);
+  CreateBaseFile(*connection);
+  connection->Close();
+  const std::unique_ptr<MembershipDatabase> club = inside_.OpenClub();
+  if (!identity.name.empty()) club->SetClubName(identity.name);
+  club->CloseDatabase();
+  StoreNationalNumber(inside_, identity.nationalNumber);
+}
+
+bool ClubDraft::BeginWithCurrent() {
+  const access::CheckResult result = access::CheckFile(*current_, access::CheckKind::Ordinary);
+  const bool isSound = std::ranges::all_of(
+      result.findings, [](const auto& finding) { return finding.part == access::CheckPart::Relationship; });
+  const access::ReadStatement statement(current_->GetPager());
+  // A file that was made by hand, or left by an older version that was stopped, may have no tables.
+  if (!isSound || current_->FindTable("Members") == nullptr) return false;
+  Copy(place_, file_);
+  BeginNumbersAnew();
+  return true;
+}
+
+// The rows of these tables are going to be replaced, and numbered as in a file that never had any: then it is the same
+// whether a recovery that was stopped had come to its end or not.
+void ClubDraft::BeginNumbersAnew() const {
+  const std::unique_ptr<access::Database> draft = OpenAlone(fileSystem_, file_);
+  access::WriteStatement statement(draft->GetPager());
+  for (const char* name : {"ClubNames", "Competitions", "MasterPoints"}) {
+    const std::shared_ptr<access::Table> table = draft->FindTable(name);
+    if (table == nullptr) continue;
+    for (auto row = table->Next(std::nullopt); row.has_value(); row = table->Next(row)) table->Delete(*row);
+    access::SetLastAutoNumber(draft->GetPager(), table->Definition(), 0);
+  }
+  statement.Commit();
+  draft->GetPager().Close();
+}
+
+void ClubDraft::TakePlace() {
+  RequireSound();
+  fileSystem_->Open(file_, access::FileSystem::OpenMode::ReadWrite)->Sync();
+  folder_.Mark();
+  if (current_) {
+    fileSystem_->CopyPermissions(place_, file_);
+    access::ReplaceFile(*fileSystem_, file_, place_, current_->GetPager());
+    return;
+  }
+  if (fileSystem_->Exists(place_))
+    throw Error(ErrorNumber::InvalidArgument, "tavi", place_ + " has been made by another program meanwhile");
+  const std::string aside = access::PlaceFile(*fileSystem_, file_, place_);
+  if (!aside.empty()) {
+    context_.error << "tavi: the log of a file that is no more lay in the place of the new one's; it is now "
+                   << Printable(aside) << '\n';
+  }
+}
+
+void ClubDraft::Copy(const std::string& from, const std::string& to) const {
+  using Mode = access::FileSystem::OpenMode;
+  constexpr std::uint64_t kChunk = std::uint64_t{1} << 20U;
+  const std::unique_ptr<access::File> source = fileSystem_->Open(from, Mode::ReadOnly);
+  const std::unique_ptr<access::File> target = fileSystem_->Open(to, Mode::CreateNew);
+  const std::uint64_t size = source->Size();
+  std::vector<std::uint8_t> chunk;
+  for (std::uint64_t done = 0; done < size; done += chunk.size()) {
+    chunk.resize(static_cast<std::size_t>(std::min(kChunk, size - done)));
+    source->ReadAt(done, chunk);
+    target->WriteAt(done, chunk);
+  }
+}
+
+// The file is open alone for it, so that its log, if one were left, is in it.
+void ClubDraft::RequireSound() const {
+  const std::unique_ptr<access::Database> draft = OpenAlone(fileSystem_, file_);
+  for (const access::CheckFinding& finding : access::CheckFile(*draft, access::CheckKind::Ordinary).findings) {
+    if (finding.part == access::CheckPart::Relationship) continue;
+    throw Error(ErrorNumber::ProviderFailure, "tavi",
+                place_ + " stays as it is, because the new file was not right: " + finding.text);
+  }
+  draft->GetPager().Close();
+}
+
+}  // namespace tavi::host

@@ -1,0 +1,144 @@
+#include "host/tools/WorkFolder.h"
+
+#include <filesystem>
+
+#include "host/text/PathText.h"
+#include "platform/values/Error.h"
+
+namespace tavi::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kEnding = ".work";
+constexpr const char* kDoneEnding = ".done";
+constexpr const char* kLockName = "lock";
+constexpr const char* kDraftName = "ClubMembers.mdb";
+constexpr const char* kMarkName = "going-to-its-place";
+/// Another run may take the folder away while this one enters it, which nobody does twice in a moment.
+constexpr int kMostAttempts = 5;
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw Error(ErrorNumber::InvalidArgument, "tavi", why);
+}
+
+void RemoveQuietly(const std::string& path) {
+  std::error_code ignored;
+  fs::remove(PathOf(path), ignored);
+}
+
+void RemoveAllQuietly(const std::string& path) {
+  std::error_code ignored;
+  fs::remove_all(PathOf(path), ignored);
+}
+
+}  // namespace
+
+WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
+  std::error_code ignored;
+  for (std::string missing = folder; !missing.empty() && !fs::exists(PathOf(missing), ignored);) {
+    made_.push_back(missing);
+    std::string outer = SplitPath(missing).folder;
+    if (outer == missing) break;
+    missing = std::move(outer);
+  }
+  if (const std::error_code code = MakeFolders(folder)) {
+    for (const std::string& made : made_) RemoveQuietly(made);
+    Refuse("the folder " + folder + " cannot be made: " + ReasonOf(code));
+  }
+}
+
+WorkFolder::OuterFolders::~OuterFolders() {
+  for (const std::string& made : made_) {
+    std::error_code unknown;
+    if (!fs::is_empty(PathOf(made), unknown)) return;
+    RemoveQuietly(made);
+  }
+}
+
+WorkFolder::WorkFolder(const std::string& clubFile)
+    : outer_(SplitPath(clubFile).folder),
+      path_(clubFile + kEnding),
+      donePath_(clubFile + kDoneEnding),
+      fileSystem_(access::NativeFileSystem()) {
+  for (int attempt = 1; !Enter(); ++attempt) {
+    if (attempt == kMostAttempts) Refuse("the folder " + path_ + " is made and removed again and again; try again");
+  }
+  Clear();
+  RemoveAllQuietly(donePath_);
+}
+
+WorkFolder::~WorkFolder() {
+  std::error_code notRenamed;
+  const bool isDone = fileSystem_->Exists(File(kMarkName)) && !fileSystem_->Exists(Draft());
+  if (isDone) fs::rename(PathOf(path_), PathOf(donePath_), notRenamed);
+  if (isDone && !notRenamed) {
+    RemoveAllQuietly(donePath_);
+    return;
+  }
+  Clear();
+  RemoveQuietly(File(kLockName));
+  RemoveQuietly(path_);
+  lock_.reset();
+  // Some systems remove no folder while a file that lay in it is open.
+  RemoveQuietly(path_);
+}
+
+std::string WorkFolder::Draft() const {
+  return File(kDraftName);
+}
+
+void WorkFolder::Mark() const {
+  static_cast<void>(fileSystem_->Open(File(kMarkName), access::FileSystem::OpenMode::CreateNew));
+}
+
+// The folder was changed after the last write into the draft, whose time the file in the place has kept.
+bool WorkFolder::WasLeftWhenDone(const std::string& clubFile) {
+  const auto exists = [](const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(path, ignored);
+  };
+  const fs::path work = PathOf(clubFile + kEnding);
+  const fs::path done = PathOf(clubFile + kDoneEnding);
+  const bool isMarked = exists(work / kMarkName) && !exists(work / kDraftName);
+  if (!isMarked && !exists(done)) return false;
+  std::error_code unknown;
+  const auto changed = fs::last_write_time(isMarked ? work : done, unknown);
+  const auto written = fs::last_write_time(PathOf(clubFile), unknown);
+  return !unknown && written <= changed;
+}
+
+std::string WorkFolder::File(const std::string& name) const {
+  return TextOf(PathOf(path_) / PathOf(name));
+}
+
+// False when another run has removed the folder or its lock meanwhile.
+bool WorkFolder::Enter() {
+  if (const std::error_code code = MakePrivateFolder(path_))
+    Refuse("the folder " + path_ + " cannot be made: " + ReasonOf(code));
+  const std::string lockPath = File(kLockName);
+  try {
+    using Mode = access::FileSystem::OpenMode;
+    lock_ = fileSystem_->Open(lockPath, fileSystem_->Exists(lockPath) ? Mode::ReadWrite : Mode::CreateNew);
+  } catch (const Error& error) {
+    if (fs::exists(PathOf(path_)) && !fileSystem_->Exists(lockPath)) throw;
+    return false;
+  }
+  if (!lock_->TryLock(0, 1, access::File::LockKind::Exclusive)) {
+    Refuse("another program is making or recovering this club: it works in the folder " + path_ +
+           ". Wait until it has finished.");
+  }
+  return lock_->IsStillAt(lockPath);
+}
+
+void WorkFolder::Clear() const {
+  std::error_code ignored;
+  std::vector<fs::path> entries;
+  for (fs::directory_iterator entry(PathOf(path_), ignored); entry != fs::directory_iterator();
+       entry.increment(ignored)) {
+    if (entry->path().filename() != kLockName) entries.push_back(entry->path());
+  }
+  for (const fs::path& entry : entries) fs::remove_all(entry, ignored);
+}
+
+}  // namespace tavi::host

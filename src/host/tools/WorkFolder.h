@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "access/file/FileSystem.h"
+
+namespace tavi::host {
+
+/// The private folder beside a club's file in which another one is made: FILE.work, which nobody but its owner may
+/// enter. Copies of members' data lie here and nowhere else. It is gone at the end of this object's life; what a run
+/// that was stopped has left in it the next one clears before it begins.
+///
+/// When the new file takes its place a mark lies in the folder; after that the folder is called FILE.done until it is
+/// gone. So a run that was stopped after its file had taken the place is known from one that was stopped before.
+class WorkFolder {
+ public:
+  /// Makes the folder, and first those that the club's file is to lie in. Raises InvalidArgument when that cannot be
+  /// done, or another program that is still running works in it. `clubFile` is a path of the system.
+  explicit WorkFolder(const std::string& clubFile);
+  ~WorkFolder();
+  WorkFolder(const WorkFolder&) = delete;
+  WorkFolder& operator=(const WorkFolder&) = delete;
+
+  [[nodiscard]] const std::string& Path() const { return path_; }
+  /// The path of a file in it.
+  [[nodiscard]] std::string File(const std::string& name) const;
+  /// The draft of the club's file.
+  [[nodiscard]] std::string Draft() const;
+  /// Says that the draft is going to take the place.
+  void Mark() const;
+
+  /// True when a run was stopped after its file had taken the place, and nobody has written that file since.
+  [[nodiscard]] static bool WasLeftWhenDone(const std::string& clubFile);
+
+ private:
+  /// Folders that were made for this one; those that are still empty at the end go again.
+  class OuterFolders {
+   public:
+    explicit OuterFolders(const std::string& folder);
+    ~OuterFolders();
+    OuterFolders(const OuterFolders&) = delete;
+    OuterFolders& operator=(const OuterFolders&) = delete;
+
+   private:
+    std::vector<std::string> made_;  // the innermost first
+  };
+
+  [[nodiscard]] bool Enter();
+  void Clear() const;
+
+  OuterFolders outer_;
+  std::string path_;
+  std::string donePath_;
+  std::shared_ptr<access::FileSystem> fileSystem_;
+  std::unique_ptr<access::File> lock_;  // held while this object lives; the system drops it when the process ends
+};
+
+}  // namespace tavi::host

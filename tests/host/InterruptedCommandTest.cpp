@@ -1,0 +1,224 @@
+// Commands that are killed at, or in the middle of, every change that they make to a file, or find the disk full from
+// there on. The same command then ends as if it had never been interrupted, and leaves nothing else behind.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <map>
+#include <sstream>
+
+#include "SourceDirectory.h"
+#include "access/file/support/LongRun.h"
+#include "host/CommandLine.h"
+#include "host/support/ChildProcess.h"
+#include "host/support/Command.h"
+#include "host/support/SystemCalls.h"
+
+namespace tavi::host {
+namespace {
+
+namespace fs = std::filesystem;
+using Arguments = std::vector<std::string>;
+/// All that a club's folder holds: contents of its files by name, databases as the text of all their tables.
+using Contents = std::map<std::string, std::string>;
+
+/// How often a whole command is interrupted at least; all places are taken when there are fewer.
+constexpr std::size_t kInterruptions = 24;
+
+std::string FileContent(const fs::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+class InterruptedCommand : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    fs::create_directory(start_);
+    examples_ = std::string(TAVI_SOURCE_DIR) + "/examples/club/";
+  }
+
+  /// Runs a command for the preparation on the club of that folder.
+  void Prepare(const fs::path& club, const Arguments& arguments) const {
+    const Outcome outcome = folder_.RunIn(club.string(), arguments);
+    ASSERT_EQ(outcome.code, 0) << outcome.error;
+  }
+
+  /// Interrupts the command, which begins with a copy of the folder `start_`, in every way and at every place, or at
+  /// enough of them.
+  void InterruptEverywhere(const Arguments& arguments) {
+    Refill();
+    const ChildEnd whole = Run(arguments, std::string::npos, CallTrouble::Kill);
+    ASSERT_EQ(whole.signal, 0);
+    ASSERT_EQ(whole.code, 0) << whole.told;
+    const std::size_t calls = std::stoul(whole.said);
+    const Contents expected = Read();
+    const std::size_t step = std::max<std::size_t>(1, calls / access::test::Lengthened(kInterruptions));
+    std::size_t interruptions = 0;
+    for (const CallTrouble trouble : {CallTrouble::Kill, CallTrouble::KillInTheMiddle, CallTrouble::DiskFull}) {
+      const std::size_t first = trouble == CallTrouble::Kill ? 0 : interruptions % step;
+      for (std::size_t call = first; call < calls && !HasFailure(); call += step, ++interruptions) {
+        SCOPED_TRACE("trouble " + std::to_string(static_cast<int>(trouble)) + " at call " + std::to_string(call) +
+                     " of " + std::to_string(calls));
+        Refill();
+        // The last calls may do without room; then the command has come to its end.
+        if (!Interrupt(arguments, call, trouble)) continue;
+        const ChildEnd again = Run(arguments, std::string::npos, CallTrouble::Kill);
+        EXPECT_EQ(again.signal, 0);
+        EXPECT_EQ(again.code, 0) << again.told;
+        ExpectSame(Read(), expected);
+        EXPECT_EQ(OthersLeft(), std::vector<std::string>());
+      }
+    }
+    EXPECT_GT(interruptions, 10U);
+    std::cout << interruptions << " interruptions of " << calls << " calls\n";
+  }
+
+  CommandFolder folder_;
+  fs::path start_ = folder_.Path("start");
+  std::string examples_;
+  /// Whether a full disk must leave the folder as it was.
+  bool isWholeOrNothing_ = true;
+
+ private:
+  void Refill() const {
+    fs::remove_all(folder_.Path("club"));
+    fs::copy(start_, folder_.Path("club"), fs::copy_options::recursive);
+    if (fs::is_empty(start_)) fs::remove(folder_.Path("club"));
+  }
+
+  /// False when the command came to its end all the same.
+  bool Interrupt(const Arguments& arguments, std::size_t call, CallTrouble trouble) {
+    const Contents before = Read();
+    const ChildEnd end = Run(arguments, call, trouble);
+    if (trouble != CallTrouble::DiskFull) {
+      EXPECT_EQ(end.signal, SIGKILL);
+      return true;
+    }
+    EXPECT_EQ(end.signal, 0);
+    if (end.code == 0) return false;
+    EXPECT_NE(end.told.find("No space left on device"), std::string::npos) << end.told;
+    if (isWholeOrNothing_) {
+      ExpectSame(Read(), before);
+      EXPECT_EQ(OthersLeft(), std::vector<std::string>());
+    }
+    return true;
+  }
+
+  /// Runs the command in a process of its own; says how many calls it made, tells its errors.
+  [[nodiscard]] ChildEnd Run(const Arguments& arguments, std::size_t call, CallTrouble trouble) const {
+    return RunInChild([&](ChildVoice& voice) {
+      TroubleAtCall(call, trouble);
+      const Outcome outcome = folder_.Run(arguments);
+      NoTrouble();
+      voice.Say(std::to_string(ChangingCalls()));
+      voice.Tell(outcome.error);
+      if (outcome.code != 0) ::_exit(outcome.code);
+    });
+  }
+
+  /// Files that are no databases: work that was left. Logs belong to their databases until the next run.
+  [[nodiscard]] std::vector<std::string> OthersLeft() const {
+    std::vector<std::string> names;
+    if (!fs::exists(folder_.Club())) return names;
+    for (const auto& entry : fs::directory_iterator(folder_.Club())) {
+      if (entry.path().extension() != ".mdb") names.push_back(entry.path().filename().string());
+    }
+    return names;
+  }
+
+  /// Read in a process of its own, because reading brings logs in.
+  [[nodiscard]] Contents Read() const {
+    Contents contents;
+    if (!fs::exists(folder_.Club())) return contents;
+    for (const auto& entry : fs::directory_iterator(folder_.Club())) {
+      if (entry.path().extension() == ".mdb") ReadDatabase(entry.path(), contents);
+    }
+    return contents;
+  }
+
+  void ReadDatabase(const fs::path& path, Contents& contents) const {
+    const fs::path dump = folder_.Path("dump");
+    fs::remove_all(dump);
+    const Outcome outcome = folder_.Run({"dump", path.string(), dump.string()});
+    EXPECT_EQ(outcome.code, 0) << outcome.error;
+    EXPECT_EQ(folder_.Run({"check", "--strict", path.string()}).code, 0) << path;
+    const std::string name = path.filename().string();
+    contents[name] = "";
+    for (const auto& entry : fs::directory_iterator(dump)) {
+      contents[name + "/" + entry.path().filename().string()] = FileContent(entry.path());
+    }
+  }
+
+  static void ExpectSame(const Contents& found, const Contents& expected) {
+    for (const auto& [name, content] : expected) {
+      const auto other = found.find(name);
+      EXPECT_TRUE(other != found.end()) << name << " is missing";
+      if (other == found.end() || other->second == content) continue;
+      const auto place = std::mismatch(content.begin(), content.end(), other->second.begin(), other->second.end());
+      ADD_FAILURE() << name << " differs from byte " << place.first - content.begin()
+                    << " on: " << other->second.substr(static_cast<std::size_t>(place.first - content.begin()), 100);
+    }
+    for (const auto& [name, content] : found) EXPECT_TRUE(expected.contains(name)) << name << " is too much";
+  }
+};
+
+TEST_F(InterruptedCommand, NewMakesTheClubOrNothing) {
+  InterruptEverywhere({"new", "--name", "Ashby Bridge Club", "--ebu", "123456"});
+}
+
+class InterruptedRecovery : public InterruptedCommand {
+ protected:
+  void SetUp() override {
+    InterruptedCommand::SetUp();
+    Prepare(old_, {"new", "--name", "Old Club"});
+    Prepare(old_, {"members", "import", examples_ + "members.csv"});
+  }
+  fs::path old_ = folder_.Path("old");
+};
+
+TEST_F(InterruptedRecovery, RecoverMakesTheClubOrNothing) {
+  InterruptEverywhere({"recover", (old_ / "ClubMembers.mdb").string()});
+}
+
+TEST_F(InterruptedRecovery, RecoverReplacesTheClubOrLeavesIt) {
+  Prepare(start_, {"new", "--name", "Present Club"});
+  Prepare(start_, {"members", "import", examples_ + "members.csv"});
+  InterruptEverywhere({"recover", "--replace", (old_ / "ClubMembers.mdb").string()});
+}
+
+class InterruptedClub : public InterruptedCommand {
+ protected:
+  void SetUp() override {
+    InterruptedCommand::SetUp();
+    Prepare(start_, {"new", "--name", "Ashby Bridge Club"});
+  }
+  void AddMembers() const {
+    Prepare(start_, {"members", "import", examples_ + "members.csv"});
+    Prepare(start_, {"pairs", "import", examples_ + "pairs.csv"});
+  }
+};
+
+TEST_F(InterruptedClub, CompactKeepsEveryRow) {
+  AddMembers();
+  Prepare(start_, {"sql", "Delete From Members Where MembershipNumber Mod 2 = 0"});
+  InterruptEverywhere({"compact"});
+}
+
+TEST_F(InterruptedClub, AnImportOfMembersCanBeRepeated) {
+  isWholeOrNothing_ = false;
+  InterruptEverywhere({"members", "import", examples_ + "members.csv"});
+}
+
+TEST_F(InterruptedClub, AnImportOfPairsCanBeRepeated) {
+  isWholeOrNothing_ = false;
+  Prepare(start_, {"members", "import", examples_ + "members.csv"});
+  InterruptEverywhere({"pairs", "import", examples_ + "pairs.csv"});
+}
+
+}  // namespace
+}  // namespace tavi::host
