@@ -24,6 +24,7 @@ std::shared_ptr<const ado::Provider> MakeProvider(const PlatformOptions& options
                                                   const std::shared_ptr<const Clock>& clock) {
   access::ProviderOptions providerOptions;
   providerOptions.nativePath = ToNativePath;
+  providerOptions.isCancelled = options.isCancelled;
   providerOptions.pager.report = [](const std::string& text) { WriteDiagnostic(text); };
   return access::MakeAccessProvider(options.databaseFiles ? options.databaseFiles : access::NativeFileSystem(), clock,
                                     std::move(providerOptions));

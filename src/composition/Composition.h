@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +23,8 @@ struct PlatformOptions {
   std::shared_ptr<const MessageBoxes> messageBoxes = nullptr;
   /// Holds the database files; none: the machine's disks.
   std::shared_ptr<access::FileSystem> databaseFiles = nullptr;
+  /// Asked on the thread of a running statement whether it is to be given up; none: it never is.
+  std::function<bool()> isCancelled = nullptr;
 };
 
 /// A platform of this machine. Usable on all threads. DefaultPlatform is the one without any option.

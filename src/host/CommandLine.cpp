@@ -12,6 +12,7 @@
 #include "host/commands/Lists.h"
 #include "host/commands/Score.h"
 #include "host/rpc/RpcCommand.h"
+#include "host/sql/CancelKey.h"
 #include "host/sql/SqlCommand.h"
 #include "host/tools/Check.h"
 #include "host/tools/Compact.h"
@@ -235,7 +236,9 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
                                                  : OutputFormat::Tabs;
     context.showProgress = terminal.errorIsTerminal;
     context.folder = choices.folder;
-    context.platform = MakePlatform({TodayOf(choices), std::make_shared<ConsoleMessageBoxes>(error)});
+    PlatformOptions options{TodayOf(choices), std::make_shared<ConsoleMessageBoxes>(error)};
+    options.isCancelled = CancelKey::IsPressed;
+    context.platform = MakePlatform(options);
     return choices.action(context);
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem, terminal.out, error) == 0 ? kSucceeded : kWrongUse;

@@ -199,5 +199,28 @@ TEST_F(SqlCommand, TheShellAtATerminalEditsLinesAndKeepsAHistory) {
   EXPECT_NE(again.text.find("tavi> "), std::string::npos) << again.text;
 }
 
+TEST_F(SqlCommand, CtrlCGivesUpTheStatementAndNotTheShell) {
+#ifdef _WIN32
+  GTEST_SKIP() << "there is no program that gives another one a terminal";
+#endif
+  std::string rows;
+  for (int i = 2; i < 60; ++i) rows += "Insert into T (ID) Values (" + std::to_string(i) + ");";
+  ASSERT_EQ(folder_.Run({"sql"}, rows).code, 0);
+  // Would go on for hours.
+  const std::string endless = folder_.Write(
+      "endless",
+      "Update T Set Name = 'two' Where (Select Count(*) From T As A, T As B, T As C, T As D, T As E, T As F) > 0;\r");
+  const std::string key = folder_.Write("key", "\x03");
+  const std::string more = folder_.Write("more", "Select 'go' & 'ing on';\r.quit\r");
+  const std::string tavi = std::string(TAVI_PROGRAM) + " --db " + folder_.Club() + " sql";
+  const std::string shown =
+      RunProgram("(cat " + endless + "; sleep 1; for i in 1 2 3 4 5; do cat " + key + "; sleep 0.5; done; cat " + more +
+                 ") | TERM=xterm TAVI_HISTORY=" + folder_.Path("history") + " timeout 60 script -qec '" + tavi +
+                 "' /dev/null")
+          .text;
+  EXPECT_NE(shown.find("The statement was cancelled. Nothing of it was stored."), std::string::npos) << shown;
+  EXPECT_EQ(folder_.Query("Select Count(*) From T Where Name = 'two'"), (std::vector<std::string>{"0"}));
+}
+
 }  // namespace
 }  // namespace tavi::host

@@ -28,8 +28,8 @@ bool IsTableName(sql::Session& session, std::string_view commandText) {
 
 }  // namespace
 
-OpenFile::OpenFile(std::unique_ptr<Pager> pager, std::shared_ptr<const Clock> clock)
-    : database_(std::move(pager)), session_(database_, std::move(clock)) {}
+OpenFile::OpenFile(std::unique_ptr<Pager> pager, std::shared_ptr<const Clock> clock, std::function<bool()> isCancelled)
+    : database_(std::move(pager)), session_(database_, std::move(clock), {}, std::move(isCancelled)) {}
 
 sql::Session& OpenFile::Session() {
   if (isClosed_) RaiseFailure("The connection to the database is closed. Open it again.");

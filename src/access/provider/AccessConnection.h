@@ -12,7 +12,8 @@ namespace tavi::access {
 /// was closed is an error and no accident.
 class OpenFile {
  public:
-  OpenFile(std::unique_ptr<Pager> pager, std::shared_ptr<const Clock> clock);
+  /// `isCancelled`: see sql::Session.
+  OpenFile(std::unique_ptr<Pager> pager, std::shared_ptr<const Clock> clock, std::function<bool()> isCancelled);
 
   /// Raises ProviderFailure after Close.
   [[nodiscard]] sql::Session& Session();

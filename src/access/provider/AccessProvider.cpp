@@ -24,7 +24,7 @@ class AccessProvider final : public ado::Provider {
       if (wanted.flush == FlushTime::EachStatement) pagerOptions.flush = wanted.flush;
       const std::string path = options_.nativePath ? options_.nativePath(wanted.dataSource) : wanted.dataSource;
       return std::make_unique<AccessConnection>(
-          std::make_shared<OpenFile>(Pager::Open(fileSystem_, path, pagerOptions), clock_));
+          std::make_shared<OpenFile>(Pager::Open(fileSystem_, path, pagerOptions), clock_, options_.isCancelled));
     });
   }
 

@@ -128,6 +128,7 @@ std::int64_t RunInsert(StatementContext& context, TableChanges& changes, Default
     if (!isGiven) blank[i] = defaults.ValueFor(*table, table->Columns()[i], context.now);
   }
   for (RowValues& values : rows) {
+    context.GoOnUnlessCancelled();
     RowValues row = blank;
     for (std::size_t i = 0; i < targets.size(); ++i) row[targets[i]] = std::move(values[i]);
     changes.Insert(*table, row);
@@ -143,6 +144,7 @@ std::int64_t RunUpdate(StatementContext& context, TableChanges& changes, const U
   RowScope scope(context, plan, nullptr);
   std::int64_t count = 0;
   for (std::size_t i = 0; i + plan.sources.size() <= keys.size(); i += plan.sources.size()) {
+    context.GoOnUnlessCancelled();
     if (LoadRows(scope, &keys[i], changed) && ChangeRow(scope, changes, targets, changed)) ++count;
   }
   return count;
@@ -162,6 +164,7 @@ std::int64_t RunDelete(StatementContext& context, TableChanges& changes, const D
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
   std::int64_t count = 0;
   for (const std::uint32_t row : rows) {
+    context.GoOnUnlessCancelled();
     const RowPointer pointer = RowPointer::FromPacked(row);
     if (!table.Exists(pointer)) continue;  // gone with a row that it belonged to
     changes.Delete(table, pointer);

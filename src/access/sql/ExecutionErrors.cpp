@@ -48,4 +48,8 @@ Error NotUpdatableError(std::string_view what) {
   return EngineError(kNotUpdatableNumber, "The record set does not support updating " + std::string(what) + ".");
 }
 
+Error CancelledError() {
+  return EngineError(kCancelledNumber, "The statement was cancelled. Nothing of it was stored.");
+}
+
 }  // namespace tavi::access::sql

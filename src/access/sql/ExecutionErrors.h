@@ -11,6 +11,7 @@ namespace tavi::access::sql {
 /// Numbers that only the engine raises.
 inline constexpr std::uint32_t kRowDeletedNumber = 0x80040E23U;
 inline constexpr std::uint32_t kNotUpdatableNumber = 0x800A0CB3U;
+inline constexpr std::uint32_t kCancelledNumber = 0x80040E4EU;
 
 /// An error of the engine.
 Error EngineError(ErrorNumber number, const std::string& description);
@@ -30,5 +31,7 @@ Error ReadOnlyError(std::string_view object);
 Error RowDeletedError();
 /// kNotUpdatableNumber: a record set, or a field of it, that cannot be changed.
 Error NotUpdatableError(std::string_view what);
+/// kCancelledNumber: somebody asked that the statement be given up.
+Error CancelledError();
 
 }  // namespace tavi::access::sql

@@ -129,6 +129,7 @@ void KeysetResult::RefreshTables() {
 void KeysetResult::MoveNext() {
   Update();
   if (position_ >= Count()) RaiseNoCurrentRow();
+  session_.GoOnUnlessCancelled();
   do {
     ++position_;
   } while (position_ < Count() && !RowAt(position_));

@@ -1,10 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <unordered_map>
 #include <vector>
 
 #include "access/sql/Evaluator.h"
+#include "access/sql/ExecutionErrors.h"
 #include "access/sql/NameBinder.h"
 #include "access/sql/Plan.h"
 #include "access/sql/ValueKey.h"
@@ -22,6 +24,13 @@ struct StatementContext {
   Database& database;
   MemoryIndexes& memoryIndexes;
   Date now;
+  /// Asked between rows whether the statement is to be given up; null or empty: it never is.
+  const std::function<bool()>* isCancelled = nullptr;
+
+  /// Raises kCancelledNumber when the statement is to be given up.
+  void GoOnUnlessCancelled() const {
+    if (isCancelled != nullptr && *isCancelled && (*isCancelled)()) throw CancelledError();
+  }
 
   /// Results of sub-selects that do not depend on outer rows, and of derived tables: each is run once.
   struct SubselectResult {

@@ -69,6 +69,7 @@ bool RowSearch::RunOuter(const PlanNode& node, Visit visit) {
 }
 
 bool RowSearch::PassOn(const PlanNode& node, Visit visit) {
+  scope_.Context().GoOnUnlessCancelled();
   for (const Expression* filter : node.filters) {
     if (!scope_.Satisfies(*filter)) return true;
   }

@@ -70,11 +70,20 @@ std::unique_ptr<ResultSet> PlanRowsOf(const std::string& plan) {
 
 }  // namespace
 
-Session::Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options)
-    : database_(database), clock_(std::move(clock)), options_(options), memoryIndexes_(database.GetPager()) {}
+Session::Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options,
+                 std::function<bool()> isCancelled)
+    : database_(database),
+      clock_(std::move(clock)),
+      options_(options),
+      isCancelled_(std::move(isCancelled)),
+      memoryIndexes_(database.GetPager()) {}
 
 StatementContext Session::MakeContext() {
-  return {database_, memoryIndexes_, clock_->Now()};
+  return {database_, memoryIndexes_, clock_->Now(), &isCancelled_};
+}
+
+void Session::GoOnUnlessCancelled() const {
+  if (isCancelled_ && isCancelled_()) throw CancelledError();
 }
 
 std::shared_ptr<PreparedStatement> Session::Prepare(std::string_view key, Parsing parse) {

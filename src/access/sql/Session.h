@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -33,7 +34,10 @@ struct Outcome {
 /// and ProviderFailure for changes that the table refuses, ProviderTypeConflict for values that do not fit.
 class Session {
  public:
-  Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options = {});
+  /// `isCancelled` is asked between rows, on the session's thread; a statement is given up with kCancelledNumber, and
+  /// nothing of it is stored, when it says so.
+  Session(Database& database, std::shared_ptr<const Clock> clock, PlanOptions options = {},
+          std::function<bool()> isCancelled = {});
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
 
@@ -56,6 +60,8 @@ class Session {
   [[nodiscard]] Database& GetDatabase() const { return database_; }
   [[nodiscard]] Defaults& ColumnDefaults() { return defaults_; }
   [[nodiscard]] StatementContext MakeContext();
+  /// As StatementContext::GoOnUnlessCancelled, while rows are fetched.
+  void GoOnUnlessCancelled() const;
   /// Runs a change of rows as one statement of its own.
   void Change(FunctionReference<void(StatementContext&, TableChanges&)> change);
   /// Grows with each change that this session makes or undoes: what was read before may be out of date.
@@ -76,6 +82,7 @@ class Session {
   Database& database_;
   std::shared_ptr<const Clock> clock_;
   PlanOptions options_;
+  std::function<bool()> isCancelled_;
   MemoryIndexes memoryIndexes_;
   StatementCache statements_;
   Defaults defaults_;

@@ -1,7 +1,9 @@
 #include "host/sql/Shell.h"
 
+#include <optional>
 #include <ostream>
 
+#include "host/sql/CancelKey.h"
 #include "host/sql/Query.h"
 #include "host/sql/StatementText.h"
 #include "platform/values/Error.h"
@@ -126,7 +128,11 @@ bool Shell::RunStatement(const std::string& statement) {
   const std::string tidy = statement.substr(statement.find_first_not_of(" \t\r\n"));
   const std::string text = (explains_ ? "EXPLAIN " : "") + tidy;
   return Attempt(tidy, [&] {
-    Query(connection_, text).Write(context_.out, context_.format);
+    std::optional<CancelKey> key;
+    if (interactive_) key.emplace();
+    const Table result = Query(connection_, text);
+    key.reset();
+    result.Write(context_.out, context_.format);
     if (flushes_) connection_.Flush();
   });
 }

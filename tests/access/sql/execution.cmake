@@ -13,6 +13,7 @@ endif()
 tavi_test(test_access_sql_execution
   SOURCES
     AccessPathTest.cpp
+    CancelTest.cpp
     ChangeTest.cpp
     ClubStatementTest.cpp
     DefinitionTest.cpp
