@@ -252,6 +252,33 @@ TEST_F(Command, OfSeveralFilesTheGoodOnesAreStoredAndTheBadOnesListed) {
               ElementsAre("Tuesday\t2026-01-06"));
 }
 
+TEST_F(Command, AFileOfEventsIsStoredWholeOrNotAtAll) {
+  MakeClub();
+  ASSERT_EQ(folder_.Run({"score", folder_.Write("first.xml", Evening(kTwoPairs))}).code, 0);
+  const auto contents = [&] {
+    return std::make_tuple(folder_.Query("Select * From Competitions"),
+                           folder_.Query("Select * From Results Order By Player"),
+                           folder_.Query("Select * From MasterPoints Order By ID"),
+                           folder_.Query("Select MembershipNumber, Handicap From Members Order By MembershipNumber"));
+  };
+  const auto before = contents();
+  ASSERT_EQ(
+      folder_.Run({"sql", "Create Unique Index OnePerSize On MasterPoints (MasterPoints, MembershipNumber)"}).code, 0);
+  const auto pairs = [](const std::string& firstScore, const std::string& secondScore) {
+    return Pair("1", firstScore, Player("Ann Lee") + Player("Vera Visitor"), Award("24")) +
+           Pair("2", secondScore, Player("Bob Ray") + Player("Eloise Darcy"), Award("12"));
+  };
+  // The second event gives Ann Lee as many points as the first one did.
+  std::string events = Evening(pairs("70", "30"), "13/01/2026", "Morning");
+  const std::string afternoon = Evening(pairs("65", "35"), "13/01/2026", "Afternoon");
+  const std::size_t begin = afternoon.find("<EVENT ");
+  events.insert(events.find("</USEBIO>"), afternoon.substr(begin, afternoon.find("</USEBIO>") - begin));
+  const Outcome outcome = folder_.Run({"score", folder_.Write("two.xml", events)});
+  EXPECT_EQ(outcome.code, 1);
+  EXPECT_THAT(outcome.error, HasSubstr("two.xml: nothing of it was stored: "));
+  EXPECT_EQ(contents(), before);
+}
+
 TEST_F(Command, APlayerListedTwiceIsRefusedBeforeAnythingIsStored) {
   MakeClub();
   const std::string pairs = Pair("1", "60", Player("Ann Lee", "990101") + Player("Bob Ray")) +

@@ -218,6 +218,16 @@ TEST_F(ImportTest, AnAddressIsChangedWithoutTheTownAndTheTownWithoutTheAddress) 
   EXPECT_EQ(FigureLine(Import("club_number,address\n7,2 New Road\n")), "0\t0\t1\n");
 }
 
+TEST_F(ImportTest, WhatFailsHalfWayStoresNothing) {
+  ASSERT_EQ(folder_.Run({"sql", "Create Unique Index OneAddress On Members (email) With Ignore Null"}).code, 0);
+  EXPECT_THAT(Refusal("club_number,first,last,email\n7,Ann,Lee,new@example.org\n12,Cat,Fox,both@example.org\n"
+                      "13,Dan,Orr,both@example.org\n"),
+              HasSubstr("duplicate values"));
+  ASSERT_EQ(folder_.Run({"sql", "Create Unique Index OneName On Partnerships (KnownAs)"}).code, 0);
+  EXPECT_EQ(ImportPairs("club_number_1,club_number_2,known_as\n7,8,Twice\n7,11,Twice\n").code, 1);
+  EXPECT_THAT(folder_.Query("Select Count(*) From Partnerships"), ElementsAre("0"));
+}
+
 TEST_F(ImportTest, FlagsThatTellNamesakesApartAreBroughtUpToDate) {
   ASSERT_EQ(Import("club_number,first,last\n12,Ann,Lowe\n").code, 0);
   EXPECT_THAT(folder_.Query("Select MembershipNumber, UniquenessFlag From Members Where FirstName = 'Ann'"),

@@ -61,11 +61,9 @@ void ScoreOne(MembershipDatabase& club, MemberDirectory& directory, ScoredFile& 
   EveningScorer scorer(club, directory);
   std::vector<ScoredEvent> prepared;
   for (Event& event : ReadUsebioFile(file.path)) prepared.push_back(scorer.Prepare(std::move(event), file.path));
-  for (ScoredEvent& scored : prepared) {
-    file.begun = true;
-    scorer.Store(scored);
-    file.events.push_back(std::move(scored));
-  }
+  file.begun = true;
+  scorer.Store(prepared);
+  file.events = std::move(prepared);
 }
 
 void WriteRemarks(const Context& context, const ScoredEvent& scored) {
@@ -120,9 +118,7 @@ std::vector<ScoredFile> ScoreFiles(const Context& context, MembershipDatabase& c
     try {
       ScoreOne(club, directory, file);
     } catch (const Error& error) {
-      file.error = file.begun ? file.path + ": storing was interrupted: " + error.Description() +
-                                    " Score the file again when that has been seen to."
-                              : error.Description();
+      file.error = file.begun ? file.path + ": nothing of it was stored: " + error.Description() : error.Description();
     }
     files.push_back(std::move(file));
   }

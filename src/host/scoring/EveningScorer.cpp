@@ -4,6 +4,7 @@
 #include <map>
 #include <tuple>
 
+#include "facade/DatabaseTransaction.h"
 #include "host/results/XmlElement.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
@@ -121,8 +122,14 @@ void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::s
   }
 }
 
-void EveningScorer::Store(ScoredEvent& scored) {
+void EveningScorer::Store(std::vector<ScoredEvent>& events) {
   const UpdateGuard guard(database_);
+  DatabaseTransaction transaction;
+  for (ScoredEvent& scored : events) StoreOne(scored);
+  transaction.Commit();
+}
+
+void EveningScorer::StoreOne(ScoredEvent& scored) {
   Register(scored);
   FindHandicapsBefore(scored);
   NoteResults(scored);

@@ -31,7 +31,7 @@ struct ScoredEvent {
 
 /// Records events through the public class as a careful caller does: everything is checked first; the competition is
 /// registered; all results are noted before any award is passed, because noting one clears that player's earlier
-/// awards; the update is ended and the file closed, also when something fails.
+/// awards; all is one transaction; the file is closed, also when something fails.
 class EveningScorer {
  public:
   EveningScorer(MembershipDatabase& database, MemberDirectory& directory)
@@ -41,11 +41,13 @@ class EveningScorer {
   /// been stored then. A visitor is known by the national number: visitors of one name, without numbers or with
   /// different ones, are different people.
   [[nodiscard]] ScoredEvent Prepare(Event event, const std::string& fileName);
-  /// Stores a prepared event, replacing what an earlier scoring of it stored.
-  void Store(ScoredEvent& scored);
+  /// Stores prepared events as one, replacing what an earlier scoring of them stored: all of them, or, when an error
+  /// passes, nothing.
+  void Store(std::vector<ScoredEvent>& events);
 
  private:
   void RequireEverybodyOnce(const ScoredEvent& scored, const std::string& fileName) const;
+  void StoreOne(ScoredEvent& scored);
   void Register(ScoredEvent& scored);
   void FindHandicapsBefore(ScoredEvent& scored);
   void NoteResults(const ScoredEvent& scored);

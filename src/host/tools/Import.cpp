@@ -7,6 +7,7 @@
 #include "host/input/MemberFile.h"
 #include "host/input/PairFile.h"
 #include "host/text/ProgressBar.h"
+#include "store/Transaction.h"
 #include "store/cDatabase.h"
 
 namespace tavi::host {
@@ -67,15 +68,21 @@ void WriteRemarks(const Context& context, const std::string& path, const ImportP
   }
 }
 
-/// Plans an import and applies it, or only shows the plan.
+/// Plans an import and applies it as one transaction, or only shows the plan.
 template <typename Import, typename File, typename Planner>
 int Run(const Context& context, const ImportRequest& request, const File& file, const Planner& plan) {
   OpenStore open(context);
   Import importer(open.store);
-  const ImportPlan planned = plan(importer);
-  if (!request.dryRun) {
+  ImportPlan planned;
+  if (request.dryRun) {
+    planned = plan(importer);
+  } else {
+    // Nobody changes the club between the plan and its application.
+    Transaction transaction(open.store);
+    planned = plan(importer);
     ProgressBar progress(context.error, context.showProgress, planned.changes.size());
     importer.Apply(planned, [&](std::size_t done, const std::string& name) { progress.Show(done, name); });
+    transaction.Commit();
   }
   open.store.CloseDB(true);
   WriteRemarks(context, request.file, planned, file.passedOver);

@@ -15,7 +15,8 @@ struct ImportRequest {
 };
 
 /// `tavi members import FILE`: adds the members of a file, and changes of those who are there what the file says. The
-/// whole file is checked first. Writes how many members were added, changed and left, or each change of a dry run.
+/// whole file is checked first, and all of it stored or nothing. Writes how many members were added, changed and left,
+/// or each change of a dry run.
 int ImportMembers(const Context& context, const ImportRequest& request);
 
 /// `tavi pairs import FILE`: the same for regular pairs. Both players must be members.
