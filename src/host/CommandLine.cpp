@@ -231,7 +231,7 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
     app.parse(arguments);
     Context context{terminal.in, terminal.out, error};
     context.inputIsTerminal = terminal.inputIsTerminal;
-    context.format = choices.json                ? OutputFormat::Json
+    context.format = choices.json                ? OutputFormat::JsonText
                      : terminal.outputIsTerminal ? OutputFormat::Table
                                                  : OutputFormat::Tabs;
     context.showProgress = terminal.errorIsTerminal;

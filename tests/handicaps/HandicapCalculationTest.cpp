@@ -385,7 +385,7 @@ TEST_F(HandicapCalculationTest, WithoutALimitThePairSeedStillCountsAmongTheJoint
 TEST_F(HandicapCalculationTest, APairSeedAloneIsTheHandicapOfThePairAndItsPlayersAtAnyWeighting) {
   settings_->SetMaxResults(3);
   SetPairSeed(54.0);
-  for (const std::int16_t weighting : {50, 51, 60, 75, 99, 100}) {
+  for (const std::int16_t weighting : std::initializer_list<std::int16_t>{50, 51, 60, 75, 99, 100}) {
     settings_->SetSamePartnerWeighting(weighting);
     isStored_ = false;
     const Handicaps handicaps = Calculate(1, 2);

@@ -29,7 +29,7 @@ std::string Names(const Contestant& contestant) {
 class SampleEvents : public ::testing::TestWithParam<std::string> {
  protected:
   void SetUp() override {
-    if (!std::filesystem::exists(kEvents)) GTEST_SKIP() << "the sample events are not beside this checkout";
+    if (!std::filesystem::exists(kEvents)) GTEST_SKIP() << "the sample files are not beside this checkout";
   }
 };
 
@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(Folders, SampleEvents, ::testing::Values("", "season"),
 });
 
 TEST(DamagedSampleEvents, AreAllRefusedAndGiveNothingAway) {
-  if (!std::filesystem::exists(kEvents)) GTEST_SKIP() << "the sample events do not lie beside the project";
+  if (!std::filesystem::exists(kEvents)) GTEST_SKIP() << "the sample files are not beside this checkout";
   for (const auto& entry : std::filesystem::directory_iterator(kEvents / "bad")) {
     if (entry.path().extension() != ".xml") continue;
     try {

@@ -33,8 +33,8 @@ TEST(Table, WritesTabSeparatedLinesWithEscapes) {
 }
 
 TEST(Table, WritesJsonWithNullForNothing) {
-  EXPECT_NE(Written(OutputFormat::Json).find("\"Share\": null"), std::string::npos);
-  EXPECT_NE(Written(OutputFormat::Json).find("\"Share\": 12.5"), std::string::npos);
+  EXPECT_NE(Written(OutputFormat::JsonText).find("\"Share\": null"), std::string::npos);
+  EXPECT_NE(Written(OutputFormat::JsonText).find("\"Share\": 12.5"), std::string::npos);
 }
 
 TEST(Table, WithoutRowsHasItsHeader) {

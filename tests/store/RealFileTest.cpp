@@ -58,10 +58,10 @@ TEST_F(RealFileTest, ColumnsAddedAsIntegerHold32Bits) {
   club_.Prepare({"Alter Table Members Drop Column Stratum", "Alter Table MasterPoints Drop Column SessionNo",
                  "Alter Table Competitions Drop Column NumberOfTables"});
   Open();
-  constexpr auto kLong = static_cast<std::int32_t>(ado::DataType::Integer);
-  EXPECT_EQ(club_.ColumnTypes("Members")["Stratum"], kLong);
-  EXPECT_EQ(club_.ColumnTypes("MasterPoints")["SessionNo"], kLong);
-  EXPECT_EQ(club_.ColumnTypes("Competitions")["NumberOfTables"], kLong);
+  constexpr auto kNumberOf32Bits = static_cast<std::int32_t>(ado::DataType::Integer);
+  EXPECT_EQ(club_.ColumnTypes("Members")["Stratum"], kNumberOf32Bits);
+  EXPECT_EQ(club_.ColumnTypes("MasterPoints")["SessionNo"], kNumberOf32Bits);
+  EXPECT_EQ(club_.ColumnTypes("Competitions")["NumberOfTables"], kNumberOf32Bits);
 }
 
 TEST_F(RealFileTest, AFileWithoutTheGoverningBodysTableGetsItWithoutAMessage) {

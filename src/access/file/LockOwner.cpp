@@ -70,7 +70,7 @@ std::string Describe(const fs::path& process, bool isOwn) {
   return "process " + process.filename().string() + (name.empty() ? "" : " (" + name + ")");
 }
 
-std::string FindLockOwner(const LockRange& range, Kind wanted) {
+std::string FindHolder(const LockRange& range, Kind wanted) {
   struct stat file {};
   if (::fstat(range.descriptor, &file) != 0) return {};
   std::error_code unreadable;
@@ -87,8 +87,8 @@ std::string FindLockOwner(const LockRange& range, Kind wanted) {
 
 // Who writes keeps out everybody, who reads only writers.
 std::string FindLockOwner(const LockRange& range) {
-  const std::string writer = FindLockOwner(range, Kind::Write);
-  return writer.empty() ? FindLockOwner(range, Kind::Any) : writer;
+  const std::string writer = FindHolder(range, Kind::Write);
+  return writer.empty() ? FindHolder(range, Kind::Any) : writer;
 }
 
 }  // namespace tavi::access

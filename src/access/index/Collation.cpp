@@ -33,9 +33,9 @@ constexpr std::uint8_t kBetweenKanaAndSpecial = 0xFF;
 constexpr std::uint16_t kGeneralSortOrder = 1033;
 constexpr std::uint8_t kLegacyVersion = 0;
 
-using KeyBytes = std::vector<std::uint8_t>;
+using WeightBytes = std::vector<std::uint8_t>;
 
-void AppendInline(std::uint16_t codes, KeyBytes& bytes) {
+void AppendInline(std::uint16_t codes, WeightBytes& bytes) {
   if (codes > 0xFFU) bytes.push_back(static_cast<std::uint8_t>(codes >> 8U));
   bytes.push_back(static_cast<std::uint8_t>(codes & 0xFFU));
 }
@@ -43,7 +43,7 @@ void AppendInline(std::uint16_t codes, KeyBytes& bytes) {
 /// Collects the parts of a key while the code units of a text go by. Primary codes go straight into the key.
 class KeyBuilder {
  public:
-  explicit KeyBuilder(KeyBytes& result) : key_(result) {}
+  explicit KeyBuilder(WeightBytes& result) : key_(result) {}
 
   void Add(char16_t unit) {
     const CollationTrait& trait = CollationTraitOf(unit);
@@ -113,11 +113,11 @@ class KeyBuilder {
     if (!special_.empty()) key_.push_back(kBetweenKanaAndSpecial);
   }
 
-  KeyBytes& key_;
+  WeightBytes& key_;
   std::size_t elements_ = 0;
-  KeyBytes diacritics_;
-  KeyBytes special_;
-  KeyBytes kana_;
+  WeightBytes diacritics_;
+  WeightBytes special_;
+  WeightBytes kana_;
 };
 
 /// The primary code of an ASCII character that makes one element of default weight, two bytes long so that codes
@@ -134,7 +134,7 @@ std::string_view WithoutTrailingBlanks(std::string_view text) {
   return text;
 }
 
-bool AppendQuickKey(std::string_view text, KeyBytes& bytes) {
+bool AppendQuickKey(std::string_view text, WeightBytes& bytes) {
   if (text.size() > key::kMaximumTextLength) return false;
   const std::size_t start = bytes.size();
   for (const char character : WithoutTrailingBlanks(text)) {
@@ -155,8 +155,8 @@ int Sign(std::strong_ordering order) {
 }
 
 int CompareKeys(std::string_view left, std::string_view right) {
-  const KeyBytes leftKey = CollationKey(left);
-  const KeyBytes rightKey = CollationKey(right);
+  const WeightBytes leftKey = CollationKey(left);
+  const WeightBytes rightKey = CollationKey(right);
   return Sign(leftKey <=> rightKey);
 }
 
@@ -173,7 +173,7 @@ void AppendCollationKey(std::string_view text, std::vector<std::uint8_t>& bytes)
 }
 
 std::vector<std::uint8_t> CollationKey(std::string_view text) {
-  KeyBytes key;
+  WeightBytes key;
   key.reserve(text.size() + 2);
   AppendCollationKey(text, key);
   return key;

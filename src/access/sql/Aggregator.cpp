@@ -12,7 +12,7 @@ namespace tavi::access::sql {
 
 namespace {
 
-double NumberOf(const Value& value) {
+double SummandOf(const Value& value) {
   if (const bool* truth = std::get_if<bool>(&value)) return *truth ? -1.0 : 0.0;
   return ToDouble(value);
 }
@@ -70,7 +70,7 @@ void Aggregator::AddNumber(const Value& value) {
   } else {
     onlyCurrency_ = false;
   }
-  const double number = NumberOf(value);
+  const double number = SummandOf(value);
   sum_ += number;
   const double distance = number - mean_;
   mean_ += distance / static_cast<double>(count_);

@@ -138,7 +138,7 @@ int Score(const Context& context, const std::vector<std::string>& paths) {
   for (const ScoredFile& file : files) {
     for (const ScoredEvent& scored : file.events) WriteRemarks(context, scored);
   }
-  if (context.format == OutputFormat::Json) {
+  if (context.format == OutputFormat::JsonText) {
     WriteJson(context, files);
   } else if (files.size() == 1) {
     for (const ScoredEvent& scored : files.front().events) WriteRanking(context, scored);

@@ -108,7 +108,7 @@ void Table::Add(std::vector<Cell> row) {
 }
 
 void Table::Write(std::ostream& out, OutputFormat format) const {
-  if (format == OutputFormat::Json) {
+  if (format == OutputFormat::JsonText) {
     out << Json() << '\n';
   } else if (format == OutputFormat::Tabs) {
     WriteTabs(out);

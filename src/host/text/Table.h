@@ -10,7 +10,7 @@ namespace tavi::host {
 
 /// How results are written: aligned columns for people, tab-separated lines for other programs, JSON where one reads
 /// it.
-enum class OutputFormat { Table, Tabs, Json };
+enum class OutputFormat { Table, Tabs, JsonText };
 
 /// A number with a fixed count of decimals.
 struct Decimals {

@@ -135,7 +135,7 @@ int Check(const Context& context, const CheckRequest& request) {
   }
   const NameKeyCount keys = CountKeys(context, *database, result);
   const MissingNumbers missing = FindMissing(*database, result);
-  if (context.format == OutputFormat::Json) {
+  if (context.format == OutputFormat::JsonText) {
     WriteJson(context, file, result, keys, missing);
   } else {
     WriteText(context, file, result, keys, missing);

@@ -132,7 +132,7 @@ void WriteJson(const Context& context, const RecoveryReport& report) {
 }
 
 void Write(const Context& context, const RecoveryReport& report) {
-  if (context.format == OutputFormat::Json) {
+  if (context.format == OutputFormat::JsonText) {
     WriteJson(context, report);
   } else if (context.format == OutputFormat::Table) {
     WriteForPeople(context, report);

@@ -23,8 +23,9 @@ using PrintedRows = std::map<std::string, std::multiset<std::string>>;
 /// What this engine reads.
 [[nodiscard]] PrintedRows PrintTables(Database& database);
 
-/// What mdbtools reads, which is there on POSIX systems. Fails the test when mdbtools is not there or cannot read the
-/// file.
+/// True where mdbtools is installed, which there is for POSIX systems.
+[[nodiscard]] bool AnotherReaderIsThere();
+/// What mdbtools reads. Fails the test when it cannot read the file.
 [[nodiscard]] PrintedRows PrintTablesByAnother(const std::string& path);
 
 }  // namespace tavi::access::test
