@@ -41,7 +41,7 @@ class Compacting {
       CopyOldFile();
       return Swap();
     } catch (...) {
-      if (!isReplaced_) RemoveLeftoversQuietly();
+      RemoveLeftoversQuietly();
       throw;
     }
   }
@@ -66,7 +66,8 @@ class Compacting {
 
   void RemoveLeftoversQuietly() noexcept {
     try {
-      RemoveLeftovers();
+      // The new file may have taken the place though what came behind that failed: the copy is then the backup.
+      if (!HasUnnamedBackup()) RemoveLeftovers();
     } catch (...) {
       // The next call removes it.
     }
@@ -131,7 +132,6 @@ class Compacting {
     result_.bytesAfter = fileSystem_->Open(newPath_, FileSystem::OpenMode::ReadOnly)->Size();
     fileSystem_->SyncFolderOf(path_);
     ReplaceFile(*fileSystem_, newPath_, path_, source_.GetPager());
-    isReplaced_ = true;
     NameBackup();
     return result_;
   }
@@ -185,7 +185,6 @@ class Compacting {
   CheckProgress progress_;
   Database source_;  // holds the file until the end of this object's life
   bool hadBrokenRelationships_ = false;
-  bool isReplaced_ = false;
   CompactResult result_;
 };
 
