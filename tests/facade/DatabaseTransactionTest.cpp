@@ -46,7 +46,6 @@ TEST_F(DatabaseTransactionTest, WithoutCommitNothingHasHappened) {
     EXPECT_EQ(club_->GetMemberName(3, 0), "Cid Fox");
   }
   EXPECT_EQ(Tables(), before);
-  EXPECT_EQ(club_.OpenCount(), 0);
 }
 
 TEST_F(DatabaseTransactionTest, CommitStoresAllOfIt) {
@@ -56,7 +55,27 @@ TEST_F(DatabaseTransactionTest, CommitStoresAllOfIt) {
     Score(*club_, "Pairs");
     transaction.Commit();
   }
-  EXPECT_EQ(Tables(), (Texts{"3", "1", "2", "2"}));
+  EXPECT_EQ(Tables(), (Texts{"3", "1", "1", "2"}));
+}
+
+// Calculations leave the file counted open once more, within a transaction as without one.
+TEST_F(DatabaseTransactionTest, TheOpenCountIsAfterwardsWhatItIsWithoutOne) {
+  Score(*club_, "Alone");
+  const int alone = club_.OpenCount();
+  club_->CloseDatabase();
+  {
+    DatabaseTransaction transaction;
+    Score(*club_, "Kept");
+    transaction.Commit();
+  }
+  EXPECT_EQ(club_.OpenCount(), alone);
+  club_->CloseDatabase();
+  {
+    const DatabaseTransaction transaction;
+    Score(*club_, "Undone");
+  }
+  EXPECT_EQ(club_.OpenCount(), alone);
+  club_->CloseDatabase();
   EXPECT_EQ(club_.OpenCount(), 0);
 }
 
