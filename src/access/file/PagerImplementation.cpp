@@ -204,7 +204,8 @@ void PagerImplementation::RequireTransaction(const std::string& what) const {
 
 void PagerImplementation::RefuseForeignChange() const {
   RefuseForeignUse();
-  if (file_->ModificationStamp() == stamp_) return;
+  // Without a stamp a checkpoint of our own has failed in the middle, and the log says what counts.
+  if (!stamp_ || file_->ModificationStamp() == stamp_) return;
   RaiseFailure("'" + path_ +
                "' has been changed by another program since the transaction was begun. Roll the transaction back and "
                "begin it again.");
