@@ -6,6 +6,7 @@
 #include "platform/values/Convert.h"
 #include "store/Arguments.h"
 #include "store/OpenUse.h"
+#include "store/Transaction.h"
 
 namespace tavi {
 namespace {
@@ -142,7 +143,7 @@ std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const Competiti
 
 void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorResult& result) {
   RequireNumbers(result);
-  WhileOpen(database, [&] {
+  InTransaction(database, [&] {
     const bool isIndividual = ReadCompetitionAttributes(database, result.CompetitionID).Individual;
     CompetitorResult noted = result;
     Competitors& players = noted.Players;

@@ -49,8 +49,8 @@ class ResultUpdate {
   std::int32_t SetCompetitionEx(cDatabase& database, const CompetitionRegistration& registration);
 
   /// Stores a result (unless neither competitor has a number), refreshes the handicaps when the registered competition
-  /// counts for them, and deletes the competitors' awards in the competition. Each handicap calculation leaves the
-  /// store open once more.
+  /// counts for them, and deletes the competitors' awards in the competition: all of it or, with an error, nothing.
+  /// Each handicap calculation leaves the store open once more.
   void NoteCompetitorResult(cDatabase& database, const CompetitorResult& result);
 
   /// NoteCompetitorResult, and AddMasterPoints for session 1 when MasterPoints is above 0. The award exchanges the

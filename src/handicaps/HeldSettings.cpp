@@ -3,7 +3,7 @@
 #include <string>
 
 #include "platform/values/Convert.h"
-#include "store/OpenUse.h"
+#include "store/Transaction.h"
 
 namespace tavi {
 namespace {
@@ -63,7 +63,7 @@ void HeldSettings::SetHandicalcOptions(cDatabase& database, const std::shared_pt
   const std::string insert = settings ? InsertStatement(*settings) : std::string();
   held_ = settings;
   Require().SetDisabled(false);
-  WhileOpen(database, [&] {
+  InTransaction(database, [&] {
     database.Execute("Delete from HandicalcSettings");
     database.Execute(insert);
   });

@@ -20,7 +20,8 @@ class HeldSettings {
 
   /// A copy of the settings.
   [[nodiscard]] HandiCalcSettings HandicalcOptions(cDatabase& database);
-  /// Stores the settings; the object itself is held, and its Disabled cleared. Raises NoObject for null.
+  /// Stores the settings; the object itself is held, and its Disabled cleared. Raises NoObject for null. After an error
+  /// of the store the file has the settings from before, and the object is held all the same.
   void SetHandicalcOptions(cDatabase& database, const std::shared_ptr<HandiCalcSettings>& settings);
   [[nodiscard]] bool HandiCalcDisabled(cDatabase& database);
   /// Raises NoObject, before anything is written, while no settings were read or stored.

@@ -4,7 +4,7 @@
 #include "names/NameText.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
-#include "store/OpenUse.h"
+#include "store/Transaction.h"
 #include "store/cDatabase.h"
 
 namespace tavi {
@@ -73,7 +73,7 @@ std::int32_t cDatabase::NextAvailableMemberNo() {
 }
 
 std::int32_t cDatabase::AddMember(const MemberDetails& details) {
-  return WhileOpen(*this, [&] {
+  return InTransaction(*this, [&] {
     const std::int32_t number = details.RequiredID == kNoMember ? NextAvailableMemberNo() : details.RequiredID;
     const std::string setHandicap =
         "Update Members Set Handicap = " + SQLNumber(details.Handicap, "the handicap") + " ";

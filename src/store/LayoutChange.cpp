@@ -1,6 +1,6 @@
 #include "store/LayoutChange.h"
 
-#include "store/OpenUse.h"
+#include "store/Transaction.h"
 #include "util/TextHelpers.h"
 
 namespace tavi {
@@ -39,12 +39,14 @@ void ShowAddFailure(const MessageBoxes& boxes, const Error& error, bool& fieldLi
 }
 
 void AddColumn(cDatabase& database, const cDbFieldDef& change) {
-  OpenUse use(database);
   std::string type = change.FieldType;
   if (type == "Text") type += " (" + std::to_string(change.TextFieldLength) + ")";
-  database.Execute("Alter Table " + change.TableName + " Add Column " + change.FieldName + " " + type);
-  if (!change.SetDefault) return;
-  database.Execute("Update " + change.TableName + " Set " + change.FieldName + " = " + change.DefaultValue);
+  // Together: a column that is there is never filled later.
+  InTransaction(database, [&] {
+    database.Execute("Alter Table " + change.TableName + " Add Column " + change.FieldName + " " + type);
+    if (!change.SetDefault) return;
+    database.Execute("Update " + change.TableName + " Set " + change.FieldName + " = " + change.DefaultValue);
+  });
 }
 
 void ShowRemoveFailure(const MessageBoxes& boxes, const cDbFieldDef& change, const Error& error) {
@@ -56,17 +58,26 @@ void ShowRemoveFailure(const MessageBoxes& boxes, const cDbFieldDef& change, con
 
 }  // namespace
 
-void ApplyChange(cDatabase& database, const cDbFieldDef& change, bool& fieldLimitMessageShown) {
-  const MessageBoxes& boxes = *database.GetPlatform().messageBoxes;
-  const bool isAdd = change.Action == cDbFieldDef::ChangeAction::Add;
+std::optional<Error> TryChange(cDatabase& database, const cDbFieldDef& change) {
   try {
-    if (isAdd) {
+    if (change.Action == cDbFieldDef::ChangeAction::Add) {
       AddColumn(database, change);
     } else {
       database.Execute("Alter Table " + change.TableName + " Drop Column " + change.FieldName);
     }
+    return std::nullopt;
   } catch (const Error& error) {
-    isAdd ? ShowAddFailure(boxes, error, fieldLimitMessageShown) : ShowRemoveFailure(boxes, change, error);
+    return error;
+  }
+}
+
+void ShowFailure(const cDatabase& database, const cDbFieldDef& change, const Error& error,
+                 bool& fieldLimitMessageShown) {
+  const MessageBoxes& boxes = *database.GetPlatform().messageBoxes;
+  if (change.Action == cDbFieldDef::ChangeAction::Add) {
+    ShowAddFailure(boxes, error, fieldLimitMessageShown);
+  } else {
+    ShowRemoveFailure(boxes, change, error);
   }
 }
 

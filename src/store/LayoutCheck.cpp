@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <exception>
+#include <optional>
 
 #include "platform/values/Text.h"
 #include "store/LayoutChange.h"
 #include "store/LayoutConversions.h"
 #include "store/LayoutTable.h"
 #include "store/OpenUse.h"
+#include "store/Transaction.h"
 #include "util/Diagnostics.h"
 #include "util/SettingsStore.h"
 
@@ -119,20 +121,35 @@ bool LayoutCheck::QueueChanges() {
   return conversionNeeded;
 }
 
-bool LayoutCheck::CarryOverCompetitionTypes() {
+void LayoutCheck::Apply(const cDbFieldDef& change) {
+  if (const auto error = TryChange(database_, change)) {
+    ShowFailure(database_, change, *error, fieldLimitMessageShown_);
+  }
+}
+
+// The new columns stand before this removal in the queue. While the old column's content is not safe in them, it stays
+// where it is; a removal that is refused leaves the content carried over all the same.
+void LayoutCheck::CarryOverCompetitionTypes(const cDbFieldDef& removal) {
   const bool isExternalIsNew = std::any_of(queue_.begin(), queue_.end(), [](const cDbFieldDef& change) {
     return Concerns(change, Action::Add, "IsExternal");
   });
-  return Attempt("carrying over the kinds of competitions",
-                 [&] { ConvertCompetitionTypes(database_, isExternalIsNew); });
+  std::optional<Error> refusal;
+  const bool isSafe = Attempt("carrying over the kinds of competitions", [&] {
+    InTransaction(database_, [&] {
+      ConvertCompetitionTypes(database_, isExternalIsNew);
+      refusal = TryChange(database_, removal);
+    });
+  });
+  if (isSafe && refusal) ShowFailure(database_, removal, *refusal, fieldLimitMessageShown_);
 }
 
 void LayoutCheck::ApplyQueue() {
   for (const cDbFieldDef& change : queue_) {
-    // The new columns stand before this removal in the queue. While the old column's content is not safe in them, it
-    // stays where it is.
-    if (Concerns(change, Action::Remove, "ExternalType") && !CarryOverCompetitionTypes()) continue;
-    ApplyChange(database_, change, fieldLimitMessageShown_);
+    if (Concerns(change, Action::Remove, "ExternalType")) {
+      CarryOverCompetitionTypes(change);
+    } else {
+      Apply(change);
+    }
   }
 }
 

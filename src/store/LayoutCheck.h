@@ -15,7 +15,7 @@ namespace tavi {
 /// without any message.
 class LayoutCheck {
  public:
-  /// `fieldLimitMessageShown`: see ApplyChange. Both outlive this object.
+  /// `fieldLimitMessageShown`: see ShowFailure. Both outlive this object.
   LayoutCheck(cDatabase& database, bool& fieldLimitMessageShown)
       : database_(database), fieldLimitMessageShown_(fieldLimitMessageShown) {}
 
@@ -33,8 +33,10 @@ class LayoutCheck {
   /// Older files hold MasterPoints.TempMPTotal as a whole number. It is removed now and added anew at the next check.
   void CheckTypeOfTemporaryTotal();
   void ApplyQueue();
-  /// False when it failed.
-  [[nodiscard]] bool CarryOverCompetitionTypes();
+  /// Makes a change; a failure is shown.
+  void Apply(const cDbFieldDef& change);
+  /// Carries the kinds of competitions over and removes their old column.
+  void CarryOverCompetitionTypes(const cDbFieldDef& removal);
   /// Does a step that must not stop the opening of the file; false when it failed.
   bool Attempt(const std::string& step, const std::function<void()>& action);
 

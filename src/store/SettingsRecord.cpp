@@ -3,7 +3,7 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/Arguments.h"
-#include "store/OpenUse.h"
+#include "store/Transaction.h"
 #include "store/cDatabase.h"
 #include "util/TextHelpers.h"
 
@@ -136,7 +136,7 @@ std::string cDatabase::LatestClubName() {
 }
 
 void cDatabase::SetLatestClubName(const std::string& name) {
-  WhileOpen(*this, [&] {
+  InTransaction(*this, [&] {
     Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
     const std::string prefix = DefaultMPPrefix("");
     if (!prefix.empty()) Store(*OpenSettingsRow(), kPrefixColumn, prefix);

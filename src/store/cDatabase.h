@@ -166,7 +166,7 @@ class cDatabase {
   [[nodiscard]] Date LastUploadDate();
   void SetLastUploadDate(Date NewDate);
   [[nodiscard]] std::string LatestClubName();
-  /// Adds a name to the history and derives the certificate prefix anew.
+  /// Adds a name to the history and derives the certificate prefix anew: both or, with an error, neither.
   void SetLatestClubName(const std::string& name);
 
   // --- Recovery (store/Recovery.cpp) ---------------------------------------------------------------------------------
@@ -182,7 +182,8 @@ class cDatabase {
   // --- Members (members/MemberRecords.cpp) ---------------------------------------------------------------------------
 
   [[nodiscard]] std::int32_t NextAvailableMemberNo();
-  /// Inserts a member with fresh keys and refreshes the uniqueness flags of that first name. Returns the number.
+  /// Inserts a member with fresh keys, stores the handicap and refreshes the uniqueness flags of that first name: all of
+  /// it or, with an error, nothing. Returns the number.
   std::int32_t AddMember(const MemberDetails& details);
   [[nodiscard]] bool MemberExists(std::int32_t memberNumber);
   /// False when no row was found.

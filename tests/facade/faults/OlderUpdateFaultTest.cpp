@@ -58,12 +58,12 @@ TEST_F(OlderUpdateFaultTest, AnyCallMayFailOnceAndTheStepsAreRepeated) {
     club_.Plan().FailAt(number, kFault);
     EXPECT_NO_THROW(Update());
     const ProviderCalls before(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(number) - 1);
-    EXPECT_EQ(Results(), 1U + static_cast<std::size_t>(CountOf(before, "Insert into Results")))
-        << "a result that was stored stays";
+    const bool isNoted = std::any_of(before.begin(), before.end(),
+                                     [](const ProviderCall& call) { return call.kind == Kind::CommitTrans; });
+    EXPECT_EQ(Results(), isNoted ? 2U : 1U) << "a result that was noted stays, of any other nothing does";
     EXPECT_EQ(AwardsOf(2), 1U) << "the repetition clears the first award";
     EXPECT_EQ(AwardsOf(12), 1U);
-    const bool isInAward = CountOf(before, "Delete from MasterPoints") == 2;
-    EXPECT_EQ(club_.OpenCount(), isInAward ? 2 : 1) << "an award that fails leaves the file open once more";
+    EXPECT_EQ(club_.OpenCount(), isNoted ? 2 : 1) << "an award that fails leaves the file open once more";
   }
 }
 

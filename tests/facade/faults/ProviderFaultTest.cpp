@@ -73,6 +73,10 @@ class ProviderFaultTest : public ::testing::TestWithParam<std::tuple<Operation, 
     EXPECT_EQ(club_.OpenCount(), TheOperation().openCount(progress));
     EXPECT_EQ(club_.StoredRows(), isHidden ? storedAtTheEnd_ : storedBefore_.at(number - 1))
         << "finished statements stay, the failing one changes nothing";
+    if (TheOperation().isAllOrNothing) {
+      const Texts stored = club_.StoredRows();
+      EXPECT_TRUE(stored == storedBefore_.front() || stored == storedAtTheEnd_) << "a part of it is stored";
+    }
     club_.Plan().Start();
     ExpectWorksAgain();
   }

@@ -92,6 +92,16 @@ void FaultyClub::ExecuteAtFirst(const std::string& statement) const {
   connection->Close();
 }
 
+std::int32_t FaultyClub::Single(const std::string& query) const {
+  const auto connection = PlainConnection();
+  const auto rows = connection->OpenRecordset(query, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly,
+                                              ado::SourceKind::CommandText);
+  const std::int32_t number = ToInt32(rows->Get(rows->Fields().front().name));
+  rows->Close();
+  connection->Close();
+  return number;
+}
+
 std::vector<std::string> FaultyClub::StoredRows() const {
   const auto connection = PlainConnection();
   std::vector<std::string> texts;

@@ -35,6 +35,8 @@ class FaultyClub {
   [[nodiscard]] int OpenCount() const { return club_->OpenCount(); }
   [[nodiscard]] const std::vector<ShownMessage>& Messages() const { return club_->Messages(); }
   [[nodiscard]] std::string FilePath() const;
+  /// The whole number that a query gives, read through a connection of its own.
+  [[nodiscard]] std::int32_t Single(const std::string& query) const;
   /// Every row of every table, read through a connection of its own.
   [[nodiscard]] std::vector<std::string> StoredRows() const;
 

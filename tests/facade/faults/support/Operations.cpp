@@ -187,6 +187,7 @@ std::vector<Operation> MemberOperations() {
            .openCount = Closed},
           {.name = "AddNewMember",
            .call = [](Club& club) { return Text(club.AddNewMember("Jane", "B", "Smythe", 47.5)); },
+           .isAllOrNothing = true,
            .isRepeatable = false,
            .refusal = taken + "Jane B Smythe"},
           {.name = "GetMemberName", .call = [](Club& club) { return club.GetMemberName(2, kFirstAndLastName); }},
@@ -240,6 +241,7 @@ std::vector<Operation> MemberOperations() {
                  club.SetClubName("Valley Bridge");
                  return Done();
                },
+           .isAllOrNothing = true,
            .isRepeatable = false},
           {.name = "ClubID", .call = [](Club& club) { return club.ClubID(); }},
           {.name = "WasClubEverCalled",
@@ -312,6 +314,7 @@ std::vector<Operation> WalkOperations() {
           {.name = "CheckMembershipID_ofAnother", .call = [](Club& club) { return Check(club, 40, "John A Smith"); }},
           {.name = "CheckMembershipID_enrols",
            .call = [](Club& club) { return Check(club, 40, "Jane Newman"); },
+           .isAllOrNothing = true,
            .isRepeatable = false}};
 }
 
@@ -364,6 +367,7 @@ std::vector<Operation> ResultOperations() {
            },
        .prepare = RegisterQuietly,
        .openCount = OpenAfterPairCalculation,
+       .isAllOrNothing = true,
        .isRepeatable = false},
       {.name = "AddMasterPoints",
        .call =
@@ -393,7 +397,7 @@ std::vector<Operation> HandicapOperations() {
   const auto hold = [](Club& club) { static_cast<void>(club.HandicalcOptions()); };
   return {{.name = "HandicalcOptions_get",
            .call = [](Club& club) { return Text(club.HandicalcOptions().RegularPairAdd()); }},
-          {.name = "HandicalcOptions_let", .call = storeOptions},
+          {.name = "HandicalcOptions_let", .call = storeOptions, .isAllOrNothing = true},
           {.name = "HandiCalcDisabled_get", .call = [](Club& club) { return Text(club.HandiCalcDisabled()); }},
           {.name = "HandiCalcDisabled_let",
            .call =

@@ -41,6 +41,8 @@ struct Operation {
   std::function<ErrorFate(const Progress&)> fate = [](const Progress&) { return ErrorFate::Reaches; };
   /// The store's open count afterwards.
   std::function<int(const Progress&)> openCount = [](const Progress& progress) { return progress.openCountBefore; };
+  /// True when an error leaves nothing of it, however many statements it takes.
+  bool isAllOrNothing = false;
   /// False when a second attempt after a failure may store more than one undisturbed call does.
   bool isRepeatable = true;
   /// The description of the component's own error that a second attempt raises when finished statements of the first
