@@ -22,12 +22,14 @@ std::string Assignments(const CompetitionKind& kind, bool setIsExternal) {
   return std::string(kind.assignments) + (setIsExternal ? ", IsExternal = 1" : "");
 }
 
-/// True when codes can be looked for: a column that holds numbers, or is damaged, has none that could be told.
+/// True when codes can be looked for: a column that holds no texts has none. Any other error passes on, because a file
+/// that could not be read for a moment must not lose its codes.
 bool CanReadCodes(cDatabase& database) {
   try {
     database.Execute("Select Count(*) From Competitions Where ExternalType = 'P'");
     return true;
-  } catch (const Error&) {
+  } catch (const Error& error) {
+    if (!error.Is(ErrorNumber::ProviderTypeConflict)) throw;
     return false;
   }
 }
