@@ -29,6 +29,7 @@ using Contents = std::map<std::string, std::string>;
 
 /// How often a whole command is interrupted at least; all places are taken when there are fewer.
 constexpr std::size_t kInterruptions = 24;
+constexpr std::size_t kLastCalls = 8;
 
 std::string FileContent(const fs::path& path) {
   std::ifstream stream(path, std::ios::binary);
@@ -58,10 +59,15 @@ class InterruptedCommand : public ::testing::Test {
     const std::size_t calls = std::stoul(whole.said);
     const Contents expected = Read();
     const std::size_t step = std::max<std::size_t>(1, calls / access::test::Lengthened(kInterruptions));
+    // At the end a command is done but for its traces: none of the last calls is passed over.
+    const auto after = [&](std::size_t call) {
+      const std::size_t last = calls - std::min(calls, kLastCalls);
+      return call < last ? std::min(call + step, last) : call + 1;
+    };
     std::size_t interruptions = 0;
     for (const CallTrouble trouble : {CallTrouble::Kill, CallTrouble::KillInTheMiddle, CallTrouble::DiskFull}) {
       const std::size_t first = trouble == CallTrouble::Kill ? 0 : interruptions % step;
-      for (std::size_t call = first; call < calls && !HasFailure(); call += step, ++interruptions) {
+      for (std::size_t call = first; call < calls && !HasFailure(); call = after(call), ++interruptions) {
         SCOPED_TRACE("trouble " + std::to_string(static_cast<int>(trouble)) + " at call " + std::to_string(call) +
                      " of " + std::to_string(calls));
         Refill();

@@ -196,7 +196,7 @@ TEST_F(Recover, AClubFileThatIsInUseStaysAsItIs) {
 
 TEST_F(Recover, TheGoverningBodysListStays) {
   ASSERT_EQ(folder_.Run({"new"}).code, 0);
-  ASSERT_EQ(folder_.Run({"sql", "Insert Into EBUMembershipList (LastName) Values ('Listed')"}).code, 0);
+  ASSERT_EQ(folder_.Run({"sql", "Insert Into EBUMembershipList (EBUNumber, LastName) Values (7, 'Listed')"}).code, 0);
   EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
   EXPECT_THAT(folder_.Query("Select LastName From EBUMembershipList"), ElementsAre("Listed"));
 }

@@ -64,7 +64,7 @@ TEST_F(Signals, NewWhoseFileMayNotGrowSaysSoAndLeavesNothing) {
 
 TEST_F(Signals, AnImportIntoAFileThatMayNotGrowSaysSoAndCanBeRepeated) {
   ASSERT_EQ(Shell("", "new > /dev/null"), 0);
-  EXPECT_EQ(Shell("ulimit -f 700; exec", "members import '" + examples_ + "members.csv' > /dev/null"), 1);
+  EXPECT_EQ(Shell("ulimit -f 100; exec", "members import '" + examples_ + "members.csv' > /dev/null"), 1);
   EXPECT_THAT(error_, HasSubstr("File too large"));
   EXPECT_EQ(Shell("", "check --strict > /dev/null"), 0);
   EXPECT_EQ(Shell("", "members import '" + examples_ + "members.csv' > /dev/null"), 0) << error_;

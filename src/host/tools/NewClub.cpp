@@ -35,9 +35,11 @@ void MakeClub(const Context& context, const ClubIdentity& identity) {
 }
 
 int NewClub(const Context& context, const ClubIdentity& identity) {
+  // Asked for first: nothing is changed any more when the file is made.
+  const std::string file = NativePath(context.ClubFile());
   MakeClub(context, identity);
   Table table({"What", "Value"});
-  table.Add({std::string("File"), NativePath(context.ClubFile())});
+  table.Add({std::string("File"), file});
   table.Add({std::string("Club"), identity.name});
   table.Write(context.out, context.format);
   return kSucceeded;
