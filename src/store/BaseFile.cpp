@@ -78,6 +78,10 @@ void CreateBaseFile(ado::Connection& connection) {
   for (const char* statement : kTableStatements) connection.Execute(statement);
   connection.Execute(kCreateEbuMembersTable);
   for (const char* statement : kIndexStatements) connection.Execute(statement);
+  StoreFirstHandicapSettings(connection);
+}
+
+void StoreFirstHandicapSettings(ado::Connection& connection) {
   connection.Execute(kHandicapSettings);
 }
 

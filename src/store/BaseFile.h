@@ -9,4 +9,8 @@ namespace tavi {
 /// error when a table is there already; the file then holds what was made before.
 void CreateBaseFile(ado::Connection& connection);
 
+/// Adds the row of default handicap settings to a file of the current layout that has none: switching the calculation
+/// off is remembered in it.
+void StoreFirstHandicapSettings(ado::Connection& connection);
+
 }  // namespace tavi

@@ -6,6 +6,7 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/ConnectionText.h"
+#include "store/EmptyTables.h"
 #include "store/LayoutConversions.h"
 #include "store/OpenUse.h"
 #include "util/Diagnostics.h"
@@ -75,7 +76,7 @@ void Recovery::Recover(const std::string& oldFile) {
   database_.NewDatabase();
   OpenUse use(database_);
   CopyTables();
-  if (conversionNeeded_) ConvertOlderData();
+  if (carried_.conversionNeeded) ConvertOlderData();
   Attempt("repairing the colours of awards", [this] { RepairMasterPointColours(database_); });
   // The old file's keys may be of another function than this version's.
   database_.RefreshStoredNameKeys();
@@ -99,12 +100,29 @@ std::vector<TableTask> Recovery::Tasks() const {
 }
 
 void Recovery::CopyTables() {
-  const std::vector<TableTask> tasks = Tasks();
   const std::map<std::string, std::int64_t> counts = StatedRowCounts(*old_);
-  TableRecovery copier(database_, *old_, identifiers_, conversionNeeded_, observer_);
-  for (const TableTask& task : tasks) {
-    const auto count = counts.find(LowerCase(ParseTableSpecification(task.specification).table));
-    report_.tables.push_back(copier.Copy(task, count == counts.end() ? std::nullopt : std::optional(count->second)));
+  std::vector<std::string> names;
+  std::deque<TableRecovery> copies;
+  for (TableTask& task : Tasks()) {
+    names.push_back(ParseTableSpecification(task.specification).table);
+    copies.emplace_back(database_, *old_, carried_, std::move(task), observer_);
+  }
+  // Rows of the current file would keep those from being deleted that they refer to, or go with them when they are new.
+  if (HasRelationships(database_)) EmptyTables(database_, names);
+  for (std::size_t index = 0; index < copies.size(); ++index) {
+    const auto count = counts.find(LowerCase(names[index]));
+    copies[index].Copy(count == counts.end() ? std::nullopt : std::optional(count->second));
+  }
+  TryRefusedRowsAgain(copies);
+  for (TableRecovery& copy : copies) report_.tables.push_back(copy.Report());
+}
+
+// What is saved may be what other rows waited for. As many rounds as there are tables serve every chain of tables.
+void Recovery::TryRefusedRowsAgain(std::deque<TableRecovery>& copies) {
+  bool isGain = true;
+  for (std::size_t round = 0; isGain && round < copies.size(); ++round) {
+    isGain = false;
+    for (TableRecovery& copy : copies) isGain = copy.TryRefusedRowsAgain() || isGain;
   }
 }
 
@@ -121,7 +139,7 @@ void Recovery::ConvertCompetitions() {
   const bool isExternalIsNew = !HasField(*rows, "IsExternal");
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const std::string code = cDatabase::GetTextField(*rows, "ExternalType", true);
-    const auto competition = identifiers_.Find(kCompetitionsTable, cDatabase::GetNumericField(*rows, "ID", -1));
+    const auto competition = carried_.identifiers.Find(kCompetitionsTable, cDatabase::GetNumericField(*rows, "ID", -1));
     if (competition) ConvertCompetitionType(database_, *competition, code, isExternalIsNew);
   }
 }

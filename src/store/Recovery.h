@@ -1,11 +1,11 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
-#include "store/IdentifierMap.h"
 #include "store/RecoveryReport.h"
 #include "store/TableRecovery.h"
 #include "store/cDatabase.h"
@@ -21,12 +21,18 @@ class Recovery {
   /// Both outlive this object; `observer` may be null.
   Recovery(cDatabase& database, RecoveryObserver* observer) : database_(database), observer_(observer) {}
 
+  /// Takes the negative identifiers of an old file, which its random automatic numbers can be, as identifiers like
+  /// others. Otherwise rows that bear them are reported, and what refers to them does not follow them.
+  void AcceptNegativeIdentifiers() { carried_.acceptsNegativeIdentifiers = true; }
+
+  /// Does what cDatabase::RecoverData says; called once.
   RecoveryReport Run(const std::string& oldFile);
 
  private:
   void Recover(const std::string& oldFile);
   [[nodiscard]] std::vector<TableTask> Tasks() const;
   void CopyTables();
+  static void TryRefusedRowsAgain(std::deque<TableRecovery>& copies);
   /// Brings competitions and awards of an older layout to the current one.
   void ConvertOlderData();
   void ConvertCompetitions();
@@ -37,8 +43,7 @@ class Recovery {
   cDatabase& database_;
   RecoveryObserver* observer_;
   std::unique_ptr<ado::Connection> old_;
-  IdentifierMap identifiers_;
-  bool conversionNeeded_ = true;
+  CarriedOver carried_;
   RecoveryReport report_;
 };
 

@@ -1,15 +1,16 @@
 #include "store/TableRecovery.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
+#include "store/EmptyTables.h"
 #include "util/Diagnostics.h"
 
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoIdentifier = -1;
 constexpr std::size_t kMostRemarks = 10;
 constexpr std::size_t kLongestQuotation = 60;
 
@@ -51,15 +52,65 @@ bool IsOfTheNewFile(const Error& error) {
   return text.starts_with("Could not ") && !text.starts_with("Could not read ");
 }
 
-RecoveredTable TableRecovery::Copy(const TableTask& task, std::optional<std::int64_t> stated) {
-  report_ = {};
-  danglingReferences_ = 0;
-  specification_ = ParseTableSpecification(task.specification);
+TableRecovery::TableRecovery(cDatabase& database, ado::Connection& old, CarriedOver& carried, TableTask task,
+                             RecoveryObserver* observer)
+    : database_(database),
+      old_(old),
+      carried_(carried),
+      task_(std::move(task)),
+      observer_(observer),
+      specification_(ParseTableSpecification(task_.specification)) {
   report_.name = specification_.table;
+}
+
+void TableRecovery::Copy(std::optional<std::int64_t> stated) {
   report_.found = stated.value_or(0);
   if (observer_ != nullptr) observer_->Show(report_.name, 0, report_.found);
+  Attempt([this] { CopyRows(); });
+  const std::int64_t met = report_.saved + report_.lost;
+  if (report_.found > met && !report_.error) {
+    const auto readable = report_.saved + static_cast<std::int64_t>(refused_.size());
+    Remark("The table states " + std::to_string(report_.found) + " rows; " + std::to_string(readable) +
+           " of them can be read.");
+  }
+  report_.found = std::max(met, report_.found);
+  if (IsOfCompetitions()) carried_.competitionsMayFollow = !refused_.empty();
+}
+
+// The old table is read once more, instead of keeping what may be all of its rows.
+bool TableRecovery::TryRefusedRowsAgain() {
+  if (refused_.empty()) return false;
+  const std::vector<std::int64_t> places = std::exchange(refused_, {});
+  const std::int64_t savedBefore = report_.saved;
+  refusals_.clear();
+  Attempt([&] {
+    OpenRows();
+    auto next = places.begin();
+    for (std::int64_t place = 0; next != places.end() && !oldRows_->AtEnd(); oldRows_->MoveNext(), ++place) {
+      if (place != *next) continue;
+      ++next;
+      --report_.lost;
+      CopyRow(place);
+    }
+  });
+  const bool isGain = report_.saved > savedBefore;
+  if (IsOfCompetitions()) carried_.competitionsMayFollow = isGain && !refused_.empty();
+  return isGain;
+}
+
+RecoveredTable TableRecovery::Report() {
+  for (const std::string& refusal : refusals_) Remark("A row could not be saved: " + refusal);
+  report_.lost = report_.found - report_.saved;
+  if (danglingReferences_ > 0) {
+    Remark("Rows that refer to a competition that was not saved, or was not there, and belong to none now: " +
+           std::to_string(danglingReferences_) + ".");
+  }
+  return std::move(report_);
+}
+
+void TableRecovery::Attempt(const std::function<void()>& copying) {
   try {
-    CopyRows(task);
+    copying();
   } catch (const Error& error) {
     if (IsOfTheNewFile(error)) throw;
     report_.error = error;
@@ -67,30 +118,58 @@ RecoveredTable TableRecovery::Copy(const TableTask& task, std::optional<std::int
   }
   oldRows_.reset();
   newRows_.reset();
-  Account(stated);
-  return std::move(report_);
 }
 
-void TableRecovery::CopyRows(const TableTask& task) {
-  WriteDiagnostic("Recovering " + task.specification);
-  defaults_ = ParseDefaults(task.defaults);
-  competitionColumn_ = task.competitionColumn;
-  const std::string& table = specification_.table;
-  database_.Execute("Delete from " + table);
-  newRows_ = database_.OpenRecordset(table, ado::CursorType::Dynamic, true);
-  oldRows_ =
-      old_.OpenRecordset(table, ado::CursorType::ForwardOnly, ado::LockType::Pessimistic, ado::SourceKind::TableDirect);
-  for (; !oldRows_->AtEnd(); oldRows_->MoveNext()) {
-    CopyRow();
-    if (observer_ != nullptr) observer_->Show(table, report_.saved + report_.lost, report_.found);
+void TableRecovery::CopyRows() {
+  WriteDiagnostic("Recovering " + task_.specification);
+  defaults_ = ParseDefaults(task_.defaults);
+  DeleteOldRows();
+  OpenRows();
+  for (std::int64_t place = 0; !oldRows_->AtEnd(); oldRows_->MoveNext(), ++place) {
+    CopyRow(place);
+    if (observer_ != nullptr) observer_->Show(report_.name, report_.saved + report_.lost, report_.found);
   }
 }
 
-void TableRecovery::CopyRow() {
-  oldIdentifier_ = kNoIdentifier;
+void TableRecovery::DeleteOldRows() {
+  const std::string& table = specification_.table;
+  try {
+    database_.Execute("Delete from " + table);
+  } catch (const Error& error) {
+    if (!error.Is(ErrorNumber::ProviderIntegrity)) throw;
+    Remark("Rows that stood in the table before could not be deleted and are still there: " +
+           std::to_string(CountRows(database_, table)) + ". " + error.Description());
+  }
+}
+
+void TableRecovery::OpenRows() {
+  const std::string& table = specification_.table;
+  newRows_ = database_.OpenRecordset(table, ado::CursorType::Dynamic, true);
+  oldRows_ =
+      old_.OpenRecordset(table, ado::CursorType::ForwardOnly, ado::LockType::Pessimistic, ado::SourceKind::TableDirect);
+}
+
+void TableRecovery::CopyRow(std::int64_t place) {
+  oldIdentifier_.reset();
   valuesRead_ = 0;
   valuesLost_ = 0;
+  isDangling_ = false;
+  isWaiting_ = false;
   firstDamage_.clear();
+  const Fate fate = SaveRow();
+  if (fate == Fate::Refused) refused_.push_back(place);
+  if (fate != Fate::Saved) {
+    ++report_.lost;
+    return;
+  }
+  ++report_.saved;
+  report_.valuesLost += valuesLost_;
+  danglingReferences_ += isDangling_ ? 1 : 0;
+  if (!firstDamage_.empty()) Remark(firstDamage_);
+  if (!specification_.identifier.empty()) EnterIdentifier();
+}
+
+TableRecovery::Fate TableRecovery::SaveRow() {
   newRows_->AddNew();
   try {
     for (const ado::Field& field : newRows_->Fields()) {
@@ -98,18 +177,19 @@ void TableRecovery::CopyRow() {
     }
     const bool isReadable = valuesRead_ > 0 || valuesLost_ == 0;
     if (!isReadable) throw Error(ErrorNumber::ProviderFailure, "Recovery", firstDamage_);
+    if (isWaiting_) throw Error(ErrorNumber::ProviderIntegrity, "Recovery", "Its competition was not saved.");
     newRows_->Update();
+    return Fate::Saved;
   } catch (const Error& error) {
     newRows_->CancelUpdate();
     if (IsOfTheNewFile(error)) throw;
-    ++report_.lost;
+    if (error.Is(ErrorNumber::ProviderIntegrity)) {
+      NoteRefusal(error.Description());
+      return Fate::Refused;
+    }
     Remark("A row could not be saved: " + error.Description());
-    return;
+    return Fate::Lost;
   }
-  ++report_.saved;
-  report_.valuesLost += valuesLost_;
-  if (!firstDamage_.empty()) Remark(firstDamage_);
-  if (!specification_.identifier.empty()) EnterIdentifier();
 }
 
 std::optional<Value> TableRecovery::ReadOld(const std::string& column) {
@@ -128,13 +208,11 @@ std::optional<Value> TableRecovery::ReadOld(const std::string& column) {
 std::optional<Value> TableRecovery::ValueFor(const std::string& column) {
   std::optional<Value> value = ReadOld(column);
   if (EqualIgnoringCase(column, specification_.identifier)) {
-    if (value) oldIdentifier_ = NumberOf(*value).value_or(kNoIdentifier);
+    if (value) oldIdentifier_ = NumberOf(*value);
     return std::nullopt;
   }
-  if (value && EqualIgnoringCase(specification_.table, kCompetitionsTable) && EqualIgnoringCase(column, "Qualifinal")) {
-    conversionNeeded_ = false;
-  }
-  if (value && EqualIgnoringCase(column, competitionColumn_)) value = NewReference(*value);
+  if (value && IsOfCompetitions() && EqualIgnoringCase(column, "Qualifinal")) carried_.conversionNeeded = false;
+  if (value && EqualIgnoringCase(column, task_.competitionColumn)) value = NewReference(*value);
   if (value && !IsNull(*value)) return value;
   const auto fallback = defaults_.find(LowerCase(column));
   return fallback == defaults_.end() ? value : Value(fallback->second);
@@ -143,9 +221,10 @@ std::optional<Value> TableRecovery::ValueFor(const std::string& column) {
 // Left as it was, a number that belongs to no competition might belong to another one in the new file.
 Value TableRecovery::NewReference(const Value& oldReference) {
   const std::int32_t number = NumberOf(oldReference).value_or(0);
-  if (const auto entry = identifiers_.Find(kCompetitionsTable, number)) return *entry;
+  if (const auto entry = carried_.identifiers.Find(kCompetitionsTable, number)) return *entry;
+  if (number != 0 && carried_.competitionsMayFollow) isWaiting_ = true;
   if (number <= 0) return oldReference;
-  ++danglingReferences_;
+  isDangling_ = true;
   return Null{};
 }
 
@@ -174,25 +253,15 @@ void TableRecovery::StoreShortened(const std::string& column, const std::string&
 }
 
 void TableRecovery::EnterIdentifier() {
-  if (oldIdentifier_ < 0) {
+  if (!oldIdentifier_ || (*oldIdentifier_ < 0 && !carried_.acceptsNegativeIdentifiers)) {
     report_.error = Error(ErrorNumber::Component, "Recover", "ID field not found in old record");
     return;
   }
-  identifiers_.Enter(specification_.table, oldIdentifier_, ToInt32(newRows_->Get(specification_.identifier)));
+  carried_.identifiers.Enter(specification_.table, *oldIdentifier_, ToInt32(newRows_->Get(specification_.identifier)));
 }
 
-void TableRecovery::Account(std::optional<std::int64_t> stated) {
-  const std::int64_t met = report_.saved + report_.lost;
-  report_.found = std::max(met, stated.value_or(0));
-  report_.lost = report_.found - report_.saved;
-  if (report_.found > met && !report_.error) {
-    Remark("The table states " + std::to_string(report_.found) + " rows; " + std::to_string(report_.saved) +
-           " of them can be read.");
-  }
-  if (danglingReferences_ > 0) {
-    Remark("Rows that refer to a competition that was not saved, or was not there, and belong to none now: " +
-           std::to_string(danglingReferences_) + ".");
-  }
+void TableRecovery::NoteRefusal(const std::string& why) {
+  if (std::find(refusals_.begin(), refusals_.end(), why) == refusals_.end()) refusals_.push_back(why);
 }
 
 void TableRecovery::Remark(const std::string& text) {
@@ -202,6 +271,10 @@ void TableRecovery::Remark(const std::string& text) {
   } else {
     ++report_.moreRemarks;
   }
+}
+
+bool TableRecovery::IsOfCompetitions() const {
+  return EqualIgnoringCase(specification_.table, kCompetitionsTable);
 }
 
 }  // namespace tavi

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "store/IdentifierMap.h"
 #include "store/RecoveryReport.h"
@@ -26,26 +29,40 @@ struct TableTask {
   std::string competitionColumn{};  ///< holds an identifier of Competitions; may be empty
 };
 
+/// What the copies of all tables of one recovery share.
+struct CarriedOver {
+  IdentifierMap identifiers;
+  bool acceptsNegativeIdentifiers = false;  ///< random automatic numbers; without it they count as not found
+  bool conversionNeeded = true;             ///< false as soon as the old Competitions table shows the current layout
+  bool competitionsMayFollow = false;  ///< competitions were refused and are tried again, so their numbers may come
+};
+
 /// Copies one table of an old file, row by row and column by column, into the store's open file, whose table is emptied
 /// first. What cannot be read or stored is left out and reported; the rest goes on.
 class TableRecovery {
  public:
-  /// `stated`: how many rows the old table says to have. `conversionNeeded` becomes false when the old table is a
-  /// Competitions table of the current layout. All references outlive this object.
-  TableRecovery(cDatabase& database, ado::Connection& old, IdentifierMap& identifiers, bool& conversionNeeded,
-                RecoveryObserver* observer)
-      : database_(database),
-        old_(old),
-        identifiers_(identifiers),
-        conversionNeeded_(conversionNeeded),
-        observer_(observer) {}
+  /// All references outlive this object; `observer` may be null.
+  TableRecovery(cDatabase& database, ado::Connection& old, CarriedOver& carried, TableTask task,
+                RecoveryObserver* observer);
 
-  /// Copies. Raises nothing that concerns the table (see RecoveredTable::error), only errors of the new file.
-  RecoveredTable Copy(const TableTask& task, std::optional<std::int64_t> stated);
+  /// Copies. `stated`: how many rows the old table says to have. Raises nothing that concerns the table (see
+  /// RecoveredTable::error), only errors of the new file.
+  void Copy(std::optional<std::int64_t> stated);
+  /// Tries those rows again that a rule of the new file refused, such as a relationship with a table that was copied
+  /// later. True when one of them was saved. Raises as Copy does.
+  bool TryRefusedRowsAgain();
+  /// What became of the table; called once, at the end.
+  [[nodiscard]] RecoveredTable Report();
 
  private:
-  void CopyRows(const TableTask& task);
-  void CopyRow();
+  enum class Fate { Saved, Refused, Lost };
+
+  void CopyRows();
+  void OpenRows();
+  void CopyRow(std::int64_t place);
+  Fate SaveRow();
+  /// Runs `copying`, whose errors belong into the report when they concern the table.
+  void Attempt(const std::function<void()>& copying);
   /// The old row's value of a column: as it is, or the default when there is none. Nothing when the new row is to keep
   /// what the file gives to it.
   [[nodiscard]] std::optional<Value> ValueFor(const std::string& column);
@@ -54,27 +71,32 @@ class TableRecovery {
   void Store(const std::string& column, const Value& value);
   void StoreShortened(const std::string& column, const std::string& text, const Error& refusal);
   void EnterIdentifier();
-  void Account(std::optional<std::int64_t> stated);
+  void DeleteOldRows();
+  void NoteRefusal(const std::string& why);
   void Remark(const std::string& text);
+  [[nodiscard]] bool IsOfCompetitions() const;
 
   cDatabase& database_;
   ado::Connection& old_;
-  IdentifierMap& identifiers_;
-  bool& conversionNeeded_;
+  CarriedOver& carried_;
+  TableTask task_;
   RecoveryObserver* observer_;
 
   RecoveredTable report_;
   TableSpecification specification_;
   std::map<std::string, std::string> defaults_;
-  std::string competitionColumn_;
   std::unique_ptr<ado::Recordset> oldRows_;
   std::unique_ptr<ado::Recordset> newRows_;
   std::int64_t danglingReferences_ = 0;
+  std::vector<std::int64_t> refused_;  ///< the places of rows in the old table, counted as lost until they are saved
+  std::vector<std::string> refusals_;  ///< why, each reason once
 
   // Of the row that is being copied.
-  std::int32_t oldIdentifier_ = -1;
+  std::optional<std::int32_t> oldIdentifier_;
   std::int64_t valuesRead_ = 0;
   std::int64_t valuesLost_ = 0;
+  bool isDangling_ = false;
+  bool isWaiting_ = false;
   std::string firstDamage_;
 };
 

@@ -194,6 +194,32 @@ TEST_F(Recover, AClubFileThatIsInUseStaysAsItIs) {
   EXPECT_THAT(folder_.Query("Select ClubName From ClubNames"), ElementsAre("Current"));
 }
 
+TEST_F(Recover, NegativeNumbersOfAnOldFileAreNumberedAnewAndFollowed) {
+  for (const char* statement :
+       {"Insert Into Competitions (ID, CompetitionName) Values (-1073741824, 'Tuesday')",
+        "Insert Into MasterPoints (ID, CompetitionID, MembershipNumber) Values (-12, -1073741824, 7)",
+        "Insert Into Results (Competition, Player) Values (-1073741824, 7)"})
+    ASSERT_EQ(folder_.RunIn(folder_.Path("old"), {"sql", statement}).code, 0);
+  const Outcome outcome = folder_.Run({"recover", OldFile()});
+  EXPECT_EQ(outcome.code, 0) << outcome.out << outcome.error;
+  EXPECT_THAT(folder_.Query("Select ID From Competitions"), ElementsAre("1"));
+  EXPECT_THAT(folder_.Query("Select Competition From Results"), ElementsAre("1"));
+  EXPECT_THAT(folder_.Query("Select CompetitionID From MasterPoints Where ID = 1"), ElementsAre("1"));
+}
+
+TEST_F(Recover, AClubWithoutStoredHandicapSettingsGetsThoseOfANewOne) {
+  ASSERT_EQ(folder_.RunIn(folder_.Path("old"), {"sql", "Delete From HandicalcSettings"}).code, 0);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_THAT(folder_.Query("Select SamePartnerWeighting From HandicalcSettings Where Disabled = 0"),
+              ElementsAre("50"));
+}
+
+TEST_F(Recover, StoredHandicapSettingsAreKept) {
+  ASSERT_EQ(folder_.RunIn(folder_.Path("old"), {"sql", "Update HandicalcSettings Set MaxWeeks = 26"}).code, 0);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  EXPECT_THAT(folder_.Query("Select MaxWeeks From HandicalcSettings"), ElementsAre("26"));
+}
+
 TEST_F(Recover, TheGoverningBodysListStays) {
   ASSERT_EQ(folder_.Run({"new"}).code, 0);
   ASSERT_EQ(folder_.Run({"sql", "Insert Into EBUMembershipList (EBUNumber, LastName) Values (7, 'Listed')"}).code, 0);

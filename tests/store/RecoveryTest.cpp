@@ -5,6 +5,7 @@
 
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
+#include "store/Recovery.h"
 #include "store/support/ClubFile.h"
 #include "store/support/DamagedBytes.h"
 
@@ -18,6 +19,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
+using ::testing::SizeIs;
 using Texts = std::vector<std::string>;
 
 class FixedRegistry : public Registry {
@@ -237,6 +239,36 @@ TEST_F(RecoveryTest, RowsWithoutIdentifierAreSavedAndReported) {
   EXPECT_THAT(club_.Column("Select MembershipNumber From Members"), ElementsAre("1"));
 }
 
+TEST_F(RecoveryTest, NegativeIdentifiersAreReportedAndTheirRowsSaved) {
+  Old({"Insert into Competitions (ID, CompetitionName) Values (-5, 'one')",
+       "Insert into Results (Competition, Player) Values (-5, 1)"});
+  const RecoveryReport report = Recover();
+  ASSERT_TRUE(Find(report, "Competitions").error);
+  EXPECT_EQ(Find(report, "Competitions").error->Description(), "ID field not found in old record");
+  EXPECT_THAT(Message(), HasSubstr("ID field not found in old record"));
+  EXPECT_THAT(club_.Column("Select CompetitionName From Competitions"), ElementsAre("one"));
+  EXPECT_THAT(club_.Column("Select Competition From Results"), ElementsAre("-5")) << "never another competition's";
+}
+
+TEST_F(RecoveryTest, NegativeIdentifiersAreMappedWhenTheyAreAccepted) {
+  Old({"Insert into Competitions (ID, CompetitionName) Values (-5, 'one')",
+       "Insert into Competitions (ID, CompetitionName) Values (-1, 'two')",
+       "Insert into MasterPoints (ID, CompetitionID, MembershipNumber) Values (-70, -5, 7)",
+       "Insert into ClubNames (ClubID, ClubName) Values (-2, 'Hillcrest')",
+       "Insert into Results (Competition, Player) Values (-1, 1)"});
+  Recovery recovery(club_.store, nullptr);
+  recovery.AcceptNegativeIdentifiers();
+  EXPECT_FALSE(recovery.Run(OldPath()).IsSomethingLost());
+  EXPECT_THAT(club_.Column("Select ID From Competitions Where ID < 1"), IsEmpty());
+  EXPECT_THAT(club_.Column("Select CompetitionName From Competitions, MasterPoints Where CompetitionID = "
+                           "Competitions.ID"),
+              ElementsAre("one"));
+  EXPECT_THAT(club_.Column("Select CompetitionName From Competitions, Results Where Competition = ID"),
+              ElementsAre("two"));
+  EXPECT_THAT(club_.Column("Select ID From MasterPoints Where ID > 0"), SizeIs(1));
+  EXPECT_THAT(club_.Column("Select ClubID From ClubNames Where ClubID > 0"), SizeIs(1));
+}
+
 TEST_F(RecoveryTest, KindsOfOldCompetitionsAreCarriedOver) {
   Texts statements{"Alter Table Competitions Drop Column QualiFinal", "Alter Table Competitions Drop Column IsExternal",
                    "Alter Table Competitions Drop Column IsTeams", "Alter Table Competitions Drop Column IsSwiss",
@@ -302,6 +334,77 @@ TEST_F(RecoveryTest, ProgressIsShownRowByRow) {
   RecordedProgress progress;
   club_.store.RecoverData(OldPath(), &progress);
   EXPECT_THAT(progress.steps, ::testing::IsSupersetOf({"ClubNames 0/0", "Members 0/2", "Members 1/2", "Members 2/2"}));
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Relationships that the current file enforces
+// ---------------------------------------------------------------------------------------------------------------------
+
+TEST_F(RecoveryTest, RowsThatARelationshipRefusesAreTriedAgainAtTheEnd) {
+  // Awards are copied before members. The current file's own award keeps its member from being deleted first.
+  club_.Prepare({"Insert into MasterPoints (MembershipNumber) Values (99)",
+                 "Alter Table MasterPoints Add Constraint ItsMember Foreign Key (MembershipNumber) References Members "
+                 "(MembershipNumber)"});
+  Old({"Insert into Competitions (CompetitionName) Values ('one')", "Insert into Members (MembershipNumber) Values (7)",
+       "Insert into MasterPoints (CompetitionID, MembershipNumber, Colour) Values (1, 7, 0)"});
+  const RecoveryReport report = Recover();
+  EXPECT_FALSE(report.IsSomethingLost());
+  EXPECT_EQ(Figures(report, "MasterPoints"), "1 1 0 0");
+  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_THAT(club_.Column("Select MembershipNumber From Members"), ElementsAre("7"));
+  EXPECT_THAT(club_.Column("Select CompetitionName From Competitions, MasterPoints Where CompetitionID = "
+                           "Competitions.ID And MembershipNumber = 7"),
+              ElementsAre("one"));
+}
+
+TEST_F(RecoveryTest, RowsThatARelationshipStillRefusesAtTheEndAreLost) {
+  club_.Prepare(
+      {"Alter Table MasterPoints Add Constraint ItsMember Foreign Key (MembershipNumber) References Members "
+       "(MembershipNumber)"});
+  Old({"Insert into Members (MembershipNumber) Values (7)", "Insert into MasterPoints (MembershipNumber) Values (8)",
+       "Insert into MasterPoints (MembershipNumber) Values (7)",
+       "Insert into MasterPoints (MembershipNumber) Values (8)"});
+  const RecoveryReport report = Recover();
+  EXPECT_EQ(Figures(report, "MasterPoints"), "3 1 2 0");
+  EXPECT_THAT(Find(report, "MasterPoints").remarks,
+              ElementsAre("A row could not be saved: You cannot add or change a record because a related record is "
+                          "required in table 'Members'."));
+  EXPECT_THAT(Message(), HasSubstr("MasterPoints: 1 of 3 rows saved\r\n  A row could not be saved: "));
+  EXPECT_THAT(club_.Column("Select MembershipNumber From MasterPoints"), ElementsAre("7"));
+}
+
+TEST_F(RecoveryTest, ResultsFollowACompetitionThatIsSavedAtTheEnd) {
+  const std::string organiser = "Alter Table Competitions Add Column Organiser Long";
+  club_.Prepare({organiser,
+                 "Alter Table Competitions Add Constraint ItsOrganiser Foreign Key (Organiser) References Members "
+                 "(MembershipNumber)"});
+  Old({organiser, "Insert into Members (MembershipNumber) Values (7)",
+       "Insert into Competitions (CompetitionName, Organiser) Values ('kept', 7)",
+       "Insert into Competitions (CompetitionName, Organiser) Values ('lost', 8)",
+       "Insert into Results (Competition, Player) Values (1, 1)",
+       "Insert into Results (Competition, Player) Values (2, 2)"});
+  const RecoveryReport report = Recover();
+  EXPECT_EQ(Figures(report, "Competitions"), "2 1 1 0");
+  EXPECT_EQ(Figures(report, "Results"), "2 2 0 0");
+  EXPECT_THAT(club_.Column("Select CompetitionName From Competitions, Results Where Competition = ID And Player = 1"),
+              ElementsAre("kept"));
+  EXPECT_THAT(club_.Column("Select Competition From Results Where Player = 2"), ElementsAre("Null"));
+  EXPECT_THAT(
+      Find(report, "Results").remarks,
+      ElementsAre("Rows that refer to a competition that was not saved, or was not there, and belong to none now: 1."));
+}
+
+TEST_F(RecoveryTest, RowsOfTheCurrentFileThatCannotBeDeletedAreSaid) {
+  club_.Prepare({"Insert into Members (MembershipNumber, LastName) Values (98, 'Gone too')",
+                 "Create Table Lockers (Place Long, Holder Long Constraint OfMember References Members "
+                 "(MembershipNumber))",
+                 "Insert into Lockers Values (1, 99)"});
+  Old({"Insert into Members (MembershipNumber) Values (1)"});
+  const RecoveryReport report = Recover();
+  EXPECT_EQ(Figures(report, "Members"), "1 1 0 0");
+  EXPECT_THAT(club_.Column("Select MembershipNumber From Members Order By MembershipNumber"), ElementsAre("1", "99"));
+  EXPECT_THAT(Message(), HasSubstr("Members: 1 of 1 rows saved\r\n  Rows that stood in the table before could not be "
+                                   "deleted and are still there: 1. The record cannot be deleted"));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------

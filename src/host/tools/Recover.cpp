@@ -13,6 +13,7 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
+#include "store/BaseFile.h"
 #include "store/Recovery.h"
 #include "util/NativePath.h"
 
@@ -171,13 +172,26 @@ RecoveryReport RunRecovery(const ClubDraft& draft, const TemporaryCopy& copy, co
   cDatabase store(std::move(platform));
   store.SetDatabaseFolder(context.ClubFolder());
   ProgressOfTables progress(context);
-  RecoveryReport report = store.RecoverData(copy.Path(), &progress);
+  Recovery recovery(store, &progress);
+  recovery.AcceptNegativeIdentifiers();
+  RecoveryReport report = recovery.Run(copy.Path());
   const Naming naming(copy.Path(), oldFile);
   if (report.failure) throw naming.Of(*report.failure);
   if (std::ranges::none_of(report.tables, &RecoveredTable::isInOldFile))
     Refuse(oldFile + " is no club's file: it has none of a club's tables. Nothing was changed.");
   naming.Apply(report);
   return report;
+}
+
+/// An old file may have none, and then switching the calculation off would find no row to be remembered in.
+void RequireHandicapSettings(const ClubDraft& draft) {
+  const auto connection = Connect(draft.Inside(), draft.Inside().ClubFile());
+  const auto rows = connection->OpenRecordset("HandicalcSettings", ado::CursorType::ForwardOnly,
+                                              ado::LockType::ReadOnly, ado::SourceKind::TableDirect);
+  const bool isMissing = rows->AtEnd();
+  rows->Close();
+  if (isMissing) StoreFirstHandicapSettings(*connection);
+  connection->Close();
 }
 
 /// The club's file changes when all is recovered, in one step.
@@ -187,6 +201,7 @@ RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, 
   const bool isKept = !draft.IsFirst() && draft.BeginWithCurrent();
   if (!isKept) draft.BeginEmpty({});
   RecoveryReport report = RunRecovery(draft, copy, oldFile);
+  RequireHandicapSettings(draft);
   draft.TakePlace();
   if (!draft.IsFirst() && !isKept) {
     context.error << "tavi: " << Printable(clubFile) << " was damaged itself or no club's, and has been made anew\n";
