@@ -207,6 +207,21 @@ TEST_F(Recover, NegativeNumbersOfAnOldFileAreNumberedAnewAndFollowed) {
   EXPECT_THAT(folder_.Query("Select CompetitionID From MasterPoints Where ID = 1"), ElementsAre("1"));
 }
 
+TEST_F(Recover, RowsThatATableOfTheClubsOwnRefersToStayAndAreSaid) {
+  ASSERT_EQ(folder_.Run({"new"}).code, 0);
+  for (const char* statement : {"Insert Into Competitions (CompetitionName) Values ('Gala')",
+                                "Create Table Prizes (Event Long Constraint OfEvent References Competitions (ID))",
+                                "Insert Into Prizes Values (1)"})
+    ASSERT_EQ(folder_.Run({"sql", statement}).code, 0);
+  ASSERT_EQ(
+      folder_.RunIn(folder_.Path("old"), {"sql", "Insert Into Competitions (CompetitionName) Values ('Cup')"}).code, 0);
+  const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
+  EXPECT_EQ(outcome.code, 0) << outcome.error;
+  EXPECT_THAT(outcome.out, HasSubstr("could not be deleted and are still there: 1. "));
+  EXPECT_THAT(folder_.Query("Select CompetitionName From Competitions, Prizes Where ID = Event"), ElementsAre("Gala"));
+  EXPECT_THAT(folder_.Query("Select CompetitionName From Competitions Order By ID"), ElementsAre("Gala", "Cup"));
+}
+
 TEST_F(Recover, AClubWithoutStoredHandicapSettingsGetsThoseOfANewOne) {
   ASSERT_EQ(folder_.RunIn(folder_.Path("old"), {"sql", "Delete From HandicalcSettings"}).code, 0);
   EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);

@@ -357,6 +357,22 @@ TEST_F(RecoveryTest, RowsThatARelationshipRefusesAreTriedAgainAtTheEnd) {
               ElementsAre("one"));
 }
 
+TEST_F(RecoveryTest, TheCurrentRowsAreGoneBeforeTheFirstNewOneRefersToThem) {
+  // Awards are copied before members: one of the old file's may refer to a current member of the same number.
+  club_.Prepare({"Insert into Partnerships (LowerPlayer, HigherPlayer) Values (99, 100)",
+                 "Alter Table Partnerships Add Constraint ItsPlayer Foreign Key (LowerPlayer) References Members "
+                 "(MembershipNumber)",
+                 "Alter Table MasterPoints Add Constraint ItsMember Foreign Key (MembershipNumber) References Members "
+                 "(MembershipNumber) On Delete Cascade"});
+  Old({"Insert into Members (MembershipNumber, LastName) Values (99, 'Saved')",
+       "Insert into MasterPoints (MembershipNumber, Colour) Values (99, 0)"});
+  const RecoveryReport report = Recover();
+  EXPECT_FALSE(report.IsSomethingLost());
+  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Saved"));
+  EXPECT_THAT(club_.Column("Select MembershipNumber From MasterPoints"), ElementsAre("99"));
+}
+
 TEST_F(RecoveryTest, RowsThatARelationshipStillRefusesAtTheEndAreLost) {
   club_.Prepare(
       {"Alter Table MasterPoints Add Constraint ItsMember Foreign Key (MembershipNumber) References Members "

@@ -11,6 +11,7 @@
 #include "host/text/PathText.h"
 #include "host/tools/Connect.h"
 #include "platform/values/Error.h"
+#include "platform/values/Text.h"
 #include "store/BaseFile.h"
 #include "store/cDatabase.h"
 #include "util/NativePath.h"
@@ -33,6 +34,13 @@ std::unique_ptr<access::Database> OpenAlone(const std::shared_ptr<access::FileSy
   access::PagerOptions options;
   options.alone = true;
   return std::make_unique<access::Database>(access::Pager::Open(fileSystem, path, options));
+}
+
+/// True when rows of another table may forbid that rows of this one are deleted.
+bool IsReferredTo(access::Database& file, const std::string& table) {
+  return std::ranges::any_of(file.Relationships(), [&](const access::Relationship& relationship) {
+    return relationship.enforced && EqualIgnoringCase(relationship.primaryTable, table);
+  });
 }
 
 void StoreNationalNumber(const Context& context, const std::string& number) {
@@ -82,13 +90,14 @@ bool ClubDraft::BeginWithCurrent() {
 }
 
 // The rows of these tables are going to be replaced, and numbered as in a file that never had any: then it is the same
-// whether a recovery that was stopped had come to its end or not.
+// whether a recovery that was stopped had come to its end or not. Where a relationship has a say in it the rows are
+// left to the recovery, which deletes them by statements.
 void ClubDraft::BeginNumbersAnew() const {
   const std::unique_ptr<access::Database> draft = OpenAlone(fileSystem_, file_);
   access::WriteStatement statement(draft->GetPager());
   for (const char* name : {"ClubNames", "Competitions", "MasterPoints"}) {
     const std::shared_ptr<access::Table> table = draft->FindTable(name);
-    if (table == nullptr) continue;
+    if (table == nullptr || IsReferredTo(*draft, name)) continue;
     for (auto row = table->Next(std::nullopt); row.has_value(); row = table->Next(row)) table->Delete(*row);
     access::SetLastAutoNumber(draft->GetPager(), table->Definition(), 0);
   }
