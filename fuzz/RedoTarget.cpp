@@ -6,7 +6,7 @@
 
 #include "access/file/Bytes.h"
 #include "access/file/Checksum.h"
-#include "access/file/RedoLog.h"
+#include "access/file/LogOwner.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/FileUse.h"
 #include "fuzz/ByteSource.h"
@@ -20,17 +20,20 @@ using tavi::fuzz::ByteSource;
 using LogBytes = std::vector<std::uint8_t>;
 
 constexpr std::uint64_t kMostReads = 100000;
-constexpr std::size_t kHeaderSize = 0x60;
+constexpr std::size_t kHeaderSize = 0x180;
+constexpr std::size_t kHeaderSumOffset = 0x140;
+constexpr std::size_t kMarkOffset = 0x148;
 constexpr std::size_t kMostStatements = 8;
 
 void Append(LogBytes& log, std::uint64_t value, std::size_t size) {
   for (std::size_t i = 0; i < size; ++i) log.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-/// Writes the log that an input describes; layout in RedoLog.h.
+/// Writes the log that an input describes; layout in LogHeader.h.
 class LogWriter {
  public:
-  LogWriter(const LogBytes& database, ByteSource source) : database_(database), source_(source) {}
+  LogWriter(const LogBytes& database, const LogOwner& owner, ByteSource source)
+      : database_(database), owner_(owner), source_(source) {}
 
   LogBytes Write() {
     WriteHeader();
@@ -50,12 +53,16 @@ class LogWriter {
     wantsMark_ = (flags & 1U) != 0;
     salt_ = 1U + source_.Byte();
     for (const char letter : std::string("TAVIREDO")) Append(log_, static_cast<std::uint8_t>(letter), 1);
-    Append(log_, (flags & 2U) != 0 ? source_.Byte() : 1U, 4);
+    Append(log_, (flags & 2U) != 0 ? source_.Byte() : 2U, 4);
     Append(log_, kPageSize, 4);
     Append(log_, salt_, 8);
     Append(log_, database_.size() + ((flags & 4U) != 0 ? source_.Byte() : 0U), 8);
-    Append(log_, RedoLog::PageChecksum(Stored(0)), 8);
-    log_.resize(log_.size() + 16);
+    // Known by its content, as a file that was copied.
+    Append(log_, 0, 8);
+    Append(log_, 0, 8);
+    Append(log_, 0, 8);
+    Append(log_, owner_.contentSum, 8);
+    log_.resize(kHeaderSumOffset);
     Append(log_, Checksum(0, log_), 8);
     log_.resize(kHeaderSize);
     chain_ = salt_;
@@ -87,10 +94,10 @@ class LogWriter {
 
   std::size_t WriteEntry(bool isWrong) {
     const std::size_t number = source_.Word() % (Pages() + 4);
-    const std::uint64_t before = number < Pages() ? RedoLog::PageChecksum(Stored(number)) : 0;
+    const PageSums before = number < Pages() ? PageSums::Of(Stored(number)) : PageSums{};
     Append(log_, number, 4);
-    Append(log_, 0, 4);
-    Append(log_, before + (isWrong ? 1U : 0U), 8);
+    Append(log_, before.isInDatabase ? 1U : 0U, 4);
+    for (const std::uint32_t sum : before.sectors) Append(log_, sum + (isWrong ? 1U : 0U), 4);
     return number;
   }
 
@@ -109,10 +116,11 @@ class LogWriter {
     LogBytes mark;
     Append(mark, log_.size(), 8);
     Append(mark, Checksum(salt_, mark), 8);
-    std::copy(mark.begin(), mark.end(), log_.begin() + 0x40);
+    std::copy(mark.begin(), mark.end(), log_.begin() + kMarkOffset);
   }
 
   const LogBytes& database_;
+  const LogOwner& owner_;
   ByteSource source_;
   LogBytes log_;
   bool wantsMark_ = false;
@@ -125,10 +133,12 @@ class LogWriter {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const std::shared_ptr<const MemoryFileSystem> file = NewEveningFile();
   static const LogBytes database = file->Contents(kEveningPath);
+  static const LogOwner owner =
+      LogOwner::Of(*file->AfterCrash(CrashKind::Kept, 0)->Open(kEveningPath, FileSystem::OpenMode::ReadOnly));
   ByteSource source({data, size});
   const bool isWritten = source.Byte() % 2 != 0;
   const LogBytes log =
-      isWritten ? LogWriter(database, source).Write() : LogBytes(source.Rest().begin(), source.Rest().end());
+      isWritten ? LogWriter(database, owner, source).Write() : LogBytes(source.Rest().begin(), source.Rest().end());
   const auto memory = file->AfterCrash(CrashKind::Kept, 0);
   memory->SetContents(std::string(kEveningPath) + ".redo", log);
   UseFile(memory, kMostReads);

@@ -256,13 +256,16 @@ TEST_F(Recover, AFileCutInTheMiddleOfAPageIsReadToItsEnd) {
 }
 
 TEST_F(Recover, AnOldFileWithALogKeepsBoth) {
-  const std::string log = folder_.Write("old/ClubMembers.mdb.redo", "a log of something else");
-  const std::string before = Content(OldFile());
-  const Outcome outcome = folder_.Run({"recover", OldFile()});
-  EXPECT_EQ(outcome.code, 0) << outcome.error;
-  EXPECT_EQ(Content(OldFile()), before);
-  EXPECT_EQ(Content(log), "a log of something else");
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path("old")), {}), 2);
+  for (const std::string& content : {std::string("a log of something else"), std::string(500, 'x')}) {
+    const std::string log = folder_.Write("old/ClubMembers.mdb.redo", content);
+    const std::string before = Content(OldFile());
+    const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
+    EXPECT_EQ(outcome.code, 0) << outcome.error;
+    EXPECT_NE(outcome.error.find("the log beside " + OldFile()), std::string::npos) << outcome.error;
+    EXPECT_EQ(Content(OldFile()), before);
+    EXPECT_EQ(Content(log), content);
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path("old")), {}), 2);
+  }
 }
 
 TEST_F(Recover, WhatACrashLeftInTheLogIsSavedAndStaysThere) {

@@ -9,6 +9,14 @@
 
 namespace tavi::access {
 
+/// What the system knows of a file, whatever its name.
+struct FileIdentity {
+  /// What tells the file from all others on its disk, 0 when the system does not say.
+  std::uint64_t number = 0;
+  /// How many names it has.
+  std::uint64_t names = 1;
+};
+
 /// What the engine needs of files, as a small interface: the native one serves programs; the tests have one in memory,
 /// one that fails at a chosen call, and one that loses what was not flushed. Errors are tavi::Error ProviderFailure
 /// whose description names the file, the operation and the system's reason.
@@ -26,6 +34,10 @@ class File {
   virtual void Sync() = 0;
   /// A stamp that changes whenever any program writes the file (nanoseconds of its last change).
   [[nodiscard]] virtual std::int64_t ModificationStamp() = 0;
+  /// Sets the stamp to this moment as exactly as the system keeps it, so that no two states of a file have the same;
+  /// never fails.
+  virtual void StampNow() noexcept = 0;
+  [[nodiscard]] virtual FileIdentity Identity() = 0;
   /// True when a path still leads to this very file, and not to another one that has taken its name since it was
   /// opened. Always true where the system does not let an open file be replaced.
   [[nodiscard]] virtual bool IsStillAt(const std::string& /*path*/) { return true; }

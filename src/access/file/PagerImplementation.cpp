@@ -107,6 +107,15 @@ void PagerImplementation::RefuseForeignUse() const {
                "; close the database there and try again.");
 }
 
+// The log lies beside one of the names; who comes by another one would not find it.
+void PagerImplementation::RefuseSeveralNames() const {
+  const std::uint64_t names = file_->Identity().names;
+  if (names <= 1) return;
+  RaiseFailure("Could not use '" + path_ + "' for changes: the file has " + std::to_string(names) +
+               " names (hard links), and a change made under one of them might not be seen under the others. Make a "
+               "copy of the file, and use that.");
+}
+
 void PagerImplementation::RaiseReadOnly() const {
   throw Error(ErrorNumber::ProviderPermission, kErrorSource,
               "Cannot update.  Database or object is read-only. '" + path_ +
@@ -216,6 +225,7 @@ void PagerImplementation::BecomeWriter() {
   lock_.AcquireWriter(deadline);
   try {
     RefuseForeignUse();
+    RefuseSeveralNames();
     RefreshForWriting(deadline);
     RequireSoundLog(deadline);
   } catch (...) {

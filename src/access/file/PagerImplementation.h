@@ -68,6 +68,7 @@ class PagerImplementation final : public Pager {
   void StayAlone(const LockDeadline& deadline);
   [[noreturn]] void RaiseReadOnly() const;
   void RefuseForeignUse() const;
+  void RefuseSeveralNames() const;
   void RefuseForeignChange() const;
   [[nodiscard]] LockDeadline NewDeadline() const { return {*fileSystem_, options_.lockTimeout}; }
 
@@ -84,7 +85,7 @@ class PagerImplementation final : public Pager {
   void DropCache();
   void RefreshForReading(const LockDeadline& deadline);
   void RefreshForWriting(const LockDeadline& deadline);
-  void SetLogAside(bool isAlone);
+  [[noreturn]] void SetLogAside(bool isAlone);
 
   // Pages.
   void RequireStatement(PageNumber number) const;
@@ -95,11 +96,10 @@ class PagerImplementation final : public Pager {
 
   // Committing.
   [[nodiscard]] bool AppendToLog();
-  [[nodiscard]] std::uint64_t ContentInDatabase(PageNumber number, const PageHandle& base);
+  [[nodiscard]] PageSums ContentInDatabase(PageNumber number, const PageHandle& base);
   void KeepChangedPages();
 
   // Checkpoints (rule 4).
-  [[nodiscard]] LogOwner DescribeDatabase();
   void Checkpoint(bool isAlone);
   void CheckpointWhenLogIsLong();
   void LeaveLog();

@@ -93,23 +93,22 @@ void PagerImplementation::RefreshForReading(const LockDeadline& deadline) {
 
 void PagerImplementation::RefreshForWriting(const LockDeadline& deadline) {
   if (Refresh()) return;
-  {
-    const SoleUse use(lock_, deadline);
-    SetLogAside(false);
-  }
-  if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
+  const SoleUse use(lock_, deadline);
+  SetLogAside(false);
 }
 
+// The statement that has met it fails, so that people learn of it; the next one goes on without that log.
 void PagerImplementation::SetLogAside(bool isAlone) {
-  const std::string reason = log_.IsUnknown()
-                                 ? "' cannot be understood; its start is damaged, or it is something else."
-                                 : "' does not belong to the file as it now is, because another program has "
-                                   "written the file.";
+  const std::string reason = log_.IsUnknown() ? "' cannot be understood: its start is damaged, another version has "
+                                                "written it, or it is something else."
+                                              : "' does not belong to the file as it now is: another program has "
+                                                "written the file, or another file was put in its place.";
   const std::string target = log_.SetAside(isAlone);
   DropCache();
   stamp_.reset();
   hasOwnStatements_ = false;
-  Report("The log of '" + path_ + reason + " It was not applied but set aside as '" + target + "'.");
+  RaiseFailure("The log of '" + path_ + reason + " It was not applied but set aside as '" + target +
+               "'; what was stored last may be missing in the file. It can be used as it is: try again.");
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -133,23 +132,23 @@ bool PagerImplementation::AppendToLog() {
     }
     pages.push_back({number, ContentInDatabase(number, changed.base), stored->All()});
   }
-  log_.Append(log_.HasStatements() ? LogOwner{} : DescribeDatabase(), pages, pageCount_, options_.flush);
+  log_.Append(log_.HasStatements() ? LogOwner{} : LogOwner::Of(*file_), pages, pageCount_, options_.flush);
   return true;
 }
 
-// Checksum of what the database file holds for the page; `base` is its committed content, if it was read.
-std::uint64_t PagerImplementation::ContentInDatabase(PageNumber number, const PageHandle& base) {
+// What the database file holds for the page; `base` is its committed content, if it was read.
+PageSums PagerImplementation::ContentInDatabase(PageNumber number, const PageHandle& base) {
   if (const LoggedPage* logged = log_.Find(number)) return logged->before;
-  if (number >= FilePageCount()) return RedoLog::kNotInDatabase;
+  if (number >= FilePageCount()) return {};
+  if (base != nullptr && header_.databaseKey == 0) return PageSums::Of(base->All());
   Page stored(number);
   if (base == nullptr) {
     ReadStored(number, stored);
-    return RedoLog::PageChecksum(stored.All());
+  } else {
+    stored.CopyFrom(*base);
+    ToggleEncoding(stored);
   }
-  if (header_.databaseKey == 0) return RedoLog::PageChecksum(base->All());
-  stored.CopyFrom(*base);
-  ToggleEncoding(stored);
-  return RedoLog::PageChecksum(stored.All());
+  return PageSums::Of(stored.All());
 }
 
 void PagerImplementation::KeepChangedPages() {
@@ -160,12 +159,6 @@ void PagerImplementation::KeepChangedPages() {
 // Checkpoints
 // ---------------------------------------------------------------------------------------------------------------------
 
-LogOwner PagerImplementation::DescribeDatabase() {
-  Page first(format::kHeaderPage);
-  file_->ReadAt(0, first.AllMutable());
-  return {file_->Size(), RedoLog::PageChecksum(first.All())};
-}
-
 void PagerImplementation::Checkpoint(bool isAlone) {
   // Until the end the state of the file is not known to this pager.
   stamp_.reset();
@@ -173,7 +166,7 @@ void PagerImplementation::Checkpoint(bool isAlone) {
   if (isAlone) {
     log_.Remove();
   } else {
-    log_.Reset(DescribeDatabase());
+    log_.Reset(LogOwner::Of(*file_));
   }
   hasOwnStatements_ = false;
   fileSize_ = file_->Size();

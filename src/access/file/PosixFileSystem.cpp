@@ -128,6 +128,17 @@ class PosixFile final : public File {
     return status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
   }
 
+  void StampNow() noexcept override {
+    // Who does not own the file may not set it; then it is as exact as the system's writing has made it.
+    struct timespec times[2] = {{0, UTIME_OMIT}, {0, 0}};
+    if (::clock_gettime(CLOCK_REALTIME, &times[1]) == 0) static_cast<void>(::futimens(descriptor_.Value(), times));
+  }
+
+  FileIdentity Identity() override {
+    const struct stat status = Status();
+    return {static_cast<std::uint64_t>(status.st_ino), static_cast<std::uint64_t>(status.st_nlink)};
+  }
+
   bool IsStillAt(const std::string& path) override {
     const struct stat own = Status();
     struct stat named {};

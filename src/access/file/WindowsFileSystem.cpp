@@ -81,17 +81,20 @@ DWORD TransferSize(std::size_t size) {
   return static_cast<DWORD>(std::min<std::size_t>(size, kLargestTransfer));
 }
 
-/// What tells a file from all others of the machine.
-struct Identity {
+/// What the system knows of a file, and on which disk it lies.
+struct KnownFile {
   DWORD volume = 0;
-  DWORD indexHigh = 0;
-  DWORD indexLow = 0;
-  auto operator<=>(const Identity&) const = default;
+  FileIdentity identity;
 
-  static std::optional<Identity> Of(const Handle& handle) {
+  static std::optional<KnownFile> Of(const Handle& handle) {
+    constexpr unsigned kUpperHalf = 32;
     BY_HANDLE_FILE_INFORMATION file{};
     if (::GetFileInformationByHandle(handle.Value(), &file) == 0) return std::nullopt;
-    return Identity{file.dwVolumeSerialNumber, file.nFileIndexHigh, file.nFileIndexLow};
+    return KnownFile{file.dwVolumeSerialNumber,
+                     {(std::uint64_t{file.nFileIndexHigh} << kUpperHalf) | file.nFileIndexLow, file.nNumberOfLinks}};
+  }
+  [[nodiscard]] bool IsSameFile(const KnownFile& other) const {
+    return volume == other.volume && identity.number == other.identity.number;
   }
 };
 
@@ -165,11 +168,27 @@ class WindowsFile final : public File {
     return std::make_unique<WindowsFile>(std::move(again), path_, isReadOnly_);
   }
 
+  // The system itself may set the time as late as when the last opener is gone, and not after it was set expressly.
+  void StampNow() noexcept override {
+    FILETIME now{};
+    ::GetSystemTimeAsFileTime(&now);
+    ULARGE_INTEGER ticks{};
+    ticks.LowPart = now.dwLowDateTime;
+    ticks.HighPart = now.dwHighDateTime;
+    FILE_BASIC_INFO times{};  // what is 0 stays as it is
+    times.LastWriteTime.QuadPart = static_cast<LONGLONG>(ticks.QuadPart);
+    ::SetFileInformationByHandle(handle_.Value(), FileBasicInfo, &times, sizeof times);
+  }
+
+  FileIdentity Identity() override { return KnownFile::Of(handle_).value_or(asOpened_.value_or(KnownFile{})).identity; }
+
   bool IsReadOnly() const override { return isReadOnly_; }
 
   bool IsStillAt(const std::string& path) override {
     const Handle named = OpenHandle(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
-    return named.IsOpen() && Identity::Of(named) == identity_;
+    if (!named.IsOpen()) return false;
+    const std::optional<KnownFile> known = KnownFile::Of(named);
+    return known && asOpened_ ? known->IsSameFile(*asOpened_) : known.has_value() == asOpened_.has_value();
   }
 
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
@@ -186,7 +205,7 @@ class WindowsFile final : public File {
   Handle handle_;
   std::string path_;
   // As it was opened: the system may tell no more of a file that was renamed since.
-  std::optional<Identity> identity_ = Identity::Of(handle_);
+  std::optional<KnownFile> asOpened_ = KnownFile::Of(handle_);
   bool isReadOnly_;
   WindowsRangeLocks locks_;
 };

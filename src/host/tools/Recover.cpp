@@ -198,6 +198,10 @@ void RequireHandicapSettings(const ClubDraft& draft) {
 RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
   ClubDraft draft(context);
   const TemporaryCopy copy(draft.Folder(), PathOf(NativePath(oldFile)));
+  if (copy.IsLogLeftOut()) {
+    context.error << "tavi: the log beside " << Printable(oldFile)
+                  << " does not belong to it and was left out; both stay as they are\n";
+  }
   const bool isKept = !draft.IsFirst() && draft.BeginWithCurrent();
   if (!isKept) draft.BeginEmpty({});
   RecoveryReport report = RunRecovery(draft, copy, oldFile);

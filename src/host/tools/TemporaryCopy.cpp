@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "access/file/Page.h"
+#include "access/file/Pager.h"
 #include "composition/Composition.h"
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
@@ -51,8 +52,20 @@ TemporaryCopy::TemporaryCopy(const WorkFolder& folder, const fs::path& original)
   if (!fs::is_regular_file(original, ignored)) Raise(original, "there is no such file");
   try {
     Copy(original);
+    BringLogIn();
   } catch (const fs::filesystem_error& error) {
     Raise(original, ReasonOf(error.code()));
+  }
+}
+
+// The opening that meets a log which does not belong sets it aside and fails; here, that is all that it is for. What
+// else keeps the copy closed is met again by who uses it.
+void TemporaryCopy::BringLogIn() {
+  if (!fs::exists(PathOf(Path() + kLogSuffix))) return;
+  try {
+    access::Pager::Open(access::NativeFileSystem(), Path(), {})->Close();
+  } catch (const Error&) {
+    isLogLeftOut_ = fs::exists(PathOf(Path() + kLogSuffix + "-setaside-1"));
   }
 }
 

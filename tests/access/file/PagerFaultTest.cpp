@@ -180,7 +180,7 @@ TEST_F(PagerFaultTest, AFullDiskFailsTheStatementAndNothingElse) {
   auto pager = Pager::Open(memory_, kPath, {});
   // From no room at all to room enough, in steps that end inside each part of the log.
   const std::uint64_t used = memory_->BytesUsed();
-  const std::uint64_t needed = 0x60 + 40 + 3 * (16 + kPageSize);
+  const std::uint64_t needed = 0x180 + 40 + 3 * (40 + kPageSize);
   for (std::uint64_t room = 0; room < needed; room += 311) {
     memory_->SetCapacity(used + room);
     EXPECT_THROW(WriteEverywhere(*pager, "no room"), Error) << room;

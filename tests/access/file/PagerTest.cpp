@@ -216,8 +216,8 @@ TEST_F(PagerTest, PagesThatAreAsTheyWereAreLeftOutOfTheLog) {
   SetPageText(pager->Write(5), "changed too");
   SetPageText(pager->Write(5), "page 5");
   pager->Commit();
-  // Header 0x60, statement 40 bytes, one page with its 16 bytes of directory.
-  EXPECT_EQ(memory_->Contents(kLog).size(), 0x60u + 40 + 16 + kPageSize);
+  // Header 0x180, statement 40 bytes, one page with its 40 bytes of directory.
+  EXPECT_EQ(memory_->Contents(kLog).size(), 0x180u + 40 + 40 + kPageSize);
 }
 
 TEST_F(PagerTest, AZeroedNewPageIsLoggedAlthoughItLooksLikeNothing) {
@@ -237,7 +237,7 @@ TEST_F(PagerTest, ALongLogIsBroughtIntoTheFileByCommit) {
   WriteText(*pager, 3, "three");
   EXPECT_EQ(StoredText(3), "three");
   EXPECT_EQ(StoredText(4), "two");
-  EXPECT_EQ(memory_->Contents(kLog).size(), 0x60u);
+  EXPECT_EQ(memory_->Contents(kLog).size(), 0x180u);
   WriteText(*pager, 5, "four");
   EXPECT_EQ(ReadText(*pager, 3), "three");
   EXPECT_EQ(ReadText(*pager, 5), "four");

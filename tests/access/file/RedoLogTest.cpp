@@ -17,7 +17,24 @@ using test::MemoryFileSystem;
 
 constexpr char kPath[] = "club.mdb";
 constexpr char kLog[] = "club.mdb.redo";
-constexpr LogOwner kOwner = {16 * kPageSize, 0x1122334455667788};
+LogOwner MakeOwner() {
+  LogOwner owner;
+  owner.size = 16 * kPageSize;
+  owner.stamp = 0x1122334455667788;
+  owner.fileNumber = 6699;
+  owner.contentSum = 0x99AABBCCDDEEFF00;
+  for (std::uint32_t i = 0; i < LogOwner::kWitnesses; ++i) owner.witnesses[i] = 100 + i;
+  return owner;
+}
+const LogOwner kOwner = MakeOwner();
+
+// Sums of a page that the database has.
+PageSums Sums(std::uint32_t first) {
+  PageSums sums;
+  sums.isInDatabase = true;
+  for (std::uint32_t i = 0; i < PageSums::kSectors; ++i) sums.sectors[i] = first + i;
+  return sums;
+}
 
 class RedoLogTest : public ::testing::Test {
  protected:
@@ -26,8 +43,8 @@ class RedoLogTest : public ::testing::Test {
     page.Fill(0, kPageSize, fill);
     return page;
   }
-  static void Append(RedoLog& log, const Page& page, std::uint64_t before, PageNumber pageCount = 16) {
-    const StatementPage entry{page.Number(), before, page.All()};
+  static void Append(RedoLog& log, const Page& page, std::uint32_t before, PageNumber pageCount = 16) {
+    const StatementPage entry{page.Number(), Sums(before), page.All()};
     log.Append(kOwner, {&entry, 1}, pageCount);
   }
   std::span<const std::uint8_t> Bytes() {
@@ -42,30 +59,36 @@ class RedoLogTest : public ::testing::Test {
 
 TEST_F(RedoLogTest, LiesInTheFileAsItsHeaderSays) {
   RedoLog log(memory_, kPath, false);
-  Append(log, PageOf(6, 0xAB), 0x0807060504030201);
+  Append(log, PageOf(6, 0xAB), 0x04030201);
   const auto bytes = Bytes();
-  ASSERT_EQ(bytes.size(), 0x1098u);
+  ASSERT_EQ(bytes.size(), 0x11D0u);
   EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + 8), "TAVIREDO");
-  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x08), 1u);
+  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x08), 2u);
   EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x0C), 4096u);
   const auto salt = GetLittle<std::uint64_t>(bytes, 0x10);
   EXPECT_NE(salt, 0u);
   EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x18), 65536u);
   EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x20), 0x1122334455667788u);
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x38), Checksum(0, bytes.first(0x38)));
-  for (std::size_t i = 0x40; i < 0x60; ++i) EXPECT_EQ(bytes[i], 0) << i;
-  EXPECT_EQ(std::string(bytes.begin() + 0x60, bytes.begin() + 0x64), "STMT");
-  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x64), 1u);
-  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x68), 16u);
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x70), salt);
-  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x80), 6u);
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x88), 0x0807060504030201u);
-  EXPECT_EQ(bytes[0x90], 0xAB);
-  EXPECT_EQ(bytes[0x108F], 0xAB);
-  std::uint64_t checksum = Checksum(salt, bytes.subspan(0x60, 0x20));
-  checksum = Checksum(checksum, bytes.subspan(0x80, 0x10));
-  checksum = Checksum(checksum, bytes.subspan(0x90, kPageSize));
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x1090), checksum);
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x28), 6699u);
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x30),
+            memory_.Open(kLog, FileSystem::OpenMode::ReadOnly)->Identity().number);
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x38), 0x99AABBCCDDEEFF00);
+  for (std::uint32_t i = 0; i < 64; ++i) EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x40 + 4 * i), 100 + i);
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x140), Checksum(0, bytes.first(0x140)));
+  for (std::size_t i = 0x148; i < 0x180; ++i) EXPECT_EQ(bytes[i], 0) << i;
+  EXPECT_EQ(std::string(bytes.begin() + 0x180, bytes.begin() + 0x184), "STMT");
+  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x184), 1u);
+  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x188), 16u);
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x190), salt);
+  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x1A0), 6u);
+  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x1A4), 1u);
+  for (std::uint32_t i = 0; i < 8; ++i) EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x1A8 + 4 * i), 0x04030201u + i);
+  EXPECT_EQ(bytes[0x1C8], 0xAB);
+  EXPECT_EQ(bytes[0x11C7], 0xAB);
+  std::uint64_t checksum = Checksum(salt, bytes.subspan(0x180, 0x20));
+  checksum = Checksum(checksum, bytes.subspan(0x1A0, 0x28));
+  checksum = Checksum(checksum, bytes.subspan(0x1C8, kPageSize));
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x11C8), checksum);
 }
 
 TEST_F(RedoLogTest, StatementsAreChained) {
@@ -73,7 +96,7 @@ TEST_F(RedoLogTest, StatementsAreChained) {
   Append(log, PageOf(6, 1), 5);
   Append(log, PageOf(7, 2), 5);
   const auto bytes = Bytes();
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x1098 + 0x10), GetLittle<std::uint64_t>(bytes, 0x1090));
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x11D0 + 0x10), GetLittle<std::uint64_t>(bytes, 0x11C8));
 }
 
 TEST_F(RedoLogTest, AnotherReaderTakesInWhatIsNew) {
@@ -92,7 +115,7 @@ TEST_F(RedoLogTest, AnotherReaderTakesInWhatIsNew) {
   EXPECT_EQ(changed_, (std::vector<PageNumber>{6, 9}));
   EXPECT_EQ(reader.PageCount(), 18u);
   ASSERT_NE(reader.Find(6), nullptr);
-  EXPECT_EQ(reader.Find(6)->before, 5u);
+  EXPECT_EQ(reader.Find(6)->before, Sums(5));
   EXPECT_EQ(reader.Find(7), nullptr);
   Page page(6);
   reader.ReadImage(*reader.Find(6), page.AllMutable());
@@ -107,7 +130,7 @@ TEST_F(RedoLogTest, ResetMakesAnotherLogOfIt) {
   static_cast<void>(reader.TakeIn(changed_));
   const auto salt = GetLittle<std::uint64_t>(Bytes(), 0x10);
   writer.Reset(kOwner);
-  EXPECT_EQ(memory_.Contents(kLog).size(), 0x60u);
+  EXPECT_EQ(memory_.Contents(kLog).size(), 0x180u);
   EXPECT_NE(GetLittle<std::uint64_t>(Bytes(), 0x10), salt);
   Append(writer, PageOf(7, 2), 5);
   EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::Replaced);
@@ -129,7 +152,7 @@ TEST_F(RedoLogTest, StaleStatementsOfAnOlderLogAreNeverTakenForNew) {
   RedoLog reader(memory_, kPath, false);
   static_cast<void>(reader.TakeIn(changed_));
   EXPECT_EQ(changed_, std::vector<PageNumber>{6});
-  EXPECT_EQ(reader.End(), 0x1098u);
+  EXPECT_EQ(reader.End(), 0x11D0u);
 }
 
 TEST_F(RedoLogTest, AppendingWritesOverATornEnd) {
@@ -143,7 +166,7 @@ TEST_F(RedoLogTest, AppendingWritesOverATornEnd) {
   RedoLog log(memory_, kPath, false);
   static_cast<void>(log.TakeIn(changed_));
   Append(log, PageOf(7, 2), 5);
-  EXPECT_EQ(memory_.Contents(kLog).size(), 0x1098u + 0x1038u);
+  EXPECT_EQ(memory_.Contents(kLog).size(), 0x11D0u + 0x1050u);
 }
 
 TEST_F(RedoLogTest, AStatementThatNamesAPagePastItsEndDoesNotCount) {
@@ -157,29 +180,27 @@ TEST_F(RedoLogTest, AStatementThatNamesAPagePastItsEndDoesNotCount) {
 TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   Pager::Create(memory_, kPath, test::MakeSmallDatabase(16));
   const auto database = memory_.Open(kPath, FileSystem::OpenMode::ReadWrite);
-  Page first(0);
-  database->ReadAt(0, first.AllMutable());
   RedoLog log(memory_, kPath, false);
   const Page page = PageOf(6, 0xEE);
   Page old(6);
   database->ReadAt(6 * kPageSize, old.AllMutable());
-  const StatementPage entry{6, RedoLog::PageChecksum(old.All()), page.All()};
-  log.Append({16 * kPageSize, RedoLog::PageChecksum(first.All())}, {&entry, 1}, 16);
+  const StatementPage entry{6, PageSums::Of(old.All()), page.All()};
+  log.Append(LogOwner::Of(*database), {&entry, 1}, 16);
   EXPECT_TRUE(log.BelongsTo(*database));
   log.ApplyTo(*database);
   EXPECT_EQ(memory_.Contents(kPath)[6 * kPageSize], 0xEE);
   const auto bytes = Bytes();
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x40), 0x1098u);
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x48),
-            Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x40, 8)));
-  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x50),
-            Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x40, 16)));
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x148), 0x11D0u);
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x150),
+            Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x148, 8)));
+  EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x158),
+            Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x148, 16)));
   // What is applied does not count any more.
   EXPECT_EQ(log.TakeIn(changed_), RedoLog::News::Replaced);
   EXPECT_FALSE(log.HasStatements());
   // Before that its old pages may be gone, but the mark says why.
   auto applying = memory_.Contents(kLog);
-  std::fill(applying.begin() + 0x50, applying.begin() + 0x60, std::uint8_t{0});
+  std::fill(applying.begin() + 0x158, applying.begin() + 0x160, std::uint8_t{0});
   memory_.SetContents(kLog, applying);
   RedoLog other(memory_, kPath, false);
   static_cast<void>(other.TakeIn(changed_));
@@ -187,7 +208,7 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   EXPECT_TRUE(other.BelongsTo(*database));
   // Without the mark it is a log of another state.
   auto unmarked = memory_.Contents(kLog);
-  std::fill(unmarked.begin() + 0x40, unmarked.begin() + 0x60, std::uint8_t{0});
+  std::fill(unmarked.begin() + 0x148, unmarked.begin() + 0x160, std::uint8_t{0});
   memory_.SetContents(kLog, unmarked);
   RedoLog third(memory_, kPath, false);
   static_cast<void>(third.TakeIn(changed_));
@@ -205,7 +226,7 @@ TEST_F(RedoLogTest, AnyBytesAreReadWithoutHarm) {
     auto bad = good;
     for (unsigned i = 0; i < 1 + random.Below(6); ++i) {
       // Mostly in the headers, where lengths and counts are.
-      const std::size_t place = random.Below(2) == 0 ? random.Below(0x90) : 0x1098 + random.Below(0x30);
+      const std::size_t place = random.Below(2) == 0 ? random.Below(0x1C8) : 0x11D0 + random.Below(0x48);
       bad[place] = random.Byte();
     }
     bad.resize(random.Below(3) == 0 ? random.Below(bad.size()) : bad.size());

@@ -120,8 +120,9 @@ TEST(HostileLog, LeavesAStateOfTheEveningOrIsSetAside) {
       EXPECT_EQ(CheckDatabase(database, CheckKind::Strict), std::vector<std::string>());
       found.insert(digest);
     } catch (const Error& error) {
-      // Only a log of a version to come may keep the file closed.
-      EXPECT_NE(error.Description().find("does not know"), std::string::npos) << error.Description();
+      // The open that met a log which is set aside; the next one works.
+      EXPECT_NE(error.Description().find("set aside"), std::string::npos) << error.Description();
+      EXPECT_NO_THROW(static_cast<void>(Pager::Open(hurt, kEveningPath, {})));
     }
   }
   EXPECT_GT(found.size(), 1u);

@@ -31,6 +31,8 @@ class InterceptedFile final : public File {
     inner_->Sync();
   }
   std::int64_t ModificationStamp() override { return inner_->ModificationStamp(); }
+  void StampNow() noexcept override { inner_->StampNow(); }
+  FileIdentity Identity() override { return inner_->Identity(); }
   bool IsStillAt(const std::string& path) override { return inner_->IsStillAt(path); }
   std::unique_ptr<File> OpenAgain() override {
     Ask(Operation::Open);

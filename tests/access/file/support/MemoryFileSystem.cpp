@@ -69,10 +69,17 @@ class MemoryFile final : public File {
       for (const auto& change : node_->unflushed) MemoryFileSystem::Apply(change, node_->durable);
     }
     node_->unflushed.clear();
+    node_->durableStamp = node_->stamp;
     if (seed) RaiseFailure("Could not flush '" + path_ + "': Input/output error.");
   }
 
   std::int64_t ModificationStamp() override { return node_->stamp; }
+  void StampNow() noexcept override { node_->stamp = ++system_.clock_; }
+  FileIdentity Identity() override {
+    const auto names = std::count_if(system_.names_.begin(), system_.names_.end(),
+                                     [this](const auto& entry) { return entry.second == node_; });
+    return {node_->number, static_cast<std::uint64_t>(names)};
+  }
   bool IsStillAt(const std::string& path) override { return system_.Find(path) == node_; }
   std::unique_ptr<File> OpenAgain() override {
     return std::make_unique<MemoryFile>(system_, node_, path_, isReadOnly_);
@@ -176,6 +183,7 @@ std::unique_ptr<File> MemoryFileSystem::Open(const std::string& path, OpenMode m
     if (folderIsReadOnly_) RaiseFailure("Could not create '" + path + "': Permission denied.");
     node = std::make_shared<Node>();
     node->stamp = ++clock_;
+    node->number = static_cast<std::uint64_t>(++clock_);
     names_[path] = node;
     NamesChanged();
   }
@@ -237,6 +245,11 @@ void MemoryFileSystem::RunBackgroundWork() {
   for (MemoryWork* work : works) work->Run();
 }
 
+void MemoryFileSystem::AddHardLink(const std::string& name, const std::string& path) {
+  names_[name] = Find(path);
+  NamesChanged();
+}
+
 bool MemoryFileSystem::HasBackgroundWork() const {
   return std::any_of(works_.begin(), works_.end(), [](const MemoryWork* work) { return work->IsAsked(); });
 }
@@ -254,6 +267,7 @@ void MemoryFileSystem::SetContents(const std::string& path, const Bytes& bytes) 
   std::shared_ptr<Node> node = Find(path);
   if (!node) {
     node = std::make_shared<Node>();
+    node->number = static_cast<std::uint64_t>(++clock_);
     names_[path] = node;
     durableNames_[path] = node;
   }
@@ -261,6 +275,7 @@ void MemoryFileSystem::SetContents(const std::string& path, const Bytes& bytes) 
   node->durable = node->bytes;
   node->unflushed.clear();
   node->stamp = ++clock_;
+  node->durableStamp = node->stamp;
 }
 
 std::vector<std::string> MemoryFileSystem::Paths() const {
@@ -299,32 +314,37 @@ std::shared_ptr<MemoryFileSystem> MemoryFileSystem::AfterCrash(CrashKind kind, s
     if (kind == CrashKind::Torn) ApplySome(node->unflushed, found->bytes, choose);
     found->durable = found->bytes;
     found->isReadOnly = node->isReadOnly;
-    found->stamp = ++after->clock_;
+    const bool isLate = kind == CrashKind::Kept || (kind == CrashKind::Torn && choose(2) == 0);
+    found->stamp = isLate ? node->stamp : node->durableStamp;
+    found->durableStamp = found->stamp;
+    found->number = node->number;
     after->names_[path] = found;
   }
   after->durableNames_ = after->names_;
   return after;
 }
 
-// Applies each change whole, not at all, or only its first or last part.
+// Applies each change whole, not at all, its first or last part, or some of it; a sector is never torn.
 void MemoryFileSystem::ApplySome(const std::vector<Change>& changes, SharedBytes& bytes,
                                  const std::function<std::size_t(std::size_t)>& choose) {
-  constexpr std::size_t kWhole = 0;
-  constexpr std::size_t kNot = 1;
-  constexpr std::size_t kFirstPart = 2;
+  enum Fate : std::size_t { Whole, Not, FirstPart, LastPart, SomeSectors, kFates };
   for (const Change& change : changes) {
-    const std::size_t fate = choose(4);
-    if (fate == kNot) continue;
-    if (fate == kWhole || change.bytes == nullptr) {
+    const auto fate = static_cast<Fate>(choose(kFates));
+    if (fate == Not) continue;
+    if (fate == Whole || change.bytes == nullptr) {
       Apply(change, bytes);
       continue;
     }
     const std::span<const std::uint8_t> all(*change.bytes);
-    const std::size_t cut = choose(all.size() + 1);
-    if (fate == kFirstPart) {
-      bytes.Write(change.offset, all.first(cut));
-    } else {
-      bytes.Write(change.offset + cut, all.subspan(cut));
+    const std::uint64_t end = change.offset + all.size();
+    const std::uint64_t cut = change.offset + choose(all.size() + 1);
+    for (std::uint64_t start = change.offset; start < end;) {
+      const std::uint64_t next = std::min(end, (start / kSectorSize + 1) * kSectorSize);
+      const bool isKept = fate == FirstPart ? next <= cut : fate == LastPart ? start >= cut : choose(2) == 0;
+      if (isKept)
+        bytes.Write(start, all.subspan(static_cast<std::size_t>(start - change.offset),
+                                       static_cast<std::size_t>(next - start)));
+      start = next;
     }
   }
 }

@@ -17,8 +17,11 @@ namespace tavi::access::test {
 enum class CrashKind {
   Kept,     // all: only the process died
   Dropped,  // nothing: the machine went off, the disk had written nothing ahead
-  Torn,     // some, chosen by the seed: whole, in part or not at all, in any order within a file
+  Torn,     // any sectors, chosen by the seed, in any order within a file
 };
+
+/// The part of a file that a disk writes whole or not at all, in bytes.
+inline constexpr std::size_t kSectorSize = 512;
 
 /// A file system in memory. Counts what is flushed and what is not, so that the state after a crash can be made; knows
 /// locks, read-only files, links and a limited disk. For one thread.
@@ -53,6 +56,8 @@ class MemoryFileSystem final : public FileSystem {
   void SetFolderReadOnly(bool readOnly) { folderIsReadOnly_ = readOnly; }
   /// Another path of a file.
   void AddLink(const std::string& link, const std::string& path) { links_[link] = path; }
+  /// Another name of the same file.
+  void AddHardLink(const std::string& name, const std::string& path);
   /// Bytes that all files together may have. A write past it stores what fits and fails.
   void SetCapacity(std::uint64_t bytes) { capacity_ = bytes; }
   [[nodiscard]] std::uint64_t BytesUsed() const;
@@ -92,6 +97,8 @@ class MemoryFileSystem final : public FileSystem {
     SharedBytes durable;
     std::vector<Change> unflushed;
     std::int64_t stamp = 0;
+    std::int64_t durableStamp = 0;
+    std::uint64_t number = 0;
     bool isReadOnly = false;
     std::vector<Lock> locks;
     std::optional<std::uint32_t> failingFlush;  // seed of what the next flush loses

@@ -1,0 +1,176 @@
+#include "access/file/LogHeader.h"
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+
+#include "access/file/Bytes.h"
+#include "access/file/Checksum.h"
+#include "platform/values/Error.h"
+
+namespace tavi::access {
+
+using log_layout::kHeaderSize;
+
+namespace {
+
+constexpr std::array<std::uint8_t, 8> kMagic = {'T', 'A', 'V', 'I', 'R', 'E', 'D', 'O'};
+constexpr std::uint32_t kVersion = 2;
+constexpr std::size_t kVersionOffset = 0x08;
+constexpr std::size_t kPageSizeOffset = 0x0C;
+constexpr std::size_t kSaltOffset = 0x10;
+constexpr std::size_t kDatabaseSizeOffset = 0x18;
+constexpr std::size_t kStampOffset = 0x20;
+constexpr std::size_t kDatabaseNumberOffset = 0x28;
+constexpr std::size_t kLogNumberOffset = 0x30;
+constexpr std::size_t kContentSumOffset = 0x38;
+constexpr std::size_t kWitnessesOffset = 0x40;
+constexpr std::size_t kWitnessSize = 4;
+constexpr std::size_t kChecksumOffset = 0x140;
+
+constexpr std::size_t kMarkOffset = 0x148;
+constexpr std::size_t kMarkedSize = 8;
+constexpr std::size_t kMarkSize = 16;
+constexpr std::size_t kAppliedOffset = 0x158;
+constexpr std::size_t kAppliedSize = 8;
+constexpr std::size_t kDoubtfulOffset = 0x160;
+constexpr std::size_t kDoubtfulSize = 8;
+
+std::uint64_t NewSalt(std::uint64_t old) {
+  std::random_device random;
+  const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
+  std::array<std::uint8_t, 24> seed{};
+  PutLittle<std::uint64_t>(seed, 0, old + 1);
+  PutLittle<std::uint64_t>(seed, 8, now);
+  PutLittle<std::uint64_t>(seed, 16, (std::uint64_t{random()} << 32U) | random());
+  std::uint64_t salt = Checksum(0, seed);
+  while (salt == 0 || salt == old) ++salt;
+  return salt;
+}
+
+}  // namespace
+
+LogHeader LogHeader::Begin(const LogHeader& older, const LogOwner& owner, std::uint64_t logNumber) {
+  LogHeader header;
+  std::span<std::uint8_t> bytes = header.bytes_;
+  std::copy(kMagic.begin(), kMagic.end(), bytes.begin());
+  PutLittle<std::uint32_t>(bytes, kVersionOffset, kVersion);
+  PutLittle<std::uint32_t>(bytes, kPageSizeOffset, kPageSize);
+  PutLittle<std::uint64_t>(bytes, kSaltOffset, NewSalt(older.Salt()));
+  PutLittle<std::uint64_t>(bytes, kDatabaseSizeOffset, owner.size);
+  PutLittle<std::uint64_t>(bytes, kStampOffset, static_cast<std::uint64_t>(owner.stamp));
+  PutLittle<std::uint64_t>(bytes, kDatabaseNumberOffset, owner.fileNumber);
+  PutLittle<std::uint64_t>(bytes, kLogNumberOffset, logNumber);
+  PutLittle<std::uint64_t>(bytes, kContentSumOffset, owner.contentSum);
+  for (std::size_t i = 0; i < LogOwner::kWitnesses; ++i)
+    PutLittle<std::uint32_t>(bytes, kWitnessesOffset + i * kWitnessSize, owner.witnesses[i]);
+  PutLittle<std::uint64_t>(bytes, kChecksumOffset, Checksum(0, bytes.first(kChecksumOffset)));
+  return header;
+}
+
+LogHeader LogHeader::ReadFrom(File& log) {
+  LogHeader header;
+  const std::uint64_t size = log.Size();
+  log.ReadAt(0, std::span(header.bytes_).first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kHeaderSize))));
+  return header;
+}
+
+void LogHeader::WriteTo(File& log) const {
+  log.WriteAt(0, bytes_);
+}
+
+bool LogHeader::IsUnfinished() const {
+  std::array<std::uint8_t, kPageSizeOffset> start{};
+  std::copy(kMagic.begin(), kMagic.end(), start.begin());
+  PutLittle<std::uint32_t>(start, kVersionOffset, kVersion);
+  std::size_t length = kMarkOffset;
+  while (length > 0 && bytes_[length - 1] == 0) --length;
+  const auto compared = static_cast<std::ptrdiff_t>(std::min(length, start.size()));
+  return length < kMarkOffset && std::equal(start.begin(), start.begin() + compared, bytes_.begin());
+}
+
+// The same in all layouts from this one on.
+bool LogHeader::IsWhole() const {
+  const std::span<const std::uint8_t> bytes = bytes_;
+  return std::equal(kMagic.begin(), kMagic.end(), bytes.begin()) &&
+         Checksum(0, bytes.first(kChecksumOffset)) == GetLittle<std::uint64_t>(bytes, kChecksumOffset);
+}
+
+bool LogHeader::IsValid() const {
+  return IsWhole() && GetLittle<std::uint32_t>(bytes_, kVersionOffset) == kVersion &&
+         GetLittle<std::uint32_t>(bytes_, kPageSizeOffset) == kPageSize && Salt() != 0;
+}
+
+std::optional<std::uint32_t> LogHeader::LaterVersion() const {
+  const auto version = GetLittle<std::uint32_t>(bytes_, kVersionOffset);
+  if (version <= kVersion || !IsWhole()) return std::nullopt;
+  return version;
+}
+
+bool LogHeader::IsOfSameLog(const LogHeader& other) const {
+  return std::equal(bytes_.begin(), bytes_.begin() + kMarkOffset, other.bytes_.begin());
+}
+
+std::uint64_t LogHeader::Salt() const {
+  return GetLittle<std::uint64_t>(bytes_, kSaltOffset);
+}
+
+std::uint64_t LogHeader::LogNumber() const {
+  return GetLittle<std::uint64_t>(bytes_, kLogNumberOffset);
+}
+
+LogOwner LogHeader::Owner() const {
+  LogOwner owner;
+  owner.size = GetLittle<std::uint64_t>(bytes_, kDatabaseSizeOffset);
+  owner.stamp = static_cast<std::int64_t>(GetLittle<std::uint64_t>(bytes_, kStampOffset));
+  owner.fileNumber = GetLittle<std::uint64_t>(bytes_, kDatabaseNumberOffset);
+  owner.contentSum = GetLittle<std::uint64_t>(bytes_, kContentSumOffset);
+  for (std::size_t i = 0; i < LogOwner::kWitnesses; ++i)
+    owner.witnesses[i] = GetLittle<std::uint32_t>(bytes_, kWitnessesOffset + i * kWitnessSize);
+  return owner;
+}
+
+std::optional<std::uint64_t> LogHeader::Applying() const {
+  const auto mark = std::span<const std::uint8_t>(bytes_).subspan(kMarkOffset);
+  const auto end = GetLittle<std::uint64_t>(mark, 0);
+  if (end == 0 || GetLittle<std::uint64_t>(mark, kMarkedSize) != Checksum(Salt(), mark.first(kMarkedSize)))
+    return std::nullopt;
+  return end;
+}
+
+bool LogHeader::IsApplied() const {
+  const auto mark = std::span<const std::uint8_t>(bytes_).subspan(kMarkOffset, kMarkSize);
+  return GetLittle<std::uint64_t>(bytes_, kAppliedOffset) == Checksum(Salt(), mark);
+}
+
+bool LogHeader::IsDoubtful() const {
+  return GetLittle<std::uint64_t>(bytes_, kDoubtfulOffset) != 0;
+}
+
+void LogHeader::MarkApplying(File& log, std::uint64_t end) {
+  LogHeader marked = *this;
+  const auto mark = std::span<std::uint8_t>(marked.bytes_).subspan(kMarkOffset, kMarkSize);
+  PutLittle<std::uint64_t>(mark, 0, end);
+  PutLittle<std::uint64_t>(mark, kMarkedSize, Checksum(Salt(), mark.first(kMarkedSize)));
+  log.WriteAt(kMarkOffset, mark);
+  *this = marked;
+}
+
+void LogHeader::MarkApplied(File& log) {
+  const auto mark = std::span<const std::uint8_t>(bytes_).subspan(kMarkOffset, kMarkSize);
+  const auto applied = std::span<std::uint8_t>(bytes_).subspan(kAppliedOffset, kAppliedSize);
+  PutLittle<std::uint64_t>(applied, 0, Checksum(Salt(), mark));
+  log.WriteAt(kAppliedOffset, applied);
+}
+
+void LogHeader::MarkDoubtful(File& log) {
+  std::array<std::uint8_t, kDoubtfulSize> mark{};
+  PutLittle<std::uint64_t>(mark, 0, 1);
+  try {
+    if (log.Size() >= log_layout::kHeaderSize) log.WriteAt(kDoubtfulOffset, mark);
+  } catch (const Error&) {
+    // The others learn it from the system when they flush.
+  }
+}
+
+}  // namespace tavi::access

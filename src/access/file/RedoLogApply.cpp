@@ -1,0 +1,208 @@
+// A redo log is brought into its database file, and dropped; first it is made sure that it is its file.
+#include <algorithm>
+#include <array>
+
+#include "access/file/EngineError.h"
+#include "access/file/RedoLog.h"
+
+namespace tavi::access {
+
+using namespace log_layout;
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Whose log it is
+// ---------------------------------------------------------------------------------------------------------------------
+
+bool RedoLog::ApplyingHasBegun() const {
+  const std::optional<std::uint64_t> mark = header_.Applying();
+  return mark && *mark <= end_;
+}
+
+bool RedoLog::BelongsTo(File& database) {
+  const LogOwner owner = header_.Owner();
+  const std::uint64_t size = database.Size();
+  if (!HasFittingSize(owner, size)) return false;
+  const bool recognises = std::all_of(pages_.begin(), pages_.end(), [&](const auto& entry) {
+    return Recognises(database, size, entry.first, entry.second);
+  });
+  if (!recognises) return false;
+  if (owner.IsSummed()) return IsUntouched(database, owner) || HasContent(database, owner);
+  return IsThatLargeFile(database, owner) && HasWitnesses(database, owner);
+}
+
+// A checkpoint lets the file grow, and never shrink.
+bool RedoLog::HasFittingSize(const LogOwner& owner, std::uint64_t size) const {
+  if (!ApplyingHasBegun()) return size == owner.size;
+  return size >= owner.size && size <= std::max(owner.size, std::uint64_t{pageCount_} * kPageSize);
+}
+
+bool RedoLog::IsUntouched(File& database, const LogOwner& owner) {
+  const std::uint64_t number = file_->Identity().number;
+  return !ApplyingHasBegun() && number != 0 && number == header_.LogNumber() &&
+         database.Identity().number == owner.fileNumber && database.ModificationStamp() == owner.stamp;
+}
+
+bool RedoLog::HasContent(File& database, const LogOwner& owner) const {
+  const auto known = [this](PageNumber number) {
+    const LoggedPage* page = Find(number);
+    return page != nullptr ? &page->before : nullptr;
+  };
+  return LogOwner::ContentSum(database, owner.size, known) == owner.contentSum;
+}
+
+bool RedoLog::IsThatLargeFile(File& database, const LogOwner& owner) {
+  // Of a log that was copied or moved the database file was copied or moved too.
+  const bool isInPlace = file_->Identity().number == header_.LogNumber();
+  if (!isInPlace) return true;
+  return database.Identity().number == owner.fileNumber &&
+         (ApplyingHasBegun() || IsSameMoment(owner.stamp, database.ModificationStamp()));
+}
+
+bool RedoLog::HasWitnesses(File& database, const LogOwner& owner) const {
+  for (std::size_t i = 0; i < LogOwner::kWitnesses; ++i) {
+    const PageNumber page = LogOwner::WitnessPage(i, owner.size);
+    if (Find(page) == nullptr && LogOwner::WitnessSum(database, page) != owner.witnesses[i]) return false;
+  }
+  return true;
+}
+
+// Whether each sector of the page is as before the log's statements, or, once a checkpoint has begun, as one may have
+// left it.
+bool RedoLog::Recognises(File& database, std::uint64_t size, PageNumber number, const LoggedPage& page) {
+  const std::uint64_t start = std::uint64_t{number} * kPageSize;
+  const bool hasBegun = ApplyingHasBegun();
+  if (!hasBegun && !page.before.isInDatabase) return start >= size;
+  if (start + kPageSize > size && page.before.isInDatabase) return false;
+
+  std::array<std::uint8_t, kPageSize> stored{};
+  const auto there = static_cast<std::size_t>(std::min<std::uint64_t>(kPageSize, size - std::min(size, start)));
+  if (there > 0) database.ReadAt(start, std::span(stored).first(there));
+  const PageSums sums = PageSums::Of(stored);
+  if (sums == page.before) return true;
+  if (!hasBegun) return false;
+  const std::vector<PageSums> images = SumsOfImages(page);
+  const PageSums blank = PageSums::Of(std::array<std::uint8_t, kPageSize>{});
+  for (std::size_t i = 0; i < PageSums::kSectors; ++i) {
+    // A new page may be there in part; where it is not the file ends, or has zeros.
+    const bool isOld = page.before.isInDatabase
+                           ? sums.sectors[i] == page.before.sectors[i]
+                           : sums.sectors[i] == blank.sectors[i] || (i + 1) * PageSums::kSectorSize > there;
+    const auto isAsIn = [&](const PageSums& image) { return image.sectors[i] == sums.sectors[i]; };
+    if (!isOld && std::none_of(images.begin(), images.end(), isAsIn)) return false;
+  }
+  return true;
+}
+
+std::vector<PageSums> RedoLog::SumsOfImages(const LoggedPage& page) {
+  std::vector<std::uint64_t> offsets = page.olderImages;
+  offsets.push_back(page.imageOffset);
+  std::vector<PageSums> sums;
+  std::array<std::uint8_t, kPageSize> image{};
+  for (const std::uint64_t offset : offsets) {
+    file_->ReadAt(offset, image);
+    sums.push_back(PageSums::Of(image));
+  }
+  return sums;
+}
+
+// ---------------------------------------------------------------------------------------------------------------------
+// Applying
+// ---------------------------------------------------------------------------------------------------------------------
+
+// A mark that is there already is left alone: a second attempt that fails in the middle of it would leave a log that
+// seems to have nothing to do with a database into which the first attempt has written. It serves, since all that was
+// appended after it is flushed here too.
+void RedoLog::MarkApplying() {
+  if (!ApplyingHasBegun()) header_.MarkApplying(*file_, end_);
+  MakeDurable();
+}
+
+void RedoLog::ApplyTo(File& database) {
+  MarkApplying();
+  // New pages first: a full disk is then met before any old page is touched.
+  const auto firstNew = static_cast<PageNumber>(database.Size() / kPageSize);
+  std::vector<PageNumber> numbers;
+  numbers.reserve(pages_.size());
+  for (const auto& entry : pages_) numbers.push_back(entry.first);
+  std::sort(numbers.begin(), numbers.end());
+  std::rotate(numbers.begin(), std::lower_bound(numbers.begin(), numbers.end(), firstNew), numbers.end());
+
+  std::vector<std::uint8_t> run;
+  run.reserve(kChunkSize);
+  for (std::size_t i = 0; i < numbers.size(); ++i) {
+    run.resize(run.size() + kPageSize);
+    ReadImage(pages_.at(numbers[i]), std::span(run).last<kPageSize>());
+    const bool goesOn = i + 1 < numbers.size() && numbers[i + 1] == numbers[i] + 1 && run.size() < kChunkSize;
+    if (goesOn) continue;
+    database.WriteAt((std::uint64_t{numbers[i]} + 1) * kPageSize - run.size(), run);
+    run.clear();
+  }
+  const std::uint64_t size = std::uint64_t{pageCount_} * kPageSize;
+  if (database.Size() != size) database.Truncate(size);
+  database.StampNow();
+  database.Sync();
+  // Not flushed: where it gets lost the log is applied once more, which changes nothing.
+  header_.MarkApplied(*file_);
+}
+
+void RedoLog::Reset(const LogOwner& owner) {
+  flush_.Settle();
+  Forget();
+  file_->Truncate(0);
+  fileSize_ = 0;
+  // Without this a power failure could bring old statements back that no longer belong to the database.
+  flush_.Now();
+  flush_.ForgetFailures();
+  BeginLog(owner);
+}
+
+void RedoLog::Remove() {
+  // A doubtful log may hold a statement that was refused because it could not be flushed.
+  const bool mayHoldStatements = fileSize_ > kHeaderSize || IsDoubtful();
+  Release();
+  Forget();
+  fileSystem_.Remove(path_);
+  // As in Reset: old statements must not come back.
+  if (mayHoldStatements) fileSystem_.SyncFolderOf(path_);
+}
+
+std::string RedoLog::SetAside(bool isAlone) {
+  std::string target = FreeSetAsidePath();
+  Forget();
+  flush_.Settle();
+  if (isAlone) {
+    Release();
+    fileSystem_.Rename(path_, target);
+    fileSystem_.SyncFolderOf(path_);
+  } else {
+    // The others know the file, not only its name. The copy is durable, its name too, before the original goes.
+    CopyTo(target);
+    fileSystem_.SyncFolderOf(target);
+    file_->Truncate(0);
+    flush_.Now();
+    fileSize_ = 0;
+  }
+  return target;
+}
+
+std::string RedoLog::FreeSetAsidePath() const {
+  for (unsigned number = 1;; ++number) {
+    std::string path = path_ + "-setaside-" + std::to_string(number);
+    if (!fileSystem_.Exists(path)) return path;
+  }
+}
+
+void RedoLog::CopyTo(const std::string& path) {
+  const auto target = fileSystem_.Open(path, FileSystem::OpenMode::CreateNew);
+  fileSystem_.CopyPermissions(path_, path);
+  const std::uint64_t size = file_->Size();
+  std::vector<std::uint8_t> chunk(kChunkSize);
+  for (std::uint64_t offset = 0; offset < size; offset += chunk.size()) {
+    chunk.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kChunkSize, size - offset)));
+    file_->ReadAt(offset, chunk);
+    target->WriteAt(offset, chunk);
+  }
+  target->Sync();
+}
+
+}  // namespace tavi::access
