@@ -72,16 +72,22 @@ WorkFolder::~WorkFolder() {
   std::error_code notRenamed;
   const bool isDone = fileSystem_->Exists(File(kMarkName)) && !fileSystem_->Exists(Draft());
   if (isDone) fs::rename(PathOf(path_), PathOf(donePath_), notRenamed);
-  if (isDone && !notRenamed) {
-    RemoveAllQuietly(donePath_);
-    return;
+  const bool isRenamed = isDone && !notRenamed;
+  const std::string& left = isRenamed ? donePath_ : path_;
+  if (isRenamed) {
+    RemoveAllQuietly(left);
+  } else {
+    Clear();
+    RemoveQuietly(File(kLockName));
+    RemoveQuietly(left);
   }
-  Clear();
-  RemoveQuietly(File(kLockName));
-  RemoveQuietly(path_);
   lock_.reset();
   // Some systems remove no folder while a file that lay in it is open.
-  RemoveQuietly(path_);
+  if (isRenamed) {
+    RemoveAllQuietly(left);
+  } else {
+    RemoveQuietly(left);
+  }
 }
 
 std::string WorkFolder::Draft() const {
