@@ -152,6 +152,15 @@ void CheckViews(const std::string& usual) {
 }
 
 /// What comes of a machine-wide value of the registry when the file cannot take it.
+/// A file that cannot be read fails no start: the registry counts. An empty one is made whole, any other left alone.
+void CheckPassedOver(const std::string& what) {
+  const std::optional<std::string> before = Content(SettingsFile());
+  const auto machine = Setting(HKEY_LOCAL_MACHINE, kFolderName, L"C:\\Machine");
+  CheckText(what + ": the registry's value counts", FolderFound(), "C:\\Machine");
+  Check(what + ": the file is made whole only where it is empty",
+        (Content(SettingsFile()) == before) != before->empty());
+}
+
 void CheckRefusedCopy(const std::string& what, const std::string& usual) {
   const std::optional<std::string> before = Content(SettingsFile());
   const auto machine = Setting(HKEY_LOCAL_MACHINE, kFolderName, L"C:\\Machine");
@@ -184,7 +193,7 @@ void CheckSettingsFiles(const std::string& folder) {
   for (const char* const content : {"", "this is no XML", "<settings><hkey_local_machine>", "\xFF\xFE<"}) {
     PutFile(content);
     CheckText("a garbled file holds nothing", FolderFound(), usual);
-    CheckRefusedCopy("a garbled file", usual);
+    CheckPassedOver("a garbled file");
   }
   PutFile(FileWith("<DB_Folder> \r\n</DB_Folder>"));
   CheckText("an empty value of the file is none", FolderFound(), usual);
