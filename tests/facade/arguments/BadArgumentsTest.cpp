@@ -130,7 +130,7 @@ class BadArgumentsTest : public ::testing::TestWithParam<BadArgumentOperation> {
   Texts bystanders_;
 };
 
-TEST_P(BadArgumentsTest, RaiseAClearErrorOrDoWhatIsSpecifiedAndHarmNothingElse) {
+TEST_P(BadArgumentsTest, RaiseAClearErrorOrDoWhatIsPromisedAndHarmNothingElse) {
   for (const std::vector<BadCall>& argument : GetParam().arguments) {
     for (const BadCall& bad : argument) {
       SCOPED_TRACE(bad.what);
