@@ -151,16 +151,15 @@ void CheckViews(const std::string& usual) {
   }
 }
 
-/// What comes of a machine-wide value of the registry when the file cannot take it.
-/// A file that cannot be read fails no start: the registry counts. An empty one is made whole, any other left alone.
+/// A file that cannot be read fails no start: the registry's value counts, and the file is left alone.
 void CheckPassedOver(const std::string& what) {
   const std::optional<std::string> before = Content(SettingsFile());
   const auto machine = Setting(HKEY_LOCAL_MACHINE, kFolderName, L"C:\\Machine");
   CheckText(what + ": the registry's value counts", FolderFound(), "C:\\Machine");
-  Check(what + ": the file is made whole only where it is empty",
-        (Content(SettingsFile()) == before) != before->empty());
+  Check(what + ": the file is left alone", Content(SettingsFile()) == before);
 }
 
+/// What comes of a machine-wide value of the registry when the file cannot take it.
 void CheckRefusedCopy(const std::string& what, const std::string& usual) {
   const std::optional<std::string> before = Content(SettingsFile());
   const auto machine = Setting(HKEY_LOCAL_MACHINE, kFolderName, L"C:\\Machine");
@@ -190,7 +189,10 @@ void CheckSettings(const std::string& /*folder*/) {
 
 void CheckSettingsFiles(const std::string& folder) {
   const std::string usual = ShellFolder(CSIDL_COMMON_DOCUMENTS) + "\\Bridge\\Database";
-  for (const char* const content : {"", "this is no XML", "<settings><hkey_local_machine>", "\xFF\xFE<"}) {
+  PutFile("");
+  CheckText("an empty file holds nothing", FolderFound(), usual);
+  CheckText("and is made whole", Content(SettingsFile()).value_or(""), kSkeleton);
+  for (const char* const content : {"this is no XML", "<settings><hkey_local_machine>", "\xFF\xFE<"}) {
     PutFile(content);
     CheckText("a garbled file holds nothing", FolderFound(), usual);
     CheckPassedOver("a garbled file");
