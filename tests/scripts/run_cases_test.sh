@@ -29,6 +29,14 @@ expect "A passing program is silent" "" "$output"
 expect "What was not run has its reason, the others their number" "not run: there are no files
 run: 2" "$(cat "$TAVI_TEST_NOTES/passing")"
 
+output=$("$run_cases" windows bash -c "{ $passing; } | sed 's/\$/\r/'")
+expect "A Windows program's lines are understood" "not run: there are no files
+run: 2" "$(cat "$TAVI_TEST_NOTES/windows")"
+
+output=$("$run_cases" wordless bash -c 'echo "[ RUN      ] Walk.Ends"; echo "[  SKIPPED ] Walk.Ends (0 ms)"')
+expect "A case that gives no reason is named" "not run: Walk.Ends does not say why
+run: 0" "$(cat "$TAVI_TEST_NOTES/wordless")"
+
 output=$("$run_cases" failing bash -c "$failing")
 expect "The result is that of the program" 1 $?
 expect "Only the failed case shows" "[ RUN      ] Walk.Goes
