@@ -122,9 +122,7 @@ bool LayoutCheck::QueueChanges() {
 }
 
 void LayoutCheck::Apply(const cDbFieldDef& change) {
-  if (const auto error = TryChange(database_, change)) {
-    ShowFailure(database_, change, *error, fieldLimitMessageShown_);
-  }
+  if (const auto error = TryChange(database_, change)) failures_.emplace_back(change, *error);
 }
 
 // The new columns stand before this removal in the queue. While the old column's content is not safe in them, it stays
@@ -140,7 +138,7 @@ void LayoutCheck::CarryOverCompetitionTypes(const cDbFieldDef& removal) {
       refusal = TryChange(database_, removal);
     });
   });
-  if (isSafe && refusal) ShowFailure(database_, removal, *refusal, fieldLimitMessageShown_);
+  if (isSafe && refusal) failures_.emplace_back(removal, *refusal);
 }
 
 void LayoutCheck::ApplyQueue() {
@@ -151,6 +149,22 @@ void LayoutCheck::ApplyQueue() {
       Apply(change);
     }
   }
+}
+
+// Which old data have to be converted is seen by the columns that are missing, so that a file which had got some of
+// them and was then left by a killed program would never be converted. A change that fails undoes itself alone.
+void LayoutCheck::ApplyAsOne(bool conversionNeeded) {
+  failures_.clear();
+  try {
+    InTransaction(database_, [&] {
+      ApplyQueue();
+      if (conversionNeeded)
+        Attempt("marking awards without a colour", [this] { ConvertMasterPointColours(database_); });
+    });
+  } catch (const Error& error) {
+    failures_ = {{queue_.front(), error}};
+  }
+  for (const auto& [change, error] : failures_) ShowFailure(database_, change, error, fieldLimitMessageShown_);
 }
 
 void LayoutCheck::Run() {
@@ -165,9 +179,8 @@ void LayoutCheck::Run() {
   const bool conversionNeeded = QueueChanges();
   if (!queue_.empty()) {
     database_.GetPlatform().messageBoxes->Show(MessageBoxIcon::Information, kUpdateTitle, kUpdateText);
-    ApplyQueue();
+    ApplyAsOne(conversionNeeded);
   }
-  if (conversionNeeded) Attempt("marking awards without a colour", [this] { ConvertMasterPointColours(database_); });
   Attempt("repairing the colours of awards", [this] { RepairMasterPointColours(database_); });
 }
 

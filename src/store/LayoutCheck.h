@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "store/cDatabase.h"
@@ -33,7 +34,10 @@ class LayoutCheck {
   /// Older files hold MasterPoints.TempMPTotal as a whole number. It is removed now and added anew at the next check.
   void CheckTypeOfTemporaryTotal();
   void ApplyQueue();
-  /// Makes a change; a failure is shown.
+  /// Applies the queue and marks awards without a colour when old data have to be converted: all of it is stored at
+  /// once, or nothing. What failed is shown afterwards.
+  void ApplyAsOne(bool conversionNeeded);
+  /// Makes a change; a failure is kept to be shown.
   void Apply(const cDbFieldDef& change);
   /// Carries the kinds of competitions over and removes their old column.
   void CarryOverCompetitionTypes(const cDbFieldDef& removal);
@@ -43,6 +47,7 @@ class LayoutCheck {
   cDatabase& database_;
   bool& fieldLimitMessageShown_;
   std::vector<cDbFieldDef> queue_;
+  std::vector<std::pair<cDbFieldDef, Error>> failures_;  ///< of changes that were not made, in their order
 };
 
 }  // namespace tavi

@@ -213,7 +213,7 @@ TEST_F(Command, ScoringTheSameFileTwiceChangesNothing) {
     return std::make_tuple(
         folder_.Query("Select Player, Partner, ActualPercentage, NetPercentage From Results Order By Player"),
         folder_.Query(
-            "Select MembershipNumber, NonMemberName, MasterPoints From MasterPoints Order By MembershipNumber"),
+            "Select MembershipNumber, NonMemberName, MasterPoints, ID From MasterPoints Order By MembershipNumber"),
         folder_.Query("Select ID, CompetitionName, CompetitionDate From Competitions"),
         folder_.Query("Select MembershipNumber, Handicap From Members Order By MembershipNumber"));
   };

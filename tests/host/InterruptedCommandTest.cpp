@@ -1,5 +1,6 @@
 // Commands that are killed at, or in the middle of, every change that they make to a file, or find the disk full from
 // there on. The same command then ends as if it had never been interrupted, and leaves nothing else behind.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -23,6 +24,7 @@ namespace tavi::host {
 namespace {
 
 namespace fs = std::filesystem;
+using ::testing::ElementsAre;
 using Arguments = std::vector<std::string>;
 /// All that a club's folder holds: contents of its files by name, databases as the text of all their tables.
 using Contents = std::map<std::string, std::string>;
@@ -225,6 +227,57 @@ TEST_F(InterruptedClub, AnImportOfPairsCanBeRepeated) {
   isWholeOrNothing_ = false;
   Prepare(start_, {"members", "import", examples_ + "members.csv"});
   InterruptEverywhere({"pairs", "import", examples_ + "pairs.csv"});
+}
+
+/// A club whose file an older version made: columns are missing, kinds of competitions are letters, and awards that
+/// were stored before there were colours have none.
+class InterruptedFirstOpen : public InterruptedClub {
+ protected:
+  void SetUp() override {
+    InterruptedClub::SetUp();
+    AddMembers();
+    for (const char* statement :
+         {"Alter Table Members Drop Column Sex", "Alter Table Members Drop Column Stratum",
+          "Alter Table MasterPoints Drop Column SessionNo", "Alter Table Competitions Drop Column IsExternal",
+          "Alter Table Competitions Add Column ExternalType Text (1)",
+          "Alter Table Settings Add Column DirectCreditMPs Bit",
+          "Insert Into Competitions (CompetitionName, ExternalType) Values ('Old Pairs', 'P')",
+          "Insert Into Competitions (CompetitionName, ExternalType) Values ('Old Teams', 'T')",
+          "Insert Into MasterPoints (MembershipNumber, MasterPoints, Colour) Values (1, 24, Null)"}) {
+      Prepare(start_, {"sql", statement});
+    }
+  }
+};
+
+TEST_F(InterruptedFirstOpen, GivesAnOlderFileItsColumnsDefaultsAndConversionsAllTheSame) {
+  isWholeOrNothing_ = false;
+  InterruptEverywhere({"members"});
+  EXPECT_THAT(folder_.Query("Select Distinct Sex, Stratum From Members"), ElementsAre("0\t0"));
+  EXPECT_THAT(folder_.Query("Select IsTeams, IsExternal From Competitions Order By ID"),
+              ElementsAre("no\tyes", "yes\tyes"));
+  EXPECT_THAT(folder_.Query("Select SessionNo, Colour From MasterPoints"), ElementsAre("-1\t-1"));
+}
+
+class InterruptedScoring : public InterruptedClub {
+ protected:
+  void SetUp() override {
+    InterruptedClub::SetUp();
+    AddMembers();
+    isWholeOrNothing_ = false;
+  }
+  /// The first evenings of the example's season.
+  [[nodiscard]] Arguments Evenings(std::size_t count) const {
+    std::vector<std::string> evenings;
+    for (const auto& entry : fs::directory_iterator(examples_ + "evenings")) evenings.push_back(entry.path().string());
+    std::sort(evenings.begin(), evenings.end());
+    Arguments arguments{"score"};
+    arguments.insert(arguments.end(), evenings.begin(), evenings.begin() + static_cast<std::ptrdiff_t>(count));
+    return arguments;
+  }
+};
+
+TEST_F(InterruptedScoring, OfEveningsCanBeRepeated) {
+  InterruptEverywhere(Evenings(2));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "facade/DatabaseTransaction.h"
 #include "host/results/XmlElement.h"
+#include "host/scoring/StoredEvents.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -125,7 +126,10 @@ void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::s
 void EveningScorer::Store(std::vector<ScoredEvent>& events) {
   const UpdateGuard guard(database_);
   DatabaseTransaction transaction;
+  const std::vector<std::string> before = ReadStoredEvents(events);
   for (ScoredEvent& scored : events) StoreOne(scored);
+  // What is there already stays as it is, with the numbers of its awards.
+  if (!before.empty() && ReadStoredEvents(events) == before) return;
   transaction.Commit();
 }
 

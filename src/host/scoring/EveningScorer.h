@@ -42,7 +42,7 @@ class EveningScorer {
   /// different ones, are different people.
   [[nodiscard]] ScoredEvent Prepare(Event event, const std::string& fileName);
   /// Stores prepared events as one, replacing what an earlier scoring of them stored: all of them, or, when an error
-  /// passes, nothing.
+  /// passes, nothing. Events that are there already just so are left as they are.
   void Store(std::vector<ScoredEvent>& events);
 
  private:
