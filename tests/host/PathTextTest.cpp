@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "host/support/Command.h"
 
@@ -54,6 +56,43 @@ TEST(PathText, MakesFoldersWithThoseThatTheyLieIn) {
   EXPECT_NE(failure, std::error_code());
   EXPECT_FALSE(ReasonOf(failure).empty());
 }
+
+TEST(PathText, JoinsAFolderAndAName) {
+  EXPECT_EQ(JoinPath("", "Zoë"), "Zoë");
+  EXPECT_EQ(JoinPath("/", "Zoë"), "/Zoë");
+  EXPECT_EQ(SplitPath(JoinPath("/club", "Zoë")).folder, "/club");
+  EXPECT_EQ(SplitPath(JoinPath("/club", "Zoë")).name, "Zoë");
+}
+
+TEST(PathText, NamesWhatLiesInAFolderHoweverLongItsPath) {
+  const CommandFolder folder;
+  std::string path = folder.Path("long");
+  for (int depth = 0; depth < 4; ++depth) path = JoinPath(path, std::string(90, 'n'));
+  ASSERT_EQ(MakeFolders(JoinPath(path, "inner")), std::error_code());
+  std::ofstream(PathOf(JoinPath(path, "Łukasz"))) << "x";
+  std::error_code failure;
+  std::vector<std::string> names = NamesIn(path, failure);
+  std::ranges::sort(names);
+  EXPECT_EQ(names, (std::vector<std::string>{"inner", "Łukasz"}));
+  EXPECT_EQ(failure, std::error_code());
+  RemoveAll(folder.Path("long"));
+  EXPECT_FALSE(std::filesystem::exists(PathOf(folder.Path("long"))));
+  EXPECT_TRUE(NamesIn(folder.Path("long"), failure).empty());
+  EXPECT_NE(failure, std::error_code());
+}
+
+#ifndef _WIN32
+TEST(PathText, RemovesALinkAndNotWhereItLeads) {
+  const CommandFolder folder;
+  ASSERT_EQ(MakeFolders(folder.Path("club")), std::error_code());
+  ASSERT_EQ(MakeFolders(folder.Path("work")), std::error_code());
+  folder.Write("club/ClubMembers.mdb", "x");
+  std::filesystem::create_directory_symlink(folder.Path("club"), folder.Path("work/link"));
+  RemoveAll(folder.Path("work"));
+  EXPECT_FALSE(std::filesystem::exists(folder.Path("work")));
+  EXPECT_TRUE(std::filesystem::exists(folder.Path("club/ClubMembers.mdb")));
+}
+#endif
 
 }  // namespace
 }  // namespace tavi::host

@@ -122,6 +122,8 @@ def long_path(command):
     command.succeed("new", club=club)
     expect(command.succeed("sql", "Select Count(*) From Members", club=club).rows() == [["0"]], "it is a club")
     command.run("new", club=club).refused(1, "exists already")
+    command.succeed("dump", club + "\\ClubMembers.mdb", club + "\\dump")
+    command.run("dump", club + "\\ClubMembers.mdb", club + "\\dump").refused(1, "is not empty")
 
 
 def other_computer(command):

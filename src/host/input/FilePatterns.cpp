@@ -47,14 +47,12 @@ std::u32string Folded(const std::string& name) {
 
 std::vector<std::string> FilesOfPattern(const std::string& pattern) {
   const PathParts parts = SplitPath(pattern);
-  const fs::path folder = PathOf(parts.folder);
   const std::u32string wanted = Folded(parts.name);
   std::vector<std::string> files;
   std::error_code failure;
-  for (const auto& entry : fs::directory_iterator(folder.empty() ? fs::path(".") : folder, failure)) {
-    if (!entry.is_directory(failure) && Fits(Folded(TextOf(entry.path().filename())), wanted)) {
-      files.push_back(TextOf(folder / entry.path().filename()));
-    }
+  for (const std::string& name : NamesIn(parts.folder.empty() ? "." : parts.folder, failure)) {
+    const std::string file = JoinPath(parts.folder, name);
+    if (!fs::is_directory(PathOf(file), failure) && Fits(Folded(name), wanted)) files.push_back(file);
   }
   std::ranges::sort(files);
   return files.empty() ? std::vector<std::string>{pattern} : files;

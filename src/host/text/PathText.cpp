@@ -57,6 +57,11 @@ PathParts SplitPath(const std::string& path) {
   return {isRoot ? path.substr(0, separator + 1) : folder, path.substr(separator + 1)};
 }
 
+std::string JoinPath(const std::string& folder, const std::string& name) {
+  if (folder.empty() || kSeparators.find(folder.back()) != std::string_view::npos) return folder + name;
+  return folder + static_cast<char>(std::filesystem::path::preferred_separator) + name;
+}
+
 std::error_code MakeFolders(const std::string& path) {
   std::error_code failure;
   if (std::filesystem::is_directory(PathOf(path), failure)) return {};
@@ -80,6 +85,38 @@ std::error_code MakePrivateFolder(const std::string& path) {
   if (status.st_uid != ::geteuid()) return std::make_error_code(std::errc::operation_not_permitted);
   return ::chmod(path.c_str(), S_IRWXU) == 0 ? std::error_code() : std::error_code(errno, std::generic_category());
 #endif
+}
+
+// The standard library never comes to the end of a folder whose path is longer than Windows' programs of old could
+// name.
+std::vector<std::string> NamesIn(const std::string& folder, std::error_code& failure) {
+  std::vector<std::string> names;
+#ifdef _WIN32
+  WIN32_FIND_DATAW entry{};
+  const HANDLE search = ::FindFirstFileW(windows::ToWidePath(folder + "\\*").c_str(), &entry);
+  failure = search == INVALID_HANDLE_VALUE ? std::error_code(static_cast<int>(::GetLastError()), std::system_category())
+                                           : std::error_code();
+  if (failure) return names;
+  do {
+    std::string name = windows::FromWide(entry.cFileName);
+    if (name != "." && name != "..") names.push_back(std::move(name));
+  } while (::FindNextFileW(search, &entry) != 0);
+  ::FindClose(search);
+#else
+  for (std::filesystem::directory_iterator entry(folder, failure); entry != std::filesystem::directory_iterator();
+       entry.increment(failure)) {
+    names.push_back(entry->path().filename().string());
+  }
+#endif
+  return names;
+}
+
+void RemoveAll(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::symlink_status(PathOf(path), ignored).type() == std::filesystem::file_type::directory) {
+    for (const std::string& name : NamesIn(path, ignored)) RemoveAll(JoinPath(path, name));
+  }
+  std::filesystem::remove(PathOf(path), ignored);
 }
 
 std::string ReasonOf(const std::error_code& failure) {

@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <vector>
 
 /// Paths as people write them: UTF-8 on every system. Under Windows they may lie on another computer ("\\server\share")
 /// and be longer than 260 characters, neither of which the standard library takes apart rightly.
@@ -24,12 +25,22 @@ struct PathParts {
 /// Takes the last name off a path.
 [[nodiscard]] PathParts SplitPath(const std::string& path);
 
+/// The path of what lies in a folder; an empty folder is the current one.
+[[nodiscard]] std::string JoinPath(const std::string& folder, const std::string& name);
+
 /// Makes a folder, and first those that it lies in; one that is there already is no failure.
 [[nodiscard]] std::error_code MakeFolders(const std::string& path);
 
 /// Makes a folder that nobody but its owner may enter, in one that exists; one of that kind that is there already is no
 /// failure, but a link to a folder is one. Under Windows it is as open as the folder that it lies in.
 [[nodiscard]] std::error_code MakePrivateFolder(const std::string& path);
+
+/// The names of the files and folders that lie in a folder, in no order; none where it cannot be read, and `failure`
+/// says why then.
+[[nodiscard]] std::vector<std::string> NamesIn(const std::string& folder, std::error_code& failure);
+
+/// Removes a file, or a folder with all that lies in it; links are removed, not followed. What cannot be removed stays.
+void RemoveAll(const std::string& path);
 
 /// The system's words for a failure of a file operation.
 [[nodiscard]] std::string ReasonOf(const std::error_code& failure);

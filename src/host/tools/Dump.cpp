@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 void MakeFolder(const std::string& folder) {
   std::error_code code = MakeFolders(folder);
   if (code) RefuseFolder(folder, "cannot be made: " + ReasonOf(code));
-  const bool isEmpty = fs::is_empty(PathOf(folder), code);
+  const bool isEmpty = NamesIn(folder, code).empty();
   if (code) RefuseFolder(folder, "cannot be read: " + ReasonOf(code));
   if (!isEmpty)
     RefuseFolder(folder,

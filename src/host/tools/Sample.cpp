@@ -33,15 +33,13 @@ std::string NewFolder() {
 
 std::vector<std::string> ResultFiles(const std::string& from) {
   std::vector<std::string> files;
-  const std::filesystem::path folder = PathOf(from) / "evenings";
-  if (std::filesystem::is_directory(folder)) {
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-      if (entry.path().extension() == ".xml") files.push_back(TextOf(entry.path()));
-    }
+  const std::string folder = JoinPath(from, "evenings");
+  std::error_code unreadable;
+  for (const std::string& name : NamesIn(folder, unreadable)) {
+    if (name.ends_with(".xml")) files.push_back(JoinPath(folder, name));
   }
   if (files.empty()) {
-    throw Error(ErrorNumber::InvalidArgument, "tavi",
-                TextOf(folder) + " holds no result files; expected USEBIO files (.xml)");
+    throw Error(ErrorNumber::InvalidArgument, "tavi", folder + " holds no result files; expected USEBIO files (.xml)");
   }
   std::sort(files.begin(), files.end());
   return files;
@@ -58,8 +56,8 @@ int MakeSample(Context context, const std::string& from) {
   quiet.folder = context.folder;
   quiet.platform = context.platform;
   MakeClub(quiet, {"Sample Bridge Club", ""});
-  ImportMembers(quiet, {TextOf(PathOf(from) / "members.csv")});
-  ImportPairs(quiet, {TextOf(PathOf(from) / "pairs.csv")});
+  ImportMembers(quiet, {JoinPath(from, "members.csv")});
+  ImportPairs(quiet, {JoinPath(from, "pairs.csv")});
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
   const std::vector<ScoredFile> scored = ScoreFiles(context, *club, files);
   for (const ScoredFile& file : scored) {

@@ -27,11 +27,6 @@ void RemoveQuietly(const std::string& path) {
   fs::remove(PathOf(path), ignored);
 }
 
-void RemoveAllQuietly(const std::string& path) {
-  std::error_code ignored;
-  fs::remove_all(PathOf(path), ignored);
-}
-
 }  // namespace
 
 WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
@@ -51,7 +46,7 @@ WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
 WorkFolder::OuterFolders::~OuterFolders() {
   for (const std::string& made : made_) {
     std::error_code unknown;
-    if (!fs::is_empty(PathOf(made), unknown)) return;
+    if (!NamesIn(made, unknown).empty() || unknown) return;
     RemoveQuietly(made);
   }
 }
@@ -65,7 +60,7 @@ WorkFolder::WorkFolder(const std::string& clubFile)
     if (attempt == kMostAttempts) Refuse("the folder " + path_ + " is made and removed again and again; try again");
   }
   Clear();
-  RemoveAllQuietly(donePath_);
+  RemoveAll(donePath_);
 }
 
 WorkFolder::~WorkFolder() {
@@ -75,7 +70,7 @@ WorkFolder::~WorkFolder() {
   const bool isRenamed = isDone && !notRenamed;
   const std::string& left = isRenamed ? donePath_ : path_;
   if (isRenamed) {
-    RemoveAllQuietly(left);
+    RemoveAll(left);
   } else {
     Clear();
     RemoveQuietly(File(kLockName));
@@ -84,7 +79,7 @@ WorkFolder::~WorkFolder() {
   lock_.reset();
   // Some systems remove no folder while a file that lay in it is open.
   if (isRenamed) {
-    RemoveAllQuietly(left);
+    RemoveAll(left);
   } else {
     RemoveQuietly(left);
   }
@@ -115,7 +110,7 @@ bool WorkFolder::WasLeftWhenDone(const std::string& clubFile) {
 }
 
 std::string WorkFolder::File(const std::string& name) const {
-  return TextOf(PathOf(path_) / PathOf(name));
+  return JoinPath(path_, name);
 }
 
 // False when another run has removed the folder or its lock meanwhile.
@@ -139,12 +134,9 @@ bool WorkFolder::Enter() {
 
 void WorkFolder::Clear() const {
   std::error_code ignored;
-  std::vector<fs::path> entries;
-  for (fs::directory_iterator entry(PathOf(path_), ignored); entry != fs::directory_iterator();
-       entry.increment(ignored)) {
-    if (entry->path().filename() != kLockName) entries.push_back(entry->path());
+  for (const std::string& name : NamesIn(path_, ignored)) {
+    if (name != kLockName) RemoveAll(File(name));
   }
-  for (const fs::path& entry : entries) fs::remove_all(entry, ignored);
 }
 
 }  // namespace tavi::host
