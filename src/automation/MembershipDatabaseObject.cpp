@@ -9,8 +9,6 @@
 namespace tavi::automation {
 namespace {
 
-constexpr double kNoHandicap = -1.0;
-
 windows::ComPointer<_Collection> CollectionOf(const std::vector<std::string>& addresses) {
   std::vector<CollectionItem> items;
   for (const std::string& address : addresses) items.push_back({Variant(address), address});
@@ -278,10 +276,10 @@ STDMETHODIMP MembershipDatabaseObject::SetCompetition(BSTR CompName, DATE CompDa
 
 STDMETHODIMP MembershipDatabaseObject::NoteCompetitorResult(long CompetitionID, long Player1ID, BSTR P1Name,
                                                             long Player2ID, BSTR P2Name, double ActualPercent,
-                                                            double NetPercent, VARIANT AppliedHandicap) {
+                                                            double NetPercent, double AppliedHandicap) {
   return Answer([&] {
     database_.NoteCompetitorResult(CompetitionID, Player1ID, ToText(P1Name), Player2ID, ToText(P2Name), ActualPercent,
-                                   NetPercent, OptionalDouble(AppliedHandicap).value_or(kNoHandicap));
+                                   NetPercent, AppliedHandicap);
   });
 }
 
@@ -296,11 +294,10 @@ STDMETHODIMP MembershipDatabaseObject::AddMasterPoints(long CompetitionID, short
 
 STDMETHODIMP MembershipDatabaseObject::UpdateResult(long CompetitionID, VARIANT_BOOL Individual, long Player1ID,
                                                     BSTR P1Name, long Player2ID, BSTR P2Name, double ActualPercent,
-                                                    double NetPercent, short MasterPoints, VARIANT AppliedHandicap) {
+                                                    double NetPercent, short MasterPoints, double AppliedHandicap) {
   return Answer([&] {
     database_.UpdateResult(CompetitionID, ToBool(Individual), Player1ID, ToText(P1Name), Player2ID, ToText(P2Name),
-                           ActualPercent, NetPercent, MasterPoints,
-                           OptionalDouble(AppliedHandicap).value_or(kNoHandicap));
+                           ActualPercent, NetPercent, MasterPoints, AppliedHandicap);
   });
 }
 

@@ -76,12 +76,12 @@ class MembershipDatabaseObject final : public AutomationObject<_MembershipDataba
                               short MasterPointsColour, VARIANT_BOOL IncludeInHandicaps, short NumberOfTeams,
                               long* result) override;
   STDMETHODIMP NoteCompetitorResult(long CompetitionID, long Player1ID, BSTR P1Name, long Player2ID, BSTR P2Name,
-                                    double ActualPercent, double NetPercent, VARIANT AppliedHandicap) override;
+                                    double ActualPercent, double NetPercent, double AppliedHandicap) override;
   STDMETHODIMP AddMasterPoints(long CompetitionID, short SessionNo, long Player1ID, BSTR P1Name, long Player2ID,
                                BSTR P2Name, double MasterPoints, long MasterPointsColour) override;
   STDMETHODIMP UpdateResult(long CompetitionID, VARIANT_BOOL Individual, long Player1ID, BSTR P1Name, long Player2ID,
                             BSTR P2Name, double ActualPercent, double NetPercent, short MasterPoints,
-                            VARIANT AppliedHandicap) override;
+                            double AppliedHandicap) override;
   STDMETHODIMP EndResultUpdate(long CompetitionID) override;
   STDMETHODIMP get_HandicalcOptions(_HandiCalcSettings** result) override;
   STDMETHODIMP putref_HandicalcOptions(_HandiCalcSettings* value) override;

@@ -128,6 +128,7 @@ void Drive(const std::string& folder) {
   tavi::automation_test::CheckEveryArgument(*database.Get());
   tavi::automation_test::CheckObjectRules(*database.Get());
   tavi::automation_test::CheckCollections(*database.Get());
+  tavi::automation_test::CheckLeftOutHandicaps(*database.Get());
   tavi::automation_test::CheckMemory(*database.Get());
   const auto settings = Create<_HandiCalcSettings>(__uuidof(HandiCalcSettings));
   short weighting = 0;

@@ -13,10 +13,10 @@ TYPES = {
     "array of 32-bit": "array of 3", "Handicaps": "_Handicaps*", "HandiCalcSettings": "_HandiCalcSettings*",
     "collection of text": "_Collection*", "collection of EBUMembershipDetails": "_Collection*",
 }
-DEFAULTS = {"empty": "=8:", "False": "=11:0", "0": "=2:0"}
-# A handicap that may be left out is any value, because a library can hold no default of a fractional one. The number
+DEFAULTS = {"empty": "=8:", "False": "=11:0", "0": "=2:0", "-1.0": "=5:-1"}
+# An argument that has no default and may be left out is any value, because only such a one can be missing. The number
 # beside names is any value too, as it has always been for callers.
-OPTIONAL_HANDICAPS = {"Handicap", "AppliedHandicap"}
+NO_DEFAULT = "none"
 RESULTS_OF_ANY_TYPE = {"GetEBUNoAndNames"}
 SET_BY_OBJECT = {"HandicalcOptions"}
 METHOD, GET, LET, SET = "1", "2", "4", "8"
@@ -56,7 +56,7 @@ def argument(text):
     name, kind, direction, default = match.groups()
     type_name = TYPES[kind]
     if default is not None:
-        if name in OPTIONAL_HANDICAPS:
+        if default == NO_DEFAULT:
             return "in optional 12", name
         return f"in optional {type_name}{DEFAULTS[default]}", name
     return ("in " + type_name, name) if direction == "in" else (f"in out {type_name}*", name)

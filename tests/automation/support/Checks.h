@@ -58,6 +58,7 @@ void CheckPassedBackByNumber(_MembershipDatabase& database);
 void CheckEveryArgument(_MembershipDatabase& database);
 void CheckObjectRules(_MembershipDatabase& database);
 void CheckCollections(_MembershipDatabase& database);
+void CheckLeftOutHandicaps(_MembershipDatabase& database);
 void CheckMemory(_MembershipDatabase& database);
 
 }  // namespace tavi::automation_test
