@@ -143,6 +143,7 @@ int FindByName(const Context& context, const std::string& name) {
       if (number != exact) AddMatch(*club, context, name, number, table);
     }
   }
+  club->CloseDatabase();
   table.Write(context.out, context.format);
   if (table.RowCount() > 0) return kSucceeded;
   context.error << "tavi: no active member is called, or sounds like, \"" << Printable(name) << "\"\n";

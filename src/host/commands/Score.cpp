@@ -63,7 +63,19 @@ void ScoreOne(MembershipDatabase& club, MemberDirectory& directory, ScoredFile& 
   for (Event& event : ReadUsebioFile(file.path)) prepared.push_back(scorer.Prepare(std::move(event), file.path));
   file.begun = true;
   scorer.Store(prepared);
+  file.stored = true;
   file.events = std::move(prepared);
+}
+
+/// Closes the club's file after a result file, which writes what its log holds.
+void CloseAfter(MembershipDatabase& club, ScoredFile& file) {
+  try {
+    club.CloseDatabase();
+  } catch (const Error& error) {
+    if (!file.error.empty()) return;  // the first error is the one to report
+    file.error = file.path + (file.stored ? ": it was stored, but the club's file could not be closed: " : ": ") +
+                 error.Description();
+  }
 }
 
 void WriteRemarks(const Context& context, const ScoredEvent& scored) {
@@ -81,7 +93,7 @@ void WriteSummary(const Context& context, const std::vector<ScoredFile>& files) 
       table.Add({file.path, scored.event.date.Iso(), scored.event.name,
                  static_cast<std::int64_t>(scored.contestants.size()), true});
     }
-    if (!file.error.empty()) table.Add({file.path, Cell(), Cell(), Cell(), false});
+    if (!file.stored) table.Add({file.path, Cell(), Cell(), Cell(), false});
   }
   table.Write(context.out, context.format);
 }
@@ -89,7 +101,7 @@ void WriteSummary(const Context& context, const std::vector<ScoredFile>& files) 
 void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
   nlohmann::ordered_json document = nlohmann::ordered_json::array();
   for (const ScoredFile& file : files) {
-    nlohmann::ordered_json entry = {{"file", file.path}, {"stored", file.error.empty()}};
+    nlohmann::ordered_json entry = {{"file", file.path}, {"stored", file.stored}};
     if (!file.error.empty()) entry["error"] = file.error;
     entry["events"] = nlohmann::ordered_json::array();
     for (const ScoredEvent& scored : file.events) {
@@ -120,6 +132,7 @@ std::vector<ScoredFile> ScoreFiles(const Context& context, MembershipDatabase& c
     } catch (const Error& error) {
       file.error = file.begun ? file.path + ": nothing of it was stored: " + error.Description() : error.Description();
     }
+    CloseAfter(club, file);
     files.push_back(std::move(file));
   }
   return files;
@@ -145,14 +158,18 @@ int Score(const Context& context, const std::vector<std::string>& paths) {
   } else {
     WriteSummary(context, files);
   }
-  const auto refused = [](const ScoredFile& file) { return !file.error.empty(); };
+  int exitCode = kSucceeded;
   for (const ScoredFile& file : files) {
-    if (refused(file)) context.error << "tavi: " << PrintableLines(file.error) << '\n';
+    if (file.error.empty()) continue;
+    context.error << "tavi: " << PrintableLines(file.error) << '\n';
+    exitCode = kFailed;
   }
-  if (std::none_of(files.begin(), files.end(), refused)) return kSucceeded;
-  context.error << "tavi: not stored: " << std::count_if(files.begin(), files.end(), refused) << " of " << files.size()
-                << (files.size() == 1 ? " file\n" : " files\n");
-  return kFailed;
+  const auto refused = std::ranges::count(files, false, &ScoredFile::stored);
+  if (refused > 0) {
+    context.error << "tavi: not stored: " << refused << " of " << files.size()
+                  << (files.size() == 1 ? " file\n" : " files\n");
+  }
+  return exitCode;
 }
 
 }  // namespace tavi::host

@@ -15,6 +15,7 @@ int RunRpc(const Context& context) {
   Session session([&] { return club.OpenClub(); });
   Server server(session, context.out);
   server.Serve(context.in);
+  session.Close();
   return kSucceeded;
 }
 

@@ -49,6 +49,10 @@ Json Session::Release(std::int32_t number) {
   return {{"return", nullptr}};
 }
 
+void Session::Close() {
+  if (!objects_.empty()) objects_.begin()->second->CloseDatabase();
+}
+
 Json Session::ListOperations() const {
   Json list = Json::array();
   for (const std::string& name : order_) {

@@ -26,6 +26,8 @@ class Session {
   /// arguments that are passed back. Raises RpcError for a method, object or argument that is not there and for values
   /// of a wrong type; tavi::Error is the component's own.
   Json Call(const std::string& method, const Json& params, std::int32_t object);
+  /// Closes the file at the end of the calls, which raises what the objects' own end would hide.
+  void Close();
 
  private:
   [[nodiscard]] MembershipDatabase& ObjectOf(std::int32_t number) const;

@@ -53,24 +53,6 @@ auto RankingOrder(const Event& event, const ScoredContestant& scored) {
                          -contestant.actualPercentage.value_or(contestant.total.value_or(0.0)));
 }
 
-/// Closes the file at the end of an update, also when an error ends it early.
-class UpdateGuard {
- public:
-  explicit UpdateGuard(MembershipDatabase& database) : database_(database) {}
-  ~UpdateGuard() {
-    try {
-      database_.CloseDatabase();
-    } catch (const std::exception&) {  // the first error is the one to report
-      return;
-    }
-  }
-  UpdateGuard(const UpdateGuard&) = delete;
-  UpdateGuard& operator=(const UpdateGuard&) = delete;
-
- private:
-  MembershipDatabase& database_;
-};
-
 }  // namespace
 
 std::string StorableCompetitionName(const std::string& name) {
@@ -124,7 +106,6 @@ void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::s
 }
 
 void EveningScorer::Store(std::vector<ScoredEvent>& events) {
-  const UpdateGuard guard(database_);
   DatabaseTransaction transaction;
   const std::vector<std::string> before = ReadStoredEvents(events);
   for (ScoredEvent& scored : events) StoreOne(scored);

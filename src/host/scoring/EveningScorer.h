@@ -31,7 +31,7 @@ struct ScoredEvent {
 
 /// Records events through the public class as a careful caller does: everything is checked first; the competition is
 /// registered; all results are noted before any award is passed, because noting one clears that player's earlier
-/// awards; all is one transaction; the file is closed, also when something fails.
+/// awards; all is one transaction. The file stays open.
 class EveningScorer {
  public:
   EveningScorer(MembershipDatabase& database, MemberDirectory& directory)
