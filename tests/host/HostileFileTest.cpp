@@ -11,6 +11,9 @@
 #include <sstream>
 
 #include "SourceDirectory.h"
+#include "access/file/Bytes.h"
+#include "access/file/Format.h"
+#include "access/file/Page.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/Mutation.h"
 #include "access/file/support/StructureDamage.h"
@@ -70,25 +73,29 @@ class HostileFile : public ::testing::Test {
       Bytes hurt = sound;
       const std::string damage = DamageTwice(hurt, random);
       SCOPED_TRACE(name + ", copy " + std::to_string(copy) + " of seed " + std::to_string(seed) + ": " + damage);
-      Prepare(hurt);
-      ChildLimits limits;
-      limits.addressSpace = std::uint64_t{1} << 30U;
-      const ChildEnd end = RunInChild([&](ChildVoice& voice) { UseFile(voice); }, limits);
-      EXPECT_EQ(end.signal, 0) << "ended in: " << end.said;
-      EXPECT_EQ(end.code, 0) << end.said << end.told;
-      EXPECT_EQ(end.told, "");
-      most.megabytes = std::max(most.megabytes, end.peakBytes >> 20U);
+      most.megabytes = std::max(most.megabytes, UseInBounds(hurt));
       if (HasFailure() && !wasKept_) KeepCopy(hurt, name, copy);
     }
     std::cout << name << ": " << copies << " copies, " << most.megabytes << " MiB at most\n";
   }
 
+  /// Runs all commands on a file; how many megabytes that took at most.
+  std::uint64_t UseInBounds(const Bytes& hurt) const {
+    Prepare(hurt);
+    ChildLimits limits;
+    limits.addressSpace = std::uint64_t{1} << 30U;
+    const ChildEnd end = RunInChild([&](ChildVoice& voice) { UseFile(voice); }, limits);
+    EXPECT_EQ(end.signal, 0) << "ended in: " << end.said;
+    EXPECT_EQ(end.code, 0) << end.said << end.told;
+    EXPECT_EQ(end.told, "");
+    return end.peakBytes >> 20U;
+  }
+
   [[nodiscard]] Bytes OwnFile() const {
-    const std::string examples = std::string(TAVI_SOURCE_DIR) + "/examples/club/";
     const Arguments commands[] = {{"new", "--name", "Ashby Bridge Club"},
-                                  {"members", "import", examples + "members.csv"},
-                                  {"pairs", "import", examples + "pairs.csv"},
-                                  {"score", FirstEvening(examples + "evenings")},
+                                  {"members", "import", examples_ + "members.csv"},
+                                  {"pairs", "import", examples_ + "pairs.csv"},
+                                  {"score", FirstEvening(examples_ + "evenings")},
                                   {"sql", "Update Members Set Notes = '" + std::string(5000, 'n') + "', Address = '" +
                                               std::string(900, 'a') + "' Where MembershipNumber Mod 7 = 0"}};
     for (const Arguments& command : commands) {
@@ -101,6 +108,9 @@ class HostileFile : public ::testing::Test {
     std::ifstream stream(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
   }
+
+  CommandFolder folder_;
+  std::string examples_ = std::string(TAVI_SOURCE_DIR) + "/examples/club/";
 
  private:
   [[nodiscard]] static std::string FirstEvening(const std::string& folder) {
@@ -131,8 +141,14 @@ class HostileFile : public ::testing::Test {
              Arguments{"info", "--db", club},
              Arguments{"compact", file},
              Arguments{"members", "--all", "--db", club},
+             Arguments{"pairs", "--all", "--db", club},
              Arguments{"find", "Anne", "Smith", "--db", club},
              Arguments{"handicaps", "--recalculate", "--db", club},
+             Arguments{"members", "import", examples_ + "members.csv", "--db", club},
+             Arguments{"pairs", "import", examples_ + "pairs.csv", "--db", club},
+             Arguments{"score", FirstEvening(examples_ + "evenings"), "--db", club},
+             Arguments{"sql", "--file", file, "Delete From Members"},
+             Arguments{"recover", "--replace", folder_.ClubFile(), "--db", club},
          }) {
       RunCommand(voice, command);
     }
@@ -164,9 +180,73 @@ class HostileFile : public ::testing::Test {
     wasKept_ = true;
   }
 
-  CommandFolder folder_;
   bool wasKept_ = false;
 };
+
+/// A club of 4096 members more, the first of whom has notes of 1 MB; those of the others begin with kMark.
+class CrowdedFile : public HostileFile {
+ protected:
+  static constexpr const char* kMark = "little";
+
+  [[nodiscard]] Bytes CrowdedClub() const {
+    Run({"new", "--name", "Ashby Bridge Club"});
+    const std::string columns = "(MembershipNumber, FirstName, LastName, Notes)";
+    Run({"sql", "Insert Into Members " + columns + " Values (1, 'Ann', 'Lee', '" + kMark + "')"});
+    for (int count = 1; count < 4096; count *= 2) {
+      Run({"sql", "Insert Into Members " + columns + " Select MembershipNumber + " + std::to_string(count) +
+                      ", FirstName, LastName, Notes From Members"});
+    }
+    Run({"sql", "Update Members Set Notes = '" + std::string(32'768, 'm') + "' Where MembershipNumber = 1"});
+    for (int size = 32'768; size < (1 << 20); size *= 2)
+      Run({"sql", "Update Members Set Notes = Notes & Notes Where MembershipNumber = 1"});
+    return Content(folder_.ClubFile());
+  }
+
+  /// Gives all members the notes of the first one; how many were changed.
+  static std::size_t ShareLongNotes(Bytes& bytes) {
+    namespace layout = access::format::long_value;
+    const std::string mark = "\xff\xfe" + std::string(kMark);
+    const std::size_t longest = FindLongNotes(bytes);
+    std::size_t count = 0;
+    for (auto at = bytes.begin(); at != bytes.end(); ++at) {
+      at = std::search(at, bytes.end(), mark.begin(), mark.end(),
+                       [](std::uint8_t byte, char letter) { return byte == static_cast<std::uint8_t>(letter); });
+      if (at == bytes.end()) break;
+      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(longest), layout::kDescriptorSize,
+                  at - static_cast<std::ptrdiff_t>(layout::kDescriptorSize));
+      ++count;
+    }
+    return count;
+  }
+
+ private:
+  void Run(const Arguments& command) const {
+    const Outcome outcome = folder_.Run(command);
+    ASSERT_EQ(outcome.code, 0) << outcome.error;
+  }
+  /// The place of the descriptor of 2 MB in UTF-16 on pages of their own.
+  static std::size_t FindLongNotes(const Bytes& bytes) {
+    namespace layout = access::format::long_value;
+    constexpr std::uint32_t kSize = 2U << 20U;
+    for (std::size_t at = 0; at + layout::kDescriptorSize <= bytes.size(); ++at) {
+      if (access::GetLittle<std::uint32_t>(bytes, at) != (kSize | layout::kFormChain)) continue;
+      const std::size_t page = access::GetLittle<std::uint32_t>(bytes, at + layout::kPointerOffset) >> 8U;
+      const std::size_t owner = page * access::kPageSize + access::format::data::kOwnerOffset;
+      const bool leadsToLongValue = owner < bytes.size() && access::GetLittle<std::uint32_t>(bytes, owner) ==
+                                                                access::format::data::kOwnerLongValues;
+      if (leadsToLongValue) return at;
+    }
+    ADD_FAILURE() << "no long notes found";
+    return 0;
+  }
+};
+
+TEST_F(CrowdedFile, WhoseRowsShareOneLongValueIsAnsweredOrRefusedByEveryCommandInBounds) {
+  Bytes bytes = CrowdedClub();
+  ASSERT_LT(bytes.size(), std::size_t{10} << 20U);
+  ASSERT_EQ(ShareLongNotes(bytes), 4095U);
+  std::cout << bytes.size() << " bytes, " << UseInBounds(bytes) << " MiB at most\n";
+}
 
 TEST_F(HostileFile, OfAClubIsAnsweredOrRefusedByEveryCommandInBounds) {
   UseDamagedCopies("club", OwnFile(), access::test::Lengthened(40), access::test::SeedOr(2003));

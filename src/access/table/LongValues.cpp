@@ -95,6 +95,10 @@ bool LongValues::IsElsewhere(Stored stored) {
   return descriptor && descriptor->form != layout::kFormInline;
 }
 
+std::size_t LongValues::SizeElsewhere(Stored stored) {
+  return IsElsewhere(stored) ? ReadDescriptor(stored)->length : 0;
+}
+
 // ---------------------------------------------------------------------------------------------------------------------
 // Reading
 // ---------------------------------------------------------------------------------------------------------------------

@@ -53,6 +53,8 @@ class LongValues {
   void Remove(std::span<const std::uint8_t> stored, const LongValueMaps& maps);
   /// True when the stored bytes refer to rows on LVAL pages.
   [[nodiscard]] static bool IsElsewhere(std::span<const std::uint8_t> stored);
+  /// How many bytes the stored bytes say to have on LVAL pages.
+  [[nodiscard]] static std::size_t SizeElsewhere(std::span<const std::uint8_t> stored);
 
  private:
   [[nodiscard]] Bytes ReadBytes(std::span<const std::uint8_t> stored, const ColumnDefinition& column) const;

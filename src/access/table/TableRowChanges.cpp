@@ -103,7 +103,7 @@ void TableRows::Update(RowPointer row, const RowValues& values) {
   std::vector<std::size_t> replaced;
   for (std::size_t i = 0; i < values.size(); ++i) {
     const ColumnDefinition& column = definition_->columns[i];
-    const bool isSame = IsSameStored(ReadValue(view, column), values[i]);
+    const bool isSame = IsSameStored(ReadValue(view, column, row), values[i]);
     isChanged = isChanged || !isSame;
     if (!column.IsLongValue()) continue;
     if (!isSame) replaced.push_back(i);

@@ -33,27 +33,58 @@ bool TableRows::Exists(RowPointer row) const {
   return RowFinder(*pager_, definition_->page).Find(row).has_value();
 }
 
-Value TableRows::ReadValue(const RowView& view, const ColumnDefinition& column) const {
+FoundRow TableRows::RequireToRead(RowPointer row) const {
+  FoundRow found = Require(row);
+  if (found.body != row) NoteElsewhere(row, ReferredBytes::kBody, found.bytes.size());
+  return found;
+}
+
+void TableRows::NoteElsewhere(RowPointer row, std::uint16_t part, std::size_t length) const {
+  const std::uint64_t fileSize = std::uint64_t{pager_->PageCount()} * kPageSize;
+  if (length > fileSize) return;  // Never read: it has an error of its own.
+  const auto lengthNow = [this](ReferredBytes::Reference reference) { return SizeElsewhere(reference); };
+  if (elsewhere_.Note({row, part}, length, fileSize, lengthNow)) return;
+  RaiseDamage(NameOf(row) + " in the table on page " + std::to_string(definition_->page) +
+              " refers to bytes elsewhere, and so do so many rows that all of it would be more than the file has.");
+}
+
+std::size_t TableRows::SizeElsewhere(ReferredBytes::Reference reference) const {
+  try {
+    const auto found = RowFinder(*pager_, definition_->page).Find(reference.row);
+    if (!found) return 0;
+    if (reference.part == ReferredBytes::kBody) return found->body == reference.row ? 0 : found->bytes.size();
+    const ColumnDefinition* column = definition_->FindColumn(reference.part);
+    const RowView view(found->bytes, Version(), reference.row);
+    if (column == nullptr || !column->IsLongValue() || view.IsNull(*column)) return 0;
+    return LongValues::SizeElsewhere(view.Stored(*column));
+  } catch (const Error&) {
+    return 0;
+  }
+}
+
+Value TableRows::ReadValue(const RowView& view, const ColumnDefinition& column, RowPointer row) const {
   if (!column.IsLongValue()) return view.Get(column);
   if (view.IsNull(column)) return Null{};
-  return LongValues(*pager_, Version()).Read(view.Stored(column), column);
+  const Stored stored = view.Stored(column);
+  if (const std::size_t length = LongValues::SizeElsewhere(stored); length > 0) NoteElsewhere(row, column.id, length);
+  return LongValues(*pager_, Version()).Read(stored, column);
 }
 
 RowValues TableRows::Read(RowPointer row) const {
-  const FoundRow found = Require(row);
+  const FoundRow found = RequireToRead(row);
   const RowView view(found.bytes, Version(), row);
   RowValues values;
   values.reserve(definition_->columns.size());
-  for (const ColumnDefinition& column : definition_->columns) values.push_back(ReadValue(view, column));
+  for (const ColumnDefinition& column : definition_->columns) values.push_back(ReadValue(view, column, row));
   return values;
 }
 
 RowValues TableRows::Read(RowPointer row, const std::vector<bool>& wanted) const {
-  const FoundRow found = Require(row);
+  const FoundRow found = RequireToRead(row);
   const RowView view(found.bytes, Version(), row);
   RowValues values(definition_->columns.size());
   for (std::size_t i = 0; i < values.size() && i < wanted.size(); ++i) {
-    if (wanted[i]) values[i] = ReadValue(view, definition_->columns[i]);
+    if (wanted[i]) values[i] = ReadValue(view, definition_->columns[i], row);
   }
   return values;
 }

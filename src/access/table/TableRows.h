@@ -8,6 +8,7 @@
 #include "access/file/Pager.h"
 #include "access/table/FormatVersion.h"
 #include "access/table/LongValues.h"
+#include "access/table/ReferredBytes.h"
 #include "access/table/RowCodec.h"
 #include "access/table/RowFinder.h"
 #include "access/table/RowSpace.h"
@@ -68,7 +69,11 @@ class TableRows {
 
   [[nodiscard]] FormatVersion Version() const;
   [[nodiscard]] FoundRow Require(RowPointer row) const;
-  [[nodiscard]] Value ReadValue(const RowView& view, const ColumnDefinition& column) const;
+  [[nodiscard]] Value ReadValue(const RowView& view, const ColumnDefinition& column, RowPointer row) const;
+  /// The row, which is going to be read. Raises ProviderFailure also where rows refer to more than there can be.
+  [[nodiscard]] FoundRow RequireToRead(RowPointer row) const;
+  void NoteElsewhere(RowPointer row, std::uint16_t part, std::size_t length) const;
+  [[nodiscard]] std::size_t SizeElsewhere(ReferredBytes::Reference reference) const;
   [[nodiscard]] const Page* OwnedPage(PageNumber number, PageHandle& holder) const;
   /// The same; raises ProviderFailure where OwnedPage gives null.
   const Page& RequireOwnedPage(PageNumber number, PageHandle& holder) const;
@@ -85,6 +90,7 @@ class TableRows {
   TableDefinition* writableDefinition_ = nullptr;
   PageNumber lastInserted_ = 0;  // page, tried first for the next row
   mutable std::optional<FormatVersion> version_;
+  mutable ReferredBytes elsewhere_;
 };
 
 }  // namespace tavi::access
