@@ -1,7 +1,6 @@
 #include "names/NameKeys.h"
 
 #include <algorithm>
-#include <array>
 
 #include "names/NameDictionary.h"
 #include "names/NameLetters.h"
@@ -79,13 +78,12 @@ std::string KeyOfOthers(std::string_view name, const NameLetters& letters) {
 }
 
 const NameDictionary& FirstNameDictionary() {
-  static const NameDictionary dictionary(std::array{FirstNames()}, PlainLetters);
+  static const NameDictionary dictionary(FirstNameTable());
   return dictionary;
 }
 
 const NameDictionary& SurnameDictionary() {
-  static const NameDictionary dictionary(std::array{CommonSurnames(), SurnamesAToG(), SurnamesHToO(), SurnamesPToZ()},
-                                         [](std::string_view name) { return WithPlainPrefix(PlainLetters(name)); });
+  static const NameDictionary dictionary(SurnameTable());
   return dictionary;
 }
 

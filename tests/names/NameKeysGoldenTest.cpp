@@ -8,7 +8,8 @@
 namespace tavi {
 namespace {
 
-/// Lines of mode, name and key, made as tests/names/golden/make-names.py says.
+/// Lines of mode, name and key: a part of the listed names, a slip of the hand or ear for each, and names that are hard
+/// for other reasons. `cut -f1,2 keys.tsv | tavi keys` makes the keys anew.
 constexpr const char* kGoldenFile = TAVI_SOURCE_DIR "/tests/names/golden/keys.tsv";
 
 constexpr std::size_t kFewestNames = 4000;

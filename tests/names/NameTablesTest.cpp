@@ -2,62 +2,59 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <algorithm>
+#include <functional>
+#include <ranges>
+#include <string>
+#include <vector>
 
-#include "names/NameLetters.h"
-#include "names/SurnamePrefix.h"
+#include "names/NameSounds.h"
 
 namespace tavi {
 namespace {
 
-/// The forms of a table that stand in it twice or have no letters.
-class Faults {
- public:
-  explicit Faults(std::string (*letters)(std::string_view)) : letters_(letters) {}
-
-  void Read(std::span<const std::string_view> rows) {
-    for (const std::string_view row : rows) {
-      std::string form;
-      for (const char character : std::string(row) + " ") {
-        if (character != ' ' && character != '/') {
-          form.push_back(character);
-          continue;
-        }
-        Check(form);
-        form.clear();
-      }
-    }
-  }
-
-  [[nodiscard]] const std::string& Text() const { return faults_; }
-  [[nodiscard]] std::size_t Count() const { return places_.size(); }
-
- private:
-  void Check(const std::string& form) {
-    const std::string letters = letters_(form);
-    if (letters.empty()) faults_ += "a form without letters after " + last_ + "\n";
-    if (!places_.emplace(letters, form).second) faults_ += form + " and " + places_[letters] + "\n";
-    last_ = form;
-  }
-
-  std::string (*letters_)(std::string_view);
-  std::map<std::string, std::string> places_;
-  std::string last_;
-  std::string faults_;
-};
-
-TEST(NameTables, ListEachFirstNameOnce) {
-  Faults faults(PlainLetters);
-  faults.Read(FirstNames());
-  EXPECT_EQ(faults.Text(), "");
-  EXPECT_GT(faults.Count(), 4000U);
+/// What the dictionary takes for granted of a table.
+void ExpectSound(const NameTable& table) {
+  const auto forms = std::views::iota(std::size_t{0}, table.Size());
+  const auto lettersOf = [&](std::size_t form) { return table.LettersOf(form); };
+  const auto skeletonOf = [&](std::size_t form) { return SkeletonOf(table.SoundsOf(form)); };
+  EXPECT_TRUE(std::ranges::none_of(forms, [&](std::size_t form) { return lettersOf(form).empty(); }));
+  EXPECT_TRUE(
+      std::ranges::all_of(forms, [&](std::size_t form) { return table.SoundsOf(form) == SoundsOf(lettersOf(form)); }));
+  // No two are equal: a form stands in one family.
+  EXPECT_TRUE(std::ranges::is_sorted(table.byLetters, std::less_equal(), lettersOf));
+  EXPECT_TRUE(std::ranges::is_sorted(table.bySkeleton, {},
+                                     [&](std::size_t form) { return std::pair(skeletonOf(form), form); }));
+  std::vector<std::size_t> numbers(table.bySkeleton.begin(), table.bySkeleton.end());
+  std::ranges::sort(numbers);
+  EXPECT_TRUE(std::ranges::equal(numbers, forms));
+  EXPECT_TRUE(std::ranges::is_sorted(table.heads, std::less_equal()));
+  EXPECT_EQ(table.heads.front(), 0U);
+  EXPECT_EQ(table.heads.back(), table.Size());
 }
 
-TEST(NameTables, ListEachSurnameOnce) {
-  Faults faults([](std::string_view name) { return WithPlainPrefix(PlainLetters(name)); });
-  for (const auto rows : {CommonSurnames(), SurnamesAToG(), SurnamesHToO(), SurnamesPToZ()}) faults.Read(rows);
-  EXPECT_EQ(faults.Text(), "");
-  EXPECT_GT(faults.Count(), 15000U);
+TEST(NameTables, OfFirstNamesIsSound) {
+  const NameTable table = FirstNameTable();
+  ExpectSound(table);
+  EXPECT_GT(table.Size(), 4000U);
+  EXPECT_EQ(table.LettersOf(0), "JOHN");
+}
+
+TEST(NameTables, OfSurnamesIsSound) {
+  const NameTable table = SurnameTable();
+  ExpectSound(table);
+  EXPECT_GT(table.Size(), 15000U);
+  EXPECT_EQ(table.LettersOf(0), "SMITH");
+}
+
+TEST(NameTables, AFormKnowsTheHeadOfItsFamily) {
+  const NameTable table = SurnameTable();
+  const auto form = std::ranges::find(table.byLetters, std::string_view("SMYTHE"),
+                                      [&](std::size_t number) { return table.LettersOf(number); });
+  ASSERT_NE(form, table.byLetters.end());
+  EXPECT_EQ(table.HeadOf(*form), 0U);
+  EXPECT_EQ(table.HeadOf(0), 0U);
+  EXPECT_EQ(table.HeadOf(table.Size() - 1), *(table.heads.end() - 2));
 }
 
 }  // namespace
