@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace tavi::host {
@@ -60,6 +61,33 @@ TEST(Table, TabSeparatedTextsTellABackslashFromAnEscape) {
   std::ostringstream tabs;
   table.Write(tabs, OutputFormat::Tabs);
   EXPECT_EQ(tabs.str(), "Text\n\\\\x1b\\x1b\n");
+}
+
+TEST(Table, RoundsFiguresAsTheirDigitsSayInEveryFormat) {
+  const auto shown = [](double value, OutputFormat format) {
+    Table table({"F"});
+    table.Add({Decimals{value, 2}});
+    std::ostringstream out;
+    table.Write(out, format);
+    return out.str();
+  };
+  EXPECT_EQ(shown(34.825, OutputFormat::Tabs), "F\n34.82\n") << "the double is a little more than half-way";
+  EXPECT_EQ(shown(33.995, OutputFormat::Tabs), "F\n34.00\n") << "the double is a little less than half-way";
+  EXPECT_EQ(shown(52.355, OutputFormat::Table), "    F\n-----\n52.36\n");
+  EXPECT_EQ(shown(34.825, OutputFormat::JsonText), "[\n  {\n    \"F\": 34.82\n  }\n]\n");
+  EXPECT_EQ(shown(33.995, OutputFormat::JsonText), "[\n  {\n    \"F\": 34.0\n  }\n]\n");
+  EXPECT_EQ(shown(-0.125, OutputFormat::Tabs), "F\n-0.12\n");
+}
+
+TEST(Table, JsonWritesWhatSteersATerminalAsEscapesOfTheSameValue) {
+  const std::string stored = "A\x1b[2J\u202eeeL\u009b \x7f \\u202e \u2066x\u2069 Zoë\n\"q\" 漢";
+  Table table({"Na\u202eme"});
+  table.Add({stored});
+  const std::string json = table.Json();
+  EXPECT_EQ(json,
+            "[\n  {\n    \"Na\\u202eme\": \"A\\u001b[2J\\u202eeeL\\u009b \\u007f \\\\u202e \\u2066x\\u2069 "
+            "Zoë\\n\\\"q\\\" 漢\"\n  }\n]");
+  EXPECT_EQ(nlohmann::json::parse(json)[0]["Na\u202eme"], stored);
 }
 
 TEST(Printable, ShowsWhatTurnsTheDirectionOfTextAsEscapes) {

@@ -42,7 +42,8 @@ void MemoryIndexes::NotePlan(const std::vector<Considered>& considered, double c
   }
 }
 
-const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool manyLookUps) {
+const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool manyLookUps,
+                                     FunctionReference<void()> beforeRow) {
   DropWhenStale();
   Entry& entry = entries_[KeyOf(table, column)];
   entry.lastUse = ++uses_;
@@ -52,17 +53,18 @@ const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool many
   if (rows < kMinimumRows || rows > kMaximumEntries) return nullptr;
   const bool pays = manyLookUps || entry.requests >= kRequestsThatPay || entry.spentWithout >= rows;
   if (!pays) return nullptr;
-  entry.index = Build(table, column);
+  entry.index = Build(table, column, beforeRow);
   entry.rowsPerKey = entry.index->RowsPerKey();
   MakeRoom(kMaximumEntries);
   return &*entry.index;
 }
 
-HashIndex MemoryIndexes::Build(Table& table, std::size_t column) const {
+HashIndex MemoryIndexes::Build(Table& table, std::size_t column, FunctionReference<void()> beforeRow) {
   std::vector<bool> wanted(table.Columns().size(), false);
   wanted[column] = true;
   std::vector<HashIndex::Entry> entries;
   for (auto row = table.Next(std::nullopt); row; row = table.Next(row)) {
+    beforeRow();
     const RowValues values = table.Read(*row, wanted);
     if (!IsNull(values[column])) entries.emplace_back(HashOf(values[column]), row->Packed());
   }

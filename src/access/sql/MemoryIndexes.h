@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "access/catalog/Table.h"
+#include "access/sql/FunctionReference.h"
 #include "access/sql/HashIndex.h"
 
 namespace tavi::access::sql {
@@ -41,9 +42,10 @@ class MemoryIndexes {
   void NotePlan(const std::vector<Considered>& considered, double cost);
 
   /// The index of a column, built now if need be; null when it does not pay (yet). `manyLookUps` says that this
-  /// statement will look up more than once. Call inside a statement. Valid until the next call of any function but
-  /// Find.
-  [[nodiscard]] const HashIndex* Find(Table& table, std::size_t column, bool manyLookUps);
+  /// statement will look up more than once. `beforeRow` is called before each row that goes into a new index, and may
+  /// raise. Call inside a statement. Valid until the next call of any function but Find.
+  [[nodiscard]] const HashIndex* Find(Table& table, std::size_t column, bool manyLookUps,
+                                      FunctionReference<void()> beforeRow);
 
   /// To be called after each change that the session makes to a table.
   void RowInserted(const Table& table, RowPointer row, const RowValues& values);
@@ -67,7 +69,7 @@ class MemoryIndexes {
 
   [[nodiscard]] static Key KeyOf(const Table& table, std::size_t column);
   void DropWhenStale();
-  [[nodiscard]] HashIndex Build(Table& table, std::size_t column) const;
+  [[nodiscard]] static HashIndex Build(Table& table, std::size_t column, FunctionReference<void()> beforeRow);
   void MakeRoom(std::size_t entries);
 
   Pager* pager_;

@@ -14,7 +14,8 @@ constexpr std::size_t kSpareRows = 1000;
 
 }  // namespace
 
-RowOrder::RowOrder(const SelectPlan& plan, bool rowsComeInOrder) : rowsComeInOrder_(rowsComeInOrder) {
+RowOrder::RowOrder(const StatementContext& context, const SelectPlan& plan, bool rowsComeInOrder)
+    : question_(context), rowsComeInOrder_(rowsComeInOrder) {
   // The ORDER BY of a union is for the whole of it, not for this part.
   for (const SortKey& key : plan.order) {
     if (plan.unionParts.empty()) descending_.push_back(key.descending);
@@ -57,7 +58,10 @@ void RowOrder::Prune(std::size_t keep) {
     rows_.clear();
     return;
   }
-  const auto before = [this](const Row& left, const Row& right) { return Before(left, right); };
+  const auto before = [this](const Row& left, const Row& right) {
+    question_.Ask();
+    return Before(left, right);
+  };
   const auto last = rows_.begin() + static_cast<std::ptrdiff_t>(keep) - 1;
   std::nth_element(rows_.begin(), last, rows_.end(), before);
   const Row limit = *last;
@@ -66,7 +70,10 @@ void RowOrder::Prune(std::size_t keep) {
 
 std::vector<std::size_t> RowOrder::Finish() {
   if (HasKeys() && !rowsComeInOrder_) {
-    std::sort(rows_.begin(), rows_.end(), [this](const Row& left, const Row& right) { return Before(left, right); });
+    std::sort(rows_.begin(), rows_.end(), [this](const Row& left, const Row& right) {
+      question_.Ask();
+      return Before(left, right);
+    });
   }
   std::size_t wanted = rows_.size();
   if (top_) wanted = *top_;

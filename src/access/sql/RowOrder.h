@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "access/sql/Plan.h"
+#include "access/sql/SortQuestion.h"
 #include "platform/values/Value.h"
 
 namespace tavi::access::sql {
@@ -12,8 +13,8 @@ namespace tavi::access::sql {
 /// last one by the ORDER BY belong to them. Rows that compare equal keep the order in which they came.
 class RowOrder {
  public:
-  /// `rowsComeInOrder`: nothing is to be sorted.
-  RowOrder(const SelectPlan& plan, bool rowsComeInOrder);
+  /// `rowsComeInOrder`: nothing is to be sorted. A sort raises kCancelledNumber when the statement is to be given up.
+  RowOrder(const StatementContext& context, const SelectPlan& plan, bool rowsComeInOrder);
 
   /// True when rows have keys to be sorted by.
   [[nodiscard]] bool HasKeys() const { return !descending_.empty(); }
@@ -34,6 +35,7 @@ class RowOrder {
   [[nodiscard]] bool Before(const Row& left, const Row& right) const;
   void Prune(std::size_t keep);
 
+  SortQuestion question_;
   std::vector<bool> descending_;
   bool rowsComeInOrder_;
   bool topPercent_ = false;

@@ -204,7 +204,8 @@ bool RowSearch::MemoryCandidates(const AccessPath& path, std::size_t source, std
   if (IsNull(value)) return true;
   if (FamilyOf(value) != FamilyOf(planned.table->Columns()[column].definition.type)) return false;
   const bool manyLookUps = path.joins || scope_.IsNested();
-  const HashIndex* index = scope_.Context().memoryIndexes.Find(*planned.table, column, manyLookUps);
+  const HashIndex* index = scope_.Context().memoryIndexes.Find(*planned.table, column, manyLookUps,
+                                                               [&] { scope_.Context().GoOnUnlessCancelled(); });
   if (index != nullptr) index->Find(HashOf(value), rows);
   return index != nullptr;
 }

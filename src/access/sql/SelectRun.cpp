@@ -55,8 +55,8 @@ class DistinctPointers {
 /// Gathers result rows and brings them into order.
 class ValueRows {
  public:
-  ValueRows(const SelectPlan& plan, std::size_t limit)
-      : plan_(plan), order_(plan, plan.orderWalk.has_value()), limit_(limit) {}
+  ValueRows(const StatementContext& context, const SelectPlan& plan, std::size_t limit)
+      : plan_(plan), order_(context, plan, plan.orderWalk.has_value()), limit_(limit) {}
 
   /// Takes the current row of the scope; false when no more rows are wanted.
   bool Add(const RowScope& scope) {
@@ -146,7 +146,7 @@ void RemoveRepetitions(std::vector<RowValues>& rows) {
 std::vector<RowValues> CollectAlone(StatementContext& context, const SelectPlan& plan, const RowScope* outer,
                                     std::size_t limit) {
   RowScope scope(context, plan, outer);
-  ValueRows rows(plan, limit);
+  ValueRows rows(context, plan, limit);
   if (plan.grouped) {
     CollectGrouped(plan, scope, rows);
   } else {
@@ -157,10 +157,12 @@ std::vector<RowValues> CollectAlone(StatementContext& context, const SelectPlan&
 }
 
 /// Sorts the rows of a union by its ORDER BY, whose keys are output columns.
-std::vector<RowValues> Sorted(const SelectPlan& plan, std::vector<RowValues> rows) {
+std::vector<RowValues> Sorted(const StatementContext& context, const SelectPlan& plan, std::vector<RowValues> rows) {
+  SortQuestion question(context);
   std::vector<std::size_t> numbers(rows.size());
   std::iota(numbers.begin(), numbers.end(), std::size_t{0});
   std::stable_sort(numbers.begin(), numbers.end(), [&](std::size_t left, std::size_t right) {
+    question.Ask();
     for (const SortKey& key : plan.order) {
       const int order = OrderValues(rows[left][key.output], rows[right][key.output]);
       if (order != 0) return key.descending ? order > 0 : order < 0;
@@ -185,7 +187,7 @@ std::vector<RowValues> CollectValues(StatementContext& context, const SelectPlan
     if (!before->unionAll) RemoveRepetitions(rows);
     before = part->select;
   }
-  if (!plan.order.empty()) rows = Sorted(plan, std::move(rows));
+  if (!plan.order.empty()) rows = Sorted(context, plan, std::move(rows));
   if (rows.size() > limit) rows.resize(limit);
   return rows;
 }
@@ -200,7 +202,7 @@ std::vector<Value> CollectFirstColumn(StatementContext& context, const SelectPla
 std::vector<std::uint32_t> CollectKeyset(StatementContext& context, const SelectPlan& plan) {
   RowScope scope(context, plan, nullptr);
   const std::size_t width = plan.sources.size();
-  RowOrder order(plan, plan.orderWalk.has_value());
+  RowOrder order(context, plan, plan.orderWalk.has_value());
   const bool needsOrder = order.HasKeys() || (plan.select != nullptr && plan.select->top);
   std::vector<std::uint32_t> found;
   DistinctPointers distinct(plan);

@@ -113,7 +113,7 @@ void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
     }
     document.push_back(std::move(entry));
   }
-  context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+  context.out << PrintableJson(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) << '\n';
 }
 
 }  // namespace

@@ -274,7 +274,7 @@ class EventReader {
       contestant.actualPercentage = contestant.printedPercentage;
       if (contestant.printedPercentage && share > 0.0) {
         const double raw = *contestant.printedPercentage - share * contestant.handicap.value_or(0.0);
-        contestant.actualPercentage = std::clamp(RoundHalfEven(raw, 4), 0.0, 100.0);
+        contestant.actualPercentage = std::clamp(RoundDecimalHalfEven(raw, 4), 0.0, 100.0);
       }
     }
   }

@@ -5,13 +5,14 @@
 
 #include "host/rpc/RequestText.h"
 #include "host/rpc/RpcError.h"
+#include "host/text/Table.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
 namespace {
 
 void WriteLine(std::ostream& out, const Json& json) {
-  out << json.dump(-1, ' ', false, Json::error_handler_t::replace) << '\n' << std::flush;
+  out << PrintableJson(json.dump(-1, ' ', false, Json::error_handler_t::replace)) << '\n' << std::flush;
 }
 
 Json ErrorReply(const Json& id, int code, const std::string& message) {

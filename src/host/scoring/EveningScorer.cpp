@@ -140,7 +140,7 @@ void EveningScorer::FindHandicapsBefore(ScoredEvent& scored) {
     const Handicaps handicaps = database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), scored.event.name,
                                                              scored.event.date, individual);
     entry.handicapBefore = handicaps.PartnershipHandicap();
-    entry.net = RoundHalfEven(*entry.contestant.actualPercentage - *entry.handicapBefore + kNeutralHandicap, 2);
+    entry.net = RoundDecimalHalfEven(*entry.contestant.actualPercentage - *entry.handicapBefore + kNeutralHandicap, 2);
     entry.name = individual ? NameOf(entry, 0)
                             : database_.GetPairName(NumberOf(entry, 0), NameOf(entry, 0), NumberOf(entry, 1),
                                                     NameOf(entry, 1), kFirstAndLastName, true);

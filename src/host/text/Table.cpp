@@ -19,7 +19,9 @@ std::string CellText(const Cell& cell) {
     std::string operator()(std::monostate) const { return {}; }
     std::string operator()(bool value) const { return value ? "yes" : "no"; }
     std::string operator()(std::int64_t value) const { return std::to_string(value); }
-    std::string operator()(const Decimals& number) const { return fmt::format("{:.{}f}", number.value, number.places); }
+    std::string operator()(const Decimals& number) const {
+      return fmt::format("{:.{}f}", RoundDecimalHalfEven(number.value, number.places), number.places);
+    }
     std::string operator()(double value) const { return NumberText(value); }
     std::string operator()(const std::string& value) const { return value; }
   };
@@ -32,7 +34,7 @@ nlohmann::ordered_json CellJson(const Cell& cell) {
     nlohmann::ordered_json operator()(bool value) const { return value; }
     nlohmann::ordered_json operator()(std::int64_t value) const { return value; }
     nlohmann::ordered_json operator()(const Decimals& number) const {
-      return RoundHalfEven(number.value, number.places);
+      return RoundDecimalHalfEven(number.value, number.places);
     }
     nlohmann::ordered_json operator()(double value) const { return value; }
     nlohmann::ordered_json operator()(const std::string& value) const { return value; }
@@ -53,6 +55,10 @@ std::string TabText(const Cell& cell) {
 /// Characters that make a terminal, an editor or a spreadsheet show what follows in another order or on another line.
 bool ReordersText(char32_t c) {
   return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x2028 || c == 0x2029;
+}
+
+bool IsControl(char32_t c) {
+  return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
 bool IsWide(char32_t c) {
@@ -83,9 +89,22 @@ std::string Printable(const std::string& text) {
       shown += "\\r";
     } else if (c == U'\t') {
       shown += "\\t";
-    } else if (c < 0x20 || (c >= 0x7F && c < 0xA0)) {
+    } else if (IsControl(c)) {
       shown += fmt::format("\\x{:02x}", static_cast<unsigned>(c));
     } else if (ReordersText(c)) {
+      shown += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
+    } else {
+      shown += FromCodePoints(std::u32string(1, c));
+    }
+  }
+  return shown;
+}
+
+std::string PrintableJson(const std::string& json) {
+  std::string shown;
+  for (const char32_t c : ToCodePoints(json)) {
+    const bool isLayout = c == U'\n';  // between values; in texts it is an escape already
+    if ((IsControl(c) && !isLayout) || ReordersText(c)) {
       shown += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
     } else {
       shown += FromCodePoints(std::u32string(1, c));
@@ -124,7 +143,7 @@ std::string Table::Json() const {
     for (std::size_t i = 0; i < columns_.size(); ++i) object[columns_[i]] = CellJson(row[i]);
     rows.push_back(std::move(object));
   }
-  return rows.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
+  return PrintableJson(rows.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
 }
 
 void Table::WriteTabs(std::ostream& out) const {

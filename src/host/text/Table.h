@@ -32,7 +32,8 @@ class Table {
 
   /// Writes the table. Table: header, line, columns aligned by what a terminal shows, numbers to the right. Tabs:
   /// header and rows; tab, line feed, carriage return and backslash in texts are written \t \n \r \\. In both, what
-  /// steers a terminal is written as Printable does. Json: an array of objects.
+  /// steers a terminal is written as Printable does. Json: an array of objects, as PrintableJson writes them. Decimals
+  /// are rounded as their 15 significant digits say, half-way to the even last digit.
   void Write(std::ostream& out, OutputFormat format) const;
   /// The JSON array alone, for use inside a larger document.
   [[nodiscard]] std::string Json() const;
@@ -52,5 +53,7 @@ std::size_t DisplayWidth(const std::string& text);
 std::string Printable(const std::string& text);
 /// The same for a message of several lines (CR LF or LF between them), which stay lines.
 std::string PrintableLines(const std::string& message);
+/// A JSON document with the characters that Printable shows as escapes as those of JSON: other text, the same values.
+std::string PrintableJson(const std::string& json);
 
 }  // namespace tavi::host

@@ -100,7 +100,7 @@ void WriteJson(const Context& context, const std::string& file, const access::Ch
                                            {"staleNameKeys", keys.stale},
                                            {"rowsWithoutNumbers", missing.rows},
                                            {"moreRowsWithoutNumbers", missing.more}};
-  context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+  context.out << PrintableJson(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) << '\n';
 }
 
 void WriteText(const Context& context, const std::string& file, const access::CheckResult& result,

@@ -129,7 +129,7 @@ void WriteJson(const Context& context, const RecoveryReport& report) {
                       {"Damage", DamageOf(table)}});
   }
   const nlohmann::ordered_json document{{"Tables", tables}, {"Problems", report.problems}};
-  context.out << document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace) << '\n';
+  context.out << PrintableJson(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) << '\n';
 }
 
 void Write(const Context& context, const RecoveryReport& report) {
