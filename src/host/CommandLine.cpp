@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <optional>
 #include <ostream>
@@ -22,8 +23,10 @@
 #include "host/tools/NewClub.h"
 #include "host/tools/Recover.h"
 #include "host/tools/Sample.h"
+#include "host/tools/WorkFolder.h"
 #include "platform/portable/ConsoleMessageBoxes.h"
 #include "platform/values/Error.h"
+#include "util/NativePath.h"
 
 namespace tavi::host {
 namespace {
@@ -194,6 +197,18 @@ std::optional<Date> TodayOf(const Choices& choices) {
   return today;
 }
 
+/// Copies of members' data that a stopped command left go with the next one that uses the club, whichever it is.
+void ClearLeftBehind(const CLI::App& app, const Context& context) {
+  constexpr std::array kUsers{"members", "pairs", "score", "find", "handicaps", "info", "rpc", "sql"};
+  if (std::ranges::none_of(kUsers, [&](const char* name) { return app.got_subcommand(name); })) return;
+  try {
+    WorkFolder::ClearLeftBehind(NativePath(context.ClubFile()));
+  } catch (const Error&) {
+    // There is no club's folder; who needs one says so.
+    return;
+  }
+}
+
 int Run(std::vector<std::string> arguments, const Terminal& terminal) {
   std::ostream& error = terminal.error;
   Choices choices;
@@ -239,6 +254,7 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
     PlatformOptions options{TodayOf(choices), std::make_shared<ConsoleMessageBoxes>(error)};
     options.isCancelled = CancelKey::IsPressed;
     context.platform = MakePlatform(options);
+    ClearLeftBehind(app, context);
     return choices.action(context);
   } catch (const CLI::ParseError& problem) {
     return app.exit(problem, terminal.out, error) == 0 ? kSucceeded : kWrongUse;

@@ -58,6 +58,7 @@ std::string cDatabase::EBUMembersTable() {
 void cDatabase::OpenConnection() {
   try {
     connection_ = platform_->databaseProvider->Open(ConnectionText(DatabaseFilePath()));
+    openPath_ = DatabaseFilePath();
   } catch (const std::exception& error) {
     // A NUL would end the message.
     const std::string path = ReplaceAll(DatabaseFilePath(), std::string_view("\0", 1), " ");

@@ -1,17 +1,20 @@
 #include "store/ConnectionText.h"
 
 #include "platform/values/Error.h"
+#include "platform/values/Text.h"
 
 namespace tavi {
 namespace {
 
-/// A path as an item of the connection string: one that would end the item is put between quotes.
+/// A path as an item of the connection string: one that would end the item, or lose blanks in it, is put between
+/// quotes.
 std::string InConnectionText(const std::string& path) {
   if (path.find('\0') != std::string::npos) {
     throw Error(ErrorNumber::InvalidArgument, "cDatabase",
                 "The folder's name holds a NUL character; choose another folder.");
   }
-  const bool isPlain = path.find(';') == std::string::npos && path.find_first_of(" \"'") != 0;
+  const bool isPlain =
+      path.find(';') == std::string::npos && path.find_first_of("\"'") != 0 && Trim(path).size() == path.size();
   if (isPlain) return path;
   const char* const quote = path.find('"') == std::string::npos ? "\"" : "'";
   if (path.find(quote) == std::string::npos) return quote + path + quote;

@@ -68,7 +68,7 @@ RecoveryReport Recovery::Run(const std::string& oldFile) {
 }
 
 void Recovery::Recover(const std::string& oldFile) {
-  if (IsSameFile(oldFile, database_.DatabaseFilePath())) {
+  if (IsSameFile(oldFile, database_.CurrentFilePath())) {
     throw Error(ErrorNumber::Component, "Recovery",
                 "The old file " + oldFile + " is the current one, which is emptied first. Recover into another one.");
   }

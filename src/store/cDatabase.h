@@ -61,6 +61,8 @@ class cDatabase {
 
   /// The folder joined with "ClubMembers.mdb".
   [[nodiscard]] std::string DatabaseFilePath() const;
+  /// The same of the file that operations use: while one is open, that of the folder that was set when it was opened.
+  [[nodiscard]] std::string CurrentFilePath() const { return connection_ ? openPath_ : DatabaseFilePath(); }
   [[nodiscard]] const std::string& DatabaseFolder() const { return folder_; }
   /// A folder that differs (ignoring case) makes the layout check pending again. While the file is open everything goes
   /// on with that file until it is closed, the pending check too; the other folder's own file is then checked at its
@@ -88,8 +90,8 @@ class cDatabase {
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenRecordset(std::string_view SQL,
                                                               ado::CursorType CursorType = ado::CursorType::ForwardOnly,
                                                               bool IsTable = false);
-  /// Brings keys of the open file that another function made up to date (store/StoredNameKeys.h). What cannot be written
-  /// stays: only the search by similar names suffers. The diagnostics log says so then.
+  /// Brings keys of the open file that another function made up to date (store/StoredNameKeys.h). What cannot be
+  /// written stays: only the search by similar names suffers. The diagnostics log says so then.
   void RefreshStoredNameKeys() noexcept;
   /// The tables, columns or indexes of the open file.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind);
@@ -182,8 +184,8 @@ class cDatabase {
   // --- Members (members/MemberRecords.cpp) ---------------------------------------------------------------------------
 
   [[nodiscard]] std::int32_t NextAvailableMemberNo();
-  /// Inserts a member with fresh keys, stores the handicap and refreshes the uniqueness flags of that first name: all of
-  /// it or, with an error, nothing. Returns the number.
+  /// Inserts a member with fresh keys, stores the handicap and refreshes the uniqueness flags of that first name: all
+  /// of it or, with an error, nothing. Returns the number.
   std::int32_t AddMember(const MemberDetails& details);
   [[nodiscard]] bool MemberExists(std::int32_t memberNumber);
   /// False when no row was found.
@@ -229,6 +231,7 @@ class cDatabase {
   std::shared_ptr<const Platform> platform_;
   std::string folder_;
   std::unique_ptr<ado::Connection> connection_;
+  std::string openPath_;  ///< of the connection
   std::int16_t openCount_ = 0;
   std::int16_t transactions_ = 0;
   bool layoutCheckPending_ = true;

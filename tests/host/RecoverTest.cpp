@@ -158,12 +158,63 @@ TEST_F(Recover, WhatAStoppedRunLeftIsClearedByTheNextOne) {
   EXPECT_THAT(NamesInClub(), ElementsAre("ClubMembers.mdb"));
 }
 
+TEST_F(Recover, WhatAStoppedRunLeftIsClearedByWhateverUsesTheClub) {
+  ASSERT_EQ(folder_.Run({"new"}).code, 0);
+  for (const char* command : {"members", "info", "handicaps"}) {
+    fs::create_directories(folder_.Path("club/ClubMembers.mdb.work/deep"));
+    for (const char* name : {"ClubMembers.mdb", "going-to-its-place", "old.mdb", "lock", "deep/old.mdb"})
+      folder_.Write(std::string("club/ClubMembers.mdb.work/") + name, "left");
+    EXPECT_EQ(folder_.Run({command}).code, 0);
+    EXPECT_THAT(NamesInClub(), ElementsAre("ClubMembers.mdb")) << command;
+  }
+}
+
+TEST_F(Recover, ARunThatWasStoppedWhenDoneIsKnownThoughItsCopiesHaveGone) {
+  ASSERT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  for (const char* folder : {"club/ClubMembers.mdb.work", "club/ClubMembers.mdb.done"}) {
+    fs::create_directories(folder_.Path(folder));
+    for (const char* name : {"going-to-its-place", "old.mdb", "lock"})
+      folder_.Write(std::string(folder) + "/" + name, "left");
+    EXPECT_EQ(folder_.Run({"members"}).code, 0);
+    EXPECT_FALSE(fs::exists(folder_.Path(folder) + "/old.mdb"));
+    EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0) << "without --replace";
+    EXPECT_THAT(NamesInClub(), ElementsAre("ClubMembers.mdb"));
+  }
+}
+
+TEST_F(Recover, AFinishedRunIsNotKnownAnyMoreOnceTheClubWasChanged) {
+  ASSERT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
+  fs::create_directories(folder_.Path("club/ClubMembers.mdb.work"));
+  for (const char* name : {"going-to-its-place", "old.mdb", "lock"})
+    folder_.Write(std::string("club/ClubMembers.mdb.work/") + name, "left");
+  EXPECT_EQ(folder_.Run({"sql", "Update Members Set Notes = 'New'"}).code, 0);
+  EXPECT_EQ(folder_.Run({"members"}).code, 0);
+  EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 2);
+  EXPECT_THAT(folder_.Query("Select Distinct Notes From Members"), ElementsAre("New"));
+}
+
+TEST_F(Recover, AFolderThatALinkOfTheWorkFoldersNameLeadsToIsLeftAlone) {
+  ASSERT_EQ(folder_.Run({"new"}).code, 0);
+  fs::create_directories(folder_.Path("others"));
+  for (const char* name : {"lock", "precious"}) folder_.Write(std::string("others/") + name, "mine");
+  std::error_code noLinks;
+  for (const char* name : {"club/ClubMembers.mdb.work", "club/ClubMembers.mdb.done"})
+    fs::create_directory_symlink(folder_.Path("others"), folder_.Path(name), noLinks);
+#ifdef _WIN32
+  if (noLinks) GTEST_SKIP() << "users of Windows need a right of their own to make links";
+#endif
+  EXPECT_EQ(folder_.Run({"members"}).code, 0);
+  EXPECT_TRUE(fs::exists(folder_.Path("others/precious")));
+  EXPECT_TRUE(fs::exists(folder_.Path("others/lock")));
+}
+
 TEST_F(Recover, AnotherRunThatIsStillWorkingIsLeftAlone) {
   fs::create_directories(folder_.Path("club/ClubMembers.mdb.work"));
   const std::string lock = folder_.Write("club/ClubMembers.mdb.work/lock", "");
   const auto file = access::NativeFileSystem()->Open(lock, access::FileSystem::OpenMode::ReadWrite);
   ASSERT_TRUE(file->TryLock(0, 1, access::File::LockKind::Exclusive));
   const std::string work = folder_.Write("club/ClubMembers.mdb.work/old.mdb", "in use");
+  EXPECT_NE(folder_.Run({"members"}).code, 0);
   for (const Outcome& outcome : {folder_.Run({"recover", OldFile()}), folder_.Run({"new"})}) {
     EXPECT_NE(outcome.code, 0);
     EXPECT_THAT(outcome.error, HasSubstr("another program is making or recovering this club"));

@@ -472,6 +472,27 @@ TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItselfOverLinksAndDetours) 
   EXPECT_EQ(folder.ReadFile("ClubMembers.mdb"), club_.Content());
 }
 
+TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItselfWithBlanksAroundItsName) {
+  const std::string path = club_.store.DatabaseFilePath();
+  for (const std::string& spelling : {path + " ", path + "\t", " " + path, "  " + path + "  "}) {
+    EXPECT_TRUE(club_.store.RecoverData(spelling).failure) << "'" << spelling << "'";
+    EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Gone"));
+  }
+}
+
+TEST_F(RecoveryTest, TheFileThatIsOpenIsNotRecoveredIntoItselfThoughAnotherFolderWasSet) {
+  const std::string folder = club_.store.DatabaseFolder();
+  const std::string path = club_.store.DatabaseFilePath();
+  club_.store.OpenDB();
+  club_.store.SetDatabaseFolder(folder + "/elsewhere");
+  const RecoveryReport report = club_.store.RecoverData(path);
+  ASSERT_TRUE(report.failure);
+  EXPECT_THAT(report.failure->Description(), HasSubstr("is the current one"));
+  club_.store.CloseDB(true);
+  club_.store.SetDatabaseFolder(folder);
+  EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Gone"));
+}
+
 TEST_F(RecoveryTest, NameKeysOfAnotherFunctionAreMadeAnew) {
   Old(
       {"Insert into Members (MembershipNumber, FirstName, LastName, FuzzedFirstName, FuzzedLastName) Values (1, "

@@ -1,5 +1,6 @@
 #include "host/tools/WorkFolder.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "host/text/PathText.h"
@@ -25,6 +26,31 @@ constexpr int kMostAttempts = 5;
 void RemoveQuietly(const std::string& path) {
   std::error_code ignored;
   fs::remove(PathOf(path), ignored);
+}
+
+bool HasEntry(const fs::path& folder, const char* name) {
+  std::error_code ignored;
+  return fs::exists(folder / name, ignored);
+}
+
+/// Removes what a folder holds, but for some names. It keeps the time of its last change, by which a run that had come
+/// to its end is known.
+void EmptyFolder(const fs::path& folder, const std::vector<fs::path>& kept) {
+  std::error_code ignored;
+  const auto changed = fs::last_write_time(folder, ignored);
+  std::vector<fs::path> entries;
+  for (fs::directory_iterator entry(folder, ignored); entry != fs::directory_iterator(); entry.increment(ignored)) {
+    if (std::ranges::find(kept, entry->path().filename()) == kept.end()) entries.push_back(entry->path());
+  }
+  if (entries.empty()) return;
+  for (const fs::path& entry : entries) fs::remove_all(entry, ignored);
+  fs::last_write_time(folder, changed, ignored);
+}
+
+/// True for a folder that is there and this user's own; no link to another one.
+bool IsOwnFolder(const std::string& path) {
+  std::error_code ignored;
+  return fs::is_directory(fs::symlink_status(PathOf(path), ignored)) && !MakePrivateFolder(path);
 }
 
 }  // namespace
@@ -95,18 +121,39 @@ void WorkFolder::Mark() const {
 
 // The folder was changed after the last write into the draft, whose time the file in the place has kept.
 bool WorkFolder::WasLeftWhenDone(const std::string& clubFile) {
-  const auto exists = [](const fs::path& path) {
-    std::error_code ignored;
-    return fs::exists(path, ignored);
-  };
   const fs::path work = PathOf(clubFile + kEnding);
   const fs::path done = PathOf(clubFile + kDoneEnding);
-  const bool isMarked = exists(work / kMarkName) && !exists(work / kDraftName);
-  if (!isMarked && !exists(done)) return false;
+  const bool isMarked = HasEntry(work, kMarkName) && !HasEntry(work, kDraftName);
   std::error_code unknown;
+  if (!isMarked && !fs::exists(done, unknown)) return false;
   const auto changed = fs::last_write_time(isMarked ? work : done, unknown);
   const auto written = fs::last_write_time(PathOf(clubFile), unknown);
   return !unknown && written <= changed;
+}
+
+void WorkFolder::ClearLeftBehind(const std::string& clubFile) {
+  const std::shared_ptr<access::FileSystem> fileSystem = access::NativeFileSystem();
+  const std::string place = fileSystem->CanonicalPath(clubFile);
+  const std::string done = place + kDoneEnding;
+  if (IsOwnFolder(done)) EmptyFolder(PathOf(done), {});
+  const std::string work = place + kEnding;
+  if (!IsOwnFolder(work)) return;
+  const fs::path folder = PathOf(work);
+  try {
+    // Without its lock it is empty, or another run is just making it.
+    if (HasEntry(folder, kLockName)) {
+      const std::string lockPath = TextOf(folder / kLockName);
+      const std::unique_ptr<access::File> lock = fileSystem->Open(lockPath, access::FileSystem::OpenMode::ReadWrite);
+      if (!lock->TryLock(0, 1, access::File::LockKind::Exclusive) || !lock->IsStillAt(lockPath)) return;
+      const bool isDone = HasEntry(folder, kMarkName) && !HasEntry(folder, kDraftName);
+      EmptyFolder(folder, isDone ? std::vector<fs::path>{kLockName, kMarkName} : std::vector<fs::path>{kLockName});
+      if (isDone) return;
+      RemoveQuietly(lockPath);
+    }
+    RemoveQuietly(work);
+  } catch (const Error&) {
+    return;
+  }
 }
 
 std::string WorkFolder::File(const std::string& name) const {
@@ -133,10 +180,7 @@ bool WorkFolder::Enter() {
 }
 
 void WorkFolder::Clear() const {
-  std::error_code ignored;
-  for (const std::string& name : NamesIn(path_, ignored)) {
-    if (name != kLockName) RemoveAll(File(name));
-  }
+  EmptyFolder(PathOf(path_), {kLockName});
 }
 
 }  // namespace tavi::host

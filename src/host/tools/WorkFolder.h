@@ -10,7 +10,7 @@ namespace tavi::host {
 
 /// The private folder beside a club's file in which another one is made: FILE.work, which nobody but its owner may
 /// enter. Copies of members' data lie here and nowhere else. It is gone at the end of this object's life; what a run
-/// that was stopped has left in it the next one clears before it begins.
+/// that was stopped has left in it the next one clears before it begins, and so does every command that uses the club.
 ///
 /// When the new file takes its place a mark lies in the folder; after that the folder is called FILE.done until it is
 /// gone. So a run that was stopped after its file had taken the place is known from one that was stopped before.
@@ -33,6 +33,9 @@ class WorkFolder {
 
   /// True when a run was stopped after its file had taken the place, and nobody has written that file since.
   [[nodiscard]] static bool WasLeftWhenDone(const std::string& clubFile);
+  /// Removes what a stopped run has left, unless another one is working there. What WasLeftWhenDone goes by stays.
+  /// Where it cannot be removed the next run of its kind says so. `clubFile` is any path of the club's file.
+  static void ClearLeftBehind(const std::string& clubFile);
 
  private:
   /// Folders that were made for this one; those that are still empty at the end go again.
