@@ -30,7 +30,7 @@ using Arguments = std::vector<std::string>;
 using Contents = std::map<std::string, std::string>;
 
 /// How often a whole command is interrupted at least; all places are taken when there are fewer.
-constexpr std::size_t kInterruptions = 24;
+constexpr std::size_t kInterruptions = 10;
 constexpr std::size_t kLastCalls = 8;
 
 std::string FileContent(const fs::path& path) {
@@ -121,12 +121,20 @@ class InterruptedCommand : public ::testing::Test {
   /// Runs the command in a process of its own; says how many calls it made, tells its errors.
   [[nodiscard]] ChildEnd Run(const Arguments& arguments, std::size_t call, CallTrouble trouble) const {
     return RunInChild([&](ChildVoice& voice) {
+      // What the command says goes into a file, so that saying it is one of the calls.
+      std::ofstream file(folder_.Path("said"));
+      std::ostringstream text;
+      std::istringstream in;
+      std::ostringstream error;
+      std::ostream& out = trouble == CallTrouble::DiskFull ? static_cast<std::ostream&>(text) : file;
+      Arguments all{"--db", folder_.Club(), "--today", "2026-01-15"};
+      all.insert(all.end(), arguments.begin(), arguments.end());
       TroubleAtCall(call, trouble);
-      const Outcome outcome = folder_.Run(arguments);
+      const int code = RunCommandLine(all, Terminal{in, out, error});
       NoTrouble();
       voice.Say(std::to_string(ChangingCalls()));
-      voice.Tell(outcome.error);
-      if (outcome.code != 0) ::_exit(outcome.code);
+      voice.Tell(error.str());
+      if (code != 0) ::_exit(code);
     });
   }
 

@@ -1,6 +1,7 @@
 #include "access/catalog/Compact.h"
 
 #include <algorithm>
+#include <optional>
 #include <vector>
 
 #include "access/catalog/Dump.h"
@@ -37,6 +38,10 @@ class Compacting {
     try {
       CheckSource();
       WriteNewFile();
+      if (const auto former = FindFormerRun()) {
+        RemoveLeftovers();
+        return *former;
+      }
       CheckNewFile();
       CopyOldFile();
       return Swap();
@@ -115,6 +120,7 @@ class Compacting {
   void CopyOldFile() {
     const std::unique_ptr<File> from = fileSystem_->Open(path_, FileSystem::OpenMode::ReadOnly);
     const std::unique_ptr<File> to = fileSystem_->Open(copyPath_, FileSystem::OpenMode::CreateNew);
+    fileSystem_->CopyPermissions(path_, copyPath_);
     result_.bytesBefore = from->Size();
     std::vector<std::uint8_t> chunk;
     for (std::uint64_t done = 0; done < result_.bytesBefore; done += chunk.size()) {
@@ -123,13 +129,12 @@ class Compacting {
       to->WriteAt(done, chunk);
     }
     to->Sync();
-    fileSystem_->CopyPermissions(path_, copyPath_);
   }
 
   // In this order: a stop between the steps leaves the new file, and its name, beside the old one, or the copy of the
   // old one beside the new file, which then has only not got its name yet.
   CompactResult Swap() {
-    result_.bytesAfter = fileSystem_->Open(newPath_, FileSystem::OpenMode::ReadOnly)->Size();
+    result_.bytesAfter = SizeOf(newPath_);
     fileSystem_->SyncFolderOf(path_);
     ReplaceFile(*fileSystem_, newPath_, path_, source_.GetPager());
     NameBackup();
@@ -154,28 +159,60 @@ class Compacting {
     return stamp(path_) > stamp(copyPath_);
   }
 
+  /// What a run gave that has left the file as it is now: compacting it once more would change nothing, and keep a
+  /// second backup of it.
+  [[nodiscard]] std::optional<CompactResult> FindFormerRun() {
+    CompactResult former;
+    for (unsigned number = 1; fileSystem_->Exists(BackupName(number)); ++number) former.backup = BackupName(number);
+    if (former.backup.empty() || !HasSameBytes(newPath_)) return std::nullopt;
+    former.bytesBefore = SizeOf(former.backup);
+    former.bytesAfter = SizeOf(path_);
+    return former;
+  }
+
+  /// True when another file holds the same bytes as the one to be compacted.
+  [[nodiscard]] bool HasSameBytes(const std::string& other) {
+    const std::unique_ptr<File> one = fileSystem_->Open(path_, FileSystem::OpenMode::ReadOnly);
+    const std::unique_ptr<File> two = fileSystem_->Open(other, FileSystem::OpenMode::ReadOnly);
+    const std::uint64_t size = one->Size();
+    if (two->Size() != size) return false;
+    std::vector<std::uint8_t> oneChunk;
+    std::vector<std::uint8_t> twoChunk;
+    for (std::uint64_t done = 0; done < size; done += oneChunk.size()) {
+      oneChunk.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyChunk, size - done)));
+      twoChunk.resize(oneChunk.size());
+      one->ReadAt(done, oneChunk);
+      two->ReadAt(done, twoChunk);
+      if (oneChunk != twoChunk) return false;
+    }
+    return true;
+  }
+
+  [[nodiscard]] std::uint64_t SizeOf(const std::string& path) {
+    return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->Size();
+  }
+
   /// All that it has left to do.
   CompactResult FinishFormerRun() {
-    const auto size = [&](const std::string& path) {
-      return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->Size();
-    };
-    result_.bytesBefore = size(copyPath_);
-    result_.bytesAfter = size(path_);
+    result_.bytesBefore = SizeOf(copyPath_);
+    result_.bytesAfter = SizeOf(path_);
     NameBackup();
     return result_;
   }
 
-  [[nodiscard]] std::string FreeBackupName() const {
+  [[nodiscard]] std::string BackupName(unsigned number) const {
     const std::size_t nameStart = path_.find_last_of("/\\") + 1;  // 0 when there is no folder
     const std::size_t dot = path_.find_last_of('.');
     const bool hasEnding = dot != std::string::npos && dot > nameStart;
-    const std::string stem = hasEnding ? path_.substr(0, dot) : path_;
-    const std::string ending = hasEnding ? path_.substr(dot) : std::string();
-    for (int number = 1;; ++number) {
-      std::string name = stem;
-      name.append(".backup-").append(std::to_string(number)).append(ending);
-      if (!fileSystem_->Exists(name)) return name;
-    }
+    std::string name = hasEnding ? path_.substr(0, dot) : path_;
+    name.append(".backup-").append(std::to_string(number));
+    return hasEnding ? name + path_.substr(dot) : name;
+  }
+
+  [[nodiscard]] std::string FreeBackupName() const {
+    unsigned number = 1;
+    while (fileSystem_->Exists(BackupName(number))) ++number;
+    return BackupName(number);
   }
 
   std::shared_ptr<FileSystem> fileSystem_;

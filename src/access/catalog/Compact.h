@@ -24,7 +24,8 @@ struct CompactResult {
 /// checked, and each of its tables compared with the old one's; then it takes the old one's name in one step. A crash
 /// at any instant leaves the one or the other whole under the name; what it leaves beside them the next call removes,
 /// or gives its name as the backup: after a crash at the very end that is all that the next call does. Nobody else can
-/// have the file open meanwhile.
+/// have the file open meanwhile. A file that was compacted and has not changed since stays, without a second backup:
+/// the result is that of the former call.
 ///
 /// Raises ProviderFailure, and leaves the file as it was: when the file cannot be opened, is in use by anybody, has
 /// damage in its catalogue, maps, rows or long values, or has an index that cannot be made anew; when the disk is full.

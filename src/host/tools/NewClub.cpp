@@ -1,6 +1,7 @@
 #include "host/tools/NewClub.h"
 
 #include <filesystem>
+#include <ostream>
 
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
@@ -11,37 +12,38 @@ namespace tavi::host {
 
 namespace {
 
-/// True when the file is what a run with the same request made that was stopped at the very end; its traces go then.
-bool FinishFormerRun(const Context& context, const ClubIdentity& identity) {
-  if (!ClubDraft::WasLeftWhenDone(context)) return false;
+/// The traces of a run with the same request that was stopped at the very end, when the file is what it made.
+std::unique_ptr<ClubDraft> FindFormerRun(const Context& context, const ClubIdentity& identity) {
+  if (!ClubDraft::WasLeftWhenDone(context)) return nullptr;
   cDatabase store(context.platform);
   store.SetDatabaseFolder(context.ClubFolder());
-  if (store.LatestClubName() != identity.name) return false;
-  const ClubDraft cleared(context);
-  return true;
+  if (store.LatestClubName() != identity.name) return nullptr;
+  return std::make_unique<ClubDraft>(context);
 }
 
 }  // namespace
 
-void MakeClub(const Context& context, const ClubIdentity& identity) {
+std::unique_ptr<ClubDraft> MakeClub(const Context& context, const ClubIdentity& identity) {
   const std::string file = NativePath(context.ClubFile());
   if (std::filesystem::exists(PathOf(file))) {
-    if (FinishFormerRun(context, identity)) return;
+    if (std::unique_ptr<ClubDraft> former = FindFormerRun(context, identity)) return former;
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
   }
-  ClubDraft draft(context);
-  draft.BeginEmpty(identity);
-  draft.TakePlace();
+  auto draft = std::make_unique<ClubDraft>(context);
+  draft->BeginEmpty(identity);
+  draft->TakePlace();
+  return draft;
 }
 
 int NewClub(const Context& context, const ClubIdentity& identity) {
   // Asked for first: nothing is changed any more when the file is made.
   const std::string file = NativePath(context.ClubFile());
-  MakeClub(context, identity);
+  const std::unique_ptr<ClubDraft> traces = MakeClub(context, identity);
   Table table({"What", "Value"});
   table.Add({std::string("File"), file});
   table.Add({std::string("Club"), identity.name});
   table.Write(context.out, context.format);
+  context.out.flush();
   return kSucceeded;
 }
 

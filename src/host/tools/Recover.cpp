@@ -195,8 +195,8 @@ void RequireHandicapSettings(const ClubDraft& draft) {
 }
 
 /// The club's file changes when all is recovered, in one step.
-RecoveryReport RecoverInto(const Context& context, const std::string& clubFile, const std::string& oldFile) {
-  ClubDraft draft(context);
+RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const std::string& clubFile,
+                           const std::string& oldFile) {
   const TemporaryCopy copy(draft.Folder(), PathOf(NativePath(oldFile)));
   if (copy.IsLogLeftOut()) {
     context.error << "tavi: the log beside " << Printable(oldFile)
@@ -219,8 +219,11 @@ int Recover(const Context& context, const RecoverRequest& request) {
   try {
     const std::string clubFile = NativePath(context.ClubFile());
     RequirePermission(context, request, clubFile);
-    const RecoveryReport report = RecoverInto(context, clubFile, request.oldFile);
+    ClubDraft draft(context);
+    const RecoveryReport report = RecoverInto(context, draft, clubFile, request.oldFile);
     Write(context, report);
+    // With the draft the traces go by which a run that was stopped at its end can be repeated.
+    context.out.flush();
     return report.IsSomethingLost() ? kSomethingLost : kSucceeded;
   } catch (const Error& error) {
     context.error << "tavi: " << PrintableLines(error.Description()) << '\n';

@@ -35,16 +35,16 @@ bool HasEntry(const fs::path& folder, const char* name) {
 
 /// Removes what a folder holds, but for some names. It keeps the time of its last change, by which a run that had come
 /// to its end is known.
-void EmptyFolder(const fs::path& folder, const std::vector<fs::path>& kept) {
+void EmptyFolder(const std::string& folder, const std::vector<std::string>& kept) {
   std::error_code ignored;
-  const auto changed = fs::last_write_time(folder, ignored);
-  std::vector<fs::path> entries;
-  for (fs::directory_iterator entry(folder, ignored); entry != fs::directory_iterator(); entry.increment(ignored)) {
-    if (std::ranges::find(kept, entry->path().filename()) == kept.end()) entries.push_back(entry->path());
+  const auto changed = fs::last_write_time(PathOf(folder), ignored);
+  bool isChanged = false;
+  for (const std::string& name : NamesIn(folder, ignored)) {
+    if (std::ranges::find(kept, name) != kept.end()) continue;
+    RemoveAll(JoinPath(folder, name));
+    isChanged = true;
   }
-  if (entries.empty()) return;
-  for (const fs::path& entry : entries) fs::remove_all(entry, ignored);
-  fs::last_write_time(folder, changed, ignored);
+  if (isChanged) fs::last_write_time(PathOf(folder), changed, ignored);
 }
 
 /// True for a folder that is there and this user's own; no link to another one.
@@ -104,6 +104,7 @@ WorkFolder::~WorkFolder() {
   }
   lock_.reset();
   // Some systems remove no folder while a file that lay in it is open.
+  if (!fileSystem_->Exists(left)) return;
   if (isRenamed) {
     RemoveAll(left);
   } else {
@@ -135,18 +136,18 @@ void WorkFolder::ClearLeftBehind(const std::string& clubFile) {
   const std::shared_ptr<access::FileSystem> fileSystem = access::NativeFileSystem();
   const std::string place = fileSystem->CanonicalPath(clubFile);
   const std::string done = place + kDoneEnding;
-  if (IsOwnFolder(done)) EmptyFolder(PathOf(done), {});
+  if (IsOwnFolder(done)) EmptyFolder(done, {});
   const std::string work = place + kEnding;
   if (!IsOwnFolder(work)) return;
   const fs::path folder = PathOf(work);
   try {
     // Without its lock it is empty, or another run is just making it.
     if (HasEntry(folder, kLockName)) {
-      const std::string lockPath = TextOf(folder / kLockName);
+      const std::string lockPath = JoinPath(work, kLockName);
       const std::unique_ptr<access::File> lock = fileSystem->Open(lockPath, access::FileSystem::OpenMode::ReadWrite);
       if (!lock->TryLock(0, 1, access::File::LockKind::Exclusive) || !lock->IsStillAt(lockPath)) return;
       const bool isDone = HasEntry(folder, kMarkName) && !HasEntry(folder, kDraftName);
-      EmptyFolder(folder, isDone ? std::vector<fs::path>{kLockName, kMarkName} : std::vector<fs::path>{kLockName});
+      EmptyFolder(work, isDone ? std::vector<std::string>{kLockName, kMarkName} : std::vector<std::string>{kLockName});
       if (isDone) return;
       RemoveQuietly(lockPath);
     }
@@ -180,7 +181,7 @@ bool WorkFolder::Enter() {
 }
 
 void WorkFolder::Clear() const {
-  EmptyFolder(PathOf(path_), {kLockName});
+  EmptyFolder(path_, {kLockName});
 }
 
 }  // namespace tavi::host

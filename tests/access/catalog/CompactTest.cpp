@@ -189,8 +189,21 @@ TEST(Compact, NeverOverwritesABackup) {
   const auto memory = MakeClub();
   memory->SetContents(kBackup, {1, 2, 3});
   EXPECT_EQ(CompactFile(memory, kPath).backup, "club.backup-2.mdb");
+  Change(memory, [](Database& database) { Insert(database, "Members", {{"Name", "new"}}); });
   EXPECT_EQ(CompactFile(memory, kPath).backup, "club.backup-3.mdb");
   EXPECT_EQ(memory->Contents(kBackup), (MemoryFileSystem::Bytes{1, 2, 3}));
+}
+
+TEST(Compact, OfACompactedFileGivesWhatTheFirstTimeGaveAndKeepsNoSecondBackup) {
+  const auto memory = MakeClub();
+  const CompactResult first = CompactFile(memory, kPath);
+  const auto compacted = memory->Contents(kPath);
+  const CompactResult again = CompactFile(memory, kPath);
+  EXPECT_EQ(again.backup, kBackup);
+  EXPECT_EQ(again.bytesBefore, first.bytesBefore);
+  EXPECT_EQ(again.bytesAfter, first.bytesAfter);
+  EXPECT_TRUE(memory->Contents(kPath) == compacted);
+  EXPECT_EQ(memory->Paths(), (std::vector<std::string>{kBackup, kPath}));
 }
 
 TEST(Compact, MendsIndexesAndCounters) {
@@ -290,6 +303,7 @@ TEST(Compact, ABackupWithoutNameIsKeptWhenTheFileWasWrittenSince) {
   memory->Rename(kBackup, std::string(kPath) + ".compact-old");
   const auto kept = memory->Contents(std::string(kPath) + ".compact-old");
   memory->SetContents(kPath, memory->Contents(kPath));
+  Change(memory, [](Database& database) { Insert(database, "Members", {{"Name", "new"}}); });
   EXPECT_EQ(CompactFile(memory, kPath).backup, "club.backup-2.mdb");
   EXPECT_TRUE(memory->Contents(kBackup) == kept);
 }
