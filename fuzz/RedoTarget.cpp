@@ -1,12 +1,16 @@
 // The redo log beside a file. The first byte says how to read the rest: even: the bytes of the log; odd: statements
 // that are written as a log whose checksums are right, unless the input wants one wrong, so that what they guard is
 // reached.
+#include <algorithm>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "access/file/Bytes.h"
 #include "access/file/Checksum.h"
 #include "access/file/LogOwner.h"
+#include "access/file/LogStatement.h"
+#include "access/file/PageDelta.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/FileUse.h"
 #include "fuzz/ByteSource.h"
@@ -29,7 +33,7 @@ void Append(LogBytes& log, std::uint64_t value, std::size_t size) {
   for (std::size_t i = 0; i < size; ++i) log.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
-/// Writes the log that an input describes; layout in LogHeader.h.
+/// Writes the log that an input describes; layout in LogLayout.h.
 class LogWriter {
  public:
   LogWriter(const LogBytes& database, const LogOwner& owner, ByteSource source)
@@ -53,7 +57,7 @@ class LogWriter {
     wantsMark_ = (flags & 1U) != 0;
     salt_ = 1U + source_.Byte();
     for (const char letter : std::string("TAVIREDO")) Append(log_, static_cast<std::uint8_t>(letter), 1);
-    Append(log_, (flags & 2U) != 0 ? source_.Byte() : 2U, 4);
+    Append(log_, (flags & 2U) != 0 ? source_.Byte() : 3U, 4);
     Append(log_, kPageSize, 4);
     Append(log_, salt_, 8);
     Append(log_, database_.size() + ((flags & 4U) != 0 ? source_.Byte() : 0U), 8);
@@ -70,14 +74,27 @@ class LogWriter {
 
   void WriteStatement() {
     const std::uint8_t flags = source_.Byte();
-    const std::size_t start = log_.size();
-    const std::size_t count = 1 + flags % 3;
-    Append(log_, 0x544D5453, 4);
+    if ((flags & 4U) != 0) {
+      WriteDeltas(flags);
+    } else {
+      WriteWholePages(flags);
+    }
+  }
+
+  // The first bytes of a statement.
+  void WriteStart(std::uint32_t magic, std::uint8_t flags, std::size_t count, std::size_t recordsSize) {
+    Append(log_, magic, 4);
     Append(log_, (flags & 0x80U) != 0 ? source_.Word() : count, 4);
     Append(log_, (flags & 0x40U) != 0 ? source_.Word() * 0x101U : Pages() + 2, 4);
-    Append(log_, 0, 4);
+    Append(log_, recordsSize, 4);
     Append(log_, (flags & 0x20U) != 0 ? source_.Byte() : chain_, 8);
     Append(log_, 0, 8);
+  }
+
+  void WriteWholePages(std::uint8_t flags) {
+    const std::size_t start = log_.size();
+    const std::size_t count = 1 + flags % 3;
+    WriteStart(0x544D5453, flags, count, 0);
     std::uint64_t checksum = Checksum(chain_, std::span(log_).subspan(start));
     std::vector<std::size_t> numbers;
     const std::size_t directory = log_.size();
@@ -87,9 +104,69 @@ class LogWriter {
       const std::size_t image = log_.size();
       WriteImage(number);
       checksum = Checksum(checksum, std::span(log_).subspan(image));
+      pages_[number] = {LogBytes(log_.end() - kPageSize, log_.end()), 0, true};
     }
     Append(log_, checksum + ((flags & 0x08U) != 0 ? 1U : 0U), 8);
     chain_ = checksum;
+  }
+
+  void WriteDeltas(std::uint8_t flags) {
+    const std::size_t start = log_.size();
+    std::vector<LogBytes> records;
+    std::size_t size = 0;
+    std::size_t number = source_.Word() % (Pages() + 2);
+    for (std::size_t count = 1 + flags % 3; count > 0; --count) {
+      records.push_back(MakeRecord(number, start + 0x20 + size));
+      size += records.back().size();
+      number += 1 + source_.Byte() % 4U;
+    }
+    WriteStart(0x41544C44, flags, records.size(), size + ((flags & 0x10U) != 0 ? source_.Byte() : 0U));
+    std::uint64_t checksum = Checksum(chain_, std::span(log_).subspan(start));
+    for (const LogBytes& record : records) {
+      checksum = Checksum(checksum, record);
+      log_.insert(log_.end(), record.begin(), record.end());
+    }
+    Append(log_, checksum + ((flags & 0x08U) != 0 ? 1U : 0U), 8);
+    chain_ = checksum;
+  }
+
+  // What is to lie at an offset of the log.
+  LogBytes MakeRecord(std::size_t number, std::size_t offset) {
+    const bool isInDatabase = number < Pages();
+    const auto [place, isNew] = pages_.try_emplace(number);
+    LoggedBytes& page = place->second;
+    if (isNew)
+      page.stored = isInDatabase ? LogBytes(Stored(number).begin(), Stored(number).end()) : LogBytes(kPageSize);
+    const bool isFirst = !page.isLogged;
+    const std::uint8_t wrong = source_.Byte();
+    const LogBytes delta = MakeDelta();
+    if (IsDelta(delta)) ApplyDelta(delta, std::span(page.stored).first<kPageSize>());
+    LogBytes record;
+    Append(record, number, 4);
+    Append(record, SumOfPage(std::span(page.stored).first<kPageSize>()) + (wrong % 16 == 1 ? 1U : 0U), 4);
+    Append(record, wrong % 16 == 2 ? source_.Word() : page.lastDelta, 8);
+    Append(record, delta.size() + (wrong % 16 == 3 ? source_.Byte() : 0U), 2);
+    Append(record, (isFirst ? 1U : 0U) | (isFirst && isInDatabase ? 2U : 0U) | (wrong % 16 == 4 ? 4U : 0U), 2);
+    if (isFirst && isInDatabase) {
+      for (const std::uint32_t sum : PageSums::Of(Stored(number)).sectors) Append(record, sum, 4);
+    }
+    record.insert(record.end(), delta.begin(), delta.end());
+    page.lastDelta = offset;
+    page.isLogged = true;
+    return record;
+  }
+
+  LogBytes MakeDelta() {
+    LogBytes delta;
+    for (std::uint8_t pieces = source_.Byte() % 4; pieces > 0; --pieces) {
+      const std::size_t length = source_.Byte();
+      const bool isMoved = source_.Byte() % 2 != 0;
+      Append(delta, source_.Word() % (kPageSize + 8), 2);
+      Append(delta, length | (isMoved ? 0x8000U : 0U), 2);
+      if (isMoved) Append(delta, source_.Word() % (kPageSize + 8), 2);
+      for (std::size_t i = 0; !isMoved && i < length; ++i) delta.push_back(source_.Byte());
+    }
+    return delta;
   }
 
   std::size_t WriteEntry(bool isWrong) {
@@ -119,6 +196,12 @@ class LogWriter {
     std::copy(mark.begin(), mark.end(), log_.begin() + kMarkOffset);
   }
 
+  struct LoggedBytes {
+    LogBytes stored;
+    std::size_t lastDelta = 0;
+    bool isLogged = false;
+  };
+
   const LogBytes& database_;
   const LogOwner& owner_;
   ByteSource source_;
@@ -126,6 +209,7 @@ class LogWriter {
   bool wantsMark_ = false;
   std::uint64_t salt_ = 0;
   std::uint64_t chain_ = 0;
+  std::map<std::size_t, LoggedBytes> pages_;
 };
 
 }  // namespace

@@ -11,11 +11,12 @@
 namespace tavi::access {
 
 using log_layout::kHeaderSize;
+using log_layout::kVersion;
+using log_layout::kVersionOfWholePages;
 
 namespace {
 
 constexpr std::array<std::uint8_t, 8> kMagic = {'T', 'A', 'V', 'I', 'R', 'E', 'D', 'O'};
-constexpr std::uint32_t kVersion = 2;
 constexpr std::size_t kVersionOffset = 0x08;
 constexpr std::size_t kPageSizeOffset = 0x0C;
 constexpr std::size_t kSaltOffset = 0x10;
@@ -82,7 +83,8 @@ void LogHeader::WriteTo(File& log) const {
 bool LogHeader::IsUnfinished() const {
   std::array<std::uint8_t, kPageSizeOffset> start{};
   std::copy(kMagic.begin(), kMagic.end(), start.begin());
-  PutLittle<std::uint32_t>(start, kVersionOffset, kVersion);
+  const auto version = GetLittle<std::uint32_t>(bytes_, kVersionOffset);
+  PutLittle<std::uint32_t>(start, kVersionOffset, version == kVersionOfWholePages ? version : kVersion);
   std::size_t length = kMarkOffset;
   while (length > 0 && bytes_[length - 1] == 0) --length;
   const auto compared = static_cast<std::ptrdiff_t>(std::min(length, start.size()));
@@ -97,7 +99,8 @@ bool LogHeader::IsWhole() const {
 }
 
 bool LogHeader::IsValid() const {
-  return IsWhole() && GetLittle<std::uint32_t>(bytes_, kVersionOffset) == kVersion &&
+  const auto version = GetLittle<std::uint32_t>(bytes_, kVersionOffset);
+  return IsWhole() && (version == kVersion || version == kVersionOfWholePages) &&
          GetLittle<std::uint32_t>(bytes_, kPageSizeOffset) == kPageSize && Salt() != 0;
 }
 
@@ -105,6 +108,10 @@ std::optional<std::uint32_t> LogHeader::LaterVersion() const {
   const auto version = GetLittle<std::uint32_t>(bytes_, kVersionOffset);
   if (version <= kVersion || !IsWhole()) return std::nullopt;
   return version;
+}
+
+bool LogHeader::TakesDeltas() const {
+  return GetLittle<std::uint32_t>(bytes_, kVersionOffset) == kVersion;
 }
 
 bool LogHeader::IsOfSameLog(const LogHeader& other) const {

@@ -72,7 +72,7 @@ struct PagerOptions {
 /// States of a page in a write statement: as committed -> changed (Write, WriteNew) -> logged (Commit) -> in the
 /// database file (checkpoint). A page that was changed back to what it was is not logged.
 ///
-/// Beside the database file NAME lie, while they are needed: NAME.redo (the log, layout in RedoLog.h) and
+/// Beside the database file NAME lie, while they are needed: NAME.redo (the log, layout in LogLayout.h) and
 /// NAME.redo-setaside-1, -2, ... (logs that belonged to an older state of the file; never read again).
 class Pager {
  public:

@@ -60,7 +60,7 @@ void PagerImplementation::ReadHeader() {
   const std::uint64_t size = log_.HasStatements() ? std::uint64_t{log_.PageCount()} * kPageSize : fileSize_;
   const auto stored = first.AllMutable().first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kPageSize)));
   if (const LoggedPage* logged = log_.Find(format::kHeaderPage)) {
-    log_.ReadImage(*logged, first.AllMutable());
+    log_.ReadPage(format::kHeaderPage, *logged, *file_, first.AllMutable());
   } else {
     file_->ReadAt(0, stored);
   }
@@ -290,7 +290,7 @@ PageHandle PagerImplementation::ReadCommitted(PageNumber number) {
 }
 
 void PagerImplementation::ReadStored(PageNumber number, Page& target) {
-  if (const LoggedPage* logged = log_.Find(number)) return log_.ReadImage(*logged, target.AllMutable());
+  if (const LoggedPage* logged = log_.Find(number)) return log_.ReadPage(number, *logged, *file_, target.AllMutable());
   if (number >= FilePageCount()) RaiseDamage("page " + std::to_string(number) + " of '" + path_ + "' is missing.");
   file_->ReadAt(std::uint64_t{number} * header_.pageSize, target.AllMutable().first(header_.pageSize));
 }

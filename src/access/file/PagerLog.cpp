@@ -122,15 +122,17 @@ bool PagerImplementation::AppendToLog() {
   std::vector<StatementPage> pages;
   pages.reserve(numbers.size());
   std::deque<Page> encoded;
+  const auto stored = [&](const Page& page) {
+    if (header_.databaseKey == 0) return page.All();
+    encoded.push_back(page);
+    ToggleEncoding(encoded.back());
+    return std::as_const(encoded.back()).All();
+  };
   for (const PageNumber number : numbers) {
     const PageChanges::Changed& changed = changes_.At(number);
-    const Page* stored = changed.live.get();
-    if (header_.databaseKey != 0) {
-      encoded.push_back(*changed.live);
-      ToggleEncoding(encoded.back());
-      stored = &encoded.back();
-    }
-    pages.push_back({number, ContentInDatabase(number, changed.base), stored->All()});
+    StatementPage page{number, ContentInDatabase(number, changed.base), stored(*changed.live)};
+    if (changed.base != nullptr) page.base = stored(*changed.base);
+    pages.push_back(page);
   }
   log_.Append(log_.HasStatements() ? LogOwner{} : LogOwner::Of(*file_), pages, pageCount_, options_.flush);
   return true;

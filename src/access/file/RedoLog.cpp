@@ -2,18 +2,23 @@
 #include "access/file/RedoLog.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
-#include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "access/file/EngineError.h"
-#include "access/file/Format.h"
+#include "access/file/PageDelta.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access {
 
 using namespace log_layout;
+
+namespace {
+
+// Who has read so many deltas of a page remembers what came out; as many pages at most, a megabyte.
+constexpr std::size_t kManyDeltas = 32;
+constexpr std::size_t kMostKnown = 256;
+
+}  // namespace
 
 RedoLog::RedoLog(FileSystem& fileSystem, std::string databasePath, bool readOnly)
     : fileSystem_(fileSystem),
@@ -27,7 +32,7 @@ RedoLog::News RedoLog::TakeIn(std::vector<PageNumber>& changed) {
   if (isFirstSight && !OpenFile()) return News::None;
   fileSize_ = file_->Size();
   const LogHeader header = LogHeader::ReadFrom(*file_);
-  if (fileSize_ < kHeaderSize) return BecomeEmpty(!header.IsUnfinished());
+  if (fileSize_ < kHeaderSize) return BecomeEmpty(!header.IsUnfinished() && !header.IsValid());
   const bool isSame = salt_ != 0 && fileSize_ >= end_ && header.IsOfSameLog(header_);
   header_ = header;
   if (!isSame) {
@@ -82,6 +87,7 @@ void RedoLog::Forget() {
   chain_ = 0;
   pageCount_ = 0;
   pages_.clear();
+  known_.clear();
 }
 
 RedoLog::News RedoLog::BecomeEmpty(bool isUnknown) {
@@ -94,91 +100,94 @@ RedoLog::News RedoLog::BecomeEmpty(bool isUnknown) {
 bool RedoLog::TakeInStatements(std::uint64_t size, std::vector<PageNumber>& changed) {
   bool any = false;
   for (;;) {
-    std::uint64_t checksum = chain_;
-    std::optional<Statement> statement;
+    std::optional<LogStatement> statement;
     try {
-      statement = ReadStatementHeader(end_, size, checksum);
-      if (!statement || !TakeInStatement(*statement, checksum, changed)) return any;
+      statement = ReadLogStatement(*file_, end_, size, chain_);
     } catch (const Error&) {
       // A torn end goes while others read: the writer cuts it off before it appends.
       if (file_->Size() >= size) throw;
       return any;
     }
-    chain_ = checksum;
-    pageCount_ = statement->pageCount;
-    end_ += StatementSize(statement->count);
+    if (!statement || !IsNext(*statement)) return any;
+    for (const LogEntry& entry : statement->entries) changed.push_back(entry.number);
+    Keep(*statement);
     any = true;
   }
 }
 
-std::optional<RedoLog::Statement> RedoLog::ReadStatementHeader(std::uint64_t offset, std::uint64_t size,
-                                                               std::uint64_t& checksum) {
-  if (size - offset < kStatementHeaderSize) return std::nullopt;
-  std::array<std::uint8_t, kStatementHeaderSize> bytes{};
-  file_->ReadAt(offset, bytes);
-  const Statement statement{offset, GetLittle<std::uint32_t>(bytes, kStatementCountOffset),
-                            GetLittle<std::uint32_t>(bytes, kStatementPageCountOffset)};
+bool RedoLog::IsNext(const LogStatement& statement) const {
   // New pages are always logged, so that the database cannot grow by more than there are.
   const std::uint64_t pagesBefore = pages_.empty() ? header_.Owner().size / kPageSize : pageCount_;
-  const bool isPlausible = GetLittle<std::uint32_t>(bytes, 0) == kStatementMagic &&
-                           GetLittle<std::uint64_t>(bytes, kStatementChainOffset) == chain_ && statement.count > 0 &&
-                           statement.count <= statement.pageCount && statement.pageCount <= format::kMaximumPageCount &&
-                           statement.pageCount <= pagesBefore + statement.count &&
-                           StatementSize(statement.count) <= size - offset;
-  if (!isPlausible) return std::nullopt;
-  checksum = Checksum(checksum, bytes);
-  return statement;
+  return statement.pageCount <= pagesBefore + statement.entries.size() &&
+         std::all_of(statement.entries.begin(), statement.entries.end(),
+                     [&](const LogEntry& entry) { return entry.number < statement.pageCount && Follows(entry); });
 }
 
-// Reads a statement through; takes its pages in when the checksum is right. `checksum` goes on from the header's.
-bool RedoLog::TakeInStatement(const Statement& statement, std::uint64_t& checksum, std::vector<PageNumber>& changed) {
-  std::vector<std::uint8_t> directory(statement.count * kEntrySize);
-  std::uint64_t offset = statement.offset + kStatementHeaderSize;
-  file_->ReadAt(offset, directory);
-  checksum = Checksum(checksum, directory);
-  offset += directory.size();
-  const std::uint64_t firstImage = offset;
-
-  std::vector<std::uint8_t> chunk(std::min<std::size_t>(kChunkSize, statement.count * kPageSize));
-  const std::uint64_t imagesEnd = firstImage + std::uint64_t{statement.count} * kPageSize;
-  while (offset < imagesEnd) {
-    const auto part =
-        std::span(chunk).first(static_cast<std::size_t>(std::min<std::uint64_t>(chunk.size(), imagesEnd - offset)));
-    file_->ReadAt(offset, part);
-    for (std::size_t at = 0; at < part.size(); at += kPageSize)
-      checksum = Checksum(checksum, part.subspan(at, kPageSize));
-    offset += part.size();
-  }
-  std::array<std::uint8_t, kChecksumSize> stored{};
-  file_->ReadAt(imagesEnd, stored);
-  if (GetLittle<std::uint64_t>(stored, 0) != checksum) return false;
-  for (std::size_t i = 0; i < statement.count; ++i) {
-    if (GetLittle<std::uint32_t>(directory, i * kEntrySize) >= statement.pageCount) return false;
-  }
-
-  for (std::size_t i = 0; i < statement.count; ++i) {
-    const auto entry = std::span<const std::uint8_t>(directory).subspan(i * kEntrySize, kEntrySize);
-    PageSums before;
-    before.isInDatabase = GetLittle<std::uint32_t>(entry, kEntryIsInDatabaseOffset) != 0;
-    for (std::size_t sector = 0; sector < PageSums::kSectors; ++sector)
-      before.sectors[sector] = GetLittle<std::uint32_t>(entry, kEntrySumsOffset + sector * kSumSize);
-    const auto number = GetLittle<std::uint32_t>(entry, 0);
-    Remember(number, firstImage + i * kPageSize, before);
-    changed.push_back(number);
-  }
-  return true;
+bool RedoLog::Follows(const LogEntry& entry) const {
+  const LoggedPage* page = Find(entry.number);
+  if (page == nullptr && !entry.before) return false;
+  return entry.image != 0 || entry.previous == (page == nullptr ? 0 : page->lastDelta);
 }
 
-void RedoLog::Remember(PageNumber number, std::uint64_t imageOffset, const PageSums& before) {
-  const auto [place, isNew] = pages_.try_emplace(number, LoggedPage{imageOffset, before, {}});
-  if (isNew) return;
+void RedoLog::Keep(const LogStatement& statement) {
+  for (const LogEntry& entry : statement.entries) Remember(entry);
+  pageCount_ = statement.pageCount;
+  chain_ = statement.checksum;
+  end_ = statement.end;
+}
+
+void RedoLog::Remember(const LogEntry& entry) {
+  const auto [place, isNew] = pages_.try_emplace(entry.number);
   LoggedPage& page = place->second;
-  if (header_.Applying()) page.olderImages.push_back(page.imageOffset);
-  page.imageOffset = imageOffset;
+  if (isNew) page.before = entry.before.value_or(PageSums{});
+  if (entry.image == 0) {
+    page.lastDelta = entry.delta;
+    page.sum = entry.sum;
+    ++page.deltaCount;
+    return;
+  }
+  if (page.imageOffset != 0 && header_.Applying()) page.olderImages.push_back(page.imageOffset);
+  page.imageOffset = entry.image;
+  page.lastDelta = 0;
+  page.deltaCount = 0;
+  known_.erase(entry.number);
 }
 
-void RedoLog::ReadImage(const LoggedPage& page, std::span<std::uint8_t, kPageSize> target) {
-  file_->ReadAt(page.imageOffset, target);
+void RedoLog::ReadPage(PageNumber number, const LoggedPage& page, File& database,
+                       std::span<std::uint8_t, kPageSize> target) {
+  const auto known = known_.find(number);
+  if (known != known_.end()) {
+    std::copy(known->second.stored.begin(), known->second.stored.end(), target.begin());
+  } else if (page.imageOffset != 0) {
+    file_->ReadAt(page.imageOffset, target);
+  } else if (page.before.isInDatabase) {
+    database.ReadAt(std::uint64_t{number} * kPageSize, target);
+  } else {
+    std::fill(target.begin(), target.end(), std::uint8_t{0});
+  }
+  if (page.lastDelta == 0) return;
+  const std::vector<LoggedDelta> deltas = DeltasSince(known == known_.end() ? 0 : known->second.lastDelta, page);
+  std::for_each(deltas.rbegin(), deltas.rend(), [&](const LoggedDelta& delta) { ApplyDelta(delta.bytes, target); });
+  if (SumOfPage(target) != page.sum) {
+    RaiseFailure("Page " + std::to_string(number) + " of '" + databasePath_ +
+                 "' cannot be put together from the log '" + path_ +
+                 "': another program has changed one of the two files, or the system has forgotten what it could not "
+                 "write. Close the file everywhere and open it again.");
+  }
+  if (deltas.size() < kManyDeltas) return;
+  if (known_.size() >= kMostKnown) known_.clear();
+  known_[number] = {page.lastDelta, {target.begin(), target.end()}};
+}
+
+// The last one first, back to one whose outcome is known.
+std::vector<LoggedDelta> RedoLog::DeltasSince(std::uint64_t known, const LoggedPage& page) {
+  std::vector<LoggedDelta> deltas;
+  for (std::uint64_t offset = page.lastDelta; offset > known; offset = deltas.back().previous) {
+    deltas.push_back(ReadLoggedDelta(*file_, offset, end_));
+    // Each lies behind the one before it, so that the way back ends.
+    if (deltas.back().previous >= offset) break;
+  }
+  return deltas;
 }
 
 void RedoLog::Release() {
@@ -189,6 +198,7 @@ void RedoLog::Release() {
 void RedoLog::Ignore() {
   ignored_ = salt_;
   pages_.clear();
+  known_.clear();
   pageCount_ = 0;
   chain_ = 0;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -13,25 +14,33 @@
 #include "access/file/LogFlush.h"
 #include "access/file/LogHeader.h"
 #include "access/file/LogOwner.h"
+#include "access/file/LogStatement.h"
 #include "access/file/Page.h"
 
 namespace tavi::access {
 
 /// A page in the log.
 struct LoggedPage {
-  /// Where its newest image lies in the log, in bytes.
-  std::uint64_t imageOffset = 0;
   /// Its content in the database file when it was first logged.
   PageSums before;
+  /// Where its newest image lies in the log, in bytes; 0 when it has none.
+  std::uint64_t imageOffset = 0;
   /// Where older images lie that a checkpoint which was not finished may have written into the database.
   std::vector<std::uint64_t> olderImages;
+  /// Where the last delta after that image lies, 0 when there is none, and how many there are.
+  std::uint64_t lastDelta = 0;
+  std::uint32_t deltaCount = 0;
+  /// Checksum of the page after the last delta.
+  std::uint32_t sum = 0;
 };
 
-/// A page that a statement has changed: its image as it is to be stored.
+/// A page that a statement has changed, as it is to be stored.
 struct StatementPage {
   PageNumber number = 0;
   PageSums before;
-  std::span<const std::uint8_t> image;
+  std::span<const std::uint8_t, kPageSize> image;
+  /// The page as it was stored before the statement, from which a delta may lead; empty when that is not known.
+  std::span<const std::uint8_t> base = {};
 };
 
 /// One opener's view of the redo log: reads what others have appended, appends, and drops the log. Append is for the
@@ -63,7 +72,9 @@ class RedoLog {
     const auto found = pages_.find(number);
     return found == pages_.end() ? nullptr : &found->second;
   }
-  void ReadImage(const LoggedPage& page, std::span<std::uint8_t, kPageSize> target);
+  /// Reads a page that is in the log, as it is stored after the last statement. Raises ProviderFailure when what it is
+  /// put together from has changed under it.
+  void ReadPage(PageNumber number, const LoggedPage& page, File& database, std::span<std::uint8_t, kPageSize> target);
 
   /// Whether the statements belong to the database file as it now is; see LogHeader.h.
   [[nodiscard]] bool BelongsTo(File& database);
@@ -84,8 +95,8 @@ class RedoLog {
   /// True when a flush has failed, here or by another opener: a checkpoint must come before the next statement.
   [[nodiscard]] bool IsDoubtful() const;
 
-  /// Writes all logged pages into the database file and flushes it; the log stays, marked as being applied. Can be
-  /// repeated after an error or a crash.
+  /// Writes all logged pages into the database file and flushes it, once their images stand in the log. The log stays,
+  /// marked as applied. Can be repeated after an error or a crash.
   void ApplyTo(File& database);
   /// Forgets all statements and begins the log anew; for use while other pagers know the file.
   void Reset(const LogOwner& owner);
@@ -99,29 +110,31 @@ class RedoLog {
   void Release();
 
  private:
-  struct Statement {
-    std::uint64_t offset = 0;
-    std::uint32_t count = 0;
-    PageNumber pageCount = 0;
-  };
-
   // Reading.
+  struct KnownPage {
+    std::uint64_t lastDelta = 0;
+    std::vector<std::uint8_t> stored;
+  };
+  using KnownPages = std::unordered_map<PageNumber, KnownPage>;
+
   bool OpenFile();
   void RefuseLaterVersion() const;
   void BeginFlushing();
   void Forget();
   News BecomeEmpty(bool isUnknown);
   bool TakeInStatements(std::uint64_t size, std::vector<PageNumber>& changed);
-  [[nodiscard]] std::optional<Statement> ReadStatementHeader(std::uint64_t offset, std::uint64_t size,
-                                                             std::uint64_t& checksum);
-  [[nodiscard]] bool TakeInStatement(const Statement& statement, std::uint64_t& checksum,
-                                     std::vector<PageNumber>& changed);
-  void Remember(PageNumber number, std::uint64_t imageOffset, const PageSums& before);
+  [[nodiscard]] bool IsNext(const LogStatement& statement) const;
+  [[nodiscard]] bool Follows(const LogEntry& entry) const;
+  void Keep(const LogStatement& statement);
+  void Remember(const LogEntry& entry);
+  [[nodiscard]] std::vector<LoggedDelta> DeltasSince(std::uint64_t known, const LoggedPage& page);
 
   // Appending.
   void CreateFile();
   void BeginLog(const LogOwner& owner);
-  std::uint64_t WriteStatement(std::span<const StatementPage> pages, PageNumber pageCount);
+  void AppendWhole(std::uint64_t oldEnd, const std::function<LogStatement()>& write);
+  [[nodiscard]] NewLogEntry EntryOf(const StatementPage& page, bool mayBeDelta) const;
+  void AppendImages(File& database);
 
   // Applying.
   [[nodiscard]] bool ApplyingHasBegun() const;
@@ -154,6 +167,7 @@ class RedoLog {
   std::uint64_t chain_ = 0;
   PageNumber pageCount_ = 0;
   std::unordered_map<PageNumber, LoggedPage> pages_;
+  KnownPages known_;  // pages with many deltas, as they were put together last
 };
 
 }  // namespace tavi::access

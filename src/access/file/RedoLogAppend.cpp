@@ -1,48 +1,15 @@
 // Statements are written into a redo log and flushed.
 #include <algorithm>
 #include <array>
+#include <utility>
 
-#include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "access/file/EngineError.h"
+#include "access/file/PageDelta.h"
 #include "access/file/RedoLog.h"
 
 namespace tavi::access {
 
 using namespace log_layout;
-
-namespace {
-
-// Collects small writes into large ones.
-class ChunkWriter {
- public:
-  ChunkWriter(File& file, std::uint64_t offset, std::uint64_t expected) : file_(file), offset_(offset) {
-    chunk_.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(kChunkSize, expected)));
-  }
-
-  void Put(std::span<const std::uint8_t> bytes) {
-    if (chunk_.size() + bytes.size() > kChunkSize) Flush();
-    if (bytes.size() >= kChunkSize) {
-      file_.WriteAt(offset_, bytes);
-      offset_ += bytes.size();
-      return;
-    }
-    chunk_.insert(chunk_.end(), bytes.begin(), bytes.end());
-  }
-  void Flush() {
-    if (chunk_.empty()) return;
-    file_.WriteAt(offset_, chunk_);
-    offset_ += chunk_.size();
-    chunk_.clear();
-  }
-
- private:
-  File& file_;
-  std::uint64_t offset_;
-  std::vector<std::uint8_t> chunk_;
-};
-
-}  // namespace
 
 void RedoLog::CreateFile() {
   file_ = fileSystem_.Open(path_, FileSystem::OpenMode::CreateNew);
@@ -56,13 +23,26 @@ void RedoLog::Append(const LogOwner& owner, std::span<const StatementPage> pages
   if (file_ == nullptr) CreateFile();
   // A log without statements may have been begun before another program wrote the database.
   const bool begins = salt_ == 0 || (pages_.empty() && header_.Owner() != owner);
-  const std::uint64_t oldEnd = begins ? 0 : end_;
+  AppendWhole(begins ? 0 : end_, [&] {
+    if (begins) BeginLog(owner);
+    const bool mayBeDeltas = header_.TakesDeltas() && pages.size() <= kMostPagesByDeltas;
+    std::vector<NewLogEntry> entries;
+    entries.reserve(pages.size());
+    for (const StatementPage& page : pages) entries.push_back(EntryOf(page, mayBeDeltas));
+    const auto image = [&](std::size_t i) { return std::span<const std::uint8_t>(pages[i].image); };
+    LogStatement statement = WriteLogStatement(*file_, end_, chain_, pageCount, entries, image);
+    if (flush == FlushTime::EachStatement) flush_.Now();
+    return statement;
+  });
+  if (flush == FlushTime::Soon) flush_.Soon();
+}
+
+// Appends what `write` writes at the end and returns; on an error the file becomes as long again as it was.
+void RedoLog::AppendWhole(std::uint64_t oldEnd, const std::function<LogStatement()>& write) {
   try {
     if (fileSize_ > oldEnd) file_->Truncate(oldEnd);
-    if (begins) BeginLog(owner);
-    const std::uint64_t checksum = WriteStatement(pages, pageCount);
-    if (flush == FlushTime::EachStatement) flush_.Now();
-    chain_ = checksum;
+    Keep(write());
+    fileSize_ = end_;
   } catch (...) {
     if (oldEnd == 0) Forget();
     try {
@@ -74,15 +54,39 @@ void RedoLog::Append(const LogOwner& owner, std::span<const StatementPage> pages
     }
     throw;
   }
-  std::uint64_t imageOffset = end_ + kStatementHeaderSize + pages.size() * kEntrySize;
-  for (const StatementPage& page : pages) {
-    Remember(page.number, imageOffset, page.before);
-    imageOffset += kPageSize;
+}
+
+NewLogEntry RedoLog::EntryOf(const StatementPage& page, bool mayBeDelta) const {
+  static constexpr std::array<std::uint8_t, kPageSize> kZeros{};
+  const LoggedPage* logged = Find(page.number);
+  NewLogEntry entry{.number = page.number, .before = page.before, .isFirst = logged == nullptr};
+  const bool isNew = logged == nullptr && !page.before.isInDatabase;
+  const std::span<const std::uint8_t> base = isNew ? std::span<const std::uint8_t>(kZeros) : page.base;
+  if (!mayBeDelta || base.empty() || (logged != nullptr && logged->deltaCount >= kMostDeltas)) return entry;
+  std::vector<std::uint8_t> delta = DeltaBetween(base.first<kPageSize>(), page.image);
+  if (delta.size() > kLongestDelta) return entry;
+  entry.isWhole = false;
+  entry.delta = std::move(delta);
+  entry.previous = logged == nullptr ? 0 : logged->lastDelta;
+  entry.sum = SumOfPage(page.image);
+  return entry;
+}
+
+// For a checkpoint: an image of each page that has changed since its last one.
+void RedoLog::AppendImages(File& database) {
+  std::vector<NewLogEntry> entries;
+  for (const auto& [number, page] : pages_) {
+    if (page.lastDelta != 0) entries.push_back({.number = number, .before = page.before, .isFirst = false});
   }
-  pageCount_ = pageCount;
-  end_ += StatementSize(pages.size());
-  fileSize_ = end_;
-  if (flush == FlushTime::Soon) flush_.Soon();
+  if (entries.empty()) return;
+  std::sort(entries.begin(), entries.end(),
+            [](const auto& left, const auto& right) { return left.number < right.number; });
+  std::array<std::uint8_t, kPageSize> image{};
+  const auto next = [&](std::size_t i) {
+    ReadPage(entries[i].number, pages_.at(entries[i].number), database, image);
+    return std::span<const std::uint8_t>(image);
+  };
+  AppendWhole(end_, [&] { return WriteLogStatement(*file_, end_, chain_, pageCount_, entries, next); });
 }
 
 void RedoLog::BeginLog(const LogOwner& owner) {
@@ -94,36 +98,6 @@ void RedoLog::BeginLog(const LogOwner& owner) {
   chain_ = salt_;
   end_ = kHeaderSize;
   fileSize_ = kHeaderSize;
-}
-
-// Writes the statement at the end and returns its checksum.
-std::uint64_t RedoLog::WriteStatement(std::span<const StatementPage> pages, PageNumber pageCount) {
-  std::array<std::uint8_t, kStatementHeaderSize> start{};
-  PutLittle<std::uint32_t>(start, 0, kStatementMagic);
-  PutLittle<std::uint32_t>(start, kStatementCountOffset, static_cast<std::uint32_t>(pages.size()));
-  PutLittle<std::uint32_t>(start, kStatementPageCountOffset, pageCount);
-  PutLittle<std::uint64_t>(start, kStatementChainOffset, chain_);
-  std::vector<std::uint8_t> directory(pages.size() * kEntrySize);
-  for (std::size_t i = 0; i < pages.size(); ++i) {
-    const auto entry = std::span(directory).subspan(i * kEntrySize, kEntrySize);
-    PutLittle<std::uint32_t>(entry, 0, pages[i].number);
-    PutLittle<std::uint32_t>(entry, kEntryIsInDatabaseOffset, pages[i].before.isInDatabase ? 1 : 0);
-    for (std::size_t sector = 0; sector < PageSums::kSectors; ++sector)
-      PutLittle<std::uint32_t>(entry, kEntrySumsOffset + sector * kSumSize, pages[i].before.sectors[sector]);
-  }
-  std::uint64_t checksum = Checksum(Checksum(chain_, start), directory);
-  ChunkWriter writer(*file_, end_, StatementSize(pages.size()));
-  writer.Put(start);
-  writer.Put(directory);
-  for (const StatementPage& page : pages) {
-    checksum = Checksum(checksum, page.image);
-    writer.Put(page.image);
-  }
-  std::array<std::uint8_t, kChecksumSize> last{};
-  PutLittle<std::uint64_t>(last, 0, checksum);
-  writer.Put(last);
-  writer.Flush();
-  return checksum;
 }
 
 bool RedoLog::IsDoubtful() const {

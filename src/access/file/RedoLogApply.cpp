@@ -95,7 +95,7 @@ bool RedoLog::Recognises(File& database, std::uint64_t size, PageNumber number, 
 
 std::vector<PageSums> RedoLog::SumsOfImages(const LoggedPage& page) {
   std::vector<std::uint64_t> offsets = page.olderImages;
-  offsets.push_back(page.imageOffset);
+  if (page.imageOffset != 0) offsets.push_back(page.imageOffset);
   std::vector<PageSums> sums;
   std::array<std::uint8_t, kPageSize> image{};
   for (const std::uint64_t offset : offsets) {
@@ -118,6 +118,9 @@ void RedoLog::MarkApplying() {
 }
 
 void RedoLog::ApplyTo(File& database) {
+  // Images are made of what is read from it.
+  if (IsDoubtful()) MakeDurable();
+  AppendImages(database);
   MarkApplying();
   // New pages first: a full disk is then met before any old page is touched.
   const auto firstNew = static_cast<PageNumber>(database.Size() / kPageSize);
@@ -131,7 +134,7 @@ void RedoLog::ApplyTo(File& database) {
   run.reserve(kChunkSize);
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     run.resize(run.size() + kPageSize);
-    ReadImage(pages_.at(numbers[i]), std::span(run).last<kPageSize>());
+    file_->ReadAt(pages_.at(numbers[i]).imageOffset, std::span(run).last<kPageSize>());
     const bool goesOn = i + 1 < numbers.size() && numbers[i + 1] == numbers[i] + 1 && run.size() < kChunkSize;
     if (goesOn) continue;
     database.WriteAt((std::uint64_t{numbers[i]} + 1) * kPageSize - run.size(), run);

@@ -46,7 +46,8 @@ class LogOwnerTest : public ::testing::Test {
     const auto failing = std::make_shared<FailingFileSystem>(memory_);
     auto pager = Pager::Open(failing, kPath, {.readOnly = true});
     pager.reset();
-    failing->FailCall(1, {FailingFileSystem::Operation::Write}, true);
+    // The images, the mark, the page.
+    failing->FailCall(2, {FailingFileSystem::Operation::Write}, true);
     EXPECT_EQ(ReadText(*Pager::Open(failing, kPath, {}), 3), "ours");
     memory_ = memory_->AfterCrash(CrashKind::Kept, 0);
     ASSERT_TRUE(memory_->Exists(kLog));

@@ -321,7 +321,7 @@ TEST_F(NativePagerTest, StatementsOfThreadsAndProcessesInterleaveWithoutLoss) {
   for (int user = 0; user < kUsers; ++user) {
     threads.emplace_back([&] {
       const auto pager = Pager::Open(NativeFileSystem(), path_,
-                                     {.lockTimeout = std::chrono::milliseconds(60000), .checkpointBytes = 100000});
+                                     {.lockTimeout = std::chrono::milliseconds(60000), .checkpointBytes = 5000});
       count(*pager);
     });
   }

@@ -60,7 +60,7 @@ TEST_P(PagerFaultTest, AnyOneFailingCallLeavesTheStateBeforeOrAfterAStatement) {
     try {
       // Every second statement is followed by a checkpoint.
       PagerOptions options;
-      options.checkpointBytes = 20000;
+      options.checkpointBytes = 700;
       const auto pager = Pager::Open(failing_, kPath, options);
       for (const char* text : {"one", "two", "three", "four", "five"}) {
         try {
@@ -96,7 +96,7 @@ TEST_P(PagerFaultTest, ADiskThatStaysBrokenLosesNothingThatWasCommitted) {
     std::string expected = "page 3";
     try {
       PagerOptions options;
-      options.checkpointBytes = 20000;
+      options.checkpointBytes = 700;
       const auto pager = Pager::Open(failing_, kPath, options);
       for (const char* text : {"one", "two", "three", "four", "five"}) {
         try {
@@ -180,8 +180,8 @@ TEST_F(PagerFaultTest, AFullDiskFailsTheStatementAndNothingElse) {
   auto pager = Pager::Open(memory_, kPath, {});
   // From no room at all to room enough, in steps that end inside each part of the log.
   const std::uint64_t used = memory_->BytesUsed();
-  const std::uint64_t needed = 0x180 + 40 + 3 * (40 + kPageSize);
-  for (std::uint64_t room = 0; room < needed; room += 311) {
+  const std::uint64_t needed = 0x180 + 40 + 2 * (52 + 4 + 6) + (20 + 4 + 4);
+  for (std::uint64_t room = 0; room < needed; room += 7) {
     memory_->SetCapacity(used + room);
     EXPECT_THROW(WriteEverywhere(*pager, "no room"), Error) << room;
     EXPECT_EQ(TextEverywhere(*pager), "page 3");
@@ -190,10 +190,18 @@ TEST_F(PagerFaultTest, AFullDiskFailsTheStatementAndNothingElse) {
   memory_->SetCapacity(used + needed);
   WriteEverywhere(*pager, "room");
   EXPECT_EQ(TextEverywhere(*pager), "room");
-  // There is no room for the new page in the file: the log stays.
+  // There is no room for what a checkpoint needs, images in the log and the new page in the file: the log stays.
   EXPECT_THROW(pager->Close(), Error);
   EXPECT_TRUE(memory_->Exists(kLog));
-  memory_->SetCapacity(used + needed + kPageSize);
+  const std::uint64_t images = 40 + 3 * (40 + kPageSize);
+  for (const std::uint64_t room : {images - 1, images, images + kPageSize - 1}) {
+    memory_->SetCapacity(used + needed + room);
+    const auto again = Pager::Open(memory_, kPath, {});
+    EXPECT_EQ(TextEverywhere(*again), "room");
+    EXPECT_THROW(again->Close(), Error);
+    EXPECT_TRUE(memory_->Exists(kLog));
+  }
+  memory_->SetCapacity(used + needed + images + kPageSize);
   EXPECT_EQ(TextEverywhere(*Pager::Open(memory_, kPath, {})), "room");
   EXPECT_EQ(memory_->Paths(), std::vector<std::string>{kPath});
 }

@@ -243,7 +243,7 @@ class PowerFailures {
 
   void Open() {
     PagerOptions options;
-    options.checkpointBytes = 10000 + random_.Below(60000);
+    options.checkpointBytes = 600 + random_.Below(4000);
     options.flush = random_.Below(3) == 0 ? FlushTime::EachStatement : FlushTime::Soon;
     open_.push_back(Pager::Open(memory_, kPath, options));
     isEach_.push_back(options.flush == FlushTime::EachStatement);

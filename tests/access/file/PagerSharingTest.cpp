@@ -296,7 +296,7 @@ TEST_F(PagerSharingTest, ACheckpointIsPutOffWhileSomebodyReads) {
 
 TEST_F(PagerSharingTest, ACheckpointThatWasPutOffIsNotTriedAgainAtEveryCommit) {
   const auto reader = Open();
-  const auto writer = Open(100000);
+  const auto writer = Open(2300);
   reader->BeginRead();
   std::vector<int> waits;
   for (int round = 0; round < 60; ++round) {
@@ -304,8 +304,8 @@ TEST_F(PagerSharingTest, ACheckpointThatWasPutOffIsNotTriedAgainAtEveryCommit) {
     WriteText(*writer, 3, "written " + std::to_string(round));
     if (memory_->Paused() > before) waits.push_back(round);
   }
-  // About 100,000 bytes at first, and then another eighth each time.
-  EXPECT_EQ(waits, (std::vector<int>{23, 26, 29, 32, 35, 38, 41, 44, 47, 50, 53, 56, 59}));
+  // About 2,300 bytes at first, and then another eighth each time.
+  EXPECT_EQ(waits, (std::vector<int>{28, 33, 38, 43, 48, 53, 58}));
 }
 
 TEST_F(PagerSharingTest, ACheckpointWaitsALittleForReaders) {

@@ -216,8 +216,8 @@ TEST_F(PagerTest, PagesThatAreAsTheyWereAreLeftOutOfTheLog) {
   SetPageText(pager->Write(5), "changed too");
   SetPageText(pager->Write(5), "page 5");
   pager->Commit();
-  // Header 0x180, statement 40 bytes, one page with its 40 bytes of directory.
-  EXPECT_EQ(memory_->Contents(kLog).size(), 0x180u + 40 + 40 + kPageSize);
+  // Header 0x180, statement 40 bytes, one page with 20 bytes, its 32 of sector checksums, and "changed" in one piece.
+  EXPECT_EQ(memory_->Contents(kLog).size(), 0x180u + 40 + 52 + 4 + 7);
 }
 
 TEST_F(PagerTest, AZeroedNewPageIsLoggedAlthoughItLooksLikeNothing) {
@@ -230,7 +230,7 @@ TEST_F(PagerTest, AZeroedNewPageIsLoggedAlthoughItLooksLikeNothing) {
 }
 
 TEST_F(PagerTest, ALongLogIsBroughtIntoTheFileByCommit) {
-  const auto pager = Open({.checkpointBytes = 10000});
+  const auto pager = Open({.checkpointBytes = 0x180 + 250});
   WriteText(*pager, 3, "one");
   EXPECT_EQ(StoredText(3), "page 3");
   WriteText(*pager, 4, "two");

@@ -258,7 +258,7 @@ TEST_F(PagerTransactionTest, AFullDiskLeavesItOpen) {
   pager->BeginTransaction();
   WriteText(*pager, 3, "within");
   AddPage(*pager, "new");
-  memory_->SetCapacity(memory_->BytesUsed() + 5000);
+  memory_->SetCapacity(memory_->BytesUsed() + 80);
   for (int attempt = 0; attempt < 2; ++attempt) {
     EXPECT_NE(FailureOf([&] { pager->CommitTransaction(); }), "");
     EXPECT_EQ(pager->TransactionLevel(), 1);
@@ -398,7 +398,7 @@ TEST_F(PagerTransactionTest, WhateverUsersDoEachSeesWhatAModelSays) {
     Pager::Create(*memory_, kPath, MakeSmallDatabase(8));
     unsigned state = seed;
     const auto random = [&state](unsigned count) { return (state = state * 1103515245 + 12345) / 65536 % count; };
-    const PagerOptions options = {.checkpointBytes = 60000};
+    const PagerOptions options = {.checkpointBytes = 4000};
     std::vector<ModelledUser> users;
     for (int i = 0; i < 3; ++i) users.emplace_back(Open(options));
     ModelledUser::Texts committed = TextsOf(users[0].GetPager());

@@ -1,4 +1,4 @@
-// The layout of the redo log, as RedoLog.h describes it, and what its reader makes of a hostile one.
+// The layout of the redo log, as LogLayout.h describes it, and what its reader makes of a hostile one.
 #include "access/file/RedoLog.h"
 
 #include <gtest/gtest.h>
@@ -57,13 +57,13 @@ class RedoLogTest : public ::testing::Test {
   std::vector<PageNumber> changed_;
 };
 
-TEST_F(RedoLogTest, LiesInTheFileAsItsHeaderSays) {
+TEST_F(RedoLogTest, LiesInTheFileAsItsLayoutSays) {
   RedoLog log(memory_, kPath, false);
   Append(log, PageOf(6, 0xAB), 0x04030201);
   const auto bytes = Bytes();
   ASSERT_EQ(bytes.size(), 0x11D0u);
   EXPECT_EQ(std::string(bytes.begin(), bytes.begin() + 8), "TAVIREDO");
-  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x08), 2u);
+  EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x08), 3u);
   EXPECT_EQ(GetLittle<std::uint32_t>(bytes, 0x0C), 4096u);
   const auto salt = GetLittle<std::uint64_t>(bytes, 0x10);
   EXPECT_NE(salt, 0u);
@@ -100,6 +100,8 @@ TEST_F(RedoLogTest, StatementsAreChained) {
 }
 
 TEST_F(RedoLogTest, AnotherReaderTakesInWhatIsNew) {
+  Pager::Create(memory_, kPath, test::MakeSmallDatabase(16));
+  const auto database = memory_.Open(kPath, FileSystem::OpenMode::ReadOnly);
   RedoLog writer(memory_, kPath, false);
   RedoLog reader(memory_, kPath, false);
   EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::None);
@@ -118,7 +120,7 @@ TEST_F(RedoLogTest, AnotherReaderTakesInWhatIsNew) {
   EXPECT_EQ(reader.Find(6)->before, Sums(5));
   EXPECT_EQ(reader.Find(7), nullptr);
   Page page(6);
-  reader.ReadImage(*reader.Find(6), page.AllMutable());
+  reader.ReadPage(6, *reader.Find(6), *database, page.AllMutable());
   EXPECT_EQ(page.U8(100), 2);
   EXPECT_EQ(writer.TakeIn(changed_), RedoLog::News::None);
 }

@@ -18,7 +18,7 @@ namespace tavi::access::test {
 namespace {
 
 // Small, so that an evening has checkpoints between its closes too.
-constexpr std::uint64_t kCheckpointBytes = std::uint64_t{600} << 10U;
+constexpr std::uint64_t kCheckpointBytes = std::uint64_t{120} << 10U;
 
 std::unique_ptr<Database> OpenFile(const std::shared_ptr<FileSystem>& fileSystem) {
   return std::make_unique<Database>(Pager::Open(fileSystem, kEveningPath, {}));

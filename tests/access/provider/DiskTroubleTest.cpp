@@ -25,7 +25,7 @@ class DiskTroubleTest : public testing::Test {
  protected:
   void Open() {
     ProviderOptions options;
-    options.pager.checkpointBytes = std::uint64_t{300} << 10U;
+    options.pager.checkpointBytes = std::uint64_t{60} << 10U;
     options.pager.cacheBytes = std::uint64_t{100} << 10U;
     connection_ = MakeAccessProvider(failing_, std::make_shared<EveningClock>(), options)->Open(kEveningSource);
   }

@@ -101,7 +101,7 @@ TEST(ProviderTransaction, AFullDiskAtTheCommitStoresNothing) {
   const auto connection = open();
   connection->Execute("Create Table T (A Long)");
   connection->BeginTrans();
-  memory->SetCapacity(memory->BytesUsed() + 9000);
+  memory->SetCapacity(memory->BytesUsed() + 1000);
   for (int i = 0; i < 5; ++i) connection->Execute("Insert Into T (A) Values (" + std::to_string(i) + ")");
   connection->Execute("Create Table U (A Memo)");
   EXPECT_EQ(NumberRaisedBy([&] { connection->CommitTrans(); }), 0x80004005U);

@@ -9,7 +9,7 @@ namespace tavi::access::test {
 namespace {
 
 // Small, so that checkpoints come often.
-constexpr std::uint64_t kCheckpointBytes = std::uint64_t{600} << 10U;
+constexpr std::uint64_t kCheckpointBytes = std::uint64_t{120} << 10U;
 
 }  // namespace
 
