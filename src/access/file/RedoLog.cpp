@@ -57,7 +57,14 @@ bool RedoLog::OpenFile() {
     RaiseFailure("The log '" + path_ + "' of '" + databasePath_ + "' is a link to '" + target +
                  "' and is not used. Remove the link, or put the log itself in its place.");
   }
-  file_ = fileSystem_.Open(path_, readOnly_ ? FileSystem::OpenMode::ReadOnly : FileSystem::OpenMode::ReadWrite);
+  auto file = fileSystem_.Open(path_, readOnly_ ? FileSystem::OpenMode::ReadOnly : FileSystem::OpenMode::ReadWrite);
+  if (const std::uint64_t names = file->Identity().names; names > 1) {
+    RaiseFailure(
+        "The log '" + path_ + "' of '" + databasePath_ + "' has " + std::to_string(names) +
+        " names (hard links) and is not used: what is written into it would change a file of another name. Put "
+        "a copy of the log in its place, or remove it if it is not this file's.");
+  }
+  file_ = std::move(file);
   if (!readOnly_) BeginFlushing();
   return true;
 }

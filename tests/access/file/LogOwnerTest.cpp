@@ -248,6 +248,29 @@ TEST_F(LogOwnerTest, ALinkInThePlaceOfTheLogIsRefused) {
   }
 }
 
+TEST_F(LogOwnerTest, AnotherFilesHardLinkInThePlaceOfTheLogIsRefusedAndNotWritten) {
+  const Bytes database = memory_->Contents(kPath);
+  for (const Bytes& content : {memory_->Contents(kLog), Bytes{}, Bytes(500, 'x')}) {
+    memory_->Remove(kLog);
+    memory_->SetContents("letter.txt", content);
+    memory_->AddHardLink(kLog, "letter.txt");
+    for (const bool readOnly : {false, true}) {
+      try {
+        static_cast<void>(Pager::Open(memory_, kPath, {.readOnly = readOnly}));
+        ADD_FAILURE() << "the file was opened";
+      } catch (const Error& error) {
+        EXPECT_NE(error.Description().find(kLog), std::string::npos) << error.Description();
+        EXPECT_NE(error.Description().find("2 names"), std::string::npos) << error.Description();
+      }
+    }
+    EXPECT_EQ(memory_->Contents("letter.txt"), content);
+    EXPECT_EQ(memory_->Contents(kPath), database);
+    EXPECT_FALSE(memory_->Exists(kAside));
+    memory_->Remove("letter.txt");
+    ASSERT_NO_THROW(static_cast<void>(memory_->Contents(kLog)));
+  }
+}
+
 TEST_F(LogOwnerTest, AStatementInAFileWithTwoNamesIsRefused) {
   ExpectApplied(memory_);
   const auto pager = Pager::Open(memory_, kPath, {});
