@@ -86,36 +86,10 @@ class InterruptedCommand : public ::testing::Test {
     std::cout << interruptions << " interruptions of " << calls << " calls\n";
   }
 
-  CommandFolder folder_;
-  fs::path start_ = folder_.Path("start");
-  std::string examples_;
-  /// Whether a full disk must leave the folder as it was.
-  bool isWholeOrNothing_ = true;
-
- private:
   void Refill() const {
     fs::remove_all(folder_.Path("club"));
     fs::copy(start_, folder_.Path("club"), fs::copy_options::recursive);
     if (fs::is_empty(start_)) fs::remove(folder_.Path("club"));
-  }
-
-  /// False when the command came to its end all the same: its last calls may do without room, and it makes some fewer
-  /// when it takes less time, because flushes begin by the clock.
-  bool Interrupt(const Arguments& arguments, std::size_t call, CallTrouble trouble) {
-    const Contents before = Read();
-    const ChildEnd end = Run(arguments, call, trouble);
-    if (end.signal == 0 && end.code == 0) return false;
-    if (trouble != CallTrouble::DiskFull) {
-      EXPECT_EQ(end.signal, SIGKILL);
-      return true;
-    }
-    EXPECT_EQ(end.signal, 0);
-    EXPECT_NE(end.told.find("No space left on device"), std::string::npos) << end.told;
-    if (isWholeOrNothing_) {
-      ExpectSame(Read(), before);
-      EXPECT_EQ(OthersLeft(), std::vector<std::string>());
-    }
-    return true;
   }
 
   /// Runs the command in a process of its own; says how many calls it made, tells its errors.
@@ -136,6 +110,32 @@ class InterruptedCommand : public ::testing::Test {
       voice.Tell(error.str());
       if (code != 0) ::_exit(code);
     });
+  }
+
+  CommandFolder folder_;
+  fs::path start_ = folder_.Path("start");
+  std::string examples_;
+  /// Whether a full disk must leave the folder as it was.
+  bool isWholeOrNothing_ = true;
+
+ private:
+  /// False when the command came to its end all the same: its last calls may do without room, and it makes some fewer
+  /// when it takes less time, because flushes begin by the clock.
+  bool Interrupt(const Arguments& arguments, std::size_t call, CallTrouble trouble) {
+    const Contents before = Read();
+    const ChildEnd end = Run(arguments, call, trouble);
+    if (end.signal == 0 && end.code == 0) return false;
+    if (trouble != CallTrouble::DiskFull) {
+      EXPECT_EQ(end.signal, SIGKILL);
+      return true;
+    }
+    EXPECT_EQ(end.signal, 0);
+    EXPECT_NE(end.told.find("No space left on device"), std::string::npos) << end.told;
+    if (isWholeOrNothing_) {
+      ExpectSame(Read(), before);
+      EXPECT_EQ(OthersLeft(), std::vector<std::string>());
+    }
+    return true;
   }
 
   /// Files that are no databases: work that was left. Logs belong to their databases until the next run.
@@ -224,6 +224,22 @@ TEST_F(InterruptedClub, CompactKeepsEveryRow) {
   AddMembers();
   Prepare(start_, {"sql", "Delete From Members Where MembershipNumber Mod 2 = 0"});
   InterruptEverywhere({"compact"});
+}
+
+TEST_F(InterruptedClub, CompactLeavesNoCopyThatOthersMayRead) {
+  AddMembers();
+  fs::permissions(start_ / "ClubMembers.mdb", fs::perms::owner_read | fs::perms::owner_write);
+  std::size_t call = 0;
+  for (int signal = SIGKILL; signal == SIGKILL; ++call) {
+    Refill();
+    signal = Run({"compact"}, call, CallTrouble::Kill).signal;
+    for (const auto& entry : fs::directory_iterator(folder_.Club())) {
+      if (entry.file_size() == 0) continue;
+      const fs::perms others = entry.status().permissions() & (fs::perms::group_all | fs::perms::others_all);
+      EXPECT_EQ(others, fs::perms::none) << entry.path() << " after call " << call;
+    }
+  }
+  EXPECT_GT(call, 5U);
 }
 
 TEST_F(InterruptedClub, AnImportOfMembersCanBeRepeated) {

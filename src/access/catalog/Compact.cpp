@@ -92,8 +92,7 @@ class Compacting {
 
   void WriteNewFile() {
     const std::vector<Page> pages = RebuildPages(source_);
-    Pager::Create(*fileSystem_, newPath_, pages);
-    fileSystem_->CopyPermissions(path_, newPath_);
+    Pager::Create(*fileSystem_, newPath_, pages, path_);
   }
 
   void CheckNewFile() {

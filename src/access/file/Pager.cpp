@@ -48,7 +48,8 @@ std::unique_ptr<Pager> Pager::Open(const std::shared_ptr<FileSystem>& fileSystem
   }
 }
 
-void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages) {
+void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages,
+                   const std::string& permissionsOf) {
   if (pages.empty() || pages.size() > format::kMaximumPageCount) {
     RaiseFailure("Could not create '" + path + "': an Access database cannot have " + std::to_string(pages.size()) +
                  " pages.");
@@ -57,6 +58,7 @@ void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<co
   const DatabaseHeader header = DecodeHeader(pages.front().All(), pages.size() * kPageSize, path);
   auto file = fileSystem.Open(path, FileSystem::OpenMode::CreateNew);
   try {
+    if (!permissionsOf.empty()) fileSystem.CopyPermissions(permissionsOf, path);
     WritePages(*file, pages, header.databaseKey);
     file->Sync();
     file.reset();

@@ -86,8 +86,10 @@ class Pager {
                                      const PagerOptions& options);
   /// Writes a new file of the given pages (page i of the list is page i of the file), durable on return.
   /// Page 0 is given as it is stored (masked); when it holds a database key the other pages are encoded with it.
-  /// Raises ProviderFailure when the file exists already; on any error no file is left.
-  static void Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages);
+  /// Raises ProviderFailure when the file exists already; on any error no file is left. The same people may use it as
+  /// the file `permissionsOf`, when one is named, before anything is in it.
+  static void Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages,
+                     const std::string& permissionsOf = {});
 
   virtual ~Pager() = default;
 
