@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <new>
 #include <optional>
 #include <ostream>
 
@@ -260,6 +261,8 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
     return app.exit(problem, terminal.out, error) == 0 ? kSucceeded : kWrongUse;
   } catch (const Error& problem) {
     error << "tavi: " << PrintableLines(problem.Description()) << '\n';
+  } catch (const std::bad_alloc&) {
+    error << "tavi: there is not enough memory for that\n";
   } catch (const std::exception& problem) {
     error << "tavi: " << PrintableLines(problem.what()) << '\n';
   }

@@ -248,6 +248,23 @@ TEST_F(CrowdedFile, WhoseRowsShareOneLongValueIsAnsweredOrRefusedByEveryCommandI
   std::cout << bytes.size() << " bytes, " << UseInBounds(bytes) << " MiB at most\n";
 }
 
+#ifndef __SANITIZE_ADDRESS__
+TEST_F(CrowdedFile, AnAnswerThatNeedsMoreMemoryThanThereIsIsRefusedInWords) {
+  static_cast<void>(CrowdedClub());
+  ChildLimits limits;
+  limits.addressSpace = std::uint64_t{256} << 20U;
+  const ChildEnd end = RunInChild(
+      [&](ChildVoice& voice) {
+        const Outcome outcome = folder_.Run({"sql", "Select a.LastName From Members As a, Members As b"});
+        voice.Tell(std::to_string(outcome.code) + " " + outcome.error);
+      },
+      limits);
+  EXPECT_EQ(end.signal, 0);
+  EXPECT_EQ(end.told.substr(0, 2), "1 ");
+  EXPECT_NE(end.told.find("not enough memory"), std::string::npos) << end.told;
+}
+#endif
+
 TEST_F(HostileFile, OfAClubIsAnsweredOrRefusedByEveryCommandInBounds) {
   UseDamagedCopies("club", OwnFile(), access::test::Lengthened(40), access::test::SeedOr(2003));
 }
