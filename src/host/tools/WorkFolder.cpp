@@ -53,6 +53,21 @@ bool IsOwnFolder(const std::string& path) {
   return fs::is_directory(fs::symlink_status(PathOf(path), ignored)) && !MakePrivateFolder(path);
 }
 
+/// Empties a work folder that no run is working in. True when it can go, now that the lock has been closed, which some
+/// systems wait for: nothing that a later run goes by lies in it.
+/// Raises what opening the lock raises.
+bool ClearUnlessInUse(access::FileSystem& fileSystem, const std::string& folder) {
+  // Without its lock it is empty, or another run is just making it.
+  if (!HasEntry(PathOf(folder), kLockName)) return true;
+  const std::string lockPath = JoinPath(folder, kLockName);
+  const std::unique_ptr<access::File> lock = fileSystem.Open(lockPath, access::FileSystem::OpenMode::ReadWrite);
+  if (!lock->TryLock(0, 1, access::File::LockKind::Exclusive) || !lock->IsStillAt(lockPath)) return false;
+  const bool isDone = HasEntry(PathOf(folder), kMarkName) && !HasEntry(PathOf(folder), kDraftName);
+  EmptyFolder(folder, isDone ? std::vector<std::string>{kLockName, kMarkName} : std::vector<std::string>{kLockName});
+  if (!isDone) RemoveQuietly(lockPath);
+  return !isDone;
+}
+
 }  // namespace
 
 WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
@@ -139,19 +154,8 @@ void WorkFolder::ClearLeftBehind(const std::string& clubFile) {
   if (IsOwnFolder(done)) EmptyFolder(done, {});
   const std::string work = place + kEnding;
   if (!IsOwnFolder(work)) return;
-  const fs::path folder = PathOf(work);
   try {
-    // Without its lock it is empty, or another run is just making it.
-    if (HasEntry(folder, kLockName)) {
-      const std::string lockPath = JoinPath(work, kLockName);
-      const std::unique_ptr<access::File> lock = fileSystem->Open(lockPath, access::FileSystem::OpenMode::ReadWrite);
-      if (!lock->TryLock(0, 1, access::File::LockKind::Exclusive) || !lock->IsStillAt(lockPath)) return;
-      const bool isDone = HasEntry(folder, kMarkName) && !HasEntry(folder, kDraftName);
-      EmptyFolder(work, isDone ? std::vector<std::string>{kLockName, kMarkName} : std::vector<std::string>{kLockName});
-      if (isDone) return;
-      RemoveQuietly(lockPath);
-    }
-    RemoveQuietly(work);
+    if (ClearUnlessInUse(*fileSystem, work)) RemoveQuietly(work);
   } catch (const Error&) {
     return;
   }
