@@ -23,8 +23,8 @@ else()
 endif()
 if(WIN32)
   target_compile_definitions(tavi_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
-elseif(TAVI_JOIN)
-  # As one room needs it, and all have their precompiled headers in common.
+else()
+  # Files of more than 2 GB on 32-bit systems too.
   target_compile_definitions(tavi_options INTERFACE _FILE_OFFSET_BITS=64)
 endif()
 if(TAVI_SANITIZE)
@@ -44,6 +44,11 @@ if(TAVI_FUZZ)
   target_link_options(tavi_options INTERFACE -fsanitize=address,undefined)
 endif()
 
+# With CMAKE_UNITY_BUILD files are compiled several at a time, because most of the time goes into what they have in
+# common: so many of a room, and of a test program, whose files are longer. No unit should take ten seconds.
+set(TAVI_FILES_OF_A_ROOM_AT_A_TIME 12)
+set(TAVI_FILES_OF_A_TEST_AT_A_TIME 7)
+
 set(TAVI_PRECOMPILED_HEADERS
   <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view>
   <unordered_map> <utility> <variant> <vector>)
@@ -57,9 +62,9 @@ function(tavi_room name)
   else()
     add_library(${name} STATIC ${ROOM_SOURCES})
   endif()
-  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON
+    UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_ROOM_AT_A_TIME})
   target_link_libraries(${name} PUBLIC tavi_options ${ROOM_USES})
-  tavi_join(${name})
   if(TARGET tavi_room_headers)
     target_precompile_headers(${name} REUSE_FROM tavi_room_headers)
   elseif(TAVI_PRECOMPILE AND NOT ROOM_OBJECTS)
@@ -73,7 +78,7 @@ function(tavi_test_support name)
   add_library(${name} STATIC ${SUPPORT_SOURCES})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/tests PRIVATE ${CMAKE_BINARY_DIR}/generated)
   target_link_libraries(${name} PUBLIC tavi_options ${SUPPORT_USES} GTest::gtest GTest::gmock)
-  tavi_join(${name})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_TEST_AT_A_TIME})
   if(TARGET tavi_room_headers)
     # Precompiled headers serve only who is compiled with the same options.
     set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
@@ -119,7 +124,7 @@ function(tavi_test name)
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_BINARY_DIR}/generated)
   target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main
     tavi_test_options)
-  tavi_join(${name})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_TEST_AT_A_TIME})
   if(TAVI_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
   endif()

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 namespace tavi {
+
+/// Characters of a competitor's or a competition's name in the file.
+inline constexpr std::size_t kLongestName = 255;
 
 /// The pair, or the player, that a result or an award belongs to. Who is no member has the number -1 and is known by
 /// name; in an individual competition the second player is not looked at.

@@ -1,6 +1,8 @@
 #include "competitions/MasterPoints.h"
 
 #include "competitions/CompetitionAttributes.h"
+#include "competitions/Competitors.h"
+#include "names/MemberValues.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/Arguments.h"
@@ -9,8 +11,6 @@
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
-constexpr std::size_t kLongestName = 255;
 constexpr const char* kPoints = "the number of master points";
 
 /// A name is kept for who is no member only.

@@ -1,8 +1,10 @@
 #include "competitions/ResultUpdate.h"
 
 #include "competitions/CompetitionAttributes.h"
+#include "competitions/Competitors.h"
 #include "competitions/MasterPoints.h"
 #include "handicaps/HandicapCalculation.h"
+#include "names/MemberValues.h"
 #include "platform/values/Convert.h"
 #include "store/Arguments.h"
 #include "store/OpenUse.h"
@@ -11,9 +13,7 @@
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
 constexpr std::int16_t kFirstSession = 1;
-constexpr std::size_t kLongestName = 255;
 constexpr std::size_t kLongestBody = 20;
 constexpr const char* kActual = "the actual percentage";
 constexpr const char* kNet = "the net percentage";

@@ -6,8 +6,6 @@
 namespace tavi {
 namespace {
 
-constexpr std::int16_t kPlayersAlone = 50;
-constexpr std::int16_t kJointResultsAlone = 100;
 constexpr double kTolerance = 0.00001;
 /// What two doubles that are written 1 and 1.00001 differ by beyond the tolerance.
 constexpr double kNoise = 1e-12;

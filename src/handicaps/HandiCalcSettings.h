@@ -4,6 +4,10 @@
 
 namespace tavi {
 
+/// The limits of HandiCalcSettings::SamePartnerWeighting: the players' own averages alone, the joint results alone.
+inline constexpr std::int16_t kPlayersAlone = 50;
+inline constexpr std::int16_t kJointResultsAlone = 100;
+
 /// How handicaps are calculated: over which results, how a pair's joint results count, and how a regular pair's
 /// handicap is adjusted. A plain value; a new one holds the defaults.
 class HandiCalcSettings {
@@ -32,8 +36,8 @@ class HandiCalcSettings {
   /// No limits, same-partner weighting 50, no adjustment, unknown players 50, not disabled.
   void SetDefaults();
 
-  /// The weight of results that the pair had together, in per cent: 50 (the players' own averages alone) to 100 (the
-  /// joint results alone). Values outside are set to the nearer limit.
+  /// The weight of results that the pair had together, in per cent: kPlayersAlone (50) to kJointResultsAlone
+  /// (100). Values outside are set to the nearer limit.
   [[nodiscard]] std::int16_t SamePartnerWeighting() const { return samePartnerWeighting_; }
   void SetSamePartnerWeighting(std::int16_t value);
   /// True when factor or addition for regular pairs change anything (by more than 0.00001).
@@ -50,7 +54,7 @@ class HandiCalcSettings {
 
   std::int16_t maxWeeks_ = 0;
   std::int16_t maxResults_ = 0;
-  std::int16_t samePartnerWeighting_ = 50;
+  std::int16_t samePartnerWeighting_ = kPlayersAlone;
   double regularPairMultiplier_ = 1.0;
   double regularPairAdd_ = 0.0;
   double unknownPlayerHandicap_ = 50.0;

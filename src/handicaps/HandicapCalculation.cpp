@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "members/Pairs.h"
+#include "names/MemberValues.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/ReadField.h"
@@ -12,11 +13,8 @@
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
 constexpr std::int32_t kSeedIdentifier = 0;
 constexpr std::int32_t kNotNoMember = 0;
-constexpr std::int16_t kPlayersAlone = 50;
-constexpr std::int16_t kJointResultsAlone = 100;
 constexpr int kDecimals = 2;
 constexpr double kFirstDay = -657434.0;  // 1 January 100
 constexpr const char* kCountingCompetitions = "IncludeInHandicapCalculations <> 0 And ScoringMethod = 0";

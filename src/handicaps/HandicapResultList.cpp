@@ -1,16 +1,10 @@
 #include "handicaps/HandicapResultList.h"
+#include "names/MemberValues.h"
 
 #include <cmath>
 #include <iterator>
 
 namespace tavi {
-namespace {
-
-constexpr std::int32_t kNoMember = -1;
-constexpr double kNeutralHandicap = 50.0;
-
-}  // namespace
-
 bool KeyExists(const HandicapResultList& List, const std::string& Key) {
   return List.Find(Key) != nullptr;
 }

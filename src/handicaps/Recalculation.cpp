@@ -3,14 +3,13 @@
 #include <optional>
 
 #include "handicaps/HandicapCalculation.h"
+#include "names/MemberValues.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
 #include "store/ReadField.h"
 
 namespace tavi {
 namespace {
-
-constexpr std::int32_t kNoMember = -1;
 
 std::string KeyOf(std::int32_t memberNumber) {
   return std::to_string(memberNumber) + "M";

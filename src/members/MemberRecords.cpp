@@ -1,6 +1,8 @@
 #include <array>
 #include <limits>
 
+#include "members/Members.h"
+#include "names/MemberValues.h"
 #include "names/NameText.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
@@ -9,13 +11,6 @@
 
 namespace tavi {
 namespace {
-
-constexpr std::int32_t kNoMember = -1;
-constexpr double kNeutralHandicap = 50.0;
-
-std::string WhereNumberIs(std::int32_t memberNumber) {
-  return "Where MembershipNumber = " + std::to_string(memberNumber);
-}
 
 std::string InsertStatement(std::int32_t number, const MemberDetails& details, const NameKeyService& nameKeyService) {
   std::string fuzzedFirstName;

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "names/MemberRow.h"
+#include "names/MemberValues.h"
 #include "names/NameText.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
@@ -11,14 +12,8 @@
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
 constexpr std::int32_t kFirstNameSuffices = 4;
-constexpr double kNeutralHandicap = 50.0;
 constexpr double kLowestHandicap = 1.0;
-
-std::string WhereNumberIs(std::int32_t memberNumber) {
-  return "Where MembershipNumber = " + std::to_string(memberNumber);
-}
 
 std::string WhereActiveNumberIs(std::int32_t memberNumber) {
   return WhereNumberIs(memberNumber) + " And Active <> 0";
@@ -39,6 +34,10 @@ Error NameIsTaken(const MemberDetails& details, bool retired) {
 }
 
 }  // namespace
+
+std::string WhereNumberIs(std::int32_t memberNumber) {
+  return "Where MembershipNumber = " + std::to_string(memberNumber);
+}
 
 std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32_t memberNumber) {
   return WhileOpen(database, [&]() -> std::shared_ptr<cPlayerDetails> {

@@ -11,6 +11,9 @@
 /// The public operations on members. Errors of the store pass on.
 namespace tavi {
 
+/// The condition for the rows of a member.
+[[nodiscard]] std::string WhereNumberIs(std::int32_t memberNumber);
+
 /// The record of an active member, with the stored uniqueness flag; null for unknown and retired members.
 std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32_t memberNumber);
 

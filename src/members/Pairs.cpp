@@ -1,14 +1,13 @@
 #include "members/Pairs.h"
 
 #include "members/Members.h"
+#include "names/MemberValues.h"
 #include "names/cPartnership.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
-constexpr double kNeutralHandicap = 50.0;
 constexpr double kMeanOfPlayers = -1.0;
 
 std::shared_ptr<cPlayerDetails> PlayerOf(cDatabase& database, const NamedPlayer& named) {

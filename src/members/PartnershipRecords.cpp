@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "names/MemberValues.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 
@@ -7,7 +8,6 @@ namespace tavi {
 namespace {
 
 constexpr const char* kSource = "cDatabase";
-constexpr double kNeutralHandicap = 50.0;
 
 std::string InsertStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
   return "Insert into Partnerships (LowerPlayer, HigherPlayer, HigherFirst, Handicap, KnownAs) Values (" +

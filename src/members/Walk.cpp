@@ -1,6 +1,7 @@
 #include "members/Walk.h"
 
 #include "names/MemberRow.h"
+#include "names/MemberValues.h"
 #include "names/cPartnership.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
@@ -9,7 +10,6 @@
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
 constexpr double kSurnameFirstFormat = 10.0;
 
 /// The active member of a number; a new player numbered -1 when there is none.

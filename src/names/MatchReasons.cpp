@@ -6,19 +6,14 @@
 namespace tavi {
 namespace {
 
-/// What CompareNamePart and CompareInitials say.
-constexpr std::int16_t kSoundsAlike = 3;
-constexpr std::int16_t kAbbreviation = 2;
-constexpr std::int16_t kNothingKnown = 1;
-
 /// How a name part differs; empty when it does not.
 std::string Difference(const std::string& part, std::int16_t score) {
   switch (score) {
-    case kSoundsAlike:
+    case name_score::kSoundsAlike:
       return part + " sounds alike";
-    case kAbbreviation:
+    case name_score::kAbbreviation:
       return part + " is an initial";
-    case kNothingKnown:
+    case name_score::kNothingKnown:
       return part + " is missing";
     default:
       return {};
@@ -26,17 +21,17 @@ std::string Difference(const std::string& part, std::int16_t score) {
 }
 
 std::string FirstNameDifference(const cPlayerDetails& typed, const cPlayerDetails& member, std::int16_t score) {
-  if (score == kSoundsAlike && IsShortFormOf(typed.FirstName(), member.FirstName()))
+  if (score == name_score::kSoundsAlike && IsShortFormOf(typed.FirstName(), member.FirstName()))
     return "first name is short for " + member.FirstName();
-  if (score == kSoundsAlike && IsShortFormOf(member.FirstName(), typed.FirstName()))
+  if (score == name_score::kSoundsAlike && IsShortFormOf(member.FirstName(), typed.FirstName()))
     return "first name is long for " + member.FirstName();
   return Difference("first name", score);
 }
 
 std::string InitialsDifference(const cPlayerDetails& typed, const cPlayerDetails& member) {
   const std::int16_t score = CompareInitials(typed.Initials(), member.Initials());
-  if (score == kAbbreviation) return member.Initials().empty() ? "initials are missing" : "initials fit";
-  return score == kNothingKnown ? "initials are missing" : std::string();
+  if (score == name_score::kAbbreviation) return member.Initials().empty() ? "initials are missing" : "initials fit";
+  return score == name_score::kNothingKnown ? "initials are missing" : std::string();
 }
 
 void Append(std::string& text, const std::string& more) {

@@ -1,12 +1,11 @@
 #include "names/MemberRow.h"
 
+#include "names/MemberValues.h"
 #include "store/cDatabase.h"
 
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
-constexpr double kNeutralHandicap = 50.0;
 constexpr std::int16_t kFirstNameAndSurname = 2;
 
 }  // namespace

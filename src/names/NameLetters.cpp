@@ -10,21 +10,21 @@ namespace tavi {
 namespace {
 
 /// Latin letters that are written like plain ones with something that is no accent. In upper case.
-struct Likeness {
+struct LetterForm {
   std::u32string_view letters;
   std::string_view plain;
 };
 
-constexpr std::array kLikenesses{
-    Likeness{U"ÆǼǢ", "AE"}, Likeness{U"ĐÐƉƊ", "D"}, Likeness{U"ØǾƆƟ", "O"},  Likeness{U"Œ", "OE"},
-    Likeness{U"Ł", "L"},    Likeness{U"Þ", "TH"},   Likeness{U"ßẞ", "SS"},   Likeness{U"Ħ", "H"},
-    Likeness{U"ı", "I"},    Likeness{U"Ŋ", "N"},    Likeness{U"Ŧ", "T"},     Likeness{U"Ə", "A"},
-    Likeness{U"Ĳ", "IJ"},   Likeness{U"Ŀ", "L"},    Likeness{U"ĸ", "K"},     Likeness{U"ſ", "S"},
-    Likeness{U"ŉ", "N"},    Likeness{U"Ɓ", "B"},    Likeness{U"Ƈ", "C"},     Likeness{U"ƐƎ", "E"},
-    Likeness{U"Ɠ", "G"},    Likeness{U"ƗƖ", "I"},   Likeness{U"Ƙ", "K"},     Likeness{U"Ɲ", "N"},
-    Likeness{U"Ƴ", "Y"},    Likeness{U"Ʉ", "U"},    Likeness{U"ǄǅǱǲ", "DZ"}, Likeness{U"Ǉǈ", "LJ"},
-    Likeness{U"Ǌǋ", "NJ"},  Likeness{U"ﬀ", "FF"},   Likeness{U"ﬁ", "FI"},    Likeness{U"ﬂ", "FL"},
-    Likeness{U"ﬃ", "FFI"},  Likeness{U"ﬄ", "FFL"},  Likeness{U"ﬅﬆ", "ST"},
+constexpr std::array kLetterForms{
+    LetterForm{U"ÆǼǢ", "AE"}, LetterForm{U"ĐÐƉƊ", "D"}, LetterForm{U"ØǾƆƟ", "O"},  LetterForm{U"Œ", "OE"},
+    LetterForm{U"Ł", "L"},    LetterForm{U"Þ", "TH"},   LetterForm{U"ßẞ", "SS"},   LetterForm{U"Ħ", "H"},
+    LetterForm{U"ı", "I"},    LetterForm{U"Ŋ", "N"},    LetterForm{U"Ŧ", "T"},     LetterForm{U"Ə", "A"},
+    LetterForm{U"Ĳ", "IJ"},   LetterForm{U"Ŀ", "L"},    LetterForm{U"ĸ", "K"},     LetterForm{U"ſ", "S"},
+    LetterForm{U"ŉ", "N"},    LetterForm{U"Ɓ", "B"},    LetterForm{U"Ƈ", "C"},     LetterForm{U"ƐƎ", "E"},
+    LetterForm{U"Ɠ", "G"},    LetterForm{U"ƗƖ", "I"},   LetterForm{U"Ƙ", "K"},     LetterForm{U"Ɲ", "N"},
+    LetterForm{U"Ƴ", "Y"},    LetterForm{U"Ʉ", "U"},    LetterForm{U"ǄǅǱǲ", "DZ"}, LetterForm{U"Ǉǈ", "LJ"},
+    LetterForm{U"Ǌǋ", "NJ"},  LetterForm{U"ﬀ", "FF"},   LetterForm{U"ﬁ", "FI"},    LetterForm{U"ﬂ", "FL"},
+    LetterForm{U"ﬃ", "FFI"},  LetterForm{U"ﬄ", "FFL"},  LetterForm{U"ﬅﬆ", "ST"},
 };
 
 /// Where the letters of other alphabets are, punctuation and symbols left out as far as names need it.
@@ -81,8 +81,8 @@ void Decompose(char32_t character, const Visitor& visit) {
 }
 
 std::string_view PlainForm(char32_t letter) {
-  for (const Likeness& likeness : kLikenesses) {
-    if (likeness.letters.find(letter) != std::u32string_view::npos) return likeness.plain;
+  for (const LetterForm& form : kLetterForms) {
+    if (form.letters.find(letter) != std::u32string_view::npos) return form.plain;
   }
   return {};
 }

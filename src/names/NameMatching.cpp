@@ -5,12 +5,6 @@
 namespace tavi {
 namespace {
 
-constexpr std::int16_t kSame = 4;
-constexpr std::int16_t kSoundsAlike = 3;
-constexpr std::int16_t kAbbreviation = 2;
-constexpr std::int16_t kNothingKnown = 1;
-constexpr std::int16_t kDifferent = 0;
-
 constexpr int kFirstNameFactor = 10;
 constexpr int kSurnameFactor = 100;
 
@@ -35,20 +29,20 @@ bool OccursInOrder(std::u32string_view part, std::u32string_view whole) {
 
 std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std::string_view Other,
                              std::string_view OtherKey) {
-  if (EqualIgnoringCase(Other, Own)) return kSame;
-  if (OtherKey == OwnKey) return kSoundsAlike;
-  if (IsInitialOf(Own, Other)) return kAbbreviation;
-  return Own.empty() || Other.empty() ? kNothingKnown : kDifferent;
+  if (EqualIgnoringCase(Other, Own)) return name_score::kSame;
+  if (OtherKey == OwnKey) return name_score::kSoundsAlike;
+  if (IsInitialOf(Own, Other)) return name_score::kAbbreviation;
+  return Own.empty() || Other.empty() ? name_score::kNothingKnown : name_score::kDifferent;
 }
 
 std::int16_t CompareInitials(std::string_view Own, std::string_view Other) {
   const std::u32string own = ToCodePoints(UpperCase(Own));
   const std::u32string other = ToCodePoints(UpperCase(Other));
-  if (own == other) return kSame;
-  if (own.empty()) return kNothingKnown;
-  if (own.size() == other.size()) return kDifferent;
+  if (own == other) return name_score::kSame;
+  if (own.empty()) return name_score::kNothingKnown;
+  if (own.size() == other.size()) return name_score::kDifferent;
   const bool occurs = own.size() < other.size() ? OccursInOrder(own, other) : OccursInOrder(other, own);
-  return occurs ? kAbbreviation : kDifferent;
+  return occurs ? name_score::kAbbreviation : name_score::kDifferent;
 }
 
 std::int16_t CombineMatchScores(std::int16_t FirstNameScore, std::int16_t InitialsScore, std::int16_t SurnameScore) {

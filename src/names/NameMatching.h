@@ -6,6 +6,15 @@
 /// How well two writings of a name agree. The scores are combined to the weight by which found members are sorted.
 namespace tavi {
 
+/// The scores of one part of a name.
+namespace name_score {
+inline constexpr std::int16_t kSame = 4;
+inline constexpr std::int16_t kSoundsAlike = 3;
+inline constexpr std::int16_t kAbbreviation = 2;
+inline constexpr std::int16_t kNothingKnown = 1;
+inline constexpr std::int16_t kDifferent = 0;
+}  // namespace name_score
+
 /// Compares one name part with its sound-alike key: 4 the same (ignoring case), 3 sounding alike, 2 one is the initial
 /// of the other, 1 nothing is known (one or both empty), 0 different.
 std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std::string_view Other,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "names/MemberRow.h"
+#include "names/MemberValues.h"
 #include "names/NameMatching.h"
 #include "names/NameText.h"
 #include "store/OpenUse.h"
@@ -10,7 +11,6 @@
 namespace tavi {
 namespace {
 
-constexpr std::int32_t kNoMember = -1;
 constexpr std::int16_t kInitialsFit = 2;
 
 /// The only active member of this first name and surname whose initials fit, or -1.

@@ -1,13 +1,12 @@
 #include "names/cPartnership.h"
 
+#include "names/NameFormats.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
 
 namespace tavi {
 namespace {
 
-constexpr std::int16_t kFamiliar = 9;
-constexpr std::int16_t kSurnameFirst = 10;
 constexpr const char* kAnd = " & ";
 
 /// A player's name in a format, without the surname.
@@ -48,13 +47,13 @@ std::string cPartnership::FamiliarNames(bool alternate) const {
 }
 
 std::string cPartnership::SharedSurnameName(std::int16_t format) const {
-  if (format == kSurnameFirst) return Player1->Name(format) + kAnd + NameWithoutSurname(*Player2, format);
+  if (format == name_format::kSurnameFirst) return Player1->Name(format) + kAnd + NameWithoutSurname(*Player2, format);
   return NameWithoutSurname(*Player1, format) + kAnd + Player2->Name(format);
 }
 
 std::string cPartnership::Name(std::int16_t NameFormat, bool TransferSurname, bool Alternate) const {
-  if (!KnownAs.empty() && NameFormat != kSurnameFirst) return Alternate ? std::string() : KnownAs;
-  if (NameFormat == kFamiliar) return WithoutStrayAnd(FamiliarNames(Alternate));
+  if (!KnownAs.empty() && NameFormat != name_format::kSurnameFirst) return Alternate ? std::string() : KnownAs;
+  if (NameFormat == name_format::kFamiliar) return WithoutStrayAnd(FamiliarNames(Alternate));
   if (Alternate) return OtherOrder().Name(NameFormat, TransferSurname, false);
   const std::string text = TransferSurname && Player1->SameSurnameAs(*Player2)
                                ? SharedSurnameName(NameFormat)

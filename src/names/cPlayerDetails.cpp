@@ -1,5 +1,6 @@
 #include "names/cPlayerDetails.h"
 
+#include "names/NameFormats.h"
 #include "names/NameMatching.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
@@ -7,48 +8,36 @@
 namespace tavi {
 namespace {
 
-/// The codes of the display formats.
-constexpr std::int16_t kFirstNameOnly = 1;
-constexpr std::int16_t kInitialsOnly = 2;
-constexpr std::int16_t kSurnameOnly = 3;
-constexpr std::int16_t kFirstNameWithInitials = 4;
-constexpr std::int16_t kFirstAndLast = 5;
-constexpr std::int16_t kFirstAndLastIfUnique = 6;
-constexpr std::int16_t kInFull = 7;
-constexpr std::int16_t kFirstAndLetter = 8;
-constexpr std::int16_t kFamiliar = 9;
-constexpr std::int16_t kSurnameFirst = 10;
-
 /// The values of UniquenessFlag that ask for more of the name.
 constexpr std::int16_t kNeedsSurname = 2;
 constexpr std::int16_t kNeedsSurnameLetter = 3;
 
 /// The format that shows enough of the name to tell the player apart.
 std::int16_t Adjusted(std::int16_t format, std::int16_t flag) {
-  if (format == kFirstAndLastIfUnique) return flag < kNeedsSurname ? kInFull : format;
-  if (format != kFirstAndLetter && format != kFamiliar) return format;
-  if (flag == 0 || flag == 1) return kInFull;
-  if (flag == kNeedsSurname) return kFirstAndLast;
-  return flag == kNeedsSurnameLetter ? kFirstAndLetter : format;
+  if (format == name_format::kFirstAndLastIfUnique) return flag < kNeedsSurname ? name_format::kInFull : format;
+  if (format != name_format::kFirstAndLetter && format != name_format::kFamiliar) return format;
+  if (flag == 0 || flag == 1) return name_format::kInFull;
+  if (flag == kNeedsSurname) return name_format::kFirstAndLast;
+  return flag == kNeedsSurnameLetter ? name_format::kFirstAndLetter : format;
 }
 
 std::string Text(const PlayerNameParts& name, std::int16_t format) {
   switch (format) {
-    case kFirstNameOnly:
-    case kFamiliar:
+    case name_format::kFirstNameOnly:
+    case name_format::kFamiliar:
       return name.FirstName;
-    case kInitialsOnly:
+    case name_format::kInitialsOnly:
       return name.Initials;
-    case kSurnameOnly:
+    case name_format::kSurnameOnly:
       return name.Surname;
-    case kFirstNameWithInitials:
+    case name_format::kFirstNameWithInitials:
       return name.FirstName + name.Initials;
-    case kFirstAndLast:
-    case kFirstAndLastIfUnique:
+    case name_format::kFirstAndLast:
+    case name_format::kFirstAndLastIfUnique:
       return name.FirstName + " " + name.Surname;
-    case kFirstAndLetter:
+    case name_format::kFirstAndLetter:
       return name.FirstName + " " + FirstCharacters(name.Surname, 1);
-    case kSurnameFirst:
+    case name_format::kSurnameFirst:
       return name.Surname + ", " + name.FirstName + " " + name.Initials;
     default:
       return name.FirstName + " " + name.Initials + " " + name.Surname;
@@ -122,10 +111,10 @@ bool cPlayerDetails::SameSurnameAs(const cPlayerDetails& other) const {
 }
 
 std::string cPlayerDetails::Name(std::int16_t NameFormat) const {
-  if (NameFormat == kFamiliar && !KnownAs.empty()) return KnownAs;
+  if (NameFormat == name_format::kFamiliar && !KnownAs.empty()) return KnownAs;
   const std::int16_t format = Adjusted(NameFormat, UniquenessFlag);
   const std::string text = CollapseWhitespace(Text(parts_, format), true);
-  return format == kSurnameFirst ? WithoutStrayComma(text) : text;
+  return format == name_format::kSurnameFirst ? WithoutStrayComma(text) : text;
 }
 
 std::int16_t cPlayerDetails::MatchWeight(const cPlayerDetails& other) const {

@@ -25,8 +25,6 @@ constexpr const char* kUpdateText =
     "compatible with the latest software version. When you click OK, this update "
     "will take place automatically.";
 
-constexpr const char* kGoverningBody = "EBU";
-
 cDbFieldDef TextColumnWithDefault(const char* table, const char* field, std::int16_t length, const std::string& value) {
   cDbFieldDef column;
   column.TableName = table;
@@ -111,10 +109,10 @@ bool LayoutCheck::QueueChanges() {
 
   bool affiliationFlag = false;
   const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
-                                      kGoverningBodySetting, kGoverningBody);
+                                      kGoverningBodySetting, kUsualGoverningBody);
   CheckColumn(TextColumnWithDefault("ClubNames", "Affiliation", 10, body), affiliationFlag);
   RequestColumnRemoval("Competitions", "GoverningBody");
-  CheckColumn(TextColumnWithDefault("Competitions", "NatCode", 20, kGoverningBody), affiliationFlag);
+  CheckColumn(TextColumnWithDefault("Competitions", "NatCode", 20, kUsualGoverningBody), affiliationFlag);
   RequestColumnRemoval("Competitions", "ExternalType");
   RequestColumnRemoval("Competitions", "MasterPointsCode");
   CheckColumn(DisabledColumn(), mainFlag);

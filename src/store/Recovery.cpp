@@ -16,15 +16,6 @@
 namespace tavi {
 namespace {
 
-constexpr const char* kGoverningBody = "EBU";
-
-bool HasField(const ado::Recordset& rows, std::string_view name) {
-  for (const ado::Field& field : rows.Fields()) {
-    if (EqualIgnoringCase(field.name, name)) return true;
-  }
-  return false;
-}
-
 /// How many rows the tables of a file say to have, by their names in lower case; empty when it is not to be found out.
 std::map<std::string, std::int64_t> StatedRowCounts(ado::Connection& file) {
   std::map<std::string, std::int64_t> counts;
@@ -87,16 +78,17 @@ void Recovery::Recover(const std::string& oldFile) {
 
 std::vector<TableTask> Recovery::Tasks() const {
   const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
-                                      kGoverningBodySetting, kGoverningBody);
-  return {{"ClubNames:ClubID", "Affiliation=" + body},
-          {"ClubPolicies"},
-          {"Competitions:ID", std::string("IsTeams=0,IsSwiss=0,IsExternal=0,Qualifinal=0,NatCode=") + kGoverningBody},
-          {"HandicalcSettings", "Disabled=0"},
-          {"MasterPoints:ID", "Colour=-1,SessionNo=-1", "CompetitionID"},
-          {"Members"},
-          {"Partnerships"},
-          {"Results", "", "Competition"},
-          {"Settings"}};
+                                      kGoverningBodySetting, kUsualGoverningBody);
+  return {
+      {"ClubNames:ClubID", "Affiliation=" + body},
+      {"ClubPolicies"},
+      {"Competitions:ID", std::string("IsTeams=0,IsSwiss=0,IsExternal=0,Qualifinal=0,NatCode=") + kUsualGoverningBody},
+      {"HandicalcSettings", "Disabled=0"},
+      {"MasterPoints:ID", "Colour=-1,SessionNo=-1", "CompetitionID"},
+      {"Members"},
+      {"Partnerships"},
+      {"Results", "", "Competition"},
+      {"Settings"}};
 }
 
 void Recovery::CopyTables() {

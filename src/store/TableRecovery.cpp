@@ -14,11 +14,6 @@ namespace {
 constexpr std::size_t kMostRemarks = 10;
 constexpr std::size_t kLongestQuotation = 60;
 
-bool HasField(const ado::Recordset& rows, std::string_view name) {
-  return std::any_of(rows.Fields().begin(), rows.Fields().end(),
-                     [&](const ado::Field& field) { return EqualIgnoringCase(field.name, name); });
-}
-
 /// How many characters a text column of the store's file takes; 0 when it has no limit.
 std::size_t WidthOf(cDatabase& database, const std::string& table, const std::string& column) {
   const auto columns = database.OpenSchema(ado::SchemaKind::Columns);
@@ -46,6 +41,11 @@ std::string Quoted(const Value& value) {
 }
 
 }  // namespace
+
+bool HasField(const ado::Recordset& rows, std::string_view name) {
+  return std::any_of(rows.Fields().begin(), rows.Fields().end(),
+                     [&](const ado::Field& field) { return EqualIgnoringCase(field.name, name); });
+}
 
 bool IsOfTheNewFile(const Error& error) {
   const std::string text = error.Description();

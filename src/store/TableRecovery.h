@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "store/IdentifierMap.h"
@@ -17,6 +18,9 @@ namespace tavi {
 
 /// The table that rows of other tables refer to.
 inline constexpr const char* kCompetitionsTable = "Competitions";
+
+/// True when the rows have a field of that name, in any case.
+[[nodiscard]] bool HasField(const ado::Recordset& rows, std::string_view name);
 
 /// True for an error that the system has with the new file, such as a full disk: no row that follows would escape it,
 /// and what is not saved is not lost, for the old file has it still. The old file itself is only read.

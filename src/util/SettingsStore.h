@@ -10,6 +10,8 @@ namespace tavi {
 inline constexpr const char* kSettingsKey = "Software\\Pelmont\\Bridge\\ClubDatabase";
 inline constexpr const char* kDatabaseFolderSetting = "DB Folder";
 inline constexpr const char* kGoverningBodySetting = "Governing Body";
+/// What that is where nothing else is set.
+inline constexpr const char* kUsualGoverningBody = "EBU";
 
 /// A setting, or `Default` when it is missing or cannot be read; an empty "DB Folder" counts as missing. Machine-wide
 /// values are looked up in the settings file first, then in the registry; one that only the registry holds is copied

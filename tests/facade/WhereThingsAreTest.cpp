@@ -17,7 +17,7 @@ namespace {
 
 using testing::TemporaryFolder;
 
-constexpr const char* kFileName = "ClubMembers.mdb";
+constexpr const char* kClubFileName = "ClubMembers.mdb";
 constexpr Date kNow{45366.5};
 
 /// What docs/where-things-are.md tells a user, for a home of the test's own.
@@ -51,7 +51,7 @@ class WhereThingsAreTest : public ::testing::Test {
   /// An empty club's file in a folder below the home.
   void MakeFile(const std::string& folder) const {
     home_.MakeFolder(folder);
-    const std::string path = home_.Path(folder) + "/" + kFileName;
+    const std::string path = home_.Path(folder) + "/" + kClubFileName;
     CreateEmptyDatabase(path, kNow);
     const auto connection =
         MakePlatform({kNow})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);

@@ -21,15 +21,8 @@ namespace fs = std::filesystem;
 constexpr std::uint8_t kHyphenBehindSixElements = 0x1F;   // 7 + 4 * 6
 constexpr std::uint8_t kHyphenBehindFiveElements = 0x1B;  // 7 + 4 * 5
 
-std::string ReadFile(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
-
 /// A club's file with two members, and ways to hurt it.
-class CheckCommand : public testing::Test {
+class CheckCommand : public ::testing::Test {
  protected:
   CheckCommand() {
     EXPECT_EQ(folder_.Run({"new", "--name", "Any"}).code, 0);

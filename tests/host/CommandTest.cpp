@@ -27,18 +27,18 @@ constexpr const char* kMembers =
     "10,00990104,Mr,Łukasz,,Wójcik,,M,,,,,,,,,,y\n"
     "11,00990105,Mr,Old,,Timer,,M,,,,,,,,,,n\n";
 
-std::string Player(const std::string& name, const std::string& number = "") {
+std::string PlayerXml(const std::string& name, const std::string& number = "") {
   return "<PLAYER><PLAYER_NAME>" + name + "</PLAYER_NAME>" +
          (number.empty() ? "" : "<NATIONAL_ID_NUMBER>" + number + "</NATIONAL_ID_NUMBER>") + "</PLAYER>";
 }
 
-std::string Pair(const std::string& number, const std::string& percentage, const std::string& players,
-                 const std::string& more = "") {
+std::string PairXml(const std::string& number, const std::string& percentage, const std::string& players,
+                    const std::string& more = "") {
   return "<PAIR><PAIR_NUMBER>" + number + "</PAIR_NUMBER><PERCENTAGE>" + percentage + "</PERCENTAGE>" + more + players +
          "</PAIR>\n";
 }
 
-std::string Award(const std::string& hundredths) {
+std::string AwardXml(const std::string& hundredths) {
   return "<MASTER_POINTS><MASTER_POINTS_AWARDED>" + hundredths +
          "</MASTER_POINTS_AWARDED><MASTER_POINT_TYPE>BLACK</MASTER_POINT_TYPE></MASTER_POINTS>";
 }
@@ -50,8 +50,9 @@ std::string Evening(const std::string& pairs, const std::string& date = "06/01/2
 }
 
 const std::string kTwoPairs =
-    Pair("1", "60.00", Player("Ann Lee", "990101") + Player("Bob Ray", "00990102"), "<PLACE>1</PLACE>" + Award("24")) +
-    Pair("2", "40.00", Player("Eloise Darcy") + Player("Vera Visitor", "123456"), "<PLACE>2</PLACE>");
+    PairXml("1", "60.00", PlayerXml("Ann Lee", "990101") + PlayerXml("Bob Ray", "00990102"),
+            "<PLACE>1</PLACE>" + AwardXml("24")) +
+    PairXml("2", "40.00", PlayerXml("Eloise Darcy") + PlayerXml("Vera Visitor", "123456"), "<PLACE>2</PLACE>");
 
 class Command : public ::testing::Test {
  protected:
@@ -197,8 +198,8 @@ TEST_F(Command, ScoringStoresResultsAwardsAndHandicapsAndSaysWhoIsNoMember) {
 
 TEST_F(Command, ARetiredMemberIsRecognisedByNumberOnly) {
   MakeClub();
-  const std::string pairs = Pair("1", "60", Player("Old Timer", "990105") + Player("Ann Lee")) +
-                            Pair("2", "40", Player("Bob Ray") + Player("Eloise Darcy"));
+  const std::string pairs = PairXml("1", "60", PlayerXml("Old Timer", "990105") + PlayerXml("Ann Lee")) +
+                            PairXml("2", "40", PlayerXml("Bob Ray") + PlayerXml("Eloise Darcy"));
   const Outcome scored = folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))});
   ASSERT_EQ(scored.code, 0) << scored.error;
   EXPECT_THAT(scored.error, HasSubstr("no longer an active member"));
@@ -233,7 +234,8 @@ TEST_F(Command, OddCompetitionNamesAreFoundAgain) {
 
 TEST_F(Command, NonMembersNamesAreStoredIntact) {
   MakeClub();
-  const std::string pairs = Pair("1", "55", Player("O&apos;Neil 50% Jr") + Player("Иван Петров"), Award("10"));
+  const std::string pairs =
+      PairXml("1", "55", PlayerXml("O&apos;Neil 50% Jr") + PlayerXml("Иван Петров"), AwardXml("10"));
   ASSERT_EQ(folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))}).code, 0);
   EXPECT_THAT(folder_.Query("Select NonMemberName From MasterPoints"),
               UnorderedElementsAre("O'Neil 50%p Jr", "Иван Петров"));
@@ -244,7 +246,7 @@ TEST_F(Command, OfSeveralFilesTheGoodOnesAreStoredAndTheBadOnesListed) {
   MakeClub();
   const std::string good = folder_.Write("good.xml", Evening(kTwoPairs));
   const std::string bad =
-      folder_.Write("bad.xml", Evening(Pair("1", "140", Player("Ann Lee") + Player("Bob Ray")), "13/01/2026"));
+      folder_.Write("bad.xml", Evening(PairXml("1", "140", PlayerXml("Ann Lee") + PlayerXml("Bob Ray")), "13/01/2026"));
   const Outcome outcome = folder_.Run({"score", bad, good});
   EXPECT_EQ(outcome.code, 1);
   EXPECT_THAT(outcome.error, HasSubstr("bad.xml:2: PERCENTAGE is 140; expected 0 to 100"));
@@ -265,8 +267,8 @@ TEST_F(Command, AFileOfEventsIsStoredWholeOrNotAtAll) {
   ASSERT_EQ(
       folder_.Run({"sql", "Create Unique Index OnePerSize On MasterPoints (MasterPoints, MembershipNumber)"}).code, 0);
   const auto pairs = [](const std::string& firstScore, const std::string& secondScore) {
-    return Pair("1", firstScore, Player("Ann Lee") + Player("Vera Visitor"), Award("24")) +
-           Pair("2", secondScore, Player("Bob Ray") + Player("Eloise Darcy"), Award("12"));
+    return PairXml("1", firstScore, PlayerXml("Ann Lee") + PlayerXml("Vera Visitor"), AwardXml("24")) +
+           PairXml("2", secondScore, PlayerXml("Bob Ray") + PlayerXml("Eloise Darcy"), AwardXml("12"));
   };
   // The second event gives Ann Lee as many points as the first one did.
   std::string events = Evening(pairs("70", "30"), "13/01/2026", "Morning");
@@ -281,8 +283,8 @@ TEST_F(Command, AFileOfEventsIsStoredWholeOrNotAtAll) {
 
 TEST_F(Command, APlayerListedTwiceIsRefusedBeforeAnythingIsStored) {
   MakeClub();
-  const std::string pairs = Pair("1", "60", Player("Ann Lee", "990101") + Player("Bob Ray")) +
-                            Pair("2", "40", Player("Ann Lee") + Player("X Y"));
+  const std::string pairs = PairXml("1", "60", PlayerXml("Ann Lee", "990101") + PlayerXml("Bob Ray")) +
+                            PairXml("2", "40", PlayerXml("Ann Lee") + PlayerXml("X Y"));
   const Outcome outcome = folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))});
   EXPECT_EQ(outcome.code, 1);
   EXPECT_THAT(outcome.error, HasSubstr("Ann Lee is listed twice"));
@@ -292,9 +294,10 @@ TEST_F(Command, APlayerListedTwiceIsRefusedBeforeAnythingIsStored) {
 TEST_F(Command, TwoVisitorsMayBearOneName) {
   MakeClub();
   const auto evening = [&](const std::string& first, const std::string& second) {
-    return folder_.Write("week.xml",
-                         Evening(Pair("1", "60", Player("Ann Lee") + Player("John Smith", first), Award("24")) +
-                                 Pair("2", "40", Player("Bob Ray") + Player("John Smith", second), Award("12"))));
+    return folder_.Write(
+        "week.xml",
+        Evening(PairXml("1", "60", PlayerXml("Ann Lee") + PlayerXml("John Smith", first), AwardXml("24")) +
+                PairXml("2", "40", PlayerXml("Bob Ray") + PlayerXml("John Smith", second), AwardXml("12"))));
   };
   EXPECT_EQ(folder_.Run({"score", evening("", "")}).code, 0);
   EXPECT_EQ(folder_.Run({"score", evening("555001", "")}).code, 0);

@@ -10,7 +10,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string Refusal(const std::string& text) {
+std::string CsvRefusal(const std::string& text) {
   try {
     CsvFile::Parse(text, "list.csv");
   } catch (const Error& error) {
@@ -45,10 +45,10 @@ TEST(Csv, ReadsByteOrderMarksAndFallsBackToWindows1252) {
 }
 
 TEST(Csv, RefusesInPlainWordsThatNameTheLine) {
-  EXPECT_THAT(Refusal(""), HasSubstr("list.csv:1: the file is empty"));
-  EXPECT_THAT(Refusal("a,b\n1\n"), HasSubstr("list.csv:2: the line has 1 fields; expected 2"));
-  EXPECT_THAT(Refusal("a,b\n1,\"2\n"), HasSubstr("list.csv:2: a quoted field is not closed"));
-  EXPECT_THAT(Refusal("a,A\n"), HasSubstr("stands twice in the header"));
+  EXPECT_THAT(CsvRefusal(""), HasSubstr("list.csv:1: the file is empty"));
+  EXPECT_THAT(CsvRefusal("a,b\n1\n"), HasSubstr("list.csv:2: the line has 1 fields; expected 2"));
+  EXPECT_THAT(CsvRefusal("a,b\n1,\"2\n"), HasSubstr("list.csv:2: a quoted field is not closed"));
+  EXPECT_THAT(CsvRefusal("a,A\n"), HasSubstr("stands twice in the header"));
 }
 
 }  // namespace

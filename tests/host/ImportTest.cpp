@@ -15,7 +15,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::UnorderedElementsAre;
 
-constexpr const char* kMembers =
+constexpr const char* kThreeMembers =
     "club_number,ebu_number,title,first,initials,last,known_as,sex,email,phone,mobile,join_date,member_type,house,"
     "address,town,postcode,active\n"
     "7,00990101,Mrs,Ann,,Lee,,F,ann@example.org,01632 1,07700 1,2001-02-03,Junior,The Mill,1 Mill Lane,Ashby,AB1 "
@@ -32,7 +32,7 @@ class ImportTest : public ::testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(folder_.Run({"new", "--name", "Ashby Bridge Club"}).code, 0);
-    const Outcome imported = Import(kMembers);
+    const Outcome imported = Import(kThreeMembers);
     ASSERT_EQ(imported.code, 0) << imported.error;
   }
 

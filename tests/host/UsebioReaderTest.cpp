@@ -10,11 +10,11 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string Player(const std::string& name, const std::string& more = "") {
+std::string PlayerElement(const std::string& name, const std::string& more = "") {
   return "<PLAYER><PLAYER_NAME>" + name + "</PLAYER_NAME>" + more + "</PLAYER>\n";
 }
 
-std::string Pair(const std::string& number, const std::string& result, const std::string& players) {
+std::string PairElement(const std::string& number, const std::string& result, const std::string& players) {
   return "<PAIR><PAIR_NUMBER>" + number + "</PAIR_NUMBER>\n" + result + "\n" + players + "</PAIR>\n";
 }
 
@@ -24,16 +24,16 @@ std::string File(const std::string& inside, const std::string& type = "PAIRS", c
          "</EVENT>\n</USEBIO>\n";
 }
 
-const std::string kFirst =
-    Pair("1", "<PERCENTAGE>55.5</PERCENTAGE><PLACE>1</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
-const std::string kSecond =
-    Pair("2", "<PERCENTAGE>44.5</PERCENTAGE><PLACE>2</PLACE>", Player("Cat Fox") + Player("Dan Orr"));
+const std::string kFirst = PairElement("1", "<PERCENTAGE>55.5</PERCENTAGE><PLACE>1</PLACE>",
+                                       PlayerElement("Ann Lee") + PlayerElement("Bob Ray"));
+const std::string kSecond = PairElement("2", "<PERCENTAGE>44.5</PERCENTAGE><PLACE>2</PLACE>",
+                                        PlayerElement("Cat Fox") + PlayerElement("Dan Orr"));
 
 std::string Participants(const std::string& inside) {
   return "<PARTICIPANTS>\n" + inside + "</PARTICIPANTS>\n";
 }
 
-std::string Refusal(const std::string& text) {
+std::string UsebioRefusal(const std::string& text) {
   try {
     ReadUsebio(text, "week.xml");
   } catch (const Error& error) {
@@ -55,8 +55,8 @@ TEST(UsebioReader, ReadsNameDateAndResultsOfAPairsEvent) {
 }
 
 TEST(UsebioReader, TakesTheEqualsSignOffAPlaceAndKeepsThatItWasATie) {
-  const std::string tied =
-      Pair("1", "<PERCENTAGE>50</PERCENTAGE><PLACE>3=</PLACE>", Player("Ann Lee") + Player("Bob Ray"));
+  const std::string tied = PairElement("1", "<PERCENTAGE>50</PERCENTAGE><PLACE>3=</PLACE>",
+                                       PlayerElement("Ann Lee") + PlayerElement("Bob Ray"));
   const Contestant contestant = ReadUsebio(File(Participants(tied)), "week.xml")[0].contestants[0];
   EXPECT_EQ(contestant.place, 3);
   EXPECT_TRUE(contestant.tied);
@@ -67,7 +67,8 @@ TEST(UsebioReader, CountsMasterPointsInHundredths) {
       "<PERCENTAGE>50</PERCENTAGE><MASTER_POINTS><MASTER_POINTS_AWARDED>24</MASTER_POINTS_AWARDED>"
       "<MASTER_POINT_TYPE>Green</MASTER_POINT_TYPE></MASTER_POINTS>";
   const Contestant contestant =
-      ReadUsebio(File(Participants(Pair("1", award, Player("Ann Lee") + Player("Bob Ray")))), "week.xml")[0]
+      ReadUsebio(File(Participants(PairElement("1", award, PlayerElement("Ann Lee") + PlayerElement("Bob Ray")))),
+                 "week.xml")[0]
           .contestants[0];
   ASSERT_EQ(contestant.awards.size(), 1U);
   EXPECT_DOUBLE_EQ(contestant.awards[0].points, 0.24);
@@ -75,10 +76,11 @@ TEST(UsebioReader, CountsMasterPointsInHundredths) {
 }
 
 TEST(UsebioReader, DropsLeadingZerosAndFigureNumbersThatMeanNone) {
-  const std::string numbers = Player("Ann Lee", "<NATIONAL_ID_NUMBER>00990183</NATIONAL_ID_NUMBER>") +
-                              Player("Bob Ray", "<NATIONAL_ID_NUMBER>88888888</NATIONAL_ID_NUMBER>");
+  const std::string numbers = PlayerElement("Ann Lee", "<NATIONAL_ID_NUMBER>00990183</NATIONAL_ID_NUMBER>") +
+                              PlayerElement("Bob Ray", "<NATIONAL_ID_NUMBER>88888888</NATIONAL_ID_NUMBER>");
   const Contestant contestant =
-      ReadUsebio(File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", numbers))), "week.xml")[0].contestants[0];
+      ReadUsebio(File(Participants(PairElement("1", "<PERCENTAGE>50</PERCENTAGE>", numbers))), "week.xml")[0]
+          .contestants[0];
   EXPECT_EQ(contestant.players[0].nationalNumber, "990183");
   EXPECT_EQ(contestant.players[1].nationalNumber, "");
 }
@@ -90,20 +92,22 @@ TEST(UsebioReader, ReadsIsoDates) {
 TEST(UsebioReader, ReadsLatinTextThatCallsItselfIso8859) {
   const std::string text =
       "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>\n" +
-      File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", Player("Zo\xEB O\x92Hara") + Player("Bob Ray"))));
+      File(Participants(PairElement("1", "<PERCENTAGE>50</PERCENTAGE>",
+                                    PlayerElement("Zo\xEB O\x92Hara") + PlayerElement("Bob Ray"))));
   EXPECT_EQ(ReadUsebio(text, "week.xml")[0].contestants[0].players[0].name, "Zoë O’Hara");
 }
 
 TEST(UsebioReader, TakesAddedHandicapsOutAgainWhenTheTravellersTellThatTheyAreIn) {
-  const std::string players = Player("Ann Lee") + Player("Bob Ray");
-  const std::string others = Player("Cat Fox") + Player("Dan Orr");
+  const std::string players = PlayerElement("Ann Lee") + PlayerElement("Bob Ray");
+  const std::string others = PlayerElement("Cat Fox") + PlayerElement("Dan Orr");
   const std::string line =
       "<BOARD><BOARD_NUMBER>1</BOARD_NUMBER><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>2</"
       "EW_PAIR_NUMBER>"
       "<NS_MATCH_POINTS>6</NS_MATCH_POINTS><EW_MATCH_POINTS>4</EW_MATCH_POINTS></TRAVELLER_LINE></BOARD>";
-  const std::string inside = Participants(Pair("1", "<PERCENTAGE>57</PERCENTAGE><HANDICAP>-3</HANDICAP>", players) +
-                                          Pair("2", "<PERCENTAGE>43</PERCENTAGE><HANDICAP>3</HANDICAP>", others)) +
-                             line;
+  const std::string inside =
+      Participants(PairElement("1", "<PERCENTAGE>57</PERCENTAGE><HANDICAP>-3</HANDICAP>", players) +
+                   PairElement("2", "<PERCENTAGE>43</PERCENTAGE><HANDICAP>3</HANDICAP>", others)) +
+      line;
   const Event event = ReadUsebio(File(inside), "week.xml")[0];
   EXPECT_DOUBLE_EQ(*event.contestants[0].actualPercentage, 60.0);
   EXPECT_DOUBLE_EQ(*event.contestants[1].actualPercentage, 40.0);
@@ -120,55 +124,62 @@ TEST(UsebioReader, TellsTwoEventsOfOneNameAndDayApart) {
 }
 
 TEST(UsebioReader, StoresTheResultOfAPairOfThreeForTheFirstTwoAndSaysSo) {
-  const std::string three = Player("Ann Lee") + Player("Bob Ray") + Player("Cat Fox");
-  const Event event = ReadUsebio(File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", three))), "week.xml")[0];
+  const std::string three = PlayerElement("Ann Lee") + PlayerElement("Bob Ray") + PlayerElement("Cat Fox");
+  const Event event =
+      ReadUsebio(File(Participants(PairElement("1", "<PERCENTAGE>50</PERCENTAGE>", three))), "week.xml")[0];
   ASSERT_EQ(event.remarks.size(), 1U);
   EXPECT_THAT(event.remarks[0], HasSubstr("first two, Ann Lee and Bob Ray"));
 }
 
 TEST(UsebioReader, RefusesAFileInPlainWordsThatNameTheLine) {
-  const std::string noPercentage = Pair("3", "<PLACE>3</PLACE>", Player("Eve Poe") + Player("Fay Ash"));
-  const std::string tooMuch = Pair("3", "<PERCENTAGE>140.00</PERCENTAGE>", Player("Eve Poe") + Player("Fay Ash"));
-  const std::string comma = Pair("3", "<PERCENTAGE>52,38</PERCENTAGE>", Player("Eve Poe") + Player("Fay Ash"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst + noPercentage))), HasSubstr("week.xml:11: number 3 has no PERCENTAGE"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst + tooMuch))),
+  const std::string noPercentage =
+      PairElement("3", "<PLACE>3</PLACE>", PlayerElement("Eve Poe") + PlayerElement("Fay Ash"));
+  const std::string tooMuch =
+      PairElement("3", "<PERCENTAGE>140.00</PERCENTAGE>", PlayerElement("Eve Poe") + PlayerElement("Fay Ash"));
+  const std::string comma =
+      PairElement("3", "<PERCENTAGE>52,38</PERCENTAGE>", PlayerElement("Eve Poe") + PlayerElement("Fay Ash"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst + noPercentage))),
+              HasSubstr("week.xml:11: number 3 has no PERCENTAGE"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst + tooMuch))),
               HasSubstr("week.xml:12: PERCENTAGE is 140.00; expected 0 to 100"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst + comma))), HasSubstr("PERCENTAGE is \"52,38\"; expected a number"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst + kFirst))), HasSubstr("number 1 is given to two contestants"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst), "PAIRS", "2024-13-40")), HasSubstr("DATE is \"2024-13-40\""));
-  EXPECT_THAT(Refusal(File("")), HasSubstr("lists nobody"));
-  EXPECT_THAT(Refusal("<RESULTS/>"), HasSubstr("the root element is RESULTS; expected USEBIO"));
-  EXPECT_THAT(Refusal(""), HasSubstr("week.xml:1: the file is empty"));
-  EXPECT_THAT(Refusal(File(Participants(kFirst)).substr(0, 120)), HasSubstr("week.xml:"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst + comma))),
+              HasSubstr("PERCENTAGE is \"52,38\"; expected a number"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst + kFirst))), HasSubstr("number 1 is given to two contestants"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst), "PAIRS", "2024-13-40")), HasSubstr("DATE is \"2024-13-40\""));
+  EXPECT_THAT(UsebioRefusal(File("")), HasSubstr("lists nobody"));
+  EXPECT_THAT(UsebioRefusal("<RESULTS/>"), HasSubstr("the root element is RESULTS; expected USEBIO"));
+  EXPECT_THAT(UsebioRefusal(""), HasSubstr("week.xml:1: the file is empty"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst)).substr(0, 120)), HasSubstr("week.xml:"));
 }
 
 TEST(UsebioReader, RefusesTravellersOfPairsThatAreNotListed) {
   const std::string line =
       "<BOARD><TRAVELLER_LINE><NS_PAIR_NUMBER>1</NS_PAIR_NUMBER><EW_PAIR_NUMBER>7</EW_PAIR_NUMBER></TRAVELLER_LINE></"
       "BOARD>";
-  EXPECT_THAT(Refusal(File(Participants(kFirst + kSecond) + line)), HasSubstr("names pair 7 sitting EW"));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst + kSecond) + line)), HasSubstr("names pair 7 sitting EW"));
 }
 
 TEST(UsebioReader, RefusesBytesThatAreNotInTheDeclaredEncoding) {
   const std::string text =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + File(Participants(kFirst + "<!-- \xEB -->"));
-  EXPECT_THAT(Refusal(text), HasSubstr("says that it is UTF-8"));
+  EXPECT_THAT(UsebioRefusal(text), HasSubstr("says that it is UTF-8"));
 }
 
 TEST(UsebioReader, SaysWhichEncodingIsClaimedAndWhatTheBytesAreInstead) {
   const std::string file = File(Participants(kFirst));
   const auto declared = [&](const std::string& name) {
-    return Refusal("<?xml version=\"1.0\" encoding=\"" + name + "\"?>\n" + file);
+    return UsebioRefusal("<?xml version=\"1.0\" encoding=\"" + name + "\"?>\n" + file);
   };
   EXPECT_THAT(declared("utf-16"),
               HasSubstr("week.xml:1: the file says that it is UTF-16, but its characters are of one"));
   EXPECT_THAT(declared("UTF-16LE"), HasSubstr("the file says that it is UTF-16LE"));
   EXPECT_THAT(declared("koi8-r"), HasSubstr("the encoding \"koi8-r\" is not read here"));
-  EXPECT_THAT(Refusal("<?xml version=\"1.0\" encoding=\"us-ascii\"?>\n<!-- \xEB -->" + file),
+  EXPECT_THAT(UsebioRefusal("<?xml version=\"1.0\" encoding=\"us-ascii\"?>\n<!-- \xEB -->" + file),
               HasSubstr("week.xml:2: the file says that it is US-ASCII, but a byte here is not"));
-  EXPECT_THAT(Refusal("\xEF\xBB\xBF<!-- \xEB -->" + file), HasSubstr("says by its byte-order mark that it is UTF-8"));
-  EXPECT_THAT(Refusal(std::string("\xFF\xFE\0\0<\0\0\0", 8)), HasSubstr("the file is UTF-32"));
-  EXPECT_THAT(Refusal("\xFF\xFE<"), HasSubstr("ends in the middle of a character"));
+  EXPECT_THAT(UsebioRefusal("\xEF\xBB\xBF<!-- \xEB -->" + file),
+              HasSubstr("says by its byte-order mark that it is UTF-8"));
+  EXPECT_THAT(UsebioRefusal(std::string("\xFF\xFE\0\0<\0\0\0", 8)), HasSubstr("the file is UTF-32"));
+  EXPECT_THAT(UsebioRefusal("\xFF\xFE<"), HasSubstr("ends in the middle of a character"));
 }
 
 TEST(UsebioReader, ReadsUtf16WithoutAByteOrderMark) {
@@ -184,9 +195,9 @@ TEST(UsebioReader, ReadsUtf16WithoutAByteOrderMark) {
 }
 
 TEST(UsebioReader, TakesPercentagesOfAnyLength) {
-  const std::string players = Player("Ann Lee") + Player("Bob Ray");
+  const std::string players = PlayerElement("Ann Lee") + PlayerElement("Bob Ray");
   const auto percentage = [&](const std::string& written) {
-    return *ReadUsebio(File(Participants(Pair("1", "<PERCENTAGE>" + written + "</PERCENTAGE>", players))),
+    return *ReadUsebio(File(Participants(PairElement("1", "<PERCENTAGE>" + written + "</PERCENTAGE>", players))),
                        "week.xml")[0]
                 .contestants[0]
                 .actualPercentage;
@@ -194,13 +205,14 @@ TEST(UsebioReader, TakesPercentagesOfAnyLength) {
   EXPECT_DOUBLE_EQ(percentage("52.380952380952380952380952"), 52.380952380952381);
   EXPECT_DOUBLE_EQ(percentage("33." + std::string(500, '3')), 100.0 / 3.0);
   EXPECT_DOUBLE_EQ(percentage(std::string(400, '0') + "50"), 50.0);
-  EXPECT_THAT(Refusal(File(Participants(Pair("1", "<PERCENTAGE>" + std::string(400, '9') + "</PERCENTAGE>", players)))),
+  EXPECT_THAT(UsebioRefusal(File(
+                  Participants(PairElement("1", "<PERCENTAGE>" + std::string(400, '9') + "</PERCENTAGE>", players)))),
               HasSubstr("expected a number"));
 }
 
 TEST(UsebioReader, RefusesEventTypesThatItDoesNotKnow) {
-  EXPECT_THAT(Refusal(File(Participants(kFirst), "CHESS")), HasSubstr("EVENT_TYPE is \"CHESS\""));
-  EXPECT_THAT(Refusal(File(Participants(kFirst), "MP_PAIRS_X")), HasSubstr("EVENT_TYPE is \"MP_PAIRS_X\""));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst), "CHESS")), HasSubstr("EVENT_TYPE is \"CHESS\""));
+  EXPECT_THAT(UsebioRefusal(File(Participants(kFirst), "MP_PAIRS_X")), HasSubstr("EVENT_TYPE is \"MP_PAIRS_X\""));
   for (const char* known : {"", "pairs", "MP_PAIRS", "SWISS_PAIRS_CROSS_IMPS", "BUTLER_IMPS", "AGGREGATE"}) {
     EXPECT_EQ(ReadUsebio(File(Participants(kFirst), known), "week.xml")[0].kind, Event::Kind::Pairs) << known;
   }
@@ -208,25 +220,27 @@ TEST(UsebioReader, RefusesEventTypesThatItDoesNotKnow) {
 
 TEST(UsebioReader, RefusesControlCharacters) {
   const auto named = [](const std::string& name) {
-    return File(Participants(Pair("1", "<PERCENTAGE>50</PERCENTAGE>", Player(name) + Player("Bob Ray"))));
+    return File(
+        Participants(PairElement("1", "<PERCENTAGE>50</PERCENTAGE>", PlayerElement(name) + PlayerElement("Bob Ray"))));
   };
-  EXPECT_THAT(Refusal(named("Ann\x1b[31m Lee")), HasSubstr("the control character 0x1b"));
-  EXPECT_THAT(Refusal(named("Ann &#7;Lee")), HasSubstr("the control character 0x07"));
-  EXPECT_THAT(Refusal(named("Ann\xC2\x9bLee")), HasSubstr("the control character 0x9b"));
-  EXPECT_THAT(Refusal(named("Ann\x7fLee")), HasSubstr("the control character 0x7f"));
-  EXPECT_THAT(Refusal("<USEBIO>\n<EVENT EVENT_TYPE=\"PA&#27;IRS\"/></USEBIO>"), HasSubstr("week.xml:2: the control"));
+  EXPECT_THAT(UsebioRefusal(named("Ann\x1b[31m Lee")), HasSubstr("the control character 0x1b"));
+  EXPECT_THAT(UsebioRefusal(named("Ann &#7;Lee")), HasSubstr("the control character 0x07"));
+  EXPECT_THAT(UsebioRefusal(named("Ann\xC2\x9bLee")), HasSubstr("the control character 0x9b"));
+  EXPECT_THAT(UsebioRefusal(named("Ann\x7fLee")), HasSubstr("the control character 0x7f"));
+  EXPECT_THAT(UsebioRefusal("<USEBIO>\n<EVENT EVENT_TYPE=\"PA&#27;IRS\"/></USEBIO>"),
+              HasSubstr("week.xml:2: the control"));
   EXPECT_EQ(ReadUsebio(named("Ann\tLee\r\n"), "week.xml")[0].contestants[0].players[0].name, "Ann Lee");
 }
 
 TEST(UsebioReader, RefusesEntitiesWithoutExpandingOrOpeningThem) {
   const std::string text = "<!DOCTYPE USEBIO [<!ENTITY x SYSTEM \"secret.txt\">]>\n" + File(Participants(kFirst));
-  EXPECT_THAT(Refusal(text), HasSubstr("defines entities"));
+  EXPECT_THAT(UsebioRefusal(text), HasSubstr("defines entities"));
 }
 
 TEST(UsebioReader, RefusesElementsThatLieTooDeep) {
   std::string deep;
   for (int i = 0; i < 100000; ++i) deep += "<a>";
-  EXPECT_THAT(Refusal(File(deep)), HasSubstr("more than 64 deep"));
+  EXPECT_THAT(UsebioRefusal(File(deep)), HasSubstr("more than 64 deep"));
 }
 
 TEST(UsebioReader, AnswersOrRefusesWhateverBytesAreChanged) {
@@ -235,9 +249,9 @@ TEST(UsebioReader, AnswersOrRefusesWhateverBytesAreChanged) {
     for (const char byte : {'<', '>', '&', '\0', '\xFF', '/', '"'}) {
       std::string hurt = sound;
       hurt[at] = byte;
-      EXPECT_NO_FATAL_FAILURE(Refusal(hurt));
+      EXPECT_NO_FATAL_FAILURE(UsebioRefusal(hurt));
     }
-    EXPECT_NO_FATAL_FAILURE(Refusal(sound.substr(0, at)));
+    EXPECT_NO_FATAL_FAILURE(UsebioRefusal(sound.substr(0, at)));
   }
 }
 

@@ -10,7 +10,7 @@ namespace {
 
 using ::testing::HasSubstr;
 
-std::string Refusal(const std::string& text) {
+std::string XmlRefusal(const std::string& text) {
   try {
     ParseXml(text, "week.xml");
   } catch (const Error& error) {
@@ -54,36 +54,36 @@ TEST(XmlParser, JoinsTheTextAroundCommentsAndTakesMarkedTextAsItIs) {
 
 TEST(XmlParser, PassesOverADocumentTypeThatDefinesNoEntity) {
   EXPECT_EQ(ParseXml("<!DOCTYPE a SYSTEM 'a.dtd' [<!ELEMENT a (b)>]>\n<a/>", "f").line, 2U);
-  EXPECT_THAT(Refusal("\n<!DOCTYPE a [\n<!ENTITY x 'y'>]><a/>"), HasSubstr("week.xml:3: the document type defines"));
+  EXPECT_THAT(XmlRefusal("\n<!DOCTYPE a [\n<!ENTITY x 'y'>]><a/>"), HasSubstr("week.xml:3: the document type defines"));
 }
 
 TEST(XmlParser, RefusesWhatIsNotWellFormedAndNamesTheLine) {
-  EXPECT_THAT(Refusal("<a>\n<b>\n</a>"),
+  EXPECT_THAT(XmlRefusal("<a>\n<b>\n</a>"),
               HasSubstr("week.xml:3: not well-formed XML (the end tag a stands where b of line 2 is open)"));
-  EXPECT_THAT(Refusal("<a>\n<b></b>\n"),
+  EXPECT_THAT(XmlRefusal("<a>\n<b></b>\n"),
               HasSubstr("week.xml:3: not well-formed XML (the element a of line 1 has no end"));
-  EXPECT_THAT(Refusal("</a>"), HasSubstr("the end tag a ends nothing"));
-  EXPECT_THAT(Refusal("<a></a"), HasSubstr("the end tag a has no end"));
-  EXPECT_THAT(Refusal("<a"), HasSubstr("the tag a has no end"));
-  EXPECT_THAT(Refusal("<a\n<b/>"), HasSubstr("week.xml:2: not well-formed XML (the tag a has no end"));
-  EXPECT_THAT(Refusal("<a><1/></a>"), HasSubstr("a tag has no name"));
-  EXPECT_THAT(Refusal("<a></>"), HasSubstr("an end tag has no name"));
-  EXPECT_THAT(Refusal("<a x/>"), HasSubstr("the attribute x has no value"));
-  EXPECT_THAT(Refusal("<a x=1/>"), HasSubstr("the attribute x has no value between quotes"));
-  EXPECT_THAT(Refusal("<a x='1/>"), HasSubstr("the value of x has no closing quote"));
-  EXPECT_THAT(Refusal("<a x='1'y='2'/>"), HasSubstr("the tag a has no end"));
-  EXPECT_THAT(Refusal("<a>\n<!-- x</a>"), HasSubstr("week.xml:2: the file ends inside markup; expected -->"));
-  EXPECT_THAT(Refusal("no markup"), HasSubstr("there is no element in it"));
+  EXPECT_THAT(XmlRefusal("</a>"), HasSubstr("the end tag a ends nothing"));
+  EXPECT_THAT(XmlRefusal("<a></a"), HasSubstr("the end tag a has no end"));
+  EXPECT_THAT(XmlRefusal("<a"), HasSubstr("the tag a has no end"));
+  EXPECT_THAT(XmlRefusal("<a\n<b/>"), HasSubstr("week.xml:2: not well-formed XML (the tag a has no end"));
+  EXPECT_THAT(XmlRefusal("<a><1/></a>"), HasSubstr("a tag has no name"));
+  EXPECT_THAT(XmlRefusal("<a></>"), HasSubstr("an end tag has no name"));
+  EXPECT_THAT(XmlRefusal("<a x/>"), HasSubstr("the attribute x has no value"));
+  EXPECT_THAT(XmlRefusal("<a x=1/>"), HasSubstr("the attribute x has no value between quotes"));
+  EXPECT_THAT(XmlRefusal("<a x='1/>"), HasSubstr("the value of x has no closing quote"));
+  EXPECT_THAT(XmlRefusal("<a x='1'y='2'/>"), HasSubstr("the tag a has no end"));
+  EXPECT_THAT(XmlRefusal("<a>\n<!-- x</a>"), HasSubstr("week.xml:2: the file ends inside markup; expected -->"));
+  EXPECT_THAT(XmlRefusal("no markup"), HasSubstr("there is no element in it"));
 }
 
 TEST(XmlParser, RefusesElementsThatAreTooManyOrLieTooDeep) {
   std::string deepest;
   for (std::size_t i = 0; i < kMaximumElementDepth; ++i) deepest = "<a>" + deepest + "</a>";
-  EXPECT_EQ(Refusal(deepest), "it was read");
-  EXPECT_THAT(Refusal("<a>" + deepest + "</a>"), HasSubstr("more than 64 deep"));
+  EXPECT_EQ(XmlRefusal(deepest), "it was read");
+  EXPECT_THAT(XmlRefusal("<a>" + deepest + "</a>"), HasSubstr("more than 64 deep"));
   std::string many = "<a>";
   for (std::size_t i = 0; i < kMaximumElements; ++i) many += "<b/>";
-  EXPECT_THAT(Refusal(many + "</a>"), HasSubstr("more than 1000000 elements"));
+  EXPECT_THAT(XmlRefusal(many + "</a>"), HasSubstr("more than 1000000 elements"));
 }
 
 }  // namespace

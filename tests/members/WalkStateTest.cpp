@@ -1,15 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "facade/support/Club.h"
+#include "names/NameFormats.h"
 
 namespace tavi {
 namespace {
 
 using testing::Club;
 using Texts = std::vector<std::string>;
-
-constexpr std::int16_t kFirstAndLastName = 5;
-constexpr std::int16_t kSurnameFirst = 10;
 
 /// What walks keep between calls, and what their beginnings and ends do to the file, in a club of three members and the
 /// pairs 1-2 and 1-3.
@@ -24,13 +22,14 @@ class WalkStateTest : public ::testing::Test {
   }
   ~WalkStateTest() override { club_->CloseDatabase(); }
 
-  bool FirstMember() { return club_->GetFirstMember(number_, name_, par_, kFirstAndLastName); }
-  bool NextMember() { return club_->GetNextMember(number_, name_, par_, kFirstAndLastName); }
-  bool FirstPair(std::int16_t format = kFirstAndLastName) {
+  bool FirstMember() { return club_->GetFirstMember(number_, name_, par_, name_format::kFirstAndLast); }
+  bool NextMember() { return club_->GetNextMember(number_, name_, par_, name_format::kFirstAndLast); }
+  bool FirstPair(std::int16_t format = name_format::kFirstAndLast) {
     return club_->GetFirstPartnership(number_, name_, second_, secondName_, pair_, alternate_, par_, format);
   }
   bool NextPair() {
-    return club_->GetNextPartnership(number_, name_, second_, secondName_, pair_, alternate_, par_, kFirstAndLastName);
+    return club_->GetNextPartnership(number_, name_, second_, secondName_, pair_, alternate_, par_,
+                                     name_format::kFirstAndLast);
   }
   /// The higher numbers of the pairs of a whole walk.
   std::vector<std::int32_t> WalkPairs() {
@@ -67,7 +66,7 @@ TEST_F(WalkStateTest, AWalkWithoutRowsHasEndedAtOnce) {
   EXPECT_EQ(club_.OpenCount(), 0);
   EXPECT_FALSE(FirstPair());
   EXPECT_EQ(club_.OpenCount(), 0);
-  EXPECT_FALSE(club_->GetFirstEBURecord(name_, secondName_, kFirstAndLastName));
+  EXPECT_FALSE(club_->GetFirstEBURecord(name_, secondName_, name_format::kFirstAndLast));
   EXPECT_EQ(club_.OpenCount(), 0);
   EXPECT_FALSE(NextMember());
 }
@@ -178,7 +177,7 @@ TEST_F(WalkStateTest, NobodyIsRetiredAnyMoreAfterTheEndOfAWalkAndInAnotherWalk) 
   ASSERT_TRUE(FirstPair());
   EXPECT_FALSE(club_->Retired()) << "a walk of the pairs has begun";
   walkToTheRetiredMember();
-  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, kFirstAndLastName));
+  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, name_format::kFirstAndLast));
   EXPECT_FALSE(club_->Retired()) << "a walk of the governing body's list has begun";
   walkToTheRetiredMember();
   club_.Execute("Delete From Partnerships");
@@ -218,7 +217,7 @@ TEST_F(WalkStateTest, APairsOwnNameHasNoOtherOrder) {
   EXPECT_EQ(pair_, "The Smiths");
   EXPECT_EQ(alternate_, "");
   EXPECT_EQ(name_, "John Smith") << "the players keep theirs";
-  ASSERT_TRUE(FirstPair(kSurnameFirst));
+  ASSERT_TRUE(FirstPair(name_format::kSurnameFirst));
   EXPECT_EQ(pair_, "Smith, John & Jane");
   EXPECT_EQ(alternate_, "Smith, Jane & John");
 }
@@ -234,7 +233,7 @@ TEST_F(WalkStateTest, ANullInTheGoverningBodysListIsAnErrorAndTheWalkStaysThere)
     }
     EXPECT_EQ(club_.OpenCount(), 1);
   };
-  expectError([this] { static_cast<void>(club_->GetFirstEBURecord(name_, secondName_, kFirstAndLastName)); });
+  expectError([this] { static_cast<void>(club_->GetFirstEBURecord(name_, secondName_, name_format::kFirstAndLast)); });
   expectError([this] { static_cast<void>(club_->GetNextEBURecord(name_, secondName_, "5")); });
   EXPECT_EQ(secondName_, "second");
   club_->EndGet();
@@ -243,7 +242,7 @@ TEST_F(WalkStateTest, ANullInTheGoverningBodysListIsAnErrorAndTheWalkStaysThere)
 
 TEST_F(WalkStateTest, TheWalkOfTheListGivesTextsAsTheyStandWhileTheSearchUndoesEscapes) {
   AddToEBUList("(1, 'Jo%phn', 'Smith', 'SX', '50%p')");
-  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, kSurnameFirst));
+  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, name_format::kSurnameFirst));
   EXPECT_EQ(secondName_, "Smith, Jo%phn");
   club_->EndGet();
   const std::vector<EBUMembershipDetails> found = club_->SearchEBUList("", "Smith");
@@ -256,7 +255,7 @@ TEST_F(WalkStateTest, TheFormatOfTheListIsANumberHoweverItIsWritten) {
   for (const char* format : {"10", " 10 ", "10.0", "1e1"}) {
     AddToEBUList("(1, 'Ann', 'Lee', 'SX', '')");
     AddToEBUList("(2, 'John', 'Smith', 'SX', '')");
-    ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, kFirstAndLastName));
+    ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, name_format::kFirstAndLast));
     EXPECT_EQ(secondName_, "Ann Lee");
     ASSERT_TRUE(club_->GetNextEBURecord(name_, secondName_, format));
     EXPECT_EQ(secondName_, "Smith, John") << format;

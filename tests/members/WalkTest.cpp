@@ -1,15 +1,13 @@
 #include <gtest/gtest.h>
 
 #include "facade/support/Club.h"
+#include "names/NameFormats.h"
 
 namespace tavi {
 namespace {
 
 using testing::Club;
 using Texts = std::vector<std::string>;
-
-constexpr std::int16_t kFirstAndLastName = 5;
-constexpr std::int16_t kSurnameFirst = 10;
 
 /// Walks of a club with three members and two pairs, through the public class.
 class WalkTest : public ::testing::Test {
@@ -22,7 +20,7 @@ class WalkTest : public ::testing::Test {
     club_->AddRegularPair(1, 3);
   }
 
-  Texts WalkMembers(std::int16_t format = kFirstAndLastName) {
+  Texts WalkMembers(std::int16_t format = name_format::kFirstAndLast) {
     Texts seen;
     for (bool more = club_->GetFirstMember(number_, name_, par_, format); more;
          more = club_->GetNextMember(number_, name_, par_, format)) {
@@ -34,9 +32,9 @@ class WalkTest : public ::testing::Test {
   Texts WalkPairs() {
     Texts seen;
     for (bool more = club_->GetFirstPartnership(number_, name_, second_, secondName_, pair_, alternate_, par_,
-                                                kFirstAndLastName);
+                                                name_format::kFirstAndLast);
          more; more = club_->GetNextPartnership(number_, name_, second_, secondName_, pair_, alternate_, par_,
-                                                kFirstAndLastName)) {
+                                                name_format::kFirstAndLast)) {
       seen.push_back(name_ + " | " + secondName_ + " | " + pair_ + " | " + alternate_);
     }
     return seen;
@@ -56,7 +54,7 @@ TEST_F(WalkTest, GivesTheActiveMembersAndEndsOnce) {
   club_->DeleteMember(2);
   EXPECT_EQ(WalkMembers(), (Texts{"1 John Smith", "3 Bob Dale"}));
   EXPECT_EQ(club_.OpenCount(), 0);
-  EXPECT_FALSE(club_->GetNextMember(number_, name_, par_, kFirstAndLastName));
+  EXPECT_FALSE(club_->GetNextMember(number_, name_, par_, name_format::kFirstAndLast));
 }
 
 TEST_F(WalkTest, GivesInactiveMembersTooWhenAskedTo) {
@@ -66,7 +64,7 @@ TEST_F(WalkTest, GivesInactiveMembersTooWhenAskedTo) {
 }
 
 TEST_F(WalkTest, PassesBackTheHandicap) {
-  ASSERT_TRUE(club_->GetFirstMember(number_, name_, par_, kSurnameFirst));
+  ASSERT_TRUE(club_->GetFirstMember(number_, name_, par_, name_format::kSurnameFirst));
   EXPECT_EQ(par_, 46.0);
   EXPECT_EQ(name_, "Smith, John");
   club_->EndGet();
@@ -105,15 +103,15 @@ TEST_F(WalkTest, RetiresPairsOfNumbersThatNeedMoreThanSixteenBits) {
 }
 
 TEST_F(WalkTest, AnotherWalkEndsTheOneBefore) {
-  ASSERT_TRUE(club_->GetFirstMember(number_, name_, par_, kFirstAndLastName));
+  ASSERT_TRUE(club_->GetFirstMember(number_, name_, par_, name_format::kFirstAndLast));
   EXPECT_EQ(WalkPairs().size(), 2U);
-  EXPECT_FALSE(club_->GetNextMember(number_, name_, par_, kFirstAndLastName));
+  EXPECT_FALSE(club_->GetNextMember(number_, name_, par_, name_format::kFirstAndLast));
 }
 
 TEST_F(WalkTest, EndGetClosesTheFileHoweverOftenItWasOpened) {
   club_->OpenDatabase();
   club_->OpenDatabase();
-  ASSERT_TRUE(club_->GetFirstMember(number_, name_, par_, kFirstAndLastName));
+  ASSERT_TRUE(club_->GetFirstMember(number_, name_, par_, name_format::kFirstAndLast));
   club_->EndGet();
   EXPECT_EQ(club_.OpenCount(), 0);
 }
@@ -121,7 +119,7 @@ TEST_F(WalkTest, EndGetClosesTheFileHoweverOftenItWasOpened) {
 TEST_F(WalkTest, OfTheGoverningBodysListGivesNamesInTwoForms) {
   EXPECT_FALSE(club_->GetFirstEBURecord(name_, secondName_, 5)) << "the list is empty";
   club_.Execute("Insert into EBUMembershipList (EBUNumber, FirstName, LastName) Values (77, 'John', 'Smith')");
-  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, kSurnameFirst));
+  ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, name_format::kSurnameFirst));
   EXPECT_EQ(name_, "77");
   EXPECT_EQ(secondName_, "Smith, John");
   ASSERT_TRUE(club_->GetFirstEBURecord(name_, secondName_, 3));

@@ -8,13 +8,13 @@
 namespace tavi {
 namespace {
 
-using Pair = std::pair<const char*, const char*>;
+using TwoTexts = std::pair<const char*, const char*>;
 
-void ExpectSame(std::string (*key)(std::string_view), std::initializer_list<Pair> pairs) {
+void ExpectSame(std::string (*key)(std::string_view), std::initializer_list<TwoTexts> pairs) {
   for (const auto& [left, right] : pairs) EXPECT_EQ(key(left), key(right)) << left << " / " << right;
 }
 
-void ExpectDifferent(std::string (*key)(std::string_view), std::initializer_list<Pair> pairs) {
+void ExpectDifferent(std::string (*key)(std::string_view), std::initializer_list<TwoTexts> pairs) {
   for (const auto& [left, right] : pairs) EXPECT_NE(key(left), key(right)) << left << " / " << right;
 }
 

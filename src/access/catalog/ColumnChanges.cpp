@@ -17,10 +17,6 @@ namespace tavi::access {
 
 namespace {
 
-bool IsText(ColumnType type) {
-  return type == ColumnType::Text || type == ColumnType::Memo;
-}
-
 const ColumnDefinition* FindSame(const TableDefinition& definition, std::string_view name) {
   const auto found = std::ranges::find_if(definition.columns,
                                           [&](const ColumnDefinition& column) { return SameName(column.name, name); });

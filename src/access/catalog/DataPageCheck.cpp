@@ -6,7 +6,7 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::data;
+namespace data_layout = format::data;
 
 }  // namespace
 
@@ -17,33 +17,33 @@ std::vector<RowEntry> CheckDataPage(const Page& page, std::uint32_t owner, const
     report.Add(where + " has type " + std::to_string(type) + " instead of that of a data page.");
     return {};
   }
-  if (page.U32(layout::kOwnerOffset) != owner) {
-    report.Add(where + " names the owner " + std::to_string(page.U32(layout::kOwnerOffset)) + " instead of " +
+  if (page.U32(data_layout::kOwnerOffset) != owner) {
+    report.Add(where + " names the owner " + std::to_string(page.U32(data_layout::kOwnerOffset)) + " instead of " +
                std::to_string(owner) + ".");
     return {};
   }
-  const std::size_t count = page.U16(layout::kRowCountOffset);
-  const std::size_t directoryEnd = layout::kRowDirectoryOffset + count * layout::kRowEntrySize;
-  if (count > layout::kMaximumRowCount) {
+  const std::size_t count = page.U16(data_layout::kRowCountOffset);
+  const std::size_t directoryEnd = data_layout::kRowDirectoryOffset + count * data_layout::kRowEntrySize;
+  if (count > data_layout::kMaximumRowCount) {
     report.Add(where + " has " + std::to_string(count) + " rows; 255 are the most.");
     return {};
   }
   std::vector<RowEntry> entries;
   std::size_t end = kPageSize;
   for (std::size_t row = 0; row < count; ++row) {
-    const std::uint16_t stored = page.U16(layout::kRowDirectoryOffset + row * layout::kRowEntrySize);
-    const std::size_t offset = stored & layout::kRowOffsetMask;
-    if ((stored & ~(layout::kRowOffsetMask | layout::kRowFlagsMask)) != 0)
+    const std::uint16_t stored = page.U16(data_layout::kRowDirectoryOffset + row * data_layout::kRowEntrySize);
+    const std::size_t offset = stored & data_layout::kRowOffsetMask;
+    if ((stored & ~(data_layout::kRowOffsetMask | data_layout::kRowFlagsMask)) != 0)
       report.Add(where + ": row " + std::to_string(row) + " has an unknown flag in its directory entry.");
     if (offset > end || offset < directoryEnd) {
       report.Add(where + ": row " + std::to_string(row) + " begins at byte " + std::to_string(offset) +
                  ", which is not between " + std::to_string(directoryEnd) + " and " + std::to_string(end) + ".");
       return {};
     }
-    entries.push_back({offset, end - offset, static_cast<std::uint16_t>(stored & layout::kRowFlagsMask)});
+    entries.push_back({offset, end - offset, static_cast<std::uint16_t>(stored & data_layout::kRowFlagsMask)});
     end = offset;
   }
-  const std::size_t freeBytes = page.U16(layout::kFreeBytesOffset);
+  const std::size_t freeBytes = page.U16(data_layout::kFreeBytesOffset);
   if (freeBytes != end - directoryEnd)
     report.Add(where + " counts " + std::to_string(freeBytes) + " free bytes; there are " +
                std::to_string(end - directoryEnd) + ".");

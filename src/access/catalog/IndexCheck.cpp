@@ -9,10 +9,6 @@ namespace tavi::access {
 
 namespace {
 
-std::string NameOf(RowPointer row) {
-  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
-}
-
 /// One index of a table, while it is checked.
 class IndexCheck {
  public:

@@ -33,7 +33,7 @@ std::string Escaped(char32_t character) {
   return escaped;
 }
 
-std::string Quoted(std::string_view text) {
+std::string JsonString(std::string_view text) {
   std::string quoted = "\"";
   for (const char32_t character : ToCodePoints(text)) quoted += Escaped(character);
   return quoted + "\"";
@@ -48,7 +48,7 @@ std::size_t LengthOf(const std::string& text) {
 }  // namespace
 
 JsonTree JsonTree::Text(std::string_view text) {
-  return {Kind::Scalar, Quoted(text)};
+  return {Kind::Scalar, JsonString(text)};
 }
 
 JsonTree JsonTree::Texts(const std::vector<std::string>& texts) {
@@ -58,7 +58,7 @@ JsonTree JsonTree::Texts(const std::vector<std::string>& texts) {
 }
 
 JsonTree& JsonTree::Set(std::string_view name, JsonTree value) {
-  children_.emplace_back(Quoted(name) + ": ", std::move(value));
+  children_.emplace_back(JsonString(name) + ": ", std::move(value));
   return *this;
 }
 

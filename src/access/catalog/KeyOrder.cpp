@@ -10,10 +10,6 @@ namespace {
 
 constexpr std::size_t kEntriesPerSample = 64;
 
-bool IsText(ColumnType type) {
-  return type == ColumnType::Text || type == ColumnType::Memo;
-}
-
 bool ColumnCanDiffer(const Table& table, const Index& index, std::size_t part) {
   const ColumnType type = table.Columns()[index.columns[part]].definition.type;
   return IsText(type) || (type == ColumnType::Numeric && !index.ascending[part]);

@@ -8,11 +8,7 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::long_value;
-
-std::string NameOf(RowPointer row) {
-  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
-}
+namespace long_value = format::long_value;
 
 }  // namespace
 
@@ -59,21 +55,21 @@ LongValueCheck::Part* LongValueCheck::Take(RowPointer place, const std::string& 
 
 void LongValueCheck::Use(std::span<const std::uint8_t> descriptor, RowPointer row) {
   const std::string value = "The value of " + where_ + " in " + NameOf(row);
-  if (descriptor.size() < layout::kDescriptorSize) {
+  if (descriptor.size() < long_value::kDescriptorSize) {
     report_.Add(value + " has only " + std::to_string(descriptor.size()) + " bytes.");
     return;
   }
-  const auto head = GetLittle<std::uint32_t>(descriptor, layout::kLengthOffset);
-  const std::size_t length = head & layout::kLengthMask;
-  const auto place = RowPointer::FromPacked(GetLittle<std::uint32_t>(descriptor, layout::kPointerOffset));
-  switch (head & layout::kFormMask) {
-    case layout::kFormInline:
-      if (length > descriptor.size() - layout::kDescriptorSize) report_.Add(value + " is cut off.");
+  const auto head = GetLittle<std::uint32_t>(descriptor, long_value::kLengthOffset);
+  const std::size_t length = head & long_value::kLengthMask;
+  const auto place = RowPointer::FromPacked(GetLittle<std::uint32_t>(descriptor, long_value::kPointerOffset));
+  switch (head & long_value::kFormMask) {
+    case long_value::kFormInline:
+      if (length > descriptor.size() - long_value::kDescriptorSize) report_.Add(value + " is cut off.");
       break;
-    case layout::kFormSingle:
+    case long_value::kFormSingle:
       UseSingle(place, length, value);
       break;
-    case layout::kFormChain:
+    case long_value::kFormChain:
       UseChain(place, length, value);
       break;
     default:
@@ -92,14 +88,14 @@ void LongValueCheck::UseChain(RowPointer place, std::size_t length, const std::s
   while (!place.IsNone()) {
     const Part* part = Take(place, value);
     if (part == nullptr) return;
-    if (part->length < layout::kChainPointerSize) {
+    if (part->length < long_value::kChainPointerSize) {
       report_.Add(value + " has a part without a link.");
       return;
     }
     if (freeSpacePages_.contains(place.page))
       report_.Leftover(value + " has a part on page " + std::to_string(place.page) +
                        ", which is offered for other values.");
-    found += part->length - layout::kChainPointerSize;
+    found += part->length - long_value::kChainPointerSize;
     place = RowPointer::FromPacked(pager_.Read(place.page)->U32(part->offset));
   }
   if (found != length)

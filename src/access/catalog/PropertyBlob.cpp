@@ -17,7 +17,7 @@ namespace tavi::access {
 //     09 00 01 01 00 00 01 00 01                             9 bytes, ddl flag, type 1, name 0, 1 data byte: True
 namespace {
 
-namespace layout = format::property;
+namespace property_layout = format::property;
 
 constexpr std::size_t kMaximumDataSize = 64000;
 
@@ -98,7 +98,7 @@ void AppendName(Bytes& out, std::string_view name) {
 }
 
 void AppendChunk(Bytes& out, std::uint16_t kind, const Bytes& body) {
-  AppendU32(out, layout::kChunkHeaderSize + body.size());
+  AppendU32(out, property_layout::kChunkHeaderSize + body.size());
   AppendU16(out, kind);
   out.insert(out.end(), body.begin(), body.end());
 }
@@ -111,8 +111,8 @@ std::string ReadName(Reader& reader, bool wide, const char* what) {
 /// A value: u16 length, u8 ddl flag, u8 type, u16 name number, u16 data length, data.
 Property ReadProperty(Reader& chunk, const std::vector<std::string>& names) {
   const std::size_t length = chunk.U16("length of a value");
-  if (length < layout::kValueDataOffset) chunk.Fail("value", "has only " + std::to_string(length) + " bytes");
-  Reader value = chunk.Part(length - layout::kNameLengthSize, "value");
+  if (length < property_layout::kValueDataOffset) chunk.Fail("value", "has only " + std::to_string(length) + " bytes");
+  Reader value = chunk.Part(length - property_layout::kNameLengthSize, "value");
   Property property;
   property.flags = value.U8("flags of a value");
   property.type = static_cast<ColumnType>(value.U8("type of a value"));
@@ -131,28 +131,29 @@ Property ReadProperty(Reader& chunk, const std::vector<std::string>& names) {
 PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
   PropertyBlob blob;
   Reader reader(bytes, 0);
-  const auto magic = reader.Take(layout::kMagic.size(), "mark");
-  const bool wide = std::ranges::equal(magic, layout::kMagic);
+  const auto magic = reader.Take(property_layout::kMagic.size(), "mark");
+  const bool wide = std::ranges::equal(magic, property_layout::kMagic);
   blob.wide_ = wide;
   if (!wide && !std::ranges::equal(magic, format::jet3::property::kMagic)) reader.Fail("mark", "is unknown");
   while (!reader.AtEnd()) {
     const std::size_t length = reader.U32("length of a chunk");
-    if (length < layout::kChunkHeaderSize) reader.Fail("chunk", "has only " + std::to_string(length) + " bytes");
+    if (length < property_layout::kChunkHeaderSize)
+      reader.Fail("chunk", "has only " + std::to_string(length) + " bytes");
     const std::uint16_t kind = reader.U16("kind of a chunk");
-    Reader chunk = reader.Part(length - layout::kChunkHeaderSize, "chunk");
-    if (kind == layout::kChunkNames) {
+    Reader chunk = reader.Part(length - property_layout::kChunkHeaderSize, "chunk");
+    if (kind == property_layout::kChunkNames) {
       while (!chunk.AtEnd()) blob.names_.push_back(ReadName(chunk, wide, "name of a property"));
       continue;
     }
     Group group;
     group.kind = kind;
-    if (kind != layout::kChunkObject && kind != layout::kChunkColumn) {
+    if (kind != property_layout::kChunkObject && kind != property_layout::kChunkColumn) {
       const auto rest = chunk.Rest();
       group.unknown.assign(rest.begin(), rest.end());
     } else {
       const std::size_t namePart = chunk.U32("length of a chunk's name");
-      if (namePart < layout::kNamePartLengthSize) chunk.Fail("name of a chunk", "has no bytes");
-      Reader name = chunk.Part(namePart - layout::kNamePartLengthSize, "name of a chunk");
+      if (namePart < property_layout::kNamePartLengthSize) chunk.Fail("name of a chunk", "has no bytes");
+      Reader name = chunk.Part(namePart - property_layout::kNamePartLengthSize, "name of a chunk");
       group.name = ReadName(name, wide, "name of a chunk");
       while (!chunk.AtEnd()) group.properties.push_back(ReadProperty(chunk, blob.names_));
     }
@@ -162,17 +163,18 @@ PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
 }
 
 Bytes PropertyBlob::Serialize() const {
-  Bytes out(layout::kMagic.begin(), layout::kMagic.end());
+  Bytes out(property_layout::kMagic.begin(), property_layout::kMagic.end());
   Bytes names;
   for (const std::string& name : names_) AppendName(names, name);
-  AppendChunk(out, layout::kChunkNames, names);
+  AppendChunk(out, property_layout::kChunkNames, names);
   for (const Group& group : groups_) {
     Bytes body = group.unknown;
-    if (group.kind == layout::kChunkObject || group.kind == layout::kChunkColumn) {
-      AppendU32(body, layout::kNamePartLengthSize + layout::kNameLengthSize + EncodeText(group.name).size());
+    if (group.kind == property_layout::kChunkObject || group.kind == property_layout::kChunkColumn) {
+      AppendU32(body, property_layout::kNamePartLengthSize + property_layout::kNameLengthSize +
+                          EncodeText(group.name).size());
       AppendName(body, group.name);
       for (const Property& property : group.properties) {
-        AppendU16(body, layout::kValueDataOffset + property.data.size());
+        AppendU16(body, property_layout::kValueDataOffset + property.data.size());
         body.push_back(property.flags);
         body.push_back(static_cast<std::uint8_t>(property.type));
         const auto name = std::ranges::find(names_, property.name);
@@ -188,7 +190,7 @@ Bytes PropertyBlob::Serialize() const {
 
 const Property* PropertyBlob::Find(std::string_view column, std::string_view name) const {
   for (const Group& group : groups_) {
-    if (group.kind != layout::kChunkColumn || !EqualIgnoringCase(group.name, column)) continue;
+    if (group.kind != property_layout::kChunkColumn || !EqualIgnoringCase(group.name, column)) continue;
     for (const Property& property : group.properties)
       if (EqualIgnoringCase(property.name, name)) return &property;
   }
@@ -230,10 +232,10 @@ void PropertyBlob::Set(std::string_view column, Property property) {
     names_.push_back(property.name);
   }
   auto group = std::ranges::find_if(groups_, [&](const Group& candidate) {
-    return candidate.kind == layout::kChunkColumn && EqualIgnoringCase(candidate.name, column);
+    return candidate.kind == property_layout::kChunkColumn && EqualIgnoringCase(candidate.name, column);
   });
   if (group == groups_.end()) {
-    groups_.push_back({layout::kChunkColumn, std::string(column), {}, {}});
+    groups_.push_back({property_layout::kChunkColumn, std::string(column), {}, {}});
     group = std::prev(groups_.end());
   }
   for (Property& existing : group->properties) {
@@ -248,7 +250,7 @@ void PropertyBlob::Set(std::string_view column, Property property) {
 
 void PropertyBlob::RemoveColumn(std::string_view column) {
   std::erase_if(groups_, [&](const Group& group) {
-    return group.kind == layout::kChunkColumn && EqualIgnoringCase(group.name, column);
+    return group.kind == property_layout::kChunkColumn && EqualIgnoringCase(group.name, column);
   });
 }
 

@@ -7,7 +7,7 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::row;
+namespace row_layout = format::row;
 
 /// How many variable columns a table can have had when it had `columnCount` columns. Each column record holds that
 /// number for the time when its column was made.
@@ -25,10 +25,10 @@ std::size_t MostVariablesAt(const TableDefinition& definition, std::size_t colum
 }  // namespace
 
 RowShape::RowShape(std::span<const std::uint8_t> row, const TableDefinition& definition) : row_(row) {
-  if (row.size() < layout::kMinimumSize) RaiseDamage("a row has only " + std::to_string(row.size()) + " bytes.");
-  columnCount_ = Word(layout::kColumnCountOffset);
+  if (row.size() < row_layout::kMinimumSize) RaiseDamage("a row has only " + std::to_string(row.size()) + " bytes.");
+  columnCount_ = Word(row_layout::kColumnCountOffset);
   maskSize_ = (columnCount_ + 7) / 8;
-  fixedStart_ = layout::kFixedAreaOffset;
+  fixedStart_ = row_layout::kFixedAreaOffset;
   if (columnCount_ > definition.columnIdCounter)
     RaiseDamage("a row has " + std::to_string(columnCount_) + " columns, its table only ever had " +
                 std::to_string(definition.columnIdCounter) + ".");
@@ -41,10 +41,10 @@ RowShape::RowShape(std::span<const std::uint8_t> row, const TableDefinition& def
 }
 
 bool RowShape::TakeVariableOffsets(std::size_t mostVariables) {
-  const std::size_t trailer = maskSize_ + layout::kVariableCountSize + layout::kEndOfDataSize;
+  const std::size_t trailer = maskSize_ + row_layout::kVariableCountSize + row_layout::kEndOfDataSize;
   if (fixedStart_ + trailer > row_.size()) return false;
-  variableCount_ = Word(row_.size() - maskSize_ - layout::kVariableCountSize);
-  const std::size_t directory = trailer + variableCount_ * layout::kVariableOffsetSize;
+  variableCount_ = Word(row_.size() - maskSize_ - row_layout::kVariableCountSize);
+  const std::size_t directory = trailer + variableCount_ * row_layout::kVariableOffsetSize;
   if (variableCount_ > mostVariables || fixedStart_ + directory > row_.size()) return false;
   for (std::size_t i = 0; i <= variableCount_; ++i) {
     const std::size_t start = i == 0 ? fixedStart_ : VariableOffset(i - 1);
@@ -60,7 +60,8 @@ std::uint16_t RowShape::Word(std::size_t offset) const {
 
 // The offset behind that of the last column is the end of the data.
 std::size_t RowShape::VariableOffset(std::size_t variableIndex) const {
-  return Word(row_.size() - maskSize_ - layout::kVariableCountSize - (variableIndex + 1) * layout::kVariableOffsetSize);
+  return Word(row_.size() - maskSize_ - row_layout::kVariableCountSize -
+              (variableIndex + 1) * row_layout::kVariableOffsetSize);
 }
 
 }  // namespace tavi::access

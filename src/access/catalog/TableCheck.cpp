@@ -10,14 +10,6 @@
 
 namespace tavi::access {
 
-namespace {
-
-std::string NameOf(RowPointer row) {
-  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
-}
-
-}  // namespace
-
 TableCheck::TableCheck(Pager& pager, Table& table, PageOwners& owners, CheckReport& report)
     : pager_(pager),
       table_(table),

@@ -28,6 +28,9 @@ inline constexpr std::uint8_t kDroppedTableDefinition = 0x08;  // TDEF page whos
 inline constexpr std::uint8_t kReleasedData = 0x09;            // data page that was emptied and released
 }  // namespace page_type
 
+/// Bits of masks and maps.
+inline constexpr std::uint32_t kBitsPerByte = 8;
+
 inline constexpr std::size_t kPageTypeOffset = 0;  // [1] one of page_type
 inline constexpr std::size_t kPageMarkOffset = 1;  // [1] kPageMark on every page but page 0
 inline constexpr std::uint8_t kPageMark = 0x01;

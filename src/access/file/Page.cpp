@@ -49,4 +49,8 @@ void Page::Fill(std::size_t offset, std::size_t length, std::uint8_t value) {
   std::fill_n(bytes_.begin() + static_cast<std::ptrdiff_t>(offset), length, value);
 }
 
+std::string NameOf(RowPointer row) {
+  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
+}
+
 }  // namespace tavi::access

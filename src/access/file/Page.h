@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 
 namespace tavi::access {
 
@@ -86,5 +87,8 @@ struct RowPointer {
     return {packed >> 8U, static_cast<std::uint8_t>(packed & 0xFFU)};
   }
 };
+
+/// "row 3 of page 17", for messages.
+[[nodiscard]] std::string NameOf(RowPointer row);
 
 }  // namespace tavi::access

@@ -19,7 +19,6 @@ namespace usage = format::usage;
 constexpr RowPointer kGlobalMap = {format::kGlobalMapPage, format::kGlobalFreeMapRow};
 // The pages before have a fixed place in every file.
 constexpr PageNumber kFirstAllocatable = format::kRelationshipsTablePage + 1;
-constexpr PageNumber kBitsPerByte = 8;
 constexpr std::uint8_t kAllFree = 0xFF;
 
 void MakeBitmapPage(Page& page) {
@@ -83,11 +82,11 @@ bool PageAllocator::LengthenGlobalMap(PageNumber number) {
   const MapRow place = FindMapRow(holder, kGlobalMap.row, MapLayoutOf(*pager_));
   const PageNumber start = holder.U32(place.offset + usage::kInlineStartOffset);
   if (number < start) return false;
-  const std::size_t needed = usage::kInlineBitmapOffset + (number - start) / kBitsPerByte + 1;
+  const std::size_t needed = usage::kInlineBitmapOffset + (number - start) / format::kBitsPerByte + 1;
   const std::size_t growth =
       (needed - place.length + usage::kLengthenStep - 1) / usage::kLengthenStep * usage::kLengthenStep;
   if (place.length + growth > usage::kLongestInlineRow || growth > FreeBytesOfMapPage(holder)) return false;
-  const PageNumber firstNew = start + static_cast<PageNumber>(place.BitmapSize()) * kBitsPerByte;
+  const PageNumber firstNew = start + static_cast<PageNumber>(place.BitmapSize()) * format::kBitsPerByte;
   LengthenMapRow(holder, kGlobalMap.row, growth, kAllFree);
   UsageMap global(*pager_, kGlobalMap);
   for (PageNumber used = firstNew; used < pager_->PageCount(); ++used) global.Remove(used);
@@ -117,8 +116,8 @@ void PageAllocator::AddGlobalBitmap(std::uint32_t index) {
   const PageNumber first = index * usage::kPagesPerBitmap;
   const PageNumber firstFree = std::clamp(number + 1, first, first + usage::kPagesPerBitmap);
   for (PageNumber bit = firstFree - first; bit < usage::kPagesPerBitmap; ++bit) {
-    const std::size_t offset = usage::kBitmapOffset + bit / kBitsPerByte;
-    bitmap.SetU8(offset, static_cast<std::uint8_t>(bitmap.U8(offset) | (1U << (bit % kBitsPerByte))));
+    const std::size_t offset = usage::kBitmapOffset + bit / format::kBitsPerByte;
+    bitmap.SetU8(offset, static_cast<std::uint8_t>(bitmap.U8(offset) | (1U << (bit % format::kBitsPerByte))));
   }
   Page& holder = pager_->Write(kGlobalMap.page);
   const MapRow place = FindMapRow(holder, kGlobalMap.row, MapLayoutOf(*pager_));

@@ -14,7 +14,6 @@ namespace {
 
 namespace usage = format::usage;
 
-constexpr PageNumber kBitsPerByte = 8;
 constexpr std::uint64_t kEverywhere = std::numeric_limits<PageNumber>::max();
 
 // Calls visit(bitmap, first page) for each bitmap of the map from page `from` on, until it returns false.
@@ -125,7 +124,7 @@ bool UsageMap::RewriteInline(PageNumber page) {
   const PageNumber lowest = members.empty() ? page : std::min(page, members.front());
   const PageNumber highest = members.empty() ? page : std::max(page, members.back());
   const PageNumber start = lowest - lowest % usage::kInlineStartStep;
-  const std::size_t needed = usage::kInlineBitmapOffset + (highest - start) / kBitsPerByte + 1;
+  const std::size_t needed = usage::kInlineBitmapOffset + (highest - start) / format::kBitsPerByte + 1;
 
   Page& holder = pager_->Write(row_.page);
   MapRow place = FindMapRow(holder, row_.row, MapLayoutOf(*pager_));

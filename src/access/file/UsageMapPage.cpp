@@ -14,8 +14,6 @@ namespace {
 namespace data = format::data;
 namespace usage = format::usage;
 
-constexpr unsigned kBitsPerByte = 8;
-
 constexpr MapLayout kJet4Layout = {kPageSize, data::kRowCountOffset, data::kRowDirectoryOffset, usage::kBitmapSize,
                                    usage::kPagesPerBitmap};
 constexpr MapLayout kJet3Layout = {format::jet3::kPageSize, format::jet3::data::kRowCountOffset,
@@ -124,11 +122,12 @@ std::optional<BitPlace> LocateBit(Pager& pager, RowPointer map, PageNumber numbe
   const PageHandle page = pager.Read(map.page);
   const MapRow place = FindMapRow(*page, map.row, layout);
   const auto bitPlace = [](PageNumber holder, std::size_t bitmapOffset, std::size_t bit) {
-    return BitPlace{holder, bitmapOffset + bit / kBitsPerByte, static_cast<std::uint8_t>(1U << (bit % kBitsPerByte))};
+    return BitPlace{holder, bitmapOffset + bit / format::kBitsPerByte,
+                    static_cast<std::uint8_t>(1U << (bit % format::kBitsPerByte))};
   };
   if (KindOfMap(*page, map.row, place) == usage::kKindInline) {
     const PageNumber start = page->U32(place.offset + usage::kInlineStartOffset);
-    if (number < start || number - start >= place.BitmapSize() * kBitsPerByte) return std::nullopt;
+    if (number < start || number - start >= place.BitmapSize() * format::kBitsPerByte) return std::nullopt;
     return bitPlace(map.page, place.offset + usage::kInlineBitmapOffset, number - start);
   }
   const std::uint32_t index = number / layout.pagesPerBitmap;
@@ -150,16 +149,16 @@ PageHandle ReadBitmapPage(Pager& pager, RowPointer map, PageNumber number) {
 
 std::optional<PageNumber> FirstMember(std::span<const std::uint8_t> bitmap, std::uint64_t start, std::uint64_t from,
                                       std::uint64_t limit) {
-  const std::uint64_t end = std::min(limit, start + bitmap.size() * kBitsPerByte);
+  const std::uint64_t end = std::min(limit, start + bitmap.size() * format::kBitsPerByte);
   for (std::uint64_t number = std::max(from, start); number < end;) {
-    const auto index = static_cast<std::size_t>((number - start) / kBitsPerByte);
-    const auto rest = static_cast<std::uint8_t>(bitmap[index] >> ((number - start) % kBitsPerByte));
+    const auto index = static_cast<std::size_t>((number - start) / format::kBitsPerByte);
+    const auto rest = static_cast<std::uint8_t>(bitmap[index] >> ((number - start) % format::kBitsPerByte));
     if (rest != 0) {
       number += static_cast<std::uint64_t>(std::countr_zero(rest));
       if (number >= end) return std::nullopt;
       return static_cast<PageNumber>(number);
     }
-    number = start + (std::uint64_t{index} + 1) * kBitsPerByte;
+    number = start + (std::uint64_t{index} + 1) * format::kBitsPerByte;
   }
   return std::nullopt;
 }

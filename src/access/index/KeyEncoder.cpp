@@ -12,10 +12,6 @@ namespace tavi::access {
 
 namespace {
 
-bool IsText(ColumnType type) {
-  return type == ColumnType::Text || type == ColumnType::Memo;
-}
-
 bool HasKeys(ColumnType type) {
   return type != ColumnType::Ole && type != ColumnType::Complex;
 }

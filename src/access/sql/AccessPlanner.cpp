@@ -19,7 +19,7 @@ constexpr double kHalfOpenSelectivity = 0.5;
 constexpr double kOtherSelectivity = 0.8;
 constexpr std::size_t kLongestList = 500;
 
-bool IsComparison(Operator op) {
+bool CanBound(Operator op) {
   return op == Operator::Equal || op == Operator::Less || op == Operator::LessOrEqual || op == Operator::Greater ||
          op == Operator::GreaterOrEqual;
 }
@@ -65,7 +65,7 @@ double AccessPlanner::Selectivity(const Conjuncts& conjuncts) {
     const Expression& expression = *conjunct.expression;
     double factor = kOtherSelectivity;
     if (expression.kind == ExpressionKind::Between) factor = kRangeSelectivity;
-    if (expression.kind == ExpressionKind::Binary && IsComparison(expression.op)) {
+    if (expression.kind == ExpressionKind::Binary && CanBound(expression.op)) {
       factor = expression.op == Operator::Equal ? kEqualSelectivity : kHalfOpenSelectivity;
     }
     part *= factor;
@@ -101,7 +101,7 @@ void AccessPlanner::CollectComparison(const Task& task, const Expression& condit
 
 void AccessPlanner::CollectArguments(const Task& task, const Expression& condition,
                                      std::vector<Argument>& arguments) const {
-  if (condition.kind == ExpressionKind::Binary && IsComparison(condition.op)) {
+  if (condition.kind == ExpressionKind::Binary && CanBound(condition.op)) {
     CollectComparison(task, condition, arguments);
     return;
   }

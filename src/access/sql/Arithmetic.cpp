@@ -38,11 +38,6 @@ Value LongOrDouble(std::int64_t number) {
   return static_cast<double>(number);
 }
 
-double Finite(double number) {
-  if (!std::isfinite(number)) RaiseOverflow();
-  return number;
-}
-
 Value CalculateWhole(Operator op, std::int64_t left, std::int64_t right) {
   if (op == Operator::Add) return LongOrDouble(left + right);
   if (op == Operator::Subtract) return LongOrDouble(left - right);

@@ -28,6 +28,11 @@ void RaiseOverflow(std::string_view reason) {
   Raise(ErrorNumber::Overflow, "Overflow", reason);
 }
 
+double Finite(double number) {
+  if (!std::isfinite(number)) RaiseOverflow();
+  return number;
+}
+
 void RaiseInvalidCall(std::string_view reason) {
   Raise(ErrorNumber::InvalidArgument, "Invalid procedure call", reason);
 }

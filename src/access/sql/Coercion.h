@@ -13,6 +13,8 @@ namespace tavi::access::sql {
 [[noreturn]] void RaiseTypeConflict();
 /// Raises Overflow; `reason` is a sentence without its full stop, or empty.
 [[noreturn]] void RaiseOverflow(std::string_view reason = {});
+/// The number. Raises Overflow when it is infinite or none.
+double Finite(double number);
 /// Raises InvalidArgument; `reason` likewise.
 [[noreturn]] void RaiseInvalidCall(std::string_view reason);
 

@@ -35,7 +35,7 @@ int CompareDoubles(double left, double right) {
 }
 
 /// The value in ten-thousandths, for whole numbers and amounts.
-std::optional<std::int64_t> TenThousandthsOf(const Value& value) {
+std::optional<std::int64_t> ExactAmountOf(const Value& value) {
   constexpr std::int64_t kUnit = 10000;
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number * kUnit;
   if (const auto* number = std::get_if<std::int16_t>(&value)) return *number * kUnit;
@@ -70,8 +70,8 @@ int CompareDecimalTexts(std::string_view left, std::string_view right) {
 
 int CompareNumbers(const Value& left, const Value& right) {
   if (IsReal(left) || IsReal(right)) return CompareDoubles(NumberOf(left), NumberOf(right));
-  const std::optional<std::int64_t> leftAmount = TenThousandthsOf(left);
-  const std::optional<std::int64_t> rightAmount = TenThousandthsOf(right);
+  const std::optional<std::int64_t> leftAmount = ExactAmountOf(left);
+  const std::optional<std::int64_t> rightAmount = ExactAmountOf(right);
   if (leftAmount && rightAmount) return Sign(*leftAmount, *rightAmount);
   return CompareDecimalTexts(TextOf(left), TextOf(right));
 }

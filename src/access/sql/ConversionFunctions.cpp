@@ -131,9 +131,8 @@ Value Format(Arguments arguments, const Scope&) {
   return FormatText(arguments[0], arguments.size() > 1 ? TextOf(arguments[1]) : std::string());
 }
 
-constexpr auto kPropagate = Function::Nulls::Propagate;
 constexpr auto kRefuse = Function::Nulls::Refuse;
-constexpr Function kFunctions[] = {
+constexpr Function kConversionFunctions[] = {
     {"CSTR", 1, 1, kRefuse, CStr},   {"CINT", 1, 1, kRefuse, CInt},        {"CLNG", 1, 1, kRefuse, CLng},
     {"CDBL", 1, 1, kRefuse, CDbl},   {"CSNG", 1, 1, kRefuse, CSng},        {"CCUR", 1, 1, kRefuse, CCur},
     {"CDATE", 1, 1, kRefuse, CDate}, {"CBOOL", 1, 1, kRefuse, CBool},      {"CBYTE", 1, 1, kRefuse, CByte},
@@ -144,7 +143,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> ConversionFunctions() {
-  return kFunctions;
+  return kConversionFunctions;
 }
 
 }  // namespace tavi::access::sql

@@ -114,8 +114,7 @@ Value DatePart(Arguments arguments, const Scope&) {
                     FirstWeekOf(arguments, 3));
 }
 
-constexpr auto kPropagate = Function::Nulls::Propagate;
-constexpr Function kFunctions[] = {
+constexpr Function kDateFunctions[] = {
     {"DATE", 0, 0, kPropagate, Today},
     {"TIME", 0, 0, kPropagate, TimeNow},
     {"NOW", 0, 0, kPropagate, Now},
@@ -140,7 +139,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> DateFunctions() {
-  return kFunctions;
+  return kDateFunctions;
 }
 
 }  // namespace tavi::access::sql

@@ -23,10 +23,6 @@ constexpr IntervalName kNames[] = {{"yyyy", Interval::Year},   {"q", Interval::Q
                                    {"ww", Interval::Week},     {"h", Interval::Hour},    {"n", Interval::Minute},
                                    {"s", Interval::Second}};
 
-std::int64_t FloorDivide(std::int64_t number, std::int64_t divisor) {
-  return number / divisor - (number % divisor < 0 ? 1 : 0);
-}
-
 Date AddMonths(std::int64_t count, Date date) {
   const CivilDay civil = date.Civil();
   const std::int64_t first = DayNumberOf(civil.year, std::int64_t{civil.month} + count, 1);

@@ -19,11 +19,11 @@ constexpr std::int64_t kFirstDay = -657434;  // 1 January 100
 constexpr std::int64_t kLastDay = 2958465;   // 31 December 9999
 constexpr std::int64_t kFarAway = 10'000'000;
 
+}  // namespace
+
 std::int64_t FloorDivide(std::int64_t number, std::int64_t divisor) {
   return number / divisor - (number % divisor < 0 ? 1 : 0);
 }
-
-}  // namespace
 
 DateParts PartsOf(Date date) {
   return {date.DayNumber(), date.SecondOfDay()};

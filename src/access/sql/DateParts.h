@@ -35,6 +35,9 @@ std::string_view WeekdayName(int weekday);
 /// The month of a name, whole or of its first three letters, in any case; 0 for another text.
 int MonthOfName(std::string_view name);
 
+/// number / divisor, rounded down.
+std::int64_t FloorDivide(std::int64_t number, std::int64_t divisor);
+
 inline constexpr std::int64_t kSecondsPerDay = 86400;
 
 }  // namespace tavi::access::sql

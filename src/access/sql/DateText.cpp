@@ -10,7 +10,7 @@ namespace tavi::access::sql {
 namespace {
 
 /// A number (with its count of digits), a word, or another character of the text. Blanks are left out.
-struct Piece {
+struct TextPiece {
   enum class Kind { Number, Word, Sign } kind = Kind::Sign;
   int number = 0;
   std::size_t digits = 0;
@@ -19,17 +19,13 @@ struct Piece {
 
 constexpr std::size_t kMostDigits = 4;
 
-bool IsDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 bool IsLetter(char character) {
   return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
 }
 
-std::optional<std::vector<Piece>> CutIntoPieces(std::string_view text) {
+std::optional<std::vector<TextPiece>> CutIntoPieces(std::string_view text) {
   constexpr std::size_t kMostPieces = 16;
-  std::vector<Piece> pieces;
+  std::vector<TextPiece> pieces;
   for (std::size_t place = 0; place < text.size();) {
     if (text[place] == ' ') {
       ++place;
@@ -40,14 +36,14 @@ std::optional<std::vector<Piece>> CutIntoPieces(std::string_view text) {
     if (isSame(text[place])) {
       while (place + length < text.size() && isSame(text[place + length])) ++length;
     }
-    Piece piece{Piece::Kind::Sign, 0, 0, text.substr(place, length)};
+    TextPiece piece{TextPiece::Kind::Sign, 0, 0, text.substr(place, length)};
     if (IsDigit(text[place])) {
       if (length > kMostDigits) return std::nullopt;
-      piece.kind = Piece::Kind::Number;
+      piece.kind = TextPiece::Kind::Number;
       piece.number = std::stoi(std::string(piece.text));
       piece.digits = length;
     } else if (IsLetter(text[place])) {
-      piece.kind = Piece::Kind::Word;
+      piece.kind = TextPiece::Kind::Word;
     }
     pieces.push_back(piece);
     if (pieces.size() > kMostPieces) return std::nullopt;
@@ -58,7 +54,7 @@ std::optional<std::vector<Piece>> CutIntoPieces(std::string_view text) {
 
 class DateReader {
  public:
-  DateReader(std::vector<Piece> pieces, DateOrder order) : pieces_(std::move(pieces)), order_(order) {}
+  DateReader(std::vector<TextPiece> pieces, DateOrder order) : pieces_(std::move(pieces)), order_(order) {}
 
   std::optional<Date> Read() {
     std::optional<std::int64_t> second = 0;
@@ -68,7 +64,7 @@ class DateReader {
     const bool hasDate = second && place_ < pieces_.size();
     if (hasDate) day = ReadDay();
     if (hasDate && day && !hasTime && place_ < pieces_.size()) {
-      const bool isIso = pieces_[place_].kind == Piece::Kind::Word && EqualIgnoringCase(pieces_[place_].text, "T");
+      const bool isIso = pieces_[place_].kind == TextPiece::Kind::Word && EqualIgnoringCase(pieces_[place_].text, "T");
       if (isIso) ++place_;
       hasTime = BeginsTime();
       if (isIso && !hasTime) return std::nullopt;
@@ -79,7 +75,7 @@ class DateReader {
   }
 
  private:
-  using Kind = Piece::Kind;
+  using Kind = TextPiece::Kind;
 
   [[nodiscard]] bool Is(std::size_t ahead, Kind kind) const {
     return place_ + ahead < pieces_.size() && pieces_[place_ + ahead].kind == kind;
@@ -114,7 +110,7 @@ class DateReader {
 
   /// Three parts, one of which may be a month's name.
   std::optional<std::int64_t> ReadDay() {
-    Piece parts[3];
+    TextPiece parts[3];
     std::size_t count = 0;
     for (; count < 3 && (Is(0, Kind::Number) || Is(0, Kind::Word)); ++count) {
       parts[count] = pieces_[place_++];
@@ -124,7 +120,7 @@ class DateReader {
     if (count < 3) return std::nullopt;
     for (std::size_t i = 0; i < 2; ++i) {
       if (parts[i].kind != Kind::Word) continue;
-      const Piece& other = parts[1 - i];
+      const TextPiece& other = parts[1 - i];
       const int month = MonthOfName(parts[i].text);
       return other.digits > 2 ? DayOf(other, month, parts[2].number) : DayOf(parts[2], month, other.number);
     }
@@ -136,14 +132,14 @@ class DateReader {
     return DayOf(parts[2], month, day);
   }
 
-  static std::optional<std::int64_t> DayOf(const Piece& yearPiece, int month, int day) {
+  static std::optional<std::int64_t> DayOf(const TextPiece& yearPiece, int month, int day) {
     if (yearPiece.kind != Kind::Number) return std::nullopt;
     const int year = yearPiece.digits <= 2 ? FullYear(yearPiece.number) : yearPiece.number;
     if (day < 1 || day > DaysInMonth(year, month)) return std::nullopt;
     return DayNumberOf(year, month, day);
   }
 
-  std::vector<Piece> pieces_;
+  std::vector<TextPiece> pieces_;
   DateOrder order_;
   std::size_t place_ = 0;
 };
@@ -151,7 +147,7 @@ class DateReader {
 }  // namespace
 
 std::optional<Date> ParseDateText(std::string_view text, DateOrder order) {
-  std::optional<std::vector<Piece>> pieces = CutIntoPieces(text);
+  std::optional<std::vector<TextPiece>> pieces = CutIntoPieces(text);
   if (!pieces) return std::nullopt;
   return DateReader(std::move(*pieces), order).Read();
 }

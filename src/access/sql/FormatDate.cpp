@@ -22,28 +22,28 @@ char LowerAscii(char character) {
 }
 
 /// A run of one letter, a marker of the half of the day, or a text, at a place of a pattern.
-struct Piece {
+struct DatePiece {
   enum class Kind { Letters, HalfOfDay, Text } kind = Kind::Text;
   std::string_view text;   ///< without quotes
   std::size_t length = 1;  ///< in the pattern
 };
 
-Piece PieceAt(std::string_view pattern, std::size_t place) {
+DatePiece PieceAt(std::string_view pattern, std::size_t place) {
   const char letter = LowerAscii(pattern[place]);
-  if (letter == '\\') return {Piece::Kind::Text, pattern.substr(place + 1, 1), 2};
+  if (letter == '\\') return {DatePiece::Kind::Text, pattern.substr(place + 1, 1), 2};
   if (letter == '"') {
     const std::size_t end = std::min(pattern.find('"', place + 1), pattern.size());
-    return {Piece::Kind::Text, pattern.substr(place + 1, end - place - 1), end - place + 1};
+    return {DatePiece::Kind::Text, pattern.substr(place + 1, end - place - 1), end - place + 1};
   }
   for (const std::string_view marker : {"AM/PM", "A/P", "AMPM"}) {
     const std::string_view here = pattern.substr(place, marker.size());
-    if (EqualIgnoringCase(here, marker)) return {Piece::Kind::HalfOfDay, here, marker.size()};
+    if (EqualIgnoringCase(here, marker)) return {DatePiece::Kind::HalfOfDay, here, marker.size()};
   }
   constexpr std::string_view kLetters = "cdwmqyhnst";
-  if (kLetters.find(letter) == std::string_view::npos) return {Piece::Kind::Text, pattern.substr(place, 1), 1};
+  if (kLetters.find(letter) == std::string_view::npos) return {DatePiece::Kind::Text, pattern.substr(place, 1), 1};
   std::size_t length = 1;
   while (place + length < pattern.size() && LowerAscii(pattern[place + length]) == letter) ++length;
-  return {Piece::Kind::Letters, pattern.substr(place, length), length};
+  return {DatePiece::Kind::Letters, pattern.substr(place, length), length};
 }
 
 class DateFormatter {
@@ -53,17 +53,17 @@ class DateFormatter {
 
   std::string Run() {
     for (std::size_t place = 0; place < pattern_.size();) {
-      const Piece piece = PieceAt(pattern_, place);
-      if (piece.kind == Piece::Kind::HalfOfDay) isHalved_ = true;
+      const DatePiece piece = PieceAt(pattern_, place);
+      if (piece.kind == DatePiece::Kind::HalfOfDay) isHalved_ = true;
       place += piece.length;
     }
     std::string text;
     for (std::size_t place = 0; place < pattern_.size();) {
-      const Piece piece = PieceAt(pattern_, place);
+      const DatePiece piece = PieceAt(pattern_, place);
       place += piece.length;
-      if (piece.kind == Piece::Kind::Text) {
+      if (piece.kind == DatePiece::Kind::Text) {
         text += piece.text;
-      } else if (piece.kind == Piece::Kind::HalfOfDay) {
+      } else if (piece.kind == DatePiece::Kind::HalfOfDay) {
         text += HalfOfDay(piece.text);
       } else {
         text += Field(LowerAscii(piece.text.front()), piece.text.size());
@@ -145,8 +145,8 @@ std::string FormatDate(Date date, std::string_view pattern) {
 
 bool IsDatePattern(std::string_view pattern) {
   for (std::size_t place = 0; place < pattern.size();) {
-    const Piece piece = PieceAt(pattern, place);
-    if (piece.kind != Piece::Kind::Text) return true;
+    const DatePiece piece = PieceAt(pattern, place);
+    if (piece.kind != DatePiece::Kind::Text) return true;
     place += piece.length;
   }
   return false;

@@ -36,6 +36,9 @@ struct Function {
   }
 };
 
+/// For the tables below.
+inline constexpr auto kPropagate = Function::Nulls::Propagate;
+
 /// The function of a name in any case, with or without a $ at its end (Left$); nothing when there is none. Functions
 /// live as long as the program.
 const Function* FindFunction(std::string_view name);

@@ -18,10 +18,6 @@ bool IsBlank(char character) {
          character == '\v';
 }
 
-bool IsDigit(char character) {
-  return character >= '0' && character <= '9';
-}
-
 /// Characters outside ASCII are all letters.
 bool IsNameStart(char character) {
   return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z') || character == '_' ||

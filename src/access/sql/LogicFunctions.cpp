@@ -57,7 +57,7 @@ Value IsNumeric(Arguments arguments, const Scope&) {
 }
 
 constexpr auto kPass = Function::Nulls::Pass;
-constexpr Function kFunctions[] = {
+constexpr Function kLogicFunctions[] = {
     {"IIF", 3, 3, kPass, nullptr, IIf},
     {"SWITCH", 2, Function::kAnyNumber, kPass, nullptr, Switch},
     {"CHOOSE", 2, Function::kAnyNumber, kPass, nullptr, Choose},
@@ -70,7 +70,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> LogicFunctions() {
-  return kFunctions;
+  return kLogicFunctions;
 }
 
 }  // namespace tavi::access::sql

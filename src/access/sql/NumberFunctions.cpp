@@ -13,11 +13,6 @@ namespace {
 
 using Arguments = std::span<const Value>;
 
-double Finite(double number) {
-  if (!std::isfinite(number)) RaiseOverflow();
-  return number;
-}
-
 bool IsWhole(const Value& value) {
   return std::holds_alternative<std::int32_t>(value) || std::holds_alternative<std::int16_t>(value) ||
          std::holds_alternative<std::uint8_t>(value) || std::holds_alternative<bool>(value);
@@ -131,8 +126,7 @@ Value GenGuid(Arguments, const Scope&) {
   return guid;
 }
 
-constexpr auto kPropagate = Function::Nulls::Propagate;
-constexpr Function kFunctions[] = {
+constexpr Function kNumberFunctions[] = {
     {"ABS", 1, 1, kPropagate, Abs},         {"SGN", 1, 1, kPropagate, Sgn},
     {"INT", 1, 1, kPropagate, Int},         {"FIX", 1, 1, kPropagate, Fix},
     {"ROUND", 1, 2, kPropagate, Round},     {"SQR", 1, 1, kPropagate, Sqr},
@@ -146,7 +140,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> NumberFunctions() {
-  return kFunctions;
+  return kNumberFunctions;
 }
 
 }  // namespace tavi::access::sql

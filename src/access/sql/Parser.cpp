@@ -15,7 +15,7 @@ TransactionControl ReadTransactionControl(TokenStream& stream, TransactionContro
   return {action};
 }
 
-Statement ReadStatement(TokenStream& stream) {
+Statement ParseStatement(TokenStream& stream) {
   if (stream.Peek().IsWord("SELECT")) return std::move(*ReadSelect(stream));
   if (stream.TakeWord("INSERT")) return ReadInsert(stream);
   if (stream.TakeWord("UPDATE")) return ReadUpdate(stream);
@@ -35,7 +35,7 @@ Statement ReadStatement(TokenStream& stream) {
 
 Statement Parse(std::string_view text) {
   TokenStream stream(text);
-  Statement statement = ReadStatement(stream);
+  Statement statement = ParseStatement(stream);
   stream.TakeSymbol(";");
   if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the statement");
   return statement;

@@ -231,8 +231,7 @@ Value StrConv(Arguments arguments, const Scope&) {
   }
 }
 
-constexpr auto kPropagate = Function::Nulls::Propagate;
-constexpr Function kFunctions[] = {
+constexpr Function kTextFunctions[] = {
     {"LEN", 1, 1, kPropagate, Len},           {"LEFT", 2, 2, kPropagate, Left},
     {"RIGHT", 2, 2, kPropagate, Right},       {"MID", 2, 3, kPropagate, Mid},
     {"UCASE", 1, 1, kPropagate, UCase},       {"LCASE", 1, 1, kPropagate, LCase},
@@ -249,7 +248,7 @@ constexpr Function kFunctions[] = {
 }  // namespace
 
 std::span<const Function> TextFunctions() {
-  return kFunctions;
+  return kTextFunctions;
 }
 
 }  // namespace tavi::access::sql

@@ -13,7 +13,7 @@ namespace {
 constexpr long long kMostPlaces = 400;
 
 /// The digits of a number and how many of them lie behind the point (negative: zeros follow).
-struct Digits {
+struct DecimalDigits {
   bool negative = false;
   std::string digits;
   long long places = 0;
@@ -23,8 +23,8 @@ bool IsDigit(char character) {
   return character >= '0' && character <= '9';
 }
 
-std::optional<Digits> ReadDigits(std::string_view text) {
-  Digits number;
+std::optional<DecimalDigits> ReadDigits(std::string_view text) {
+  DecimalDigits number;
   number.negative = text.starts_with('-');
   if (number.negative || text.starts_with('+')) text.remove_prefix(1);
   bool isBehindPoint = false;
@@ -82,7 +82,7 @@ void AppendDigit(Decimal& number, unsigned digit) {
 }  // namespace
 
 std::optional<Decimal> ParseDecimal(std::string_view text, std::uint8_t precision, std::uint8_t scale) {
-  std::optional<Digits> read = ReadDigits(text);
+  std::optional<DecimalDigits> read = ReadDigits(text);
   if (!read) return std::nullopt;
   std::string& digits = read->digits;
   if (read->places > scale) {

@@ -6,7 +6,7 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::jet3::row;
+namespace jet3_row = format::jet3::row;
 
 /// Places of the trailer's parts, as offsets in the row.
 struct Trailer {
@@ -17,17 +17,17 @@ struct Trailer {
 };
 
 std::optional<Trailer> FindTrailer(std::span<const std::uint8_t> row, std::size_t maskSize) {
-  if (row.size() < maskSize + layout::kVariableCountSize + layout::kColumnCountSize) return std::nullopt;
+  if (row.size() < maskSize + jet3_row::kVariableCountSize + jet3_row::kColumnCountSize) return std::nullopt;
   Trailer trailer;
-  const std::size_t countPlace = row.size() - maskSize - layout::kVariableCountSize;
+  const std::size_t countPlace = row.size() - maskSize - jet3_row::kVariableCountSize;
   trailer.variableCount = row[countPlace];
-  const std::size_t jumps = (row.size() - 1) / layout::kJumpStep;
+  const std::size_t jumps = (row.size() - 1) / jet3_row::kJumpStep;
   const std::size_t size = jumps + trailer.variableCount + 1;
-  if (countPlace < size + layout::kColumnCountSize) return std::nullopt;
+  if (countPlace < size + jet3_row::kColumnCountSize) return std::nullopt;
   trailer.lastJump = countPlace - 1;
   trailer.firstOffset = countPlace - jumps - 1;
   // The last entry is a dummy where the data end before the offset that it would be for.
-  const bool hasDummy = (trailer.firstOffset - trailer.variableCount) / layout::kJumpStep < jumps;
+  const bool hasDummy = (trailer.firstOffset - trailer.variableCount) / jet3_row::kJumpStep < jumps;
   trailer.jumpCount = hasDummy ? jumps - 1 : jumps;
   return trailer;
 }
@@ -35,7 +35,7 @@ std::optional<Trailer> FindTrailer(std::span<const std::uint8_t> row, std::size_
 std::size_t OffsetOf(std::span<const std::uint8_t> row, const Trailer& trailer, std::size_t variableIndex) {
   std::size_t offset = row[trailer.firstOffset - variableIndex];
   for (std::size_t i = 0; i < trailer.jumpCount; ++i) {
-    if (row[trailer.lastJump - i] <= variableIndex) offset += layout::kJumpStep;
+    if (row[trailer.lastJump - i] <= variableIndex) offset += jet3_row::kJumpStep;
   }
   return offset;
 }

@@ -18,7 +18,7 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::long_value;
+namespace long_value = format::long_value;
 namespace data = format::data;
 
 using Stored = std::span<const std::uint8_t>;
@@ -31,16 +31,16 @@ struct Descriptor {
 };
 
 std::optional<Descriptor> ReadDescriptor(Stored stored) {
-  if (stored.size() < layout::kDescriptorSize) return std::nullopt;
-  const auto head = GetLittle<std::uint32_t>(stored, layout::kLengthOffset);
-  return Descriptor{head & layout::kFormMask, head & layout::kLengthMask,
-                    RowPointer::FromPacked(GetLittle<std::uint32_t>(stored, layout::kPointerOffset))};
+  if (stored.size() < long_value::kDescriptorSize) return std::nullopt;
+  const auto head = GetLittle<std::uint32_t>(stored, long_value::kLengthOffset);
+  return Descriptor{head & long_value::kFormMask, head & long_value::kLengthMask,
+                    RowPointer::FromPacked(GetLittle<std::uint32_t>(stored, long_value::kPointerOffset))};
 }
 
 Bytes MakeDescriptor(std::uint32_t form, std::size_t length, RowPointer first) {
-  Bytes bytes(layout::kDescriptorSize);
-  PutLittle(std::span(bytes), layout::kLengthOffset, form | static_cast<std::uint32_t>(length));
-  PutLittle(std::span(bytes), layout::kPointerOffset, first.Packed());
+  Bytes bytes(long_value::kDescriptorSize);
+  PutLittle(std::span(bytes), long_value::kLengthOffset, form | static_cast<std::uint32_t>(length));
+  PutLittle(std::span(bytes), long_value::kPointerOffset, first.Packed());
   return bytes;
 }
 
@@ -48,13 +48,9 @@ Bytes MakeDescriptor(std::uint32_t form, std::size_t length, RowPointer first) {
   RaiseDamage("the long value of the field '" + column.name + "' " + what);
 }
 
-std::string NameOf(RowPointer row) {
-  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
-}
-
 Form FormFor(std::size_t uncompressedSize) {
-  if (uncompressedSize <= layout::kMaximumInlineSize) return Form::Inline;
-  return uncompressedSize <= layout::kMaximumSingleSize ? Form::Single : Form::Chain;
+  if (uncompressedSize <= long_value::kMaximumInlineSize) return Form::Inline;
+  return uncompressedSize <= long_value::kMaximumSingleSize ? Form::Single : Form::Chain;
 }
 
 RowSpace SpaceOf(Pager& pager, const LongValueMaps& maps) {
@@ -64,7 +60,7 @@ RowSpace SpaceOf(Pager& pager, const LongValueMaps& maps) {
 }  // namespace
 
 std::size_t PreparedLongValue::SizeInRow() const {
-  return layout::kDescriptorSize + (form == Form::Inline ? data.size() : 0);
+  return long_value::kDescriptorSize + (form == Form::Inline ? data.size() : 0);
 }
 
 PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& column) {
@@ -82,9 +78,9 @@ PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& c
                 "Data type mismatch in criteria expression. The value for the field '" + column.name +
                     "' is not of the field's type.");
   }
-  if (prepared.data.size() > layout::kLengthMask) {
+  if (prepared.data.size() > long_value::kLengthMask) {
     RaiseFailure("The value for the field '" + column.name + "' has " + std::to_string(prepared.data.size()) +
-                 " bytes; a field can hold " + std::to_string(layout::kLengthMask) +
+                 " bytes; a field can hold " + std::to_string(long_value::kLengthMask) +
                  ". Store it in a file of its own.");
   }
   return prepared;
@@ -92,7 +88,7 @@ PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& c
 
 bool LongValues::IsElsewhere(Stored stored) {
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
-  return descriptor && descriptor->form != layout::kFormInline;
+  return descriptor && descriptor->form != long_value::kFormInline;
 }
 
 std::size_t LongValues::SizeElsewhere(Stored stored) {
@@ -105,8 +101,8 @@ std::size_t LongValues::SizeElsewhere(Stored stored) {
 
 Value LongValues::Read(Stored stored, const ColumnDefinition& column) const {
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
-  if (descriptor && descriptor->form == layout::kFormInline) {
-    const Stored inlined = stored.subspan(layout::kDescriptorSize);
+  if (descriptor && descriptor->form == long_value::kFormInline) {
+    const Stored inlined = stored.subspan(long_value::kDescriptorSize);
     if (descriptor->length > inlined.size()) RaiseBadValue(column, "is cut off in its row.");
     return DecodeValue(inlined.first(descriptor->length), column, version_);
   }
@@ -117,8 +113,8 @@ Bytes LongValues::ReadBytes(Stored stored, const ColumnDefinition& column) const
   if (stored.empty()) return {};
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
   if (!descriptor) RaiseBadValue(column, "has a descriptor of only " + std::to_string(stored.size()) + " bytes.");
-  if (descriptor->form == layout::kFormChain) return ReadChain(descriptor->first, descriptor->length, column);
-  if (descriptor->form != layout::kFormSingle) RaiseBadValue(column, "has an unknown form.");
+  if (descriptor->form == long_value::kFormChain) return ReadChain(descriptor->first, descriptor->length, column);
+  if (descriptor->form != long_value::kFormSingle) RaiseBadValue(column, "has an unknown form.");
   const auto row = RowFinder(*pager_, data::kOwnerLongValues).Find(descriptor->first);
   if (!row || row->bytes.size() < descriptor->length) {
     RaiseBadValue(column, "should have " + std::to_string(descriptor->length) + " bytes in " +
@@ -140,11 +136,11 @@ Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDe
     if (!taken.insert(place.Packed()).second)
       RaiseBadValue(column, "has parts that lead in a circle to " + NameOf(place) + ".");
     const auto row = place.IsNone() ? std::nullopt : finder.Find(place);
-    if (!row || row->bytes.size() <= layout::kChainPointerSize) {
+    if (!row || row->bytes.size() <= long_value::kChainPointerSize) {
       RaiseBadValue(column, "breaks off after " + std::to_string(value.size()) + " of " + std::to_string(length) +
                                 " bytes: the next part, " + NameOf(place) + ", is not there.");
     }
-    const Stored part = row->bytes.subspan(layout::kChainPointerSize);
+    const Stored part = row->bytes.subspan(long_value::kChainPointerSize);
     const Stored needed = part.first(std::min(part.size(), length - value.size()));
     value.insert(value.end(), needed.begin(), needed.end());
     place = RowPointer::FromPacked(GetLittle<std::uint32_t>(row->bytes, 0));
@@ -159,12 +155,12 @@ Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDe
 Bytes LongValues::Store(const PreparedLongValue& value, const LongValueMaps& maps) {
   switch (value.form) {
     case Form::Single:
-      return MakeDescriptor(layout::kFormSingle, value.data.size(),
+      return MakeDescriptor(long_value::kFormSingle, value.data.size(),
                             SpaceOf(*pager_, maps).Insert(value.data, data::kRowNormal, 0));
     case Form::Chain:
-      return MakeDescriptor(layout::kFormChain, value.data.size(), StoreChain(value.data, maps));
+      return MakeDescriptor(long_value::kFormChain, value.data.size(), StoreChain(value.data, maps));
     default:
-      Bytes bytes = MakeDescriptor(layout::kFormInline, value.data.size(), {});
+      Bytes bytes = MakeDescriptor(long_value::kFormInline, value.data.size(), {});
       bytes.insert(bytes.end(), value.data.begin(), value.data.end());
       return bytes;
   }
@@ -174,15 +170,15 @@ Bytes LongValues::Store(const PreparedLongValue& value, const LongValueMaps& map
 RowPointer LongValues::StoreChain(Stored bytes, const LongValueMaps& maps) {
   RowSpace space = SpaceOf(*pager_, maps);
   std::vector<PageNumber> pages;
-  for (std::size_t begin = 0; begin < bytes.size(); begin += layout::kChainDataSize) {
+  for (std::size_t begin = 0; begin < bytes.size(); begin += long_value::kChainDataSize) {
     pages.push_back(space.AddPage().Number());
   }
   for (std::size_t i = 0; i < pages.size(); ++i) {
-    const Stored part = bytes.subspan(i * layout::kChainDataSize);
+    const Stored part = bytes.subspan(i * long_value::kChainDataSize);
     const RowPointer next = {i + 1 < pages.size() ? pages[i + 1] : 0, 0};
-    Bytes row(layout::kChainPointerSize);
+    Bytes row(long_value::kChainPointerSize);
     PutLittle(std::span(row), 0, next.Packed());
-    const Stored taken = part.first(std::min(part.size(), layout::kChainDataSize));
+    const Stored taken = part.first(std::min(part.size(), long_value::kChainDataSize));
     row.insert(row.end(), taken.begin(), taken.end());
     DataPageEditor(pager_->Write(pages[i])).Append(row, data::kRowNormal);
   }
@@ -191,13 +187,14 @@ RowPointer LongValues::StoreChain(Stored bytes, const LongValueMaps& maps) {
 
 void LongValues::Remove(Stored stored, const LongValueMaps& maps) {
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
-  if (!descriptor || descriptor->form == layout::kFormInline) return;
+  if (!descriptor || descriptor->form == long_value::kFormInline) return;
   RowSpace space = SpaceOf(*pager_, maps);
   const RowFinder finder(*pager_, data::kOwnerLongValues);
   for (RowPointer place = descriptor->first; !place.IsNone() && space.Owns(place.page);) {
     const auto row = finder.Find(place);
     if (!row) return;
-    const bool hasNext = descriptor->form == layout::kFormChain && row->bytes.size() >= layout::kChainPointerSize;
+    const bool hasNext =
+        descriptor->form == long_value::kFormChain && row->bytes.size() >= long_value::kChainPointerSize;
     const RowPointer next = hasNext ? RowPointer::FromPacked(GetLittle<std::uint32_t>(row->bytes, 0)) : RowPointer{};
     space.Delete(place);
     place = next;

@@ -13,16 +13,14 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::row;
-
-constexpr std::size_t kBitsPerByte = 8;
+namespace row_layout = format::row;
 
 std::size_t FixedAreaEnd(const TableDefinition& definition) {
-  std::size_t end = layout::kFixedAreaOffset;
+  std::size_t end = row_layout::kFixedAreaOffset;
   for (const ColumnDefinition& column : definition.columns) {
     if (!column.IsFixed() || column.type == ColumnType::Boolean) continue;
     const std::size_t size = SizeOfType(column.type).value_or(column.length);
-    end = std::max(end, layout::kFixedAreaOffset + column.fixedOffset + size);
+    end = std::max(end, row_layout::kFixedAreaOffset + column.fixedOffset + size);
   }
   return end;
 }
@@ -44,13 +42,13 @@ class RowWriter {
       : definition_(definition), values_(values), longValues_(longValues), row_(FixedAreaEnd(definition)) {}
 
   Bytes Write() {
-    PutLittle(std::span(row_), layout::kColumnCountOffset, definition_.columnIdCounter);
+    PutLittle(std::span(row_), row_layout::kColumnCountOffset, definition_.columnIdCounter);
     PutFixed();
     if (definition_.variableColumnCounter > 0) AppendVariable();
     AppendMask();
-    if (row_.size() > layout::kMaximumSize) {
+    if (row_.size() > row_layout::kMaximumSize) {
       RaiseFailure("Record is too large. It needs " + std::to_string(row_.size()) +
-                   " bytes, of which a record can have " + std::to_string(layout::kMaximumSize) +
+                   " bytes, of which a record can have " + std::to_string(row_layout::kMaximumSize) +
                    "; shorten its texts or keep them in Memo fields.");
     }
     return std::move(row_);
@@ -62,7 +60,7 @@ class RowWriter {
       const ColumnDefinition& column = definition_.columns[i];
       if (!column.IsFixed() || column.type == ColumnType::Boolean || IsNull(values_[i])) continue;
       const Bytes stored = EncodeValue(values_[i], column);
-      std::ranges::copy(stored, row_.begin() + layout::kFixedAreaOffset + column.fixedOffset);
+      std::ranges::copy(stored, row_.begin() + row_layout::kFixedAreaOffset + column.fixedOffset);
     }
   }
 
@@ -90,14 +88,14 @@ class RowWriter {
   }
 
   void AppendMask() {
-    Bytes mask((definition_.columnIdCounter + kBitsPerByte - 1) / kBitsPerByte);
+    Bytes mask((definition_.columnIdCounter + format::kBitsPerByte - 1) / format::kBitsPerByte);
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
       if (!MaskBitOf(values_[i])) continue;
       const std::uint16_t id = definition_.columns[i].id;
-      mask.at(id / kBitsPerByte) |= static_cast<std::uint8_t>(1U << (id % kBitsPerByte));
+      mask.at(id / format::kBitsPerByte) |= static_cast<std::uint8_t>(1U << (id % format::kBitsPerByte));
     }
     // A row must be able to hold the pointer that it leaves behind when it moves.
-    if (row_.size() + mask.size() < layout::kMinimumSize) row_.resize(layout::kMinimumSize - mask.size());
+    if (row_.size() + mask.size() < row_layout::kMinimumSize) row_.resize(row_layout::kMinimumSize - mask.size());
     row_.insert(row_.end(), mask.begin(), mask.end());
   }
 

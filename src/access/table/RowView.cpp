@@ -12,20 +12,18 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::row;
-
-constexpr std::size_t kBitsPerByte = 8;
+namespace row_layout = format::row;
 
 }  // namespace
 
 RowView::RowView(std::span<const std::uint8_t> bytes, const FormatVersion& version, RowPointer row)
     : bytes_(bytes), version_(version), row_(row) {
-  const std::size_t countSize = version_.isJet3 ? format::jet3::row::kColumnCountSize : layout::kColumnCountSize;
+  const std::size_t countSize = version_.isJet3 ? format::jet3::row::kColumnCountSize : row_layout::kColumnCountSize;
   if (bytes_.size() >= countSize) {
-    columnCount_ = version_.isJet3 ? bytes_[0] : GetLittle<std::uint16_t>(bytes_, layout::kColumnCountOffset);
+    columnCount_ = version_.isJet3 ? bytes_[0] : GetLittle<std::uint16_t>(bytes_, row_layout::kColumnCountOffset);
   }
   if (columnCount_ == 0) Raise("it says that it has no columns.");
-  maskSize_ = (columnCount_ + kBitsPerByte - 1) / kBitsPerByte;
+  maskSize_ = (columnCount_ + format::kBitsPerByte - 1) / format::kBitsPerByte;
   if (bytes_.size() < countSize + maskSize_) {
     Raise("it is too short, " + std::to_string(bytes_.size()) + " bytes for " + std::to_string(columnCount_) +
           " columns.");
@@ -39,8 +37,8 @@ void RowView::Raise(const std::string& what) const {
 bool RowView::MaskBit(std::uint16_t columnId) const {
   if (columnId >= columnCount_) return false;
   const std::size_t mask = bytes_.size() - maskSize_;
-  const unsigned byte = bytes_[mask + columnId / kBitsPerByte];
-  return ((byte >> (columnId % kBitsPerByte)) & 1U) != 0;
+  const unsigned byte = bytes_[mask + columnId / format::kBitsPerByte];
+  return ((byte >> (columnId % format::kBitsPerByte)) & 1U) != 0;
 }
 
 bool RowView::IsNull(const ColumnDefinition& column) const {
@@ -60,7 +58,7 @@ Value RowView::Get(const ColumnDefinition& column) const {
 }
 
 std::span<const std::uint8_t> RowView::FixedBytes(const ColumnDefinition& column) const {
-  const std::size_t area = version_.isJet3 ? format::jet3::row::kFixedAreaOffset : layout::kFixedAreaOffset;
+  const std::size_t area = version_.isJet3 ? format::jet3::row::kFixedAreaOffset : row_layout::kFixedAreaOffset;
   const std::size_t begin = area + column.fixedOffset;
   const std::size_t size = SizeOfType(column.type).value_or(column.length);
   const std::size_t end = bytes_.size() - maskSize_;
@@ -74,9 +72,9 @@ std::span<const std::uint8_t> RowView::FixedBytes(const ColumnDefinition& column
 // A column that has a mask bit existed when the row was written, so there is a variable part when it is a variable one.
 std::size_t RowView::VariableCount() const {
   if (version_.isJet3) return Jet3VariableCount(bytes_, maskSize_);
-  const std::size_t trailer = maskSize_ + layout::kVariableCountSize + layout::kEndOfDataSize;
-  if (bytes_.size() < layout::kColumnCountSize + trailer) Raise("it is too short for its variable fields.");
-  return GetLittle<std::uint16_t>(bytes_, bytes_.size() - maskSize_ - layout::kVariableCountSize);
+  const std::size_t trailer = maskSize_ + row_layout::kVariableCountSize + row_layout::kEndOfDataSize;
+  if (bytes_.size() < row_layout::kColumnCountSize + trailer) Raise("it is too short for its variable fields.");
+  return GetLittle<std::uint16_t>(bytes_, bytes_.size() - maskSize_ - row_layout::kVariableCountSize);
 }
 
 std::span<const std::uint8_t> RowView::VariableBytes(const ColumnDefinition& column) const {
@@ -90,15 +88,15 @@ std::span<const std::uint8_t> RowView::VariableBytes(const ColumnDefinition& col
   } else {
     const std::size_t count = VariableCount();
     const std::size_t trailer =
-        layout::kVariableCountSize + count * layout::kVariableOffsetSize + layout::kEndOfDataSize;
-    if (column.variableIndex >= count || limit < layout::kColumnCountSize + trailer) {
+        row_layout::kVariableCountSize + count * row_layout::kVariableOffsetSize + row_layout::kEndOfDataSize;
+    if (column.variableIndex >= count || limit < row_layout::kColumnCountSize + trailer) {
       Raise("its " + std::to_string(count) + " variable fields do not fit into " + std::to_string(bytes_.size()) +
             " bytes.");
     }
-    const std::size_t place = limit - layout::kVariableCountSize - layout::kVariableOffsetSize -
-                              column.variableIndex * layout::kVariableOffsetSize;
+    const std::size_t place = limit - row_layout::kVariableCountSize - row_layout::kVariableOffsetSize -
+                              column.variableIndex * row_layout::kVariableOffsetSize;
     begin = GetLittle<std::uint16_t>(bytes_, place);
-    end = GetLittle<std::uint16_t>(bytes_, place - layout::kVariableOffsetSize);
+    end = GetLittle<std::uint16_t>(bytes_, place - row_layout::kVariableOffsetSize);
     limit -= trailer;
   }
   if (begin > end || end > limit) {

@@ -29,6 +29,11 @@ enum class ColumnType : std::uint8_t {
   Complex = 0x12
 };
 
+/// True for Text and Memo.
+constexpr bool IsText(ColumnType type) {
+  return type == ColumnType::Text || type == ColumnType::Memo;
+}
+
 /// One column record of a table definition.
 struct ColumnDefinition {
   std::string name;

@@ -7,14 +7,6 @@
 
 namespace tavi::access {
 
-namespace {
-
-std::string NameOf(RowPointer row) {
-  return "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
-}
-
-}  // namespace
-
 FormatVersion TableRows::Version() const {
   if (!version_) version_ = FormatVersionOf(*pager_);
   return *version_;

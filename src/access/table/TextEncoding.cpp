@@ -9,7 +9,7 @@ namespace tavi::access {
 
 namespace {
 
-namespace layout = format::text;
+namespace text_layout = format::text;
 
 constexpr std::uint8_t kFirstNonAscii = 0x80;
 constexpr std::size_t kUnitSize = 2;
@@ -17,8 +17,8 @@ constexpr std::size_t kUnitSize = 2;
 using Stored = std::span<const std::uint8_t>;
 
 bool IsMarkedCompressed(Stored stored) {
-  return stored.size() >= layout::kCompressedMark.size() && stored[0] == layout::kCompressedMark[0] &&
-         stored[1] == layout::kCompressedMark[1];
+  return stored.size() >= text_layout::kCompressedMark.size() && stored[0] == text_layout::kCompressedMark[0] &&
+         stored[1] == text_layout::kCompressedMark[1];
 }
 
 bool IsAscii(Stored bytes) {
@@ -50,7 +50,7 @@ std::string DecodeSegments(Stored body) {
   std::u16string units;
   bool isCompressed = true;
   while (!body.empty()) {
-    const auto end = std::ranges::find(body, layout::kModeSwitch);
+    const auto end = std::ranges::find(body, text_layout::kModeSwitch);
     const auto length = static_cast<std::size_t>(end - body.begin());
     const Stored segment = body.first(length);
     if (isCompressed) {
@@ -66,7 +66,7 @@ std::string DecodeSegments(Stored body) {
 }
 
 std::string DecodeCompressed(Stored body) {
-  if (std::ranges::find(body, layout::kModeSwitch) != body.end()) return DecodeSegments(body);
+  if (std::ranges::find(body, text_layout::kModeSwitch) != body.end()) return DecodeSegments(body);
   if (IsAscii(body)) return {body.begin(), body.end()};
   std::string text;
   text.reserve(body.size() + body.size() / 2);
@@ -77,7 +77,7 @@ std::string DecodeCompressed(Stored body) {
 }  // namespace
 
 std::string DecodeText(Stored stored) {
-  if (IsMarkedCompressed(stored)) return DecodeCompressed(stored.subspan(layout::kCompressedMark.size()));
+  if (IsMarkedCompressed(stored)) return DecodeCompressed(stored.subspan(text_layout::kCompressedMark.size()));
   return DecodePlainText(stored);
 }
 
@@ -113,16 +113,16 @@ Bytes EncodePlainText(std::string_view text) {
 
 bool IsCompressible(std::string_view text) {
   if (IsAscii(text)) {
-    return text.size() >= layout::kMinimumCompressedLength && text.find('\0') == std::string_view::npos;
+    return text.size() >= text_layout::kMinimumCompressedLength && text.find('\0') == std::string_view::npos;
   }
   const std::u16string units = ToUtf16(text);
-  return units.size() >= layout::kMinimumCompressedLength &&
+  return units.size() >= text_layout::kMinimumCompressedLength &&
          std::ranges::all_of(units, [](char16_t unit) { return unit >= 0x01 && unit <= 0xFF; });
 }
 
 Bytes EncodeText(std::string_view text, bool compress) {
   if (!compress || !IsCompressible(text)) return EncodePlainText(text);
-  Bytes bytes(layout::kCompressedMark.begin(), layout::kCompressedMark.end());
+  Bytes bytes(text_layout::kCompressedMark.begin(), text_layout::kCompressedMark.end());
   if (IsAscii(text)) {
     bytes.insert(bytes.end(), text.begin(), text.end());
   } else {

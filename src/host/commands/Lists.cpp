@@ -3,12 +3,11 @@
 #include <ostream>
 
 #include "composition/NameMatch.h"
+#include "host/text/NameFormats.h"
 
 namespace tavi::host {
 namespace {
 
-constexpr std::int16_t kFirstAndLastName = 5;
-constexpr std::int16_t kSurnameFirst = 10;
 constexpr int kHandicapPlaces = 2;
 
 struct WalkedPair {

@@ -20,10 +20,6 @@ PersonName NameIn(const MemberLine& line) {
   return {line.Value("first").value_or(""), line.Value("known_as").value_or(""), line.Value("last").value_or("")};
 }
 
-std::string NumberAndName(const StoredMember& member) {
-  return std::to_string(member.number) + ", " + member.Name();
-}
-
 /// What makes two members bear the same name.
 std::string WholeNameKey(const StoredMember& member) {
   return FoldName(member.Value("first")) + "\n" + FoldName(member.Value("initials")) + "\n" +
@@ -96,7 +92,7 @@ RecordChange MemberPlanner::Newcomer(const MemberLine& line) {
 RecordChange MemberPlanner::ChangeOf(const StoredMember& member, const MemberLine& line) {
   if (line.number && *line.number != member.number) {
     Remark(line, "nobody has the club number " + std::to_string(*line.number) + "; taken for member " +
-                     NumberAndName(member) + ", whose EBU number it is");
+                     member.NumberAndName() + ", whose EBU number it is");
   }
   StoredMember& after = after_.at(member.number);
   RecordChange change;
@@ -127,7 +123,7 @@ std::vector<FieldChange> MemberPlanner::ChangedFields(const MemberLine& line,
 void MemberPlanner::RequireOnce(const MemberLine& line, const StoredMember& member) {
   const auto [earlier, isNew] = lines_.emplace(member.number, line.line);
   if (isNew) return;
-  Refuse(line, "line " + std::to_string(earlier->second) + " is about the same member, " + NumberAndName(member) +
+  Refuse(line, "line " + std::to_string(earlier->second) + " is about the same member, " + member.NumberAndName() +
                    "; expected each member once");
 }
 
@@ -139,10 +135,11 @@ void MemberPlanner::RequireHisName(const MemberLine& line, const StoredMember& m
   const bool numbersAgree = line.number == member.number && !member.Value("ebu_number").empty() &&
                             line.Value("ebu_number") == member.Value("ebu_number");
   if (agreement == NameAgreement::HalfFits && numbersAgree) {
-    Remark(line, "member " + NumberAndName(member) + ", is called " + writtenName + " from now on; both numbers agree");
+    Remark(line,
+           "member " + member.NumberAndName() + ", is called " + writtenName + " from now on; both numbers agree");
     return;
   }
-  Refuse(line, "the number is that of member " + NumberAndName(member) + ", but the name here is " + writtenName +
+  Refuse(line, "the number is that of member " + member.NumberAndName() + ", but the name here is " + writtenName +
                    ", clearly another one; expected that member's name or another number (one part of a name can be "
                    "changed where club number and EBU number both agree)");
 }
@@ -153,7 +150,7 @@ void MemberPlanner::RequireNoNamesakes() const {
   for (const auto& [number, line] : otherNamed_) {
     for (const StoredMember* other : byName.at(WholeNameKey(after_.at(number)))) {
       if (other->number == number) continue;
-      Refuse(*line, "member " + NumberAndName(*other) + (other->Value("active") == "n" ? " (retired)" : "") +
+      Refuse(*line, "member " + other->NumberAndName() + (other->Value("active") == "n" ? " (retired)" : "") +
                         ", bears the same name; expected that member's number, or --allow-namesakes where they are two "
                         "people");
     }

@@ -5,16 +5,12 @@
 #include "platform/values/Text.h"
 
 namespace tavi::host {
-namespace {
-
-std::string NumberAndName(const StoredMember& member) {
-  return std::to_string(member.number) + ", " + member.Name();
-}
-
-}  // namespace
-
 std::string StoredMember::Name() const {
   return Trim(Value("first") + " " + Value("last"));
+}
+
+std::string StoredMember::NumberAndName() const {
+  return std::to_string(number) + ", " + Name();
 }
 
 MemberRoll::MemberRoll(cDatabase& store) {
@@ -38,8 +34,8 @@ const StoredMember* MemberRoll::Find(const std::string& place, std::optional<std
   const StoredMember* byNational = ByNationalNumber(place, nationalNumber);
   if (byNumber == nullptr || byNational == nullptr) return byNumber == nullptr ? byNational : byNumber;
   throw Error(ErrorNumber::InvalidArgument, "tavi",
-              place + ": the club number is that of member " + NumberAndName(*byNumber) + ", but the EBU number " +
-                  nationalNumber + " is that of member " + NumberAndName(*byNational) +
+              place + ": the club number is that of member " + byNumber->NumberAndName() + ", but the EBU number " +
+                  nationalNumber + " is that of member " + byNational->NumberAndName() +
                   "; expected both numbers of one member");
 }
 
@@ -49,8 +45,8 @@ const StoredMember* MemberRoll::ByNationalNumber(const std::string& place, const
     if (member.Value("ebu_number") != nationalNumber) continue;
     if (found != nullptr) {
       throw Error(ErrorNumber::InvalidArgument, "tavi",
-                  place + ": the EBU number " + nationalNumber + " is that of two members, " + NumberAndName(*found) +
-                      " and " + NumberAndName(member) + "; expected the club number, which tells them apart");
+                  place + ": the EBU number " + nationalNumber + " is that of two members, " + found->NumberAndName() +
+                      " and " + member.NumberAndName() + "; expected the club number, which tells them apart");
     }
     found = &member;
   }

@@ -18,6 +18,8 @@ struct StoredMember {
   [[nodiscard]] const std::string& Value(const std::string& field) const { return values.at(field); }
   /// First name and surname.
   [[nodiscard]] std::string Name() const;
+  /// "7, Ann Lee", for messages.
+  [[nodiscard]] std::string NumberAndName() const;
 };
 
 /// All members of a club, to find those that a file means.

@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* kLineBreak = "\r\n";
 
-std::string Joined(const std::string& lines, const std::string& last) {
+std::string WithLastLine(const std::string& lines, const std::string& last) {
   return lines + (lines.empty() || last.empty() ? "" : kLineBreak) + last;
 }
 
@@ -24,7 +24,7 @@ std::string LastLine(const std::string& text) {
 std::string WithOtherAddress(const std::string& stored, const std::string& address) {
   const std::size_t at = LastBreak(stored);
   const bool holdsTown = at != std::string::npos && LastLine(address) != stored.substr(at + 2);
-  return address.empty() || stored == address || !holdsTown ? address : Joined(address, stored.substr(at + 2));
+  return address.empty() || stored == address || !holdsTown ? address : WithLastLine(address, stored.substr(at + 2));
 }
 
 std::string WithOtherTown(const std::string& stored, const std::string& town) {
@@ -34,13 +34,13 @@ std::string WithOtherTown(const std::string& stored, const std::string& town) {
     return hasTwoLines ? stored.substr(0, at) : stored;
   }
   if (LastLine(stored) == town) return stored;
-  return Joined(stored.substr(0, at), town);
+  return WithLastLine(stored.substr(0, at), town);
 }
 
 }  // namespace
 
 std::string ChangedAddress(const std::string& stored, const WrittenAddress& written) {
-  if (written.address && written.town) return Joined(*written.address, *written.town);
+  if (written.address && written.town) return WithLastLine(*written.address, *written.town);
   if (written.address) return WithOtherAddress(stored, *written.address);
   return written.town ? WithOtherTown(stored, *written.town) : stored;
 }

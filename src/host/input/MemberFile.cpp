@@ -10,7 +10,7 @@
 namespace tavi::host {
 namespace {
 
-const std::vector<std::string>& KnownColumnNames() {
+const std::vector<std::string>& MemberColumns() {
   static const std::vector<std::string> names = {
       "club_number", "ebu_number", "title",     "first",       "initials", "last",    "known_as", "sex",      "email",
       "phone",       "mobile",     "join_date", "member_type", "house",    "address", "town",     "postcode", "active"};
@@ -42,11 +42,11 @@ std::string ValueOf(const CsvFile& file, const CsvFile::Row& row, const std::str
   return !active ? "" : *active ? "y" : "n";
 }
 
-MemberLine LineOf(const CsvFile& file, const CsvFile::Row& row) {
+MemberLine MemberIn(const CsvFile& file, const CsvFile::Row& row) {
   MemberLine member;
   member.line = row.line;
   member.number = NumberInCell(file, row, "club_number");
-  for (const std::string& column : KnownColumnNames()) {
+  for (const std::string& column : MemberColumns()) {
     if (column != "club_number" && file.HasColumn(column)) member.values[column] = ValueOf(file, row, column);
   }
   if (!member.number && member.Value("ebu_number").value_or("").empty()) {
@@ -66,7 +66,7 @@ MemberFile ReadMemberFile(const std::string& path, bool passOverUnknown) {
   const CsvFile file = CsvFile::Read(path);
   MemberFile read;
   read.name = path;
-  read.passedOver = UnknownColumns(file, KnownColumnNames(), passOverUnknown);
+  read.passedOver = UnknownColumns(file, MemberColumns(), passOverUnknown);
   if (!file.HasColumn("club_number") && !file.HasColumn("ebu_number")) {
     file.RefuseHeader(
         "the header has neither club_number nor ebu_number; expected one of them, to know the members by");
@@ -74,7 +74,7 @@ MemberFile ReadMemberFile(const std::string& path, bool passOverUnknown) {
   std::set<std::int32_t> numbers;
   std::set<std::string> nationalNumbers;
   for (const CsvFile::Row& row : file.Rows()) {
-    MemberLine member = LineOf(file, row);
+    MemberLine member = MemberIn(file, row);
     if (member.number && !numbers.insert(*member.number).second) {
       file.Refuse(row,
                   "the club number " + std::to_string(*member.number) + " is given to two members; expected each once");

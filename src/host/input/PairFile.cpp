@@ -9,7 +9,7 @@ namespace {
 /// Known because other programs write it; a club's file has no place for it.
 constexpr const char* kSince = "since";
 
-const std::vector<std::string>& KnownColumnNames() {
+const std::vector<std::string>& PairColumns() {
   static const std::vector<std::string> names = {"club_number_1", "club_number_2", "ebu_number_1",
                                                  "ebu_number_2",  "player_1",      "player_2",
                                                  "known_as",      "active",        kSince};
@@ -34,7 +34,7 @@ PairFile ReadPairFile(const std::string& path, bool passOverUnknown) {
   const CsvFile file = CsvFile::Read(path);
   PairFile read;
   read.name = path;
-  read.passedOver = UnknownColumns(file, KnownColumnNames(), passOverUnknown);
+  read.passedOver = UnknownColumns(file, PairColumns(), passOverUnknown);
   if (file.HasColumn(kSince)) read.passedOver.emplace_back(kSince);
   for (const std::string place : {"1", "2"}) {
     if (file.HasColumn("club_number_" + place) || file.HasColumn("ebu_number_" + place)) continue;

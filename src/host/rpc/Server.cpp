@@ -45,7 +45,7 @@ Json IdOf(const Json& request) {
   throw RpcError(RpcCode::InvalidRequest, "Invalid request: " + problem);
 }
 
-void CheckRequest(const Json& request) {
+void RequireRequest(const Json& request) {
   if (!request.is_object()) RefuseRequest("a JSON object is expected");
   const auto version = request.find("jsonrpc");
   if (version == request.end() || *version != "2.0") RefuseRequest(R"("jsonrpc" must be "2.0")");
@@ -83,7 +83,7 @@ const char* IconName(MessageBoxIcon icon) {
   return "Information";
 }
 
-bool IsBlank(const std::string& line) {
+bool IsBlankLine(const std::string& line) {
   return line.find_first_not_of(" \t\r\n") == std::string::npos;
 }
 
@@ -100,7 +100,7 @@ void MessageBoxNotifications::Show(MessageBoxIcon icon, const std::string& title
 }
 
 void Server::Take(const std::string& line) {
-  if (IsBlank(line)) return;
+  if (IsBlankLine(line)) return;
   std::optional<Json> reply;
   try {
     const Json json = ParseRequest(line);
@@ -140,7 +140,7 @@ std::optional<Json> Server::Answer(const Json& request) {
   const Json id = IdOf(request);
   Json reply;
   try {
-    CheckRequest(request);
+    RequireRequest(request);
     reply = {{"jsonrpc", "2.0"}, {"result", CallFor(request)}, {"id", id}};
   } catch (const RpcError& problem) {
     // What is no request at all is answered, as nobody can tell that it is a notification.

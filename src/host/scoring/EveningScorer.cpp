@@ -7,6 +7,7 @@
 #include "facade/DatabaseTransaction.h"
 #include "host/results/XmlElement.h"
 #include "host/scoring/StoredEvents.h"
+#include "host/text/NameFormats.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
@@ -17,7 +18,6 @@ namespace {
 /// The date that stands for today, with no competition left out.
 const Date kToday = Date::FromCivil(2000, 1, 1);
 constexpr double kNeutralHandicap = 50.0;
-constexpr std::int16_t kFirstAndLastName = 5;
 constexpr int kPlaceOfUnplaced = 1'000'000;
 constexpr const char* kGoverningBody = "EBU";
 

@@ -4,15 +4,14 @@
 
 #include "host/scoring/NameFolding.h"
 #include "host/text/Figures.h"
+#include "host/text/NameFormats.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
 namespace {
 
-constexpr std::int16_t kFirstAndLastName = 5;
-constexpr std::int16_t kFamiliarName = 9;
 /// Shorter names are too much alike for slips to be forgiven.
-constexpr std::size_t kShortestForSlips = 6;
+constexpr std::size_t kShortestTypedForSlips = 6;
 
 struct WalkedMember {
   std::int32_t number = 0;
@@ -164,7 +163,7 @@ std::vector<const MemberDirectory::Member*> MemberDirectory::ByInitial(const std
 
 std::vector<const MemberDirectory::Member*> MemberDirectory::BySlip(const std::string& folded) const {
   std::vector<const Member*> found;
-  if (folded.size() < kShortestForSlips) return found;
+  if (folded.size() < kShortestTypedForSlips) return found;
   for (const auto& [number, member] : members_) {
     const bool near = std::any_of(member.writings.begin(), member.writings.end(),
                                   [&](const std::string& writing) { return WithinOneSlip(writing, folded); });

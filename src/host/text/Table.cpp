@@ -57,7 +57,7 @@ bool ReordersText(char32_t c) {
   return (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) || c == 0x2028 || c == 0x2029;
 }
 
-bool IsControl(char32_t c) {
+bool IsControlCharacter(char32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
@@ -89,7 +89,7 @@ std::string Printable(const std::string& text) {
       shown += "\\r";
     } else if (c == U'\t') {
       shown += "\\t";
-    } else if (IsControl(c)) {
+    } else if (IsControlCharacter(c)) {
       shown += fmt::format("\\x{:02x}", static_cast<unsigned>(c));
     } else if (ReordersText(c)) {
       shown += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
@@ -104,7 +104,7 @@ std::string PrintableJson(const std::string& json) {
   std::string shown;
   for (const char32_t c : ToCodePoints(json)) {
     const bool isLayout = c == U'\n';  // between values; in texts it is an escape already
-    if ((IsControl(c) && !isLayout) || ReordersText(c)) {
+    if ((IsControlCharacter(c) && !isLayout) || ReordersText(c)) {
       shown += fmt::format("\\u{:04x}", static_cast<unsigned>(c));
     } else {
       shown += FromCodePoints(std::u32string(1, c));

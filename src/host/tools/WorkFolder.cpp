@@ -19,7 +19,7 @@ constexpr const char* kMarkName = "going-to-its-place";
 /// Another run may take the folder away while this one enters it, which nobody does twice in a moment.
 constexpr int kMostAttempts = 5;
 
-[[noreturn]] void Refuse(const std::string& why) {
+[[noreturn]] void RefuseFolder(const std::string& why) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", why);
 }
 
@@ -80,7 +80,7 @@ WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
   }
   if (const std::error_code code = MakeFolders(folder)) {
     for (const std::string& made : made_) RemoveQuietly(made);
-    Refuse("the folder " + folder + " cannot be made: " + ReasonOf(code));
+    RefuseFolder("the folder " + folder + " cannot be made: " + ReasonOf(code));
   }
 }
 
@@ -98,7 +98,8 @@ WorkFolder::WorkFolder(const std::string& clubFile)
       donePath_(clubFile + kDoneEnding),
       fileSystem_(access::NativeFileSystem()) {
   for (int attempt = 1; !Enter(); ++attempt) {
-    if (attempt == kMostAttempts) Refuse("the folder " + path_ + " is made and removed again and again; try again");
+    if (attempt == kMostAttempts)
+      RefuseFolder("the folder " + path_ + " is made and removed again and again; try again");
   }
   Clear();
   RemoveAll(donePath_);
@@ -168,7 +169,7 @@ std::string WorkFolder::File(const std::string& name) const {
 // False when another run has removed the folder or its lock meanwhile.
 bool WorkFolder::Enter() {
   if (const std::error_code code = MakePrivateFolder(path_))
-    Refuse("the folder " + path_ + " cannot be made: " + ReasonOf(code));
+    RefuseFolder("the folder " + path_ + " cannot be made: " + ReasonOf(code));
   const std::string lockPath = File(kLockName);
   try {
     using Mode = access::FileSystem::OpenMode;
@@ -178,8 +179,8 @@ bool WorkFolder::Enter() {
     return false;
   }
   if (!lock_->TryLock(0, 1, access::File::LockKind::Exclusive)) {
-    Refuse("another program is making or recovering this club: it works in the folder " + path_ +
-           ". Wait until it has finished.");
+    RefuseFolder("another program is making or recovering this club: it works in the folder " + path_ +
+                 ". Wait until it has finished.");
   }
   return lock_->IsStillAt(lockPath);
 }

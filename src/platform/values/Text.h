@@ -41,4 +41,9 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
 /// The pieces of a text between separators; one empty piece for the empty text.
 std::vector<std::string> Split(std::string_view text, char separator);
 
+/// True for 0 to 9.
+constexpr bool IsDigit(char character) {
+  return character >= '0' && character <= '9';
+}
+
 }  // namespace tavi

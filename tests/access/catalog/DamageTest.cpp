@@ -8,12 +8,13 @@
 #include "access/catalog/support/TestFile.h"
 #include "access/file/Format.h"
 #include "access/file/UsageMap.h"
+#include "access/file/support/LongRun.h"
 #include "access/file/support/Random.h"
 
 namespace tavi::access::test {
 namespace {
 
-constexpr int kRounds = 60;
+constexpr std::size_t kRounds = 40;
 
 /// A table with rows on many pages, moved and deleted rows, memos of every form, and indexes of two levels.
 void FillFile(Database& database) {
@@ -71,7 +72,7 @@ class DamageTest : public testing::Test {
 
   /// Damages the file again and again, each time from the sound state, and expects that the check notices.
   void ExpectFound(const std::function<void()>& damage) {
-    for (int round = 0; round < kRounds; ++round) {
+    for (std::size_t round = 0; round < Lengthened(kRounds); ++round) {
       const WriteStatement statement(GetPager());
       damage();
       EXPECT_FALSE(CheckDatabase(file_.Get(), CheckKind::Strict).empty()) << "not found: " << where_;

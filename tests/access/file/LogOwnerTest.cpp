@@ -6,6 +6,7 @@
 
 #include "access/file/LogOwner.h"
 #include "access/file/Pager.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/CrashingFileSystem.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
@@ -17,16 +18,15 @@ namespace {
 
 using test::CrashKind;
 using test::FailingFileSystem;
+using test::kAside;
+using test::kLog;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
 using Bytes = MemoryFileSystem::Bytes;
-
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
-constexpr char kAside[] = "club.mdb.redo-setaside-1";
 
 // A file and the log that a dead program left: page 3 says "ours" in the log, page 6 was written by the checkpoint
 // before.

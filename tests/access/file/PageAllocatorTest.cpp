@@ -7,6 +7,7 @@
 
 #include "access/file/Format.h"
 #include "access/file/UsageMap.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"
 #include "access/file/support/SmallDatabase.h"
@@ -19,10 +20,10 @@ namespace {
 namespace data = format::data;
 namespace usage = format::usage;
 
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 
-constexpr char kPath[] = "club.mdb";
 constexpr RowPointer kGlobal = {1, 0};
 
 class PageAllocatorTest : public ::testing::Test {

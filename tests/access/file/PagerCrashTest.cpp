@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "access/file/Pager.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/CrashingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
@@ -17,14 +18,13 @@ namespace {
 
 using test::CrashingFileSystem;
 using test::CrashKind;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::PageText;
 using test::ReadText;
 using test::SetPageText;
 using test::SimulatedCrash;
-
-constexpr char kPath[] = "club.mdb";
 
 using State = std::vector<std::string>;  // the texts of pages 2, 3, ..., with what page 2 is filled with
 

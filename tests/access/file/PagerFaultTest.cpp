@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "access/file/Pager.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
@@ -12,6 +13,8 @@ namespace {
 
 using test::CrashKind;
 using test::FailingFileSystem;
+using test::kLog;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::PageText;
@@ -19,9 +22,6 @@ using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
 using Operation = FailingFileSystem::Operation;
-
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
 
 // Writes the same text into two pages and a new one, as one statement.
 void WriteEverywhere(Pager& pager, const std::string& text) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "access/file/Pager.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/MemoryFileSystem.h"
@@ -15,6 +16,8 @@ namespace {
 
 using test::CrashKind;
 using test::FailingFileSystem;
+using test::kLog;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::PageText;
@@ -22,9 +25,6 @@ using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
 using Operation = FailingFileSystem::Operation;
-
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
 
 class PagerFlushTest : public ::testing::Test {
  protected:

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "access/file/Pager.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
@@ -13,6 +14,9 @@ namespace tavi::access {
 namespace {
 
 using test::CrashKind;
+using test::kAside;
+using test::kLog;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::PageText;
@@ -20,9 +24,6 @@ using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
 
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
-constexpr char kAside[] = "club.mdb.redo-setaside-1";
 constexpr std::uint64_t kWholeFile = std::numeric_limits<std::uint64_t>::max();
 
 class PagerSharingTest : public ::testing::Test {

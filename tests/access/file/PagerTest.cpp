@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
@@ -14,15 +15,14 @@ namespace tavi::access {
 namespace {
 
 using test::FailingFileSystem;
+using test::kLog;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::PageText;
 using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
-
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
 
 class PagerTest : public ::testing::Test {
  protected:

@@ -6,6 +6,7 @@
 
 #include "access/file/Pager.h"
 #include "access/file/WritingThreads.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
@@ -16,15 +17,14 @@ namespace {
 
 using test::CrashKind;
 using test::FailingFileSystem;
+using test::kLog;
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
 using test::PageText;
 using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
-
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
 
 class PagerTransactionTest : public ::testing::Test {
  protected:

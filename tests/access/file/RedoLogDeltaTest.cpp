@@ -8,6 +8,7 @@
 #include "access/file/Checksum.h"
 #include "access/file/Pager.h"
 #include "access/file/RedoLog.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"
@@ -19,14 +20,14 @@ namespace {
 
 using test::CrashKind;
 using test::FailingFileSystem;
+using test::kLog;
+using test::kPath;
 using test::MemoryFileSystem;
 using test::ReadText;
 using test::WriteText;
 using Operation = FailingFileSystem::Operation;
 using Bytes = MemoryFileSystem::Bytes;
 
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
 constexpr PageNumber kPages = 16;
 
 class RedoLogDeltaTest : public ::testing::Test {

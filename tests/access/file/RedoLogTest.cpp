@@ -5,6 +5,7 @@
 
 #include "access/file/Bytes.h"
 #include "access/file/Checksum.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"
 #include "access/file/support/SmallDatabase.h"
@@ -13,10 +14,10 @@
 namespace tavi::access {
 namespace {
 
+using test::kLog;
+using test::kPath;
 using test::MemoryFileSystem;
 
-constexpr char kPath[] = "club.mdb";
-constexpr char kLog[] = "club.mdb.redo";
 LogOwner MakeOwner() {
   LogOwner owner;
   owner.size = 16 * kPageSize;

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "access/file/Format.h"
+#include "access/file/support/ClubPaths.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"
 #include "access/file/support/SmallDatabase.h"
@@ -17,10 +18,9 @@ namespace {
 namespace data = format::data;
 namespace usage = format::usage;
 
+using test::kPath;
 using test::MakeSmallDatabase;
 using test::MemoryFileSystem;
-
-constexpr char kPath[] = "club.mdb";
 
 class UsageMapTest : public ::testing::Test {
  protected:

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <map>
+#include <span>
 
 #include "access/catalog/Check.h"
+#include "access/file/Checksum.h"
 #include "access/file/Pager.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/StoppingFileSystem.h"
@@ -22,6 +25,16 @@ constexpr std::uint64_t kCheckpointBytes = std::uint64_t{120} << 10U;
 
 std::unique_ptr<Database> OpenFile(const std::shared_ptr<FileSystem>& fileSystem) {
   return std::make_unique<Database>(Pager::Open(fileSystem, kEveningPath, {}));
+}
+
+/// A checksum of all files.
+std::uint64_t BytesOf(const MemoryFileSystem& files) {
+  std::uint64_t sum = 0;
+  for (const std::string& path : files.Paths()) {
+    sum = Checksum(sum, std::span(reinterpret_cast<const std::uint8_t*>(path.data()), path.size()));
+    sum = Checksum(sum, files.Contents(path));
+  }
+  return sum;
 }
 
 /// What may be found at a point of the evening.
@@ -92,12 +105,22 @@ class CrashTest : public testing::TestWithParam<bool> {
     SCOPED_TRACE("seed " + std::to_string(seed_) + ", point " + std::to_string(points_) + ", " + kind);
     ++stops_;
     if (stops_ % 29 == 0) CheckStopsOfTheRecovery(*found, expected);
+    const std::uint64_t bytes = BytesOf(*found);
     const auto database = OpenFile(found);
-    const std::uint64_t digest = DigestOf(*database);
-    EXPECT_TRUE(Allows(expected, digest)) << "not a state from " << expected.first << " to " << expected.last;
-    EXPECT_EQ(CheckDatabase(*database, CheckKind::Strict), std::vector<std::string>());
+    EXPECT_TRUE(Allows(expected, DigestAfterCheck(bytes, *database)))
+        << "not a state from " << expected.first << " to " << expected.last;
     EXPECT_FALSE(found->Exists(std::string(kEveningPath) + ".redo"));
     if (stops_ % 97 == 0) CheckWithAnotherReader(*database, *found);
+  }
+
+  // The digest of what was recovered, which has no faults. The same bytes are read and checked once.
+  std::uint64_t DigestAfterCheck(std::uint64_t bytes, Database& database) {
+    const auto known = checked_.find(bytes);
+    if (known != checked_.end()) return known->second;
+    const std::uint64_t digest = DigestOf(database);
+    EXPECT_EQ(CheckDatabase(database, CheckKind::Strict), std::vector<std::string>());
+    checked_.emplace(bytes, digest);
+    return digest;
   }
 
   [[nodiscard]] bool Allows(Expectation expected, std::uint64_t digest) const {
@@ -113,9 +136,10 @@ class CrashTest : public testing::TestWithParam<bool> {
     const auto check = [&](const MemoryFileSystem& memory) {
       for (const CrashKind kind : {CrashKind::Kept, CrashKind::Dropped, CrashKind::Torn}) {
         ++secondStops_;
-        const auto database = OpenFile(memory.AfterCrash(kind, seed_ + static_cast<std::uint32_t>(secondStops_)));
-        EXPECT_TRUE(Allows(expected, DigestOf(*database))) << "second stop " << secondStops_;
-        EXPECT_EQ(CheckDatabase(*database, CheckKind::Strict), std::vector<std::string>());
+        const auto left = memory.AfterCrash(kind, seed_ + static_cast<std::uint32_t>(secondStops_));
+        const std::uint64_t bytes = BytesOf(*left);
+        const auto database = OpenFile(left);
+        EXPECT_TRUE(Allows(expected, DigestAfterCheck(bytes, *database))) << "second stop " << secondStops_;
       }
     };
     static_cast<void>(OpenFile(std::make_shared<StoppingFileSystem>(again, check)));
@@ -136,6 +160,7 @@ class CrashTest : public testing::TestWithParam<bool> {
   std::uint32_t seed_ = SeedOr(GetParam() ? 20020401 : 19470215);
   std::vector<EveningStep> steps_ = MakeEvening(seed_, Lengthened(120));
   std::vector<std::uint64_t> digests_ = RehearseEvening(steps_);
+  std::map<std::uint64_t, std::uint64_t> checked_;  // checksums of bytes: their digests
   std::size_t points_ = 0;
   std::size_t stops_ = 0;
   std::size_t secondStops_ = 0;
@@ -155,7 +180,8 @@ TEST_P(CrashTest, AStopAtAnyPointLeavesExactlyTheFinishedStatements) {
   EXPECT_EQ(readings_, stops_ / 97);
   RecordProperty("Stops", static_cast<int>(stops_));
   RecordProperty("SecondStops", static_cast<int>(secondStops_));
-  std::cout << stops_ << " stops, " << secondStops_ << " in recoveries, " << readings_ << " read by another program\n";
+  std::cout << stops_ << " stops, " << secondStops_ << " in recoveries, " << checked_.size() << " different contents, "
+            << readings_ << " read by another program\n";
   if (!hasOtherReader_) GTEST_SKIP() << "mdbtools is not installed";
 }
 

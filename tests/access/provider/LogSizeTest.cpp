@@ -11,15 +11,15 @@
 namespace tavi::access::test {
 namespace {
 
-constexpr char kPath[] = "ClubMembers.mdb";
+constexpr char kGrownFile[] = "ClubMembers.mdb";
 constexpr char kLog[] = "ClubMembers.mdb.redo";
 
 class LogSizeTest : public ::testing::Test {
  protected:
   LogSizeTest() {
-    Database::CreateFile(*memory_, kPath, Date{45000});
+    Database::CreateFile(*memory_, kGrownFile, Date{45000});
     connection_ = MakeAccessProvider(memory_, std::make_shared<NoonClock>(), {})
-                      ->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + std::string(kPath));
+                      ->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + std::string(kGrownFile));
     connection_->Execute(
         "Create Table Members (Id Counter Primary Key, LastName Text (30), Born DateTime, Points Long)");
     connection_->Execute("Create Index ByName On Members (LastName)");

@@ -9,18 +9,18 @@
 namespace tavi::access::sql {
 namespace {
 
-struct Case {
+struct ClubStatement {
   std::string_view text;
   std::string_view tree;
 };
 
 template <std::size_t kCount>
-void ExpectTrees(const Case (&cases)[kCount]) {
-  for (const Case& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
+void ExpectClubTrees(const ClubStatement (&cases)[kCount]) {
+  for (const ClubStatement& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
 }
 
 TEST(ClubStatementTrees, OfTheLayoutCheck) {
-  const Case cases[] = {
+  const ClubStatement cases[] = {
       {"Select Top 1 HandicalcSeed From Members", "(select top 1 [HandicalcSeed] from Members)"},
       {"Create Table EBUMembershipList (EBUNumber Long PRIMARY KEY, FirstName Text (50), LastName Text (50), "
        "CountyCode Text "
@@ -55,11 +55,11 @@ TEST(ClubStatementTrees, OfTheLayoutCheck) {
       {"Select top 1 ClubID from ClubNames Where ClubName = 'Melfort'",
        "(select top 1 [ClubID] from ClubNames where (= ClubName 'Melfort'))"},
   };
-  ExpectTrees(cases);
+  ExpectClubTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfMembers) {
-  const Case cases[] = {
+  const ClubStatement cases[] = {
       {"Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc",
        "(select top 1 [MembershipNumber] from Members order [MembershipNumber desc])"},
       {"Select count(*) From Members Where MembershipNumber = 17",
@@ -135,11 +135,11 @@ TEST(ClubStatementTrees, OfMembers) {
       {"Select * from Members where FirstName = 'Jane' And LastName = 'Doe' And Active <> 0",
        "(select [*] from Members where (And (And (= FirstName 'Jane') (= LastName 'Doe')) (<> Active 0L)))"},
   };
-  ExpectTrees(cases);
+  ExpectClubTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfPartnerships) {
-  const Case cases[] = {
+  const ClubStatement cases[] = {
       {"Select * from Partnerships Where LowerPlayer = 3 And HigherPlayer = 7",
        "(select [*] from Partnerships where (And (= LowerPlayer 3L) (= HigherPlayer 7L)))"},
       {"Update Partnerships set Active = 0 Where LowerPlayer = 3 And HigherPlayer = 7",
@@ -165,11 +165,11 @@ TEST(ClubStatementTrees, OfPartnerships) {
        "HigherPlayer 7L)) "
        "(>= HandicalcSeedDate 36526L)))"},
   };
-  ExpectTrees(cases);
+  ExpectClubTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfCompetitionsAndResults) {
-  const Case cases[] = {
+  const ClubStatement cases[] = {
       {"Select * from Competitions Where CompetitionName = 'Club Pairs' And CompetitionDate = 37014",
        "(select [*] from Competitions where (And (= CompetitionName 'Club Pairs') (= CompetitionDate 37014L)))"},
       {"Delete from Results where Competition = 5", "(delete from Results where (= Competition 5L))"},
@@ -190,11 +190,11 @@ TEST(ClubStatementTrees, OfCompetitionsAndResults) {
        "(insert Results [Competition, Player, Partner, ActualPercentage, NetPercentage] values [5L, 3L, 7L, 52.08, "
        "54.5833333333333])"},
   };
-  ExpectTrees(cases);
+  ExpectClubTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfHandicaps) {
-  const Case cases[] = {
+  const ClubStatement cases[] = {
       {"Delete from HandicalcSettings", "(delete from HandicalcSettings)"},
       {"Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
        "RegularPairAdd, "
@@ -226,7 +226,7 @@ TEST(ClubStatementTrees, OfHandicaps) {
        "(And (= "
        "Player 7L) (= Partner 3L))) (<> IncludeInHandicapCalculations 0L)) order [Competitions.CompetitionDate desc])"},
   };
-  ExpectTrees(cases);
+  ExpectClubTrees(cases);
 }
 
 }  // namespace

@@ -10,14 +10,14 @@ std::string Read(std::string_view text, DateOrder order) {
   return date ? date->Iso() : "none";
 }
 
-struct Case {
+struct DateTextCase {
   std::string_view text;
   std::string_view monthFirst;
   std::string_view dayFirst;
 };
 
 TEST(DateText, ReadsTheUsualForms) {
-  const Case cases[] = {
+  const DateTextCase cases[] = {
       {"5/3/2001", "2001-05-03", "2001-03-05"},
       {"5-3-2001", "2001-05-03", "2001-03-05"},
       {"5.3.2001", "2001-05-03", "2001-03-05"},
@@ -46,7 +46,7 @@ TEST(DateText, ReadsTheUsualForms) {
       {"12/31/9999", "9999-12-31", "9999-12-31"},
       {"1899-12-29 06:00", "1899-12-29T06:00:00", "1899-12-29T06:00:00"},
   };
-  for (const Case& one : cases) {
+  for (const DateTextCase& one : cases) {
     EXPECT_EQ(Read(one.text, DateOrder::MonthFirst), one.monthFirst) << one.text;
     EXPECT_EQ(Read(one.text, DateOrder::DayFirst), one.dayFirst) << one.text;
   }

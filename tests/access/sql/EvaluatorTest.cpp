@@ -12,18 +12,18 @@
 namespace tavi::access::sql {
 namespace {
 
-struct Case {
+struct ResultCase {
   std::string_view expression;
   std::string_view result;
 };
 
 template <std::size_t kCount>
-void ExpectResults(const Case (&cases)[kCount]) {
-  for (const Case& one : cases) EXPECT_EQ(ResultOf(one.expression), one.result) << one.expression;
+void ExpectResults(const ResultCase (&cases)[kCount]) {
+  for (const ResultCase& one : cases) EXPECT_EQ(ResultOf(one.expression), one.result) << one.expression;
 }
 
 TEST(Evaluate, WholeNumbersGiveLongUntilTheyDoNotFit) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"1 + 2", "3L"},
       {"Whole + Small", "207L"},
       {"Whole * -3", "-21L"},
@@ -39,7 +39,7 @@ TEST(Evaluate, WholeNumbersGiveLongUntilTheyDoNotFit) {
 }
 
 TEST(Evaluate, DivisionAndPowers) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"6 / 3", "2"},
       {"1 / 4", "0.25"},
       {"7 \\ 2", "3L"},
@@ -66,7 +66,7 @@ TEST(Evaluate, DivisionAndPowers) {
       {"1e308 + 1e308", "error 0006"},
       {"(-2147483647 - 1) Mod -1", "error 0006"},
   };
-  for (const Case& one : cases) {
+  for (const ResultCase& one : cases) {
     if (one.expression.starts_with("(-2147483647")) continue;
     EXPECT_EQ(ResultOf(one.expression), one.result) << one.expression;
   }
@@ -75,7 +75,7 @@ TEST(Evaluate, DivisionAndPowers) {
 }
 
 TEST(Evaluate, AmountsStayExact) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"Money + 1", "13.3456C"},
       {"Money - Money", "0C"},
       {"Money * Money", "152.4138C"},
@@ -96,7 +96,7 @@ TEST(Evaluate, AmountsStayExact) {
 }
 
 TEST(Evaluate, DatesAndNumbers) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"#5/3/2001# + 1", "#2001-05-04#"},
       {"1 + #5/3/2001#", "#2001-05-04#"},
       {"#5/3/2001# - 0.5", "#2001-05-02T12:00:00#"},
@@ -112,7 +112,7 @@ TEST(Evaluate, DatesAndNumbers) {
 }
 
 TEST(Evaluate, TextsJoin) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"'a' & 'b'", "'ab'"},
       {"'a' + 'b'", "'ab'"},
       {"'a' & 1.5", "'a1.5'"},
@@ -138,7 +138,7 @@ TEST(Evaluate, TextsJoin) {
 }
 
 TEST(Evaluate, ComparesValuesThatGoTogether) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"1 = 1.0", "True"},
       {"1 < 2", "True"},
       {"Whole >= 7", "True"},
@@ -174,7 +174,7 @@ TEST(Evaluate, ComparesValuesThatGoTogether) {
 }
 
 TEST(Evaluate, NullIsNeitherTrueNorFalse) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"Nothing = Null", "Null"},
       {"Nothing <> 1", "Null"},
       {"1 + Null", "Null"},
@@ -210,7 +210,7 @@ TEST(Evaluate, NullIsNeitherTrueNorFalse) {
 }
 
 TEST(Evaluate, LogicTakesNumbersForTruth) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"True And True", "True"},
       {"True And False", "False"},
       {"False Or True", "True"},
@@ -239,7 +239,7 @@ TEST(Evaluate, LogicTakesNumbersForTruth) {
 }
 
 TEST(Evaluate, BetweenTakesItsBoundsInEitherOrder) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"5 Between 1 And 10", "True"},
       {"5 Between 10 And 1", "True"},
       {"1 Between 1 And 10", "True"},
@@ -253,7 +253,7 @@ TEST(Evaluate, BetweenTakesItsBoundsInEitherOrder) {
 }
 
 TEST(Evaluate, InAndLike) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"2 In (1, 2.0, 3)", "True"},    {"'B' In ('a', 'b')", "True"},   {"4 Not In (1, 2)", "True"},
       {"2 In (2, 'x')", "True"},       {"3 In (2, 'x')", "error 0E07"}, {"Name Like 'é%'", "True"},
       {"Name Not Like 'é*'", "False"}, {"12.5 Like '12*'", "True"},     {"'a' Like '[b'", "error 4005"},
@@ -262,7 +262,7 @@ TEST(Evaluate, InAndLike) {
 }
 
 TEST(Evaluate, SubselectsComeFromTheScope) {
-  const Case cases[] = {
+  const ResultCase cases[] = {
       {"1 In (Select a From T)", "True"},          {"5 In (Select a From T)", "Null"},
       {"5 In (Select a From None)", "False"},      {"5 Not In (Select a From None)", "True"},
       {"Exists (Select a From T)", "True"},        {"Exists (Select a From None)", "False"},

@@ -5,13 +5,13 @@
 namespace tavi::access::test {
 namespace {
 
-struct Case {
+struct RefusedStatement {
   const char* text;
   std::uint32_t number;
   const char* part;  // of the description
 };
 
-class ExecutionErrorTest : public ::testing::TestWithParam<Case> {};
+class ExecutionErrorTest : public ::testing::TestWithParam<RefusedStatement> {};
 
 TEST_P(ExecutionErrorTest, SaysWhatIsWrong) {
   SqlFile file;
@@ -25,32 +25,36 @@ TEST_P(ExecutionErrorTest, SaysWhatIsWrong) {
 INSTANTIATE_TEST_SUITE_P(
     Statements, ExecutionErrorTest,
     ::testing::Values(
-        Case{"Select * From Nowhere", 0x80040E37U, "Nowhere"}, Case{"Update Nowhere Set X = 1", 0x80040E37U, "Nowhere"},
-        Case{"Insert into Nowhere (X) Values (1)", 0x80040E37U, "Nowhere"},
-        Case{"Delete From Nowhere", 0x80040E37U, "Nowhere"},
-        Case{"Select Shoe From Members", 0x80040E10U, "No value given for one or more required parameters"},
-        Case{"Select Members.Shoe From Members", 0x80040E10U, "Members.Shoe"},
-        Case{"Select FirstName From Members Where Shoe = 1", 0x80040E10U, "Shoe"},
-        Case{"Select FirstName From Members Order By Shoe", 0x80040E10U, "Shoe"},
-        Case{"Select FirstName From Members Where MembershipNumber In (Select Shoe From Results)", 0x80040E10U, "Shoe"},
-        Case{"Update Members Set Shoe = 1", 0x80040E10U, "Shoe"},
-        Case{"Insert into Members (Shoe) Values (1)", 0x80040E10U, "Shoe"},
-        Case{"Insert into Members (FirstName) Values (Shoe)", 0x80040E10U, "Shoe"},
-        Case{"Select ID From MasterPoints, Competitions", 0x80004005U, "more than one table"},
-        Case{"Select 1 From Members, Members", 0x80040E14U, "AS"},
-        Case{"Select FirstName, Count(*) From Members", 0x80040E14U, "FirstName"},
-        Case{"Select LastName From Members Group By FirstName", 0x80040E14U, "GROUP BY"},
-        Case{"Select FirstName From Members Where Count(*) > 1", 0x80040E14U, "WHERE"},
-        Case{"Select Sum(Count(*)) From Members", 0x80040E14U, "within another"},
-        Case{"Select * From Members Group By FirstName", 0x80040E14U, "SELECT *"},
-        Case{"Select *", 0x80040E14U, "FROM"},
-        Case{"Select FirstName From Members Order By 2", 0x80040E14U, "ORDER BY 2"},
-        Case{"Select FirstName From Members Union Select FirstName, LastName From Members", 0x80040E14U, "columns"},
-        Case{"Select FirstName As A, LastName As a From Members", 0x80040E14U, "name"},
-        Case{"Select Sum(FirstName) From Members", 0x80040E07U, "Sum"},
-        Case{"Select FirstName From Members Where FirstName = 1", 0x80040E07U, "mismatch"},
-        Case{"Update Members Set FirstName = 'a', FirstName = 'b'", 0x80040E14U, "twice"},
-        Case{"Update Members Set Handicap = 'many'", 0x80040E07U, "Handicap"}, Case{"Selekt", 0x80040E14U, "Selekt"}));
+        RefusedStatement{"Select * From Nowhere", 0x80040E37U, "Nowhere"},
+        RefusedStatement{"Update Nowhere Set X = 1", 0x80040E37U, "Nowhere"},
+        RefusedStatement{"Insert into Nowhere (X) Values (1)", 0x80040E37U, "Nowhere"},
+        RefusedStatement{"Delete From Nowhere", 0x80040E37U, "Nowhere"},
+        RefusedStatement{"Select Shoe From Members", 0x80040E10U, "No value given for one or more required parameters"},
+        RefusedStatement{"Select Members.Shoe From Members", 0x80040E10U, "Members.Shoe"},
+        RefusedStatement{"Select FirstName From Members Where Shoe = 1", 0x80040E10U, "Shoe"},
+        RefusedStatement{"Select FirstName From Members Order By Shoe", 0x80040E10U, "Shoe"},
+        RefusedStatement{"Select FirstName From Members Where MembershipNumber In (Select Shoe From Results)",
+                         0x80040E10U, "Shoe"},
+        RefusedStatement{"Update Members Set Shoe = 1", 0x80040E10U, "Shoe"},
+        RefusedStatement{"Insert into Members (Shoe) Values (1)", 0x80040E10U, "Shoe"},
+        RefusedStatement{"Insert into Members (FirstName) Values (Shoe)", 0x80040E10U, "Shoe"},
+        RefusedStatement{"Select ID From MasterPoints, Competitions", 0x80004005U, "more than one table"},
+        RefusedStatement{"Select 1 From Members, Members", 0x80040E14U, "AS"},
+        RefusedStatement{"Select FirstName, Count(*) From Members", 0x80040E14U, "FirstName"},
+        RefusedStatement{"Select LastName From Members Group By FirstName", 0x80040E14U, "GROUP BY"},
+        RefusedStatement{"Select FirstName From Members Where Count(*) > 1", 0x80040E14U, "WHERE"},
+        RefusedStatement{"Select Sum(Count(*)) From Members", 0x80040E14U, "within another"},
+        RefusedStatement{"Select * From Members Group By FirstName", 0x80040E14U, "SELECT *"},
+        RefusedStatement{"Select *", 0x80040E14U, "FROM"},
+        RefusedStatement{"Select FirstName From Members Order By 2", 0x80040E14U, "ORDER BY 2"},
+        RefusedStatement{"Select FirstName From Members Union Select FirstName, LastName From Members", 0x80040E14U,
+                         "columns"},
+        RefusedStatement{"Select FirstName As A, LastName As a From Members", 0x80040E14U, "name"},
+        RefusedStatement{"Select Sum(FirstName) From Members", 0x80040E07U, "Sum"},
+        RefusedStatement{"Select FirstName From Members Where FirstName = 1", 0x80040E07U, "mismatch"},
+        RefusedStatement{"Update Members Set FirstName = 'a', FirstName = 'b'", 0x80040E14U, "twice"},
+        RefusedStatement{"Update Members Set Handicap = 'many'", 0x80040E07U, "Handicap"},
+        RefusedStatement{"Selekt", 0x80040E14U, "Selekt"}));
 
 TEST(ExecutionError, AReadOnlyFileIsNotChanged) {
   TestFile file;

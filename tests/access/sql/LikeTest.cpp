@@ -7,14 +7,14 @@
 namespace tavi::access::sql {
 namespace {
 
-struct Case {
+struct LikeCase {
   std::string_view text;
   std::string_view pattern;
   bool matches;
 };
 
 TEST(LikePattern, MatchesAsDescribed) {
-  const Case cases[] = {
+  const LikeCase cases[] = {
       {"Smith", "smith", true},
       {"Smith", "Smit", false},
       {"Smith", "S*", true},
@@ -58,7 +58,7 @@ TEST(LikePattern, MatchesAsDescribed) {
       {"Łukasz", "ł*sz", true},
       {"a\nb", "a?b", true},
   };
-  for (const Case& one : cases) {
+  for (const LikeCase& one : cases) {
     EXPECT_EQ(LikePattern(one.pattern).Matches(one.text), one.matches) << one.text << " Like " << one.pattern;
   }
 }

@@ -7,7 +7,7 @@
 namespace tavi::access::sql {
 namespace {
 
-struct Case {
+struct ErrorCase {
   std::string_view text;
   std::string_view message;
 };
@@ -29,7 +29,7 @@ std::string MessageOf(std::string_view text) {
 }
 
 TEST(ParserErrors, SayWhatWasFoundExpectedAndWhere) {
-  const Case cases[] = {
+  const ErrorCase cases[] = {
       {"",
        "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER, DROP, "
        "BEGIN, COMMIT and ROLLBACK (character 1 of \"\")."},
@@ -138,7 +138,7 @@ TEST(ParserErrors, SayWhatWasFoundExpectedAndWhere) {
       {"Select * From T In 'other.mdb'",
        "Tables of other files cannot be named in a statement (character 17 of \"Select * From T In 'other.mdb'\")."},
   };
-  for (const Case& one : cases) EXPECT_EQ(MessageOf(one.text), one.message) << one.text;
+  for (const ErrorCase& one : cases) EXPECT_EQ(MessageOf(one.text), one.message) << one.text;
 }
 
 TEST(ParserErrors, PlacesAreCountedInCharactersNotBytes) {
@@ -149,7 +149,7 @@ TEST(ParserErrors, PlacesAreCountedInCharactersNotBytes) {
 }
 
 TEST(ParserErrors, FunctionsAreCheckedWithTheStatement) {
-  const Case cases[] = {
+  const ErrorCase cases[] = {
       {"Select Foo(1)", "Undefined function 'Foo' in expression (character 8 of \"Select Foo(1)\")."},
       {"Select Len()",
        "Wrong number of arguments used with function 'Len' in expression (character 8 of \"Select Len()\")."},
@@ -165,7 +165,7 @@ TEST(ParserErrors, FunctionsAreCheckedWithTheStatement) {
       {"Select Len(Distinct a) From T",
        "DISTINCT has no meaning in 'Len' (character 8 of \"Select Len(Distinct a) From T\")."},
   };
-  for (const Case& one : cases) EXPECT_EQ(MessageOf(one.text), one.message) << one.text;
+  for (const ErrorCase& one : cases) EXPECT_EQ(MessageOf(one.text), one.message) << one.text;
 }
 
 TEST(ParserErrors, ExpressionsToo) {

@@ -8,18 +8,18 @@
 namespace tavi::access::sql {
 namespace {
 
-struct Case {
+struct TreeCase {
   std::string_view text;
   std::string_view tree;
 };
 
 template <std::size_t kCount>
-void ExpectTrees(const Case (&cases)[kCount]) {
-  for (const Case& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
+void ExpectTrees(const TreeCase (&cases)[kCount]) {
+  for (const TreeCase& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
 }
 
 TEST(ParseExpression, OperatorsBindAsTheyShould) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"1+2*3", "(+ 1L (* 2L 3L))"},
       {"(1+2)*3", "(* (+ 1L 2L) 3L)"},
       {"1-2-3", "(- (- 1L 2L) 3L)"},
@@ -49,11 +49,11 @@ TEST(ParseExpression, OperatorsBindAsTheyShould) {
       {"a And b And c And d And e", "(And (And (And a b) c) (And d e))"},
       {"a < b And c >= d", "(And (< a b) (>= c d))"},
   };
-  for (const Case& one : cases) EXPECT_EQ(TreeText(*ParseExpression(one.text)), one.tree) << one.text;
+  for (const TreeCase& one : cases) EXPECT_EQ(TreeText(*ParseExpression(one.text)), one.tree) << one.text;
 }
 
 TEST(ParseExpression, PredicatesMayBeNegated) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"a Between 1 And 2 And b", "(And (between a 1L 2L) b)"},
       {"a Not Between 1 + 1 And 2", "(not-between a (+ 1L 1L) 2L)"},
       {"a In (1, 'x', b)", "(in a 1L 'x' b)"},
@@ -71,11 +71,11 @@ TEST(ParseExpression, PredicatesMayBeNegated) {
       {"a <> Some (Select b From T) And c", "(And (<>-any a (select [b] from T)) c)"},
       {"1 + (Select Max(b) From T)", "(+ 1L (value (select [(call Max b)] from T)))"},
   };
-  for (const Case& one : cases) EXPECT_EQ(TreeText(*ParseExpression(one.text)), one.tree) << one.text;
+  for (const TreeCase& one : cases) EXPECT_EQ(TreeText(*ParseExpression(one.text)), one.tree) << one.text;
 }
 
 TEST(ParseExpression, NamesConstantsAndFunctions) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Competitions.ID", "Competitions.ID"},
       {"[My Table]![My Column]", "My Table.My Column"},
       {"T.Order", "T.Order"},
@@ -98,7 +98,7 @@ TEST(ParseExpression, NamesConstantsAndFunctions) {
       {"= 'EBU'", "'EBU'"},
       {"\"EBU\"", "'EBU'"},
   };
-  for (const Case& one : cases) EXPECT_EQ(TreeText(*ParseExpression(one.text)), one.tree) << one.text;
+  for (const TreeCase& one : cases) EXPECT_EQ(TreeText(*ParseExpression(one.text)), one.tree) << one.text;
 }
 
 TEST(ParseExpression, FunctionsAreFoundOnce) {
@@ -113,7 +113,7 @@ TEST(ParseExpression, PositionsPointAtTheOperator) {
 }
 
 TEST(ParseSelect, ListsAndPredicates) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Select 1", "(select [1L])"},
       {"select * from T;", "(select [*] from T)"},
       {"Select All a From T", "(select [a] from T)"},
@@ -133,7 +133,7 @@ TEST(ParseSelect, ListsAndPredicates) {
 }
 
 TEST(ParseSelect, SourcesJoinAsWritten) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Select * From T As a, U b, V", "(select [*] from (cross (cross T as a U as b) V))"},
       {"Select * From A Inner Join B On A.x = B.x", "(select [*] from (inner A B on (= A.x B.x)))"},
       {"Select * From A Join B On x = y", "(select [*] from (inner A B on (= x y)))"},
@@ -157,7 +157,7 @@ TEST(ParseSelect, SourcesJoinAsWritten) {
 }
 
 TEST(ParseSelect, ClausesInTheirOrder) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Select a, Count(*) From T Where b > 0 Group By a, c + 1 Having Count(*) > 1 Order By a Desc, b Asc, 3",
        "(select [a, (call Count *)] from T where (> b 0L) group [a, (+ c 1L)] having (> (call Count *) 1L) order [a "
        "desc, b, "
@@ -172,7 +172,7 @@ TEST(ParseSelect, ClausesInTheirOrder) {
 }
 
 TEST(ParseChanges, InsertUpdateDelete) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Insert Into T Values (1, 'a', Null)", "(insert T values [1L, 'a', Null])"},
       {"Insert Into T (a, [b c], Order) Values (-1, Date(), 2+3)",
        "(insert T [a, b c, Order] values [-1L, (call Date), (+ 2L 3L)])"},
@@ -191,7 +191,7 @@ TEST(ParseChanges, InsertUpdateDelete) {
 }
 
 TEST(ParseDefinitions, TablesColumnsIndexes) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Create Table T (a Long)", "(create T [a Long])"},
       {"Create Table T (a Counter Primary Key, b Text (50) Not Null, c Text Default 'x y' Unique, d Bit Default No)",
        "(create T [a Long auto, b Text(50) required, c Text(255) default <'x y'>, d Boolean default <No>] (index "
@@ -241,7 +241,7 @@ TEST(ParseDefinitions, TablesColumnsIndexes) {
 }
 
 TEST(ParseDefinitions, EveryTypeWordIsKnown) {
-  const Case cases[] = {
+  const TreeCase cases[] = {
       {"Bit", "Boolean"},
       {"YesNo", "Boolean"},
       {"Boolean", "Boolean"},
@@ -291,7 +291,7 @@ TEST(ParseDefinitions, EveryTypeWordIsKnown) {
       {"Numeric(10)", "Numeric(10.0)"},
       {"Decimal (28, 28)", "Numeric(28.28)"},
   };
-  for (const Case& one : cases) {
+  for (const TreeCase& one : cases) {
     EXPECT_EQ(TreeText(Parse("Create Table T (c " + std::string(one.text) + ")")),
               "(create T [c " + std::string(one.tree) + "])");
     EXPECT_EQ(TreeText(Parse("Alter Table T Add Column c " + std::string(one.text))),

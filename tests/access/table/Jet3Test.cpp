@@ -26,13 +26,13 @@ using FileBytes = std::vector<std::uint8_t>;
 namespace jet3 = format::jet3;
 
 constexpr FormatVersion kVersion = {true, 1252};
-constexpr const char* kPath = "old.mdb";
+constexpr const char* kOldFile = "old.mdb";
 
 // ---------------------------------------------------------------------------------------------------------------------
 // Rows
 // ---------------------------------------------------------------------------------------------------------------------
 
-RowValues Decoded(const FileBytes& bytes, const TableDefinition& definition) {
+RowValues DecodedOld(const FileBytes& bytes, const TableDefinition& definition) {
   const RowView row(bytes, kVersion, {5, 0});
   RowValues values;
   for (const ColumnDefinition& column : definition.columns) values.push_back(row.Get(column));
@@ -43,14 +43,14 @@ TEST(Jet3Row, AShortRowHasOneByteOffsets) {
   const TableDefinition definition =
       PlanTable({{"n", ColumnType::Long}, TextColumn("t", 50), TextColumn("u", 50), {"b", ColumnType::Boolean}});
   const auto bytes = FromHex("04 | 07 00 00 00 | 41 E9 | 42 | 08 07 05 | 02 | 0F");
-  EXPECT_EQ(Decoded(bytes, definition), (RowValues{std::int32_t{7}, "A\u00E9"s, "B"s, true}));
+  EXPECT_EQ(DecodedOld(bytes, definition), (RowValues{std::int32_t{7}, "A\u00E9"s, "B"s, true}));
 }
 
 TEST(Jet3Row, NullsAndColumnsThatCameLaterAreNull) {
   const TableDefinition definition =
       PlanTable({{"n", ColumnType::Long}, TextColumn("t", 50), TextColumn("u", 50), {"m", ColumnType::Long}});
   const auto bytes = FromHex("02 | 07 00 00 00 | 41 | 06 05 | 01 | 02");
-  EXPECT_EQ(Decoded(bytes, definition), (RowValues{Null{}, "A"s, Null{}, Null{}}));
+  EXPECT_EQ(DecodedOld(bytes, definition), (RowValues{Null{}, "A"s, Null{}, Null{}}));
 }
 
 // A row of texts of the given lengths behind the column count, with the jump table that Access writes.
@@ -99,7 +99,7 @@ TEST(Jet3Row, ALongRowHasAJumpTable) {
       columns.push_back(TextColumn("t" + std::to_string(i), 255));
       expected.emplace_back(std::string(lengths[i], static_cast<char>('a' + i)));
     }
-    EXPECT_EQ(Decoded(LongRow(lengths), PlanTable(columns)), expected) << lengths.size() << " texts";
+    EXPECT_EQ(DecodedOld(LongRow(lengths), PlanTable(columns)), expected) << lengths.size() << " texts";
   }
 }
 
@@ -113,7 +113,8 @@ TEST(Jet3Row, DamagedRowsGiveAnAnswerOrAnError) {
       bytes[offset] = static_cast<std::uint8_t>(value);
       for (std::size_t length = 0; length <= bytes.size(); ++length) {
         try {
-          static_cast<void>(Decoded({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)}, definition));
+          static_cast<void>(
+              DecodedOld({bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length)}, definition));
         } catch (const Error& error) {
           EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
         }
@@ -241,8 +242,8 @@ FileBytes OldFile() {
 class Jet3File : public ::testing::Test {
  protected:
   Jet3File() {
-    files_->SetContents(kPath, OldFile());
-    pager_ = Pager::Open(files_, kPath, {});
+    files_->SetContents(kOldFile, OldFile());
+    pager_ = Pager::Open(files_, kOldFile, {});
     pager_->BeginRead();
   }
 

@@ -24,12 +24,8 @@ const ColumnPlan kMemo = {"Notes", ColumnType::Memo};
 const ColumnPlan kCompressedMemo = {"Notes", ColumnType::Memo, 0, true};
 const ColumnPlan kOle = {"Picture", ColumnType::Ole};
 
-ColumnDefinition Column(const ColumnPlan& plan) {
-  return PlanTable({plan}).columns.front();
-}
-
 PreparedLongValue Prepare(const Value& value, const ColumnPlan& plan) {
-  return PrepareLongValue(value, Column(plan));
+  return PrepareLongValue(value, PlanColumn(plan));
 }
 
 std::string Text(std::size_t length) {

@@ -16,7 +16,7 @@
 namespace tavi::access::test {
 namespace {
 
-constexpr std::size_t kMemo = 1;
+constexpr std::size_t kMemoColumn = 1;
 constexpr std::size_t kText = 2;
 constexpr std::size_t kTextLength = 200'000;
 
@@ -31,7 +31,7 @@ class ReferredBytesOfATable : public ::testing::Test {
   std::pair<PageNumber, std::size_t> PlaceOfMemo(RowPointer row) {
     const FoundRow found = *RowFinder(table_.File(), table_.Definition().page).Find(row);
     const RowView view(found.bytes, FormatVersion(), row);
-    const auto stored = view.Stored(table_.Definition().columns[kMemo]);
+    const auto stored = view.Stored(table_.Definition().columns[kMemoColumn]);
     return {found.body.page, static_cast<std::size_t>(stored.data() - found.page->All().data())};
   }
   std::uint32_t NumberAt(std::pair<PageNumber, std::size_t> place) {
@@ -65,7 +65,8 @@ class ReferredBytesOfATable : public ::testing::Test {
     rows.Walk([&](RowPointer row) {
       try {
         const RowValues values = rows.Read(row);
-        reading.bytes += std::get<std::string>(values[kMemo]).size() + std::get<std::string>(values[kText]).size();
+        reading.bytes +=
+            std::get<std::string>(values[kMemoColumn]).size() + std::get<std::string>(values[kText]).size();
         ++reading.rows;
       } catch (const Error& error) {
         EXPECT_NE(error.Description().find("refers to bytes elsewhere"), std::string::npos) << error.Description();

@@ -13,14 +13,10 @@
 namespace tavi::access::test {
 namespace {
 
-ColumnDefinition Column(const ColumnPlan& plan) {
-  return PlanTable({plan}).columns.front();
-}
-
 // Both ways: the value has these bytes, the bytes are this value.
 void ExpectStored(const ColumnPlan& plan, const Value& value, std::string_view hex) {
-  EXPECT_EQ(ToHex(EncodeValue(value, Column(plan))), ToHex(FromHex(hex)));
-  EXPECT_EQ(DecodeValue(FromHex(hex), Column(plan), {}), value);
+  EXPECT_EQ(ToHex(EncodeValue(value, PlanColumn(plan))), ToHex(FromHex(hex)));
+  EXPECT_EQ(DecodeValue(FromHex(hex), PlanColumn(plan), {}), value);
 }
 
 TEST(ValueCodec, IntegersAreLittleEndian) {
@@ -61,14 +57,14 @@ TEST(ValueCodec, NumericWordsAreInBigEndianOrderAndBytesInThemNot) {
 }
 
 TEST(ValueCodec, ZeroIsNeverStoredNegative) {
-  const ColumnDefinition column = Column({"n", ColumnType::Numeric});
+  const ColumnDefinition column = PlanColumn({"n", ColumnType::Numeric});
   EXPECT_EQ(EncodeValue(Decimal{true, 0, 0, 0}, column), EncodeValue(Decimal{false, 0, 0, 0}, column));
 }
 
 TEST(ValueCodec, FixedTextIsPlainAndPaddedWithBlanks) {
   const ColumnPlan plan = {"f", ColumnType::Text, 10, true, true};
-  EXPECT_EQ(ToHex(EncodeValue(std::string("abc"), Column(plan))), "61 00 62 00 63 00 20 00 20 00");
-  EXPECT_EQ(DecodeValue(FromHex("61 00 62 00 63 00 20 00 20 00"), Column(plan), {}), Value("abc  "));
+  EXPECT_EQ(ToHex(EncodeValue(std::string("abc"), PlanColumn(plan))), "61 00 62 00 63 00 20 00 20 00");
+  EXPECT_EQ(DecodeValue(FromHex("61 00 62 00 63 00 20 00 20 00"), PlanColumn(plan), {}), Value("abc  "));
 }
 
 TEST(ValueCodec, BinaryIsTheBytesThemselves) {
@@ -76,14 +72,14 @@ TEST(ValueCodec, BinaryIsTheBytesThemselves) {
 }
 
 TEST(ValueCodec, AnUnknownTypeIsReadAsBytes) {
-  ColumnDefinition column = Column({"x", ColumnType::Binary, 3, false, false});
+  ColumnDefinition column = PlanColumn({"x", ColumnType::Binary, 3, false, false});
   column.type = static_cast<ColumnType>(0x33);
   EXPECT_EQ(DecodeValue(FromHex("01 02 03"), column, {}), Value(Bytes{1, 2, 3}));
 }
 
 TEST(ValueCodec, TooFewBytesAreDamageThatNamesTheField) {
   try {
-    static_cast<void>(DecodeValue(FromHex("01 02 03"), Column({"Age", ColumnType::Long}), {}));
+    static_cast<void>(DecodeValue(FromHex("01 02 03"), PlanColumn({"Age", ColumnType::Long}), {}));
     FAIL() << "no error";
   } catch (const Error& error) {
     EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
@@ -93,7 +89,7 @@ TEST(ValueCodec, TooFewBytesAreDamageThatNamesTheField) {
 
 TEST(ValueCodec, AValueOfAnotherTypeIsRefused) {
   try {
-    static_cast<void>(EncodeValue(std::string("12"), Column({"Age", ColumnType::Long})));
+    static_cast<void>(EncodeValue(std::string("12"), PlanColumn({"Age", ColumnType::Long})));
     FAIL() << "no error";
   } catch (const Error& error) {
     EXPECT_TRUE(error.Is(ErrorNumber::ProviderTypeConflict));

@@ -11,11 +11,10 @@ namespace tavi {
 namespace {
 
 using testing::FaultyClub;
+using testing::kFault;
 using testing::ProviderCall;
 using testing::ProviderCalls;
 using Kind = ProviderCall::Kind;
-
-const Error kFault(static_cast<std::int32_t>(0x8004FA17), "Disk 7", "The drive door is open; close it.");
 
 class FirstOpenFaultTest : public ::testing::Test {
  protected:

@@ -10,9 +10,8 @@ namespace tavi {
 namespace {
 
 using testing::FaultyClub;
+using testing::kFault;
 using Texts = std::vector<std::string>;
-
-const Error kFault(static_cast<std::int32_t>(0x8004FA17), "Disk 7", "The drive door is open; close it.");
 
 /// A club's file that is made older by some statements.
 class LayoutFaultTest : public ::testing::Test {

@@ -11,12 +11,11 @@ namespace {
 
 using testing::ErrorFate;
 using testing::FaultyClub;
+using testing::kFault;
 using testing::Operation;
 using testing::Progress;
 using testing::ProviderCall;
 using Texts = std::vector<std::string>;
-
-const Error kFault(static_cast<std::int32_t>(0x8004FA17), "Disk 7", "The drive door is open; close it.");
 
 /// What a call of an operation came to.
 struct Outcome {

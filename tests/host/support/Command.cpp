@@ -35,6 +35,13 @@ void RemoveAll(const std::filesystem::path& folder) {
 
 }  // namespace
 
+std::string ReadFile(const std::filesystem::path& path) {
+  std::ifstream stream(path, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
 CommandFolder::CommandFolder() {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
   std::string name = std::string(test->test_suite_name()) + "-" + test->name();

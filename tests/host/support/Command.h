@@ -13,6 +13,9 @@ struct Outcome {
   std::string error;
 };
 
+/// The bytes of a file.
+[[nodiscard]] std::string ReadFile(const std::filesystem::path& path);
+
 /// A folder of one test, gone afterwards, and the command run in it.
 class CommandFolder {
  public:

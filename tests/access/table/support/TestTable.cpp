@@ -16,7 +16,7 @@ namespace {
 namespace data = format::data;
 
 constexpr PageNumber kFirstPages = 6;  // header, global map and the fixed places of the system tables
-constexpr const char* kPath = "test.mdb";
+constexpr const char* kTestFile = "test.mdb";
 
 bool MayBeFixed(const ColumnPlan& plan) {
   switch (plan.type) {
@@ -65,7 +65,7 @@ void AppendColumn(TableDefinition& definition, const ColumnPlan& plan) {
 
 std::shared_ptr<MemoryFileSystem> MakeFiles() {
   auto files = std::make_shared<MemoryFileSystem>();
-  Pager::Create(*files, kPath, MakeSmallDatabase(kFirstPages));
+  Pager::Create(*files, kTestFile, MakeSmallDatabase(kFirstPages));
   return files;
 }
 
@@ -85,9 +85,13 @@ TableDefinition PlanTable(const std::vector<ColumnPlan>& columns) {
   return definition;
 }
 
+ColumnDefinition PlanColumn(const ColumnPlan& plan) {
+  return PlanTable({plan}).columns.front();
+}
+
 TestTable::TestTable(const std::vector<ColumnPlan>& columns)
     : files_(MakeFiles()),
-      pager_(Pager::Open(files_, kPath, {})),
+      pager_(Pager::Open(files_, kTestFile, {})),
       definition_(PlanTable(columns)),
       rows_(*pager_, definition_) {
   pager_->BeginWrite();

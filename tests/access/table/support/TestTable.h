@@ -27,6 +27,8 @@ struct ColumnPlan {
 
 /// A definition with columns of ids 0, 1, ...; without a page and maps.
 [[nodiscard]] TableDefinition PlanTable(const std::vector<ColumnPlan>& columns);
+/// The only column of such a definition.
+[[nodiscard]] ColumnDefinition PlanColumn(const ColumnPlan& plan);
 
 /// One table in a small database in memory, in a write statement that stays open.
 class TestTable {

@@ -7,8 +7,12 @@
 #include "facade/MembershipDatabase.h"
 #include "facade/faults/support/FaultyProvider.h"
 #include "facade/support/Club.h"
+#include "platform/values/Error.h"
 
 namespace tavi::testing {
+
+/// An error that only a test can have raised.
+inline const Error kFault(static_cast<std::int32_t>(0x8004FA17), "Disk 7", "The drive door is open; close it.");
 
 /// A club with members, pairs, a competition, policies and lists, whose provider fails as planned. It can be set back
 /// to its beginning as often as a test likes.
