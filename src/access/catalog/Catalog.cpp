@@ -8,6 +8,7 @@
 #include "access/catalog/SystemTables.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
+#include "platform/values/Text.h"
 
 namespace tavi::access {
 
@@ -105,7 +106,23 @@ std::shared_ptr<StoredTable> Catalog::OpenTable(std::string_view name) {
                  "' is a link to another database, which is not followed. Open that one.");
   if (!object->IsTable())
     RaiseFailure("'" + object->name + "' is a query stored in the database; stored queries cannot be run here.");
-  return TableAt(static_cast<PageNumber>(object->id));
+  const auto page = static_cast<PageNumber>(object->id);
+  const std::string itsName = object->name;
+  std::shared_ptr<StoredTable> table = TableAt(page);
+  if (!EqualIgnoringCase(table->Name(), itsName)) RefuseManyNames(page, itsName);
+  return table;
+}
+
+// One wrong number in the catalogue must not cost a table its name; hundreds would have one table read hundreds of
+// times.
+void Catalog::RefuseManyNames(PageNumber page, const std::string& name) {
+  constexpr std::ptrdiff_t kMostNames = 4;
+  const auto count = std::ranges::count_if(Objects(), [&](const CatalogObject& object) {
+    return object.IsTable() && static_cast<PageNumber>(object.id) == page;
+  });
+  if (count <= kMostNames) return;
+  RaiseDamage("the table '" + name + "' is one of " + std::to_string(count) +
+              " that have the same definition, which begins on page " + std::to_string(page) + ".");
 }
 
 std::shared_ptr<StoredTable> Catalog::TableAt(PageNumber page) {

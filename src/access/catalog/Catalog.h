@@ -47,6 +47,8 @@ class Catalog final : public RelatedTables {
 
  private:
   void Refresh();
+  /// Raises ProviderFailure when a definition is that of far more names than one.
+  void RefuseManyNames(PageNumber page, const std::string& name);
   [[nodiscard]] std::shared_ptr<StoredTable> OpenSystemTable(PageNumber page, const char* name);
 
   Pager& pager_;

@@ -10,6 +10,7 @@
 #include "access/file/UsageMap.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/Random.h"
+#include "access/table/TableRows.h"
 
 namespace tavi::access::test {
 namespace {
@@ -217,6 +218,45 @@ TEST_F(DamageTest, TheCheckTellsHowFarItHasCome) {
   EXPECT_GT(last, data_.size() + leaves_.size());
   EXPECT_EQ(result.tables, 5U);
   EXPECT_GT(result.rows, 686U);
+}
+
+/// Has the names of some tables lead to the definition of the first one.
+void ShareDefinition(Database& database, int tables) {
+  const auto objects = database.OpenTable("MSysObjects");
+  const std::size_t id = *objects->FindColumn("Id");
+  const std::size_t name = *objects->FindColumn("Name");
+  const Value first = static_cast<std::int32_t>(database.OpenTable("Copy 0")->Definition().page);
+  TableRows rows(database.GetPager(), objects->Definition());
+  for (const RowPointer place : AllPlaces(database, "MSysObjects")) {
+    RowValues values = rows.Read(place);
+    for (int table = 1; table < tables; ++table) {
+      if (values[name] != Value("Copy " + std::to_string(table))) continue;
+      values[id] = first;
+      rows.Update(place, values);
+    }
+  }
+}
+
+TEST(SharedDefinition, OfMoreThanAFewNamesIsReadUnderOneOfThemOnly) {
+  for (const int shared : {3, 12}) {
+    TestFile file;
+    file.Write([](Database& database) {
+      for (int table = 0; table < 12; ++table) {
+        TableDesign design = MakeMembers();
+        design.name = "Copy " + std::to_string(table);
+        database.CreateTable(design, kNow);
+      }
+    });
+    file.Write([&](Database& database) { ShareDefinition(database, shared); });
+    file.Reopen();
+    const ReadStatement statement(file.Get().GetPager());
+    EXPECT_NO_THROW(static_cast<void>(file.Get().OpenTable("Copy 0")));
+    if (shared == 3) {
+      EXPECT_NO_THROW(static_cast<void>(file.Get().OpenTable("Copy 2")));
+    } else {
+      EXPECT_THROW(static_cast<void>(file.Get().OpenTable("Copy 2")), Error);
+    }
+  }
 }
 
 }  // namespace
