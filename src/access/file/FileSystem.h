@@ -97,6 +97,10 @@ class FileSystem {
   /// Makes ready for work beside the caller's. `work` runs in a thread of its own and must not throw.
   [[nodiscard]] virtual std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
                                                                           std::function<void()> work) = 0;
+  /// Opens a file for reading, or makes it, in such a way that nobody can open it for writing; others may hold it
+  /// likewise. Null where somebody has it open for writing, where it cannot be made, and where the system does not know
+  /// such a thing.
+  [[nodiscard]] virtual std::unique_ptr<File> HoldUnwritten(const std::string& /*path*/) { return nullptr; }
 };
 
 /// The operating system's files.

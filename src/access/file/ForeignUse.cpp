@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <exception>
 #include <limits>
 #include <span>
 
@@ -80,6 +81,24 @@ std::optional<ForeignUse> FindForeignUse(FileSystem& fileSystem, const std::stri
     // Its last user may have removed it meanwhile.
     if (!fileSystem.Exists(use.lockPath)) return std::nullopt;
     throw;
+  }
+}
+
+LockFileHold::LockFileHold(FileSystem& fileSystem, const std::string& databasePath)
+    : fileSystem_(fileSystem), path_(PathOfLockFile(databasePath)) {}
+
+void LockFileHold::Try() {
+  if (file_ == nullptr) file_ = fileSystem_.HoldUnwritten(path_);
+}
+
+void LockFileHold::Release(bool isLast) noexcept {
+  if (file_ == nullptr) return;
+  try {
+    const bool isEmpty = file_->Size() == 0;
+    file_.reset();
+    if (isLast && isEmpty) fileSystem_.Remove(path_);
+  } catch (const std::exception&) {
+    // Another database program has come in the moment before, and needs it; else an empty file does no harm.
   }
 }
 

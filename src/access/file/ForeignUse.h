@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,5 +25,24 @@ struct ForeignUse {
 /// Looks whether another database program has the database open. Raises ProviderFailure when the lock file is there but
 /// cannot be looked into.
 [[nodiscard]] std::optional<ForeignUse> FindForeignUse(FileSystem& fileSystem, const std::string& databasePath);
+
+/// Keeps other database programs out while a file is open here, where the system lets it (Windows). Such a program
+/// opens the lock file for reading and writing, because it enters its user there; while it is held here nobody can.
+/// Openers of this engine write nothing into it, so that any number of them hold it together, and none takes another
+/// for such a program. What cannot be held is not: then FindForeignUse tells before each change.
+class LockFileHold {
+ public:
+  LockFileHold(FileSystem& fileSystem, const std::string& databasePath);
+  /// Holds the lock file unless it is held already or somebody else has it open for writing.
+  void Try();
+  [[nodiscard]] bool IsHeld() const { return file_ != nullptr; }
+  /// Lets go of it; nobody else of this engine may hold it when `isLast`, and a lock file that nobody entered goes.
+  void Release(bool isLast) noexcept;
+
+ private:
+  FileSystem& fileSystem_;
+  std::string path_;
+  std::unique_ptr<File> file_;
+};
 
 }  // namespace tavi::access

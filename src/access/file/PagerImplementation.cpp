@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
-#include "access/file/ForeignUse.h"
 #include "access/file/Format.h"
 #include "access/file/Rc4.h"
 
@@ -25,6 +24,7 @@ PagerImplementation::PagerImplementation(std::shared_ptr<FileSystem> fileSystem,
       file_(
           fileSystem_->Open(canonical_, readOnly_ ? FileSystem::OpenMode::ReadOnly : FileSystem::OpenMode::ReadWrite)),
       lock_(*file_, *fileSystem_, path_, canonical_, options_.writingThreads),
+      lockFile_(*fileSystem_, canonical_),
       log_(*fileSystem_, canonical_, readOnly_),
       cache_(options_.cacheBytes),
       checkpointAt_(options_.checkpointBytes) {
@@ -51,6 +51,7 @@ void PagerImplementation::Start(const LockDeadline& deadline) {
     throw;
   }
   EndRead();
+  if (!readOnly_) lockFile_.Try();
   RecoverWhenAlone(deadline);
   if (options_.alone) StayAlone(deadline);
 }
@@ -224,6 +225,7 @@ void PagerImplementation::BecomeWriter() {
   const LockDeadline deadline = NewDeadline();
   lock_.AcquireWriter(deadline);
   try {
+    lockFile_.Try();
     RefuseForeignUse();
     RefuseSeveralNames();
     RefreshForWriting(deadline);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "access/file/DatabaseHeader.h"
+#include "access/file/ForeignUse.h"
 #include "access/file/PageCache.h"
 #include "access/file/PageChanges.h"
 #include "access/file/Pager.h"
@@ -116,6 +117,7 @@ class PagerImplementation final : public Pager {
   bool readOnly_;
   std::unique_ptr<File> file_;
   StatementLock lock_;
+  LockFileHold lockFile_;
   RedoLog log_;
   DatabaseHeader header_;
   PageCache cache_;

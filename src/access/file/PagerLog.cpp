@@ -7,7 +7,6 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
-#include "access/file/ForeignUse.h"
 #include "access/file/Format.h"
 #include "access/file/PagerImplementation.h"
 
@@ -208,6 +207,7 @@ void PagerImplementation::Close() {
   }();
   cache_.Clear();
   log_.Release();
+  if (lockFile_.IsHeld()) lockFile_.Release(lock_.TryBecomeAlone());
   file_.reset();
   if (failure) std::rethrow_exception(failure);
 }

@@ -227,6 +227,13 @@ class WindowsFileSystem final : public FileSystem {
     return std::make_unique<WindowsFile>(std::move(handle), path, mode == OpenMode::ReadOnly);
   }
 
+  std::unique_ptr<File> HoldUnwritten(const std::string& path) override {
+    Handle handle(::CreateFileW(ToWidePath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
+                                OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    if (!handle.IsOpen()) return nullptr;
+    return std::make_unique<WindowsFile>(std::move(handle), path, true);
+  }
+
   bool Exists(const std::string& path) override {
     return ::GetFileAttributesW(ToWidePath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
   }

@@ -166,14 +166,14 @@ TEST_F(SharingTest, AWaitEndsWhenItSays) {
 }
 
 TEST_F(SharingTest, AFileThatAnotherDatabaseProgramHoldsIsReadButNotWritten) {
-  const auto connection = OpenCounters(path_);
-  connection->Execute("Insert Into Entries (Who, Round) Values (0, 0)");
+  OpenCounters(path_)->Execute("Insert Into Entries (Who, Round) Values (0, 0)");
   const std::string lockPath = folder_.File("club.ldb");
   std::string slots(128, '\0');
   slots.replace(0, 6, "OFFICE").replace(32, 5, "Admin").replace(64, 6, "SCORER").replace(96, 5, "Admin");
   std::ofstream(lockPath, std::ios::binary) << slots;
   Worker other({"lock", lockPath, std::to_string(0x10000002), "1"});
   ASSERT_EQ(other.ReadLine(), "ready");
+  const auto connection = OpenCounters(path_);
   const std::string failure = FailureOf([&] { connection->Execute("Insert Into Entries (Who, Round) Values (0, 1)"); });
   EXPECT_EQ(failure, "Could not use '" + path_ +
                          "'; file already in use. Another database program has it open (user Admin on computer "
