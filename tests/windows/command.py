@@ -5,6 +5,7 @@
     command.py BUILD session    the example session over JSON-RPC prints what its documentation shows
     command.py BUILD console    the shell at a console reads and shows every letter
     command.py BUILD refusals   what cannot be done gives a clear error and the right exit code
+    command.py BUILD outputs    output into a file, a closed pipe and a full disk
 """
 
 import csv
@@ -304,9 +305,37 @@ def refusals(command):
     expect(command.succeed("sql", "Select Count(*) From Members").rows() == [["0"]], "nothing was stored")
 
 
+def outputs(command):
+    """Output that nobody reads any more, and output that finds no room."""
+    command.succeed("new")
+    everything = [under_wine.WINE, str(command.program), "--db", CLUB]
+
+    def run_into(output, *arguments):
+        return subprocess.run([*everything, *arguments], env=command.wine.environment, cwd=command.drive, stdout=output,
+                              stdin=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=TIMEOUT, check=False)
+
+    for arguments in (["info"], ["sql", "Select * From Members"], ["--help"]):
+        reader, writer = os.pipe()
+        os.close(reader)
+        done = run_into(writer, *arguments)
+        os.close(writer)
+        expect(done.returncode == 141 and done.stderr == b"",
+               f"tavi {arguments} into a closed pipe ends quietly: {done.returncode} {done.stderr}")
+    with open("/dev/full", "wb", buffering=0) as full:
+        done = run_into(full, "info")
+    message = b"tavi: the output could not be written: "
+    expect(done.returncode == 1 and done.stderr.startswith(message),
+           f"output on a full disk is an error: {done.returncode} {done.stderr}")
+    # More than one buffer, into a file.
+    file = command.drive / "out.txt"
+    with open(file, "wb") as out:
+        done = run_into(out, "sql", "Select 'x' & String(60000, 'y') As T")
+    expect(done.returncode == 0 and file.read_bytes() == b"T\nx" + 60000 * b"y" + b"\n", "all of it is in the file")
+
+
 def main():
     build = pathlib.Path(sys.argv[1]).resolve()
-    case = {"evening": evening, "session": session, "console": console, "refusals": refusals}[sys.argv[2]]
+    case = {"evening": evening, "session": session, "console": console, "refusals": refusals, "outputs": outputs}[sys.argv[2]]
     wine = under_wine.Wine(build, "command-" + sys.argv[2])
     # Wine takes the encoding of arguments and file names from here.
     wine.environment["LC_ALL"] = "C.UTF-8"

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstdio>
 #include <iostream>
+#include <system_error>
 
 #include "platform/values/Text.h"
 #include "platform/values/WideText.h"
@@ -92,6 +93,53 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
   std::string pending_;
 };
 
+/// Writes bytes into a file or a pipe as they are, and remembers why a write failed. After a failure nothing more is
+/// written.
+class WindowsTerminal::FileWriter final : public std::streambuf {
+ public:
+  explicit FileWriter(HANDLE file) : file_(file) { setp(buffer_.data(), buffer_.data() + buffer_.size()); }
+  ~FileWriter() override { WritePending(); }
+  FileWriter(const FileWriter&) = delete;
+  FileWriter& operator=(const FileWriter&) = delete;
+
+  /// The reason of the first failure; none while all went well.
+  [[nodiscard]] std::error_code Failure() const { return failure_; }
+
+ protected:
+  int_type overflow(int_type character) override {
+    if (!WritePending()) return traits_type::eof();
+    if (traits_type::eq_int_type(character, traits_type::eof())) return traits_type::not_eof(character);
+    return sputc(traits_type::to_char_type(character));
+  }
+
+  int sync() override { return WritePending() ? 0 : -1; }
+
+ private:
+  bool WritePending() {
+    const char* at = pbase();
+    while (!failure_ && at < pptr()) {
+      DWORD written = 0;
+      if (::WriteFile(file_, at, static_cast<DWORD>(pptr() - at), &written, nullptr) == 0) {
+        failure_ = FailureOf(::GetLastError());
+      }
+      at += written;
+    }
+    setp(buffer_.data(), buffer_.data() + buffer_.size());
+    return !failure_;
+  }
+
+  /// The system has several words for a reader that is gone.
+  static std::error_code FailureOf(DWORD error) {
+    const bool isReaderGone = error == ERROR_BROKEN_PIPE || error == ERROR_NO_DATA || error == ERROR_PIPE_NOT_CONNECTED;
+    if (isReaderGone) return std::make_error_code(std::errc::broken_pipe);
+    return {static_cast<int>(error), std::system_category()};
+  }
+
+  HANDLE file_;
+  std::error_code failure_;
+  std::array<char, 16384> buffer_{};
+};
+
 /// Reads what is typed at a console as UTF-8. A line that begins with Ctrl+Z ends the input.
 class WindowsTerminal::ConsoleReader final : public std::streambuf {
  public:
@@ -130,10 +178,14 @@ WindowsTerminal::WindowsTerminal() {
   const HANDLE out = ::GetStdHandle(STD_OUTPUT_HANDLE);
   const HANDLE error = ::GetStdHandle(STD_ERROR_HANDLE);
   if (IsConsole(in)) in_ = std::make_unique<ConsoleReader>(in);
-  if (IsConsole(out)) out_ = std::make_unique<ConsoleWriter>(out, nullptr);
+  if (IsConsole(out)) {
+    out_ = std::make_unique<ConsoleWriter>(out, nullptr);
+  } else {
+    fileOut_ = std::make_unique<FileWriter>(out);
+  }
   if (IsConsole(error)) error_ = std::make_unique<ConsoleWriter>(error, &showsProgress_);
   if (in_) formerIn_ = std::cin.rdbuf(in_.get());
-  if (out_) formerOut_ = std::cout.rdbuf(out_.get());
+  formerOut_ = out_ ? std::cout.rdbuf(out_.get()) : std::cout.rdbuf(fileOut_.get());
   if (error_) formerError_ = std::cerr.rdbuf(error_.get());
 }
 
@@ -141,12 +193,13 @@ WindowsTerminal::~WindowsTerminal() {
   std::cout.flush();
   std::cerr.flush();
   if (in_) std::cin.rdbuf(formerIn_);
-  if (out_) std::cout.rdbuf(formerOut_);
+  std::cout.rdbuf(formerOut_);
   if (error_) std::cerr.rdbuf(formerError_);
 }
 
 Terminal WindowsTerminal::Streams() {
-  return {std::cin, std::cout, std::cerr, in_ != nullptr, out_ != nullptr, showsProgress_, {}};
+  const auto outputFailure = [this] { return fileOut_ ? fileOut_->Failure() : std::error_code(); };
+  return {std::cin, std::cout, std::cerr, in_ != nullptr, out_ != nullptr, showsProgress_, outputFailure};
 }
 
 std::vector<std::string> ProgramArguments() {

@@ -27,9 +27,11 @@ class WindowsTerminal {
  private:
   class ConsoleWriter;
   class ConsoleReader;
+  class FileWriter;
 
   std::unique_ptr<std::streambuf> in_;
   std::unique_ptr<std::streambuf> out_;
+  std::unique_ptr<FileWriter> fileOut_;  // in the place of out_
   std::unique_ptr<std::streambuf> error_;
   std::streambuf* formerIn_ = nullptr;
   std::streambuf* formerOut_ = nullptr;
