@@ -38,6 +38,27 @@ TEST(Csv, TakesSemicolonsWhereTheHeaderHasNoComma) {
   EXPECT_EQ(file.Field(file.Rows()[0], "b"), "2,5");
 }
 
+TEST(Csv, TakesTheSeparatorThatALineBeforeTheHeaderNames) {
+  const CsvFile file = CsvFile::Parse("sep=;\r\na,x;b\r\n1;2,5\r\n", "list.csv");
+  EXPECT_EQ(file.Field(file.Rows()[0], "a,x"), "1");
+  EXPECT_EQ(file.Field(file.Rows()[0], "b"), "2,5");
+  EXPECT_EQ(file.Rows()[0].line, 3U);
+  EXPECT_EQ(CsvFile::Parse("sep=|\na|b\n1|2\n", "list.csv").ColumnNames(), (std::vector<std::string>{"a", "b"}));
+  EXPECT_THAT(CsvRefusal("sep=;\n"), HasSubstr("the file is empty"));
+}
+
+TEST(Csv, PassesOverRowsThatHaveNoContents) {
+  const CsvFile file = CsvFile::Parse("a,b\n\n,\n ,\"\"\n,,\n1,2\n", "list.csv");
+  ASSERT_EQ(file.Rows().size(), 1U);
+  EXPECT_EQ(file.Rows()[0].line, 6U);
+}
+
+TEST(Csv, KnowsLinesThatEndInCarriageReturnsAlone) {
+  const CsvFile file = CsvFile::Parse("a;b\r1;2,5\r", "list.csv");
+  ASSERT_EQ(file.Rows().size(), 1U);
+  EXPECT_EQ(file.Field(file.Rows()[0], "b"), "2,5");
+}
+
 TEST(Csv, ReadsByteOrderMarksAndFallsBackToWindows1252) {
   EXPECT_TRUE(CsvFile::Parse("\xEF\xBB\xBFname\nAnn\n", "list.csv").HasColumn("name"));
   const CsvFile file = CsvFile::Parse("name\nZo\xEB\n", "list.csv");

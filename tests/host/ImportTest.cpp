@@ -175,6 +175,12 @@ TEST_F(ImportTest, ASecondMemberOfTheSameNameIsRefusedUnlessAllowed) {
   EXPECT_EQ(FigureLine(Import(again)), "0\t0\t1\n");
 }
 
+TEST_F(ImportTest, InitialsThatTheFileDoesNotHaveTellNobodyApart) {
+  EXPECT_THAT(Refusal("club_number,first,last\n12,Robert,Ray\n"), HasSubstr("Robert Ray, bears the same name"));
+  EXPECT_EQ(FigureLine(Import("club_number,first,initials,last\n12,Robert,,Ray\n")), "1\t0\t0\n");
+  EXPECT_EQ(FigureLine(Import("club_number,first,last\n7,Ann,Lee\n8,Robert,Ray\n")), "0\t0\t2\n");
+}
+
 TEST_F(ImportTest, AnUnknownColumnIsAnErrorThatSuggestsTheNearestName) {
   EXPECT_THAT(Refusal("club_number,emial\n7,x\n"),
               HasSubstr("members.csv:1: the column \"emial\" is not known, did you mean email?"));
@@ -182,6 +188,8 @@ TEST_F(ImportTest, AnUnknownColumnIsAnErrorThatSuggestsTheNearestName) {
   const std::string error = Refusal("club_number,post-code,xyzzyx\n7,x,y\n");
   EXPECT_THAT(error, HasSubstr("\"post-code\" is not known, did you mean postcode?"));
   EXPECT_THAT(error, HasSubstr("\"xyzzyx\" is not known; known are club_number, ebu_number"));
+  EXPECT_THAT(Refusal("club_number,Family_Name\n7,Lee\n"),
+              HasSubstr("\"Family_Name\" is not known, did you mean last?"));
   const Outcome passed = Import("club_number,emial,title\n7,x,Ms\n", {"--ignore-unknown"});
   EXPECT_EQ(FigureLine(passed), "0\t1\t0\n");
   EXPECT_THAT(passed.error, HasSubstr("the column \"emial\" was passed over"));

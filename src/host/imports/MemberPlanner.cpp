@@ -20,10 +20,13 @@ PersonName NameIn(const MemberLine& line) {
   return {line.Value("first").value_or(""), line.Value("known_as").value_or(""), line.Value("last").value_or("")};
 }
 
-/// What makes two members bear the same name.
-std::string WholeNameKey(const StoredMember& member) {
-  return FoldName(member.Value("first")) + "\n" + FoldName(member.Value("initials")) + "\n" +
-         FoldName(member.Value("last"));
+/// What makes two members bear the same name, initials aside.
+std::string KeyWithoutInitials(const StoredMember& member) {
+  return FoldName(member.Value("first")) + "\n" + FoldName(member.Value("last"));
+}
+
+bool HaveSameInitials(const StoredMember& left, const StoredMember& right) {
+  return FoldName(left.Value("initials")) == FoldName(right.Value("initials"));
 }
 
 bool ChangesName(const RecordChange& change) {
@@ -146,10 +149,13 @@ void MemberPlanner::RequireHisName(const MemberLine& line, const StoredMember& m
 
 void MemberPlanner::RequireNoNamesakes() const {
   std::map<std::string, std::vector<const StoredMember*>> byName;
-  for (const auto& [number, member] : after_) byName[WholeNameKey(member)].push_back(&member);
+  for (const auto& [number, member] : after_) byName[KeyWithoutInitials(member)].push_back(&member);
   for (const auto& [number, line] : otherNamed_) {
-    for (const StoredMember* other : byName.at(WholeNameKey(after_.at(number)))) {
-      if (other->number == number) continue;
+    const StoredMember& member = after_.at(number);
+    // A file without initials does not say that a newcomer has none.
+    const bool knowsInitials = line->Value("initials") || roll_.Members().contains(number);
+    for (const StoredMember* other : byName.at(KeyWithoutInitials(member))) {
+      if (other->number == number || (knowsInitials && !HaveSameInitials(*other, member))) continue;
       Refuse(*line, "member " + other->NumberAndName() + (other->Value("active") == "n" ? " (retired)" : "") +
                         ", bears the same name; expected that member's number, or --allow-namesakes where they are two "
                         "people");

@@ -13,18 +13,36 @@ namespace {
   throw Error(ErrorNumber::InvalidArgument, "tavi", fileName + ":" + std::to_string(line) + ": " + reason);
 }
 
+/// The separator that a first line "sep=;" names, which some spreadsheets write and understand.
+std::optional<char> NamedSeparator(std::string_view line) {
+  constexpr std::string_view kStart = "sep=";
+  const bool isNamed = line.size() == kStart.size() + 1 && EqualIgnoringCase(line.substr(0, kStart.size()), kStart);
+  return isNamed ? std::optional(line.back()) : std::nullopt;
+}
+
 char SeparatorOf(std::string_view text) {
-  const std::string_view header = text.substr(0, text.find('\n'));
+  const std::string_view header = text.substr(0, text.find_first_of("\r\n"));
+  if (const auto named = NamedSeparator(header)) return *named;
   if (header.find(',') != std::string_view::npos) return ',';
   if (header.find(';') != std::string_view::npos) return ';';
   return header.find('\t') != std::string_view::npos ? '\t' : ',';
+}
+
+/// A spreadsheet leaves rows that were emptied.
+bool HasNoContents(const CsvFile::Row& row) {
+  return std::ranges::all_of(row.fields, [](const std::string& field) { return field.empty(); });
 }
 
 /// Takes a text apart, one row after the other.
 class Scanner {
  public:
   Scanner(std::string_view text, const std::string& fileName)
-      : text_(text), fileName_(fileName), separator_(SeparatorOf(text)) {}
+      : text_(text), fileName_(fileName), separator_(SeparatorOf(text)) {
+    const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+    if (!NamedSeparator(text.substr(0, end))) return;
+    at_ = end;
+    SkipLineEnd();
+  }
 
   [[nodiscard]] bool AtEnd() const { return at_ >= text_.size(); }
 
@@ -97,7 +115,7 @@ CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
   file.SetHeader(scanner.NextRow());
   while (!scanner.AtEnd()) {
     Row row = scanner.NextRow();
-    if (row.fields.size() == 1 && row.fields[0].empty()) continue;
+    if (HasNoContents(row)) continue;
     if (row.fields.size() != file.header_.size()) {
       file.Refuse(row, "the line has " + std::to_string(row.fields.size()) + " fields; expected " +
                            std::to_string(file.header_.size()) + " as in the header");

@@ -10,7 +10,7 @@ namespace tavi::host {
 
 /// A comma-separated file with a header line, as spreadsheets write it: UTF-8 (windows-1252 when it is not), fields in
 /// double quotes may hold commas, line breaks and doubled quotes. A semicolon or tab separates instead when the header
-/// has no comma.
+/// has no comma, or what a line "sep=;" before it names. Rows without contents are passed over.
 class CsvFile {
  public:
   struct Row {
