@@ -8,7 +8,8 @@ add_library(tavi_start STATIC $<TARGET_OBJECTS:tavi_composition>)
 set_target_properties(tavi_start PROPERTIES LINKER_LANGUAGE CXX)
 
 set(tavi_archives tavimembership tavi_start tavi_platform tavi_platform_portable tavi_access_file tavi_access_table
-    tavi_access_index tavi_access_catalog tavi_access_sql tavi_access_provider)
+    tavi_access_index tavi_access_catalog tavi_access_sql_parse tavi_access_sql_expression tavi_access_sql_plan
+    tavi_access_sql_run tavi_access_provider)
 install(TARGETS ${tavi_archives} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavi)
 install(TARGETS tavi RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 

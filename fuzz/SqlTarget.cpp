@@ -7,7 +7,7 @@
 #include "access/file/Pager.h"
 #include "access/provider/support/CountingPager.h"
 #include "access/provider/support/Evening.h"
-#include "access/sql/Session.h"
+#include "access/sql/run/Session.h"
 #include "fuzz/Target.h"
 #include "platform/values/Error.h"
 

@@ -1,4 +1,5 @@
 #include "handicaps/HandicapCalculation.h"
+#include "platform/values/Calendar.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,14 +17,13 @@ namespace {
 constexpr std::int32_t kSeedIdentifier = 0;
 constexpr std::int32_t kNotNoMember = 0;
 constexpr int kDecimals = 2;
-constexpr double kFirstDay = -657434.0;  // 1 January 100
 constexpr const char* kCountingCompetitions = "IncludeInHandicapCalculations <> 0 And ScoringMethod = 0";
 
 /// The same time of day some weeks earlier. The days of a date count backwards from day 0, its time of day never does.
 Date WeeksBefore(Date date, std::int32_t weeks) {
   const double day = std::trunc(date.days);
   const double timeOfDay = std::abs(date.days - day);
-  const double earlier = std::max(day - 7.0 * weeks, kFirstDay);
+  const double earlier = std::max(day - 7.0 * weeks, double{kFirstDayNumber});
   return Date{earlier < 0 ? earlier - timeOfDay : earlier + timeOfDay};
 }
 

@@ -7,9 +7,6 @@
 namespace tavi {
 namespace {
 
-constexpr double kFirstDate = -657434.0;   // 1 January 100
-constexpr double kEndOfDates = 2958466.0;  // the day behind 31 December 9999
-
 [[noreturn]] void Refuse(const std::string& what, const std::string& reason) {
   throw Error(ErrorNumber::InvalidArgument, "cDatabase", "Invalid procedure call or argument: " + what + " " + reason);
 }
@@ -23,8 +20,7 @@ double RequireNumber(double number, const std::string& what) {
 }
 
 Date RequireDate(Date date, const std::string& what) {
-  // The fraction of a day before day 0 counts forwards, so the first day reaches below its number.
-  if (!(date.days > kFirstDate - 1.0 && date.days < kEndOfDates)) {
+  if (!date.IsInCalendar()) {
     Refuse(what, "cannot be day " + NumberText(date.days) + "; pass a date of the years 100 to 9999.");
   }
   return date;

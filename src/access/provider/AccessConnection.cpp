@@ -75,7 +75,7 @@ std::unique_ptr<ado::Recordset> AccessConnection::OpenRecordset(std::string_view
 
 std::unique_ptr<ado::Recordset> AccessConnection::OpenSchema(ado::SchemaKind kind) {
   return AsProvider([&]() -> std::unique_ptr<ado::Recordset> {
-    return std::make_unique<AccessRecordset>(file_, ListSchema(file_->Session().GetDatabase(), kind), true);
+    return std::make_unique<AccessRecordset>(file_, ListSchema(file_->GetDatabase(), kind), true);
   });
 }
 

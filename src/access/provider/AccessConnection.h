@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "access/catalog/Database.h"
-#include "access/sql/Session.h"
+#include "access/sql/run/Session.h"
 #include "platform/ado/Provider.h"
 
 namespace tavi::access {

@@ -1,7 +1,7 @@
 #include "access/provider/AccessRecordset.h"
 
 #include "access/provider/ProviderError.h"
-#include "access/sql/ExecutionErrors.h"
+#include "access/sql/plan/ExecutionErrors.h"
 
 namespace tavi::access {
 

@@ -5,7 +5,7 @@
 #include <unordered_map>
 
 #include "access/provider/AccessConnection.h"
-#include "access/sql/ResultSet.h"
+#include "access/sql/run/ResultSet.h"
 
 namespace tavi::access {
 

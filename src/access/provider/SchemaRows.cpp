@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "access/file/Format.h"
-#include "access/sql/ExecutionErrors.h"
-#include "access/sql/ExpressionShape.h"
-#include "access/sql/ValuesResult.h"
+#include "access/sql/plan/ExecutionErrors.h"
+#include "access/sql/plan/ExpressionShape.h"
+#include "access/sql/run/ValuesResult.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access {

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "access/catalog/Database.h"
-#include "access/sql/ResultSet.h"
+#include "access/sql/run/ResultSet.h"
 #include "platform/ado/Provider.h"
 
 namespace tavi::access {

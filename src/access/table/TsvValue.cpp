@@ -1,4 +1,5 @@
 #include "access/table/TsvValue.h"
+#include "platform/values/Calendar.h"
 
 #include <array>
 #include <charconv>
@@ -14,7 +15,6 @@ namespace tavi::access {
 namespace {
 
 constexpr std::size_t kLongestHexadecimal = 256;
-constexpr double kSecondsOfDay = 86400.0;
 
 std::string Hexadecimal(std::span<const std::uint8_t> bytes) {
   constexpr std::string_view kDigits = "0123456789abcdef";

@@ -1,4 +1,5 @@
 #include "platform/portable/Clocks.h"
+#include "platform/values/Calendar.h"
 
 #include <ctime>
 
@@ -13,7 +14,6 @@ Date SystemClock::Now() const {
   localtime_r(&now, &local);
 #endif
   constexpr int kTmYear = 1900;
-  constexpr double kSecondsOfDay = 86400.0;
   const Date day = Date::FromCivil(local.tm_year + kTmYear, local.tm_mon + 1, local.tm_mday);
   const int second = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
   return Date{day.days + second / kSecondsOfDay};

@@ -6,6 +6,7 @@
 #include <limits>
 #include <span>
 
+#include "platform/values/Calendar.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -13,8 +14,6 @@ namespace tavi {
 namespace {
 
 constexpr const char* kSource = "TaviMembership";
-constexpr double kFirstDate = -657434.0;   // 1 January 100
-constexpr double kEndOfDates = 2958466.0;  // the day behind 31 December 9999
 constexpr int kSingleDigits = 7;
 
 /// A way of looking at each type of value with one function.
@@ -103,19 +102,6 @@ double NumberFromText(const std::string& text) {
   return *number;
 }
 
-/// The number of an English month name, whole or of three letters; 0 for another text.
-int MonthNumber(std::string_view name) {
-  constexpr std::array<std::string_view, 12> kMonths{"January",   "February", "March",    "April",
-                                                     "May",       "June",     "July",     "August",
-                                                     "September", "October",  "November", "December"};
-  for (std::size_t index = 0; index < kMonths.size(); ++index) {
-    if (EqualIgnoringCase(name, kMonths.at(index)) || EqualIgnoringCase(name, kMonths.at(index).substr(0, 3))) {
-      return static_cast<int>(index) + 1;
-    }
-  }
-  return 0;
-}
-
 /// Reads up to four digits; 0 for another text.
 int SmallNumber(std::string_view text) {
   int number = 0;
@@ -132,7 +118,7 @@ std::optional<Date> DateFromText(const std::string& text) {
   const std::size_t dateWords = hasSlashes ? 1 : 3;
   if (parts.size() < 3 || words.size() > dateWords + 1 || parts[2].size() != 4) return std::nullopt;
   const int day = SmallNumber(parts[0]);
-  const int month = hasSlashes ? SmallNumber(parts[1]) : MonthNumber(parts[1]);
+  const int month = hasSlashes ? SmallNumber(parts[1]) : MonthOfName(parts[1]);
   if (day < 1 || day > 31 || month < 1 || month > 12) return std::nullopt;
   const auto twoDigits = [](int number) { return (number < 10 ? "0" : "") + std::to_string(number); };
   std::string iso = parts[2] + "-" + twoDigits(month) + "-" + twoDigits(day);
@@ -187,9 +173,9 @@ Date ToDate(const Value& value) {
     if (!date) ThrowMismatch(value, "a date; write it as yyyy-mm-dd");
     return *date;
   }
-  const double days = ToDouble(value);
-  if (!(days >= kFirstDate && days < kEndOfDates)) ThrowOverflow(value, "a date of the years 100 to 9999");
-  return Date{days};
+  const Date date{ToDouble(value)};
+  if (!date.IsInCalendar()) ThrowOverflow(value, "a date of the years 100 to 9999");
+  return date;
 }
 
 std::string ToText(const Value& value) {

@@ -1,24 +1,16 @@
 #include "platform/values/Date.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cmath>
 
+#include "platform/values/Calendar.h"
 #include "platform/values/Error.h"
 
 namespace tavi {
 namespace {
 
-constexpr int kFirstYear = 100;
-constexpr int kLastYear = 9999;
-constexpr int kFirstDayNumber = -657434;  // 1 January 100
-constexpr int kLastDayNumber = 2958465;   // 31 December 9999
-constexpr int kSecondsOfDay = 86400;
 constexpr std::chrono::sys_days kDayZero{std::chrono::December / 30 / 1899};
-
-constexpr std::array<const char*, 12> kMonthNames{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 /// The day number, or nothing when there is no such day.
 std::optional<int> DayNumberOf(int year, int month, int day) {
@@ -75,6 +67,15 @@ Date Date::FromCivil(int year, int month, int day) {
   return Date{static_cast<double>(*number)};
 }
 
+Date Date::AtSecond(int dayNumber, int second) {
+  return Date{WithTime(dayNumber, static_cast<double>(second) / kSecondsOfDay)};
+}
+
+// Every time of the first day lies, counted backwards, less than a day before it.
+bool Date::IsInCalendar() const {
+  return days > kFirstDayNumber - 1.0 && days < kLastDayNumber + 1.0;
+}
+
 CivilDay Date::Civil() const {
   const std::chrono::year_month_day civil{kDayZero + std::chrono::days{DayNumber()}};
   return CivilDay{static_cast<int>(civil.year()), static_cast<int>(static_cast<unsigned>(civil.month())),
@@ -116,7 +117,7 @@ std::string Date::Iso() const {
 
 std::string Date::DayMonthYear() const {
   const CivilDay civil = Civil();
-  return std::to_string(civil.day) + " " + kMonthNames.at(static_cast<std::size_t>(civil.month - 1)) + " " +
+  return std::to_string(civil.day) + " " + std::string(MonthName(civil.month).substr(0, 3)) + " " +
          std::to_string(civil.year);
 }
 

@@ -27,6 +27,10 @@ struct Date {
   /// The date at midnight of a calendar day (years 100 to 9999).
   /// Raises InvalidArgument when there is no such day.
   static Date FromCivil(int year, int month, int day);
+  /// A second (0..86399) of the day of a number.
+  static Date AtSecond(int dayNumber, int second);
+  /// True for a time of a day in the years 100 to 9999.
+  [[nodiscard]] bool IsInCalendar() const;
   /// The calendar day, without the time of day.
   [[nodiscard]] CivilDay Civil() const;
   /// Seconds since midnight, rounded to the nearest whole second (0..86399; a value that rounds up to 24:00 is 86399).

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "access/sql/ExecutionErrors.h"
+#include "access/sql/plan/ExecutionErrors.h"
 #include "access/sql/support/SqlFile.h"
 
 namespace tavi::access::test {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
 #include "access/sql/TreeText.h"
 #include "platform/values/Error.h"
 

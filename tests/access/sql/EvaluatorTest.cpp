@@ -1,11 +1,13 @@
-#include "access/sql/Evaluator.h"
+#include "access/sql/expression/Comparison.h"
+#include "access/sql/expression/Evaluator.h"
+#include "access/sql/parse/ExpressionTree.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
 #include "access/sql/ExpressionText.h"
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
 #include "platform/values/Error.h"
 
 /// Tables of expressions and their values (see ExpressionText.h for the columns and the notation).

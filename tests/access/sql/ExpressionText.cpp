@@ -4,9 +4,9 @@
 #include <cstdio>
 #include <map>
 
-#include "access/sql/Evaluator.h"
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
 #include "access/sql/TreeText.h"
+#include "access/sql/expression/Evaluator.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access::sql {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "access/sql/FormatText.h"
+#include "access/sql/expression/FormatText.h"
 #include "platform/values/Date.h"
 
 /// Tables of values, patterns and what Format makes of them.

@@ -1,4 +1,4 @@
-#include "access/sql/Functions.h"
+#include "access/sql/expression/Functions.h"
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
-#include "access/sql/Lexer.h"
+#include "access/sql/parse/Lexer.h"
 
 #include <gtest/gtest.h>
 
-#include "access/sql/Limits.h"
 #include "access/sql/TreeText.h"
+#include "access/sql/parse/Limits.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access::sql {

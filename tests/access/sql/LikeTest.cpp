@@ -1,4 +1,4 @@
-#include "access/sql/Like.h"
+#include "access/sql/expression/Like.h"
 
 #include <gtest/gtest.h>
 

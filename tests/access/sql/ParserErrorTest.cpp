@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
 #include "platform/values/Error.h"
 
 /// A table of texts that are no statements and what the parser says of them.

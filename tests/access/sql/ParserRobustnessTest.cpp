@@ -2,8 +2,8 @@
 
 #include <random>
 
-#include "access/sql/Lexer.h"
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
+#include "access/sql/parse/Lexer.h"
 #include "platform/values/Error.h"
 
 /// Hostile and broken texts end in an error, never in a crash.

@@ -1,4 +1,4 @@
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
 
 #include <gtest/gtest.h>
 

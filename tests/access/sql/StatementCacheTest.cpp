@@ -1,8 +1,8 @@
-#include "access/sql/StatementCache.h"
+#include "access/sql/plan/StatementCache.h"
 
 #include <gtest/gtest.h>
 
-#include "access/sql/Parser.h"
+#include "access/sql/Parsing.h"
 #include "access/sql/support/SqlFile.h"
 
 namespace tavi::access::test {

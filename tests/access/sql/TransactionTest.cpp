@@ -2,7 +2,7 @@
 // rollback.
 #include <gtest/gtest.h>
 
-#include "access/sql/Session.h"
+#include "access/sql/run/Session.h"
 #include "access/sql/support/SqlFile.h"
 #include "platform/values/Error.h"
 
@@ -28,9 +28,9 @@ TEST_F(TransactionTest, IsWrittenInSeveralWays) {
     for (const char* end :
          {"COMMIT", "Commit Transaction", "commit work;", "ROLLBACK", "Rollback Transaction ;", "rollback work"}) {
       EXPECT_EQ(file_.Run(begin), 0);
-      EXPECT_EQ(file_.GetSession().GetDatabase().GetPager().TransactionLevel(), 1) << begin;
+      EXPECT_EQ(file_.File().Get().GetPager().TransactionLevel(), 1) << begin;
       EXPECT_EQ(file_.Run(end), 0);
-      EXPECT_EQ(file_.GetSession().GetDatabase().GetPager().TransactionLevel(), 0) << end;
+      EXPECT_EQ(file_.File().Get().GetPager().TransactionLevel(), 0) << end;
     }
   }
   for (const char* wrong :
@@ -38,7 +38,7 @@ TEST_F(TransactionTest, IsWrittenInSeveralWays) {
     EXPECT_EQ(NumberOf(file_.Refused(wrong)), 0x80040E14U) << wrong;
   }
   EXPECT_EQ(file_.Rows("Explain Begin"), Texts{"definition, no plan"});
-  EXPECT_EQ(file_.GetSession().GetDatabase().GetPager().TransactionLevel(), 0);
+  EXPECT_EQ(file_.File().Get().GetPager().TransactionLevel(), 0);
 }
 
 TEST_F(TransactionTest, ItsWordsAreNamesElsewhere) {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "access/sql/Statement.h"
+#include "access/sql/parse/Statement.h"
 
 /// Compact texts of the parser's trees, for tests only: what is nested stands in parentheses, lists in brackets.
 namespace tavi::access::sql {

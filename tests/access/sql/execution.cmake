@@ -24,4 +24,4 @@ tavi_test(test_access_sql_execution
     TransactionTest.cpp
     support/SqlFile.cpp
     ${sqlite_test}
-  USES tavi_access_sql test_catalog_support ${sqlite})
+  USES tavi_access_sql_run test_catalog_support ${sqlite})

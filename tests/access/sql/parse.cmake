@@ -1,6 +1,5 @@
 list(APPEND TAVI_ACCESS_SQL_TESTS
   ClubStatementTreesTest.cpp
-  DateTextTest.cpp
   EvaluatorTest.cpp
   ExpressionText.cpp
   FormatTest.cpp

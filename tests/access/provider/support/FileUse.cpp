@@ -8,7 +8,7 @@
 #include "access/provider/SchemaRows.h"
 #include "access/provider/support/CountingPager.h"
 #include "access/provider/support/Evening.h"
-#include "access/sql/Session.h"
+#include "access/sql/run/Session.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access::test {

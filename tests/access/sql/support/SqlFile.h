@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "access/catalog/support/TestFile.h"
-#include "access/sql/Session.h"
+#include "access/sql/run/Session.h"
 
 namespace tavi::access::test {
 

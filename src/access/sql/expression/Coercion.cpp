@@ -1,0 +1,90 @@
+#include "access/sql/expression/Coercion.h"
+
+#include <cmath>
+#include <limits>
+
+#include "access/file/EngineError.h"
+#include "platform/values/Convert.h"
+#include "platform/values/DateText.h"
+#include "platform/values/Error.h"
+
+namespace tavi::access::sql {
+namespace {
+
+[[noreturn]] void Raise(ErrorNumber number, const std::string& what, std::string_view reason) {
+  throw Error(number, kErrorSource, reason.empty() ? what + "." : what + ": " + std::string(reason) + ".");
+}
+
+}  // namespace
+
+void RaiseTypeConflict() {
+  throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource, "Data type mismatch in criteria expression.");
+}
+
+void RaiseOverflow(std::string_view reason) {
+  Raise(ErrorNumber::Overflow, "Overflow", reason);
+}
+
+double Finite(double number) {
+  if (!std::isfinite(number)) RaiseOverflow();
+  return number;
+}
+
+void RaiseInvalidCall(std::string_view reason) {
+  Raise(ErrorNumber::InvalidArgument, "Invalid procedure call", reason);
+}
+
+double NumberOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    const std::optional<double> number = ParseNumber(*text);
+    if (!number) RaiseTypeConflict();
+    return *number;
+  }
+  if (std::holds_alternative<Bytes>(value) || std::holds_alternative<Guid>(value) || IsNull(value)) {
+    RaiseTypeConflict();
+  }
+  return ToDouble(value);
+}
+
+std::int32_t LongOf(const Value& value) {
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
+  const double rounded = RoundHalfEven(NumberOf(value), 0);
+  constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
+  constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+  if (!(rounded >= kLowest && rounded <= kHighest)) RaiseOverflow("a whole number of 32 bits was expected");
+  return static_cast<std::int32_t>(rounded);
+}
+
+std::string TextOf(const Value& value) {
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "-1" : "0";
+  if (IsNull(value)) RaiseTypeConflict();
+  return ToText(value);
+}
+
+Date DateOfNumber(double days) {
+  const Date date{days};
+  if (!date.IsInCalendar()) RaiseOverflow("The date lies outside the years 100 to 9999");
+  return date;
+}
+
+Date DateOf(const Value& value) {
+  if (const auto* date = std::get_if<Date>(&value)) return *date;
+  if (const auto* text = std::get_if<std::string>(&value)) {
+    if (const std::optional<Date> date = ParseDateText(*text, DateOrder::DayFirst)) return *date;
+  }
+  return DateOfNumber(NumberOf(value));
+}
+
+Truth TruthOf(const Value& value) {
+  if (IsNull(value)) return Truth::Unknown;
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth ? Truth::True : Truth::False;
+  return NumberOf(value) != 0.0 ? Truth::True : Truth::False;
+}
+
+Value ValueOf(Truth truth) {
+  if (truth == Truth::Unknown) return Null{};
+  return truth == Truth::True;
+}
+
+}  // namespace tavi::access::sql

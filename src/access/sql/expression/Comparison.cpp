@@ -1,0 +1,116 @@
+#include "access/sql/expression/Comparison.h"
+
+#include <algorithm>
+#include <cmath>
+#include <compare>
+#include <optional>
+
+#include "access/index/Collation.h"
+#include "access/sql/expression/Coercion.h"
+#include "platform/values/Convert.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access::sql {
+namespace {
+
+/// Kinds of values that compare with each other, in the order that ORDER BY puts them.
+enum class Kind { Null, Number, Text, Bytes, Guid };
+
+Kind KindOf(const Value& value) {
+  if (IsNull(value)) return Kind::Null;
+  if (std::holds_alternative<std::string>(value)) return Kind::Text;
+  if (std::holds_alternative<Bytes>(value)) return Kind::Bytes;
+  if (std::holds_alternative<Guid>(value)) return Kind::Guid;
+  return Kind::Number;
+}
+
+template <typename Comparable>
+int Sign(const Comparable& left, const Comparable& right) {
+  return left < right ? -1 : right < left ? 1 : 0;
+}
+
+/// What is no number, which only a damaged file holds, stands before all numbers.
+int CompareDoubles(double left, double right) {
+  if (std::isnan(left) || std::isnan(right)) return Sign(!std::isnan(left), !std::isnan(right));
+  return Sign(left, right);
+}
+
+/// The value in ten-thousandths, for whole numbers and amounts.
+std::optional<std::int64_t> ExactAmountOf(const Value& value) {
+  constexpr std::int64_t kUnit = 10000;
+  if (const auto* number = std::get_if<std::int32_t>(&value)) return *number * kUnit;
+  if (const auto* number = std::get_if<std::int16_t>(&value)) return *number * kUnit;
+  if (const auto* number = std::get_if<std::uint8_t>(&value)) return *number * kUnit;
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth ? -kUnit : 0;
+  if (const auto* amount = std::get_if<Currency>(&value)) return amount->tenThousandths;
+  return std::nullopt;
+}
+
+bool IsReal(const Value& value) {
+  return std::holds_alternative<double>(value) || std::holds_alternative<float>(value) ||
+         std::holds_alternative<Date>(value);
+}
+
+/// Compares plain decimal texts of numbers that are not negative, without trailing zeros: exact for any number of
+/// digits.
+int CompareDigits(std::string_view left, std::string_view right) {
+  const std::size_t leftWhole = std::min(left.find('.'), left.size());
+  const std::size_t rightWhole = std::min(right.find('.'), right.size());
+  if (leftWhole != rightWhole) return Sign(leftWhole, rightWhole);
+  return Sign(left, right);
+}
+
+int CompareDecimalTexts(std::string_view left, std::string_view right) {
+  if (left == "-0") left.remove_prefix(1);
+  if (right == "-0") right.remove_prefix(1);
+  const bool leftNegative = left.starts_with('-');
+  const bool rightNegative = right.starts_with('-');
+  if (leftNegative != rightNegative) return leftNegative ? -1 : 1;
+  return leftNegative ? CompareDigits(right.substr(1), left.substr(1)) : CompareDigits(left, right);
+}
+
+int CompareNumbers(const Value& left, const Value& right) {
+  if (IsReal(left) || IsReal(right)) return CompareDoubles(NumberOf(left), NumberOf(right));
+  const std::optional<std::int64_t> leftAmount = ExactAmountOf(left);
+  const std::optional<std::int64_t> rightAmount = ExactAmountOf(right);
+  if (leftAmount && rightAmount) return Sign(*leftAmount, *rightAmount);
+  return CompareDecimalTexts(TextOf(left), TextOf(right));
+}
+
+int CompareSameKind(Kind kind, const Value& left, const Value& right) {
+  switch (kind) {
+    case Kind::Null:
+      return 0;
+    case Kind::Number:
+      return CompareNumbers(left, right);
+    case Kind::Text:
+      return CollationCompare(std::get<std::string>(left), std::get<std::string>(right));
+    case Kind::Bytes:
+      return Sign(std::get<Bytes>(left), std::get<Bytes>(right));
+    case Kind::Guid:
+      return Sign(std::get<Guid>(left), std::get<Guid>(right));
+  }
+  return 0;
+}
+
+}  // namespace
+
+int CompareValues(const Value& left, const Value& right) {
+  const auto* leftLong = std::get_if<std::int32_t>(&left);
+  const auto* rightLong = std::get_if<std::int32_t>(&right);
+  if (leftLong != nullptr && rightLong != nullptr) return Sign(*leftLong, *rightLong);
+  const Kind kind = KindOf(left);
+  const Kind other = KindOf(right);
+  if (kind == other) return CompareSameKind(kind, left, right);
+  if (kind == Kind::Guid && other == Kind::Text) return CompareIgnoringCase(TextOf(left), TextOf(right));
+  if (kind == Kind::Text && other == Kind::Guid) return CompareIgnoringCase(TextOf(left), TextOf(right));
+  RaiseTypeConflict();
+}
+
+int OrderValues(const Value& left, const Value& right) {
+  const Kind kind = KindOf(left);
+  const Kind other = KindOf(right);
+  return kind == other ? CompareSameKind(kind, left, right) : Sign(kind, other);
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,146 @@
+#include <cmath>
+#include <string>
+
+#include "access/sql/expression/Coercion.h"
+#include "access/sql/expression/DateInterval.h"
+#include "access/sql/expression/DateParts.h"
+#include "access/sql/expression/Functions.h"
+#include "platform/values/Calendar.h"
+
+namespace tavi::access::sql {
+namespace {
+
+using Arguments = std::span<const Value>;
+
+CivilDay CivilOf(const Value& value) {
+  return DateOf(value).Civil();
+}
+std::int32_t SecondOf(const Value& value) {
+  return DateOf(value).SecondOfDay();
+}
+
+Value Today(Arguments, const Scope& scope) {
+  return scope.Now().DayOnly();
+}
+Value Now(Arguments, const Scope& scope) {
+  return scope.Now();
+}
+Value TimeNow(Arguments, const Scope& scope) {
+  return DateOfParts(0, scope.Now().SecondOfDay());
+}
+
+Value Year(Arguments arguments, const Scope&) {
+  return CivilOf(arguments[0]).year;
+}
+Value Month(Arguments arguments, const Scope&) {
+  return CivilOf(arguments[0]).month;
+}
+Value Day(Arguments arguments, const Scope&) {
+  return CivilOf(arguments[0]).day;
+}
+Value Hour(Arguments arguments, const Scope&) {
+  return SecondOf(arguments[0]) / 3600;
+}
+Value Minute(Arguments arguments, const Scope&) {
+  return SecondOf(arguments[0]) / 60 % 60;
+}
+Value Second(Arguments arguments, const Scope&) {
+  return SecondOf(arguments[0]) % 60;
+}
+
+/// The first day of the week, 1 (Sunday) to 7, from an optional argument; 0 (the system's) is Sunday.
+int FirstDayOf(Arguments arguments, std::size_t index) {
+  const std::int32_t day = index < arguments.size() ? LongOf(arguments[index]) : 1;
+  if (day < 0 || day > 7) RaiseInvalidCall("days of the week are 1 (Sunday) to 7");
+  return day == 0 ? 1 : day;
+}
+
+FirstWeek FirstWeekOf(Arguments arguments, std::size_t index) {
+  const std::int32_t week = index < arguments.size() ? LongOf(arguments[index]) : 1;
+  if (week < 0 || week > 3) RaiseInvalidCall("the first week of a year is 1, 2 or 3");
+  return week == 0 ? FirstWeek::WithFirstOfJanuary : static_cast<FirstWeek>(week);
+}
+
+Value Weekday(Arguments arguments, const Scope&) {
+  return WeekdayFrom(PartsOf(DateOf(arguments[0])).day, FirstDayOf(arguments, 1));
+}
+
+std::string Name(std::string_view whole, Arguments arguments) {
+  const bool isShort = arguments.size() > 1 && TruthOf(arguments[1]) == Truth::True;
+  return std::string(isShort ? whole.substr(0, 3) : whole);
+}
+
+Value NameOfWeekday(Arguments arguments, const Scope&) {
+  const std::int32_t number = LongOf(arguments[0]);
+  if (number < 1 || number > 7) RaiseInvalidCall("days of the week are 1 to 7");
+  return Name(WeekdayName((number + FirstDayOf(arguments, 2) - 2) % 7 + 1), arguments);
+}
+
+Value NameOfMonth(Arguments arguments, const Scope&) {
+  const std::int32_t number = LongOf(arguments[0]);
+  if (number < 1 || number > 12) RaiseInvalidCall("months are 1 to 12");
+  return Name(MonthName(number), arguments);
+}
+
+Value DateSerial(Arguments arguments, const Scope&) {
+  const int year = FullYear(LongOf(arguments[0]));
+  return DateOfParts(DayNumberOf(year, LongOf(arguments[1]), LongOf(arguments[2])), 0);
+}
+
+Value TimeSerial(Arguments arguments, const Scope&) {
+  const std::int64_t minutes = std::int64_t{LongOf(arguments[0])} * 60 + LongOf(arguments[1]);
+  return DateOfParts(0, minutes * 60 + LongOf(arguments[2]));
+}
+
+Value DateValue(Arguments arguments, const Scope&) {
+  return DateOf(arguments[0]).DayOnly();
+}
+Value TimeValue(Arguments arguments, const Scope&) {
+  return DateOfParts(0, SecondOf(arguments[0]));
+}
+
+Value DateAdd(Arguments arguments, const Scope&) {
+  return AddInterval(IntervalOf(TextOf(arguments[0])), std::trunc(NumberOf(arguments[1])), DateOf(arguments[2]));
+}
+
+Value DateDiff(Arguments arguments, const Scope&) {
+  const std::int64_t difference = CountIntervals(IntervalOf(TextOf(arguments[0])), DateOf(arguments[1]),
+                                                 DateOf(arguments[2]), FirstDayOf(arguments, 3));
+  FirstWeekOf(arguments, 4);
+  return LongOf(static_cast<double>(difference));
+}
+
+Value DatePart(Arguments arguments, const Scope&) {
+  return PartOfDate(IntervalOf(TextOf(arguments[0])), DateOf(arguments[1]), FirstDayOf(arguments, 2),
+                    FirstWeekOf(arguments, 3));
+}
+
+constexpr Function kDateFunctions[] = {
+    {"DATE", 0, 0, kPropagate, Today},
+    {"TIME", 0, 0, kPropagate, TimeNow},
+    {"NOW", 0, 0, kPropagate, Now},
+    {"YEAR", 1, 1, kPropagate, Year},
+    {"MONTH", 1, 1, kPropagate, Month},
+    {"DAY", 1, 1, kPropagate, Day},
+    {"HOUR", 1, 1, kPropagate, Hour},
+    {"MINUTE", 1, 1, kPropagate, Minute},
+    {"SECOND", 1, 1, kPropagate, Second},
+    {"WEEKDAY", 1, 2, kPropagate, Weekday},
+    {"WEEKDAYNAME", 1, 3, kPropagate, NameOfWeekday},
+    {"MONTHNAME", 1, 2, kPropagate, NameOfMonth},
+    {"DATESERIAL", 3, 3, kPropagate, DateSerial},
+    {"TIMESERIAL", 3, 3, kPropagate, TimeSerial},
+    {"DATEVALUE", 1, 1, kPropagate, DateValue},
+    {"TIMEVALUE", 1, 1, kPropagate, TimeValue},
+    {"DATEADD", 3, 3, kPropagate, DateAdd},
+    {"DATEDIFF", 3, 5, kPropagate, DateDiff},
+    {"DATEPART", 2, 4, kPropagate, DatePart},
+};
+
+}  // namespace
+
+std::span<const Function> DateFunctions() {
+  return kDateFunctions;
+}
+
+}  // namespace tavi::access::sql

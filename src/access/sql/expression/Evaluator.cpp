@@ -1,0 +1,244 @@
+#include "access/sql/expression/Evaluator.h"
+
+#include <array>
+#include <limits>
+
+#include "access/file/EngineError.h"
+#include "access/sql/expression/Arithmetic.h"
+#include "access/sql/expression/Coercion.h"
+#include "access/sql/expression/Comparison.h"
+#include "access/sql/expression/Like.h"
+#include "access/sql/parse/ExpressionTree.h"
+#include "access/sql/parse/Function.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access::sql {
+namespace {
+
+Truth EvaluateTruth(const Expression& expression, const Scope& scope);
+
+/// The value of an expression, copied only where it must be.
+class Operand {
+ public:
+  Operand(const Expression& expression, const Scope& scope) {
+    if (expression.kind == ExpressionKind::Literal) {
+      held_ = &expression.value;
+    } else if (expression.kind == ExpressionKind::Column) {
+      held_ = scope.ColumnReference(expression);
+    }
+    if (held_ == nullptr) own_ = Evaluate(expression, scope);
+  }
+  [[nodiscard]] const Value& Get() const { return held_ != nullptr ? *held_ : own_; }
+
+ private:
+  const Value* held_ = nullptr;
+  Value own_;
+};
+
+Truth FromBool(bool truth) {
+  return truth ? Truth::True : Truth::False;
+}
+
+Truth Not(Truth truth) {
+  if (truth == Truth::Unknown) return truth;
+  return FromBool(truth == Truth::False);
+}
+
+Truth NotIf(bool negated, Truth truth) {
+  return negated ? Not(truth) : truth;
+}
+
+bool IsLogical(Operator op) {
+  return op == Operator::And || op == Operator::Or || op == Operator::Xor || op == Operator::Eqv || op == Operator::Imp;
+}
+
+bool IsComparison(Operator op) {
+  return op == Operator::Equal || op == Operator::NotEqual || op == Operator::Less || op == Operator::LessOrEqual ||
+         op == Operator::Greater || op == Operator::GreaterOrEqual;
+}
+
+Truth Compare(Operator op, const Value& left, const Value& right) {
+  if (IsNull(left) || IsNull(right)) return Truth::Unknown;
+  const int order = CompareValues(left, right);
+  switch (op) {
+    case Operator::Equal:
+      return FromBool(order == 0);
+    case Operator::NotEqual:
+      return FromBool(order != 0);
+    case Operator::Less:
+      return FromBool(order < 0);
+    case Operator::LessOrEqual:
+      return FromBool(order <= 0);
+    case Operator::Greater:
+      return FromBool(order > 0);
+    default:
+      return FromBool(order >= 0);
+  }
+}
+
+Truth And(Truth left, Truth right) {
+  if (left == Truth::False || right == Truth::False) return Truth::False;
+  return left == Truth::True && right == Truth::True ? Truth::True : Truth::Unknown;
+}
+
+Truth Or(Truth left, Truth right) {
+  return Not(And(Not(left), Not(right)));
+}
+
+Truth EvaluateLogical(const Expression& expression, const Scope& scope) {
+  const Truth left = EvaluateTruth(*expression.arguments[0], scope);
+  if (expression.op == Operator::And && left == Truth::False) return left;
+  if (expression.op == Operator::Or && left == Truth::True) return left;
+  const Truth right = EvaluateTruth(*expression.arguments[1], scope);
+  if (expression.op == Operator::And) return And(left, right);
+  if (expression.op == Operator::Or) return Or(left, right);
+  if (expression.op == Operator::Imp) return Or(Not(left), right);
+  if (left == Truth::Unknown || right == Truth::Unknown) return Truth::Unknown;
+  return FromBool((left == right) == (expression.op == Operator::Eqv));
+}
+
+Truth EvaluateBetween(const Expression& expression, const Scope& scope) {
+  const Operand tested(*expression.arguments[0], scope);
+  const Operand one(*expression.arguments[1], scope);
+  const Operand other(*expression.arguments[2], scope);
+  const bool isSwapped = !IsNull(one.Get()) && !IsNull(other.Get()) && CompareValues(one.Get(), other.Get()) > 0;
+  const Value& low = isSwapped ? other.Get() : one.Get();
+  const Value& high = isSwapped ? one.Get() : other.Get();
+  return NotIf(expression.negated, And(Compare(Operator::GreaterOrEqual, tested.Get(), low),
+                                       Compare(Operator::LessOrEqual, tested.Get(), high)));
+}
+
+Truth EvaluateIn(const Expression& expression, const Scope& scope) {
+  const Operand tested(*expression.arguments[0], scope);
+  Truth found = Truth::False;
+  if (expression.subselect) {
+    for (const Value& value : scope.SubselectValues(expression, std::numeric_limits<std::size_t>::max())) {
+      found = Or(found, Compare(Operator::Equal, tested.Get(), value));
+      if (found == Truth::True) break;
+    }
+  }
+  for (std::size_t i = 1; i < expression.arguments.size() && found != Truth::True; ++i) {
+    found = Or(found, Compare(Operator::Equal, tested.Get(), Operand(*expression.arguments[i], scope).Get()));
+  }
+  return NotIf(expression.negated, found);
+}
+
+Truth EvaluateLike(const Expression& expression, const Scope& scope) {
+  const Operand tested(*expression.arguments[0], scope);
+  const Operand pattern(*expression.arguments[1], scope);
+  if (IsNull(tested.Get()) || IsNull(pattern.Get())) return Truth::Unknown;
+  const bool matches = LikePattern(TextOf(pattern.Get())).Matches(TextOf(tested.Get()));
+  return FromBool(matches != expression.negated);
+}
+
+/// All: none may differ. Any: one must agree.
+Truth EvaluateQuantified(const Expression& expression, const Scope& scope) {
+  const Operand tested(*expression.arguments[0], scope);
+  Truth result = FromBool(expression.all);
+  for (const Value& value : scope.SubselectValues(expression, std::numeric_limits<std::size_t>::max())) {
+    const Truth one = Compare(expression.op, tested.Get(), value);
+    result = expression.all ? And(result, one) : Or(result, one);
+  }
+  return result;
+}
+
+Truth EvaluateTruth(const Expression& expression, const Scope& scope) {
+  switch (expression.kind) {
+    case ExpressionKind::Unary:
+      if (expression.op == Operator::Not) return Not(EvaluateTruth(*expression.arguments[0], scope));
+      break;
+    case ExpressionKind::Binary:
+      if (IsLogical(expression.op)) return EvaluateLogical(expression, scope);
+      if (IsComparison(expression.op)) {
+        return Compare(expression.op, Operand(*expression.arguments[0], scope).Get(),
+                       Operand(*expression.arguments[1], scope).Get());
+      }
+      break;
+    case ExpressionKind::Between:
+      return EvaluateBetween(expression, scope);
+    case ExpressionKind::In:
+      return EvaluateIn(expression, scope);
+    case ExpressionKind::Exists:
+      return FromBool(scope.SubselectValues(expression, 1).empty() == expression.negated);
+    case ExpressionKind::IsNull:
+      return FromBool(IsNull(Operand(*expression.arguments[0], scope).Get()) != expression.negated);
+    case ExpressionKind::Like:
+      return EvaluateLike(expression, scope);
+    case ExpressionKind::Quantified:
+      return EvaluateQuantified(expression, scope);
+    default:
+      break;
+  }
+  return TruthOf(Operand(expression, scope).Get());
+}
+
+Value EvaluateSubselect(const Expression& expression, const Scope& scope) {
+  std::vector<Value> values = scope.SubselectValues(expression, 2);
+  if (values.size() > 1) RaiseFailure("At most one record can be returned by this subquery.");
+  return values.empty() ? Value() : std::move(values.front());
+}
+
+Value EvaluateUnary(const Expression& expression, const Scope& scope) {
+  if (expression.op == Operator::Not) return ValueOf(EvaluateTruth(expression, scope));
+  Value value = Evaluate(*expression.arguments[0], scope);
+  return expression.op == Operator::Negate ? Negated(value) : value;
+}
+
+Value EvaluateBinary(const Expression& expression, const Scope& scope) {
+  if (IsLogical(expression.op) || IsComparison(expression.op)) return ValueOf(EvaluateTruth(expression, scope));
+  return Calculate(expression.op, Operand(*expression.arguments[0], scope).Get(),
+                   Operand(*expression.arguments[1], scope).Get());
+}
+
+Value EvaluateCall(const Expression& expression, const Scope& scope) {
+  if (IsAggregate(expression)) return scope.AggregateValue(expression);
+  const Function* function = expression.function;
+  if (function == nullptr || !function->Accepts(expression.arguments.size())) {
+    throw Error(ErrorNumber::ProviderSyntax, kErrorSource,
+                "Undefined function '" + expression.name + "' in expression.");
+  }
+  if (function->lazyCall != nullptr) return function->lazyCall(expression.arguments, scope, Evaluate);
+  std::vector<Value> arguments;
+  arguments.reserve(expression.arguments.size());
+  for (const ExpressionPointer& argument : expression.arguments) {
+    arguments.push_back(Evaluate(*argument, scope));
+    if (!IsNull(arguments.back()) || function->nulls == Function::Nulls::Pass) continue;
+    if (function->nulls == Function::Nulls::Propagate) return Null{};
+    throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,
+                "Invalid use of Null in '" + expression.name + "': give another value with Nz or IIf.");
+  }
+  return function->call(arguments, scope);
+}
+
+}  // namespace
+
+const Value* Scope::ColumnReference(const Expression& /*column*/) const {
+  return nullptr;
+}
+
+Value Evaluate(const Expression& expression, const Scope& scope) {
+  switch (expression.kind) {
+    case ExpressionKind::Literal:
+      return expression.value;
+    case ExpressionKind::Column:
+      return scope.ColumnValue(expression);
+    case ExpressionKind::Star:
+      RaiseFailure("A '*' has no value: it stands for columns.");
+    case ExpressionKind::Unary:
+      return EvaluateUnary(expression, scope);
+    case ExpressionKind::Binary:
+      return EvaluateBinary(expression, scope);
+    case ExpressionKind::Call:
+      return EvaluateCall(expression, scope);
+    case ExpressionKind::Subselect:
+      return EvaluateSubselect(expression, scope);
+    default:
+      return ValueOf(EvaluateTruth(expression, scope));
+  }
+}
+
+bool IsTrue(const Expression& expression, const Scope& scope) {
+  return EvaluateTruth(expression, scope) == Truth::True;
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,289 @@
+#include "access/sql/expression/FormatNumber.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <vector>
+
+#include "access/sql/expression/Coercion.h"
+
+namespace tavi::access::sql {
+namespace {
+
+/// The magnitude of a number: digits without zeros at either end, the point behind the first `point` of them (which may
+/// lie outside).
+class Digits {
+ public:
+  explicit Digits(const Value& number) {
+    if (std::holds_alternative<Currency>(number) || std::holds_alternative<Decimal>(number)) {
+      ReadPlain(TextOf(number));
+    } else {
+      ReadDouble(std::abs(NumberOf(number)));
+    }
+    Normalize();
+  }
+
+  [[nodiscard]] bool IsZero() const { return digits_.empty(); }
+  [[nodiscard]] int Point() const { return point_; }
+  void Shift(int places) { point_ += IsZero() ? 0 : places; }
+
+  /// Rounds to a number of decimals.
+  void Round(int decimals) {
+    const int kept = point_ + decimals;
+    if (kept >= static_cast<int>(digits_.size())) return;
+    if (kept < 0) {
+      digits_.clear();
+    } else {
+      const bool goesUp = digits_[static_cast<std::size_t>(kept)] >= '5';
+      digits_.resize(static_cast<std::size_t>(kept));
+      if (goesUp) Increment();
+    }
+    Normalize();
+  }
+
+  /// The digit so many places before (0: ones, 1: tens) or behind (-1: tenths) the point.
+  [[nodiscard]] char At(int power) const {
+    const int index = point_ - 1 - power;
+    return index >= 0 && index < static_cast<int>(digits_.size()) ? digits_[static_cast<std::size_t>(index)] : '0';
+  }
+  /// Whole digits; decimals.
+  [[nodiscard]] int WholeCount() const { return std::max(point_, 0); }
+  [[nodiscard]] int DecimalCount() const { return std::max(static_cast<int>(digits_.size()) - point_, 0); }
+
+ private:
+  void ReadPlain(const std::string& text) {
+    const std::size_t start = text.starts_with('-') ? 1 : 0;
+    const std::size_t end = std::min(text.find('.'), text.size());
+    digits_ = text.substr(start, end - start);
+    point_ = static_cast<int>(digits_.size());
+    if (end < text.size()) digits_ += text.substr(end + 1);
+  }
+
+  void ReadDouble(double number) {
+    constexpr int kSignificant = 15;
+    std::array<char, 40> buffer{};
+    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
+                                       std::chars_format::scientific, kSignificant - 1);
+    const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
+    const std::size_t exponentSign = text.find('e');
+    if (exponentSign == std::string_view::npos) RaiseTypeConflict();
+    digits_ = std::string(text.substr(0, 1)) + std::string(text.substr(2, exponentSign - 2));
+    const std::size_t skipped = text[exponentSign + 1] == '+' ? 2 : 1;
+    std::from_chars(text.data() + exponentSign + skipped, text.data() + text.size(), point_);
+    ++point_;
+  }
+
+  void Increment() {
+    std::size_t place = digits_.size();
+    while (place > 0 && digits_[place - 1] == '9') digits_[--place] = '0';
+    if (place > 0) {
+      ++digits_[place - 1];
+    } else {
+      digits_.insert(digits_.begin(), '1');
+      ++point_;
+    }
+  }
+
+  void Normalize() {
+    digits_.erase(digits_.find_last_not_of('0') + 1);
+    const std::size_t zeros = std::min(digits_.find_first_not_of('0'), digits_.size());
+    digits_.erase(0, zeros);
+    point_ = digits_.empty() ? 0 : point_ - static_cast<int>(zeros);
+  }
+
+  std::string digits_;
+  int point_ = 0;
+};
+
+/// One of the patterns between the semicolons, taken apart.
+struct Layout {
+  struct Piece {
+    enum class Kind { Zero, Optional, Point, Exponent, Text } kind = Kind::Text;
+    std::string text;
+    int exponentDigits = 0;
+    bool exponentPlus = false;
+  };
+  std::vector<Piece> pieces;
+  int wholePlaces = 0;
+  int minimumWhole = 0;  ///< from the first 0 on
+  int decimals = 0;
+  int shift = 0;  ///< powers of ten by percent signs and thousands
+  bool groups = false;
+  bool scientific = false;
+};
+
+using Piece = Layout::Piece;
+
+class LayoutReader {
+ public:
+  explicit LayoutReader(std::string_view pattern) : pattern_(pattern) {}
+
+  Layout Read() {
+    while (place_ < pattern_.size()) ReadPiece();
+    EndWhole();
+    return std::move(layout_);
+  }
+
+ private:
+  void ReadPiece() {
+    const char character = pattern_[place_];
+    if (character == '0' || character == '#') {
+      AddDigit(character == '0' ? Piece::Kind::Zero : Piece::Kind::Optional);
+    } else if (character == '.' && !hasPoint_) {
+      EndWhole();
+      hasPoint_ = true;
+      layout_.pieces.push_back({Piece::Kind::Point, ".", 0, false});
+    } else if (character == ',') {
+      if (layout_.wholePlaces > 0 && !hasPoint_) ++commas_;
+    } else if ((character == 'E' || character == 'e') && BeginsExponent()) {
+      ReadExponent();
+      return;
+    } else if (character == '\\' || character == '"') {
+      ReadQuoted(character);
+      return;
+    } else {
+      if (character == '%') layout_.shift += 2;
+      layout_.pieces.push_back({Piece::Kind::Text, std::string(1, character), 0, false});
+    }
+    ++place_;
+  }
+
+  void AddDigit(Piece::Kind kind) {
+    layout_.pieces.push_back({kind, {}, 0, false});
+    if (hasPoint_) {
+      ++layout_.decimals;
+      return;
+    }
+    if (commas_ > 0) layout_.groups = true;
+    commas_ = 0;
+    ++layout_.wholePlaces;
+    if (kind == Piece::Kind::Zero || layout_.minimumWhole > 0) ++layout_.minimumWhole;
+  }
+
+  /// Commas that no digit has followed divide by a thousand each.
+  void EndWhole() {
+    layout_.shift -= 3 * commas_;
+    commas_ = 0;
+  }
+
+  [[nodiscard]] bool BeginsExponent() const {
+    return place_ + 2 < pattern_.size() && (pattern_[place_ + 1] == '+' || pattern_[place_ + 1] == '-') &&
+           pattern_[place_ + 2] == '0' && !layout_.scientific;
+  }
+
+  void ReadExponent() {
+    EndWhole();
+    Piece piece{Piece::Kind::Exponent, std::string(1, pattern_[place_]), 0, pattern_[place_ + 1] == '+'};
+    for (place_ += 2; place_ < pattern_.size() && pattern_[place_] == '0'; ++place_) ++piece.exponentDigits;
+    layout_.pieces.push_back(piece);
+    layout_.scientific = true;
+  }
+
+  void ReadQuoted(char quote) {
+    ++place_;
+    const std::size_t end =
+        quote == '\\' ? std::min(place_ + 1, pattern_.size()) : std::min(pattern_.find('"', place_), pattern_.size());
+    layout_.pieces.push_back({Piece::Kind::Text, std::string(pattern_.substr(place_, end - place_)), 0, false});
+    place_ = quote == '\\' ? end : std::min(end + 1, pattern_.size());
+  }
+
+  std::string_view pattern_;
+  std::size_t place_ = 0;
+  bool hasPoint_ = false;
+  int commas_ = 0;
+  Layout layout_;
+};
+
+std::string ExponentText(const Piece& piece, int exponent) {
+  std::string digits = std::to_string(std::abs(exponent));
+  const auto wanted = static_cast<std::size_t>(piece.exponentDigits);
+  if (digits.size() < wanted) digits.insert(0, wanted - digits.size(), '0');
+  return piece.text + (exponent < 0 ? "-" : piece.exponentPlus ? "+" : "") + digits;
+}
+
+/// The whole digits that one place of the layout stands for: the first place stands for all that are left over.
+std::string WholeText(const Layout& layout, const Digits& digits, int placesLeft, bool isFirst) {
+  std::string text;
+  const int shown = std::max(digits.WholeCount(), layout.minimumWhole);
+  const int highest = isFirst ? std::max(shown, placesLeft) - 1 : placesLeft - 1;
+  for (int power = highest; power >= placesLeft - 1; --power) {
+    if (power >= shown) continue;
+    text.push_back(digits.At(power));
+    if (layout.groups && power > 0 && power % 3 == 0) text.push_back(',');
+  }
+  return text;
+}
+
+std::string Render(const Layout& layout, const Digits& digits, int exponent) {
+  std::string text;
+  int placesLeft = layout.wholePlaces;
+  int decimal = 0;
+  bool hasPoint = false;
+  for (const Piece& piece : layout.pieces) {
+    switch (piece.kind) {
+      case Piece::Kind::Text:
+        text += piece.text;
+        break;
+      case Piece::Kind::Point:
+        if (layout.wholePlaces == 0) text += WholeText(layout, digits, 1, true);
+        hasPoint = true;
+        text.push_back('.');
+        break;
+      case Piece::Kind::Exponent:
+        text += ExponentText(piece, exponent);
+        break;
+      default:
+        if (!hasPoint) {
+          text += WholeText(layout, digits, placesLeft, placesLeft == layout.wholePlaces);
+          --placesLeft;
+        } else if (++decimal; piece.kind == Piece::Kind::Zero || decimal <= digits.DecimalCount()) {
+          text.push_back(digits.At(-decimal));
+        }
+    }
+  }
+  return text;
+}
+
+std::vector<std::string_view> Sections(std::string_view pattern) {
+  std::vector<std::string_view> sections;
+  bool isQuoted = false;
+  std::size_t start = 0;
+  for (std::size_t place = 0; place < pattern.size(); ++place) {
+    if (pattern[place] == '"') isQuoted = !isQuoted;
+    if (pattern[place] == '\\' && !isQuoted) ++place;
+    if (place >= pattern.size() || pattern[place] != ';' || isQuoted) continue;
+    sections.push_back(pattern.substr(start, place - start));
+    start = place + 1;
+  }
+  sections.push_back(pattern.substr(start));
+  return sections;
+}
+
+}  // namespace
+
+std::string FormatNumber(const Value& number, std::string_view pattern) {
+  const std::vector<std::string_view> sections = Sections(pattern);
+  const double amount = NumberOf(number);
+  const std::size_t wanted = amount < 0.0 ? 1 : amount == 0.0 ? 2 : 0;
+  const bool hasOwn = wanted < sections.size() && !sections[wanted].empty();
+  const Layout layout = LayoutReader(hasOwn ? sections[wanted] : sections[0]).Read();
+  Digits digits(number);
+  digits.Shift(layout.shift);
+  int exponent = 0;
+  if (layout.scientific && !digits.IsZero()) {
+    // Rounding may add a digit (9.99 to 10.0), so that a second turn is needed to have as many as there are places.
+    for (int turn = 0; turn < 2; ++turn) {
+      const int excess = digits.Point() - std::max(layout.wholePlaces, 1);
+      digits.Shift(-excess);
+      exponent += excess;
+      digits.Round(layout.decimals);
+    }
+  } else {
+    digits.Round(layout.decimals);
+  }
+  const bool needsSign = amount < 0.0 && !(hasOwn && wanted == 1) && !digits.IsZero();
+  return (needsSign ? "-" : "") + Render(layout, digits, exponent);
+}
+
+}  // namespace tavi::access::sql

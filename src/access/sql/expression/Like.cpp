@@ -1,0 +1,94 @@
+#include "access/sql/expression/Like.h"
+
+#include <algorithm>
+
+#include "access/file/EngineError.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access::sql {
+
+LikePattern::LikePattern(std::string_view pattern) {
+  const std::u32string characters = ToCodePoints(pattern);
+  for (std::size_t place = 0; place < characters.size();) {
+    const char32_t character = characters[place];
+    if (character == U'[') {
+      place = ReadSet(characters, place + 1);
+      continue;
+    }
+    Piece piece;
+    piece.character = UpperCase(character);
+    if (character == U'*' || character == U'%') piece.kind = Piece::Kind::AnyRun;
+    if (character == U'?' || character == U'_') piece.kind = Piece::Kind::Any;
+    if (character == U'#') piece.kind = Piece::Kind::Digit;
+    pieces_.push_back(std::move(piece));
+    ++place;
+  }
+}
+
+/// Reads a set from behind its opening bracket on; returns the place behind its closing one.
+std::size_t LikePattern::ReadSet(std::u32string_view pattern, std::size_t place) {
+  const std::size_t end = pattern.find(U']', place);
+  if (end == std::u32string_view::npos) RaiseFailure("Invalid pattern string: a '[' lacks its ']'.");
+  Piece piece;
+  piece.kind = Piece::Kind::Set;
+  piece.excluded = pattern[place] == U'!' && end > place + 1;
+  for (std::size_t i = piece.excluded ? place + 1 : place; i < end; ++i) {
+    char32_t last = pattern[i];
+    const char32_t first = pattern[i];
+    if (i + 2 < end && pattern[i + 1] == U'-') {
+      last = pattern[i + 2];
+      i += 2;
+    }
+    if (last < first) RaiseFailure("Invalid pattern string: the range in '[...]' ends before it starts.");
+    piece.ranges.emplace_back(first, last);
+  }
+  if (!piece.ranges.empty()) pieces_.push_back(std::move(piece));
+  return end + 1;
+}
+
+bool LikePattern::Accepts(const Piece& piece, char32_t character) {
+  switch (piece.kind) {
+    case Piece::Kind::Character:
+      return piece.character == UpperCase(character);
+    case Piece::Kind::Digit:
+      return character >= U'0' && character <= U'9';
+    case Piece::Kind::Set: {
+      const auto holds = [&](char32_t one) {
+        return std::any_of(piece.ranges.begin(), piece.ranges.end(),
+                           [one](const auto& range) { return range.first <= one && one <= range.second; });
+      };
+      const bool isAmong = holds(character) || holds(UpperCase(character)) || holds(LowerCase(character));
+      return isAmong != piece.excluded;
+    }
+    default:
+      return true;
+  }
+}
+
+bool LikePattern::Matches(std::string_view text) const {
+  const std::u32string characters = ToCodePoints(text);
+  std::size_t place = 0;
+  std::size_t piece = 0;
+  // The last run of any characters, and the place up to which it reaches: on a mismatch it is made one longer. Only the
+  // last one ever needs to be, as a longer earlier one leaves less for the rest.
+  std::size_t runPiece = pieces_.size();
+  std::size_t runEnd = 0;
+  while (place < characters.size()) {
+    if (piece < pieces_.size() && pieces_[piece].kind == Piece::Kind::AnyRun) {
+      runPiece = piece++;
+      runEnd = place;
+    } else if (piece < pieces_.size() && Accepts(pieces_[piece], characters[place])) {
+      ++piece;
+      ++place;
+    } else if (runPiece < pieces_.size()) {
+      piece = runPiece + 1;
+      place = ++runEnd;
+    } else {
+      return false;
+    }
+  }
+  return std::all_of(pieces_.begin() + static_cast<std::ptrdiff_t>(piece), pieces_.end(),
+                     [](const Piece& rest) { return rest.kind == Piece::Kind::AnyRun; });
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,87 @@
+#include "access/sql/parse/ChangeParser.h"
+
+#include "access/sql/parse/ExpressionParser.h"
+#include "access/sql/parse/SelectParser.h"
+
+namespace tavi::access::sql {
+namespace {
+
+void ReadValues(TokenStream& stream, Insert& insert) {
+  const std::size_t position = stream.Peek().position;
+  stream.ExpectSymbol("(");
+  do insert.values.push_back(ReadExpression(stream));
+  while (stream.TakeSymbol(","));
+  stream.ExpectSymbol(")");
+  if (!insert.columns.empty() && insert.columns.size() != insert.values.size()) {
+    stream.Fail(position, "Number of query values and destination fields are not the same: " +
+                              std::to_string(insert.values.size()) + " values, " +
+                              std::to_string(insert.columns.size()) + " fields");
+  }
+}
+
+ExpressionPointer ReadWhere(TokenStream& stream) {
+  if (!stream.TakeWord("WHERE")) return nullptr;
+  stream.EnterPart("WHERE clause");
+  return ReadExpression(stream);
+}
+
+/// The table of DELETE T.* FROM; empty for DELETE FROM and DELETE * FROM.
+std::string ReadDeletedTable(TokenStream& stream) {
+  if (stream.TakeSymbol("*") || stream.Peek().IsWord("FROM")) return {};
+  std::string table = stream.ExpectName("FROM or a table name");
+  if (stream.TakeSymbol(".") || stream.TakeSymbol("!")) stream.ExpectSymbol("*");
+  return table;
+}
+
+}  // namespace
+
+Insert ReadInsert(TokenStream& stream) {
+  Insert insert;
+  stream.EnterPart("INSERT INTO statement");
+  stream.ExpectWord("INTO");
+  insert.position = stream.Peek().position;
+  insert.table = stream.ExpectName("a table name");
+  if (stream.TakeSymbol("(")) {
+    do insert.columns.push_back(stream.ExpectAnyName("a column name"));
+    while (stream.TakeSymbol(","));
+    stream.ExpectSymbol(")");
+  }
+  if (stream.TakeWord("VALUES")) {
+    ReadValues(stream, insert);
+  } else if (stream.Peek().IsWord("SELECT")) {
+    insert.select = ReadSelect(stream);
+  } else {
+    stream.FailExpecting("VALUES or SELECT");
+  }
+  return insert;
+}
+
+Update ReadUpdate(TokenStream& stream) {
+  Update update;
+  stream.EnterPart("UPDATE statement");
+  update.target = ReadSources(stream);
+  stream.ExpectWord("SET");
+  do {
+    Assignment assignment;
+    assignment.column = ReadColumn(stream);
+    stream.ExpectSymbol("=");
+    assignment.value = ReadExpression(stream);
+    update.assignments.push_back(std::move(assignment));
+  } while (stream.TakeSymbol(","));
+  update.where = ReadWhere(stream);
+  return update;
+}
+
+Delete ReadDelete(TokenStream& stream) {
+  Delete statement;
+  stream.EnterPart("DELETE statement");
+  stream.TakeWord("DISTINCTROW");
+  statement.table = ReadDeletedTable(stream);
+  stream.ExpectWord("FROM");
+  stream.EnterPart("FROM clause");
+  statement.from = ReadSources(stream);
+  statement.where = ReadWhere(stream);
+  return statement;
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,352 @@
+#include "access/sql/parse/ExpressionParser.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include "access/sql/parse/ExpressionTree.h"
+#include "access/sql/parse/SelectParser.h"
+
+namespace tavi::access::sql {
+namespace {
+
+/// How tightly operators bind.
+enum Tightness : int {
+  kImp = 1,
+  kEqv,
+  kXor,
+  kOr,
+  kAnd,
+  kNot,
+  kComparison,
+  kConcatenate,
+  kAdd,
+  kModulo,
+  kIntegerDivide,
+  kMultiply,
+  kSign,
+  kPower
+};
+
+struct OperatorToken {
+  std::string_view text;
+  bool isWord;
+  Operator op;
+  Tightness tightness;
+};
+
+constexpr OperatorToken kOperators[] = {
+    {"AND", true, Operator::And, kAnd},
+    {"OR", true, Operator::Or, kOr},
+    {"XOR", true, Operator::Xor, kXor},
+    {"EQV", true, Operator::Eqv, kEqv},
+    {"IMP", true, Operator::Imp, kImp},
+    {"MOD", true, Operator::Modulo, kModulo},
+    {"=", false, Operator::Equal, kComparison},
+    {"<>", false, Operator::NotEqual, kComparison},
+    {"<", false, Operator::Less, kComparison},
+    {"<=", false, Operator::LessOrEqual, kComparison},
+    {">", false, Operator::Greater, kComparison},
+    {">=", false, Operator::GreaterOrEqual, kComparison},
+    {"&", false, Operator::Concatenate, kConcatenate},
+    {"+", false, Operator::Add, kAdd},
+    {"-", false, Operator::Subtract, kAdd},
+    {"\\", false, Operator::IntegerDivide, kIntegerDivide},
+    {"*", false, Operator::Multiply, kMultiply},
+    {"/", false, Operator::Divide, kMultiply},
+    {"^", false, Operator::Power, kPower},
+};
+
+const OperatorToken* FindOperator(const Token& token) {
+  if (token.kind != TokenKind::Name && token.kind != TokenKind::Symbol) return nullptr;
+  for (const OperatorToken& known : kOperators) {
+    if (known.isWord ? token.IsWord(known.text) : token.IsSymbol(known.text)) return &known;
+  }
+  return nullptr;
+}
+
+bool IsSelect(const TokenStream& stream, std::size_t ahead) {
+  return stream.Peek(ahead).IsWord("SELECT");
+}
+
+class ExpressionReader {
+ public:
+  explicit ExpressionReader(TokenStream& stream) : stream_(stream) {}
+
+  /// Reads operands and the operators between them that bind at least as tightly as `loosest`.
+  ExpressionPointer ReadBinary(int loosest) {
+    const TokenStream::Level level(stream_);
+    ExpressionPointer left = ReadPrefix();
+    for (;;) {
+      if (loosest <= kComparison && BeginsPredicate()) {
+        left = ReadPredicate(std::move(left));
+        continue;
+      }
+      const OperatorToken* op = FindOperator(stream_.Peek());
+      if (op == nullptr || op->tightness < loosest) return left;
+      const std::size_t position = stream_.Take().position;
+      if (op->op == Operator::And || op->op == Operator::Or) {
+        left = ReadChain(std::move(left), *op, position);
+      } else if (op->tightness == kComparison && BeginsQuantifier()) {
+        left = ReadQuantified(std::move(left), op->op, position);
+      } else {
+        left = Binary(op->op, position, std::move(left), ReadBinary(op->tightness + 1));
+      }
+    }
+  }
+
+ private:
+  /// Operands joined by And, or by Or, the first of which and the first operator are read already.
+  ExpressionPointer ReadChain(ExpressionPointer first, const OperatorToken& op, std::size_t position) {
+    std::vector<ExpressionPointer> operands;
+    operands.push_back(std::move(first));
+    do operands.push_back(ReadBinary(op.tightness + 1));
+    while (stream_.TakeWord(op.text));
+    return Balanced(op.op, position, operands, 0, operands.size());
+  }
+
+  ExpressionPointer Balanced(Operator op, std::size_t position, std::vector<ExpressionPointer>& operands,
+                             std::size_t from, std::size_t to) {
+    if (to - from == 1) return std::move(operands[from]);
+    const std::size_t middle = from + (to - from + 1) / 2;
+    ExpressionPointer left = Balanced(op, position, operands, from, middle);
+    return Binary(op, position, std::move(left), Balanced(op, position, operands, middle, to));
+  }
+
+  ExpressionPointer Binary(Operator op, std::size_t position, ExpressionPointer left, ExpressionPointer right) {
+    ExpressionPointer node = MakeExpression(ExpressionKind::Binary, position);
+    node->op = op;
+    AddArgument(*node, std::move(left));
+    AddArgument(*node, std::move(right));
+    return node;
+  }
+
+  void AddArgument(Expression& node, ExpressionPointer argument) {
+    node.depth = std::max(node.depth, stream_.Above(argument->depth));
+    node.arguments.push_back(std::move(argument));
+  }
+
+  ExpressionPointer ReadPrefix() {
+    const std::size_t position = stream_.Peek().position;
+    if (stream_.TakeWord("NOT")) return Unary(Operator::Not, position, ReadBinary(kComparison));
+    if (stream_.TakeSymbol("+")) return Unary(Operator::Plus, position, ReadBinary(kPower));
+    if (!stream_.TakeSymbol("-")) return ReadPrimary();
+    ExpressionPointer operand = ReadBinary(kPower);
+    if (!NegateNumber(*operand)) return Unary(Operator::Negate, position, std::move(operand));
+    operand->position = position;
+    return operand;
+  }
+
+  /// Makes a number that is written in the statement the negative one; false for every other expression. &H80000000 is
+  /// the one whole number without an opposite of its type.
+  static bool NegateNumber(Expression& operand) {
+    if (operand.kind != ExpressionKind::Literal) return false;
+    if (const auto* whole = std::get_if<std::int32_t>(&operand.value)) {
+      const bool hasOpposite = *whole != std::numeric_limits<std::int32_t>::min();
+      operand.value = hasOpposite ? Value(-*whole) : Value(-double{std::numeric_limits<std::int32_t>::min()});
+      return true;
+    }
+    auto* number = std::get_if<double>(&operand.value);
+    if (number != nullptr) *number = -*number;
+    return number != nullptr;
+  }
+
+  ExpressionPointer Unary(Operator op, std::size_t position, ExpressionPointer operand) {
+    ExpressionPointer node = MakeExpression(ExpressionKind::Unary, position);
+    node->op = op;
+    AddArgument(*node, std::move(operand));
+    return node;
+  }
+
+  /// True before Like, In, Between and Is, with or without Not.
+  [[nodiscard]] bool BeginsPredicate() const {
+    const std::size_t ahead = stream_.Peek().IsWord("NOT") ? 1 : 0;
+    const Token& word = stream_.Peek(ahead);
+    return word.IsWord("LIKE") || word.IsWord("ALIKE") || word.IsWord("IN") || word.IsWord("BETWEEN") ||
+           (ahead == 0 && word.IsWord("IS"));
+  }
+
+  ExpressionPointer ReadPredicate(ExpressionPointer tested) {
+    const std::size_t position = stream_.Peek().position;
+    const bool negated = stream_.TakeWord("NOT");
+    const Token& word = stream_.Take();
+    ExpressionPointer node = MakeExpression(ExpressionKind::Like, position);
+    node->negated = negated;
+    AddArgument(*node, std::move(tested));
+    if (word.IsWord("IN")) {
+      node->kind = ExpressionKind::In;
+      ReadItems(*node);
+    } else if (word.IsWord("BETWEEN")) {
+      node->kind = ExpressionKind::Between;
+      AddArgument(*node, ReadBinary(kConcatenate));
+      stream_.ExpectWord("AND");
+      AddArgument(*node, ReadBinary(kConcatenate));
+    } else if (word.IsWord("IS")) {
+      node->kind = ExpressionKind::IsNull;
+      node->negated = stream_.TakeWord("NOT");
+      stream_.ExpectWord("NULL");
+    } else {
+      AddArgument(*node, ReadBinary(kConcatenate));
+    }
+    return node;
+  }
+
+  /// The list or sub-select of In.
+  void ReadItems(Expression& node) {
+    stream_.ExpectSymbol("(");
+    if (IsSelect(stream_, 0)) {
+      SetSubselect(node);
+    } else {
+      do AddArgument(node, ReadExpression(stream_));
+      while (stream_.TakeSymbol(","));
+    }
+    stream_.ExpectSymbol(")");
+  }
+
+  void SetSubselect(Expression& node) {
+    node.number = stream_.NextNumber();
+    node.subselect = ReadSelect(stream_);
+    node.depth = std::max(node.depth, stream_.Above(node.subselect->depth));
+  }
+
+  [[nodiscard]] bool BeginsQuantifier() const {
+    const Token& word = stream_.Peek();
+    return (word.IsWord("ALL") || word.IsWord("ANY") || word.IsWord("SOME")) && stream_.Peek(1).IsSymbol("(");
+  }
+
+  ExpressionPointer ReadQuantified(ExpressionPointer left, Operator op, std::size_t position) {
+    ExpressionPointer node = MakeExpression(ExpressionKind::Quantified, position);
+    node->op = op;
+    node->all = stream_.Take().IsWord("ALL");
+    AddArgument(*node, std::move(left));
+    stream_.ExpectSymbol("(");
+    SetSubselect(*node);
+    stream_.ExpectSymbol(")");
+    return node;
+  }
+
+  ExpressionPointer ReadPrimary() {
+    const Token& token = stream_.Peek();
+    if (token.kind == TokenKind::Literal) {
+      ExpressionPointer literal = MakeExpression(ExpressionKind::Literal, token.position);
+      literal->value = stream_.Take().value;
+      return literal;
+    }
+    if (token.IsSymbol("(")) return ReadParentheses();
+    if (token.IsWord("EXISTS") && stream_.Peek(1).IsSymbol("(") && IsSelect(stream_, 2)) return ReadExists();
+    if (token.kind == TokenKind::Name && stream_.Peek(1).IsSymbol("(") && IsCallable(token)) return ReadCall();
+    if (ExpressionPointer constant = ReadConstant()) return constant;
+    return ReadColumn(stream_);
+  }
+
+  ExpressionPointer ReadParentheses() {
+    const std::size_t position = stream_.Take().position;
+    ExpressionPointer inner;
+    if (IsSelect(stream_, 0)) {
+      inner = MakeExpression(ExpressionKind::Subselect, position);
+      SetSubselect(*inner);
+    } else {
+      inner = ReadExpression(stream_);
+    }
+    stream_.ExpectSymbol(")");
+    return inner;
+  }
+
+  ExpressionPointer ReadExists() {
+    ExpressionPointer node = MakeExpression(ExpressionKind::Exists, stream_.Take().position);
+    stream_.ExpectSymbol("(");
+    SetSubselect(*node);
+    stream_.ExpectSymbol(")");
+    return node;
+  }
+
+  /// Left and Right join tables, Asc orders, and all three are functions.
+  static bool IsCallable(const Token& word) {
+    return !IsReserved(word) || word.IsWord("LEFT") || word.IsWord("RIGHT") || word.IsWord("ASC");
+  }
+
+  ExpressionPointer ReadCall() {
+    ExpressionPointer call = MakeExpression(ExpressionKind::Call, stream_.Peek().position);
+    call->name = stream_.Take().text;
+    stream_.ExpectSymbol("(");
+    if (stream_.Peek().IsSymbol("*") && stream_.Peek(1).IsSymbol(")")) {
+      call->arguments.push_back(MakeExpression(ExpressionKind::Star, stream_.Take().position));
+    } else if (!stream_.Peek().IsSymbol(")")) {
+      call->distinct = stream_.TakeWord("DISTINCT");
+      do AddArgument(*call, ReadExpression(stream_));
+      while (stream_.TakeSymbol(","));
+    }
+    stream_.ExpectSymbol(")");
+    CheckCall(*call);
+    return call;
+  }
+
+  void CheckCall(Expression& call) {
+    const bool isAggregate = IsAggregate(call);
+    if (isAggregate) {
+      call.number = stream_.NextNumber();
+    } else {
+      call.function = stream_.FindFunction(call.name);
+    }
+    if (!isAggregate && call.function == nullptr) {
+      stream_.Fail(call.position, "Undefined function '" + call.name + "' in expression");
+    }
+    const std::size_t count = call.arguments.size();
+    const bool isCountable = isAggregate ? count == 1 : call.function->Accepts(count);
+    const bool hasStar = count == 1 && call.arguments[0]->kind == ExpressionKind::Star;
+    if (!isCountable || (hasStar && !IsCount(call))) {
+      stream_.Fail(call.position, "Wrong number of arguments used with function '" + call.name + "' in expression");
+    }
+    if (call.distinct && !isAggregate) stream_.Fail(call.position, "DISTINCT has no meaning in '" + call.name + "'");
+  }
+
+  static bool IsCount(const Expression& call) {
+    Token name{TokenKind::Name, 0, 0, call.name, {}};
+    return name.IsWord("COUNT");
+  }
+
+  /// Null, and the words for truth values; as a table's name in front of a point they are none.
+  ExpressionPointer ReadConstant() {
+    const Token& word = stream_.Peek();
+    if (word.kind != TokenKind::Name || stream_.Peek(1).IsSymbol(".") || stream_.Peek(1).IsSymbol("!")) return nullptr;
+    std::optional<Value> value;
+    if (word.IsWord("NULL")) value = Null{};
+    if (word.IsWord("TRUE") || word.IsWord("YES") || word.IsWord("ON")) value = true;
+    if (word.IsWord("FALSE") || word.IsWord("NO") || word.IsWord("OFF")) value = false;
+    if (!value) return nullptr;
+    ExpressionPointer literal = MakeExpression(ExpressionKind::Literal, stream_.Take().position);
+    literal->value = *value;
+    return literal;
+  }
+
+  TokenStream& stream_;
+};
+
+}  // namespace
+
+ExpressionPointer MakeExpression(ExpressionKind kind, std::size_t position) {
+  auto expression = std::make_unique<Expression>();
+  expression->kind = kind;
+  expression->position = position;
+  return expression;
+}
+
+ExpressionPointer ReadColumn(TokenStream& stream) {
+  ExpressionPointer column = MakeExpression(ExpressionKind::Column, stream.Peek().position);
+  column->number = stream.NextNumber();
+  column->name = stream.ExpectName("a value, a column name or a function");
+  if (stream.TakeSymbol(".") || stream.TakeSymbol("!")) {
+    column->qualifier = std::move(column->name);
+    column->name = stream.ExpectAnyName("a column name");
+  }
+  return column;
+}
+
+ExpressionPointer ReadExpression(TokenStream& stream) {
+  const std::size_t start = stream.Place();
+  ExpressionPointer expression = ExpressionReader(stream).ReadBinary(kImp);
+  stream.EndExpression(start);
+  return expression;
+}
+
+}  // namespace tavi::access::sql

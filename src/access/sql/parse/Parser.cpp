@@ -1,0 +1,53 @@
+#include "access/sql/parse/Parser.h"
+
+#include "access/sql/parse/ChangeParser.h"
+#include "access/sql/parse/DefinitionParser.h"
+#include "access/sql/parse/ExpressionParser.h"
+#include "access/sql/parse/SelectParser.h"
+#include "access/sql/parse/TokenStream.h"
+
+namespace tavi::access::sql {
+namespace {
+
+TransactionControl ReadTransactionControl(TokenStream& stream, TransactionControl::Action action) {
+  const bool isNamed = stream.TakeWord("TRANSACTION");
+  if (!isNamed && action != TransactionControl::Action::Begin) stream.TakeWord("WORK");
+  return {action};
+}
+
+Statement ParseStatement(TokenStream& stream) {
+  if (stream.Peek().IsWord("SELECT")) return std::move(*ReadSelect(stream));
+  if (stream.TakeWord("INSERT")) return ReadInsert(stream);
+  if (stream.TakeWord("UPDATE")) return ReadUpdate(stream);
+  if (stream.TakeWord("DELETE")) return ReadDelete(stream);
+  if (stream.TakeWord("CREATE")) return ReadCreate(stream);
+  if (stream.TakeWord("ALTER")) return ReadAlter(stream);
+  if (stream.TakeWord("DROP")) return ReadDrop(stream);
+  if (stream.TakeWord("BEGIN")) return ReadTransactionControl(stream, TransactionControl::Action::Begin);
+  if (stream.TakeWord("COMMIT")) return ReadTransactionControl(stream, TransactionControl::Action::Commit);
+  if (stream.TakeWord("ROLLBACK")) return ReadTransactionControl(stream, TransactionControl::Action::Rollback);
+  stream.Fail(stream.Peek().position,
+              "Invalid SQL statement: it begins with none of SELECT, INSERT, UPDATE, DELETE, CREATE, ALTER, DROP, "
+              "BEGIN, COMMIT and ROLLBACK");
+}
+
+}  // namespace
+
+Statement Parse(std::string_view text, FunctionFinder findFunction) {
+  TokenStream stream(text, findFunction);
+  Statement statement = ParseStatement(stream);
+  stream.TakeSymbol(";");
+  if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the statement");
+  return statement;
+}
+
+ExpressionPointer ParseExpression(std::string_view text, FunctionFinder findFunction) {
+  TokenStream stream(text, findFunction);
+  stream.EnterPart("expression");
+  stream.TakeSymbol("=");
+  ExpressionPointer expression = ReadExpression(stream);
+  if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the expression");
+  return expression;
+}
+
+}  // namespace tavi::access::sql

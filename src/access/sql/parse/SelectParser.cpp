@@ -1,0 +1,245 @@
+#include "access/sql/parse/SelectParser.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "access/sql/parse/ExpressionParser.h"
+
+namespace tavi::access::sql {
+namespace {
+
+class SourceReader {
+ public:
+  explicit SourceReader(TokenStream& stream) : stream_(stream) {}
+
+  /// Tables and joins, separated by commas.
+  std::unique_ptr<Source> ReadList() {
+    const TokenStream::Level level(stream_);
+    std::unique_ptr<Source> left = ReadJoins();
+    while (stream_.Peek().IsSymbol(",")) {
+      const std::size_t position = stream_.Take().position;
+      left = Join(Source::Join::Cross, position, std::move(left), ReadJoins());
+    }
+    return left;
+  }
+
+ private:
+  std::unique_ptr<Source> ReadJoins() {
+    std::unique_ptr<Source> left = ReadPrimary();
+    for (;;) {
+      const std::size_t position = stream_.Peek().position;
+      const std::optional<Source::Join> kind = ReadJoinWords();
+      if (!kind) return left;
+      left = Join(*kind, position, std::move(left), ReadPrimary());
+      stream_.ExpectWord("ON");
+      left->on = ReadExpression(stream_);
+      left->depth = std::max(left->depth, stream_.Above(left->on->depth));
+    }
+  }
+
+  std::optional<Source::Join> ReadJoinWords() {
+    std::optional<Source::Join> kind;
+    const Token& word = stream_.Peek();
+    if (word.IsWord("JOIN")) kind = Source::Join::Inner;
+    if (stream_.TakeWord("INNER")) kind = Source::Join::Inner;
+    if (word.IsWord("LEFT")) kind = Source::Join::Left;
+    if (word.IsWord("RIGHT")) kind = Source::Join::Right;
+    if (word.IsWord("FULL")) {
+      stream_.Fail(word.position, "Access has no full outer joins: unite a left join and a right join with UNION");
+    }
+    if (!kind) return kind;
+    if (*kind != Source::Join::Inner) {
+      stream_.Take();
+      stream_.TakeWord("OUTER");
+    }
+    stream_.ExpectWord("JOIN");
+    return kind;
+  }
+
+  std::unique_ptr<Source> Join(Source::Join kind, std::size_t position, std::unique_ptr<Source> left,
+                               std::unique_ptr<Source> right) {
+    auto join = std::make_unique<Source>();
+    join->kind = Source::Kind::Join;
+    join->join = kind;
+    join->position = position;
+    join->depth = stream_.Above(left->depth, right->depth);
+    join->left = std::move(left);
+    join->right = std::move(right);
+    return join;
+  }
+
+  std::unique_ptr<Source> ReadPrimary() {
+    const std::size_t position = stream_.Peek().position;
+    if (stream_.TakeSymbol("(")) {
+      if (stream_.Peek().IsWord("SELECT")) return ReadSubselect(position);
+      std::unique_ptr<Source> inner = ReadList();
+      stream_.ExpectSymbol(")");
+      return inner;
+    }
+    auto source = std::make_unique<Source>();
+    source->position = position;
+    source->table = stream_.ExpectName("a table name");
+    if (stream_.Peek().IsWord("IN") || stream_.Peek().IsSymbol(".")) {
+      stream_.Fail(stream_.Peek().position, "Tables of other files cannot be named in a statement");
+    }
+    ReadAlias(*source);
+    return source;
+  }
+
+  std::unique_ptr<Source> ReadSubselect(std::size_t position) {
+    auto source = std::make_unique<Source>();
+    source->kind = Source::Kind::Subselect;
+    source->position = position;
+    source->subselect = ReadSelect(stream_);
+    source->depth = stream_.Above(source->subselect->depth);
+    stream_.EnterPart("FROM clause");
+    stream_.ExpectSymbol(")");
+    ReadAlias(*source);
+    return source;
+  }
+
+  void ReadAlias(Source& source) {
+    if (stream_.TakeWord("AS")) {
+      source.alias = stream_.ExpectName("another name for the table");
+    } else if (stream_.NextIsName()) {
+      source.alias = stream_.Take().text;
+    }
+  }
+
+  TokenStream& stream_;
+};
+
+class SelectReader {
+ public:
+  explicit SelectReader(TokenStream& stream) : stream_(stream) {}
+
+  /// The select with its unions and the order of the whole.
+  std::shared_ptr<Select> ReadAll() {
+    const TokenStream::Level level(stream_);
+    const TokenStream::SelectNumbers numbers(stream_);
+    std::vector<std::shared_ptr<Select>> chain = {ReadOne()};
+    while (stream_.TakeWord("UNION")) {
+      chain.back()->unionAll = stream_.TakeWord("ALL");
+      chain.push_back(ReadOne());
+    }
+    std::shared_ptr<Select> first = chain.front();
+    ReadOrder(*first);
+    ReadOwnerOption();
+    for (std::size_t i = chain.size() - 1; i > 0; --i) {
+      Deepen(*chain[i - 1], chain[i]->depth);
+      chain[i - 1]->unionWith = chain[i];
+    }
+    return first;
+  }
+
+ private:
+  void Deepen(Select& select, std::uint16_t depth) { select.depth = std::max(select.depth, stream_.Above(depth)); }
+
+  ExpressionPointer ReadIn(Select& select) {
+    ExpressionPointer expression = ReadExpression(stream_);
+    Deepen(select, expression->depth);
+    return expression;
+  }
+
+  std::shared_ptr<Select> ReadOne() {
+    auto select = std::make_shared<Select>();
+    stream_.EnterPart("SELECT statement");
+    select->position = stream_.Peek().position;
+    stream_.ExpectWord("SELECT");
+    ReadPredicates(*select);
+    do select->items.push_back(ReadItem(*select));
+    while (stream_.TakeSymbol(","));
+    if (stream_.TakeWord("INTO")) select->into = stream_.ExpectName("the new table's name");
+    if (stream_.TakeWord("FROM")) {
+      stream_.EnterPart("FROM clause");
+      select->from = ReadSources(stream_);
+      Deepen(*select, select->from->depth);
+    }
+    if (stream_.TakeWord("WHERE")) {
+      stream_.EnterPart("WHERE clause");
+      select->where = ReadIn(*select);
+    }
+    ReadGroups(*select);
+    return select;
+  }
+
+  void ReadPredicates(Select& select) {
+    select.distinct = stream_.TakeWord("DISTINCT");
+    select.distinctRow = !select.distinct && stream_.TakeWord("DISTINCTROW");
+    if (!select.distinct && !select.distinctRow) stream_.TakeWord("ALL");
+    if (!stream_.Peek().IsWord("TOP") || stream_.Peek(1).kind != TokenKind::Literal) return;
+    stream_.Take();
+    const std::size_t position = stream_.Peek().position;
+    select.top = stream_.ExpectNumber("the number of rows", 0, std::numeric_limits<std::int32_t>::max());
+    select.topPercent = stream_.TakeWord("PERCENT");
+    if (select.topPercent && *select.top > 100) stream_.Fail(position, "Syntax error: TOP takes at most 100 PERCENT");
+  }
+
+  SelectItem ReadItem(Select& select) {
+    SelectItem item;
+    const Token& token = stream_.Peek();
+    const bool isName = token.kind == TokenKind::QuotedName || token.kind == TokenKind::Name;
+    if (token.IsSymbol("*")) {
+      item.expression = MakeExpression(ExpressionKind::Star, stream_.Take().position);
+      return item;
+    }
+    if (isName && (stream_.Peek(1).IsSymbol(".") || stream_.Peek(1).IsSymbol("!")) && stream_.Peek(2).IsSymbol("*")) {
+      item.expression = MakeExpression(ExpressionKind::Star, token.position);
+      item.expression->qualifier = stream_.ExpectName("a table name");
+      stream_.Take();
+      stream_.Take();
+      return item;
+    }
+    item.expression = ReadIn(select);
+    if (stream_.TakeWord("AS")) item.alias = stream_.ExpectAnyName("the column's new name");
+    return item;
+  }
+
+  void ReadGroups(Select& select) {
+    if (stream_.TakeWord("GROUP")) {
+      stream_.EnterPart("GROUP BY clause");
+      stream_.ExpectWord("BY");
+      do select.groupBy.push_back(ReadIn(select));
+      while (stream_.TakeSymbol(","));
+    }
+    if (stream_.TakeWord("HAVING")) {
+      stream_.EnterPart("HAVING clause");
+      select.having = ReadIn(select);
+    }
+  }
+
+  void ReadOrder(Select& select) {
+    if (!stream_.TakeWord("ORDER")) return;
+    stream_.EnterPart("ORDER BY clause");
+    stream_.ExpectWord("BY");
+    do {
+      OrderItem item;
+      item.expression = ReadIn(select);
+      item.descending = stream_.TakeWord("DESC");
+      if (!item.descending) stream_.TakeWord("ASC");
+      select.orderBy.push_back(std::move(item));
+    } while (stream_.TakeSymbol(","));
+  }
+
+  /// Access's own queries carry it; it has no meaning without its user accounts.
+  void ReadOwnerOption() {
+    if (!stream_.Peek().IsWord("WITH") || !stream_.Peek(1).IsWord("OWNERACCESS")) return;
+    stream_.Take();
+    stream_.Take();
+    stream_.ExpectWord("OPTION");
+  }
+
+  TokenStream& stream_;
+};
+
+}  // namespace
+
+std::shared_ptr<Select> ReadSelect(TokenStream& stream) {
+  return SelectReader(stream).ReadAll();
+}
+
+std::unique_ptr<Source> ReadSources(TokenStream& stream) {
+  return SourceReader(stream).ReadList();
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,137 @@
+#include "access/sql/parse/TokenStream.h"
+
+#include <algorithm>
+
+#include "access/sql/parse/Limits.h"
+#include "access/sql/parse/SyntaxError.h"
+
+namespace tavi::access::sql {
+namespace {
+
+constexpr std::string_view kReservedWords[] = {
+    "ALIKE",       "ALL",   "AND",    "ANY",  "AS",   "ASC",   "BETWEEN", "BY",    "DESC", "DISTINCT",
+    "DISTINCTROW", "EQV",   "EXISTS", "FROM", "FULL", "GROUP", "HAVING",  "IMP",   "IN",   "INNER",
+    "INTO",        "IS",    "JOIN",   "LEFT", "LIKE", "MOD",   "NOT",     "NULL",  "ON",   "OR",
+    "ORDER",       "RIGHT", "SELECT", "SET",  "SOME", "UNION", "VALUES",  "WHERE", "WITH", "XOR"};
+
+std::string Shown(const Token& token) {
+  constexpr std::size_t kLongest = 40;
+  if (token.kind == TokenKind::End) return "the statement ends here";
+  if (token.text.size() > kLongest) return "a long text was found";
+  return "'" + token.text + "' was found";
+}
+
+}  // namespace
+
+bool IsReserved(const Token& token) {
+  return token.kind == TokenKind::Name && std::any_of(std::begin(kReservedWords), std::end(kReservedWords),
+                                                      [&](std::string_view word) { return token.IsWord(word); });
+}
+
+TokenStream::TokenStream(std::string_view statement, FunctionFinder findFunction)
+    : statement_(statement), findFunction_(findFunction), tokens_(Tokenize(statement)) {}
+
+const Token& TokenStream::Peek(std::size_t ahead) const {
+  return tokens_[std::min(place_ + ahead, tokens_.size() - 1)];
+}
+
+const Token& TokenStream::Take() {
+  const Token& token = Peek();
+  if (place_ + 1 < tokens_.size()) ++place_;
+  return token;
+}
+
+bool TokenStream::TakeWord(std::string_view keyword) {
+  if (!Peek().IsWord(keyword)) return false;
+  Take();
+  return true;
+}
+
+bool TokenStream::TakeSymbol(std::string_view symbol) {
+  if (!Peek().IsSymbol(symbol)) return false;
+  Take();
+  return true;
+}
+
+void TokenStream::ExpectWord(std::string_view keyword) {
+  if (!TakeWord(keyword)) FailExpecting(keyword);
+}
+
+void TokenStream::ExpectSymbol(std::string_view symbol) {
+  if (!TakeSymbol(symbol)) FailExpecting("'" + std::string(symbol) + "'");
+}
+
+bool TokenStream::NextIsName() const {
+  return Peek().kind == TokenKind::QuotedName || (Peek().kind == TokenKind::Name && !IsReserved(Peek()));
+}
+
+std::string TokenStream::ExpectName(std::string_view what) {
+  if (!NextIsName()) FailExpecting(what);
+  return Take().text;
+}
+
+std::string TokenStream::ExpectAnyName(std::string_view what) {
+  if (Peek().kind != TokenKind::QuotedName && Peek().kind != TokenKind::Name) FailExpecting(what);
+  return Take().text;
+}
+
+std::int32_t TokenStream::ExpectNumber(std::string_view what, std::int32_t lowest, std::int32_t highest) {
+  const auto* number = std::get_if<std::int32_t>(&Peek().value);
+  if (number == nullptr || *number < lowest || *number > highest) {
+    const std::string range = lowest == highest ? "" : " to " + std::to_string(highest);
+    FailExpecting(std::string(what) + " (" + std::to_string(lowest) + range + ")");
+  }
+  Take();
+  return *number;
+}
+
+void TokenStream::EndExpression(std::size_t start) {
+  expressionStart_ = start;
+  expressionEnd_ = place_;
+}
+
+std::string TokenStream::TextSince(std::size_t place) const {
+  if (place >= place_) return {};
+  const Token& last = tokens_[place_ - 1];
+  const std::size_t start = tokens_[place].position;
+  return std::string(statement_.substr(start, last.position + last.length - start));
+}
+
+void TokenStream::FailExpecting(std::string_view expected) const {
+  const Token& token = Peek();
+  const bool lacksOperator =
+      expressionEnd_ == place_ && place_ > 0 && token.kind != TokenKind::End && token.kind != TokenKind::Symbol;
+  std::string problem = "Syntax error in " + std::string(part_);
+  if (lacksOperator) {
+    const std::size_t start = tokens_[expressionStart_].position;
+    constexpr std::size_t kLongest = 200;
+    const std::size_t length = token.position + token.length - start;
+    problem = "Syntax error (missing operator) in query expression";
+    if (length <= kLongest) problem += " '" + std::string(statement_.substr(start, length)) + "'";
+    problem += " of the " + std::string(part_);
+  }
+  Fail(token.position, problem + ": " + Shown(token) + " where " + (lacksOperator ? "an operator or " : "") +
+                           std::string(expected) + " was expected");
+}
+
+void TokenStream::Fail(std::size_t position, const std::string& problem) const {
+  RaiseSyntax(statement_, position, problem);
+}
+
+void TokenStream::FailTooDeep() const {
+  Fail(Peek().position, "The statement is too complex: it is nested more than " + std::to_string(kMaximumDepth) +
+                            " levels deep, split it");
+}
+
+TokenStream::Level::Level(TokenStream& stream) : stream_(stream) {
+  if (stream_.depth_ >= kMaximumDepth) stream_.FailTooDeep();
+  ++stream_.depth_;
+}
+
+std::uint16_t TokenStream::Above(std::uint16_t depth, std::uint16_t other) const {
+  const std::uint16_t deeper = std::max(depth, other);
+  if (deeper >= kMaximumDepth) FailTooDeep();
+  return static_cast<std::uint16_t>(deeper + 1);
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,167 @@
+// The types of expressions and columns (declared in ExpressionShape.h).
+#include <algorithm>
+#include <array>
+
+#include "access/sql/parse/ExpressionTree.h"
+#include "access/sql/plan/ExpressionShape.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+using ado::DataType;
+
+struct TypeOfValue {
+  DataType operator()(Null) const { return DataType::WChar; }
+  DataType operator()(bool) const { return DataType::Boolean; }
+  DataType operator()(std::uint8_t) const { return DataType::UnsignedTinyInt; }
+  DataType operator()(std::int16_t) const { return DataType::SmallInt; }
+  DataType operator()(std::int32_t) const { return DataType::Integer; }
+  DataType operator()(float) const { return DataType::Single; }
+  DataType operator()(double) const { return DataType::Double; }
+  DataType operator()(Currency) const { return DataType::Currency; }
+  DataType operator()(const Decimal&) const { return DataType::Numeric; }
+  DataType operator()(Date) const { return DataType::Date; }
+  DataType operator()(const std::string&) const { return DataType::WChar; }
+  DataType operator()(const Bytes&) const { return DataType::Binary; }
+  DataType operator()(const Guid&) const { return DataType::Guid; }
+};
+
+/// How far a numeric type reaches: the result of arithmetic has the wider type. -1 for what is no number.
+int Rank(DataType type) {
+  constexpr std::array kOrder = {DataType::Boolean,  DataType::UnsignedTinyInt, DataType::SmallInt,
+                                 DataType::Integer,  DataType::Single,          DataType::Double,
+                                 DataType::Currency, DataType::Numeric,         DataType::Date};
+  const auto* const found = std::find(kOrder.begin(), kOrder.end(), type);
+  return found == kOrder.end() ? -1 : static_cast<int>(found - kOrder.begin());
+}
+
+DataType WiderType(DataType left, DataType right) {
+  if (Rank(left) < 0 || Rank(right) < 0) return Rank(left) < 0 && Rank(right) < 0 ? left : DataType::Double;
+  const DataType wider = Rank(left) < Rank(right) ? right : left;
+  return wider == DataType::Boolean ? DataType::SmallInt : wider;
+}
+
+DataType TypeOfBinary(const Expression& expression, const SelectPlan& plan) {
+  switch (expression.op) {
+    case Operator::Add:
+    case Operator::Subtract:
+    case Operator::Multiply:
+      return WiderType(TypeOf(*expression.arguments[0], plan), TypeOf(*expression.arguments[1], plan));
+    case Operator::Divide:
+    case Operator::Power:
+      return DataType::Double;
+    case Operator::IntegerDivide:
+    case Operator::Modulo:
+      return DataType::Integer;
+    case Operator::Concatenate:
+      return DataType::WChar;
+    default:
+      return DataType::Boolean;
+  }
+}
+
+DataType TypeOfAggregate(const Expression& call, const SelectPlan& plan) {
+  const std::string name = UpperCase(call.name);
+  if (name == "COUNT") return DataType::Integer;
+  const DataType argument = call.arguments.empty() ? DataType::Double : TypeOf(*call.arguments[0], plan);
+  if (name == "MIN" || name == "MAX" || name == "FIRST" || name == "LAST") return argument;
+  return argument == DataType::Currency && (name == "SUM" || name == "AVG") ? argument : DataType::Double;
+}
+
+DataType TypeOfCall(const Expression& call, const SelectPlan& plan) {
+  const std::string name = UpperCase(call.name);
+  const auto isOneOf = [&](std::initializer_list<std::string_view> names) {
+    return std::find(names.begin(), names.end(), name) != names.end();
+  };
+  if (isOneOf({"NOW", "DATE", "TIME", "DATEADD", "DATESERIAL", "DATEVALUE", "TIMESERIAL", "TIMEVALUE", "CDATE"})) {
+    return DataType::Date;
+  }
+  if (isOneOf({"LEN", "INSTR", "DATEDIFF", "CLNG", "SGN", "ASC"})) return DataType::Integer;
+  if (isOneOf({"YEAR", "MONTH", "DAY", "HOUR", "MINUTE", "SECOND", "WEEKDAY", "DATEPART", "CINT"})) {
+    return DataType::SmallInt;
+  }
+  if (isOneOf({"CDBL", "SQR", "LOG", "EXP", "RND", "VAL", "SIN", "COS", "TAN", "ATN"})) return DataType::Double;
+  if (name == "CSNG") return DataType::Single;
+  if (name == "CCUR") return DataType::Currency;
+  if (isOneOf({"CBOOL", "ISNULL", "ISNUMERIC", "ISDATE"})) return DataType::Boolean;
+  const bool hasArguments = !call.arguments.empty();
+  if (hasArguments && isOneOf({"ABS", "INT", "FIX", "ROUND", "NZ"})) return TypeOf(*call.arguments[0], plan);
+  if (name == "IIF" && call.arguments.size() == 3) {
+    return WiderType(TypeOf(*call.arguments[1], plan), TypeOf(*call.arguments[2], plan));
+  }
+  return DataType::WChar;
+}
+
+DataType TypeOfColumn(const Slot& slot, const SelectPlan& plan) {
+  if (slot.kind == Slot::Kind::Item) return TypeOf(*plan.select->items[slot.column].expression, plan);
+  if (slot.kind == Slot::Kind::None) return DataType::WChar;
+  if (slot.depth > 0) return DataType::WChar;  // only inside sub-selects, whose columns nobody sees
+  const PlannedSource& source = plan.sources[slot.source];
+  return source.table ? TypeOf(source.table->Columns()[slot.column].definition)
+                      : source.derived->outputs[slot.column].column.type;
+}
+
+DataType TypeOfSubselect(const SelectPlan* subselect) {
+  const bool isKnown = subselect != nullptr && !subselect->outputs.empty();
+  return isKnown ? subselect->outputs.front().column.type : DataType::WChar;
+}
+
+}  // namespace
+
+DataType TypeOf(const Expression& expression, const SelectPlan& plan) {
+  switch (expression.kind) {
+    case ExpressionKind::Literal:
+      return std::visit(TypeOfValue{}, expression.value);
+    case ExpressionKind::Column:
+      return TypeOfColumn(plan.SlotOf(expression), plan);
+    case ExpressionKind::Unary:
+      return expression.op == Operator::Not ? DataType::Boolean : TypeOf(*expression.arguments[0], plan);
+    case ExpressionKind::Binary:
+      return TypeOfBinary(expression, plan);
+    case ExpressionKind::Call:
+      return IsAggregate(expression) ? TypeOfAggregate(expression, plan) : TypeOfCall(expression, plan);
+    case ExpressionKind::Subselect:
+      return TypeOfSubselect(plan.SubselectOf(expression));
+    default:
+      return DataType::Boolean;
+  }
+}
+
+DataType TypeOf(const ColumnDefinition& column) {
+  switch (column.type) {
+    case ColumnType::Boolean:
+      return DataType::Boolean;
+    case ColumnType::Byte:
+      return DataType::UnsignedTinyInt;
+    case ColumnType::Integer:
+      return DataType::SmallInt;
+    case ColumnType::Long:
+    case ColumnType::Complex:
+      return DataType::Integer;
+    case ColumnType::Currency:
+      return DataType::Currency;
+    case ColumnType::Single:
+      return DataType::Single;
+    case ColumnType::Double:
+      return DataType::Double;
+    case ColumnType::Date:
+      return DataType::Date;
+    case ColumnType::Binary:
+    case ColumnType::FixedBinary:
+      return DataType::Binary;
+    case ColumnType::Ole:
+      return DataType::LongVarBinary;
+    case ColumnType::Guid:
+      return DataType::Guid;
+    case ColumnType::Numeric:
+      return DataType::Numeric;
+    case ColumnType::Text:
+    case ColumnType::Memo:
+      break;
+  }
+  return DataType::WChar;
+}
+
+}  // namespace tavi::access::sql

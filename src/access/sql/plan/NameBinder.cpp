@@ -1,0 +1,160 @@
+#include "access/sql/plan/NameBinder.h"
+
+#include "access/sql/parse/ExpressionTree.h"
+#include "access/sql/plan/ExecutionErrors.h"
+#include "access/sql/plan/SelectPlanner.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access::sql {
+namespace {
+
+/// The place of an expression's number in a list, which is made long enough.
+template <typename Item>
+Item& PlaceOf(const Expression& expression, std::vector<Item>& list) {
+  if (list.size() <= expression.number) list.resize(expression.number + 1);
+  return list[expression.number];
+}
+
+}  // namespace
+
+std::optional<std::size_t> FindColumn(const PlannedSource& source, std::string_view name) {
+  if (source.table) return source.table->FindColumn(name);
+  for (std::size_t i = 0; i < source.derived->outputs.size(); ++i) {
+    if (EqualIgnoringCase(source.derived->outputs[i].column.name, name)) return i;
+  }
+  return std::nullopt;
+}
+
+void NameBinder::AddSources(const Source& tree) {
+  if (tree.kind == Source::Kind::Join) {
+    AddSources(*tree.left);
+    AddSources(*tree.right);
+    return;
+  }
+  AddLeaf(tree);
+}
+
+void NameBinder::AddLeaf(const Source& leaf) {
+  if (plan_.sources.size() >= kMaximumSources) {
+    throw StatementError("The statement names more than " + std::to_string(kMaximumSources) + " tables.");
+  }
+  PlannedSource source;
+  source.name = leaf.alias.empty() ? leaf.table : leaf.alias;
+  std::size_t columns = 0;
+  if (leaf.kind == Source::Kind::Subselect) {
+    source.derived = PlanSelect(context_, *leaf.subselect, nullptr);
+    columns = source.derived->outputs.size();
+    source.plannedRowCount = static_cast<std::uint32_t>(EstimateRows(*source.derived));
+  } else {
+    source.table = context_.database.FindTable(leaf.table);
+    if (!source.table) throw UnknownTableError(leaf.table);
+    source.plannedRowCount = source.table->RowCount();
+    columns = source.table->Columns().size();
+  }
+  for (const PlannedSource& other : plan_.sources) {
+    if (!source.name.empty() && EqualIgnoringCase(other.name, source.name)) {
+      throw StatementError("Two tables of the statement have the name '" + source.name +
+                           "'. Give one of them another name with AS.");
+    }
+  }
+  source.searchColumns.assign(columns, false);
+  source.outputColumns.assign(columns, false);
+  numbers_[&leaf] = plan_.sources.size();
+  plan_.sources.push_back(std::move(source));
+}
+
+std::optional<Slot> NameBinder::FindColumn(const Expression& column) const {
+  std::optional<Slot> found;
+  for (std::size_t i = 0; i < plan_.sources.size(); ++i) {
+    const PlannedSource& source = plan_.sources[i];
+    if (!column.qualifier.empty() && !EqualIgnoringCase(column.qualifier, source.name)) continue;
+    const auto position = sql::FindColumn(source, column.name);
+    if (!position) continue;
+    if (found) throw AmbiguousColumnError(column.name);
+    found = Slot{Slot::Kind::Column, 0, static_cast<std::uint16_t>(i), static_cast<std::uint32_t>(*position)};
+  }
+  if (found || outer_ == nullptr) return found;
+  found = outer_->FindColumn(column);
+  if (found) ++found->depth;
+  return found;
+}
+
+std::optional<Slot> NameBinder::FindItem(const Expression& column, std::size_t visibleItems) const {
+  if (!column.qualifier.empty() || plan_.select == nullptr) return std::nullopt;
+  for (std::size_t i = 0; i < visibleItems; ++i) {
+    if (!EqualIgnoringCase(plan_.select->items[i].alias, column.name)) continue;
+    return Slot{Slot::Kind::Item, 0, 0, static_cast<std::uint32_t>(i)};
+  }
+  return std::nullopt;
+}
+
+void NameBinder::Bind(const Expression& expression, Use use, std::size_t visibleItems) {
+  if (expression.kind == ExpressionKind::Column) BindColumn(expression, use, visibleItems);
+  if (expression.subselect) BindSubselect(expression, use);
+  for (const auto& argument : expression.arguments) Bind(*argument, use, visibleItems);
+}
+
+void NameBinder::BindColumn(const Expression& column, Use use, std::size_t visibleItems) {
+  if (plan_.SlotOf(column).kind == Slot::Kind::None) {
+    std::optional<Slot> slot = FindColumn(column);
+    if (!slot) slot = FindItem(column, visibleItems);
+    if (!slot) {
+      const std::string name = column.qualifier.empty() ? column.name : column.qualifier + "." + column.name;
+      throw UnknownColumnError(name, SourceNames());
+    }
+    PlaceOf(column, plan_.slots) = *slot;
+  }
+  const Slot slot = plan_.SlotOf(column);
+  if (slot.kind == Slot::Kind::Item) {
+    Bind(*plan_.select->items[slot.column].expression, use, slot.column);
+  } else {
+    MarkUse(slot, use);
+  }
+}
+
+void NameBinder::BindSubselect(const Expression& expression, Use use) {
+  if (plan_.SubselectOf(expression) == nullptr) {
+    std::unique_ptr<SelectPlan> subplan = PlanSelect(context_, *expression.subselect, this);
+    PlaceOf(expression, plan_.subselects) = std::move(subplan);
+  }
+  for (Slot slot : plan_.SubselectOf(expression)->outerSlots) {
+    --slot.depth;
+    MarkUse(slot, use);
+  }
+}
+
+void NameBinder::MarkUse(const Slot& slot, Use use) {
+  if (slot.depth > 0) {
+    plan_.outerSlots.push_back(slot);
+    return;
+  }
+  PlannedSource& source = plan_.sources[slot.source];
+  (use == Use::Search ? source.searchColumns : source.outputColumns)[slot.column] = true;
+}
+
+SourceSet NameBinder::SourcesOf(const Expression& expression) const {
+  SourceSet sources = 0;
+  VisitExpression(expression, [&](const Expression& part) {
+    if (part.kind == ExpressionKind::Column) {
+      const Slot slot = plan_.SlotOf(part);
+      if (slot.kind == Slot::Kind::Column && slot.depth == 0) sources |= SourceSet{1} << slot.source;
+    }
+    if (part.subselect) {
+      for (const Slot& slot : plan_.SubselectOf(part)->outerSlots) {
+        if (slot.depth == 1) sources |= SourceSet{1} << slot.source;
+      }
+    }
+  });
+  return sources;
+}
+
+std::string NameBinder::SourceNames() const {
+  std::string names;
+  for (const PlannedSource& source : plan_.sources) {
+    if (!names.empty()) names += ", ";
+    names += source.name;
+  }
+  return names.empty() ? "any table (the statement reads none here)" : names;
+}
+
+}  // namespace tavi::access::sql

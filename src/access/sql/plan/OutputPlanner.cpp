@@ -1,0 +1,102 @@
+#include "access/sql/plan/OutputPlanner.h"
+
+#include <map>
+
+#include "access/sql/plan/ExecutionErrors.h"
+#include "access/sql/plan/ExpressionShape.h"
+#include "platform/values/Text.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+constexpr std::size_t kFirstExpressionNumber = 1000;
+
+std::string ExpressionName(std::size_t position) {
+  return "Expr" + std::to_string(kFirstExpressionNumber + position);
+}
+
+ResultColumn ColumnOf(const PlannedSource& source, std::size_t column) {
+  if (source.table) {
+    const ColumnDefinition& definition = source.table->Columns()[column].definition;
+    return {definition.name, source.name, definition.name, TypeOf(definition)};
+  }
+  const ResultColumn& derived = source.derived->outputs[column].column;
+  return {derived.name, source.name, derived.name, derived.type};
+}
+
+void AddSource(SelectPlan& plan, std::size_t source) {
+  std::vector<bool>& wanted = plan.sources[source].outputColumns;
+  for (std::size_t column = 0; column < wanted.size(); ++column) {
+    wanted[column] = true;
+    OutputColumn output;
+    output.column = ColumnOf(plan.sources[source], column);
+    output.slot = Slot{Slot::Kind::Column, 0, static_cast<std::uint16_t>(source), static_cast<std::uint32_t>(column)};
+    plan.outputs.push_back(std::move(output));
+  }
+}
+
+void AddStar(SelectPlan& plan, const std::string& qualifier) {
+  if (plan.sources.empty()) throw StatementError("SELECT * needs a FROM clause with at least one table.");
+  bool found = false;
+  for (std::size_t i = 0; i < plan.sources.size(); ++i) {
+    if (!qualifier.empty() && !EqualIgnoringCase(qualifier, plan.sources[i].name)) continue;
+    AddSource(plan, i);
+    found = true;
+  }
+  if (!found) throw UnknownColumnError(qualifier + ".*", "the tables of the statement");
+}
+
+void AddItem(SelectPlan& plan, const SelectItem& item) {
+  OutputColumn output;
+  output.expression = item.expression.get();
+  if (item.expression->kind == ExpressionKind::Column) {
+    const Slot slot = plan.SlotOf(*item.expression);
+    if (slot.kind == Slot::Kind::Column && slot.depth == 0) {
+      output.slot = slot;
+      output.column = ColumnOf(plan.sources[slot.source], slot.column);
+    }
+  }
+  if (!output.slot) output.column.type = TypeOf(*item.expression, plan);
+  if (!item.alias.empty()) {
+    output.column.name = item.alias;
+  } else if (!output.slot) {
+    output.column.name = ExpressionName(plan.outputs.size());
+  }
+  plan.outputs.push_back(std::move(output));
+}
+
+/// Gives columns of the same name from different tables their qualified names.
+void SeparateNames(SelectPlan& plan) {
+  std::map<std::string, int> uses;
+  for (const OutputColumn& output : plan.outputs) ++uses[UpperCase(output.column.name)];
+  std::map<std::string, int> finalUses;
+  for (std::size_t i = 0; i < plan.outputs.size(); ++i) {
+    ResultColumn& column = plan.outputs[i].column;
+    const bool isOwnName = !column.columnName.empty() && column.name == column.columnName;
+    if (uses[UpperCase(column.name)] > 1 && isOwnName && !column.table.empty()) {
+      column.name = column.table + "." + column.columnName;
+    }
+    if (++finalUses[UpperCase(column.name)] == 1) continue;
+    if (!isOwnName) throw StatementError("Two columns of the statement have the name '" + column.name + "'.");
+    column.name = ExpressionName(i);  // the same column twice
+  }
+}
+
+}  // namespace
+
+void PlanOutputs(const Select& select, NameBinder& binder) {
+  SelectPlan& plan = binder.Plan();
+  for (std::size_t i = 0; i < select.items.size(); ++i) {
+    const SelectItem& item = select.items[i];
+    if (item.expression->kind == ExpressionKind::Star) {
+      AddStar(plan, item.expression->qualifier);
+      continue;
+    }
+    binder.Bind(*item.expression, NameBinder::Use::Output, i);
+    AddItem(plan, item);
+  }
+  SeparateNames(plan);
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,235 @@
+// Plans and expressions as text (declared in Plan.h).
+#include "access/sql/plan/Plan.h"
+#include "platform/values/Convert.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+/// What is written for an expression is cut here.
+constexpr std::size_t kLongestExpression = 200;
+
+const char* Symbol(Operator op) {
+  switch (op) {
+    case Operator::Or:
+      return " Or ";
+    case Operator::Xor:
+      return " Xor ";
+    case Operator::Eqv:
+      return " Eqv ";
+    case Operator::Imp:
+      return " Imp ";
+    case Operator::And:
+      return " And ";
+    case Operator::Not:
+      return "Not ";
+    case Operator::Equal:
+      return " = ";
+    case Operator::NotEqual:
+      return " <> ";
+    case Operator::Less:
+      return " < ";
+    case Operator::LessOrEqual:
+      return " <= ";
+    case Operator::Greater:
+      return " > ";
+    case Operator::GreaterOrEqual:
+      return " >= ";
+    case Operator::Add:
+      return " + ";
+    case Operator::Subtract:
+      return " - ";
+    case Operator::Multiply:
+      return " * ";
+    case Operator::Divide:
+      return " / ";
+    case Operator::IntegerDivide:
+      return " \\ ";
+    case Operator::Modulo:
+      return " Mod ";
+    case Operator::Power:
+      return " ^ ";
+    case Operator::Concatenate:
+      return " & ";
+    case Operator::Negate:
+      return "-";
+    case Operator::Plus:
+      return "+";
+  }
+  return " ? ";
+}
+
+std::string LiteralText(const Value& value) {
+  if (IsNull(value)) return "Null";
+  if (std::holds_alternative<std::string>(value)) return "'" + std::get<std::string>(value) + "'";
+  if (std::holds_alternative<Date>(value)) return "#" + ToText(value) + "#";
+  return ToText(value);
+}
+
+void Write(const Expression& expression, std::string& text);
+
+void WriteList(const Expression& expression, std::size_t first, std::string& text) {
+  text += "(";
+  for (std::size_t i = first; i < expression.arguments.size(); ++i) {
+    if (i > first) text += ", ";
+    Write(*expression.arguments[i], text);
+  }
+  text += expression.subselect ? "Select ...)" : ")";
+}
+
+void WriteCondition(const Expression& expression, std::string& text) {
+  const std::string negation = expression.negated ? "Not " : "";
+  if (expression.kind != ExpressionKind::Exists) Write(*expression.arguments[0], text);
+  switch (expression.kind) {
+    case ExpressionKind::Between:
+      text += " " + negation + "Between ";
+      Write(*expression.arguments[1], text);
+      text += " And ";
+      Write(*expression.arguments[2], text);
+      return;
+    case ExpressionKind::In:
+      text += " " + negation + "In ";
+      WriteList(expression, 1, text);
+      return;
+    case ExpressionKind::IsNull:
+      text += " Is " + negation + "Null";
+      return;
+    case ExpressionKind::Like:
+      text += " " + negation + "Like ";
+      Write(*expression.arguments[1], text);
+      return;
+    case ExpressionKind::Quantified:
+      text += Symbol(expression.op) + std::string(expression.all ? "All " : "Any ") + "(Select ...)";
+      return;
+    default:
+      text += negation + "Exists (Select ...)";
+  }
+}
+
+void WriteBinary(const Expression& expression, std::string& text) {
+  const bool bracket = expression.op == Operator::Or;
+  if (bracket) text += "(";
+  Write(*expression.arguments[0], text);
+  text += Symbol(expression.op);
+  Write(*expression.arguments[1], text);
+  if (bracket) text += ")";
+}
+
+void Write(const Expression& expression, std::string& text) {
+  if (text.size() > kLongestExpression) return;
+  const std::string qualifier = expression.qualifier.empty() ? "" : expression.qualifier + ".";
+  switch (expression.kind) {
+    case ExpressionKind::Literal:
+      text += LiteralText(expression.value);
+      return;
+    case ExpressionKind::Column:
+      text += qualifier + expression.name;
+      return;
+    case ExpressionKind::Star:
+      text += qualifier + "*";
+      return;
+    case ExpressionKind::Unary:
+      text += Symbol(expression.op);
+      Write(*expression.arguments[0], text);
+      return;
+    case ExpressionKind::Binary:
+      WriteBinary(expression, text);
+      return;
+    case ExpressionKind::Call:
+      text += expression.name;
+      WriteList(expression, 0, text);
+      return;
+    case ExpressionKind::Subselect:
+      text += "(Select ...)";
+      return;
+    default:
+      WriteCondition(expression, text);
+  }
+}
+
+std::string ColumnName(const PlannedSource& source, std::size_t column) {
+  return source.table ? source.table->Columns()[column].definition.name : source.derived->outputs[column].column.name;
+}
+
+std::string PathText(const AccessPath& path, const PlannedSource& source) {
+  if (path.kind == AccessPath::Kind::Scan) return "scan";
+  if (path.kind == AccessPath::Kind::Union) {
+    std::string text = "any of";
+    for (const AccessPath& branch : path.branches) text += " {" + PathText(branch, source) + "}";
+    return text;
+  }
+  std::string text = path.kind == AccessPath::Kind::Index ? "index " + source.table->Indexes()[path.index].name
+                                                          : std::string("index in memory");
+  for (std::size_t i = 0; i < path.equals.size(); ++i) {
+    text += ", " + ColumnName(source, path.equalColumns[i]) + " = " + Describe(*path.equals[i]);
+  }
+  if (path.low != nullptr) text += ", " + ColumnName(source, path.rangeColumn) + " from " + Describe(*path.low);
+  if (path.high != nullptr) text += ", " + ColumnName(source, path.rangeColumn) + " to " + Describe(*path.high);
+  return text;
+}
+
+void WriteFilters(const PlanNode& node, std::string& text) {
+  for (std::size_t i = 0; i < node.filters.size(); ++i) {
+    text += (i == 0 ? "; where " : " and ") + Describe(*node.filters[i]);
+  }
+}
+
+void WriteNode(const PlanNode& node, const SelectPlan& plan, const std::string& indent, std::string& text) {
+  if (node.kind == PlanNode::Kind::Access) {
+    const PlannedSource& source = plan.sources[node.source];
+    text += indent + (source.name.empty() ? "(select)" : source.name) + ": ";
+    const auto& walk = plan.orderWalk;
+    text += walk ? "index " + source.table->Indexes()[walk->index].name + (walk->backwards ? " backwards" : " in order")
+                 : PathText(node.path, source);
+    WriteFilters(node, text);
+    text += "\n";
+    return;
+  }
+  if (node.kind == PlanNode::Kind::Outer || !node.filters.empty()) {
+    text += indent + (node.kind == PlanNode::Kind::Outer ? "outer join" : "joined");
+    WriteFilters(node, text);
+    text += "\n";
+  }
+  const bool nests = node.kind == PlanNode::Kind::Outer || !node.filters.empty();
+  std::string deeper = indent;
+  for (const auto& part : node.parts) {
+    if (nests || node.parts.size() > 1) deeper = &part == &node.parts.front() && !nests ? indent : deeper + "  ";
+    WriteNode(*part, plan, deeper, text);
+  }
+}
+
+}  // namespace
+
+bool SelectPlan::IsKeyset() const {
+  if (select == nullptr || select->distinct || grouped || !unionParts.empty() || sources.empty()) return false;
+  for (const PlannedSource& source : sources) {
+    if (!source.table) return false;
+  }
+  return true;
+}
+
+std::string Describe(const Expression& expression) {
+  std::string text;
+  Write(expression, text);
+  return text;
+}
+
+std::string Describe(const SelectPlan& plan) {
+  std::string text;
+  for (const PlannedSource& source : plan.sources) {
+    if (source.derived) text += "(select) " + source.name + ":\n" + Describe(*source.derived);
+  }
+  if (plan.root) WriteNode(*plan.root, plan, "", text);
+  if (plan.grouped) text += plan.groupBy.empty() ? "one group\n" : "groups in memory\n";
+  if (plan.select != nullptr && plan.select->distinct) text += "distinct rows in memory\n";
+  if (!plan.order.empty() && !plan.orderWalk) text += "sort in memory\n";
+  for (const auto& subselect : plan.subselects) {
+    if (!subselect) continue;
+    text += subselect->IsCorrelated() ? "sub-select, again for each row:\n" : "sub-select, once:\n";
+    text += Describe(*subselect);
+  }
+  for (const auto& part : plan.unionParts) text += "union\n" + Describe(*part);
+  return text;
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,75 @@
+#include "access/sql/plan/PreparedStatement.h"
+
+#include <algorithm>
+
+namespace tavi::access::sql {
+
+namespace {
+
+/// A plan is made anew when a table has grown or shrunk by this factor, and by more rows than the other number.
+constexpr std::uint32_t kGrowthFactor = 4;
+constexpr std::uint32_t kGrowthRows = 100;
+
+bool IsOtherSize(std::uint32_t planned, std::uint32_t now) {
+  const std::uint32_t smaller = std::min(planned, now);
+  const std::uint32_t larger = std::max(planned, now);
+  return larger - smaller > kGrowthRows && larger / kGrowthFactor > smaller;
+}
+
+std::vector<const Expression*> ExpressionsOf(const Update& update) {
+  std::vector<const Expression*> expressions;
+  for (const Assignment& assignment : update.assignments) {
+    expressions.push_back(assignment.column.get());
+    expressions.push_back(assignment.value.get());
+  }
+  return expressions;
+}
+
+std::vector<const Expression*> ExpressionsOf(const Insert& insert) {
+  std::vector<const Expression*> expressions;
+  for (const ExpressionPointer& value : insert.values) expressions.push_back(value.get());
+  return expressions;
+}
+
+struct PlanMaker {
+  PlanContext& context;
+
+  std::unique_ptr<SelectPlan> operator()(const Select& select) const { return PlanSelect(context, select, nullptr); }
+  std::unique_ptr<SelectPlan> operator()(const Insert& insert) const {
+    return insert.select ? PlanSelect(context, *insert.select, nullptr) : PlanConstants(context, ExpressionsOf(insert));
+  }
+  std::unique_ptr<SelectPlan> operator()(const Update& update) const {
+    return PlanRows(context, *update.target, update.where.get(), ExpressionsOf(update));
+  }
+  std::unique_ptr<SelectPlan> operator()(const Delete& statement) const {
+    return PlanRows(context, *statement.from, statement.where.get(), {});
+  }
+  template <typename Other>
+  std::unique_ptr<SelectPlan> operator()(const Other& /*definition*/) const {
+    return nullptr;
+  }
+};
+
+}  // namespace
+
+void Plan(PreparedStatement& prepared, PlanContext& context) {
+  prepared.plan = std::visit(PlanMaker{context}, prepared.statement);
+}
+
+bool IsStillGood(const SelectPlan& plan, Database& database) {
+  for (const PlannedSource& source : plan.sources) {
+    if (source.derived) {
+      if (!IsStillGood(*source.derived, database)) return false;
+      continue;
+    }
+    const std::shared_ptr<Table> table = database.FindTable(source.table->Name());
+    if (table != source.table || IsOtherSize(source.plannedRowCount, table->RowCount())) return false;
+  }
+  for (const auto& subselect : plan.subselects) {
+    if (subselect && !IsStillGood(*subselect, database)) return false;
+  }
+  return std::all_of(plan.unionParts.begin(), plan.unionParts.end(),
+                     [&](const auto& part) { return IsStillGood(*part, database); });
+}
+
+}  // namespace tavi::access::sql

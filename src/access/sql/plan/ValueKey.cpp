@@ -1,0 +1,117 @@
+#include "access/sql/plan/ValueKey.h"
+#include "access/sql/expression/Comparison.h"
+
+#include <bit>
+#include <string_view>
+
+#include "access/index/Collation.h"
+#include "platform/values/Convert.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+constexpr std::uint64_t kHashSeed = 0xCBF29CE484222325U;
+constexpr std::uint64_t kHashPrime = 0x100000001B3U;
+
+std::uint64_t Mix(std::uint64_t hash) {
+  hash ^= hash >> 33U;
+  hash *= 0xFF51AFD7ED558CCDU;
+  hash ^= hash >> 33U;
+  hash *= 0xC4CEB9FE1A85EC53U;
+  return hash ^ (hash >> 33U);
+}
+
+template <typename Range>
+std::uint64_t HashBytes(const Range& bytes) {
+  std::uint64_t hash = kHashSeed;
+  for (const auto byte : bytes) hash = (hash ^ static_cast<std::uint8_t>(byte)) * kHashPrime;
+  return Mix(hash);
+}
+
+std::uint64_t HashNumber(double number) {
+  if (number == 0.0) number = 0.0;  // -0 equals 0
+  return Mix(std::bit_cast<std::uint64_t>(number) ^ kHashSeed);
+}
+
+}  // namespace
+
+ValueFamily FamilyOf(const Value& value) {
+  if (IsNull(value)) return ValueFamily::None;
+  if (std::holds_alternative<std::string>(value)) return ValueFamily::Text;
+  if (std::holds_alternative<Bytes>(value)) return ValueFamily::Bytes;
+  if (std::holds_alternative<Guid>(value)) return ValueFamily::Guid;
+  return ValueFamily::Number;
+}
+
+ValueFamily FamilyOf(ColumnType type) {
+  switch (type) {
+    case ColumnType::Text:
+    case ColumnType::Memo:
+      return ValueFamily::Text;
+    case ColumnType::Binary:
+    case ColumnType::Ole:
+    case ColumnType::FixedBinary:
+      return ValueFamily::Bytes;
+    case ColumnType::Guid:
+      return ValueFamily::Guid;
+    case ColumnType::Complex:
+      return ValueFamily::None;
+    default:
+      return ValueFamily::Number;
+  }
+}
+
+std::uint64_t HashOf(const Value& value) {
+  switch (FamilyOf(value)) {
+    case ValueFamily::None:
+      return kHashSeed;
+    case ValueFamily::Text:
+      return HashBytes(CollationKey(std::get<std::string>(value)));
+    case ValueFamily::Bytes:
+      return HashBytes(std::get<Bytes>(value));
+    case ValueFamily::Guid:
+      return HashBytes(std::get<Guid>(value).bytes);
+    case ValueFamily::Number:
+      break;
+  }
+  if (const bool* truth = std::get_if<bool>(&value)) return HashNumber(*truth ? -1.0 : 0.0);
+  return HashNumber(ToDouble(value));
+}
+
+std::uint64_t HashOf(const RowValues& values) {
+  std::uint64_t hash = kHashSeed;
+  for (const Value& value : values) hash = Mix(hash ^ HashOf(value)) + kHashPrime;
+  return hash;
+}
+
+bool SameKey(const Value& left, const Value& right) {
+  if (IsNull(left) || IsNull(right)) return IsNull(left) && IsNull(right);
+  return FamilyOf(left) == FamilyOf(right) && CompareValues(left, right) == 0;
+}
+
+bool SameKey(const RowValues& left, const RowValues& right) {
+  if (left.size() != right.size()) return false;
+  for (std::size_t i = 0; i < left.size(); ++i) {
+    if (!SameKey(left[i], right[i])) return false;
+  }
+  return true;
+}
+
+std::optional<std::size_t> DistinctRows::Find(const RowValues& row, std::uint64_t hash) const {
+  const auto [first, last] = numbers_.equal_range(hash);
+  for (auto it = first; it != last; ++it) {
+    if (SameKey(rows_[it->second], row)) return it->second;
+  }
+  return std::nullopt;
+}
+
+std::pair<std::size_t, bool> DistinctRows::Add(const RowValues& row) {
+  const std::uint64_t hash = HashOf(row);
+  if (const auto known = Find(row, hash)) return {*known, false};
+  numbers_.emplace(hash, rows_.size());
+  rows_.push_back(row);
+  return {rows_.size() - 1, true};
+}
+
+}  // namespace tavi::access::sql

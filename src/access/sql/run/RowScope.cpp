@@ -1,0 +1,85 @@
+#include "access/sql/run/RowScope.h"
+
+#include <limits>
+
+#include "access/sql/expression/Evaluator.h"
+#include "access/sql/run/SelectRun.h"
+
+namespace tavi::access::sql {
+
+Value RowScope::SlotValue(const Slot& slot) const {
+  const RowScope* scope = this;
+  for (std::uint16_t level = 0; level < slot.depth && scope->outer_ != nullptr; ++level) scope = scope->outer_;
+  if (slot.kind == Slot::Kind::Item) return Evaluate(*scope->plan_.select->items[slot.column].expression, *scope);
+  const SourceRow& row = scope->rows[slot.source];
+  return row.present ? row.values.at(slot.column) : Value{};
+}
+
+Value RowScope::ColumnValue(const Expression& column) const {
+  return SlotValue(plan_.slots[column.number]);
+}
+
+const Value* RowScope::ColumnReference(const Expression& column) const {
+  const Slot& slot = plan_.slots[column.number];
+  if (slot.kind != Slot::Kind::Column) return nullptr;
+  const RowScope* scope = this;
+  for (std::uint16_t level = 0; level < slot.depth && scope->outer_ != nullptr; ++level) scope = scope->outer_;
+  const SourceRow& row = scope->rows[slot.source];
+  return row.present ? &row.values.at(slot.column) : nullptr;
+}
+
+Value RowScope::AggregateValue(const Expression& call) const {
+  return aggregates == nullptr ? Value{} : (*aggregates)[plan_.aggregatePlaces[call.number]];
+}
+
+Value RowScope::OutputValue(std::size_t output) const {
+  const OutputColumn& column = plan_.outputs[output];
+  return column.slot ? SlotValue(*column.slot) : Evaluate(*column.expression, *this);
+}
+
+std::vector<Value> RowScope::SubselectValues(const Expression& expression, std::size_t limit) const {
+  const SelectPlan& subselect = *plan_.SubselectOf(expression);
+  if (subselect.IsCorrelated()) return CollectFirstColumn(context_, subselect, this, limit);
+  auto found = context_.subselects.find(&subselect);
+  if (found == context_.subselects.end() || found->second.limit < limit) {
+    std::vector<Value> values = CollectFirstColumn(context_, subselect, this, limit);
+    found = context_.subselects.insert_or_assign(&subselect, StatementContext::SubselectResult{values, limit}).first;
+  }
+  const std::vector<Value>& values = found->second.values;
+  return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(std::min(limit, values.size()))};
+}
+
+bool RowScope::Satisfies(const Expression& condition) const {
+  if (condition.kind == ExpressionKind::In && condition.subselect) {
+    if (const auto known = SatisfiesIn(condition)) return *known;
+  }
+  return IsTrue(condition, *this);
+}
+
+std::optional<bool> RowScope::SatisfiesIn(const Expression& condition) const {
+  const SelectPlan& subselect = *plan_.SubselectOf(condition);
+  if (subselect.IsCorrelated()) return std::nullopt;
+  const Value tested = Evaluate(*condition.arguments[0], *this);
+  const ValueSet& set = ValuesOf(subselect, condition);
+  if (set.values.Rows().empty()) return set.hasNull ? false : condition.negated;
+  if (IsNull(tested)) return false;
+  if (FamilyOf(tested) != FamilyOf(set.values.Rows().front().front())) return std::nullopt;
+  if (set.values.Contains({tested})) return !condition.negated;
+  return condition.negated && !set.hasNull;
+}
+
+const ValueSet& RowScope::ValuesOf(const SelectPlan& subselect, const Expression& condition) const {
+  const auto found = context_.valueSets.find(&subselect);
+  if (found != context_.valueSets.end()) return found->second;
+  ValueSet set;
+  for (const Value& value : SubselectValues(condition, std::numeric_limits<std::size_t>::max())) {
+    if (IsNull(value)) {
+      set.hasNull = true;
+    } else {
+      set.values.Add({value});
+    }
+  }
+  return context_.valueSets.emplace(&subselect, std::move(set)).first->second;
+}
+
+}  // namespace tavi::access::sql

@@ -1,0 +1,214 @@
+#include "access/sql/run/RowSearch.h"
+#include "access/sql/expression/Evaluator.h"
+
+#include <algorithm>
+
+#include "access/sql/run/IndexRange.h"
+#include "access/sql/run/SelectRun.h"
+
+namespace tavi::access::sql {
+
+namespace {
+
+bool UsesMemory(const AccessPath& path) {
+  return path.kind == AccessPath::Kind::MemoryIndex ||
+         std::any_of(path.branches.begin(), path.branches.end(), UsesMemory);
+}
+
+}  // namespace
+
+RowSearch::RowSearch(RowScope& scope, bool withOutputs) : scope_(scope), plan_(scope.Plan()) {
+  for (const PlannedSource& source : plan_.sources) {
+    std::vector<bool> wanted = source.searchColumns;
+    for (std::size_t i = 0; i < wanted.size() && withOutputs; ++i) wanted[i] = wanted[i] || source.outputColumns[i];
+    wantsAny_.push_back(std::find(wanted.begin(), wanted.end(), true) != wanted.end());
+    wanted_.push_back(std::move(wanted));
+  }
+}
+
+void RowSearch::ForEach(Visit visit) {
+  for (const Expression* filter : plan_.constantFilters) {
+    if (!scope_.Satisfies(*filter)) return;
+  }
+  if (plan_.root) {
+    Run(*plan_.root, visit);
+  } else {
+    visit();
+  }
+}
+
+bool RowSearch::Run(const PlanNode& node, Visit visit) {
+  switch (node.kind) {
+    case PlanNode::Kind::Nested:
+      return RunNested(node, 0, visit);
+    case PlanNode::Kind::Outer:
+      return RunOuter(node, visit);
+    case PlanNode::Kind::Access:
+      break;
+  }
+  return plan_.sources[node.source].table ? RunTable(node, visit) : RunDerived(node, visit);
+}
+
+bool RowSearch::RunNested(const PlanNode& node, std::size_t part, Visit visit) {
+  if (part == node.parts.size()) return PassOn(node, visit);
+  return Run(*node.parts[part], [&] { return RunNested(node, part + 1, visit); });
+}
+
+bool RowSearch::RunOuter(const PlanNode& node, Visit visit) {
+  return Run(*node.parts[0], [&] {
+    bool found = false;
+    const bool goOn = Run(*node.parts[1], [&] {
+      found = true;
+      return PassOn(node, visit);
+    });
+    if (!goOn || found) return goOn;
+    for (std::size_t i = 0; i < scope_.rows.size(); ++i) {
+      if ((node.parts[1]->sources >> i & 1U) != 0) scope_.rows[i].present = false;
+    }
+    return PassOn(node, visit);
+  });
+}
+
+bool RowSearch::PassOn(const PlanNode& node, Visit visit) {
+  scope_.Context().GoOnUnlessCancelled();
+  for (const Expression* filter : node.filters) {
+    if (!scope_.Satisfies(*filter)) return true;
+  }
+  return visit();
+}
+
+bool RowSearch::Offer(const PlanNode& node, RowPointer pointer, Visit visit) {
+  SourceRow& row = scope_.rows[node.source];
+  row.present = true;
+  row.pointer = pointer;
+  if (wantsAny_[node.source]) {
+    row.values = plan_.sources[node.source].table->Read(pointer, wanted_[node.source]);
+  }
+  return PassOn(node, visit);
+}
+
+bool RowSearch::RunTable(const PlanNode& node, Visit visit) {
+  if (plan_.orderWalk) return RunInOrder(node, *plan_.orderWalk, visit);
+  Table& table = *plan_.sources[node.source].table;
+  std::vector<std::uint32_t> rows;
+  if (node.path.kind != AccessPath::Kind::Scan && Candidates(node.path, node.source, rows)) {
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    const bool mayBeGone = UsesMemory(node.path);
+    for (const std::uint32_t packed : rows) {
+      const RowPointer pointer = RowPointer::FromPacked(packed);
+      if (mayBeGone && !table.Exists(pointer)) continue;
+      if (!Offer(node, pointer, visit)) return false;
+    }
+    return true;
+  }
+  for (auto row = table.Next(std::nullopt); row; row = table.Next(row)) {
+    if (!Offer(node, *row, visit)) return false;
+  }
+  return true;
+}
+
+bool RowSearch::RunInOrder(const PlanNode& node, const OrderWalk& walk, Visit visit) {
+  const BTree& tree = plan_.sources[node.source].table->Tree(walk.index);
+  const auto cursor = walk.backwards ? tree.SeekLast(std::nullopt, false) : tree.SeekFirst(std::nullopt);
+  std::vector<RowPointer> ties;  // of one key, to be given in the order of a scan
+  while (cursor->Current() != nullptr) {
+    const IndexKey key = cursor->Current()->key;
+    ties.clear();
+    while (cursor->Current() != nullptr && cursor->Current()->key == key) {
+      ties.push_back(cursor->Current()->row);
+      if (walk.backwards) {
+        cursor->Previous();
+      } else {
+        cursor->Next();
+      }
+    }
+    std::sort(ties.begin(), ties.end());
+    for (const RowPointer row : ties) {
+      if (!Offer(node, row, visit)) return false;
+    }
+  }
+  return true;
+}
+
+bool RowSearch::RunDerived(const PlanNode& node, Visit visit) {
+  const std::vector<RowValues>& all = DerivedRows(node.source);
+  std::vector<std::uint32_t> rows;
+  const bool picked = node.path.kind != AccessPath::Kind::Scan && Candidates(node.path, node.source, rows);
+  if (picked) {
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  }
+  const std::size_t count = picked ? rows.size() : all.size();
+  for (std::size_t i = 0; i < count; ++i) {
+    SourceRow& row = scope_.rows[node.source];
+    row.present = true;
+    row.values = all[picked ? rows[i] : i];
+    if (!PassOn(node, visit)) return false;
+  }
+  return true;
+}
+
+const std::vector<RowValues>& RowSearch::DerivedRows(std::size_t source) {
+  const SelectPlan& derived = *plan_.sources[source].derived;
+  auto& rows = scope_.Context().derived[&derived];
+  if (!rows) {
+    rows = std::make_shared<const std::vector<RowValues>>(CollectValues(scope_.Context(), derived, nullptr));
+  }
+  return *scope_.Context().derived[&derived];
+}
+
+const HashIndex& RowSearch::DerivedIndex(std::size_t source, std::size_t column) {
+  const auto found = derivedIndexes_.find({source, column});
+  if (found != derivedIndexes_.end()) return found->second;
+  const std::vector<RowValues>& rows = DerivedRows(source);
+  std::vector<HashIndex::Entry> entries;
+  for (std::size_t i = 0; i < rows.size(); ++i) {
+    if (!IsNull(rows[i][column])) entries.emplace_back(HashOf(rows[i][column]), static_cast<std::uint32_t>(i));
+  }
+  return derivedIndexes_.emplace(std::pair{source, column}, HashIndex(std::move(entries))).first->second;
+}
+
+bool RowSearch::Candidates(const AccessPath& path, std::size_t source, std::vector<std::uint32_t>& rows) {
+  switch (path.kind) {
+    case AccessPath::Kind::Scan:
+      return false;
+    case AccessPath::Kind::Index:
+      return IndexCandidates(path, *plan_.sources[source].table, rows);
+    case AccessPath::Kind::MemoryIndex:
+      return MemoryCandidates(path, source, rows);
+    case AccessPath::Kind::Union:
+      break;
+  }
+  return std::all_of(path.branches.begin(), path.branches.end(),
+                     [&](const AccessPath& branch) { return Candidates(branch, source, rows); });
+}
+
+bool RowSearch::IndexCandidates(const AccessPath& path, Table& table, std::vector<std::uint32_t>& rows) {
+  const IndexRange range(path, table, scope_);
+  if (range.IsUsable()) range.Collect(rows);
+  return range.IsUsable();
+}
+
+bool RowSearch::MemoryCandidates(const AccessPath& path, std::size_t source, std::vector<std::uint32_t>& rows) {
+  const Value value = Evaluate(*path.equals[0], scope_);
+  const std::size_t column = path.equalColumns[0];
+  const PlannedSource& planned = plan_.sources[source];
+  if (!planned.table) {
+    const std::vector<RowValues>& all = DerivedRows(source);
+    const bool fits = std::all_of(all.begin(), all.end(), [&](const RowValues& row) {
+      return IsNull(row[column]) || IsNull(value) || FamilyOf(row[column]) == FamilyOf(value);
+    });
+    if (fits && !IsNull(value)) DerivedIndex(source, column).Find(HashOf(value), rows);
+    return fits;
+  }
+  if (IsNull(value)) return true;
+  if (FamilyOf(value) != FamilyOf(planned.table->Columns()[column].definition.type)) return false;
+  const bool manyLookUps = path.joins || scope_.IsNested();
+  const HashIndex* index = scope_.Context().memoryIndexes.Find(*planned.table, column, manyLookUps,
+                                                               [&] { scope_.Context().GoOnUnlessCancelled(); });
+  if (index != nullptr) index->Find(HashOf(value), rows);
+  return index != nullptr;
+}
+
+}  // namespace tavi::access::sql
