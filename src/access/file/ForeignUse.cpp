@@ -85,10 +85,14 @@ std::optional<ForeignUse> FindForeignUse(FileSystem& fileSystem, const std::stri
 }
 
 LockFileHold::LockFileHold(FileSystem& fileSystem, const std::string& databasePath)
-    : fileSystem_(fileSystem), path_(PathOfLockFile(databasePath)) {}
+    : fileSystem_(fileSystem), databasePath_(databasePath), path_(PathOfLockFile(databasePath)) {}
 
 void LockFileHold::Try() {
   if (file_ == nullptr) file_ = fileSystem_.HoldUnwritten(path_);
+}
+
+std::optional<ForeignUse> LockFileHold::FindUse() const {
+  return IsHeld() ? std::nullopt : FindForeignUse(fileSystem_, databasePath_);
 }
 
 void LockFileHold::Release(bool isLast) noexcept {

@@ -36,11 +36,16 @@ class LockFileHold {
   /// Holds the lock file unless it is held already or somebody else has it open for writing.
   void Try();
   [[nodiscard]] bool IsHeld() const { return file_ != nullptr; }
+  /// Who else has the database open: nobody while the lock file is held, because who has entered a user has it open for
+  /// writing; else as FindForeignUse. So openers of this engine, each of which looks, do not meet in each other's
+  /// looks.
+  [[nodiscard]] std::optional<ForeignUse> FindUse() const;
   /// Lets go of it; nobody else of this engine may hold it when `isLast`, and a lock file that nobody entered goes.
   void Release(bool isLast) noexcept;
 
  private:
   FileSystem& fileSystem_;
+  std::string databasePath_;
   std::string path_;
   std::unique_ptr<File> file_;
 };

@@ -78,7 +78,7 @@ void PagerImplementation::ReadHeader() {
 
 // Brings a log that a crash left behind into the file. Where others have the file open it is their log.
 void PagerImplementation::RecoverWhenAlone(const LockDeadline& deadline) {
-  if (readOnly_ || !log_.HasFile() || FindForeignUse(*fileSystem_, canonical_)) return;
+  if (readOnly_ || !log_.HasFile() || lockFile_.FindUse()) return;
   if (!lock_.TryBecomeAlone()) return;
   try {
     const SoleUse use(lock_, deadline);
@@ -102,7 +102,7 @@ void PagerImplementation::StayAlone(const LockDeadline& deadline) {
 }
 
 void PagerImplementation::RefuseForeignUse() const {
-  const auto foreign = FindForeignUse(*fileSystem_, canonical_);
+  const auto foreign = lockFile_.FindUse();
   if (!foreign) return;
   RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
                "; close the database there and try again.");

@@ -222,7 +222,7 @@ void PagerImplementation::LeaveLog() {
 }
 
 void PagerImplementation::BringLogIn(bool isAlone) {
-  if (const auto foreign = FindForeignUse(*fileSystem_, canonical_)) {
+  if (const auto foreign = lockFile_.FindUse()) {
     return LeaveLogToOthers("was not brought into the file. " + foreign->Describe() + ".");
   }
   std::optional<SoleUse> use;
