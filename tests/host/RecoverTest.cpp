@@ -189,6 +189,7 @@ TEST_F(Recover, AFinishedRunIsNotKnownAnyMoreOnceTheClubWasChanged) {
   fs::create_directories(folder_.Path("club/ClubMembers.mdb.work"));
   for (const char* name : {"going-to-its-place", "old.mdb", "lock"})
     folder_.Write(std::string("club/ClubMembers.mdb.work/") + name, "left");
+  EXPECT_EQ(folder_.Run({"members"}).code, 0) << "which empties the folder, and so changes it";
   // Some systems keep whole seconds only, and some do not let anybody set a folder's time.
   std::error_code failure;
   fs::last_write_time(folder_.Path("club/ClubMembers.mdb.work"),
