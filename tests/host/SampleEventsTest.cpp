@@ -11,7 +11,7 @@
 #include "host/results/XmlElement.h"
 #include "platform/values/Error.h"
 
-// Reads every sample event where the samples lie beside the project, and compares with the figures listed for them.
+// Reads every sample event, where there are sample files, and compares with the figures listed for them.
 namespace tavi::host {
 namespace {
 
