@@ -216,7 +216,12 @@ void PagerImplementation::Close() {
 void PagerImplementation::LeaveLog() {
   if (readOnly_ || !log_.HasFile()) return;
   const bool isAlone = lock_.TryBecomeAlone();
-  if (isAlone || hasOwnStatements_) BringLogIn(isAlone);
+  if (isAlone || hasOwnStatements_) {
+    BringLogIn(isAlone);
+  } else if (!log_.IsDoubtful()) {
+    // What others have stored, and what this pager was about to flush for one who may be gone.
+    log_.Flush();
+  }
   log_.SettleFlush();
   RaiseFailedFlush();
 }
@@ -261,8 +266,14 @@ void PagerImplementation::RequireSoundLog(const LockDeadline& deadline) {
 
 void PagerImplementation::Flush() {
   if (readOnly_) return;
-  const ReadStatement upToDate(*this);
-  log_.Flush();
+  {
+    const ReadStatement upToDate(*this);
+    if (!log_.IsDoubtful()) return log_.Flush();
+  }
+  // Only a checkpoint helps, and it is the writer's.
+  if (lock_.HoldsWriter()) return RequireSoundLog(NewDeadline());
+  BecomeWriter();
+  lock_.ReleaseWriter();
 }
 
 void PagerImplementation::Report(const std::string& text) const {

@@ -86,14 +86,15 @@ class RedoLog {
 
   /// Lets what others have appended be flushed soon: they may be gone.
   void FlushSoon();
-  /// Returns when all statements are durable.
+  /// Returns when all that stands in the file is durable, whoever appended it. Raises ProviderFailure for a doubtful
+  /// log, for which a flush proves nothing.
   void Flush();
   /// Waits for a flush that is going on in the background and drops what was asked for.
   void SettleFlush() { flush_.Settle(); }
   /// The reason why a flush in the background failed, once.
   [[nodiscard]] std::optional<std::string> TakeFailedFlush() { return flush_.TakeFailure(); }
-  /// True when a flush has failed, here or by another opener: a checkpoint must come before the next statement.
-  [[nodiscard]] bool IsDoubtful() const;
+  /// True when a flush has failed by now, here or by another opener: a checkpoint must come before the next statement.
+  [[nodiscard]] bool IsDoubtful();
 
   /// Writes all logged pages into the database file and flushes it, once their images stand in the log. The log stays,
   /// marked as applied. Can be repeated after an error or a crash.

@@ -100,8 +100,13 @@ void RedoLog::BeginLog(const LogOwner& owner) {
   fileSize_ = kHeaderSize;
 }
 
-bool RedoLog::IsDoubtful() const {
-  return flush_.HasFailed() || (salt_ != 0 && header_.IsDoubtful());
+// Flushes fail in the background, those of others too, so that what was read of the header before may be past.
+bool RedoLog::IsDoubtful() {
+  if (flush_.HasFailed()) return true;
+  if (salt_ == 0) return false;
+  const LogHeader now = LogHeader::ReadFrom(*file_);
+  if (now.IsOfSameLog(header_)) header_ = now;
+  return now.IsDoubtful();
 }
 
 void RedoLog::FlushSoon() {
@@ -109,12 +114,18 @@ void RedoLog::FlushSoon() {
 }
 
 void RedoLog::Flush() {
-  if (file_ != nullptr && !readOnly_) MakeDurable();
+  if (file_ == nullptr || readOnly_) return;
+  flush_.Now();
+  if (!IsDoubtful()) return;
+  RaiseFailure("What was stored last in '" + databasePath_ +
+               "' is in the file's log, but a flush of the log has failed, and it would be lost if the power failed "
+               "now. The next change, or the closing of the file, tries to bring it into the file itself; check the "
+               "disk.");
 }
 
+// For who is alone with the log, since what it writes ends where this opener sees the end.
 void RedoLog::MakeDurable() {
   flush_.Settle();
-  if (salt_ != 0) header_ = LogHeader::ReadFrom(*file_);
   if (IsDoubtful()) WriteAnew();
   flush_.Now();
 }

@@ -2,9 +2,12 @@
 // failed is told, and nothing that comes after it counts before a checkpoint.
 #include <gtest/gtest.h>
 
+#include <utility>
+
 #include "access/file/Pager.h"
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
+#include "access/file/support/InterceptedFileSystem.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"
@@ -185,6 +188,77 @@ TEST_F(PagerFlushTest, AFlushThatFailedForOneIsKnownToAll) {
     EXPECT_EQ(AfterPowerFailure(4), "two " + std::to_string(seed));
     EXPECT_NE(ErrorOf([&] { pager->Close(); }), "");
   }
+}
+
+TEST_F(PagerFlushTest, ClosingFlushesWhatOthersHaveStored) {
+  const auto other = Pager::Open(memory_, kPath, {});
+  auto pager = Pager::Open(memory_, kPath, {.checkpointBytes = 1});
+  WriteText(*pager, 3, "one");  // and brought into the file at once, so that nothing of it is in the log
+  WriteText(*other, 4, "two");
+  pager->Close();
+  EXPECT_EQ(AfterPowerFailure(4), "two");
+}
+
+TEST_F(PagerFlushTest, WhoReadsWhatADeadProgramLeftFlushesItAtItsCloseAtTheLatest) {
+  const auto other = Pager::Open(memory_, kPath, {});
+  const auto writer = Pager::Open(memory_, kPath, {});
+  const auto reader = Pager::Open(memory_, kPath, {});
+  WriteText(*writer, 3, "one");
+  EXPECT_EQ(ReadText(*reader, 3), "one");
+  reader->Close();
+  EXPECT_EQ(AfterPowerFailure(3), "one");
+}
+
+TEST_F(PagerFlushTest, AFlushThatFailedDuringAStatementOfAnotherIsKnownAtItsEnd) {
+  const auto other = Pager::Open(memory_, kPath, {.flush = FlushTime::EachStatement});
+  for (std::uint32_t seed = 0; seed < 50; ++seed) {
+    SCOPED_TRACE(seed);
+    const auto pager = Pager::Open(memory_, kPath, {});
+    WriteText(*pager, 3, "one " + std::to_string(seed));
+    other->BeginWrite();
+    SetPageText(other->Write(4), "two " + std::to_string(seed));
+    memory_->FailNextFlush(kLog, seed);
+    EXPECT_NE(ErrorOf([&] { pager->Flush(); }), "");
+    other->Commit();
+    EXPECT_EQ(AfterPowerFailure(3), "one " + std::to_string(seed));
+    EXPECT_EQ(AfterPowerFailure(4), "two " + std::to_string(seed));
+  }
+}
+
+// Calls `between` before the first write into the log that follows Arm.
+class BusyFileSystem final : public test::InterceptedFileSystem {
+ public:
+  using InterceptedFileSystem::InterceptedFileSystem;
+  void Arm(std::function<void()> between) { between_ = std::move(between); }
+  void Before(InterceptedFileSystem::Operation operation, const std::string& path,
+              const std::function<void()>& partDone) override {
+    if (operation != InterceptedFileSystem::Operation::Write || path != kLog || !between_) return;
+    std::exchange(between_, nullptr)();
+    static_cast<void>(partDone);
+  }
+
+ private:
+  std::function<void()> between_;
+};
+
+TEST_F(PagerFlushTest, MakingADoubtfulLogDurableDisturbsNobodyWhoIsAppendingToIt) {
+  const auto busy = std::make_shared<BusyFileSystem>(memory_);
+  const auto other = Pager::Open(memory_, kPath, {});
+  const auto pager = Pager::Open(busy, kPath, {.lockTimeout = std::chrono::milliseconds(0)});
+  WriteText(*pager, 3, "one");
+  other->BeginWrite();
+  SetPageText(other->Write(4), "two");
+  memory_->FailNextFlush(kLog, 1);
+  memory_->RunBackgroundWork();
+  busy->Arm([&] { other->Commit(); });
+  EXPECT_NE(ErrorOf([&] { pager->Flush(); }), "");  // the flush that failed
+  EXPECT_NE(ErrorOf([&] { pager->Flush(); }), "");  // the other one is writing
+  if (other->InWrite()) other->Commit();
+  busy->Arm(nullptr);
+  EXPECT_EQ(ReadText(*pager, 4), "two");
+  pager->Flush();
+  EXPECT_EQ(AfterPowerFailure(3), "one");
+  EXPECT_EQ(AfterPowerFailure(4), "two");
 }
 
 TEST_F(PagerFlushTest, ACheckpointOfADoubtfulLogThatFailsLosesNothing) {
