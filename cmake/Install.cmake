@@ -3,21 +3,18 @@
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
 
-# The composition's one object as an archive, which an installed library has to be.
-add_library(tavi_start STATIC $<TARGET_OBJECTS:tavi_composition>)
-set_target_properties(tavi_start PROPERTIES LINKER_LANGUAGE CXX)
-
-set(tavi_archives tavimembership tavi_start tavi_platform tavi_platform_portable tavi_access_file tavi_access_table
-    tavi_access_index tavi_access_catalog tavi_access_sql_parse tavi_access_sql_expression tavi_access_sql_plan
-    tavi_access_sql_run tavi_access_provider)
+# From top to bottom, as a linker reads them.
+set(tavi_archives tavi_composition tavi_facade tavi_competitions tavi_handicaps tavi_members tavi_names tavi_store tavi_util
+    tavi_access_provider tavi_access_sql_run tavi_access_sql_plan tavi_access_sql_expression tavi_access_sql_parse
+    tavi_access_catalog tavi_access_index tavi_access_table tavi_access_file tavi_platform_portable tavi_platform)
 install(TARGETS ${tavi_archives} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}/tavi)
 install(TARGETS tavi RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 
 install(FILES include/tavi/MembershipDatabase.h include/tavi/DatabaseTransaction.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tavi)
 foreach(header
-    facade/MembershipDatabase.h facade/DatabaseTransaction.h handicaps/HandiCalcSettings.h handicaps/Handicaps.h members/EBUMembershipDetails.h
-    composition/Composition.h facade/DefaultPlatform.h platform/Platform.h platform/ado/Provider.h
+    facade/MembershipDatabase.h facade/DatabaseTransaction.h handicaps/HandiCalcSettings.h handicaps/Handicaps.h names/MemberValues.h members/EBUMembershipDetails.h
+    composition/Composition.h platform/Platform.h platform/ado/Provider.h
     platform/values/Convert.h platform/values/Date.h platform/values/Error.h platform/values/Text.h
     platform/values/Value.h)
   get_filename_component(folder ${header} DIRECTORY)

@@ -53,22 +53,26 @@ set(TAVI_PRECOMPILED_HEADERS
   <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view>
   <unordered_map> <utility> <variant> <vector>)
 
-# tavi_room(NAME [OBJECTS] SOURCES ... [USES ...]): a static library of one room, or with OBJECTS its objects alone, for a
-# library of several rooms; USES are the rooms below it.
+# tavi_room(NAME SOURCES ... [USES ...]): a static library of one room; USES are the rooms below it, and libraries from
+# elsewhere. Nobody would notice a call upwards in a program, which links the upper room too. So each room is also linked
+# alone with those that it uses, and the build fails where one of its calls leads nowhere.
 function(tavi_room name)
-  cmake_parse_arguments(ROOM "OBJECTS" "" "SOURCES;USES" ${ARGN})
-  if(ROOM_OBJECTS)
-    add_library(${name} OBJECT ${ROOM_SOURCES})
-  else()
-    add_library(${name} STATIC ${ROOM_SOURCES})
-  endif()
+  cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
+  add_library(${name} STATIC ${ROOM_SOURCES})
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON
     UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_ROOM_AT_A_TIME})
   target_link_libraries(${name} PUBLIC tavi_options ${ROOM_USES})
   if(TARGET tavi_room_headers)
     target_precompile_headers(${name} REUSE_FROM tavi_room_headers)
-  elseif(TAVI_PRECOMPILE AND NOT ROOM_OBJECTS)
+  elseif(TAVI_PRECOMPILE)
     target_precompile_headers(${name} PRIVATE ${TAVI_PRECOMPILED_HEADERS})
+  endif()
+  # The code is the same in the other builds, where unresolved calls are part of the instrumentation.
+  if(NOT WIN32 AND NOT TAVI_SANITIZE AND NOT TAVI_SANITIZE_THREADS AND NOT TAVI_FUZZ)
+    add_library(${name}_alone MODULE $<TARGET_OBJECTS:${name}>)
+    set_target_properties(${name}_alone PROPERTIES LINKER_LANGUAGE CXX)
+    target_link_libraries(${name}_alone PRIVATE $<TARGET_PROPERTY:${name},LINK_LIBRARIES>)
+    target_link_options(${name}_alone PRIVATE -Wl,--no-undefined -Wl,--strip-all)
   endif()
 endfunction()
 

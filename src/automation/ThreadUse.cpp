@@ -1,6 +1,6 @@
 #include "automation/ThreadUse.h"
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 
 namespace tavi::automation {
 

@@ -2,7 +2,7 @@
 
 #include "competitions/CompetitionAttributes.h"
 #include "competitions/Competitors.h"
-#include "names/MemberValues.h"
+#include "members/Members.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/Arguments.h"
@@ -68,7 +68,7 @@ void ClearCompetitorMasterPoints(cDatabase& database, std::int32_t CompetitionID
   const std::string statement =
       "Delete from MasterPoints Where CompetitionID = " + std::to_string(CompetitionID) + " And ";
   if (MemberID != kNoMember) {
-    database.Execute(statement + "MembershipNumber = " + std::to_string(MemberID));
+    database.Execute(statement + NumberIs(MemberID));
   } else if (!Name.empty() && IsStorable(Name)) {
     database.Execute(statement + "MembershipNumber < 0 and NonMemberName = " + cDatabase::SQLString(Name));
   }

@@ -4,7 +4,8 @@
 #include "competitions/Competitors.h"
 #include "competitions/MasterPoints.h"
 #include "handicaps/HandicapCalculation.h"
-#include "names/MemberValues.h"
+#include "members/Members.h"
+#include "members/Partnerships.h"
 #include "platform/values/Convert.h"
 #include "store/Arguments.h"
 #include "store/OpenUse.h"
@@ -76,24 +77,12 @@ void InsertResult(cDatabase& database, const CompetitorResult& result) {
                    cDatabase::SQLNumber(result.NetPercent, kNet) + ")");
 }
 
-std::string SetMemberHandicap(double handicap, std::int32_t memberNumber) {
-  return "Update Members Set Handicap = " + cDatabase::SQLNumber(handicap, "the handicap") +
-         " Where MembershipNumber = " + std::to_string(memberNumber);
-}
-
-void StorePairHandicap(cDatabase& database, const Competitors& pair, double handicap) {
-  database.Execute("Update Partnerships Set Handicap = " + cDatabase::SQLNumber(handicap, "the handicap") + " Where " +
-                   cDatabase::PairWhereClause(pair.Player1ID, pair.Player2ID));
-}
-
 void StoreCalculated(cDatabase& database, const Competitors& players, const Handicaps& handicaps, bool isRegularPair) {
-  if (isRegularPair) StorePairHandicap(database, players, handicaps.PartnershipHandicap());
-  if (players.Player1ID != kNoMember) {
-    database.Execute(SetMemberHandicap(handicaps.Player1Handicap(), players.Player1ID));
+  if (isRegularPair) {
+    StorePairHandicap(database, players.Player1ID, players.Player2ID, handicaps.PartnershipHandicap());
   }
-  if (players.Player2ID != kNoMember) {
-    database.Execute(SetMemberHandicap(handicaps.Player2Handicap(), players.Player2ID));
-  }
+  if (players.Player1ID != kNoMember) StoreHandicap(database, players.Player1ID, handicaps.Player1Handicap());
+  if (players.Player2ID != kNoMember) StoreHandicap(database, players.Player2ID, handicaps.Player2Handicap());
 }
 
 /// True when the pair has a record, active or not.
@@ -101,7 +90,7 @@ bool HasPartnershipRecord(cDatabase& database, const Competitors& pair) {
   std::string name;
   double handicap = 0.0;
   bool inactive = false;
-  return database.IsRegularPartnership(pair.Player1ID, pair.Player2ID, name, handicap, inactive);
+  return IsRegularPartnership(database, pair.Player1ID, pair.Player2ID, name, handicap, inactive);
 }
 
 /// The colour that nobody uses is read all the same; nothing depends on the outcome.
@@ -167,9 +156,8 @@ void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult&
                                     bool isRegularPair) {
   const Competitors& players = result.Players;
   if (result.AppliedHandicap > 0.0) {
-    database.Execute(SetMemberHandicap(result.AppliedHandicap, players.Player1ID) +
-                     " Or MembershipNumber = " + std::to_string(players.Player2ID));
-    if (isRegularPair) StorePairHandicap(database, players, result.AppliedHandicap);
+    StoreHandicapOfBoth(database, players.Player1ID, players.Player2ID, result.AppliedHandicap);
+    if (isRegularPair) StorePairHandicap(database, players.Player1ID, players.Player2ID, result.AppliedHandicap);
   }
   if (held_.HeldDisabled()) return;
   const Handicaps handicaps =

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "facade/DefaultPlatform.h"
+#include "facade/MembershipDatabase.h"
 #include "platform/Platform.h"
 
 /// Where the parts are put together: the component's platform on this machine, with the embedded engine as the database

@@ -1,6 +1,6 @@
 #include "facade/DatabaseTransaction.h"
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "store/Transaction.h"
 
 namespace tavi {

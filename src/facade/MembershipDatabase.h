@@ -16,6 +16,10 @@ namespace tavi {
 
 struct Platform;
 
+/// This machine's own platform: its database engine, clock, settings, folders and message boxes. Defined where all of
+/// it is put together.
+std::shared_ptr<const Platform> DefaultPlatform();
+
 /// The numbers that FindNearestMatches gives, with the lower bound of their array: 1 with candidates; 0, holding the
 /// one number 0, without.
 struct MatchList {
@@ -37,10 +41,9 @@ struct MatchList {
 /// than its place) raises InvalidArgument or the database's error before anything is stored.
 class MembershipDatabase {
  public:
-  /// Starts with this machine's own platform. Never fails: problems are written to the diagnostics log.
-  MembershipDatabase();
-  /// Starts with another platform (tests, other hosts).
-  explicit MembershipDatabase(std::shared_ptr<const Platform> platform);
+  /// Starts with this machine's own platform, or with another one (tests, other hosts). Never fails: problems are
+  /// written to the diagnostics log.
+  explicit MembershipDatabase(std::shared_ptr<const Platform> platform = DefaultPlatform());
   ~MembershipDatabase();
   MembershipDatabase(const MembershipDatabase&) = delete;
   MembershipDatabase& operator=(const MembershipDatabase&) = delete;

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "names/MemberValues.h"
+
 namespace tavi {
 
 /// The limits of HandiCalcSettings::SamePartnerWeighting: the players' own averages alone, the joint results alone.
@@ -57,7 +59,7 @@ class HandiCalcSettings {
   std::int16_t samePartnerWeighting_ = kPlayersAlone;
   double regularPairMultiplier_ = 1.0;
   double regularPairAdd_ = 0.0;
-  double unknownPlayerHandicap_ = 50.0;
+  double unknownPlayerHandicap_ = kNeutralHandicap;
   bool disabled_ = false;
 };
 

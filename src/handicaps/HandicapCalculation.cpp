@@ -1,12 +1,12 @@
 #include "handicaps/HandicapCalculation.h"
-#include "platform/values/Calendar.h"
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include "members/Pairs.h"
-#include "names/MemberValues.h"
+#include "members/Members.h"
+#include "members/Partnerships.h"
+#include "platform/values/Calendar.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/ReadField.h"
@@ -146,9 +146,9 @@ std::string HandicapCalculation::ExclusionClause() const {
 
 void HandicapCalculation::ReadPairSeed() {
   if (!pair_.BothMembers()) return;
-  const auto row = database_.OpenRecordset("Select HandicalcSeed, HandicalcSeedDate From Partnerships Where (" +
-                                           cDatabase::PairWhereClause(request_.PlayerID, request_.PartnerID) + ")" +
-                                           seedDateClause_);
+  const auto row =
+      database_.OpenRecordset("Select HandicalcSeed, HandicalcSeedDate From Partnerships Where (" +
+                              PairWhereClause(request_.PlayerID, request_.PartnerID) + ")" + seedDateClause_);
   pairSeed_ = SeedOf(*row, pair_, true);
   if (!pairSeed_) return;
   list1_.Append(pairSeed_->Key(), *pairSeed_);
@@ -163,9 +163,9 @@ void HandicapCalculation::ReadPlayer(std::int32_t number, HandicapResultList& li
 }
 
 void HandicapCalculation::ReadPlayerSeed(std::int32_t number, HandicapResultList& list) {
-  const auto row = database_.OpenRecordset(
-      "Select MembershipNumber, HandicalcSeed, HandicalcSeedDate From Members Where MembershipNumber = " +
-      std::to_string(number) + seedDateClause_);
+  const auto row =
+      database_.OpenRecordset("Select MembershipNumber, HandicalcSeed, HandicalcSeedDate From Members Where " +
+                              NumberIs(number) + seedDateClause_);
   const auto seed = SeedOf(*row, cPairMemberNumbers::Create(number, kNoMember), false);
   if (seed) list.Append(seed->Key(), *seed);
 }

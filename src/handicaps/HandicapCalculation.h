@@ -9,6 +9,7 @@
 #include "handicaps/HandicapResultList.h"
 #include "handicaps/Handicaps.h"
 #include "handicaps/HeldSettings.h"
+#include "names/MemberValues.h"
 #include "platform/values/Date.h"
 #include "store/cDatabase.h"
 
@@ -19,8 +20,8 @@ inline constexpr Date kNoCompetitionDate{36526.0};
 
 /// Whose handicaps are asked for, and the competition about to be scored, which is left out of its own handicaps.
 struct HandicapRequest {
-  std::int32_t PlayerID = -1;
-  std::int32_t PartnerID = -1;  ///< not looked at in an individual competition
+  std::int32_t PlayerID = kNoMember;
+  std::int32_t PartnerID = kNoMember;  ///< not looked at in an individual competition
   std::string CompetitionName;
   Date CompetitionDate = kNoCompetitionDate;
   bool Individual = false;

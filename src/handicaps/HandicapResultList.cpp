@@ -1,10 +1,12 @@
 #include "handicaps/HandicapResultList.h"
-#include "names/MemberValues.h"
 
 #include <cmath>
 #include <iterator>
 
+#include "names/MemberValues.h"
+
 namespace tavi {
+
 bool KeyExists(const HandicapResultList& List, const std::string& Key) {
   return List.Find(Key) != nullptr;
 }

@@ -4,7 +4,7 @@ namespace tavi {
 namespace {
 
 std::string NumberInKey(std::int32_t memberNumber) {
-  return memberNumber == -1 ? std::string() : std::to_string(memberNumber);
+  return memberNumber == kNoMember ? std::string() : std::to_string(memberNumber);
 }
 
 std::string KeyOf(std::int32_t competition, const cPairMemberNumbers& pair, bool samePair) {

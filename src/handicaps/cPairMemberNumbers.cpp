@@ -1,9 +1,9 @@
 #include "handicaps/cPairMemberNumbers.h"
-#include "names/MemberValues.h"
 
 #include <algorithm>
 
 namespace tavi {
+
 cPairMemberNumbers cPairMemberNumbers::Create(std::int32_t Player, std::int32_t Partner) {
   cPairMemberNumbers pair;
   pair.lower_ = std::min(Player, Partner);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "names/MemberValues.h"
+
 namespace tavi {
 
 /// Two member numbers without regard to who was named first; -1 is no member.
@@ -20,8 +22,8 @@ class cPairMemberNumbers {
   [[nodiscard]] bool SameAs(const cPairMemberNumbers& Other) const;
 
  private:
-  std::int32_t lower_ = -1;
-  std::int32_t higher_ = -1;
+  std::int32_t lower_ = kNoMember;
+  std::int32_t higher_ = kNoMember;
 };
 
 }  // namespace tavi

@@ -1,5 +1,6 @@
 #include "members/AddressLists.h"
 
+#include "members/Members.h"
 #include "platform/values/Text.h"
 #include "store/OpenUse.h"
 #include "util/KeyedList.h"
@@ -21,8 +22,7 @@ void AddDetails(const ado::Recordset& row, std::vector<EBUMembershipDetails>& fo
 
 std::string MembersEmailAddress(cDatabase& store, std::int32_t MemberNo) {
   OpenUse use(store);
-  const auto rows =
-      store.OpenRecordset("Select email from Members where MembershipNumber = " + std::to_string(MemberNo));
+  const auto rows = store.OpenRecordset("Select email from Members where " + NumberIs(MemberNo));
   std::string address = rows->AtEnd() ? std::string() : cDatabase::GetTextField(*rows, "email", true);
   rows->Close();
   use.Close();

@@ -5,15 +5,18 @@
 
 #include "names/MemberRow.h"
 #include "names/MemberValues.h"
-#include "names/NameText.h"
 #include "platform/values/Convert.h"
+#include "platform/values/Text.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
 namespace {
 
 constexpr std::int32_t kFirstNameSuffices = 4;
-constexpr double kLowestHandicap = 1.0;
+
+std::string WhereNumberIs(std::int32_t memberNumber) {
+  return "Where " + NumberIs(memberNumber);
+}
 
 std::string WhereActiveNumberIs(std::int32_t memberNumber) {
   return WhereNumberIs(memberNumber) + " And Active <> 0";
@@ -26,17 +29,51 @@ std::int16_t UniquenessFlagOf(const ado::Recordset& row) {
                                                             std::numeric_limits<std::int16_t>::max()));
 }
 
-/// The message runs "a" and the next word together; programs know it that way.
-Error NameIsTaken(const MemberDetails& details, bool retired) {
-  return Error(ErrorNumber::Component, "cDatabase",
-               std::string("There is already a") + (retired ? "retired " : "") + "member called " +
-                   JoinNameParts(details.FirstName, details.Initials, details.LastName));
+double ReadHandicap(cDatabase& database, const std::string& statement) {
+  return WhileOpen(database, [&] {
+    const auto row = database.OpenRecordset(statement);
+    return row->AtEnd() ? kNeutralHandicap : cDatabase::GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
+  });
+}
+
+void UpdateMembersHandicap(cDatabase& database, double handicap, const std::string& where) {
+  database.Execute("Update Members Set Handicap = " + cDatabase::SQLNumber(handicap, "the handicap") + " " + where);
 }
 
 }  // namespace
 
-std::string WhereNumberIs(std::int32_t memberNumber) {
-  return "Where MembershipNumber = " + std::to_string(memberNumber);
+std::string NumberIs(std::int32_t memberNumber) {
+  return "MembershipNumber = " + std::to_string(memberNumber);
+}
+
+bool MemberExists(cDatabase& database, std::int32_t memberNumber) {
+  return WhileOpen(database, [&] {
+    const auto row = database.OpenRecordset("Select count(*) From Members " + WhereNumberIs(memberNumber));
+    return !row->AtEnd() && ToInt32(row->Get(row->Fields().front().name)) > 0;
+  });
+}
+
+bool GetMembersNames(cDatabase& database, std::int32_t memberNumber, std::string& FirstName, std::string& Initials,
+                     std::string& LastName, bool& Active) {
+  return WhileOpen(database, [&] {
+    // A file without a key on the number can hold it twice; the first row of this order counts.
+    const auto row = database.OpenRecordset("Select FirstName, MiddleInitials, LastName, Active From Members " +
+                                            WhereNumberIs(memberNumber) + " Order by Active Desc");
+    if (row->AtEnd()) return false;
+    FirstName = cDatabase::GetTextField(*row, "FirstName");
+    Initials = cDatabase::GetTextField(*row, "MiddleInitials");
+    LastName = cDatabase::GetTextField(*row, "LastName");
+    Active = cDatabase::GetBooleanField(*row, "Active");
+    return true;
+  });
+}
+
+std::string GetFullName(cDatabase& database, std::int32_t memberNumber) {
+  PlayerNameParts name;
+  bool active = false;
+  if (!GetMembersNames(database, memberNumber, name.FirstName, name.Initials, name.Surname, active)) return {};
+  // Tabs and longer gaps stay as they are stored.
+  return ReplaceAll(Trim(name.FirstName + " " + name.Initials + " " + name.Surname), "  ", " ");
 }
 
 std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32_t memberNumber) {
@@ -47,28 +84,6 @@ std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32
     auto member = ReadMemberRow(*row, database.GetPlatform().nameKeyService);
     member->UniquenessFlag = UniquenessFlagOf(*row);
     return member;
-  });
-}
-
-std::int32_t AddNewMember(cDatabase& database, const std::string& FirstName, const std::string& Initials,
-                          const std::string& LastName, std::optional<double> Handicap) {
-  const Date unknown = Date::FromCivil(1800, 1, 1);
-  MemberDetails details;
-  details.FirstName = FirstName;
-  details.Initials = Initials;
-  details.LastName = LastName;
-  details.Handicap = Handicap && *Handicap >= kLowestHandicap ? *Handicap : kNeutralHandicap;
-  details.MemberType = "Standard";
-  details.JoinDate = unknown;
-  details.LastPaid = unknown;
-  details.NextDue = unknown;
-
-  return WhileOpen(database, [&] {
-    bool retired = false;
-    if (database.GetMembershipID(FirstName, Initials, LastName, retired) != kNoMember) {
-      throw NameIsTaken(details, retired);
-    }
-    return database.AddMember(details);
   });
 }
 
@@ -95,11 +110,16 @@ void SetEBUNumber(cDatabase& database, std::int32_t MemberNo, const std::string&
 
 std::int32_t EnteredNumberToClubNumber(cDatabase& database, std::int32_t EnteredNumber) {
   return WhileOpen(database, [&] {
-    const std::string number = std::to_string(EnteredNumber);
     const std::string select = "Select MembershipNumber from Members where ";
-    if (!database.OpenRecordset(select + "MembershipNumber = " + number)->AtEnd()) return EnteredNumber;
-    const auto row = database.OpenRecordset(select + "EBUNumber = '" + number + "'");
+    if (!database.OpenRecordset(select + NumberIs(EnteredNumber))->AtEnd()) return EnteredNumber;
+    const auto row = database.OpenRecordset(select + "EBUNumber = '" + std::to_string(EnteredNumber) + "'");
     return row->AtEnd() ? 0 : cDatabase::GetNumericField(*row, "MembershipNumber");
+  });
+}
+
+bool IsValidMemberID(cDatabase& database, std::int32_t MemberID) {
+  return WhileOpen(database, [&] {
+    return !database.OpenRecordset("Select top 1 MembershipNumber From Members " + WhereNumberIs(MemberID))->AtEnd();
   });
 }
 
@@ -107,22 +127,35 @@ void DeleteMember(cDatabase& database, std::int32_t MembershipNumber) {
   database.Execute("Update Members set Active = 0 " + WhereNumberIs(MembershipNumber));
 }
 
+double GetHandicap(cDatabase& database, std::int32_t memberNumber) {
+  return ReadHandicap(database, "Select Handicap from Members where " + NumberIs(memberNumber));
+}
+
 double GetActiveHandicap(cDatabase& database, std::int32_t MemberID) {
-  return WhileOpen(database, [&] {
-    const auto row = database.OpenRecordset("Select Handicap From Members " + WhereActiveNumberIs(MemberID));
-    return row->AtEnd() ? kNeutralHandicap : cDatabase::GetNonIntegerField(*row, "Handicap", kNeutralHandicap);
-  });
+  return ReadHandicap(database, "Select Handicap From Members " + WhereActiveNumberIs(MemberID));
 }
 
 void SetActiveHandicap(cDatabase& database, std::int32_t MemberID, double NewHandicap) {
-  database.Execute("Update Members Set Handicap = " + cDatabase::SQLNumber(NewHandicap, "the handicap") + " " +
-                   WhereActiveNumberIs(MemberID));
+  UpdateMembersHandicap(database, NewHandicap, WhereActiveNumberIs(MemberID));
 }
 
-bool IsValidMemberID(cDatabase& database, std::int32_t MemberID) {
+void StoreHandicap(cDatabase& database, std::int32_t memberNumber, double handicap) {
+  UpdateMembersHandicap(database, handicap, WhereNumberIs(memberNumber));
+}
+
+void StoreHandicapOfBoth(cDatabase& database, std::int32_t first, std::int32_t second, double handicap) {
+  UpdateMembersHandicap(database, handicap, WhereNumberIs(first) + " Or " + NumberIs(second));
+}
+
+std::int16_t GetPlayerStratum(cDatabase& database, std::int32_t memberNumber) {
   return WhileOpen(database, [&] {
-    return !database.OpenRecordset("Select top 1 MembershipNumber From Members " + WhereNumberIs(MemberID))->AtEnd();
+    const auto row = database.OpenRecordset("Select Stratum from Members where " + NumberIs(memberNumber));
+    return row->AtEnd() ? std::int16_t{0} : ToInt16(cDatabase::GetNumericField(*row, "Stratum"));
   });
+}
+
+void SetPlayerStratum(cDatabase& database, std::int32_t memberNumber, std::int16_t NewStratum) {
+  database.Execute("Update Members Set Stratum = " + std::to_string(NewStratum) + " " + WhereNumberIs(memberNumber));
 }
 
 }  // namespace tavi

@@ -2,6 +2,9 @@
 
 #include <optional>
 
+#include "members/Members.h"
+#include "members/NewMembers.h"
+#include "names/NameSearch.h"
 #include "names/cPlayerDetails.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
@@ -10,7 +13,6 @@
 namespace tavi {
 namespace {
 
-constexpr const char* kStandardMember = "Standard";
 constexpr std::int32_t kEnrolled = -1;
 
 /// A field of the policy's row.
@@ -39,7 +41,7 @@ void Enrol(cDatabase& store, std::int32_t number, const PlayerNameParts& name, d
   member.NextDue = terms.NextDue;
   member.Subs = terms.Amount;
   member.RequiredID = number;
-  store.AddMember(member);
+  AddMember(store, member);
 }
 
 }  // namespace
@@ -74,11 +76,10 @@ std::int32_t CheckMembershipID(cDatabase& store, std::int32_t MembershipID, cons
   const PlayerNameParts& name = player.NameParts();
   OpenUse use(store);
   bool retiredNamesake = false;
-  const std::int32_t namesake = store.GetMembershipID(name.FirstName, name.Initials, name.Surname, retiredNamesake);
+  const std::int32_t namesake = GetMembershipID(store, name.FirstName, name.Initials, name.Surname, retiredNamesake);
   std::int32_t result = namesake;
-  if (namesake == -1 || namesake == MembershipID) {
-    const auto rows =
-        store.OpenRecordset("Select Active from Members Where MembershipNumber = " + std::to_string(MembershipID));
+  if (namesake == kNoMember || namesake == MembershipID) {
+    const auto rows = store.OpenRecordset("Select Active from Members Where " + NumberIs(MembershipID));
     const bool known = !rows->AtEnd();
     if (known) Retired = !ToBoolean(rows->Get("Active"));
     rows->Close();

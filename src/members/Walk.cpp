@@ -1,5 +1,9 @@
 #include "members/Walk.h"
 
+#include <limits>
+
+#include "members/Members.h"
+#include "members/Partnerships.h"
 #include "names/MemberRow.h"
 #include "names/MemberValues.h"
 #include "names/cPartnership.h"
@@ -16,9 +20,8 @@ constexpr double kSurnameFirstFormat = 10.0;
 std::shared_ptr<cPlayerDetails> GetActiveMemberDetails(cDatabase& store, std::int32_t memberNumber) {
   const std::shared_ptr<const NameKeyService> keys = store.GetPlatform().nameKeyService;
   OpenUse use(store);
-  const auto rows = store.OpenRecordset(std::string("Select ") + kMemberRowColumns +
-                                        " From Members Where MembershipNumber = " + std::to_string(memberNumber) +
-                                        " And Active <> 0");
+  const auto rows = store.OpenRecordset(std::string("Select ") + kMemberRowColumns + " From Members Where " +
+                                        NumberIs(memberNumber) + " And Active <> 0");
   std::shared_ptr<cPlayerDetails> player =
       rows->AtEnd() ? std::make_shared<cPlayerDetails>(keys) : ReadMemberRow(*rows, keys);
   rows->Close();
@@ -37,6 +40,23 @@ std::string ActiveRows(const std::string& select) {
 }
 
 }  // namespace
+
+void RetiredPlayers::Add(std::int32_t memberNumber) {
+  using Limits = std::numeric_limits<std::int16_t>;
+  const bool isListed = memberNumber >= Limits::min() && memberNumber <= Limits::max();
+  if (isListed && list_.Count() < Limits::max()) {
+    list_.Add(static_cast<std::int16_t>(memberNumber));
+  } else {
+    beyondList_.insert(memberNumber);
+  }
+}
+
+void RetiredPlayers::RetireFromPartnerships(cDatabase& store) const {
+  for (std::int32_t position = 1; position <= list_.Count(); ++position) {
+    DeletePairsOf(store, list_.Item(static_cast<std::int16_t>(position)));
+  }
+  for (const std::int32_t number : beyondList_) DeletePairsOf(store, number);
+}
 
 bool Walk::GetFirstMember(cDatabase& store, bool includeInactive, std::int32_t& Number, std::string& Name,
                           double& ParScore, std::int16_t NameFormat) {

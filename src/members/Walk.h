@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
-#include "members/RetiredPlayers.h"
 #include "names/cPlayerDetails.h"
 #include "store/cDatabase.h"
+#include "util/cIntegerList.h"
 
 namespace tavi {
 
@@ -19,6 +20,18 @@ struct WalkedPartnership {
   std::string P2Name;
   std::string PartnershipName;
   std::string AlternateName;
+};
+
+/// The players that a walk of the partnerships met who are not active members (any more).
+class RetiredPlayers {
+ public:
+  void Add(std::int32_t memberNumber);
+  /// Makes every partnership of these players inactive, the smallest number first.
+  void RetireFromPartnerships(cDatabase& store) const;
+
+ private:
+  cIntegerList list_;
+  std::set<std::int32_t> beyondList_;  // numbers that a 16-bit list, or a full one, cannot hold
 };
 
 /// The walk of one facade object through the members, the partnerships or the governing body's list: one at a time, row

@@ -54,13 +54,26 @@ void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> cand
 
 }  // namespace
 
+std::int32_t GetMembershipID(cDatabase& database, const std::string& FirstName, const std::string& Initials,
+                             const std::string& LastName, bool& Retired) {
+  return WhileOpen(database, [&] {
+    const auto row = database.OpenRecordset(
+        "Select MembershipNumber, Active from Members Where FirstName = " + cDatabase::SQLString(FirstName) +
+        " And MiddleInitials = " + cDatabase::SQLString(Initials) +
+        " And LastName = " + cDatabase::SQLString(LastName));
+    if (row->AtEnd()) return kNoMember;
+    Retired = !cDatabase::GetBooleanField(*row, "Active");
+    return cDatabase::GetNumericField(*row, "MembershipNumber", kNoMember);
+  });
+}
+
 std::int32_t FindMember(cDatabase& database, const std::string& Name, bool ExactMatchRequired) {
   return WhileOpen(database, [&] {
     // Not even a member without any name is meant by it.
     if (Name.empty()) return kNoMember;
     const PlayerNameParts name = SplitName(Name);
     bool retired = false;
-    const std::int32_t exact = database.GetMembershipID(name.FirstName, name.Initials, name.Surname, retired);
+    const std::int32_t exact = GetMembershipID(database, name.FirstName, name.Initials, name.Surname, retired);
     if (exact != kNoMember && !retired) return exact;
     return ExactMatchRequired ? kNoMember : FindByInitials(database, name);
   });

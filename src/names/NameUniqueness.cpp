@@ -1,8 +1,10 @@
+#include "names/NameUniqueness.h"
+
 #include <algorithm>
 
+#include "names/StoredNameKeys.h"
 #include "platform/values/Text.h"
 #include "store/OpenUse.h"
-#include "store/cDatabase.h"
 
 namespace tavi {
 namespace {
@@ -46,13 +48,14 @@ std::vector<ActiveMember> ReadMembers(ado::Recordset& rows) {
 
 }  // namespace
 
-void cDatabase::SetNameUniquenessFlags(const std::string& FirstName) {
-  WhileOpen(*this, [&] {
-    const std::string condition = FirstName.empty() ? "" : " And FirstName = " + SQLString(FirstName);
-    const auto rows =
-        OpenRecordset("Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0 " +
-                          condition + "Order By FirstName, LastName, MiddleInitials",
-                      ado::CursorType::Dynamic);
+void SetNameUniquenessFlags(cDatabase& database, const std::string& FirstName) {
+  WhileOpen(database, [&] {
+    const std::string condition = FirstName.empty() ? "" : " And FirstName = " + cDatabase::SQLString(FirstName);
+    // Sorted by name, so that a name's nearest likenesses are its two neighbours.
+    const auto rows = database.OpenRecordset(
+        "Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0 " + condition +
+            "Order By FirstName, LastName, MiddleInitials",
+        ado::CursorType::Dynamic);
     const std::vector<ActiveMember> members = ReadMembers(*rows);
     // Backwards over the rows again, writing only what differs: opening an unchanged club must not change its file.
     for (auto member = members.rbegin(); member != members.rend(); ++member) {
@@ -62,6 +65,13 @@ void cDatabase::SetNameUniquenessFlags(const std::string& FirstName) {
       rows->Update();
     }
   });
+}
+
+std::vector<FirstOpenStep> NameSteps() {
+  return {
+      {"refreshing the uniqueness flags of names", [](cDatabase& database) { SetNameUniquenessFlags(database, ""); }},
+      // The file's keys may be of another function than this version's.
+      {"refreshing the keys of names", RefreshStoredNameKeys}};
 }
 
 }  // namespace tavi

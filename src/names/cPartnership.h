@@ -16,7 +16,7 @@ class cPartnership {
   cPartnership(std::shared_ptr<cPlayerDetails> player1, std::shared_ptr<cPlayerDetails> player2);
 
   /// In per cent.
-  double Handicap = 50.0;
+  double Handicap = kNeutralHandicap;
   /// The pair's own name; may be empty.
   std::string KnownAs;
   /// Never null.

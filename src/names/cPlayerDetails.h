@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "names/MemberValues.h"
 #include "names/PlayerNameParts.h"
 #include "platform/Platform.h"
 #include "platform/values/Value.h"
@@ -20,10 +21,10 @@ class cPlayerDetails {
 
   /// The familiar name; may be empty.
   std::string KnownAs;
-  /// The club's member number; -1: not a known member.
-  std::int32_t MembershipNumber = -1;
+  /// The club's member number; kNoMember: not a known member.
+  std::int32_t MembershipNumber = kNoMember;
   /// In per cent.
-  double Handicap = 50.0;
+  double Handicap = kNeutralHandicap;
   /// The match weight given by a name search; null otherwise. Not copied by Clone.
   Value CandidateWeight;
   /// The governing body's number, as text.

@@ -5,8 +5,8 @@
 #include "platform/values/Text.h"
 #include "store/Arguments.h"
 #include "store/ConnectionText.h"
+#include "store/LayoutCheck.h"
 #include "store/OpenUse.h"
-#include "store/StoredNameKeys.h"
 #include "store/cDatabase.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
@@ -31,7 +31,8 @@ void CloseQuietly(cDatabase& database, bool forceClose) noexcept {
 
 }  // namespace
 
-cDatabase::cDatabase(std::shared_ptr<const Platform> platform) : platform_(std::move(platform)) {
+cDatabase::cDatabase(std::shared_ptr<const Platform> platform, std::vector<FirstOpenStep> firstOpenSteps)
+    : platform_(std::move(platform)), firstOpenSteps_(std::move(firstOpenSteps)) {
   WriteDiagnostic("TaviMembership Initialising");
 }
 
@@ -83,23 +84,11 @@ void cDatabase::OpenDB() {
   if (!layoutCheckPending_) return;
   layoutCheckPending_ = false;
   try {
-    CheckLayout();
-    SetNameUniquenessFlags("");
-    RefreshStoredNameKeys();
+    LayoutCheck(*this, fieldLimitMessageShown_).Run();
+    for (const FirstOpenStep& step : firstOpenSteps_) step.run(*this);
   } catch (...) {
     CloseQuietly(*this, false);
     throw;
-  }
-}
-
-void cDatabase::RefreshStoredNameKeys() noexcept {
-  try {
-    const NameKeyRefresh refresh = RefreshNameKeys(OpenFile(), *platform_->nameKeyService);
-    if (refresh.passedOver == 0) return;
-    WriteDiagnostic("Name keys that could not be brought up to date: " + std::to_string(refresh.passedOver) +
-                    ". The first: " + refresh.firstPassedOver);
-  } catch (const std::exception& error) {
-    WriteDiagnostic("Failed to bring name keys up to date: " + std::string(error.what()));
   }
 }
 
@@ -127,10 +116,9 @@ std::unique_ptr<ado::Recordset> cDatabase::OpenSchema(ado::SchemaKind kind) {
   return OpenFile().OpenSchema(kind);
 }
 
-std::int32_t cDatabase::BeginTransaction() {
-  const std::int32_t level = OpenFile().BeginTrans();
+void cDatabase::BeginTransaction() {
+  static_cast<void>(OpenFile().BeginTrans());
   ++transactions_;
-  return level;
 }
 
 void cDatabase::CommitTransaction() {
@@ -141,10 +129,6 @@ void cDatabase::CommitTransaction() {
 void cDatabase::RollbackTransaction() {
   OpenFile().RollbackTrans();
   --transactions_;
-}
-
-std::int32_t cDatabase::TransactionLevel() const {
-  return connection_ ? connection_->TransactionLevel() : 0;
 }
 
 ado::Connection& cDatabase::OpenFile() {

@@ -69,9 +69,9 @@ void Recovery::Recover(const std::string& oldFile) {
   CopyTables();
   if (carried_.conversionNeeded) ConvertOlderData();
   Attempt("repairing the colours of awards", [this] { RepairMasterPointColours(database_); });
-  // The old file's keys may be of another function than this version's.
-  database_.RefreshStoredNameKeys();
-  Attempt("refreshing the uniqueness flags of names", [this] { database_.SetNameUniquenessFlags(""); });
+  for (const FirstOpenStep& step : database_.FirstOpenSteps()) {
+    Attempt(step.name, [&] { step.run(database_); });
+  }
   use.Close();
   old_->Close();
 }

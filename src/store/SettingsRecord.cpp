@@ -44,6 +44,19 @@ bool IsWhiteSpace(char character) {
 
 }  // namespace
 
+std::unique_ptr<ado::Recordset> cDatabase::OpenSettingsRow() {
+  auto settings = OpenRecordset("Settings", ado::CursorType::Dynamic, true);
+  if (!settings->AtEnd()) return settings;
+  settings->AddNew();
+  settings->Set(kMethodColumn, std::int16_t{0});
+  settings->Set(kCertificateColumn, std::int32_t{0});
+  settings->Set(kUploadColumn, std::int32_t{0});
+  settings->Set(kPrefixColumn, std::string());
+  settings->Set(kCountyColumn, std::string());
+  settings->Update();
+  return settings;
+}
+
 std::string cDatabase::MPCertificatePrefix() {
   return WhileOpen(*this, [&] {
     const auto settings = OpenSettingsRow();
@@ -140,6 +153,19 @@ void cDatabase::SetLatestClubName(const std::string& name) {
     Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
     const std::string prefix = DefaultMPPrefix("");
     if (!prefix.empty()) Store(*OpenSettingsRow(), kPrefixColumn, prefix);
+  });
+}
+
+std::string cDatabase::ClubID() {
+  return WhileOpen(*this, [&] {
+    const auto row = OpenRecordset("Select top 1 ClubEBUNumber from ClubNames Order by ClubID Desc");
+    return row->AtEnd() ? std::string() : GetTextField(*row, "ClubEBUNumber");
+  });
+}
+
+bool cDatabase::WasClubEverCalled(const std::string& ClubName) {
+  return WhileOpen(*this, [&] {
+    return !OpenRecordset("Select top 1 ClubID from ClubNames Where ClubName = " + SQLString(ClubName))->AtEnd();
   });
 }
 

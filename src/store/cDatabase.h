@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Platform.h"
 #include "platform/ado/Provider.h"
@@ -13,49 +15,33 @@
 
 namespace tavi {
 
-/// The details that AddMember stores beside number, names and keys; the defaults are those of an unknown detail.
-struct MemberDetails {
-  std::string Title;
-  std::string FirstName;
-  std::string Initials;
-  std::string LastName;
-  double Handicap = 50.0;
-  std::string MemberType;
-  Date JoinDate;
-  Date LastPaid;
-  Date NextDue;
-  double Subs = 0.0;
-  std::int32_t RequiredID = -1;  ///< -1: the next free number
-  std::int32_t Gender = 0;
-  std::string HouseID;
-  std::string Address;
-  std::string PostCode;
-  std::string email;
-  std::string HomePhone;
-  std::string WorkPhone;
-  std::string MobilePhone;
-  std::string Notes;
-  bool Privacy = false;
+class cDatabase;
+
+/// Something that is brought up to date in a file that another program, or another version of this one, may have
+/// written. What that is the rooms above the store know, and hand over.
+struct FirstOpenStep {
+  std::string name;  ///< for messages: "refreshing the uniqueness flags of names"
+  std::function<void(cDatabase&)> run;
 };
 
 /// The store: owns the connection to the membership database file "ClubMembers.mdb" of one folder, through which
 /// everything else reads and writes. One belongs to each thread; it is used on that thread only. The file is opened by
-/// the first operation that needs it and closed by the last one that counted it open. Each group of operations is
-/// defined in the room that it belongs to.
+/// the first operation that needs it and closed by the last one that counted it open.
 ///
 /// Errors: those that the store raises itself have the number 0x80040000 and the source "cDatabase"; errors of the
 /// provider pass on unchanged, after the open count has been balanced where an operation's comment says so.
 class cDatabase {
  public:
-  /// Writes the diagnostics line "TaviMembership Initialising". The folder is empty, the layout check pending.
-  explicit cDatabase(std::shared_ptr<const Platform> platform);
+  /// Writes the diagnostics line "TaviMembership Initialising". The folder is empty, the layout check pending. The
+  /// steps are taken in their order behind each layout check, and when a recovery has filled the file.
+  cDatabase(std::shared_ptr<const Platform> platform, std::vector<FirstOpenStep> firstOpenSteps);
   /// Closes the file whatever the open count; swallows errors.
   ~cDatabase();
   cDatabase(const cDatabase&) = delete;
   cDatabase& operator=(const cDatabase&) = delete;
 
   [[nodiscard]] const Platform& GetPlatform() const { return *platform_; }
-  [[nodiscard]] std::shared_ptr<const Platform> SharedPlatform() const { return platform_; }
+  [[nodiscard]] const std::vector<FirstOpenStep>& FirstOpenSteps() const { return firstOpenSteps_; }
 
   // --- Location and connection (store/Connection.cpp) ----------------------------------------------------------------
 
@@ -72,11 +58,10 @@ class cDatabase {
   void NewDatabase() { layoutCheckPending_ = true; }
   /// "EBUMembershipList".
   [[nodiscard]] static std::string EBUMembersTable();
-  /// Opens the file or counts one more use. The first open after the folder was set checks the layout and refreshes
-  /// the uniqueness flags and the stored name keys. Raises "Attempt to use database before path set." and "Failed to
-  /// open membership database
-  /// ..."; after an error the count is as before. The count has 16 bits: at 32767 the file stays open and the count
-  /// stands still.
+  /// Opens the file or counts one more use. The first open after the folder was set checks the layout and takes the
+  /// first open steps. Raises "Attempt to use database before path set.", "Failed to open membership database ..." and
+  /// what a step raises; after an error the count is as before. The count has 16 bits: at 32767 the file stays open and
+  /// the count stands still.
   void OpenDB();
   /// Counts one use less, or all of them, and closes the file at zero. On a closed store it does nothing. Within
   /// transactions the file stays open until they have ended: each of them keeps the use that it counted.
@@ -90,24 +75,19 @@ class cDatabase {
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenRecordset(std::string_view SQL,
                                                               ado::CursorType CursorType = ado::CursorType::ForwardOnly,
                                                               bool IsTable = false);
-  /// Brings keys of the open file that another function made up to date (store/StoredNameKeys.h). What cannot be
-  /// written stays: only the search by similar names suffers. The diagnostics log says so then.
-  void RefreshStoredNameKeys() noexcept;
   /// The tables, columns or indexes of the open file.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSchema(ado::SchemaKind kind);
 
   // --- Transactions (store/Connection.cpp; store/Transaction.h has the guard that operations use) --------------------
 
-  /// Begins a transaction on the open file, within another one when there is one, and returns how many are open then.
-  /// Raises NoObject on a closed store; so do the next two.
-  std::int32_t BeginTransaction();
+  /// Begins a transaction on the open file, within another one when there is one. Raises NoObject on a closed store; so
+  /// do the next two.
+  void BeginTransaction();
   /// Ends the innermost transaction and keeps its changes; those of the outermost are stored, all or none. After an
   /// error it is still open, to be rolled back.
   void CommitTransaction();
   /// Ends the innermost transaction and undoes its changes.
   void RollbackTransaction();
-  /// How many transactions are open; 0 on a closed store.
-  [[nodiscard]] std::int32_t TransactionLevel() const;
 
   // --- SQL literals (store/Literals.cpp) -----------------------------------------------------------------------------
 
@@ -170,6 +150,9 @@ class cDatabase {
   [[nodiscard]] std::string LatestClubName();
   /// Adds a name to the history and derives the certificate prefix anew: both or, with an error, neither.
   void SetLatestClubName(const std::string& name);
+  /// The EBU number that goes with the newest name.
+  [[nodiscard]] std::string ClubID();
+  [[nodiscard]] bool WasClubEverCalled(const std::string& ClubName);
 
   // --- Recovery (store/Recovery.cpp) ---------------------------------------------------------------------------------
 
@@ -181,46 +164,7 @@ class cDatabase {
   /// redo log that lies beside it, as any opening does. Calling it again starts each table anew.
   RecoveryReport RecoverData(const std::string& OldDatabaseFile, RecoveryObserver* observer = nullptr);
 
-  // --- Members (members/MemberRecords.cpp) ---------------------------------------------------------------------------
-
-  [[nodiscard]] std::int32_t NextAvailableMemberNo();
-  /// Inserts a member with fresh keys, stores the handicap and refreshes the uniqueness flags of that first name: all
-  /// of it or, with an error, nothing. Returns the number.
-  std::int32_t AddMember(const MemberDetails& details);
-  [[nodiscard]] bool MemberExists(std::int32_t memberNumber);
-  /// False when no row was found.
-  bool GetMembersNames(std::int32_t memberNumber, std::string& FirstName, std::string& Initials, std::string& LastName,
-                       bool& Active);
-  /// First name, initials and last name joined with blanks, each pair of blanks made one; empty when unknown.
-  [[nodiscard]] std::string GetFullName(std::int32_t memberNumber);
-  /// The number of the member of exactly this name, or -1. `Retired` is set when a row was found.
-  std::int32_t GetMembershipID(const std::string& FirstName, const std::string& Initials, const std::string& LastName,
-                               bool& Retired);
-  /// Retired members' too; 50.0 without a row.
-  [[nodiscard]] double GetHandicap(std::int32_t memberNumber);
-  [[nodiscard]] std::int16_t GetPlayerStratum(std::int32_t memberNumber);
-  void SetPlayerStratum(std::int32_t memberNumber, std::int16_t NewStratum);
-
-  // --- Partnerships (members/PartnershipRecords.cpp) -----------------------------------------------------------------
-
-  /// "LowerPlayer = 3 And HigherPlayer = 7".
-  [[nodiscard]] static std::string PairWhereClause(std::int32_t P1, std::int32_t P2);
-  /// True when the pair has a row; then the three results are set.
-  bool IsRegularPartnership(std::int32_t P1, std::int32_t P2, std::string& PairName, double& Handicap, bool& Inactive);
-  /// Adds or reactivates a pair; a handicap below 0 becomes the mean of the players' ones. Raises "You cannot partner a
-  /// player with themself." and, when asked to, "Partnership already exists".
-  void MakeRegularPartnership(std::int32_t P1, std::int32_t P2, double Handicap, bool ErrorIfAlreadyExists,
-                              const std::string& KnownAs);
-
-  // --- Name uniqueness (names/NameUniqueness.cpp) --------------------------------------------------------------------
-
-  /// Writes the UniquenessFlag of every active member, or of those of one first name.
-  void SetNameUniquenessFlags(const std::string& FirstName);
-
  private:
-  // --- File layout (store/Layout.cpp) --------------------------------------------------------------------------------
-
-  void CheckLayout();
   /// The one row of Settings, added when the table is empty.
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenSettingsRow();
 
@@ -229,6 +173,7 @@ class cDatabase {
   [[nodiscard]] ado::Connection& OpenFile();
 
   std::shared_ptr<const Platform> platform_;
+  std::vector<FirstOpenStep> firstOpenSteps_;
   std::string folder_;
   std::unique_ptr<ado::Connection> connection_;
   std::string openPath_;  ///< of the connection

@@ -10,7 +10,7 @@
 #include "automation/Conversion.h"
 #include "automation/ItemEnumerator.h"
 #include "automation/ThreadUse.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 
 namespace tavi::automation {
 namespace {
@@ -112,7 +112,7 @@ TEST(PassedBackTest, AVariableKeepsItsValueWhenTheOperationFails) {
 TEST(ThreadUseTest, TheLastUseOfAThreadReleasesItsStore) {
   const auto platform = std::make_shared<Platform>();
   auto first = std::make_unique<ThreadUse>();
-  SetThreadStore(std::make_shared<cDatabase>(platform));
+  SetThreadStore(MakeStore(platform));
   auto second = std::make_unique<ThreadUse>();
   first.reset();
   EXPECT_NO_THROW(ThreadStore());

@@ -30,7 +30,7 @@ void MakeFile(const tavi::Platform& platform, const std::string& folder) {
 /// A club without members, but with rows in the governing body's list.
 void MakeClub(const std::shared_ptr<const tavi::Platform>& platform, const std::string& folder) {
   MakeFile(*platform, folder);
-  tavi::cDatabase store(platform);
+  tavi::cDatabase store(platform, {});
   store.SetDatabaseFolder(folder);
   const std::string insert = "Insert into EBUMembershipList (EBUNumber, FirstName, LastName, CountyCode) Values ";
   store.Execute(insert + "(77, 'John', 'Smith', 'KEN')");
@@ -43,7 +43,7 @@ void MakeClubOfAddresses(const std::shared_ptr<const tavi::Platform>& platform, 
                          const std::string& lastAddress) {
   std::filesystem::create_directory(folder);
   MakeFile(*platform, folder);
-  tavi::cDatabase store(platform);
+  tavi::cDatabase store(platform, {});
   store.SetDatabaseFolder(folder);
   const std::string insert = "Insert into Members (MembershipNumber, FirstName, LastName, Active, email) Values ";
   store.Execute(insert + "(1, 'Ann', 'Smith', 1, 'ann@example.org')");

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "competitions/CompetitionAttributes.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
 #include "platform/values/Convert.h"
 

@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
+#include "members/Partnerships.h"
 
 namespace tavi {
 namespace {
@@ -18,7 +19,7 @@ class ResultNotesTest : public ::testing::Test {
     club_->AddNewMember("Bob", "", "Dale", 42.0);
     club_->AddNewMember("Cat", "", "Moor", 43.0);
     club_->AddNewMember("Dan", "", "Wood", 44.0);
-    ThreadStore()->MakeRegularPartnership(1, 2, 45.0, false, "");
+    MakeRegularPartnership(*ThreadStore(), 1, 2, 45.0, false, "");
     club_->CloseDatabase();
   }
   ~ResultNotesTest() override { club_->CloseDatabase(); }

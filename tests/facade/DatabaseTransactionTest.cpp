@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
 
 namespace tavi {

@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "facade/MembershipDatabase.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "platform/TemporaryFolder.h"
 
 namespace tavi {

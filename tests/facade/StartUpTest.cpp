@@ -3,7 +3,7 @@
 #include <thread>
 
 #include "facade/MembershipDatabase.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"

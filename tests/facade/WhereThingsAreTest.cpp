@@ -8,7 +8,7 @@
 #include "SourceDirectory.h"
 #include "composition/Composition.h"
 #include "facade/MembershipDatabase.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "platform/TemporaryFolder.h"
 #include "store/BaseFile.h"
 

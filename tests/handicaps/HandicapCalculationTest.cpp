@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
+#include "members/Partnerships.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
 
@@ -48,7 +49,7 @@ class HandicapCalculationTest : public ::testing::Test {
                   " Where MembershipNumber = " + std::to_string(member));
   }
   void SetPairSeed(double seed, int daysAgo = 1) {
-    ThreadStore()->MakeRegularPartnership(1, 2, 50.0, false, "");
+    MakeRegularPartnership(*ThreadStore(), 1, 2, 50.0, false, "");
     club_.Execute("Update Partnerships Set HandicalcSeed = " + NumberText(seed) +
                   ", HandicalcSeedDate = " + std::to_string(Club::kToday.DayNumber() - daysAgo));
   }
@@ -78,7 +79,7 @@ TEST_F(HandicapCalculationTest, ACalculationLeavesTheFileOpenOnceMore) {
 TEST_F(HandicapCalculationTest, ACalculationTooManyLeavesTheOpenCountAtItsLargestNumber) {
   constexpr int kMostUses = 32767;
   settings_->SetRegularPairAdd(1.0);
-  ThreadStore()->MakeRegularPartnership(1, 2, 50.0, false, "");
+  MakeRegularPartnership(*ThreadStore(), 1, 2, 50.0, false, "");
   for (int count = 1; count < kMostUses; ++count) club_->OpenDatabase();
   for (int count = 0; count < 3; ++count) EXPECT_EQ(OfPair(), 51.0);
   EXPECT_EQ(club_.OpenCount(), kMostUses);
@@ -417,7 +418,7 @@ TEST_F(HandicapCalculationTest, EnormousPercentagesHaveAnAverageToo) {
 TEST_F(HandicapCalculationTest, AHandicapThatIsNoNumberAnyMoreOverflows) {
   settings_->SetRegularPairMultiplier(1e300);
   AddResult(1, 1, 2, 1e300);
-  ThreadStore()->MakeRegularPartnership(1, 2, 50.0, false, "");
+  MakeRegularPartnership(*ThreadStore(), 1, 2, 50.0, false, "");
   try {
     OfPair();
     FAIL() << "no error";

@@ -41,7 +41,7 @@ class HandicapStatementsTest : public ::testing::Test {
   }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
   HeldSettings held_;
 };
 

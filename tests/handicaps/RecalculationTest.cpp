@@ -1,8 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
 #include "handicaps/Recalculation.h"
+#include "members/Partnerships.h"
 
 namespace tavi {
 namespace {
@@ -35,7 +36,7 @@ class RecalculationTest : public ::testing::Test {
   ~RecalculationTest() override { club_->CloseDatabase(); }
 
   void AddPair(std::int32_t lower, std::int32_t higher) {
-    ThreadStore()->MakeRegularPartnership(lower, higher, 33.0, false, "");
+    MakeRegularPartnership(*ThreadStore(), lower, higher, 33.0, false, "");
   }
   void AddResult(std::int32_t player, std::int32_t partner, const std::string& percentage) {
     club_.Execute("Insert Into Results (Competition, Player, Partner, ActualPercentage) Values (1, " +

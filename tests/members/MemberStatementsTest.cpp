@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "members/ClubIdentity.h"
 #include "members/Members.h"
-#include "members/Pairs.h"
-#include "members/RetiredPlayers.h"
+#include "members/NewMembers.h"
+#include "members/Partnerships.h"
+#include "members/Walk.h"
 #include "store/support/FakeFile.h"
 
 namespace tavi {
@@ -39,7 +39,7 @@ class MemberStatementsTest : public ::testing::Test {
   }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 using Texts = std::vector<std::string>;
@@ -47,18 +47,18 @@ using Texts = std::vector<std::string>;
 TEST_F(MemberStatementsTest, TheNextNumberFollowsTheHighest) {
   Answer("Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc", "MembershipNumber",
          std::int32_t{41});
-  EXPECT_EQ(store_.NextAvailableMemberNo(), 42);
+  EXPECT_EQ(NextAvailableMemberNo(store_), 42);
 }
 
 TEST_F(MemberStatementsTest, TheFirstNumberIsOne) {
-  EXPECT_EQ(store_.NextAvailableMemberNo(), 1);
+  EXPECT_EQ(NextAvailableMemberNo(store_), 1);
 }
 
 TEST_F(MemberStatementsTest, BehindTheLargestNumberThereIsNone) {
   Answer("Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc", "MembershipNumber",
          std::int32_t{2147483647});
   try {
-    static_cast<void>(store_.NextAvailableMemberNo());
+    static_cast<void>(NextAvailableMemberNo(store_));
     FAIL() << "no error";
   } catch (const Error& error) {
     EXPECT_TRUE(error.Is(ErrorNumber::Overflow));
@@ -89,7 +89,7 @@ TEST_F(MemberStatementsTest, AddingStoresTwentyFiveColumnsThenTheHandicap) {
   details.Notes = "100%";
   details.Privacy = true;
 
-  EXPECT_EQ(store_.AddMember(details), 7);
+  EXPECT_EQ(AddMember(store_, details), 7);
   EXPECT_EQ(Statements(),
             (Texts{"Insert into Members (MembershipNumber, EBUNumber, Title, FirstName, MiddleInitials, LastName, "
                    "FuzzedFirstName, FuzzedLastName, KnownAs, Sex, DOB, email, HouseID, Address, PostCode, HomePhone, "
@@ -125,8 +125,8 @@ TEST_F(MemberStatementsTest, ANewMemberHasTheDates1January1800AndTheTypeStandard
 
 TEST_F(MemberStatementsTest, MembersAreCountedByNumber) {
   Answer("Select count(*) From Members Where MembershipNumber = 7", "Expr1000", std::int32_t{1});
-  EXPECT_TRUE(store_.MemberExists(7));
-  EXPECT_FALSE(store_.MemberExists(8));
+  EXPECT_TRUE(MemberExists(store_, 7));
+  EXPECT_FALSE(MemberExists(store_, 8));
 }
 
 TEST_F(MemberStatementsTest, OfTwoRowsWithOneNumberTheNamesOfTheFirstAreRead) {
@@ -138,32 +138,32 @@ TEST_F(MemberStatementsTest, OfTwoRowsWithOneNumberTheNamesOfTheFirstAreRead) {
   std::string initials = "?";
   std::string last;
   bool active = false;
-  EXPECT_TRUE(store_.GetMembersNames(7, first, initials, last, active));
+  EXPECT_TRUE(GetMembersNames(store_, 7, first, initials, last, active));
   EXPECT_EQ(first + "/" + initials + "/" + last, "Anne//Hill");
   EXPECT_FALSE(active);
-  EXPECT_EQ(store_.GetFullName(7), "Anne Hill");
-  EXPECT_FALSE(store_.GetMembersNames(8, first, initials, last, active));
+  EXPECT_EQ(GetFullName(store_, 7), "Anne Hill");
+  EXPECT_FALSE(GetMembersNames(store_, 8, first, initials, last, active));
 }
 
 TEST_F(MemberStatementsTest, HandicapsAreReadWithAndWithoutTheRetired) {
   Answer("Select Handicap from Members where MembershipNumber = 7", "Handicap", 47.25);
   Answer("Select Handicap From Members Where MembershipNumber = 7 And Active <> 0", "Handicap", 48.5);
-  EXPECT_EQ(store_.GetHandicap(7), 47.25);
+  EXPECT_EQ(GetHandicap(store_, 7), 47.25);
   EXPECT_EQ(GetActiveHandicap(store_, 7), 48.5);
-  EXPECT_EQ(store_.GetHandicap(8), 50.0);
+  EXPECT_EQ(GetHandicap(store_, 8), 50.0);
   EXPECT_EQ(GetActiveHandicap(store_, 8), 50.0);
 }
 
 TEST_F(MemberStatementsTest, AnEmptyHandicapIsTheNeutralOne) {
   Answer("Select Handicap from Members where MembershipNumber = 7", "Handicap", Null());
-  EXPECT_EQ(store_.GetHandicap(7), 50.0);
+  EXPECT_EQ(GetHandicap(store_, 7), 50.0);
 }
 
 TEST_F(MemberStatementsTest, ChangesOfOneMemberAreSingleStatements) {
   SetEBUNumber(store_, 7, " 0012'3 ");
   DeleteMember(store_, 7);
   SetActiveHandicap(store_, 7, 52.125);
-  store_.SetPlayerStratum(7, -2);
+  SetPlayerStratum(store_, 7, -2);
   EXPECT_EQ(Statements(), (Texts{"Update Members set EBUNumber = '0012''3' Where MembershipNumber = 7",
                                  "Update Members set Active = 0 Where MembershipNumber = 7",
                                  "Update Members Set Handicap = 52.125 Where MembershipNumber = 7 And Active <> 0",
@@ -172,8 +172,8 @@ TEST_F(MemberStatementsTest, ChangesOfOneMemberAreSingleStatements) {
 
 TEST_F(MemberStatementsTest, TheStratumOfAnUnknownPlayerIsNone) {
   Answer("Select Stratum from Members where MembershipNumber = 7", "Stratum", std::int32_t{3});
-  EXPECT_EQ(store_.GetPlayerStratum(7), 3);
-  EXPECT_EQ(store_.GetPlayerStratum(8), 0);
+  EXPECT_EQ(GetPlayerStratum(store_, 7), 3);
+  EXPECT_EQ(GetPlayerStratum(store_, 8), 0);
 }
 
 TEST_F(MemberStatementsTest, ATypedNumberIsAskedForAsClubNumberThenAsEBUNumber) {
@@ -205,14 +205,14 @@ TEST_F(MemberStatementsTest, ANameIsShownAsFarAsTheStoredFlagSays) {
 TEST_F(MemberStatementsTest, ClubNamesAreAskedForNewestFirst) {
   Answer("Select top 1 ClubEBUNumber from ClubNames Order by ClubID Desc", "ClubEBUNumber", "4711");
   Answer("Select top 1 ClubID from ClubNames Where ClubName = 'St. Anne''s'", "ClubID", std::int32_t{1});
-  EXPECT_EQ(ClubID(store_), "4711");
-  EXPECT_TRUE(WasClubEverCalled(store_, "St. Anne's"));
-  EXPECT_FALSE(WasClubEverCalled(store_, "Other"));
+  EXPECT_EQ(store_.ClubID(), "4711");
+  EXPECT_TRUE(store_.WasClubEverCalled("St. Anne's"));
+  EXPECT_FALSE(store_.WasClubEverCalled("Other"));
 }
 
 TEST_F(MemberStatementsTest, APairIsNamedByItsNumbersInAscendingOrder) {
-  EXPECT_EQ(cDatabase::PairWhereClause(7, 3), "LowerPlayer = 3 And HigherPlayer = 7");
-  EXPECT_EQ(cDatabase::PairWhereClause(3, 7), "LowerPlayer = 3 And HigherPlayer = 7");
+  EXPECT_EQ(PairWhereClause(7, 3), "LowerPlayer = 3 And HigherPlayer = 7");
+  EXPECT_EQ(PairWhereClause(3, 7), "LowerPlayer = 3 And HigherPlayer = 7");
 }
 
 TEST_F(MemberStatementsTest, ANewPairIsInsertedWithTheMeanHandicap) {
@@ -226,7 +226,7 @@ TEST_F(MemberStatementsTest, ANewPairIsInsertedWithTheMeanHandicap) {
 TEST_F(MemberStatementsTest, AnInactivePairIsReactivated) {
   fake_.file->answers["Select * from Partnerships Where LowerPlayer = 3 And HigherPlayer = 7"] = {
       {"Active", "KnownAs", "Handicap"}, {{false, "Old", 40.0}}};
-  store_.MakeRegularPartnership(3, 7, 55.5, true, "The O'Neils");
+  MakeRegularPartnership(store_, 3, 7, 55.5, true, "The O'Neils");
   EXPECT_EQ(Statements(), (Texts{"Update Partnerships Set Active = 1, Handicap = 55.5, KnownAs = 'The O''Neils' Where "
                                  "LowerPlayer = 3 And HigherPlayer = 7"}));
 }
@@ -256,7 +256,7 @@ TEST_F(MemberStatementsTest, RetiredPlayersArePartedFromTheirPairsHoweverManyThe
 TEST_F(MemberStatementsTest, ErrorsOfTheProviderPassUnchangedAndTheFileIsClosed) {
   fake_.file->failures.emplace_back("from Members", Error(ErrorNumber::ProviderNoTable, "Engine", "no such table"));
   for (const auto& operation : std::vector<std::function<void()>>{
-           [this] { static_cast<void>(store_.GetHandicap(7)); }, [this] { EnteredNumberToClubNumber(store_, 7); },
+           [this] { static_cast<void>(GetHandicap(store_, 7)); }, [this] { EnteredNumberToClubNumber(store_, 7); },
            [this] { AddNewMember(store_, "Anne", "", "Hill", 50.0); }, [this] { AddRegularPair(store_, 3, 7); }}) {
     try {
       operation();

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
+#include "members/Members.h"
+#include "names/NameSearch.h"
 #include "platform/values/Convert.h"
 
 namespace tavi {
@@ -65,8 +67,8 @@ TEST_F(MembersTest, OfTwoWithOneNumberTheRetiredOnesNamesAreRead) {
     club_.Execute(insert + row);
   }
   // Descending, because True is -1.
-  EXPECT_EQ(ThreadStore()->GetFullName(7), "Old Name");
-  EXPECT_EQ(ThreadStore()->GetFullName(8), "Old Name");
+  EXPECT_EQ(GetFullName(*ThreadStore(), 7), "Old Name");
+  EXPECT_EQ(GetFullName(*ThreadStore(), 8), "Old Name");
 }
 
 TEST_F(MembersTest, AHandicapBelowOneBecomesFifty) {
@@ -176,7 +178,7 @@ TEST_F(MembersTest, ARetiredMembersHandicapIsHiddenButKept) {
   club_->AddNewMember("Anne", "", "Hill", 45.0);
   club_->DeleteMember(1);
   EXPECT_EQ(club_->GetHandicap(1), 50.0);
-  EXPECT_EQ(ThreadStore()->GetHandicap(1), 45.0);
+  EXPECT_EQ(GetHandicap(*ThreadStore(), 1), 45.0);
 }
 
 TEST_F(MembersTest, HandicapsOfActiveMembersCanBeSet) {
@@ -185,7 +187,7 @@ TEST_F(MembersTest, HandicapsOfActiveMembersCanBeSet) {
   EXPECT_EQ(club_->GetHandicap(1), 53.125);
   club_->DeleteMember(1);
   club_->SetHandicap(1, 60.0);
-  EXPECT_EQ(ThreadStore()->GetHandicap(1), 53.125);
+  EXPECT_EQ(GetHandicap(*ThreadStore(), 1), 53.125);
   EXPECT_EQ(club_->GetHandicap(77), 50.0);
 }
 
@@ -218,33 +220,33 @@ TEST_F(MembersTest, AStratumIsStoredAndRead) {
 TEST_F(MembersTest, AMemberWithoutInitialsHasNoDoubleBlankInTheFullName) {
   club_->AddNewMember("Anne", "", "Hill");
   club_->AddNewMember("Anne", "B C", "Hill");
-  EXPECT_EQ(ThreadStore()->GetFullName(1), "Anne Hill");
-  EXPECT_EQ(ThreadStore()->GetFullName(2), "Anne B C Hill");
-  EXPECT_EQ(ThreadStore()->GetFullName(3), "");
+  EXPECT_EQ(GetFullName(*ThreadStore(), 1), "Anne Hill");
+  EXPECT_EQ(GetFullName(*ThreadStore(), 2), "Anne B C Hill");
+  EXPECT_EQ(GetFullName(*ThreadStore(), 3), "");
 }
 
 TEST_F(MembersTest, TheFullNameHasEachPairOfBlanksMadeOneAndNothingElseTidied) {
   club_->AddNewMember("Anne\tMary", "", "Hill");
-  EXPECT_EQ(ThreadStore()->GetFullName(1), "Anne\tMary Hill") << "a tab is no blank";
+  EXPECT_EQ(GetFullName(*ThreadStore(), 1), "Anne\tMary Hill") << "a tab is no blank";
   club_.Execute("Update Members Set FirstName = '  Jo  Ann', MiddleInitials = ' ', LastName = 'Ash '");
-  EXPECT_EQ(ThreadStore()->GetFullName(1), "Jo Ann  Ash") << "three blanks are a pair and one";
+  EXPECT_EQ(GetFullName(*ThreadStore(), 1), "Jo Ann  Ash") << "three blanks are a pair and one";
 }
 
 TEST_F(MembersTest, MembersExistWhenTheyHaveARecord) {
   club_->AddNewMember("Anne", "", "Hill");
-  EXPECT_TRUE(ThreadStore()->MemberExists(1));
-  EXPECT_FALSE(ThreadStore()->MemberExists(2));
+  EXPECT_TRUE(MemberExists(*ThreadStore(), 1));
+  EXPECT_FALSE(MemberExists(*ThreadStore(), 2));
 }
 
 TEST_F(MembersTest, TheIdentifierOfANameTellsWhetherItIsRetired) {
   club_->AddNewMember("Anne", "", "Hill");
   bool retired = true;
-  EXPECT_EQ(ThreadStore()->GetMembershipID("Anne", "", "Hill", retired), 1);
+  EXPECT_EQ(GetMembershipID(*ThreadStore(), "Anne", "", "Hill", retired), 1);
   EXPECT_FALSE(retired);
   club_->DeleteMember(1);
-  EXPECT_EQ(ThreadStore()->GetMembershipID("Anne", "", "Hill", retired), 1);
+  EXPECT_EQ(GetMembershipID(*ThreadStore(), "Anne", "", "Hill", retired), 1);
   EXPECT_TRUE(retired);
-  EXPECT_EQ(ThreadStore()->GetMembershipID("Anne", "X", "Hill", retired), -1);
+  EXPECT_EQ(GetMembershipID(*ThreadStore(), "Anne", "X", "Hill", retired), -1);
 }
 
 TEST_F(MembersTest, EachNewClubNameIsKept) {

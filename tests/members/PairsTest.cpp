@@ -1,7 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
+#include "members/Partnerships.h"
 
 namespace tavi {
 namespace {
@@ -64,7 +65,7 @@ TEST_F(PairsTest, AnActivePairIsLeftAsItIs) {
 }
 
 TEST_F(PairsTest, AnInactivePairIsReactivatedWithNewHandicapAndName) {
-  ThreadStore()->MakeRegularPartnership(1, 2, 40.0, true, "Old name");
+  MakeRegularPartnership(*ThreadStore(), 1, 2, 40.0, true, "Old name");
   club_->DeletePair(2, 1);
   EXPECT_EQ(StoredPairs(), (Texts{"1 | 2 | 0 | 40 | Old name | False"}));
   EXPECT_FALSE(club_->AddRegularPair(2, 1));
@@ -78,16 +79,16 @@ TEST_F(PairsTest, APlayerCannotBePartneredWithThemself) {
 
 TEST_F(PairsTest, AnActivePairIsRefusedWhereItIsAskedFor) {
   club_->AddRegularPair(1, 2);
-  ExpectRefusal([] { ThreadStore()->MakeRegularPartnership(1, 2, 45.0, true, ""); }, "Partnership already exists");
+  ExpectRefusal([] { MakeRegularPartnership(*ThreadStore(), 1, 2, 45.0, true, ""); }, "Partnership already exists");
 }
 
 TEST_F(PairsTest, AHandicapOfZeroIsKept) {
-  ThreadStore()->MakeRegularPartnership(1, 2, 0.0, false, "Ours");
+  MakeRegularPartnership(*ThreadStore(), 1, 2, 0.0, false, "Ours");
   EXPECT_EQ(StoredPairs(), (Texts{"1 | 2 | 0 | 0 | Ours | True"}));
 }
 
 TEST_F(PairsTest, ARegularPairHasItsNameAndHandicapPassedBack) {
-  ThreadStore()->MakeRegularPartnership(2, 1, 44.5, false, "The Smiths' pair");
+  MakeRegularPartnership(*ThreadStore(), 2, 1, 44.5, false, "The Smiths' pair");
   EXPECT_TRUE(club_->IsRegularPair(1, 2, alias_, par_));
   EXPECT_EQ(alias_, "The Smiths' pair");
   EXPECT_EQ(par_, 44.5);
@@ -100,7 +101,7 @@ TEST_F(PairsTest, AnUnknownPairHasNoNameAndTheNeutralHandicap) {
 }
 
 TEST_F(PairsTest, AnInactivePairIsNotRegular) {
-  ThreadStore()->MakeRegularPartnership(1, 2, 44.5, false, "Ours");
+  MakeRegularPartnership(*ThreadStore(), 1, 2, 44.5, false, "Ours");
   club_->DeletePair(1, 2);
   EXPECT_FALSE(club_->IsRegularPair(1, 2, alias_, par_));
   EXPECT_EQ(alias_, "");
@@ -151,8 +152,8 @@ TEST_F(PairsTest, ThePlayersHandicapsAreReadBeforeTheyAreFoundToBeOne) {
 }
 
 TEST_F(PairsTest, AnActivePairThatIsRefusedStaysAsItIs) {
-  ThreadStore()->MakeRegularPartnership(1, 2, 44.0, true, "Ours");
-  ExpectRefusal([] { ThreadStore()->MakeRegularPartnership(2, 1, 45.0, true, "Theirs"); },
+  MakeRegularPartnership(*ThreadStore(), 1, 2, 44.0, true, "Ours");
+  ExpectRefusal([] { MakeRegularPartnership(*ThreadStore(), 2, 1, 45.0, true, "Theirs"); },
                 "Partnership already exists");
   EXPECT_EQ(StoredPairs(), (Texts{"1 | 2 | 0 | 44 | Ours | True"}));
 }

@@ -49,7 +49,7 @@ class NameSearchTest : public ::testing::Test {
   std::int32_t Find(const std::string& name, bool exact = false) { return FindMember(store_, name, exact); }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 TEST_F(NameSearchTest, AnExactActiveMemberIsTheAnswer) {

@@ -1,7 +1,7 @@
+#include "names/NameUniqueness.h"
+
 #include <gtest/gtest.h>
 
-#include "names/NameSearch.h"
-#include "store/cDatabase.h"
 #include "store/support/FakeFile.h"
 
 namespace tavi {
@@ -26,14 +26,14 @@ class NameUniquenessTest : public ::testing::Test {
     for (const auto& [first, last] : names) {
       rows.rows.push_back({std::string(first), Null(), std::string(last), Null()});
     }
-    store_.SetNameUniquenessFlags("");
+    SetNameUniquenessFlags(store_, "");
     std::vector<int> flags;
     for (const auto& row : rows.rows) flags.push_back(std::get<std::int16_t>(row[3]));
     return flags;
   }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 using Flags = std::vector<int>;
@@ -63,7 +63,7 @@ TEST_F(NameUniquenessTest, AClubWithoutMembersIsNoError) {
 
 TEST_F(NameUniquenessTest, OneFirstNameAloneIsLookedAtWhenGiven) {
   store_.OpenDB();
-  store_.SetNameUniquenessFlags("D'Arcy");
+  SetNameUniquenessFlags(store_, "D'Arcy");
   EXPECT_EQ(
       fake_.file->recordsets.back().source,
       "Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0  And FirstName = "

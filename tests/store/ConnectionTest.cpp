@@ -18,7 +18,7 @@ class StoreConnectionTest : public ::testing::Test {
   std::size_t LayoutChecks() const { return fake_.file->StatementsWith("Create Table EBUMembershipList").size(); }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 Error ErrorOf(const std::function<void()>& call) {
@@ -37,7 +37,7 @@ TEST_F(StoreConnectionTest, TheFilePathIsFolderAndFileName) {
 }
 
 TEST_F(StoreConnectionTest, WithoutAFolderNothingIsOpened) {
-  cDatabase store(fake_.platform);
+  cDatabase store(fake_.platform, {});
   const Error error = ErrorOf([&] { store.OpenDB(); });
   EXPECT_TRUE(error.Is(ErrorNumber::Component));
   EXPECT_EQ(error.Number(), -2147221504);
@@ -70,7 +70,7 @@ TEST_F(StoreConnectionTest, AFileThatCannotBeOpenedIsLoggedAndRaised) {
 
 TEST_F(StoreConnectionTest, CreatingAStoreWritesADiagnosticsLine) {
   const DiagnosticsLog log;
-  const cDatabase store(fake_.platform);
+  const cDatabase store(fake_.platform, {});
   EXPECT_EQ(log.Text(), "TaviMembership Initialising\r\n");
 }
 
@@ -110,7 +110,7 @@ TEST_F(StoreConnectionTest, TheOpenCountStandsStillAtItsLargestNumber) {
 
 TEST_F(StoreConnectionTest, DestroyingAStoreClosesItsFile) {
   {
-    cDatabase store(fake_.platform);
+    cDatabase store(fake_.platform, {});
     store.SetDatabaseFolder("C:\\Other");
     store.OpenDB();
     store.OpenDB();
@@ -211,11 +211,30 @@ TEST_F(StoreConnectionTest, AnotherFolderThatIsOpenedWithoutACheckBeforeIsChecke
   EXPECT_EQ(LayoutChecks(), 2U);
 }
 
+TEST_F(StoreConnectionTest, TheFirstOpenStepsAreTakenInTheirOrderBehindEachLayoutCheck) {
+  const auto step = [](const std::string& statement) {
+    return FirstOpenStep{statement, [statement](cDatabase& store) { store.Execute(statement); }};
+  };
+  cDatabase store(fake_.platform, {step("first step"), step("second step")});
+  store.SetDatabaseFolder("C:\\Bridge");
+  store.OpenDB();
+  store.OpenDB();
+  ASSERT_GE(fake_.file->statements.size(), 2U);
+  EXPECT_EQ(std::vector<std::string>(fake_.file->statements.end() - 2, fake_.file->statements.end()),
+            (std::vector<std::string>{"first step", "second step"}));
+  store.SetDatabaseFolder("D:\\Bridge");
+  store.OpenDB();
+  EXPECT_EQ(LayoutChecks(), 2U);
+  EXPECT_EQ(fake_.file->StatementsWith("first step").size(), 2U);
+  EXPECT_EQ(store.OpenCount(), 3);
+}
+
 TEST_F(StoreConnectionTest, AnErrorOfTheFirstOpenLeavesTheCountBalanced) {
-  fake_.file->failures.emplace_back("UniquenessFlag From Members",
-                                    Error(ErrorNumber::ProviderNoTable, "Microsoft JET", "No such table."));
-  EXPECT_TRUE(ErrorOf([&] { store_.OpenDB(); }).Is(ErrorNumber::ProviderNoTable));
-  EXPECT_EQ(store_.OpenCount(), 0);
+  cDatabase store(fake_.platform, {{"failing", [](cDatabase& opened) { opened.Execute("fail"); }}});
+  store.SetDatabaseFolder("C:\\Bridge");
+  fake_.file->failures.emplace_back("fail", Error(ErrorNumber::ProviderNoTable, "Microsoft JET", "No such table."));
+  EXPECT_TRUE(ErrorOf([&] { store.OpenDB(); }).Is(ErrorNumber::ProviderNoTable));
+  EXPECT_EQ(store.OpenCount(), 0);
   EXPECT_EQ(fake_.file->closes, 1);
 }
 

@@ -37,7 +37,7 @@ class LayoutTest : public ::testing::Test {
   }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 constexpr const char* kRepairSource =

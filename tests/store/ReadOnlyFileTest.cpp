@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "members/Members.h"
 #include "store/support/ClubFile.h"
 
 namespace tavi {
@@ -26,19 +27,19 @@ class ReadOnlyFileTest : public ::testing::Test {
 
 TEST_F(ReadOnlyFileTest, OpensWhereNothingHasToBeBroughtUpToDate) {
   PrepareMember("4");
-  EXPECT_EQ(club_.store.GetFullName(1), "Ann Lee");
+  EXPECT_EQ(GetFullName(club_.store, 1), "Ann Lee");
 }
 
 TEST_F(ReadOnlyFileTest, WithOldUniquenessFlagsFailsTheFirstCallAndNoOther) {
   PrepareMember("1");
   try {
-    static_cast<void>(club_.store.GetFullName(1));
+    static_cast<void>(GetFullName(club_.store, 1));
     FAIL() << "no error";
   } catch (const Error& error) {
     EXPECT_TRUE(error.Is(ErrorNumber::ProviderPermission)) << error.Description();
   }
   EXPECT_EQ(club_.store.OpenCount(), 0);
-  EXPECT_EQ(club_.store.GetFullName(1), "Ann Lee");
+  EXPECT_EQ(GetFullName(club_.store, 1), "Ann Lee");
 }
 
 }  // namespace

@@ -101,7 +101,7 @@ class RecoveryTest : public ::testing::Test {
   void UseGoverningBody(const std::string& body) {
     auto platform = std::make_shared<Platform>(*club_.platform);
     platform->registry = std::make_shared<FixedRegistry>(body);
-    other_ = std::make_unique<cDatabase>(platform);
+    other_ = std::make_unique<cDatabase>(platform, NameSteps());
     other_->SetDatabaseFolder(club_.folder.Path());
   }
 
@@ -451,7 +451,7 @@ TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItselfInWhateverSpelling) {
 TEST_F(RecoveryTest, TheCurrentFileIsNotRecoveredIntoItselfOverLinksAndDetours) {
   const testing::TemporaryFolder folder;
   folder.WriteFile("ClubMembers.mdb", club_.Content());
-  cDatabase store(MakePlatform({ClubFile::kNow, club_.messages}));
+  cDatabase store(MakePlatform({ClubFile::kNow, club_.messages}), NameSteps());
   store.SetDatabaseFolder(folder.Path());
   std::error_code noLink;
   std::filesystem::create_hard_link(folder.Path("ClubMembers.mdb"), folder.Path("hard.mdb"), noLink);

@@ -27,7 +27,7 @@ class SettingsRecordTest : public ::testing::Test {
   Value Stored(std::size_t column) { return Settings().rows.at(0).at(column); }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 constexpr std::size_t kPrefix = 0;

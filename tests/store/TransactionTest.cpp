@@ -17,14 +17,13 @@ class StoreTransactionTest : public ::testing::Test {
   [[nodiscard]] const Texts& Told() const { return fake_.file->transactions; }
 
   FakePlatform fake_;
-  cDatabase store_{fake_.platform};
+  cDatabase store_{fake_.platform, {}};
 };
 
 TEST_F(StoreTransactionTest, KeepsWithCommitAndCountsItsUseDown) {
   {
     Transaction transaction(store_);
     EXPECT_EQ(store_.OpenCount(), 1);
-    EXPECT_EQ(store_.TransactionLevel(), 1);
     store_.Execute("Delete From Members");
     EXPECT_EQ(store_.OpenCount(), 1);
     transaction.Commit();
@@ -41,7 +40,6 @@ TEST_F(StoreTransactionTest, UndoesWithoutCommit) {
     EXPECT_EQ(store_.OpenCount(), 2);
   }
   EXPECT_EQ(store_.OpenCount(), 1);
-  EXPECT_EQ(store_.TransactionLevel(), 0);
   EXPECT_EQ(Told(), (Texts{"begin 1", "rollback 1"}));
 }
 
@@ -49,10 +47,7 @@ TEST_F(StoreTransactionTest, Nests) {
   {
     Transaction outer(store_);
     InTransaction(store_, [] {});
-    {
-      const Transaction inner(store_);
-      EXPECT_EQ(store_.TransactionLevel(), 2);
-    }
+    { const Transaction inner(store_); }
     outer.Commit();
   }
   EXPECT_EQ(Told(), (Texts{"begin 1", "begin 2", "commit 2", "begin 2", "rollback 2", "commit 1"}));
@@ -114,7 +109,7 @@ TEST_F(StoreTransactionTest, WhatIsOpenedInItIsCountedAsEver) {
 }
 
 TEST_F(StoreTransactionTest, AStoreThatGoesRollsBack) {
-  auto store = std::make_unique<cDatabase>(fake_.platform);
+  auto store = std::make_unique<cDatabase>(fake_.platform, std::vector<FirstOpenStep>());
   store->SetDatabaseFolder("C:\\Other");
   store->OpenDB();
   store->BeginTransaction();

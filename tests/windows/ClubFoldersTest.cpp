@@ -4,7 +4,7 @@
 
 #include "composition/Composition.h"
 #include "facade/MembershipDatabase.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/values/WideText.h"
 #include "store/BaseFile.h"

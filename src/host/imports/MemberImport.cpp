@@ -2,11 +2,12 @@
 
 #include "host/imports/MemberFields.h"
 #include "host/imports/MemberPlanner.h"
+#include "members/Members.h"
+#include "names/MemberValues.h"
+#include "names/NameUniqueness.h"
 
 namespace tavi::host {
 namespace {
-
-constexpr const char* kHandicapOfNewcomers = "50";
 
 struct ColumnLiteral {
   std::string column;
@@ -52,7 +53,7 @@ void MemberImport::Apply(const ImportPlan& plan, const ImportProgress& progress)
     }
     touchesUniqueness = touchesUniqueness || TouchesUniqueness(change);
   }
-  if (touchesUniqueness) store_.SetNameUniquenessFlags("");
+  if (touchesUniqueness) SetNameUniquenessFlags(store_, "");
 }
 
 void MemberImport::Add(const RecordChange& change) {
@@ -65,7 +66,8 @@ void MemberImport::Add(const RecordChange& change) {
     }
   }
   std::string names = "MembershipNumber, Handicap";
-  std::string values = std::to_string(change.members.front()) + ", " + kHandicapOfNewcomers;
+  std::string values =
+      std::to_string(change.members.front()) + ", " + cDatabase::SQLNumber(kNeutralHandicap, "the handicap");
   for (const auto& [column, literal] : literals) {
     names += ", " + column;
     values += ", " + literal;
@@ -80,8 +82,7 @@ void MemberImport::Update(const RecordChange& change) {
       assignments += (assignments.empty() ? "" : ", ") + part.column + " = " + part.literal;
     }
   }
-  store_.Execute("Update Members Set " + assignments +
-                 " Where MembershipNumber = " + std::to_string(change.members.front()));
+  store_.Execute("Update Members Set " + assignments + " Where " + NumberIs(change.members.front()));
 }
 
 }  // namespace tavi::host

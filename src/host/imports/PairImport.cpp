@@ -5,13 +5,11 @@
 
 #include "host/imports/ColumnWidths.h"
 #include "host/imports/NameAgreement.h"
+#include "members/Partnerships.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
 namespace {
-
-/// The handicap of which the store makes the mean of the players' ones.
-constexpr double kMeanOfPlayers = -1.0;
 
 /// The lower number and the higher one.
 using PairKey = std::pair<std::int32_t, std::int32_t>;
@@ -132,7 +130,7 @@ void PairImport::Apply(const ImportPlan& plan, const ImportProgress& progress) {
 void PairImport::Store(const RecordChange& change) {
   const std::int32_t first = change.members.front();
   const std::int32_t second = change.members.back();
-  if (change.isNew) store_.MakeRegularPartnership(first, second, kMeanOfPlayers, true, "");
+  if (change.isNew) MakeRegularPartnership(store_, first, second, kMeanOfPlayers, true, "");
   std::string assignments;
   for (const FieldChange& field : change.fields) {
     const bool isName = field.field == "known_as";
@@ -140,7 +138,7 @@ void PairImport::Store(const RecordChange& change) {
         (assignments.empty() ? "" : ", ") + (isName ? "KnownAs = " + cDatabase::SQLString(field.after)
                                                     : std::string("Active = ") + (field.after == "y" ? "-1" : "0"));
   }
-  store_.Execute("Update Partnerships Set " + assignments + " Where " + cDatabase::PairWhereClause(first, second));
+  store_.Execute("Update Partnerships Set " + assignments + " Where " + PairWhereClause(first, second));
 }
 
 }  // namespace tavi::host

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 

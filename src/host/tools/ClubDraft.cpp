@@ -8,12 +8,12 @@
 #include "access/catalog/Check.h"
 #include "access/file/Replacement.h"
 #include "composition/Composition.h"
+#include "facade/ThreadStore.h"
 #include "host/text/PathText.h"
 #include "host/tools/Connect.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 #include "store/BaseFile.h"
-#include "store/cDatabase.h"
 #include "util/NativePath.h"
 
 namespace tavi::host {
@@ -45,9 +45,9 @@ bool IsReferredTo(access::Database& file, const std::string& table) {
 
 void StoreNationalNumber(const Context& context, const std::string& number) {
   if (number.empty()) return;
-  cDatabase store(context.platform);
-  store.SetDatabaseFolder(context.ClubFolder());
-  store.Execute("Update ClubNames Set ClubEBUNumber = " + cDatabase::SQLString(number));
+  const std::unique_ptr<cDatabase> store = MakeStore(context.platform);
+  store->SetDatabaseFolder(context.ClubFolder());
+  store->Execute("Update ClubNames Set ClubEBUNumber = " + cDatabase::SQLString(number));
 }
 
 }  // namespace

@@ -2,30 +2,24 @@
 
 #include <ostream>
 
+#include "facade/ThreadStore.h"
 #include "host/imports/MemberImport.h"
 #include "host/imports/PairImport.h"
 #include "host/input/MemberFile.h"
 #include "host/input/PairFile.h"
 #include "host/text/ProgressBar.h"
 #include "store/Transaction.h"
-#include "store/cDatabase.h"
 
 namespace tavi::host {
 namespace {
 
-/// The store on the club's folder, open until it goes.
-class OpenStore {
- public:
-  explicit OpenStore(const Context& context) : store(context.platform) {
-    store.SetDatabaseFolder(context.ClubFolder());
-    store.OpenDB();
-  }
-  ~OpenStore() = default;
-  OpenStore(const OpenStore&) = delete;
-  OpenStore& operator=(const OpenStore&) = delete;
-
-  cDatabase store;
-};
+/// A store on the club's folder, open.
+std::unique_ptr<cDatabase> OpenStore(const Context& context) {
+  std::unique_ptr<cDatabase> store = MakeStore(context.platform);
+  store->SetDatabaseFolder(context.ClubFolder());
+  store->OpenDB();
+  return store;
+}
 
 /// The number of a member, or those of a pair.
 Cell NumbersOf(const RecordChange& change) {
@@ -71,20 +65,20 @@ void WriteRemarks(const Context& context, const std::string& path, const ImportP
 /// Plans an import and applies it as one transaction, or only shows the plan.
 template <typename Import, typename File, typename Planner>
 int Run(const Context& context, const ImportRequest& request, const File& file, const Planner& plan) {
-  OpenStore open(context);
-  Import importer(open.store);
+  const std::unique_ptr<cDatabase> store = OpenStore(context);
+  Import importer(*store);
   ImportPlan planned;
   if (request.dryRun) {
     planned = plan(importer);
   } else {
     // Nobody changes the club between the plan and its application.
-    Transaction transaction(open.store);
+    Transaction transaction(*store);
     planned = plan(importer);
     ProgressBar progress(context.error, context.showProgress, planned.changes.size());
     importer.Apply(planned, [&](std::size_t done, const std::string& name) { progress.Show(done, name); });
     transaction.Commit();
   }
-  open.store.CloseDB(true);
+  store->CloseDB(true);
   WriteRemarks(context, request.file, planned, file.passedOver);
   if (request.dryRun) {
     WriteChanges(context, planned);

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "store/StoredNameKeys.h"
+#include "names/StoredNameKeys.h"
 
 namespace tavi::host {
 namespace {

@@ -3,9 +3,9 @@
 #include <filesystem>
 #include <ostream>
 
+#include "facade/ThreadStore.h"
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
-#include "store/cDatabase.h"
 #include "util/NativePath.h"
 
 namespace tavi::host {
@@ -15,9 +15,9 @@ namespace {
 /// The traces of a run with the same request that was stopped at the very end, when the file is what it made.
 std::unique_ptr<ClubDraft> FindFormerRun(const Context& context, const ClubIdentity& identity) {
   if (!ClubDraft::WasLeftWhenDone(context)) return nullptr;
-  cDatabase store(context.platform);
-  store.SetDatabaseFolder(context.ClubFolder());
-  if (store.LatestClubName() != identity.name) return nullptr;
+  const std::unique_ptr<cDatabase> store = MakeStore(context.platform);
+  store->SetDatabaseFolder(context.ClubFolder());
+  if (store->LatestClubName() != identity.name) return nullptr;
   return std::make_unique<ClubDraft>(context);
 }
 

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "facade/ThreadStore.h"
 #include "host/text/PathText.h"
 #include "host/text/ProgressBar.h"
 #include "host/tools/ClubDraft.h"
@@ -169,10 +170,10 @@ RecoveryReport RunRecovery(const ClubDraft& draft, const TemporaryCopy& copy, co
   const Context& context = draft.Inside();
   auto platform = std::make_shared<Platform>(*context.platform);
   platform->messageBoxes = std::make_shared<MessagesBesideTheReport>(context.platform->messageBoxes);
-  cDatabase store(std::move(platform));
-  store.SetDatabaseFolder(context.ClubFolder());
+  const std::unique_ptr<cDatabase> store = MakeStore(std::move(platform));
+  store->SetDatabaseFolder(context.ClubFolder());
   ProgressOfTables progress(context);
-  Recovery recovery(store, &progress);
+  Recovery recovery(*store, &progress);
   recovery.AcceptNegativeIdentifiers();
   RecoveryReport report = recovery.Run(copy.Path());
   const Naming naming(copy.Path(), oldFile);

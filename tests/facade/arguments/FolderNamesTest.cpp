@@ -4,7 +4,7 @@
 
 #include "composition/Composition.h"
 #include "facade/MembershipDatabase.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/TemporaryFolder.h"
 #include "store/support/MemoryFolder.h"

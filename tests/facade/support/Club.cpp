@@ -1,7 +1,7 @@
 #include "facade/support/Club.h"
 
 #include "composition/Composition.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/threads/support/SharedClub.h"
 
 namespace tavi {

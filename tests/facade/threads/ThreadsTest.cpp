@@ -6,7 +6,7 @@
 #include <set>
 #include <thread>
 
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/threads/support/SharedClub.h"
 
 namespace tavi {

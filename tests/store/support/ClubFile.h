@@ -5,13 +5,13 @@
 #include <vector>
 
 #include "composition/Composition.h"
-#include "store/cDatabase.h"
+#include "names/NameUniqueness.h"
 #include "store/support/FakeFile.h"
 #include "store/support/MemoryFolder.h"
 
 namespace tavi::testing {
 
-/// A membership file of the current layout in memory, with a store on it.
+/// A membership file of the current layout in memory, with a store on it, which also keeps names up to date.
 class ClubFile {
  public:
   ClubFile() {
@@ -41,7 +41,7 @@ class ClubFile {
   MemoryFolder folder;
   std::shared_ptr<RecordedMessages> messages = std::make_shared<RecordedMessages>();
   std::shared_ptr<const Platform> platform = MakePlatform({kNow, messages, folder.Files()});
-  cDatabase store{platform};
+  cDatabase store{platform, NameSteps()};
 };
 
 }  // namespace tavi::testing

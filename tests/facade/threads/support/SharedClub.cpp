@@ -3,7 +3,7 @@
 #include "access/catalog/Check.h"
 #include "access/file/Pager.h"
 #include "composition/Composition.h"
-#include "facade/StoreSlot.h"
+#include "facade/ThreadStore.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/values/Convert.h"
 #include "store/BaseFile.h"

@@ -1,10 +1,11 @@
-#include "store/StoredNameKeys.h"
+#include "names/StoredNameKeys.h"
 
+#include <exception>
 #include <memory>
 #include <string>
 
 #include "platform/values/Convert.h"
-#include "store/cDatabase.h"
+#include "util/Diagnostics.h"
 
 namespace tavi {
 namespace {
@@ -12,12 +13,6 @@ namespace {
 constexpr const char* kFirstNameKey = "FuzzedFirstName";
 constexpr const char* kSurnameKey = "FuzzedLastName";
 constexpr int kMostFailuresInARow = 3;
-
-std::unique_ptr<ado::Recordset> OpenMembers(ado::Connection& connection, ado::CursorType cursorType,
-                                            ado::LockType lockType) {
-  return connection.OpenRecordset("Select FirstName, LastName, FuzzedFirstName, FuzzedLastName From Members",
-                                  cursorType, lockType, ado::SourceKind::CommandText);
-}
 
 StoredNames NamesOf(const ado::Recordset& row) {
   const auto text = [&row](const char* column) {
@@ -69,20 +64,12 @@ StoredNames WithFreshKeys(StoredNames names, const NameKeyService& keys) {
   return names;
 }
 
-std::size_t CountStaleNameKeys(ado::Connection& connection, const NameKeyService& keys) {
-  std::size_t count = 0;
-  const auto rows = OpenMembers(connection, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly);
-  for (; !rows->AtEnd(); rows->MoveNext()) {
-    const StoredNames names = NamesOf(*rows);
-    if (WithFreshKeys(names, keys) != names) ++count;
-  }
-  return count;
-}
-
-NameKeyRefresh RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys) {
+NameKeyRefresh RefreshNameKeys(cDatabase& database) {
+  const NameKeyService& keys = *database.GetPlatform().nameKeyService;
   NameKeyRefresh result;
   int failuresInARow = 0;
-  const auto rows = OpenMembers(connection, ado::CursorType::Dynamic, ado::LockType::Pessimistic);
+  const auto rows = database.OpenRecordset("Select FirstName, LastName, FuzzedFirstName, FuzzedLastName From Members",
+                                           ado::CursorType::Dynamic);
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const RowOutcome outcome = RefreshRow(*rows, keys, result);
     failuresInARow = outcome == RowOutcome::FileRefused ? failuresInARow + 1 : 0;
@@ -91,6 +78,17 @@ NameKeyRefresh RefreshNameKeys(ado::Connection& connection, const NameKeyService
     }
   }
   return result;
+}
+
+void RefreshStoredNameKeys(cDatabase& database) noexcept {
+  try {
+    const NameKeyRefresh refresh = RefreshNameKeys(database);
+    if (refresh.passedOver == 0) return;
+    WriteDiagnostic("Name keys that could not be brought up to date: " + std::to_string(refresh.passedOver) +
+                    ". The first: " + refresh.firstPassedOver);
+  } catch (const std::exception& error) {
+    WriteDiagnostic("Failed to bring name keys up to date: " + std::string(error.what()));
+  }
 }
 
 }  // namespace tavi

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "platform/Platform.h"
-#include "platform/ado/Provider.h"
+#include "store/cDatabase.h"
 
 /// The sound-alike keys that the table Members keeps with the names. A search compares them with fresh ones, so that
 /// members whose stored keys were made by another function are not found until their keys are made anew.
@@ -22,15 +22,6 @@ struct StoredNames {
 /// The same names with the keys that `keys` gives for them; equal to `names` when these are current.
 [[nodiscard]] StoredNames WithFreshKeys(StoredNames names, const NameKeyService& keys);
 
-/// How many members, retired ones too, have stored keys that are not the ones that `keys` gives for their names. Only
-/// reads. Errors of the provider pass on.
-[[nodiscard]] std::size_t CountStaleNameKeys(ado::Connection& connection, const NameKeyService& keys);
-
-/// True when every member's stored keys are the ones that `keys` gives. Only reads.
-[[nodiscard]] inline bool NameKeysAreCurrent(ado::Connection& connection, const NameKeyService& keys) {
-  return CountStaleNameKeys(connection, keys) == 0;
-}
-
 /// What a refresh of the keys did.
 struct NameKeyRefresh {
   std::size_t refreshed = 0;    ///< members whose keys were stored
@@ -38,9 +29,13 @@ struct NameKeyRefresh {
   std::string firstPassedOver;  ///< the first of them and why; empty without any
 };
 
-/// Stores fresh keys where they differ; a file without such members is not written. A member whose keys cannot be
-/// stored is passed over. Where the file itself takes no change (it is read-only, or three members one after the other
-/// fail) the error passes on; the members before keep their new keys.
-NameKeyRefresh RefreshNameKeys(ado::Connection& connection, const NameKeyService& keys);
+/// Stores fresh keys in the store's open file where they differ; a file without such members is not written. A member
+/// whose keys cannot be stored is passed over. Where the file itself takes no change (it is read-only, or three members
+/// one after the other fail) the error passes on; the members before keep their new keys.
+NameKeyRefresh RefreshNameKeys(cDatabase& database);
+
+/// The same as a first open step: what cannot be written stays, because only the search by similar names suffers, and
+/// the diagnostics log says so.
+void RefreshStoredNameKeys(cDatabase& database) noexcept;
 
 }  // namespace tavi

@@ -1,8 +1,9 @@
-#include "facade/StartUp.h"
+#include "facade/ThreadStore.h"
 
 #include <exception>
 #include <string>
 
+#include "names/NameUniqueness.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
 #include "util/SettingsStore.h"
@@ -35,7 +36,16 @@ std::string DocumentsFolder(const ShellFolders& shell) {
   return folder;
 }
 
+std::shared_ptr<cDatabase>& Slot() {
+  thread_local std::shared_ptr<cDatabase> slot;
+  return slot;
+}
+
 }  // namespace
+
+std::unique_ptr<cDatabase> MakeStore(std::shared_ptr<const Platform> platform) {
+  return std::make_unique<cDatabase>(std::move(platform), NameSteps());
+}
 
 void FindDatabaseFolder(cDatabase& store) {
   const Platform& platform = store.GetPlatform();
@@ -50,6 +60,19 @@ void FindDatabaseFolder(cDatabase& store) {
     attempt([&] { folder = GetSetting(platform, root, kSettingsKey, kDatabaseFolderSetting, folder); });
   }
   attempt([&] { store.SetDatabaseFolder(folder); });
+}
+
+void SetThreadStore(std::shared_ptr<cDatabase> store) {
+  Slot() = std::move(store);
+}
+
+std::shared_ptr<cDatabase> ThreadStore() {
+  if (!Slot()) {
+    throw Error(ErrorNumber::NoObject, "TaviMembership",
+                "Object variable not set: this thread has no membership store; use a MembershipDatabase only on the "
+                "thread that created it.");
+  }
+  return Slot();
 }
 
 }  // namespace tavi
