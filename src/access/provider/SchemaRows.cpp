@@ -4,8 +4,8 @@
 
 #include "access/file/Format.h"
 #include "access/sql/plan/ExecutionErrors.h"
-#include "access/sql/plan/ExpressionShape.h"
-#include "access/sql/run/ValuesResult.h"
+#include "access/sql/plan/Plan.h"
+#include "access/sql/run/ResultSet.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access {

@@ -2,11 +2,11 @@
 #include <string>
 
 #include "access/file/Format.h"
-#include "access/table/AnsiText.h"
 #include "access/table/DefinitionBytes.h"
 #include "access/table/DefinitionLayout.h"
 #include "access/table/DefinitionReader.h"
 #include "access/table/TextEncoding.h"
+#include "platform/values/CodePages.h"
 
 namespace tavi::access {
 
@@ -73,7 +73,7 @@ std::string ReadName(DefinitionReader& reader, const DefinitionLayout& layout, c
   const DefinitionReader prefix = reader.Record(layout.nameLengthSize, what);
   const std::size_t length = version.isJet3 ? prefix.U8(0, what) : prefix.U16(0, what);
   const auto stored = reader.Record(length, what).Bytes();
-  return version.isJet3 ? DecodeAnsiText(stored, version.codePage) : DecodePlainText(stored);
+  return version.isJet3 ? DecodeCodePage(stored, version.codePage) : DecodePlainText(stored);
 }
 
 RealIndexDefinition ReadRealIndex(const DefinitionReader& record, const DefinitionLayout::RealIndex& layout) {

@@ -8,8 +8,8 @@
 #include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
-#include "access/table/AnsiText.h"
 #include "access/table/TextEncoding.h"
+#include "platform/values/CodePages.h"
 
 namespace tavi::access {
 
@@ -49,7 +49,7 @@ Decimal DecodeNumeric(Stored stored, std::uint8_t scale) {
 }
 
 std::string DecodeTextColumn(Stored stored, const ColumnDefinition& column, const FormatVersion& version) {
-  if (version.isJet3) return DecodeAnsiText(stored, version.codePage);
+  if (version.isJet3) return DecodeCodePage(stored, version.codePage);
   return column.IsFixed() ? DecodePlainText(stored) : DecodeText(stored);
 }
 

@@ -8,6 +8,7 @@
 
 #include "host/results/XmlParser.h"
 #include "host/text/PathText.h"
+#include "platform/values/CodePages.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -20,21 +21,19 @@ constexpr std::string_view kUtf32Mark("\xFF\xFE\0\0", 4);
   throw Error(ErrorNumber::InvalidArgument, "tavi", fileName + ":" + std::to_string(line) + ": " + reason);
 }
 
-// The characters of windows-1252 from 0x80 to 0x9F; 0 where the code page has none.
-constexpr std::array<char32_t, 32> kWindows1252 = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                                   0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
-                                                   0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                                   0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-
+/// Codes of windows-1252 that have no character become replacement characters, not control characters, which XML
+/// forbids.
 std::string FromWindows1252(std::string_view bytes) {
-  std::u32string codePoints;
-  codePoints.reserve(bytes.size());
+  constexpr char32_t kFirstControl = 0x80;
+  constexpr char32_t kLastControl = 0x9F;
+  std::u32string characters;
+  characters.reserve(bytes.size());
   for (const char byte : bytes) {
-    const auto value = static_cast<unsigned char>(byte);
-    const char32_t special = value >= 0x80 && value < 0xA0 ? kWindows1252[value - 0x80U] : value;
-    codePoints.push_back(special == 0 && value != 0 ? U'\uFFFD' : special);
+    const char32_t character = CharacterOfByte(static_cast<std::uint8_t>(byte), kWesternCodePage);
+    const bool isOpen = character >= kFirstControl && character <= kLastControl;
+    characters.push_back(isOpen ? U'\uFFFD' : character);
   }
-  return FromCodePoints(codePoints);
+  return FromCodePoints(characters);
 }
 
 std::string FromUtf16Bytes(std::string_view bytes, bool bigEndian, const std::string& fileName) {

@@ -1,9 +1,8 @@
-#include "access/table/TextEncoding.h"
-
 #include <gtest/gtest.h>
 
-#include "access/table/AnsiText.h"
+#include "access/table/TextEncoding.h"
 #include "access/table/support/Hex.h"
+#include "platform/values/CodePages.h"
 
 namespace tavi::access::test {
 namespace {
@@ -86,10 +85,10 @@ TEST(TextEncoding, EveryLatinCharacterComesBack) {
 
 TEST(AnsiText, BytesAreReadInTheCodePage) {
   const auto bytes = FromHex("41 E9 80 A3");
-  EXPECT_EQ(DecodeAnsiText(bytes, 1252), "A\u00E9\u20AC\u00A3");
-  EXPECT_EQ(DecodeAnsiText(bytes, 1250), "A\u00E9\u20AC\u0141");
-  EXPECT_EQ(DecodeAnsiText(bytes, 1251), "A\u0439\u0402\u0408");
-  EXPECT_EQ(DecodeAnsiText(bytes, 0), DecodeAnsiText(bytes, 1252));
+  EXPECT_EQ(DecodeCodePage(bytes, 1252), "A\u00E9\u20AC\u00A3");
+  EXPECT_EQ(DecodeCodePage(bytes, 1250), "A\u00E9\u20AC\u0141");
+  EXPECT_EQ(DecodeCodePage(bytes, 1251), "A\u0439\u0402\u0408");
+  EXPECT_EQ(DecodeCodePage(bytes, 0), DecodeCodePage(bytes, 1252));
 }
 
 }  // namespace

@@ -1,12 +1,10 @@
-#include "access/sql/expression/Arithmetic.h"
-
 #include <cmath>
 #include <limits>
 #include <optional>
 
 #include "access/file/EngineError.h"
 #include "access/sql/expression/Coercion.h"
-#include "access/sql/parse/Limits.h"
+#include "access/sql/expression/Operators.h"
 
 namespace tavi::access::sql {
 namespace {

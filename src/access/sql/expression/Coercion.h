@@ -9,6 +9,9 @@
 /// How expressions turn values of one type into another. Null is never passed in: callers have answered it before.
 namespace tavi::access::sql {
 
+/// Bytes of a text that an expression makes.
+inline constexpr std::size_t kMaximumTextLength = std::size_t{16} * 1024 * 1024;
+
 /// Raises ProviderTypeConflict, "Data type mismatch in criteria expression."
 [[noreturn]] void RaiseTypeConflict();
 /// Raises Overflow; `reason` is a sentence without its full stop, or empty.

@@ -1,5 +1,3 @@
-#include "access/sql/expression/Comparison.h"
-
 #include <algorithm>
 #include <cmath>
 #include <compare>
@@ -7,22 +5,12 @@
 
 #include "access/index/Collation.h"
 #include "access/sql/expression/Coercion.h"
+#include "access/sql/expression/Operators.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {
 namespace {
-
-/// Kinds of values that compare with each other, in the order that ORDER BY puts them.
-enum class Kind { Null, Number, Text, Bytes, Guid };
-
-Kind KindOf(const Value& value) {
-  if (IsNull(value)) return Kind::Null;
-  if (std::holds_alternative<std::string>(value)) return Kind::Text;
-  if (std::holds_alternative<Bytes>(value)) return Kind::Bytes;
-  if (std::holds_alternative<Guid>(value)) return Kind::Guid;
-  return Kind::Number;
-}
 
 template <typename Comparable>
 int Sign(const Comparable& left, const Comparable& right) {
@@ -77,17 +65,17 @@ int CompareNumbers(const Value& left, const Value& right) {
   return CompareDecimalTexts(TextOf(left), TextOf(right));
 }
 
-int CompareSameKind(Kind kind, const Value& left, const Value& right) {
-  switch (kind) {
-    case Kind::Null:
+int CompareSameFamily(ValueFamily family, const Value& left, const Value& right) {
+  switch (family) {
+    case ValueFamily::None:
       return 0;
-    case Kind::Number:
+    case ValueFamily::Number:
       return CompareNumbers(left, right);
-    case Kind::Text:
+    case ValueFamily::Text:
       return CollationCompare(std::get<std::string>(left), std::get<std::string>(right));
-    case Kind::Bytes:
+    case ValueFamily::Bytes:
       return Sign(std::get<Bytes>(left), std::get<Bytes>(right));
-    case Kind::Guid:
+    case ValueFamily::Guid:
       return Sign(std::get<Guid>(left), std::get<Guid>(right));
   }
   return 0;
@@ -95,22 +83,32 @@ int CompareSameKind(Kind kind, const Value& left, const Value& right) {
 
 }  // namespace
 
+ValueFamily FamilyOf(const Value& value) {
+  if (IsNull(value)) return ValueFamily::None;
+  if (std::holds_alternative<std::string>(value)) return ValueFamily::Text;
+  if (std::holds_alternative<Bytes>(value)) return ValueFamily::Bytes;
+  if (std::holds_alternative<Guid>(value)) return ValueFamily::Guid;
+  return ValueFamily::Number;
+}
+
 int CompareValues(const Value& left, const Value& right) {
   const auto* leftLong = std::get_if<std::int32_t>(&left);
   const auto* rightLong = std::get_if<std::int32_t>(&right);
   if (leftLong != nullptr && rightLong != nullptr) return Sign(*leftLong, *rightLong);
-  const Kind kind = KindOf(left);
-  const Kind other = KindOf(right);
-  if (kind == other) return CompareSameKind(kind, left, right);
-  if (kind == Kind::Guid && other == Kind::Text) return CompareIgnoringCase(TextOf(left), TextOf(right));
-  if (kind == Kind::Text && other == Kind::Guid) return CompareIgnoringCase(TextOf(left), TextOf(right));
+  const ValueFamily family = FamilyOf(left);
+  const ValueFamily other = FamilyOf(right);
+  if (family == other) return CompareSameFamily(family, left, right);
+  if (family == ValueFamily::Guid && other == ValueFamily::Text)
+    return CompareIgnoringCase(TextOf(left), TextOf(right));
+  if (family == ValueFamily::Text && other == ValueFamily::Guid)
+    return CompareIgnoringCase(TextOf(left), TextOf(right));
   RaiseTypeConflict();
 }
 
 int OrderValues(const Value& left, const Value& right) {
-  const Kind kind = KindOf(left);
-  const Kind other = KindOf(right);
-  return kind == other ? CompareSameKind(kind, left, right) : Sign(kind, other);
+  const ValueFamily family = FamilyOf(left);
+  const ValueFamily other = FamilyOf(right);
+  return family == other ? CompareSameFamily(family, left, right) : Sign(family, other);
 }
 
 }  // namespace tavi::access::sql

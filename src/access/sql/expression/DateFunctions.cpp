@@ -2,8 +2,7 @@
 #include <string>
 
 #include "access/sql/expression/Coercion.h"
-#include "access/sql/expression/DateInterval.h"
-#include "access/sql/expression/DateParts.h"
+#include "access/sql/expression/DateArithmetic.h"
 #include "access/sql/expression/Functions.h"
 #include "platform/values/Calendar.h"
 

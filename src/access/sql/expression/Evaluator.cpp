@@ -4,12 +4,9 @@
 #include <limits>
 
 #include "access/file/EngineError.h"
-#include "access/sql/expression/Arithmetic.h"
 #include "access/sql/expression/Coercion.h"
-#include "access/sql/expression/Comparison.h"
-#include "access/sql/expression/Like.h"
-#include "access/sql/parse/ExpressionTree.h"
-#include "access/sql/parse/Function.h"
+#include "access/sql/expression/Operators.h"
+#include "access/sql/parse/Expression.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {
@@ -46,15 +43,6 @@ Truth Not(Truth truth) {
 
 Truth NotIf(bool negated, Truth truth) {
   return negated ? Not(truth) : truth;
-}
-
-bool IsLogical(Operator op) {
-  return op == Operator::And || op == Operator::Or || op == Operator::Xor || op == Operator::Eqv || op == Operator::Imp;
-}
-
-bool IsComparison(Operator op) {
-  return op == Operator::Equal || op == Operator::NotEqual || op == Operator::Less || op == Operator::LessOrEqual ||
-         op == Operator::Greater || op == Operator::GreaterOrEqual;
 }
 
 Truth Compare(Operator op, const Value& left, const Value& right) {
@@ -112,6 +100,7 @@ Truth EvaluateIn(const Expression& expression, const Scope& scope) {
   const Operand tested(*expression.arguments[0], scope);
   Truth found = Truth::False;
   if (expression.subselect) {
+    if (const auto known = scope.IsAmong(expression, tested.Get())) return NotIf(expression.negated, *known);
     for (const Value& value : scope.SubselectValues(expression, std::numeric_limits<std::size_t>::max())) {
       found = Or(found, Compare(Operator::Equal, tested.Get(), value));
       if (found == Truth::True) break;
@@ -214,6 +203,10 @@ Value EvaluateCall(const Expression& expression, const Scope& scope) {
 
 const Value* Scope::ColumnReference(const Expression& /*column*/) const {
   return nullptr;
+}
+
+std::optional<Truth> Scope::IsAmong(const Expression& /*in*/, const Value& /*tested*/) const {
+  return std::nullopt;
 }
 
 Value Evaluate(const Expression& expression, const Scope& scope) {

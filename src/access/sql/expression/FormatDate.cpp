@@ -1,10 +1,8 @@
-#include "access/sql/expression/FormatDate.h"
-#include "platform/values/Calendar.h"
-
 #include <algorithm>
 
-#include "access/sql/expression/DateInterval.h"
-#include "access/sql/expression/DateParts.h"
+#include "access/sql/expression/DateArithmetic.h"
+#include "access/sql/expression/FormatText.h"
+#include "platform/values/Calendar.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

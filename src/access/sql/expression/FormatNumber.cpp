@@ -1,5 +1,3 @@
-#include "access/sql/expression/FormatNumber.h"
-
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -7,6 +5,7 @@
 #include <vector>
 
 #include "access/sql/expression/Coercion.h"
+#include "access/sql/expression/FormatText.h"
 
 namespace tavi::access::sql {
 namespace {

@@ -4,8 +4,6 @@
 #include <optional>
 
 #include "access/sql/expression/Coercion.h"
-#include "access/sql/expression/FormatDate.h"
-#include "access/sql/expression/FormatNumber.h"
 #include "platform/values/Convert.h"
 #include "platform/values/DateText.h"
 #include "platform/values/Text.h"

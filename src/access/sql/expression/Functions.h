@@ -3,8 +3,8 @@
 #include <span>
 #include <string_view>
 
-#include "access/sql/expression/Scope.h"
-#include "access/sql/parse/Function.h"
+#include "access/sql/expression/Evaluator.h"
+#include "access/sql/parse/Expression.h"
 
 namespace tavi::access::sql {
 

@@ -1,8 +1,7 @@
-#include "access/sql/expression/Like.h"
-
 #include <algorithm>
 
 #include "access/file/EngineError.h"
+#include "access/sql/expression/Operators.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

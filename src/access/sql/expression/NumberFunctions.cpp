@@ -3,9 +3,9 @@
 #include <limits>
 #include <random>
 
-#include "access/sql/expression/Arithmetic.h"
 #include "access/sql/expression/Coercion.h"
 #include "access/sql/expression/Functions.h"
+#include "access/sql/expression/Operators.h"
 #include "platform/values/Convert.h"
 
 namespace tavi::access::sql {

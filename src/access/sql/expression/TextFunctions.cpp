@@ -5,8 +5,7 @@
 #include "access/index/Collation.h"
 #include "access/sql/expression/Coercion.h"
 #include "access/sql/expression/Functions.h"
-#include "access/sql/expression/WindowsLatin.h"
-#include "access/sql/parse/Limits.h"
+#include "platform/values/CodePages.h"
 #include "platform/values/Text.h"
 
 /// Text functions. Positions and lengths count characters, from 1; texts are searched ignoring case, as everything in
@@ -156,7 +155,7 @@ char32_t CharacterOfCode(const Value& code) {
   const std::int32_t number = LongOf(code);
   constexpr std::int32_t kLastCode = 255;
   if (number < 0 || number > kLastCode) RaiseInvalidCall("character codes are 0 to 255");
-  return FromWindowsLatin(number);
+  return CharacterOfByte(static_cast<std::uint8_t>(number), kWesternCodePage);
 }
 
 char32_t FirstCharacter(const Value& value) {
@@ -189,8 +188,10 @@ Value StrReverse(Arguments arguments, const Scope&) {
   return FromCodePoints(text);
 }
 
+/// As Chr, by the code page of Western Europe, whatever the system's own is: a file must not mean different things on
+/// two machines. What the page lacks is a question mark.
 Value Asc(Arguments arguments, const Scope&) {
-  return ToWindowsLatin(FirstCharacter(arguments[0]));
+  return std::int32_t{ByteOfCharacter(FirstCharacter(arguments[0]), kWesternCodePage).value_or('?')};
 }
 Value AscW(Arguments arguments, const Scope&) {
   return static_cast<std::int32_t>(FirstCharacter(arguments[0]));

@@ -1,7 +1,4 @@
-#include "access/sql/parse/ChangeParser.h"
-
-#include "access/sql/parse/ExpressionParser.h"
-#include "access/sql/parse/SelectParser.h"
+#include "access/sql/parse/Parser.h"
 
 namespace tavi::access::sql {
 namespace {

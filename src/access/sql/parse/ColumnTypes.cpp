@@ -1,6 +1,6 @@
-#include "access/sql/parse/ColumnTypes.h"
-
 #include <algorithm>
+
+#include "access/sql/parse/Parser.h"
 
 namespace tavi::access::sql {
 namespace {

@@ -1,9 +1,6 @@
-#include "access/sql/parse/DefinitionParser.h"
-
 #include <algorithm>
 
-#include "access/sql/parse/ColumnTypes.h"
-#include "access/sql/parse/ExpressionParser.h"
+#include "access/sql/parse/Parser.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

@@ -1,68 +1,25 @@
-#include "access/sql/parse/ExpressionParser.h"
-
 #include <algorithm>
 #include <limits>
 #include <optional>
 
-#include "access/sql/parse/ExpressionTree.h"
-#include "access/sql/parse/SelectParser.h"
+#include "access/sql/parse/Expression.h"
+#include "access/sql/parse/Parser.h"
 
 namespace tavi::access::sql {
 namespace {
 
-/// How tightly operators bind.
-enum Tightness : int {
-  kImp = 1,
-  kEqv,
-  kXor,
-  kOr,
-  kAnd,
-  kNot,
-  kComparison,
-  kConcatenate,
-  kAdd,
-  kModulo,
-  kIntegerDivide,
-  kMultiply,
-  kSign,
-  kPower
-};
-
-struct OperatorToken {
-  std::string_view text;
-  bool isWord;
-  Operator op;
-  Tightness tightness;
-};
-
-constexpr OperatorToken kOperators[] = {
-    {"AND", true, Operator::And, kAnd},
-    {"OR", true, Operator::Or, kOr},
-    {"XOR", true, Operator::Xor, kXor},
-    {"EQV", true, Operator::Eqv, kEqv},
-    {"IMP", true, Operator::Imp, kImp},
-    {"MOD", true, Operator::Modulo, kModulo},
-    {"=", false, Operator::Equal, kComparison},
-    {"<>", false, Operator::NotEqual, kComparison},
-    {"<", false, Operator::Less, kComparison},
-    {"<=", false, Operator::LessOrEqual, kComparison},
-    {">", false, Operator::Greater, kComparison},
-    {">=", false, Operator::GreaterOrEqual, kComparison},
-    {"&", false, Operator::Concatenate, kConcatenate},
-    {"+", false, Operator::Add, kAdd},
-    {"-", false, Operator::Subtract, kAdd},
-    {"\\", false, Operator::IntegerDivide, kIntegerDivide},
-    {"*", false, Operator::Multiply, kMultiply},
-    {"/", false, Operator::Divide, kMultiply},
-    {"^", false, Operator::Power, kPower},
-};
-
-const OperatorToken* FindOperator(const Token& token) {
-  if (token.kind != TokenKind::Name && token.kind != TokenKind::Symbol) return nullptr;
-  for (const OperatorToken& known : kOperators) {
-    if (known.isWord ? token.IsWord(known.text) : token.IsSymbol(known.text)) return &known;
+/// The operator between two operands that a token is.
+const OperatorTraits* FindOperator(const Token& token) {
+  for (const OperatorTraits& known : kOperators) {
+    if (known.kind == OperatorKind::Prefix) continue;
+    if (token.IsWord(known.symbol) || token.IsSymbol(known.symbol)) return &known;
   }
   return nullptr;
+}
+
+/// What an operand on the right of an operator may consist of, so that equal ones group from the left.
+Tightness TighterThan(Tightness tightness) {
+  return static_cast<Tightness>(static_cast<int>(tightness) + 1);
 }
 
 bool IsSelect(const TokenStream& stream, std::size_t ahead) {
@@ -74,34 +31,34 @@ class ExpressionReader {
   explicit ExpressionReader(TokenStream& stream) : stream_(stream) {}
 
   /// Reads operands and the operators between them that bind at least as tightly as `loosest`.
-  ExpressionPointer ReadBinary(int loosest) {
+  ExpressionPointer ReadBinary(Tightness loosest) {
     const TokenStream::Level level(stream_);
     ExpressionPointer left = ReadPrefix();
     for (;;) {
-      if (loosest <= kComparison && BeginsPredicate()) {
+      if (loosest <= Tightness::Comparison && BeginsPredicate()) {
         left = ReadPredicate(std::move(left));
         continue;
       }
-      const OperatorToken* op = FindOperator(stream_.Peek());
+      const OperatorTraits* op = FindOperator(stream_.Peek());
       if (op == nullptr || op->tightness < loosest) return left;
       const std::size_t position = stream_.Take().position;
       if (op->op == Operator::And || op->op == Operator::Or) {
         left = ReadChain(std::move(left), *op, position);
-      } else if (op->tightness == kComparison && BeginsQuantifier()) {
+      } else if (op->tightness == Tightness::Comparison && BeginsQuantifier()) {
         left = ReadQuantified(std::move(left), op->op, position);
       } else {
-        left = Binary(op->op, position, std::move(left), ReadBinary(op->tightness + 1));
+        left = Binary(op->op, position, std::move(left), ReadBinary(TighterThan(op->tightness)));
       }
     }
   }
 
  private:
   /// Operands joined by And, or by Or, the first of which and the first operator are read already.
-  ExpressionPointer ReadChain(ExpressionPointer first, const OperatorToken& op, std::size_t position) {
+  ExpressionPointer ReadChain(ExpressionPointer first, const OperatorTraits& op, std::size_t position) {
     std::vector<ExpressionPointer> operands;
     operands.push_back(std::move(first));
-    do operands.push_back(ReadBinary(op.tightness + 1));
-    while (stream_.TakeWord(op.text));
+    do operands.push_back(ReadBinary(TighterThan(op.tightness)));
+    while (stream_.TakeWord(op.symbol));
     return Balanced(op.op, position, operands, 0, operands.size());
   }
 
@@ -128,10 +85,10 @@ class ExpressionReader {
 
   ExpressionPointer ReadPrefix() {
     const std::size_t position = stream_.Peek().position;
-    if (stream_.TakeWord("NOT")) return Unary(Operator::Not, position, ReadBinary(kComparison));
-    if (stream_.TakeSymbol("+")) return Unary(Operator::Plus, position, ReadBinary(kPower));
+    if (stream_.TakeWord("NOT")) return Unary(Operator::Not, position, ReadBinary(Tightness::Comparison));
+    if (stream_.TakeSymbol("+")) return Unary(Operator::Plus, position, ReadBinary(Tightness::Power));
     if (!stream_.TakeSymbol("-")) return ReadPrimary();
-    ExpressionPointer operand = ReadBinary(kPower);
+    ExpressionPointer operand = ReadBinary(Tightness::Power);
     if (!NegateNumber(*operand)) return Unary(Operator::Negate, position, std::move(operand));
     operand->position = position;
     return operand;
@@ -178,15 +135,15 @@ class ExpressionReader {
       ReadItems(*node);
     } else if (word.IsWord("BETWEEN")) {
       node->kind = ExpressionKind::Between;
-      AddArgument(*node, ReadBinary(kConcatenate));
+      AddArgument(*node, ReadBinary(Tightness::Concatenate));
       stream_.ExpectWord("AND");
-      AddArgument(*node, ReadBinary(kConcatenate));
+      AddArgument(*node, ReadBinary(Tightness::Concatenate));
     } else if (word.IsWord("IS")) {
       node->kind = ExpressionKind::IsNull;
       node->negated = stream_.TakeWord("NOT");
       stream_.ExpectWord("NULL");
     } else {
-      AddArgument(*node, ReadBinary(kConcatenate));
+      AddArgument(*node, ReadBinary(Tightness::Concatenate));
     }
     return node;
   }
@@ -324,13 +281,6 @@ class ExpressionReader {
 
 }  // namespace
 
-ExpressionPointer MakeExpression(ExpressionKind kind, std::size_t position) {
-  auto expression = std::make_unique<Expression>();
-  expression->kind = kind;
-  expression->position = position;
-  return expression;
-}
-
 ExpressionPointer ReadColumn(TokenStream& stream) {
   ExpressionPointer column = MakeExpression(ExpressionKind::Column, stream.Peek().position);
   column->number = stream.NextNumber();
@@ -344,7 +294,7 @@ ExpressionPointer ReadColumn(TokenStream& stream) {
 
 ExpressionPointer ReadExpression(TokenStream& stream) {
   const std::size_t start = stream.Place();
-  ExpressionPointer expression = ExpressionReader(stream).ReadBinary(kImp);
+  ExpressionPointer expression = ExpressionReader(stream).ReadBinary(Tightness::Imp);
   stream.EndExpression(start);
   return expression;
 }

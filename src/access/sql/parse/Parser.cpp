@@ -1,9 +1,5 @@
 #include "access/sql/parse/Parser.h"
 
-#include "access/sql/parse/ChangeParser.h"
-#include "access/sql/parse/DefinitionParser.h"
-#include "access/sql/parse/ExpressionParser.h"
-#include "access/sql/parse/SelectParser.h"
 #include "access/sql/parse/TokenStream.h"
 
 namespace tavi::access::sql {

@@ -1,9 +1,7 @@
-#include "access/sql/parse/SelectParser.h"
-
 #include <algorithm>
 #include <limits>
 
-#include "access/sql/parse/ExpressionParser.h"
+#include "access/sql/parse/Parser.h"
 
 namespace tavi::access::sql {
 namespace {

@@ -8,75 +8,11 @@
 #include <vector>
 
 #include "access/catalog/Database.h"
-#include "platform/values/Value.h"
+#include "access/sql/parse/Expression.h"
 
 /// The tree that the parser makes of a statement. Plain data; names are as written, looked up ignoring case. `position`
 /// is the byte offset in the statement's text where the thing begins, for error messages that point at the place.
 namespace tavi::access::sql {
-
-struct Select;
-struct Function;
-
-enum class ExpressionKind {
-  Literal,    // value
-  Column,     // qualifier (may be empty), name
-  Star,       // qualifier (may be empty); only in SELECT lists and Count(*)
-  Unary,      // op, arguments[0]
-  Binary,     // op, arguments[0..1]
-  Between,    // arguments: tested, low, high; negated
-  In,         // arguments: tested, items...; or a sub-select; negated
-  Exists,     // subselect; negated
-  IsNull,     // arguments[0]; negated
-  Like,       // arguments: tested, pattern; negated
-  Call,       // name, arguments; distinct for aggregates
-  Subselect,  // a scalar sub-select
-  Quantified  // arguments[0] op ALL (all) or ANY (not all) of a sub-select
-};
-
-enum class Operator {
-  Or,
-  Xor,
-  Eqv,
-  Imp,
-  And,
-  Not,
-  Equal,
-  NotEqual,
-  Less,
-  LessOrEqual,
-  Greater,
-  GreaterOrEqual,
-  Add,
-  Subtract,
-  Multiply,
-  Divide,
-  IntegerDivide,
-  Modulo,
-  Power,
-  Concatenate,
-  Negate,
-  Plus
-};
-
-struct Expression {
-  ExpressionKind kind = ExpressionKind::Literal;
-  std::size_t position = 0;
-  Value value;
-  std::string qualifier;
-  std::string name;
-  Operator op = Operator::And;
-  bool negated = false;
-  bool distinct = false;
-  bool all = false;
-  std::uint16_t depth = 1;  ///< levels of the tree from here down, sub-selects included; at most kMaximumDepth
-  std::vector<std::unique_ptr<Expression>> arguments;
-  std::shared_ptr<Select> subselect;
-  const Function* function = nullptr;  ///< Call: the built-in function, found once; none for aggregates
-  /// Column, aggregate, sub-select: which of them it is in its select (with all of a union) or statement, from 1 on. By
-  /// this number plans hold what they find out, so that a tree stays as it was parsed.
-  std::size_t number = 0;
-};
-using ExpressionPointer = std::unique_ptr<Expression>;
 
 /// A table, a sub-select with a name, or a join of two sources.
 struct Source {

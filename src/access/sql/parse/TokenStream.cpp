@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "access/sql/parse/Limits.h"
-#include "access/sql/parse/SyntaxError.h"
+#include "access/sql/parse/Lexer.h"
 
 namespace tavi::access::sql {
 namespace {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "access/sql/parse/Function.h"
+#include "access/sql/parse/Expression.h"
 #include "access/sql/parse/Lexer.h"
 
 namespace tavi::access::sql {

@@ -9,7 +9,8 @@ namespace tavi::access::sql {
 
 namespace {
 
-// Costs in units of reading one row in a scan.
+// Costs in units of reading one row in a scan, and the parts of all rows that conditions are likely to leave. They are
+// guesses that need only put the ways of finding rows into the right order.
 constexpr double kIndexDescent = 4.0;
 constexpr double kRowByPointer = 1.5;
 constexpr double kMemoryLookUp = 0.5;
@@ -20,8 +21,7 @@ constexpr double kOtherSelectivity = 0.8;
 constexpr std::size_t kLongestList = 500;
 
 bool CanBound(Operator op) {
-  return op == Operator::Equal || op == Operator::Less || op == Operator::LessOrEqual || op == Operator::Greater ||
-         op == Operator::GreaterOrEqual;
+  return IsComparison(op) && op != Operator::NotEqual;
 }
 
 bool IsLess(Operator op) {
@@ -39,25 +39,14 @@ void AddBranch(AccessPath& united, AccessPath branch) {
   united.branches.push_back(std::move(branch));
 }
 
-void SplitByAnd(const Expression& expression, std::vector<const Expression*>& conditions) {
-  if (expression.kind == ExpressionKind::Binary && expression.op == Operator::And) {
-    SplitByAnd(*expression.arguments[0], conditions);
-    SplitByAnd(*expression.arguments[1], conditions);
-    return;
-  }
-  conditions.push_back(&expression);
-}
-
-void SplitByOr(const Expression& expression, std::vector<const Expression*>& conditions) {
-  if (expression.kind == ExpressionKind::Binary && expression.op == Operator::Or) {
-    SplitByOr(*expression.arguments[0], conditions);
-    SplitByOr(*expression.arguments[1], conditions);
-    return;
-  }
-  conditions.push_back(&expression);
-}
-
 }  // namespace
+
+void SplitConjuncts(const Expression* expression, const NameBinder& binder, Conjuncts& conjuncts) {
+  if (expression == nullptr) return;
+  for (const Expression* operand : OperandsOf(*expression, Operator::And)) {
+    conjuncts.push_back({operand, binder.SourcesOf(*operand)});
+  }
+}
 
 double AccessPlanner::Selectivity(const Conjuncts& conjuncts) {
   double part = 1.0;
@@ -270,15 +259,12 @@ void AccessPlanner::TryLists(const Task& task, const std::vector<Argument>& argu
 
 void AccessPlanner::TryUnion(const Task& task, const Expression& condition, std::optional<AccessPath>& best) const {
   if (condition.kind != ExpressionKind::Binary || condition.op != Operator::Or) return;
-  std::vector<const Expression*> alternatives;
-  SplitByOr(condition, alternatives);
+  const std::vector<const Expression*> alternatives = OperandsOf(condition, Operator::Or);
   if (alternatives.size() > kLongestList) return;
   AccessPath united;
   united.kind = AccessPath::Kind::Union;
   for (const Expression* alternative : alternatives) {
-    std::vector<const Expression*> conditions;
-    SplitByAnd(*alternative, conditions);
-    std::optional<AccessPath> branch = ChooseIndexed(task, conditions);
+    std::optional<AccessPath> branch = ChooseIndexed(task, OperandsOf(*alternative, Operator::And));
     if (!branch) return;
     AddBranch(united, std::move(*branch));
   }

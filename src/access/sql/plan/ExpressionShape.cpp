@@ -1,9 +1,8 @@
-#include "access/sql/plan/ExpressionShape.h"
-#include "access/sql/parse/ExpressionTree.h"
-
 #include <algorithm>
 
+#include "access/sql/parse/Expression.h"
 #include "access/sql/plan/ExecutionErrors.h"
+#include "access/sql/plan/Plan.h"
 #include "access/sql/plan/ValueKey.h"
 #include "platform/values/Text.h"
 

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <array>
 
-#include "access/sql/parse/ExpressionTree.h"
-#include "access/sql/plan/ExpressionShape.h"
+#include "access/sql/parse/Expression.h"
+#include "access/sql/plan/Plan.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

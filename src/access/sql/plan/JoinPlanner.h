@@ -1,7 +1,6 @@
 #pragma once
 
 #include "access/sql/plan/AccessPlanner.h"
-#include "access/sql/plan/Conjuncts.h"
 
 namespace tavi::access::sql {
 

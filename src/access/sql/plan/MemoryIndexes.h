@@ -6,7 +6,7 @@
 
 #include "access/catalog/Table.h"
 #include "access/sql/plan/FunctionReference.h"
-#include "access/sql/plan/HashIndex.h"
+#include "access/sql/plan/ValueKey.h"
 
 namespace tavi::access::sql {
 

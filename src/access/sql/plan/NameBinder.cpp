@@ -1,6 +1,6 @@
 #include "access/sql/plan/NameBinder.h"
 
-#include "access/sql/parse/ExpressionTree.h"
+#include "access/sql/parse/Expression.h"
 #include "access/sql/plan/ExecutionErrors.h"
 #include "access/sql/plan/SelectPlanner.h"
 #include "platform/values/Text.h"

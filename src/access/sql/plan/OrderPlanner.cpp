@@ -1,9 +1,8 @@
-#include "access/sql/plan/OrderPlanner.h"
-
 #include <algorithm>
 
 #include "access/sql/plan/AccessPlanner.h"
 #include "access/sql/plan/ExecutionErrors.h"
+#include "access/sql/plan/SelectPlanner.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

@@ -1,9 +1,8 @@
-#include "access/sql/plan/OutputPlanner.h"
-
 #include <map>
 
 #include "access/sql/plan/ExecutionErrors.h"
-#include "access/sql/plan/ExpressionShape.h"
+#include "access/sql/plan/Plan.h"
+#include "access/sql/plan/SelectPlanner.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

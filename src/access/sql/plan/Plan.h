@@ -8,11 +8,8 @@
 
 #include "access/catalog/Table.h"
 #include "access/sql/parse/Statement.h"
-#include "access/sql/plan/ResultColumn.h"
+#include "platform/ado/Provider.h"
 
-/// What the planner decides about a statement: where each name leads, and how each table is read. A plan refers to the
-/// statement's expressions, by their numbers, and holds no state of a run, so that it can be run many times and by
-/// nested runs. The statement's tree stays as it was parsed.
 namespace tavi::access::sql {
 
 struct SelectPlan;
@@ -87,7 +84,20 @@ struct PlannedSource {
   [[nodiscard]] std::size_t ColumnCount() const { return searchColumns.size(); }
 };
 
-/// A column of the result.
+/// A column of a result: its name as record sets give it, the table that it comes from (empty for an expression) with
+/// its name there, and its type.
+struct ResultColumn {
+  std::string name;
+  std::string table;
+  std::string columnName;
+  ado::DataType type = ado::DataType::WChar;
+};
+
+// What the planner decides about a statement: where each name leads, and how each table is read. A plan refers to the
+// statement's expressions, by their numbers, and holds no state of a run, so that it can be run many times and by
+// nested runs. The statement's tree stays as it was parsed.
+
+/// A column of the result, and where its values come from.
 struct OutputColumn {
   ResultColumn column;
   const Expression* expression = nullptr;  ///< null where `slot` says all (SELECT *)
@@ -149,5 +159,17 @@ std::string Describe(const SelectPlan& plan);
 
 /// An expression as text, for plans and messages.
 std::string Describe(const Expression& expression);
+
+/// True when two expressions of a plan say the same: same operators, values and columns, whatever the spelling.
+bool SameExpression(const Expression& left, const Expression& right, const SelectPlan& plan);
+
+/// Raises ProviderSyntax when an expression of a grouped statement names a column that is neither a group's nor in an
+/// aggregate.
+void CheckGrouped(const Expression& expression, const SelectPlan& plan);
+
+/// The type of the values of an expression, as far as it can be told without running it.
+ado::DataType TypeOf(const Expression& expression, const SelectPlan& plan);
+/// The type of a column's values.
+ado::DataType TypeOf(const ColumnDefinition& column);
 
 }  // namespace tavi::access::sql

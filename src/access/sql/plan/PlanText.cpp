@@ -9,54 +9,12 @@ namespace {
 /// What is written for an expression is cut here.
 constexpr std::size_t kLongestExpression = 200;
 
-const char* Symbol(Operator op) {
-  switch (op) {
-    case Operator::Or:
-      return " Or ";
-    case Operator::Xor:
-      return " Xor ";
-    case Operator::Eqv:
-      return " Eqv ";
-    case Operator::Imp:
-      return " Imp ";
-    case Operator::And:
-      return " And ";
-    case Operator::Not:
-      return "Not ";
-    case Operator::Equal:
-      return " = ";
-    case Operator::NotEqual:
-      return " <> ";
-    case Operator::Less:
-      return " < ";
-    case Operator::LessOrEqual:
-      return " <= ";
-    case Operator::Greater:
-      return " > ";
-    case Operator::GreaterOrEqual:
-      return " >= ";
-    case Operator::Add:
-      return " + ";
-    case Operator::Subtract:
-      return " - ";
-    case Operator::Multiply:
-      return " * ";
-    case Operator::Divide:
-      return " / ";
-    case Operator::IntegerDivide:
-      return " \\ ";
-    case Operator::Modulo:
-      return " Mod ";
-    case Operator::Power:
-      return " ^ ";
-    case Operator::Concatenate:
-      return " & ";
-    case Operator::Negate:
-      return "-";
-    case Operator::Plus:
-      return "+";
-  }
-  return " ? ";
+/// The operator as it stands between its operands, or before its only one.
+std::string Symbol(Operator op) {
+  const OperatorTraits& traits = TraitsOf(op);
+  std::string symbol(traits.symbol);
+  if (traits.kind != OperatorKind::Prefix) return " " + symbol + " ";
+  return op == Operator::Not ? symbol + " " : symbol;
 }
 
 std::string LiteralText(const Value& value) {

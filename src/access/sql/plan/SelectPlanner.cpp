@@ -2,12 +2,10 @@
 
 #include <algorithm>
 
-#include "access/sql/parse/ExpressionTree.h"
+#include "access/sql/parse/Expression.h"
 #include "access/sql/plan/ExecutionErrors.h"
-#include "access/sql/plan/ExpressionShape.h"
 #include "access/sql/plan/JoinPlanner.h"
-#include "access/sql/plan/OrderPlanner.h"
-#include "access/sql/plan/OutputPlanner.h"
+#include "access/sql/plan/Plan.h"
 
 namespace tavi::access::sql {
 

@@ -23,4 +23,16 @@ std::unique_ptr<SelectPlan> PlanConstants(PlanContext& context, const std::vecto
 /// How many rows a plan is likely to give.
 double EstimateRows(const SelectPlan& plan);
 
+/// Decides the columns of a result: expands stars, finds the names of the items, and names the columns: an alias, the
+/// column's own name, "Table.Column" where two tables give the same name, Expr1000 + position for an expression.
+void PlanOutputs(const Select& select, NameBinder& binder);
+
+/// Plans ORDER BY: each key is an expression, or an output column by its position (ORDER BY 2), alias or, in a union,
+/// name.
+void PlanOrder(const Select& select, NameBinder& binder);
+
+/// Lets an index give the order where only the first rows (TOP) are wanted and reading in index order is cheaper than
+/// sorting all rows.
+void ChooseOrderWalk(const PlanContext& context, SelectPlan& plan);
+
 }  // namespace tavi::access::sql

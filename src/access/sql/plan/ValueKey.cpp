@@ -1,6 +1,6 @@
 #include "access/sql/plan/ValueKey.h"
-#include "access/sql/expression/Comparison.h"
 
+#include <algorithm>
 #include <bit>
 #include <string_view>
 
@@ -35,14 +35,6 @@ std::uint64_t HashNumber(double number) {
 }
 
 }  // namespace
-
-ValueFamily FamilyOf(const Value& value) {
-  if (IsNull(value)) return ValueFamily::None;
-  if (std::holds_alternative<std::string>(value)) return ValueFamily::Text;
-  if (std::holds_alternative<Bytes>(value)) return ValueFamily::Bytes;
-  if (std::holds_alternative<Guid>(value)) return ValueFamily::Guid;
-  return ValueFamily::Number;
-}
 
 ValueFamily FamilyOf(ColumnType type) {
   switch (type) {
@@ -112,6 +104,25 @@ std::pair<std::size_t, bool> DistinctRows::Add(const RowValues& row) {
   numbers_.emplace(hash, rows_.size());
   rows_.push_back(row);
   return {rows_.size() - 1, true};
+}
+
+HashIndex::HashIndex(std::vector<Entry> entries) : entries_(std::move(entries)) {
+  std::sort(entries_.begin(), entries_.end());
+  for (std::size_t i = 0; i < entries_.size(); ++i) {
+    if (i == 0 || entries_[i].first != entries_[i - 1].first) ++distinct_;
+  }
+}
+
+void HashIndex::Find(std::uint64_t hash, std::vector<std::uint32_t>& candidates) const {
+  auto it = std::lower_bound(entries_.begin(), entries_.end(), Entry{hash, 0});
+  for (; it != entries_.end() && it->first == hash; ++it) candidates.push_back(it->second);
+  const auto [first, last] = added_.equal_range(hash);
+  for (auto added = first; added != last; ++added) candidates.push_back(added->second);
+}
+
+double HashIndex::RowsPerKey() const {
+  if (distinct_ == 0) return 1.0;
+  return static_cast<double>(entries_.size()) / static_cast<double>(distinct_);
 }
 
 }  // namespace tavi::access::sql

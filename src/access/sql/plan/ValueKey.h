@@ -3,18 +3,17 @@
 #include <cstdint>
 #include <optional>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "access/sql/expression/Operators.h"
 #include "access/table/TableDefinition.h"
 #include "access/table/TableRows.h"
 #include "platform/values/Value.h"
 
 namespace tavi::access::sql {
 
-/// Kinds of values that can be compared with each other.
-enum class ValueFamily { None, Number, Text, Bytes, Guid };
-/// The family of a value (None for null), of a column's values. Dates, amounts and truth values are numbers.
-ValueFamily FamilyOf(const Value& value);
+/// The family of the values of a column. Dates, amounts and truth values are numbers.
 ValueFamily FamilyOf(ColumnType type);
 
 /// A number such that values which compare equal (=) have equal ones: numbers of all types by amount, texts by the
@@ -39,6 +38,29 @@ class DistinctRows {
 
   std::vector<RowValues> rows_;
   std::unordered_multimap<std::uint64_t, std::size_t> numbers_;
+};
+
+/// Finds row identifiers by the hash of a value. Gives candidates: rows of other values with the same hash, and rows
+/// that have been changed or removed since, may be among them.
+class HashIndex {
+ public:
+  using Entry = std::pair<std::uint64_t, std::uint32_t>;
+
+  explicit HashIndex(std::vector<Entry> entries);
+
+  /// Appends the candidates of a hash.
+  void Find(std::uint64_t hash, std::vector<std::uint32_t>& candidates) const;
+  /// Adds a row. Nothing is ever removed: a row that is gone stays a candidate.
+  void Add(std::uint64_t hash, std::uint32_t row) { added_.emplace(hash, row); }
+
+  [[nodiscard]] std::size_t Size() const { return entries_.size() + added_.size(); }
+  /// Entries for each hash, on average.
+  [[nodiscard]] double RowsPerKey() const;
+
+ private:
+  std::vector<Entry> entries_;  // sorted
+  std::size_t distinct_ = 0;
+  std::unordered_multimap<std::uint64_t, std::uint32_t> added_;
 };
 
 }  // namespace tavi::access::sql

@@ -1,9 +1,9 @@
 #include "access/sql/run/Aggregator.h"
-#include "access/sql/expression/Comparison.h"
 
 #include <cmath>
 #include <map>
 
+#include "access/sql/expression/Operators.h"
 #include "access/sql/plan/ExecutionErrors.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"

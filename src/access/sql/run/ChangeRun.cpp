@@ -1,10 +1,8 @@
-#include "access/sql/run/ChangeRun.h"
-#include "access/sql/expression/Evaluator.h"
-
 #include <algorithm>
 
+#include "access/sql/expression/Evaluator.h"
 #include "access/sql/plan/ExecutionErrors.h"
-#include "access/sql/run/SelectRun.h"
+#include "access/sql/run/PlanRun.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

@@ -2,8 +2,7 @@
 #include <algorithm>
 
 #include "access/sql/plan/ExecutionErrors.h"
-#include "access/sql/run/ChangeRun.h"
-#include "access/sql/run/SelectRun.h"
+#include "access/sql/run/PlanRun.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

@@ -1,8 +1,9 @@
 #include "access/sql/run/RowOrder.h"
-#include "access/sql/expression/Comparison.h"
 
 #include <algorithm>
 #include <cmath>
+
+#include "access/sql/expression/Operators.h"
 
 namespace tavi::access::sql {
 

@@ -4,10 +4,28 @@
 #include <vector>
 
 #include "access/sql/plan/Plan.h"
-#include "access/sql/run/SortQuestion.h"
+#include "access/sql/run/RowScope.h"
 #include "platform/values/Value.h"
 
 namespace tavi::access::sql {
+
+/// Asks in the comparisons of a sort whether its statement is to be given up: not in each one, which may take less time
+/// than the question.
+class SortQuestion {
+ public:
+  explicit SortQuestion(const StatementContext& context) : context_(context) {}
+
+  /// To be called for each comparison. Raises kCancelledNumber.
+  void Ask() {
+    if (++comparisons_ % kComparisonsBetween == 0) context_.GoOnUnlessCancelled();
+  }
+
+ private:
+  static constexpr unsigned kComparisonsBetween = 256;
+
+  const StatementContext& context_;
+  unsigned comparisons_ = 0;
+};
 
 /// Puts rows, numbered as they come, into the order of a select and keeps those that TOP wants: rows that tie with the
 /// last one by the ORDER BY belong to them. Rows that compare equal keep the order in which they came.

@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "access/sql/expression/Evaluator.h"
-#include "access/sql/run/SelectRun.h"
+#include "access/sql/run/PlanRun.h"
 
 namespace tavi::access::sql {
 
@@ -49,30 +49,23 @@ std::vector<Value> RowScope::SubselectValues(const Expression& expression, std::
   return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(std::min(limit, values.size()))};
 }
 
-bool RowScope::Satisfies(const Expression& condition) const {
-  if (condition.kind == ExpressionKind::In && condition.subselect) {
-    if (const auto known = SatisfiesIn(condition)) return *known;
-  }
-  return IsTrue(condition, *this);
-}
-
-std::optional<bool> RowScope::SatisfiesIn(const Expression& condition) const {
-  const SelectPlan& subselect = *plan_.SubselectOf(condition);
+std::optional<Truth> RowScope::IsAmong(const Expression& in, const Value& tested) const {
+  const SelectPlan& subselect = *plan_.SubselectOf(in);
   if (subselect.IsCorrelated()) return std::nullopt;
-  const Value tested = Evaluate(*condition.arguments[0], *this);
-  const ValueSet& set = ValuesOf(subselect, condition);
-  if (set.values.Rows().empty()) return set.hasNull ? false : condition.negated;
-  if (IsNull(tested)) return false;
+  const ValueSet& set = ValuesOf(subselect, in);
+  const Truth whenMissing = set.hasNull ? Truth::Unknown : Truth::False;
+  if (set.values.Rows().empty()) return whenMissing;
+  if (IsNull(tested)) return Truth::Unknown;
+  // Values of another family are compared one by one, which raises what is to be raised.
   if (FamilyOf(tested) != FamilyOf(set.values.Rows().front().front())) return std::nullopt;
-  if (set.values.Contains({tested})) return !condition.negated;
-  return condition.negated && !set.hasNull;
+  return set.values.Contains({tested}) ? Truth::True : whenMissing;
 }
 
-const ValueSet& RowScope::ValuesOf(const SelectPlan& subselect, const Expression& condition) const {
+const ValueSet& RowScope::ValuesOf(const SelectPlan& subselect, const Expression& in) const {
   const auto found = context_.valueSets.find(&subselect);
   if (found != context_.valueSets.end()) return found->second;
   ValueSet set;
-  for (const Value& value : SubselectValues(condition, std::numeric_limits<std::size_t>::max())) {
+  for (const Value& value : SubselectValues(in, std::numeric_limits<std::size_t>::max())) {
     if (IsNull(value)) {
       set.hasNull = true;
     } else {

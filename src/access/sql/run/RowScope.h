@@ -5,7 +5,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "access/sql/expression/Scope.h"
+#include "access/sql/expression/Evaluator.h"
 #include "access/sql/plan/ExecutionErrors.h"
 #include "access/sql/plan/NameBinder.h"
 #include "access/sql/plan/Plan.h"
@@ -59,13 +59,12 @@ class RowScope final : public Scope {
   [[nodiscard]] Value ColumnValue(const Expression& column) const override;
   [[nodiscard]] const Value* ColumnReference(const Expression& column) const override;
   [[nodiscard]] Value AggregateValue(const Expression& call) const override;
+  [[nodiscard]] std::optional<Truth> IsAmong(const Expression& in, const Value& tested) const override;
   [[nodiscard]] std::vector<Value> SubselectValues(const Expression& expression, std::size_t limit) const override;
   [[nodiscard]] Date Now() const override { return context_.now; }
 
   [[nodiscard]] Value SlotValue(const Slot& slot) const;
   [[nodiscard]] Value OutputValue(std::size_t output) const;
-  /// True when the current rows satisfy a condition.
-  [[nodiscard]] bool Satisfies(const Expression& condition) const;
 
   [[nodiscard]] StatementContext& Context() const { return context_; }
   [[nodiscard]] const SelectPlan& Plan() const { return plan_; }
@@ -76,8 +75,7 @@ class RowScope final : public Scope {
   const std::vector<Value>* aggregates = nullptr;
 
  private:
-  [[nodiscard]] std::optional<bool> SatisfiesIn(const Expression& condition) const;
-  [[nodiscard]] const ValueSet& ValuesOf(const SelectPlan& subselect, const Expression& condition) const;
+  [[nodiscard]] const ValueSet& ValuesOf(const SelectPlan& subselect, const Expression& in) const;
 
   StatementContext& context_;
   const SelectPlan& plan_;

@@ -1,12 +1,11 @@
-#include "access/sql/run/SelectRun.h"
-#include "access/sql/expression/Comparison.h"
-#include "access/sql/expression/Evaluator.h"
-
 #include <algorithm>
 #include <numeric>
 #include <set>
 
+#include "access/sql/expression/Evaluator.h"
+#include "access/sql/expression/Operators.h"
 #include "access/sql/run/Aggregator.h"
+#include "access/sql/run/PlanRun.h"
 #include "access/sql/run/RowOrder.h"
 #include "access/sql/run/RowSearch.h"
 
@@ -132,7 +131,7 @@ void CollectGrouped(const SelectPlan& plan, RowScope& scope, ValueRows& rows) {
     std::vector<Value> aggregates;
     for (const Aggregator& aggregator : group.aggregators) aggregates.push_back(aggregator.Result());
     scope.aggregates = &aggregates;
-    const bool wanted = !plan.select->having || scope.Satisfies(*plan.select->having);
+    const bool wanted = !plan.select->having || IsTrue(*plan.select->having, scope);
     const bool goOn = !wanted || rows.Add(scope);
     scope.aggregates = nullptr;
     if (!goOn) return;

@@ -3,10 +3,9 @@
 #include "access/sql/expression/Functions.h"
 #include "access/sql/parse/Parser.h"
 #include "access/sql/plan/ExecutionErrors.h"
-#include "access/sql/run/ChangeRun.h"
 #include "access/sql/run/KeysetResult.h"
-#include "access/sql/run/SelectRun.h"
-#include "access/sql/run/ValuesResult.h"
+#include "access/sql/run/PlanRun.h"
+#include "access/sql/run/ResultSet.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

@@ -8,7 +8,7 @@
 
 #include "access/catalog/Database.h"
 #include "access/sql/plan/FunctionReference.h"
-#include "access/sql/plan/StatementCache.h"
+#include "access/sql/plan/PreparedStatement.h"
 #include "access/sql/run/ResultSet.h"
 #include "access/sql/run/StatementRunner.h"
 #include "platform/Platform.h"

@@ -6,7 +6,6 @@
 #include "access/catalog/Database.h"
 #include "access/sql/plan/FunctionReference.h"
 #include "access/sql/plan/MemoryIndexes.h"
-#include "access/sql/run/Defaults.h"
 #include "access/sql/run/RowScope.h"
 #include "access/sql/run/TableChanges.h"
 #include "platform/Platform.h"

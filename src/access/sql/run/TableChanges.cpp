@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "access/sql/expression/Evaluator.h"
+#include "access/sql/expression/Functions.h"
+#include "access/sql/parse/Parser.h"
 #include "access/sql/plan/ExecutionErrors.h"
 #include "access/table/RowCodec.h"
 
@@ -43,6 +46,49 @@ void TableChanges::Delete(Table& table, RowPointer row) {
   RefuseSystemTable(table);
   table.Delete(row);
   ForgetWhereChangesCascade(table);
+}
+
+namespace {
+
+/// More expressions than any file has; a bound all the same.
+constexpr std::size_t kMostExpressions = 4096;
+
+/// A default refers to no rows.
+class DefaultScope final : public Scope {
+ public:
+  explicit DefaultScope(Date now) : now_(now) {}
+  [[nodiscard]] Value ColumnValue(const Expression& column) const override {
+    throw StatementError("A default value cannot name the column '" + column.name + "'.");
+  }
+  [[nodiscard]] Value AggregateValue(const Expression& call) const override {
+    throw StatementError("A default value cannot use the function '" + call.name + "'.");
+  }
+  [[nodiscard]] std::vector<Value> SubselectValues(const Expression& /*expression*/,
+                                                   std::size_t /*limit*/) const override {
+    throw StatementError("A default value cannot hold a SELECT.");
+  }
+  [[nodiscard]] Date Now() const override { return now_; }
+
+ private:
+  Date now_;
+};
+
+}  // namespace
+
+Value Defaults::ValueFor(const Table& table, const Column& column, Date now) {
+  const std::string& text = column.defaultExpression;
+  if (text.empty() || column.definition.IsAutoNumber()) return Null{};
+  try {
+    if (parsed_.size() > kMostExpressions) parsed_.clear();
+    ExpressionPointer& expression = parsed_[text];
+    if (!expression) expression = ParseExpression(text, FindFunction);
+    return ConvertForColumn(Evaluate(*expression, DefaultScope(now)), column.definition);
+  } catch (const Error& error) {
+    throw EngineError(ErrorNumber::ProviderFailure, "The default value of column '" + column.definition.name +
+                                                        "' of table '" + table.Name() + "' (" + text +
+                                                        ") cannot be used: " + error.Description() +
+                                                        " Give the column a value in the statement.");
+  }
 }
 
 }  // namespace tavi::access::sql
