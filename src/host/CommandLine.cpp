@@ -39,6 +39,7 @@ struct Choices {
   std::string folder;
   std::string today;
   bool json = false;
+  bool csv = false;
   std::string file;
   std::vector<std::string> files;
   std::string name;
@@ -222,7 +223,8 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
   app.add_option("--db", choices.folder, "The club's folder or file (else the one set for this machine)")
       ->type_name("FOLDER");
   app.add_option("--today", choices.today, "Take this day for today")->type_name("DATE");
-  app.add_flag("--json", choices.json, "Write JSON");
+  CLI::Option* json = app.add_flag("--json", choices.json, "Write JSON");
+  app.add_flag("--csv", choices.csv, "Write comma-separated lines, which spreadsheets open")->excludes(json);
   for (const auto add : {
            AddNew,
            AddMembers,
@@ -248,6 +250,7 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
     Context context{terminal.in, terminal.out, error};
     context.inputIsTerminal = terminal.inputIsTerminal;
     context.format = choices.json                ? OutputFormat::JsonText
+                     : choices.csv               ? OutputFormat::Csv
                      : terminal.outputIsTerminal ? OutputFormat::Table
                                                  : OutputFormat::Tabs;
     context.showProgress = terminal.errorIsTerminal;

@@ -1,7 +1,5 @@
 #include "members/MembershipCheck.h"
 
-#include <optional>
-
 #include "members/Members.h"
 #include "members/NewMembers.h"
 #include "names/NameSearch.h"
@@ -49,22 +47,20 @@ void Enrol(cDatabase& store, std::int32_t number, const PlayerNameParts& name, d
 SubscriptionTerms GetStandardSubscriptionTerms(cDatabase& store) {
   const Date today = store.GetPlatform().clock->Now().DayOnly();
   SubscriptionTerms terms{today.AddYears(1), 0.0};
-  std::optional<Date> fixedDay;
   OpenUse use(store);
   const auto rows =
       store.OpenRecordset("Select * from ClubPolicies Where MemberType = " + cDatabase::SQLString(kStandardMember));
   if (!rows->AtEnd()) {
     if (PolicyField(*rows, "SpecificDate", ToBoolean)) {
-      const Date yearAhead = terms.NextDue;
-      fixedDay =
-          PolicyField(*rows, "SubsDueDate", [&](const Value& day) { return IsNull(day) ? yearAhead : ToDate(day); });
+      terms.NextDue = PolicyField(*rows, "SubsDueDate", [&terms, today](const Value& day) {
+        return NextFixedDay(IsNull(day) ? terms.NextDue : ToDate(day), today);
+      });
     }
     terms.Amount =
         PolicyField(*rows, "Subs", [](const Value& amount) { return IsNull(amount) ? 0.0 : ToDouble(amount); });
   }
   rows->Close();
   use.Close();
-  if (fixedDay) terms.NextDue = NextFixedDay(*fixedDay, today);
   return terms;
 }
 

@@ -157,6 +157,18 @@ TEST_F(CheckCommand, ListsRowsWithoutTheNumbersThatHandicapsAreMadeOf) {
   EXPECT_EQ(json["sound"], true);
 }
 
+TEST_F(CheckCommand, ListsRowsWhoseNumbersCannotBeRead) {
+  for (const char* statement :
+       {"Drop Table Results",
+        "Create Table Results (Competition Long, Player Long, Partner Long, ActualPercentage Text (20))",
+        "Insert Into Results Values (3, 1, 2, '55.5')", "Insert Into Results Values (4, 1, 2, 'won')"}) {
+    ASSERT_EQ(folder_.Run({"sql", statement}).code, 0) << statement;
+  }
+  const auto json = nlohmann::json::parse(folder_.Run({"check", "--json"}).out);
+  EXPECT_EQ(json["rowsWithoutNumbers"],
+            nlohmann::json::array({"Results: player 1 with partner 2 in competition 4 has no readable percentage."}));
+}
+
 // The members' keys were said to be stale for ever: the escapes of their names were taken for letters.
 TEST_F(CheckCommand, KeysOfNamesThatAreStoredWithEscapesAreCurrent) {
   const std::string add = R"({"jsonrpc":"2.0","method":"AddNewMember","params":["100%","","Pool%Load"]})";

@@ -181,6 +181,44 @@ TEST_F(Command, PairsAndHandicapsShowRowsWhoseNumbersAreEmpty) {
   EXPECT_THAT(handicaps.out, HasSubstr("pair\t9\t10\t"));
 }
 
+TEST_F(Command, PairsAndHandicapsShowPairsThatLackAPlayersNumber) {
+  MakeClub();
+  for (const char* statement :
+       {"Drop Table Partnerships",
+        "Create Table Partnerships (LowerPlayer Long, HigherPlayer Long, HigherFirst Short, Handicap Double, KnownAs "
+        "Text (255), Active Bit, HandicalcSeed Double, HandicalcSeedDate Date)",
+        "Insert Into Partnerships Values (7, 8, 0, 51, Null, 1, Null, Null)",
+        "Insert Into Partnerships Values (7, Null, 0, 52, Null, 1, Null, Null)",
+        "Insert Into Partnerships Values (7, Null, Null, Null, '50%p', 1, Null, Null)",
+        "Insert Into Partnerships Values (Null, 8, 0, 54, Null, 0, Null, Null)"}) {
+    ASSERT_EQ(folder_.Run({"sql", statement}).code, 0) << statement;
+  }
+  const std::string header = "First\tFirst player\tSecond\tSecond player\tPair\tHandicap\tActive\n";
+  const std::string active =
+      "7\tAnn Lee\t8\tRobert Ray\tAnn Lee & Robert Ray\t51.00\tyes\n"
+      "7\tAnn Lee\t\t\tAnn Lee\t52.00\tyes\n"
+      "\t\t7\tAnn Lee\t50%\t\tyes\n";
+  EXPECT_EQ(folder_.Run({"pairs"}).out, header + active);
+  EXPECT_EQ(folder_.Run({"pairs", "--all"}).out, header + active + "\t\t8\tRobert Ray\tRobert Ray\t\tno\n");
+  EXPECT_THAT(folder_.Run({"handicaps"}).out, ::testing::EndsWith("pair\t7\t8\tAnn Lee & Robert Ray\t51.00\n"
+                                                                  "pair\t7\t\tAnn Lee\t52.00\n"
+                                                                  "pair\t\t7\t50%\t\n"));
+}
+
+TEST_F(Command, CommaSeparatedOutputKeepsSpreadsheetsFromRunningTextsAndSaysSo) {
+  MakeClub();
+  ASSERT_EQ(folder_.Run({"sql", "Update Members Set FirstName = '=HYPERLINK(\"x\")' Where MembershipNumber = 7"}).code,
+            0);
+  const std::string query = "Select FirstName, Handicap - 51 As H From Members Where MembershipNumber = 7";
+  const Outcome outcome = folder_.Run({"--csv", "sql", query});
+  EXPECT_EQ(outcome.out, "FirstName,H\n\"'=HYPERLINK(\"\"x\"\")\",-1\n");
+  EXPECT_EQ(
+      outcome.error,
+      "note: 1 text begins like a formula and has an apostrophe before it here, so that no spreadsheet runs it\n");
+  EXPECT_EQ(folder_.Run({"--csv", "pairs"}).error, "");
+  EXPECT_EQ(folder_.Run({"--csv", "--json", "pairs"}).code, 2);
+}
+
 TEST_F(Command, ScoringStoresResultsAwardsAndHandicapsAndSaysWhoIsNoMember) {
   MakeClub();
   const Outcome scored = folder_.Run({"score", folder_.Write("week.xml", Evening(kTwoPairs))});

@@ -96,6 +96,19 @@ TEST_F(FullDiskTest, AtTheCloseAfterScoringIsAnErrorThatSaysWhatIsStored) {
   EXPECT_GT(stored, 0U);
 }
 
+// A search of a club whose stored keys are old brings them up to date first.
+TEST_F(FullDiskTest, AtTheCloseAfterASearchThatBroughtKeysUpToDateIsAnError) {
+  const std::string keys = "Select Distinct FuzzedLastName From Members Where LastName = 'Holloway'";
+  const std::vector<std::string> current = folder_.Query(keys);
+  ASSERT_EQ(current.size(), 1U);
+  Prepare({"sql", "Update Members Set FuzzedLastName = 'OLD' Where LastName = 'Holloway'"});
+  fs::remove_all(folder_.Path("start"));
+  fs::copy(folder_.Club(), folder_.Path("start"), fs::copy_options::recursive);
+  const std::size_t stored = FillAtTheEnd({"find", "Agnes M Holloway"}, "",
+                                          [&](const std::string&) { return folder_.Query(keys) == current; });
+  EXPECT_GT(stored, 0U);
+}
+
 TEST_F(FullDiskTest, AtTheEndOfASessionOfRequestsIsAnError) {
   const std::string request =
       R"({"jsonrpc": "2.0", "id": 1, "method": "OpenDatabase"})"

@@ -33,6 +33,31 @@ TEST(Table, WritesTabSeparatedLinesWithEscapes) {
   EXPECT_EQ(Written(OutputFormat::Tabs), "Name\tCount\tShare\nZoë\\tLee\t7\t12.50\n漢字\t123\t\n");
 }
 
+TEST(Table, WritesCommaSeparatedLinesWithQuotesWhereTheyAreNeeded) {
+  Table table({"Text", "Other"});
+  table.Add({std::string("a,b"), std::string("say \"no\"")});
+  table.Add({std::string("1 High Street\r\nAshby"), std::string(" x")});
+  table.Add({std::string("\x1b[2J\u202e"), Cell()});
+  std::ostringstream out;
+  table.Write(out, OutputFormat::Csv);
+  EXPECT_EQ(out.str(), "Text,Other\n\"a,b\",\"say \"\"no\"\"\"\n\"1 High Street\r\nAshby\",\" x\"\n\\x1b[2J\\u202e,\n");
+  EXPECT_EQ(table.FormulaCount(), 0U);
+}
+
+TEST(Table, CommaSeparatedTextsThatAreFormulasBeginWithAnApostrophe) {
+  Table table({"@Text", "Number"});
+  const std::vector<std::string> formulas = {"=1+1", "+44 20", "-x",   "@SUM(1)", "\t=1",
+                                             "\r=1", "\n=1",   "  =1", "\uFF1D1"};
+  for (const std::string& formula : formulas) table.Add({formula, Decimals{-1.5, 1}});
+  table.Add({std::string("1 = 1"), std::int64_t{-7}});
+  std::ostringstream out;
+  table.Write(out, OutputFormat::Csv);
+  EXPECT_EQ(out.str(),
+            "'@Text,Number\n'=1+1,-1.5\n'+44 20,-1.5\n'-x,-1.5\n'@SUM(1),-1.5\n\"'\t=1\",-1.5\n\"'\r=1\",-1.5\n"
+            "\"'\n=1\",-1.5\n\"'  =1\",-1.5\n'\uFF1D1,-1.5\n1 = 1,-7\n");
+  EXPECT_EQ(table.FormulaCount(), formulas.size() + 1);
+}
+
 TEST(Table, WritesJsonWithNullForNothing) {
   EXPECT_NE(Written(OutputFormat::JsonText).find("\"Share\": null"), std::string::npos);
   EXPECT_NE(Written(OutputFormat::JsonText).find("\"Share\": 12.5"), std::string::npos);

@@ -1,6 +1,7 @@
 #include "host/commands/Context.h"
 
 #include <filesystem>
+#include <ostream>
 
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
@@ -28,6 +29,14 @@ std::string FolderOf(const std::string& name) {
 }
 
 }  // namespace
+
+void Context::Write(const Table& table) const {
+  table.Write(out, format);
+  const std::size_t formulas = format == OutputFormat::Csv ? table.FormulaCount() : 0;
+  if (formulas == 0) return;
+  error << "note: " << formulas << (formulas == 1 ? " text begins" : " texts begin") << " like a formula and "
+        << (formulas == 1 ? "has" : "have") << " an apostrophe before it here, so that no spreadsheet runs it\n";
+}
 
 std::unique_ptr<MembershipDatabase> Context::OpenClub() const {
   auto club = std::make_unique<MembershipDatabase>(platform);

@@ -21,6 +21,9 @@ struct Context {
   std::string folder{};  ///< the club's folder or its file; empty: the one that the component finds
   std::shared_ptr<const Platform> platform{};
 
+  /// Writes a result, and says when texts in it had to be kept from being formulas.
+  void Write(const Table& table) const;
+
   /// A component object on the club's folder.
   [[nodiscard]] std::unique_ptr<MembershipDatabase> OpenClub() const;
   /// The folder in use, absolute.

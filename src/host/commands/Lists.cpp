@@ -4,11 +4,14 @@
 
 #include "composition/NameMatch.h"
 #include "host/text/NameFormats.h"
+#include "host/tools/IncompletePairs.h"
 
 namespace tavi::host {
 namespace {
 
 constexpr int kHandicapPlaces = 2;
+/// What walks give as the number of a row without one.
+constexpr std::int32_t kNoNumber = -1;
 
 struct WalkedPair {
   std::int32_t firstNumber = 0;
@@ -48,6 +51,37 @@ Decimals Handicap(double value) {
   return {value, kHandicapPlaces};
 }
 
+/// A membership number; nothing for a row that has none.
+Cell Number(std::int32_t number) {
+  return number == kNoNumber ? Cell() : Cell(std::int64_t{number});
+}
+
+/// A pair that does not say who plays, as far as it does.
+struct ShownPair {
+  Cell first;
+  std::string firstName;
+  Cell second;
+  std::string secondName;
+  std::string name;
+  Cell handicap;
+};
+
+ShownPair Shown(MembershipDatabase& club, const IncompletePair& pair) {
+  const auto nameOf = [&club](const std::optional<std::int32_t>& number) {
+    return number ? club.GetMemberName(*number, kFirstAndLastName) : std::string();
+  };
+  ShownPair shown{Number(pair.first.value_or(kNoNumber)),
+                  nameOf(pair.first),
+                  Number(pair.second.value_or(kNoNumber)),
+                  nameOf(pair.second),
+                  pair.knownAs,
+                  Cell()};
+  // One of the names, as neither pair of them is whole.
+  if (shown.name.empty()) shown.name = shown.firstName + shown.secondName;
+  if (pair.handicap) shown.handicap = Handicap(*pair.handicap);
+  return shown;
+}
+
 /// Adds a member who was found for a typed name, with the weight of the match and the reason for it.
 void AddMatch(MembershipDatabase& club, const Context& context, const std::string& typed, std::int32_t number,
               Table& table) {
@@ -82,10 +116,10 @@ int ListMembers(const Context& context, bool all) {
     std::string initials;
     std::string last;
     const std::string nationalNumber = club->GetEBUNoAndNames(member.number, first, initials, last);
-    table.Add({std::int64_t{member.number}, member.name, nationalNumber, Handicap(member.handicap), !member.retired});
+    table.Add({Number(member.number), member.name, nationalNumber, Handicap(member.handicap), !member.retired});
   }
   club->CloseDatabase();
-  table.Write(context.out, context.format);
+  context.Write(table);
   return kSucceeded;
 }
 
@@ -102,8 +136,14 @@ int ListPairs(const Context& context, bool all) {
     table.Add({std::int64_t{pair.firstNumber}, pair.firstName, std::int64_t{pair.secondNumber}, pair.secondName,
                pair.pairName, active ? Cell(Handicap(handicap)) : Cell(), active});
   }
+  for (const IncompletePair& pair : IncompletePairs(context, club->DatabaseFileName())) {
+    if (!pair.active && !all) continue;
+    const ShownPair shown = Shown(*club, pair);
+    table.Add({shown.first, shown.firstName, shown.second, shown.secondName, shown.name,
+               pair.active ? shown.handicap : Cell(), pair.active});
+  }
   club->CloseDatabase();
-  table.Write(context.out, context.format);
+  context.Write(table);
   return kSucceeded;
 }
 
@@ -115,7 +155,7 @@ int ListHandicaps(const Context& context, bool recalculate) {
   }
   Table table({"Kind", "Number", "Partner", "Name", "Handicap"});
   WalkMembers(*club, kFirstAndLastName, [&](std::int32_t number, const std::string& name, double handicap) {
-    table.Add({std::string("member"), std::int64_t{number}, Cell(), name, Handicap(handicap)});
+    table.Add({std::string("member"), Number(number), Cell(), name, Handicap(handicap)});
   });
   const std::vector<WalkedPair> pairs = WalkPairs(*club);
   club->OpenDatabase();
@@ -126,8 +166,13 @@ int ListHandicaps(const Context& context, bool recalculate) {
     table.Add({std::string("pair"), std::int64_t{pair.firstNumber}, std::int64_t{pair.secondNumber}, pair.pairName,
                Handicap(handicap)});
   }
+  for (const IncompletePair& pair : IncompletePairs(context, club->DatabaseFileName())) {
+    if (!pair.active) continue;
+    const ShownPair shown = Shown(*club, pair);
+    table.Add({std::string("pair"), shown.first, shown.second, shown.name, shown.handicap});
+  }
   club->CloseDatabase();
-  table.Write(context.out, context.format);
+  context.Write(table);
   return kSucceeded;
 }
 
@@ -143,7 +188,7 @@ int FindByName(const Context& context, const std::string& name) {
     }
   }
   club->CloseDatabase();
-  table.Write(context.out, context.format);
+  context.Write(table);
   if (table.RowCount() > 0) return kSucceeded;
   context.error << "tavi: no active member is called, or sounds like, \"" << Printable(name) << "\"\n";
   return kFailed;

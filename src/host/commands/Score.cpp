@@ -95,7 +95,7 @@ void WriteSummary(const Context& context, const std::vector<ScoredFile>& files) 
     }
     if (!file.stored) table.Add({file.path, Cell(), Cell(), Cell(), false});
   }
-  table.Write(context.out, context.format);
+  context.Write(table);
 }
 
 void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
@@ -142,7 +142,7 @@ void WriteRanking(const Context& context, const ScoredEvent& scored) {
   if (context.format == OutputFormat::Table) {
     context.out << Printable(scored.event.name) << ", " << scored.event.date.DayMonthYear() << "\n\n";
   }
-  RankingTable(scored).Write(context.out, context.format);
+  context.Write(RankingTable(scored));
 }
 
 int Score(const Context& context, const std::vector<std::string>& paths) {

@@ -132,7 +132,7 @@ bool Shell::RunStatement(const std::string& statement) {
     if (interactive_) key.emplace();
     const Table result = Query(connection_, text);
     key.reset();
-    result.Write(context_.out, context_.format);
+    context_.Write(result);
     if (flushes_) connection_.Flush();
   });
 }
@@ -145,7 +145,7 @@ void Shell::ListTables() {
     if (const auto* text = std::get_if<std::string>(&type); text != nullptr && *text != "TABLE") continue;
     tables.Add({CellOf(rows->Get("TABLE_NAME"))});
   }
-  tables.Write(context_.out, context_.format);
+  context_.Write(tables);
 }
 
 void Shell::ListColumns(const std::string& table) {
@@ -153,7 +153,7 @@ void Shell::ListColumns(const std::string& table) {
                                                  ado::SourceKind::TableDirect);
   Table list({"Column", "Type"});
   for (const ado::Field& field : columns->Fields()) list.Add({field.name, TypeName(field.type)});
-  list.Write(context_.out, context_.format);
+  context_.Write(list);
 }
 
 }  // namespace tavi::host

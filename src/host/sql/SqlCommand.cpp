@@ -28,7 +28,7 @@ int RunSql(const Context& context, const SqlRequest& request) {
   } else {
     const std::string text = (request.explain ? "EXPLAIN " : "") + request.statement;
     try {
-      Query(*connection, text).Write(context.out, context.format);
+      context.Write(Query(*connection, text));
     } catch (const Error& problem) {
       const auto place = PlaceInError(problem.Description());
       if (place) context.error << MarkPlace(request.statement, *place) << '\n';

@@ -7,6 +7,7 @@
 #include <ostream>
 #include <stdexcept>
 
+#include "host/text/CsvField.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
@@ -50,6 +51,29 @@ bool IsNumber(const Cell& cell) {
 /// A backslash is doubled, so that a text can be told from the escape of a character.
 std::string TabText(const Cell& cell) {
   return Printable(ReplaceAll(CellText(cell), "\\", "\\\\"));
+}
+
+/// Only texts may be formulas: a number with a sign is a number.
+bool IsFormulaCell(const Cell& cell) {
+  const auto* text = std::get_if<std::string>(&cell);
+  return text != nullptr && IsFormula(*text);
+}
+
+std::string CsvText(const Cell& cell) {
+  const auto* text = std::get_if<std::string>(&cell);
+  return text == nullptr ? CellText(cell) : CsvField(*text);
+}
+
+/// Header and rows, with a separator between the cells of each.
+template <typename Text>
+void WriteLines(std::ostream& out, const char* separator, const std::vector<std::string>& header,
+                const std::vector<std::vector<Cell>>& rows, const Text& text) {
+  const auto writeLine = [&](const auto& cells) {
+    for (std::size_t i = 0; i < cells.size(); ++i) out << (i == 0 ? "" : separator) << text(cells[i]);
+    out << '\n';
+  };
+  writeLine(header);
+  for (const std::vector<Cell>& row : rows) writeLine(row);
 }
 
 /// Characters that make a terminal, an editor or a spreadsheet show what follows in another order or on another line.
@@ -131,6 +155,8 @@ void Table::Write(std::ostream& out, OutputFormat format) const {
     out << Json() << '\n';
   } else if (format == OutputFormat::Tabs) {
     WriteTabs(out);
+  } else if (format == OutputFormat::Csv) {
+    WriteCsv(out);
   } else {
     WriteAligned(out);
   }
@@ -147,12 +173,17 @@ std::string Table::Json() const {
 }
 
 void Table::WriteTabs(std::ostream& out) const {
-  const auto writeLine = [&out](const auto& cells, const auto& text) {
-    for (std::size_t i = 0; i < cells.size(); ++i) out << (i == 0 ? "" : "\t") << text(cells[i]);
-    out << '\n';
-  };
-  writeLine(columns_, [](const std::string& name) { return TabText(name); });
-  for (const std::vector<Cell>& row : rows_) writeLine(row, TabText);
+  WriteLines(out, "\t", columns_, rows_, TabText);
+}
+
+void Table::WriteCsv(std::ostream& out) const {
+  WriteLines(out, ",", columns_, rows_, CsvText);
+}
+
+std::size_t Table::FormulaCount() const {
+  auto count = std::ranges::count_if(columns_, IsFormula);
+  for (const std::vector<Cell>& row : rows_) count += std::ranges::count_if(row, IsFormulaCell);
+  return static_cast<std::size_t>(count);
 }
 
 void Table::WriteAligned(std::ostream& out) const {

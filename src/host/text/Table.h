@@ -8,9 +8,9 @@
 
 namespace tavi::host {
 
-/// How results are written: aligned columns for people, tab-separated lines for other programs, JSON where one reads
-/// it.
-enum class OutputFormat { Table, Tabs, JsonText };
+/// How results are written: aligned columns for people, tab-separated lines for other programs, comma-separated ones
+/// for spreadsheets, JSON where a program reads it.
+enum class OutputFormat { Table, Tabs, Csv, JsonText };
 
 /// A number with a fixed count of decimals.
 struct Decimals {
@@ -32,15 +32,19 @@ class Table {
 
   /// Writes the table. Table: header, line, columns aligned by what a terminal shows, numbers to the right. Tabs:
   /// header and rows; tab, line feed, carriage return and backslash in texts are written \t \n \r \\. In both, what
-  /// steers a terminal is written as Printable does. Json: an array of objects, as PrintableJson writes them. Decimals
+  /// steers a terminal is written as Printable does. Csv: header and rows, each field as CsvField writes it. Json: an
+  /// array of objects, as PrintableJson writes them. Decimals
   /// are rounded as their 15 significant digits say, half-way to the even last digit.
   void Write(std::ostream& out, OutputFormat format) const;
+  /// How many column names and texts are no formulas only because CsvField puts something before them.
+  [[nodiscard]] std::size_t FormulaCount() const;
   /// The JSON array alone, for use inside a larger document.
   [[nodiscard]] std::string Json() const;
 
  private:
   void WriteAligned(std::ostream& out) const;
   void WriteTabs(std::ostream& out) const;
+  void WriteCsv(std::ostream& out) const;
 
   std::vector<std::string> columns_;
   std::vector<std::vector<Cell>> rows_;

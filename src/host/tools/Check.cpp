@@ -80,7 +80,9 @@ void WriteRemarks(const Context& context, const NameKeyCount& keys, const Missin
                    "members until they are brought up to date: 'tavi members' does so, as all that opens the club.\n";
   }
   if (missing.rows.empty()) return;
-  context.out << "Handicaps pass over rows that lack a number; complete or delete them with 'tavi sql':\n";
+  context.out
+      << "Handicaps pass over rows that lack a number, and fail at an unreadable one; complete or delete them with "
+         "'tavi sql':\n";
   for (const std::string& row : missing.rows) context.out << "  " << Printable(row) << '\n';
   if (missing.more > 0) context.out << "  (" << missing.more << " more)\n";
 }

@@ -18,7 +18,7 @@ int Compact(const Context& context, const std::string& file) {
   table.Add({std::string("Bytes before"), static_cast<std::int64_t>(result.bytesBefore)});
   table.Add({std::string("Bytes after"), static_cast<std::int64_t>(result.bytesAfter)});
   table.Add({std::string("Backup"), result.backup});
-  table.Write(context.out, context.format);
+  context.Write(table);
   return kSucceeded;
 }
 

@@ -40,7 +40,7 @@ void WriteChanges(const Context& context, const ImportPlan& plan) {
           {NumbersOf(change), change.name, kind, field.field, TextOrNothing(field.before), TextOrNothing(field.after)});
     }
   }
-  table.Write(context.out, context.format);
+  context.Write(table);
   context.error << "note: nothing was stored; it would be " << plan.Added() << " added, " << plan.Updated()
                 << " changed, " << plan.unchanged << " left as they are\n";
 }
@@ -49,7 +49,7 @@ void WriteFigures(const Context& context, const std::string& path, const ImportP
   Table table({"File", "Added", "Changed", "Unchanged"});
   table.Add({path, static_cast<std::int64_t>(plan.Added()), static_cast<std::int64_t>(plan.Updated()),
              static_cast<std::int64_t>(plan.unchanged)});
-  table.Write(context.out, context.format);
+  context.Write(table);
 }
 
 void WriteRemarks(const Context& context, const std::string& path, const ImportPlan& plan,

@@ -42,7 +42,7 @@ int ShowInfo(const Context& context) {
   table.Add(
       {std::string("Last event"), CellOf(OneValue(*connection, "Select Max(CompetitionDate) From Competitions"))});
   connection->Close();
-  table.Write(context.out, context.format);
+  context.Write(table);
   return kSucceeded;
 }
 

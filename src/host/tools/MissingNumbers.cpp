@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "platform/values/Convert.h"
+#include "platform/values/Error.h"
 
 namespace tavi::host {
 namespace {
@@ -36,6 +37,18 @@ void VisitRows(access::Database& database, const char* tableName, const ColumnNa
   }
 }
 
+/// What is wrong with a value that should be a number; empty when it is one.
+template <typename Read>
+std::string Lack(const Value& value, const Read& read) {
+  if (IsNull(value)) return "no";
+  try {
+    static_cast<void>(read(value));
+  } catch (const Error&) {
+    return "no readable";
+  }
+  return {};
+}
+
 std::string Shown(const Value& value) {
   return IsNull(value) ? "(none)" : ToText(value);
 }
@@ -54,15 +67,18 @@ MissingNumbers FindMissingNumbers(access::Database& database) {
   const access::ReadStatement statement(database.GetPager());
   MissingNumbers missing;
   VisitRows(database, "Results", {"ActualPercentage", "Player", "Partner", "Competition"}, [&](const Values& row) {
-    if (!IsNull(row[0])) return;
+    const std::string lack = Lack(row[0], ToDouble);
+    if (lack.empty()) return;
     Add(missing, "Results: player " + Shown(row[1]) + " with partner " + Shown(row[2]) + " in competition " +
-                     Shown(row[3]) + " has no percentage.");
+                     Shown(row[3]) + " has " + lack + " percentage.");
   });
   VisitRows(database, "Members", {"MembershipNumber", "FirstName", "LastName"}, [&](const Values& row) {
-    if (IsNull(row[0])) Add(missing, "Members: " + Shown(row[1]) + " " + Shown(row[2]) + " has no membership number.");
+    const std::string lack = Lack(row[0], ToInt32);
+    if (lack.empty()) return;
+    Add(missing, "Members: " + Shown(row[1]) + " " + Shown(row[2]) + " has " + lack + " membership number.");
   });
   VisitRows(database, "Partnerships", {"LowerPlayer", "HigherPlayer"}, [&](const Values& row) {
-    if (!IsNull(row[0]) && !IsNull(row[1])) return;
+    if (Lack(row[0], ToInt32).empty() && Lack(row[1], ToInt32).empty()) return;
     Add(missing, "Partnerships: the pair of " + Shown(row[0]) + " and " + Shown(row[1]) + " lacks a player's number.");
   });
   return missing;

@@ -42,7 +42,7 @@ int NewClub(const Context& context, const ClubIdentity& identity) {
   Table table({"What", "Value"});
   table.Add({std::string("File"), file});
   table.Add({std::string("Club"), identity.name});
-  table.Write(context.out, context.format);
+  context.Write(table);
   context.out.flush();
   return kSucceeded;
 }

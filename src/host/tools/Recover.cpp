@@ -111,7 +111,7 @@ Table Figures(const RecoveryReport& report, bool withDamage) {
 }
 
 void WriteForPeople(const Context& context, const RecoveryReport& report) {
-  Figures(report, false).Write(context.out, context.format);
+  context.Write(Figures(report, false));
   for (const RecoveredTable& table : report.tables) {
     const std::vector<std::string> damage = DamageOf(table);
     if (!damage.empty()) context.out << '\n' << table.name << '\n';
@@ -139,7 +139,7 @@ void Write(const Context& context, const RecoveryReport& report) {
   } else if (context.format == OutputFormat::Table) {
     WriteForPeople(context, report);
   } else {
-    Figures(report, true).Write(context.out, context.format);
+    context.Write(Figures(report, true));
   }
   for (const std::string& problem : report.problems) context.error << "tavi: " << PrintableLines(problem) << '\n';
 }
