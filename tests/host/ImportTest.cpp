@@ -181,6 +181,19 @@ TEST_F(ImportTest, InitialsThatTheFileDoesNotHaveTellNobodyApart) {
   EXPECT_EQ(FigureLine(Import("club_number,first,last\n7,Ann,Lee\n8,Robert,Ray\n")), "0\t0\t2\n");
 }
 
+// It was taken for member 0: each import said that it had changed him, and changed nobody.
+TEST_F(ImportTest, ARowWithoutANumberIsNobodyWhomAFileCanMean) {
+  for (const char* statement :
+       {"Drop Index PrimaryKey On Members", "Alter Table Members Alter Column MembershipNumber Long",
+        "Insert Into Members (FirstName, LastName, EBUNumber) Values ('Ida', 'Stray', '990188')"}) {
+    ASSERT_EQ(folder_.Run({"sql", statement}).code, 0) << statement;
+  }
+  const std::string ida = "ebu_number,first,last,email\n990188,Ida,Stray,ida@example.org\n";
+  EXPECT_EQ(FigureLine(Import(ida)), "1\t0\t0\n");
+  EXPECT_EQ(FigureLine(Import(ida)), "0\t0\t1\n");
+  EXPECT_THAT(folder_.Query("Select MembershipNumber From Members Where email = 'ida@example.org'"), ElementsAre("12"));
+}
+
 TEST_F(ImportTest, AnUnknownColumnIsAnErrorThatSuggestsTheNearestName) {
   EXPECT_THAT(Refusal("club_number,emial\n7,x\n"),
               HasSubstr("members.csv:1: the column \"emial\" is not known, did you mean email?"));

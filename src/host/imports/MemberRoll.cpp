@@ -18,6 +18,7 @@ MemberRoll::MemberRoll(cDatabase& store) {
   for (const MemberField& field : MemberFields()) columns += std::string(", ") + field.column;
   const auto rows = store.OpenRecordset("Select " + columns + " From Members");
   for (; !rows->AtEnd(); rows->MoveNext()) {
+    if (IsNull(rows->Get("MembershipNumber"))) continue;
     StoredMember member;
     member.number = cDatabase::GetNumericField(*rows, "MembershipNumber");
     for (const MemberField& field : MemberFields()) member.values[field.name] = StoredValue(*rows, field);

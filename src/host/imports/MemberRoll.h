@@ -22,7 +22,7 @@ struct StoredMember {
   [[nodiscard]] std::string NumberAndName() const;
 };
 
-/// All members of a club, to find those that a file means.
+/// All members of a club who have a number, to find those that a file means.
 class MemberRoll {
  public:
   /// Reads the members of the open file. Errors are the provider's.
