@@ -132,6 +132,12 @@ function(tavi_test name)
   if(TAVI_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
   endif()
+  if(NOT WIN32)
+    # What a room and the tests both made of one template is taken from whoever is linked first: the room, which is
+    # optimized. In this one is what all need of the standard library's texts.
+    target_link_options(${name} BEFORE PRIVATE
+      -Wl,--whole-archive $<TARGET_FILE:tavi_platform> -Wl,--no-whole-archive)
+  endif()
   if(WIN32)
     target_sources(${name} PRIVATE $<TARGET_OBJECTS:tavi_test_thread_end>)
     tavi_wine_test(Windows.${name}

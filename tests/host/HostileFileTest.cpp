@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <sstream>
 
 #include "SourceDirectory.h"
@@ -105,8 +104,8 @@ class HostileFile : public ::testing::Test {
     return Content(folder_.ClubFile());
   }
   [[nodiscard]] static Bytes Content(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
+    const std::string bytes = ReadFile(path);
+    return {bytes.begin(), bytes.end()};
   }
 
   CommandFolder folder_;

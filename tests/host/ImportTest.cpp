@@ -3,9 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "host/support/Command.h"
 
 namespace tavi::host {
@@ -94,12 +91,10 @@ TEST_F(ImportTest, TheSameImportTwiceChangesNothingTheSecondTime) {
       ",00990200,Łukasz,Wójcik,5 Low Road,,,,,n,\n";
   ASSERT_EQ(FigureLine(Import(more)), "2\t1\t0\n");
   const std::vector<std::string> once = folder_.Query(kAllOfThem);
-  std::ifstream first(folder_.ClubFile(), std::ios::binary);
-  const std::string bytes((std::istreambuf_iterator<char>(first)), std::istreambuf_iterator<char>());
+  const std::string bytes = ReadFile(folder_.ClubFile());
   EXPECT_EQ(FigureLine(Import(more)), "0\t0\t3\n");
   EXPECT_EQ(folder_.Query(kAllOfThem), once);
-  std::ifstream second(folder_.ClubFile(), std::ios::binary);
-  EXPECT_TRUE(bytes == std::string((std::istreambuf_iterator<char>(second)), std::istreambuf_iterator<char>()));
+  EXPECT_TRUE(bytes == ReadFile(folder_.ClubFile()));
 }
 
 TEST_F(ImportTest, NewMembersHaveWhatTheFileGivesAndNoDateThatNobodyGave) {

@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <sstream>
 #include <utility>
@@ -33,11 +32,6 @@ using Contents = std::map<std::string, std::string>;
 /// How often a whole command is interrupted at least; all places are taken when there are fewer.
 constexpr std::size_t kInterruptions = 10;
 constexpr std::size_t kLastCalls = 8;
-
-std::string FileContent(const fs::path& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
 
 class InterruptedCommand : public ::testing::Test {
  protected:
@@ -161,7 +155,7 @@ class InterruptedCommand : public ::testing::Test {
   /// Adds what a sound database holds. The same bytes are read and checked once, unless a log is to be brought in.
   void ReadDatabase(const fs::path& path, Contents& contents) {
     const bool hasLog = fs::exists(path.string() + ".redo");
-    const std::pair key(path.filename().string(), hasLog ? "" : FileContent(path));
+    const std::pair key(path.filename().string(), hasLog ? "" : ReadFile(path));
     auto known = read_.find(key);
     if (hasLog || known == read_.end()) known = read_.insert_or_assign(key, Dumped(path)).first;
     contents.insert(known->second.begin(), known->second.end());
@@ -177,7 +171,7 @@ class InterruptedCommand : public ::testing::Test {
     const std::string name = path.filename().string();
     contents[name] = "";
     for (const auto& entry : fs::directory_iterator(dump)) {
-      contents[name + "/" + entry.path().filename().string()] = FileContent(entry.path());
+      contents[name + "/" + entry.path().filename().string()] = ReadFile(entry.path());
     }
     return contents;
   }

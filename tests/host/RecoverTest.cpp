@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 #include <thread>
 
@@ -39,13 +38,9 @@ class Recover : public ::testing::Test {
   }
 
   [[nodiscard]] std::string OldFile() const { return folder_.Path("old/ClubMembers.mdb"); }
-  [[nodiscard]] static std::string Content(const std::string& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-  }
   /// Zeroes a page of the members; returns how many rows stood there.
   std::size_t LoseAPage() const {
-    DamagedBytes bytes(Content(OldFile()));
+    DamagedBytes bytes(ReadFile(OldFile()));
     const std::vector<std::size_t> pages = bytes.DataPagesOf(bytes.DefinitionOfTableWith("Lee of Ashby 1"));
     EXPECT_GE(pages.size(), 3U);
     const std::size_t lost = bytes.RowsOn(pages.at(1));
@@ -118,12 +113,12 @@ TEST_F(Recover, TheClubsOwnFileIsRefusedUnderWhateverName) {
   if (noLinks) GTEST_SKIP() << "users of Windows need a right of their own to make links";
 #endif
   ASSERT_FALSE(noLinks) << noLinks.message();
-  const std::string before = Content(OldFile());
+  const std::string before = ReadFile(OldFile());
   const Outcome outcome =
       folder_.RunIn(folder_.Path("old"), {"recover", "--replace", folder_.Path("link/ClubMembers.mdb")});
   EXPECT_EQ(outcome.code, 2);
   EXPECT_THAT(outcome.error, HasSubstr("is the club's own file"));
-  EXPECT_EQ(Content(OldFile()), before);
+  EXPECT_EQ(ReadFile(OldFile()), before);
 }
 
 TEST_F(Recover, WhatIsNoDatabaseLeavesNoNewFile) {
@@ -227,12 +222,12 @@ TEST_F(Recover, AnotherRunThatIsStillWorkingIsLeftAlone) {
     EXPECT_NE(outcome.code, 0);
     EXPECT_THAT(outcome.error, HasSubstr("another program is making or recovering this club"));
   }
-  EXPECT_EQ(Content(work), "in use");
+  EXPECT_EQ(ReadFile(work), "in use");
 }
 
 TEST_F(Recover, AClubFileThatIsDamagedItselfIsReplacedAllTheSame) {
   ASSERT_EQ(folder_.Run({"new", "--name", "Current"}).code, 0);
-  DamagedBytes bytes(Content(folder_.ClubFile()));
+  DamagedBytes bytes(ReadFile(folder_.ClubFile()));
   bytes.ZeroPage(bytes.DefinitionOfTableWith("Current"));
   folder_.Write("club/ClubMembers.mdb", bytes.Content());
   const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
@@ -302,7 +297,7 @@ TEST_F(Recover, TheGoverningBodysListStays) {
 }
 
 TEST_F(Recover, AFileCutInTheMiddleOfAPageIsReadToItsEnd) {
-  DamagedBytes bytes(Content(OldFile()));
+  DamagedBytes bytes(ReadFile(OldFile()));
   const std::vector<std::size_t> pages = bytes.DataPagesOf(bytes.DefinitionOfTableWith("Lee of Ashby 1"));
   bytes.CutBefore(pages.back(), 3000);
   const Outcome outcome = folder_.Run({"recover", folder_.Write("cut.mdb", bytes.Content())});
@@ -311,18 +306,18 @@ TEST_F(Recover, AFileCutInTheMiddleOfAPageIsReadToItsEnd) {
   for (const std::size_t page : pages) onWholePages += page == pages.back() ? 0 : bytes.RowsOn(page);
   EXPECT_GE(MemberCount(), onWholePages);
   EXPECT_LT(MemberCount(), 40U);
-  EXPECT_EQ(Content(folder_.Path("cut.mdb")), bytes.Content());
+  EXPECT_EQ(ReadFile(folder_.Path("cut.mdb")), bytes.Content());
 }
 
 TEST_F(Recover, AnOldFileWithALogKeepsBoth) {
   for (const std::string& content : {std::string("a log of something else"), std::string(500, 'x')}) {
     const std::string log = folder_.Write("old/ClubMembers.mdb.redo", content);
-    const std::string before = Content(OldFile());
+    const std::string before = ReadFile(OldFile());
     const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
     EXPECT_EQ(outcome.code, 0) << outcome.error;
     EXPECT_NE(outcome.error.find("the log beside " + OldFile()), std::string::npos) << outcome.error;
-    EXPECT_EQ(Content(OldFile()), before);
-    EXPECT_EQ(Content(log), content);
+    EXPECT_EQ(ReadFile(OldFile()), before);
+    EXPECT_EQ(ReadFile(log), content);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder_.Path("old")), {}), 2);
   }
 }
@@ -331,20 +326,20 @@ TEST_F(Recover, WhatACrashLeftInTheLogIsSavedAndStaysThere) {
   const auto connection =
       MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + OldFile());
   connection->Execute("Insert into Members (MembershipNumber, LastName) Values (99, 'in the log')");
-  const std::string file = Content(OldFile());
-  const std::string log = Content(OldFile() + ".redo");
+  const std::string file = ReadFile(OldFile());
+  const std::string log = ReadFile(OldFile() + ".redo");
   ASSERT_FALSE(log.empty());
   connection->Close();
   folder_.Write("old/ClubMembers.mdb", file);
   folder_.Write("old/ClubMembers.mdb.redo", log);
   EXPECT_EQ(folder_.Run({"recover", OldFile()}).code, 0);
   EXPECT_EQ(MemberCount(), 41U);
-  EXPECT_EQ(Content(OldFile()), file);
-  EXPECT_EQ(Content(OldFile() + ".redo"), log);
+  EXPECT_EQ(ReadFile(OldFile()), file);
+  EXPECT_EQ(ReadFile(OldFile() + ".redo"), log);
 }
 
 TEST_F(Recover, AFirstPageThatIsGoneCostsNothing) {
-  DamagedBytes bytes(Content(OldFile()));
+  DamagedBytes bytes(ReadFile(OldFile()));
   bytes.ZeroPage(0);
   const Outcome outcome = folder_.Run({"recover", folder_.Write("headless.mdb", bytes.Content())});
   EXPECT_EQ(outcome.code, 0) << outcome.error;

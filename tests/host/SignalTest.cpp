@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "SourceDirectory.h"
 #include "host/commands/Context.h"
@@ -29,8 +28,7 @@ class Signals : public ::testing::Test {
     const std::string line = before + " '" + TAVI_PROGRAM + "' --db '" + folder_.Club() + "' --today 2026-01-15 " +
                              arguments + " 2> '" + error + "'" + after;
     const int status = std::system(line.c_str());
-    std::ifstream stream(error);
-    error_ = {std::istreambuf_iterator<char>(stream), {}};
+    error_ = ReadFile(error);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
   /// The exit code of the command itself when nobody reads what it writes.

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <memory>
 #include <sstream>
@@ -42,11 +44,20 @@ std::string ReadFile(const std::filesystem::path& path) {
   return text.str();
 }
 
+std::filesystem::path FolderOfTests() {
+  const std::filesystem::path memory = "/dev/shm";
+  constexpr std::uintmax_t kEnough = std::uintmax_t{512} << 20U;
+  std::error_code error;
+  const bool isChosen = std::getenv("TMPDIR") != nullptr;
+  if (!isChosen && std::filesystem::space(memory, error).available >= kEnough && !error) return memory;
+  return std::filesystem::temp_directory_path();
+}
+
 CommandFolder::CommandFolder() {
   const auto* test = ::testing::UnitTest::GetInstance()->current_test_info();
   std::string name = std::string(test->test_suite_name()) + "-" + test->name();
   for (char& c : name) c = c == '/' ? '-' : c;
-  folder_ = std::filesystem::temp_directory_path() / ("tavi-" + std::to_string(getpid()) + "-" + name);
+  folder_ = FolderOfTests() / ("tavi-" + std::to_string(getpid()) + "-" + name);
   RemoveAll(folder_);
   std::filesystem::create_directories(folder_);
 }

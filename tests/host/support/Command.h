@@ -16,6 +16,10 @@ struct Outcome {
 /// The bytes of a file.
 [[nodiscard]] std::string ReadFile(const std::filesystem::path& path);
 
+/// Where tests of commands have their files: in memory where the system keeps a folder there with enough room and
+/// TMPDIR names no other, because most of what a command does to a disk is to wait for it.
+[[nodiscard]] std::filesystem::path FolderOfTests();
+
 /// A folder of one test, gone afterwards, and the command run in it.
 class CommandFolder {
  public:
