@@ -1,9 +1,8 @@
-#include "access/catalog/AutoNumbers.h"
-
 #include <limits>
 #include <random>
 
 #include "access/catalog/ChangeErrors.h"
+#include "access/catalog/StoredTable.h"
 #include "access/file/Format.h"
 #include "platform/values/Text.h"
 

@@ -4,7 +4,6 @@
 
 #include "access/catalog/ChangeErrors.h"
 #include "access/catalog/Names.h"
-#include "access/catalog/SystemRow.h"
 #include "access/catalog/SystemTables.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"

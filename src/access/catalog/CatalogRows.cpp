@@ -1,9 +1,7 @@
-#include "access/catalog/CatalogRows.h"
-
 #include <algorithm>
 
+#include "access/catalog/Catalog.h"
 #include "access/catalog/KeyLookup.h"
-#include "access/catalog/SystemRow.h"
 #include "access/catalog/SystemTables.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"

@@ -16,7 +16,7 @@ enum class CheckKind {
 };
 
 /// What a finding is about. Where no finding is about the file or rows the rows are whole, and a rebuild of the file
-/// (see Compact.h) mends indexes and counters; a relationship may look broken only because an index that it uses is.
+/// (see CompactFile) mends indexes and counters; a relationship may look broken only because an index that it uses is.
 enum class CheckPart {
   File,  ///< the header, the catalogue, the maps of pages
   Rows,  ///< definition, rows and long values of a table

@@ -1,12 +1,12 @@
 #include <algorithm>
 #include <functional>
 
-#include "access/catalog/CatalogRows.h"
+#include "access/catalog/Catalog.h"
 #include "access/catalog/ChangeErrors.h"
-#include "access/catalog/DataPageCheck.h"
 #include "access/catalog/DefinitionChanges.h"
 #include "access/catalog/Names.h"
 #include "access/catalog/RowShape.h"
+#include "access/catalog/TableCheck.h"
 #include "access/catalog/TableLayout.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"

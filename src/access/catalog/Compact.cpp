@@ -4,8 +4,6 @@
 #include <optional>
 #include <vector>
 
-#include "access/catalog/Dump.h"
-#include "access/catalog/Rebuild.h"
 #include "access/file/EngineError.h"
 #include "access/file/Replacement.h"
 #include "platform/values/Error.h"
@@ -107,7 +105,7 @@ class Compacting {
     const ReadStatement oldStatement(source_.GetPager());
     const ReadStatement newStatement(made.GetPager());
     for (const CatalogEntry& entry : source_.Tables()) {
-      if (!entry.isLinked && TableText(source_, entry.name) != TableText(made, entry.name))
+      if (!entry.isLinked && !HaveSameRows(*source_.OpenTable(entry.name), *made.OpenTable(entry.name)))
         RaiseDifferent("The table '" + entry.name + "' reads differently.");
     }
   }

@@ -1,5 +1,4 @@
-#include "access/catalog/DataPageCheck.h"
-
+#include "access/catalog/TableCheck.h"
 #include "access/file/Format.h"
 
 namespace tavi::access {

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "access/catalog/CatalogRows.h"
+#include "access/catalog/Catalog.h"
 #include "access/catalog/ChangeErrors.h"
 #include "access/catalog/DefinitionChanges.h"
 #include "access/catalog/Names.h"

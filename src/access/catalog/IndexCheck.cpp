@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "access/catalog/KeyOrder.h"
+#include "access/catalog/KeyLookup.h"
 #include "access/catalog/TableCheck.h"
 #include "access/file/UsageMap.h"
 #include "access/index/BTreeCheck.h"

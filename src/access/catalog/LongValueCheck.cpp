@@ -1,5 +1,4 @@
-#include "access/catalog/LongValueCheck.h"
-
+#include "access/catalog/TableCheck.h"
 #include "access/file/Bytes.h"
 #include "access/file/Format.h"
 #include "access/file/UsageMap.h"

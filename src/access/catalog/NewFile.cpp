@@ -2,9 +2,8 @@
 
 #include <bit>
 
-#include "access/catalog/CatalogRows.h"
+#include "access/catalog/Catalog.h"
 #include "access/catalog/MemoryPager.h"
-#include "access/catalog/SystemRow.h"
 #include "access/catalog/SystemTables.h"
 #include "access/catalog/TableLayout.h"
 #include "access/file/DatabaseHeader.h"

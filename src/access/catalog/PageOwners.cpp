@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "access/catalog/DataPageCheck.h"
+#include "access/catalog/TableCheck.h"
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"

@@ -1,9 +1,8 @@
-#include "access/catalog/Rebuild.h"
-
 #include <algorithm>
 #include <map>
 #include <set>
 
+#include "access/catalog/Compact.h"
 #include "access/catalog/DefinitionChanges.h"
 #include "access/catalog/MemoryPager.h"
 #include "access/catalog/NewFile.h"

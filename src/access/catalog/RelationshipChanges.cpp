@@ -1,11 +1,10 @@
 #include <algorithm>
 
-#include "access/catalog/CatalogRows.h"
+#include "access/catalog/Catalog.h"
 #include "access/catalog/ChangeErrors.h"
 #include "access/catalog/DefinitionChanges.h"
 #include "access/catalog/KeyLookup.h"
 #include "access/catalog/Names.h"
-#include "access/catalog/SystemRow.h"
 #include "access/catalog/SystemTables.h"
 #include "access/catalog/TableLayout.h"
 #include "access/file/EngineError.h"

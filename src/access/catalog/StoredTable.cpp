@@ -1,9 +1,8 @@
 #include "access/catalog/StoredTable.h"
 
-#include "access/catalog/AutoNumbers.h"
 #include "access/catalog/ChangeErrors.h"
 #include "access/catalog/DefinitionChanges.h"
-#include "access/catalog/KeyOrder.h"
+#include "access/catalog/KeyLookup.h"
 #include "access/catalog/RelationshipRules.h"
 #include "access/file/EngineError.h"
 #include "access/table/RowCodec.h"

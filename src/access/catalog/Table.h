@@ -61,8 +61,8 @@ class Table {
   [[nodiscard]] virtual BTree& Tree(std::size_t index) = 0;
   [[nodiscard]] virtual const KeyEncoder& Encoder(std::size_t index) = 0;
   /// True when what a key is looked for under is where it stands: the keys of the index can be made here, and stand as
-  /// they are made here (see KeyOrder.h). Nothing may be looked for in the tree of another index. A change of a row
-  /// makes such an index anew first, where its keys can be made.
+  /// they are made here (see HasOwnKeys in KeyLookup.h). Nothing may be looked for in the tree of another index. A
+  /// change of a row makes such an index anew first, where its keys can be made.
   [[nodiscard]] virtual bool CanSearch(std::size_t index) = 0;
 
   /// Adds a row. Values are converted to their columns' types; an automatic number whose value is null gets the next

@@ -3,12 +3,52 @@
 #include <map>
 #include <memory>
 #include <set>
+#include <span>
+#include <string>
+#include <vector>
 
 #include "access/catalog/Check.h"
-#include "access/catalog/LongValueCheck.h"
+#include "access/catalog/CheckReport.h"
 #include "access/catalog/PageOwners.h"
+#include "access/table/DataPage.h"
+#include "access/table/TableDefinition.h"
 
 namespace tavi::access {
+
+/// The row directory of a data page (of a table, or of long values); `owner` is what its owner field must hold.
+/// Reports, with `where`, a page of another kind or owner, directory entries that do not fit, and a wrong count of free
+/// bytes. A page that cannot be read further gives no entries.
+std::vector<RowEntry> CheckDataPage(const Page& page, std::uint32_t owner, const std::string& where,
+                                    CheckReport& report);
+
+/// Checks the long values (Memo, OLE) of one column: each is complete and used by one row, and none is left over.
+class LongValueCheck {
+ public:
+  /// Claims and reads the column's pages. `where` names table and column.
+  LongValueCheck(Pager& pager, std::string where, const LongValueMaps& maps, PageOwners& owners, CheckReport& report);
+
+  /// Checks a value by its descriptor as it stands in a row.
+  void Use(std::span<const std::uint8_t> descriptor, RowPointer row);
+  /// Remarks on what no row uses. Call it after all rows.
+  void ReportUnused();
+
+ private:
+  struct Part {
+    std::size_t offset = 0;
+    std::size_t length = 0;
+    bool used = false;
+  };
+
+  [[nodiscard]] Part* Take(RowPointer place, const std::string& value);
+  void UseSingle(RowPointer place, std::size_t length, const std::string& value);
+  void UseChain(RowPointer place, std::size_t length, const std::string& value);
+
+  Pager& pager_;
+  std::string where_;
+  CheckReport& report_;
+  std::map<RowPointer, Part> parts_;
+  std::set<PageNumber> freeSpacePages_;
+};
 
 /// Checks one table: its definition, pages, rows, long values, counters and indexes.
 class TableCheck {

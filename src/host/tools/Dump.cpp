@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "access/catalog/Dump.h"
+#include "host/dump/DatabaseDump.h"
 #include "host/text/PathText.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
@@ -43,7 +43,7 @@ int Dump(const Context& context, const std::string& file, const std::string& fol
   const std::unique_ptr<access::Database> database = OpenToRead(context, file);
   const std::string target = AbsolutePath(NativePath(folder));
   MakeFolder(target);
-  access::DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
+  DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
     WriteFile(PathOf(target) / NativeFilePath(name), text);
   });
   return kSucceeded;

@@ -1,28 +1,26 @@
 // Compacting: what is kept, what is freed, who is refused, and what is left when it is stopped at any instant.
-
-#include "access/catalog/Compact.h"
-
 #include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <set>
 
 #include "SourceDirectory.h"
-#include "access/catalog/Dump.h"
+#include "access/catalog/Compact.h"
 #include "access/catalog/NewFile.h"
-#include "access/catalog/Rebuild.h"
 #include "access/catalog/support/TestFile.h"
 #include "access/file/DatabaseHeader.h"
 #include "access/file/Format.h"
 #include "access/file/support/CrashingFileSystem.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
+#include "host/dump/DatabaseDump.h"
 
 namespace tavi::access::test {
 namespace {
 
 namespace fs = std::filesystem;
+using host::DumpDatabase;
+using host::TableText;
 using Contents = std::map<std::string, std::string>;
 
 constexpr char kPath[] = "club.mdb";

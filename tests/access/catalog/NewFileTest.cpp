@@ -1,14 +1,12 @@
-#include "access/catalog/NewFile.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
+#include <gtest/gtest.h>
 #include <tuple>
 
-#include "access/catalog/Dump.h"
+#include "access/catalog/NewFile.h"
 #include "access/catalog/support/TestFile.h"
+#include "host/dump/DatabaseDump.h"
 
 namespace tavi::access::test {
 namespace {
@@ -104,7 +102,7 @@ void ExpectSameTable(Database& made, Database& sample, const std::string& name) 
   ExpectSameFields(left.logicalIndexes, right.logicalIndexes);
   EXPECT_EQ(left.longValueMaps.size(), right.longValueMaps.size());
   EXPECT_EQ(RowCount(made.GetPager(), left), RowCount(sample.GetPager(), right));
-  EXPECT_EQ(TableText(made, name), TableText(sample, name));
+  EXPECT_EQ(host::TableText(made, name), host::TableText(sample, name));
 }
 
 TEST(NewFile, HasEveryFieldOfAFileThatAnotherEngineMade) {

@@ -1,10 +1,8 @@
 // Real files of Access: each reads as its expected contents say, and is sound.
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -13,7 +11,7 @@
 #include "access/catalog/PropertyBlob.h"
 #include "access/catalog/support/TestFile.h"
 #include "access/file/Format.h"
-#include "access/table/TsvValue.h"
+#include "host/dump/DatabaseDump.h"
 
 namespace tavi::access::test {
 namespace {
@@ -145,7 +143,7 @@ TEST_P(RealFiles, HasTheExpectedRows) {
         std::string line;
         for (const auto& column : expected["columns"]) {
           if (!line.empty() || column != expected["columns"][0]) line += '\t';
-          line += TsvText(row[table->FindColumn(column["name"].get<std::string>()).value()]);
+          line += host::TsvText(row[table->FindColumn(column["name"].get<std::string>()).value()]);
         }
         lines.push_back(line);
       }

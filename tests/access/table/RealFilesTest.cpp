@@ -1,16 +1,14 @@
 // Files that Access has written, read and compared with what an independent reader made of them.
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cctype>
 #include <fstream>
+#include <gtest/gtest.h>
 
 #include "access/file/Format.h"
 #include "access/table/DefinitionBytes.h"
 #include "access/table/TableRows.h"
-#include "access/table/TsvValue.h"
 #include "access/table/support/RealFiles.h"
+#include "host/dump/DatabaseDump.h"
 
 namespace tavi::access::test {
 namespace {
@@ -68,7 +66,7 @@ std::vector<std::string> ActualLines(Pager& pager, const TableDefinition& defini
   const TableRows rows(pager, definition);
   rows.Walk([&](RowPointer row) {
     const RowValues values = rows.Read(row);
-    lines.push_back(JoinedLine(positions, [&values](std::size_t i) { return TsvText(values[i]); }));
+    lines.push_back(JoinedLine(positions, [&values](std::size_t i) { return host::TsvText(values[i]); }));
     return true;
   });
   std::ranges::sort(lines);

@@ -5,7 +5,7 @@
 
 #include "access/file/Checksum.h"
 #include "access/file/Pager.h"
-#include "access/table/TsvValue.h"
+#include "host/dump/DatabaseDump.h"
 
 namespace tavi::access::test {
 
@@ -21,7 +21,7 @@ std::uint64_t AddValue(std::uint64_t digest, const Value& value) {
   digest = Checksum(digest, type);
   if (const auto* text = std::get_if<std::string>(&value)) return Add(digest, *text);
   if (const auto* bytes = std::get_if<Bytes>(&value)) return Checksum(digest, *bytes);
-  return Add(digest, TsvText(value));
+  return Add(digest, host::TsvText(value));
 }
 
 std::uint64_t AddTable(std::uint64_t digest, Table& table) {
@@ -46,7 +46,7 @@ std::uint64_t AddTable(std::uint64_t digest, Table& table) {
 std::string Printed(const Value& value) {
   if (const auto* text = std::get_if<std::string>(&value)) return '"' + *text + '"';
   if (const auto* flag = std::get_if<bool>(&value)) return *flag ? "1" : "0";
-  return IsNull(value) ? "" : TsvText(value);
+  return IsNull(value) ? "" : host::TsvText(value);
 }
 
 std::string PrintedRow(const RowValues& row) {

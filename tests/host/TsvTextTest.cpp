@@ -1,14 +1,13 @@
-#include "access/table/TsvValue.h"
-
 #include <gtest/gtest.h>
-
 #include <limits>
 
-#include "access/table/Sha256.h"
 #include "access/table/support/Hex.h"
+#include "host/dump/DatabaseDump.h"
 
-namespace tavi::access::test {
+namespace tavi::host {
 namespace {
+
+using access::test::ToHex;
 
 using std::string_literals::operator""s;
 
@@ -78,4 +77,4 @@ TEST(Sha256, KnownDigests) {
 }
 
 }  // namespace
-}  // namespace tavi::access::test
+}  // namespace tavi::host

@@ -1,18 +1,16 @@
-#include "access/catalog/Dump.h"
+#include "host/dump/DatabaseDump.h"
 
 #include <algorithm>
 #include <set>
 
-#include "access/catalog/JsonTree.h"
 #include "access/catalog/Names.h"
-#include "access/table/Sha256.h"
-#include "access/table/TsvValue.h"
+#include "host/dump/JsonTree.h"
 
-namespace tavi::access {
+namespace tavi::host {
 
 namespace {
 
-using Kind = LogicalIndexDefinition::Kind;
+using Kind = access::LogicalIndexDefinition::Kind;
 
 constexpr std::string_view kUpperHexadecimal = "0123456789ABCDEF";
 constexpr char kTextFileEnding[] = ".tsv";
@@ -20,35 +18,35 @@ constexpr std::size_t kLongestFileName = 255;  // bytes that file systems take
 constexpr char kCutMark = '~';                 // stands in no name that is written whole
 constexpr std::size_t kCutDigestSize = 8;      // bytes of the digest that tells cut names apart
 
-const char* TypeName(ColumnType type) {
+const char* TypeName(access::ColumnType type) {
   switch (type) {
-    case ColumnType::Boolean:
+    case access::ColumnType::Boolean:
       return "Boolean";
-    case ColumnType::Byte:
+    case access::ColumnType::Byte:
       return "Byte";
-    case ColumnType::Integer:
+    case access::ColumnType::Integer:
       return "Integer";
-    case ColumnType::Long:
+    case access::ColumnType::Long:
       return "Long";
-    case ColumnType::Currency:
+    case access::ColumnType::Currency:
       return "Currency";
-    case ColumnType::Single:
+    case access::ColumnType::Single:
       return "Single";
-    case ColumnType::Double:
+    case access::ColumnType::Double:
       return "Double";
-    case ColumnType::Date:
+    case access::ColumnType::Date:
       return "DateTime";
-    case ColumnType::Text:
+    case access::ColumnType::Text:
       return "Text";
-    case ColumnType::Memo:
+    case access::ColumnType::Memo:
       return "Memo";
-    case ColumnType::Ole:
+    case access::ColumnType::Ole:
       return "OLE";
-    case ColumnType::Binary:
+    case access::ColumnType::Binary:
       return "Binary";
-    case ColumnType::Guid:
+    case access::ColumnType::Guid:
       return "GUID";
-    case ColumnType::Numeric:
+    case access::ColumnType::Numeric:
       return "Numeric";
     default:
       return "other";
@@ -56,23 +54,23 @@ const char* TypeName(ColumnType type) {
 }
 
 /// Positions of the columns in the order of their permanent numbers.
-std::vector<std::size_t> ColumnOrder(const Table& table) {
+std::vector<std::size_t> ColumnOrder(const access::Table& table) {
   std::vector<std::size_t> positions(table.Columns().size());
   for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = i;
   std::ranges::stable_sort(positions, {}, [&](std::size_t i) { return table.Columns()[i].definition.id; });
   return positions;
 }
 
-JsonTree ColumnTree(const Column& column, bool isJet3) {
-  const ColumnDefinition& definition = column.definition;
+JsonTree ColumnTree(const access::Column& column, bool isJet3) {
+  const access::ColumnDefinition& definition = column.definition;
   JsonTree tree = JsonTree::Object();
   tree.Set("name", JsonTree::Text(definition.name));
   tree.Set("type", JsonTree::Text(TypeName(definition.type)));
   tree.Set("number", JsonTree::Number(definition.id));
-  const bool isWideText = definition.type == ColumnType::Text && !isJet3;
+  const bool isWideText = definition.type == access::ColumnType::Text && !isJet3;
   const std::size_t length = isWideText ? definition.length / 2U : definition.length;
   tree.Set("length", JsonTree::Number(definition.IsLongValue() ? 0 : length));
-  if (definition.type == ColumnType::Numeric) {
+  if (definition.type == access::ColumnType::Numeric) {
     tree.Set("precision", JsonTree::Number(definition.precision));
     tree.Set("scale", JsonTree::Number(definition.scale));
   }
@@ -82,13 +80,13 @@ JsonTree ColumnTree(const Column& column, bool isJet3) {
   return tree;
 }
 
-JsonTree IndexTree(const Table& table, const LogicalIndexDefinition& logical) {
-  RealIndexDefinition real;
+JsonTree IndexTree(const access::Table& table, const access::LogicalIndexDefinition& logical) {
+  access::RealIndexDefinition real;
   const auto& indexes = table.Definition().realIndexes;
   if (logical.realIndex < indexes.size()) real = indexes[logical.realIndex];
   JsonTree columns = JsonTree::Array();
-  for (const IndexColumn& column : real.columns) {
-    const ColumnDefinition* definition = table.Definition().FindColumn(column.columnId);
+  for (const access::IndexColumn& column : real.columns) {
+    const access::ColumnDefinition* definition = table.Definition().FindColumn(column.columnId);
     JsonTree tree = JsonTree::Object();
     tree.Set("name", JsonTree::Text(definition == nullptr ? std::string() : definition->name));
     columns.Add(std::move(tree.Set("ascending", JsonTree::Flag(column.ascending))));
@@ -134,13 +132,13 @@ std::string FileName(const std::string& table) {
   return Escaped(table.substr(0, kept)) + end;
 }
 
-JsonTree TableTree(const Table& table, std::size_t rows, bool isJet3) {
+JsonTree TableTree(const access::Table& table, std::size_t rows, bool isJet3) {
   JsonTree columns = JsonTree::Array();
   for (const std::size_t i : ColumnOrder(table)) columns.Add(ColumnTree(table.Columns()[i], isJet3));
-  std::vector<LogicalIndexDefinition> sorted = table.Definition().logicalIndexes;
-  std::ranges::stable_sort(sorted, {}, &LogicalIndexDefinition::name);
+  std::vector<access::LogicalIndexDefinition> sorted = table.Definition().logicalIndexes;
+  std::ranges::stable_sort(sorted, {}, &access::LogicalIndexDefinition::name);
   JsonTree indexes = JsonTree::Array();
-  for (const LogicalIndexDefinition& logical : sorted) indexes.Add(IndexTree(table, logical));
+  for (const access::LogicalIndexDefinition& logical : sorted) indexes.Add(IndexTree(table, logical));
   JsonTree tree = JsonTree::Object();
   tree.Set("name", JsonTree::Text(table.Name())).Set("file", JsonTree::Text(FileName(table.Name())));
   tree.Set("rows", JsonTree::Number(rows));
@@ -148,7 +146,7 @@ JsonTree TableTree(const Table& table, std::size_t rows, bool isJet3) {
   return tree;
 }
 
-JsonTree RelationshipTree(const Relationship& relationship) {
+JsonTree RelationshipTree(const access::Relationship& relationship) {
   JsonTree tree = JsonTree::Object();
   tree.Set("name", JsonTree::Text(relationship.name));
   tree.Set("primaryTable", JsonTree::Text(relationship.primaryTable));
@@ -161,11 +159,11 @@ JsonTree RelationshipTree(const Relationship& relationship) {
   return tree;
 }
 
-std::vector<std::string> LinesOf(Table& table) {
+std::vector<std::string> LinesOf(access::Table& table) {
   const std::vector<std::size_t> order = ColumnOrder(table);
   std::vector<std::string> lines;
   for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row)) {
-    const RowValues values = table.Read(*row);
+    const access::RowValues values = table.Read(*row);
     std::string line;
     for (const std::size_t i : order) line += (i == order.front() ? "" : "\t") + TsvText(values[i]);
     lines.push_back(std::move(line));
@@ -174,7 +172,7 @@ std::vector<std::string> LinesOf(Table& table) {
   return lines;
 }
 
-std::string Header(const Table& table) {
+std::string Header(const access::Table& table) {
   std::string header;
   for (const std::size_t i : ColumnOrder(table))
     header += (header.empty() ? "" : "\t") + TsvText(table.Columns()[i].definition.name);
@@ -187,9 +185,9 @@ struct UserObjects {
   std::vector<std::string> links;
 };
 
-UserObjects FindUserObjects(Database& database) {
+UserObjects FindUserObjects(access::Database& database) {
   UserObjects objects;
-  for (const CatalogEntry& entry : database.Tables())
+  for (const access::CatalogEntry& entry : database.Tables())
     if (!entry.isSystem) (entry.isLinked ? objects.links : objects.tables).push_back(entry.name);
   std::ranges::sort(objects.tables);
   std::ranges::sort(objects.links);
@@ -197,17 +195,17 @@ UserObjects FindUserObjects(Database& database) {
 }
 
 /// The relationships in which no table of the system takes part, ordered by name.
-std::vector<Relationship> FindUserRelationships(Database& database) {
+std::vector<access::Relationship> FindUserRelationships(access::Database& database) {
   std::set<std::string> systemTables;
-  for (const CatalogEntry& entry : database.Tables())
-    if (entry.isSystem) systemTables.insert(NameKey(entry.name));
-  std::vector<Relationship> relationships;
-  for (const Relationship& relationship : database.Relationships()) {
-    const bool isSystem = systemTables.contains(NameKey(relationship.primaryTable)) ||
-                          systemTables.contains(NameKey(relationship.foreignTable));
+  for (const access::CatalogEntry& entry : database.Tables())
+    if (entry.isSystem) systemTables.insert(access::NameKey(entry.name));
+  std::vector<access::Relationship> relationships;
+  for (const access::Relationship& relationship : database.Relationships()) {
+    const bool isSystem = systemTables.contains(access::NameKey(relationship.primaryTable)) ||
+                          systemTables.contains(access::NameKey(relationship.foreignTable));
     if (!isSystem) relationships.push_back(relationship);
   }
-  std::ranges::stable_sort(relationships, {}, &Relationship::name);
+  std::ranges::stable_sort(relationships, {}, &access::Relationship::name);
   return relationships;
 }
 
@@ -219,20 +217,20 @@ std::string JoinLines(const std::string& header, const std::vector<std::string>&
 
 }  // namespace
 
-void DumpDatabase(Database& database,
+void DumpDatabase(access::Database& database,
                   const std::function<void(const std::string& name, const std::string& text)>& write) {
-  const ReadStatement statement(database.GetPager());
+  const access::ReadStatement statement(database.GetPager());
   const bool isJet3 = database.GetPager().IsJet3();
   const UserObjects objects = FindUserObjects(database);
   JsonTree tables = JsonTree::Array();
   for (const std::string& name : objects.tables) {
-    const std::shared_ptr<Table> table = database.OpenTable(name);
+    const std::shared_ptr<access::Table> table = database.OpenTable(name);
     const std::vector<std::string> lines = LinesOf(*table);
     tables.Add(TableTree(*table, lines.size(), isJet3));
     write(FileName(name), JoinLines(Header(*table), lines));
   }
   JsonTree relationships = JsonTree::Array();
-  for (const Relationship& relationship : FindUserRelationships(database))
+  for (const access::Relationship& relationship : FindUserRelationships(database))
     relationships.Add(RelationshipTree(relationship));
   JsonTree schema = JsonTree::Object();
   schema.Set("jet", JsonTree::Number(isJet3 ? 3 : 4)).Set("tables", std::move(tables));
@@ -240,10 +238,10 @@ void DumpDatabase(Database& database,
   write("schema.json", schema.Write() + "\n");
 }
 
-std::string TableText(Database& database, const std::string& table) {
-  const ReadStatement statement(database.GetPager());
-  const std::shared_ptr<Table> opened = database.OpenTable(table);
+std::string TableText(access::Database& database, const std::string& table) {
+  const access::ReadStatement statement(database.GetPager());
+  const std::shared_ptr<access::Table> opened = database.OpenTable(table);
   return JoinLines(Header(*opened), LinesOf(*opened));
 }
 
-}  // namespace tavi::access
+}  // namespace tavi::host

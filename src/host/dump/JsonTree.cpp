@@ -1,10 +1,10 @@
-#include "access/catalog/JsonTree.h"
+#include "host/dump/JsonTree.h"
 
 #include <array>
 
 #include "platform/values/Text.h"
 
-namespace tavi::access {
+namespace tavi::host {
 
 namespace {
 
@@ -86,4 +86,4 @@ std::string JsonTree::Write(std::size_t depth) const {
   return text + "\n" + std::string(2 * depth, ' ') + Brackets().back();
 }
 
-}  // namespace tavi::access
+}  // namespace tavi::host

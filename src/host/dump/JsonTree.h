@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace tavi::access {
+namespace tavi::host {
 
 /// A JSON document that is built once and written. Members of objects keep the order in which they were added.
 class JsonTree {
@@ -39,4 +39,4 @@ class JsonTree {
   std::vector<std::pair<std::string, JsonTree>> children_;  ///< the names of an object's members end in ": "
 };
 
-}  // namespace tavi::access
+}  // namespace tavi::host

@@ -1,10 +1,10 @@
-#include "access/table/Sha256.h"
-
 #include <algorithm>
 #include <bit>
 #include <vector>
 
-namespace tavi::access {
+#include "host/dump/DatabaseDump.h"
+
+namespace tavi::host {
 
 namespace {
 
@@ -86,4 +86,4 @@ std::array<std::uint8_t, 32> Sha256(std::span<const std::uint8_t> bytes) {
   return digest;
 }
 
-}  // namespace tavi::access
+}  // namespace tavi::host

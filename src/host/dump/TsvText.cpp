@@ -1,16 +1,14 @@
-#include "access/table/TsvValue.h"
-#include "platform/values/Calendar.h"
-
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <span>
 
-#include "access/table/Sha256.h"
+#include "host/dump/DatabaseDump.h"
+#include "platform/values/Calendar.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
-namespace tavi::access {
+namespace tavi::host {
 
 namespace {
 
@@ -150,4 +148,4 @@ std::string TsvText(const Value& value) {
   return std::visit(Formatter{}, value);
 }
 
-}  // namespace tavi::access
+}  // namespace tavi::host
