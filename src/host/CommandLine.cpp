@@ -57,8 +57,9 @@ struct Choices {
 
 void AddNew(CLI::App& app, Choices& choices) {
   CLI::App* command = app.add_subcommand("new", "Make a club's empty file ClubMembers.mdb in the folder");
-  command->add_option("--name", choices.name, "The club's name");
-  command->add_option("--ebu", choices.number, "The club's number at its governing body");
+  CLI::Option* name = command->add_option("--name", choices.name, "The club's name");
+  command->add_option("--ebu", choices.number, "The club's number at its governing body, kept with its name")
+      ->needs(name);
   command->callback([&choices] {
     choices.action = [&choices](const Context& context) { return NewClub(context, {choices.name, choices.number}); };
   });

@@ -25,6 +25,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsSupersetOf;
 using Arguments = std::vector<std::string>;
 /// All that a club's folder holds: contents of its files by name, databases as the text of all their tables.
 using Contents = std::map<std::string, std::string>;
@@ -114,7 +116,7 @@ class InterruptedCommand : public ::testing::Test {
   /// Whether a full disk must leave the folder as it was.
   bool isWholeOrNothing_ = true;
 
- private:
+ protected:
   /// False when the command came to its end all the same: its last calls may do without room, and it makes some fewer
   /// when it takes less time, because flushes begin by the clock.
   bool Interrupt(const Arguments& arguments, std::size_t call, CallTrouble trouble, const Contents& before) {
@@ -195,6 +197,32 @@ TEST_F(InterruptedCommand, NewMakesTheClubOrNothing) {
   InterruptEverywhere({"new", "--name", "Ashby Bridge Club", "--ebu", "123456"});
 }
 
+TEST_F(InterruptedCommand, FoldersThatNewMakesAreAsDurableAsTheFile) {
+  const fs::path outer = folder_.Path("outer");
+  TroubleAtCall(std::string::npos, CallTrouble::Kill);
+  const Outcome outcome = folder_.RunIn((outer / "inner").string(), {"new"});
+  NoTrouble();
+  ASSERT_EQ(outcome.code, 0) << outcome.error;
+  const std::string root = fs::canonical(outer).parent_path().string();
+  EXPECT_THAT(FlushedPaths(), IsSupersetOf({root, root + "/outer", root + "/outer/inner"}));
+}
+
+TEST_F(InterruptedCommand, NewCanBeRepeatedUntilSomethingIsStored) {
+  const Arguments made = {"new", "--name", "Ashby Bridge Club", "--ebu", "123456"};
+  Prepare(start_, made);
+  Refill();
+  const Contents before = Read();
+  EXPECT_EQ(Run(made, std::string::npos, CallTrouble::Kill).code, 0);
+  ExpectSame(Read(), before);
+  for (const Arguments& other :
+       {Arguments{"new", "--name", "Ashby Bridge Club"},
+        Arguments{"new", "--name", "Other Bridge Club", "--ebu", "123456"}, Arguments{"new"}}) {
+    EXPECT_THAT(Run(other, std::string::npos, CallTrouble::Kill).told, HasSubstr("exists already"));
+  }
+  Prepare(folder_.Club(), {"members", "import", examples_ + "members.csv"});
+  EXPECT_THAT(Run(made, std::string::npos, CallTrouble::Kill).told, HasSubstr("exists already"));
+}
+
 class InterruptedRecovery : public InterruptedCommand {
  protected:
   void SetUp() override {
@@ -207,6 +235,33 @@ class InterruptedRecovery : public InterruptedCommand {
 
 TEST_F(InterruptedRecovery, RecoverMakesTheClubOrNothing) {
   InterruptEverywhere({"recover", (old_ / "ClubMembers.mdb").string()});
+}
+
+TEST_F(InterruptedRecovery, CanBeRepeatedWhenTheRepetitionWasStoppedToo) {
+  const Arguments recover = {"recover", (old_ / "ClubMembers.mdb").string()};
+  Refill();
+  EXPECT_EQ(Run(recover, std::string::npos, CallTrouble::Kill).code, 0);
+  const Contents expected = Read();
+  for (const std::size_t call : {std::size_t{5}, std::size_t{60}, std::size_t{110}, std::string::npos}) {
+    SCOPED_TRACE(call);
+    static_cast<void>(Run(recover, call, CallTrouble::Kill));
+    const ChildEnd again = Run(recover, std::string::npos, CallTrouble::Kill);
+    EXPECT_EQ(again.code, 0) << again.told;
+    ExpectSame(Read(), expected);
+    EXPECT_EQ(OthersLeft(), std::vector<std::string>());
+  }
+}
+
+TEST_F(InterruptedRecovery, IsRefusedWhereTheClubHoldsOtherData) {
+  Prepare(start_, {"new", "--name", "Present Club"});
+  Prepare(start_, {"members", "import", examples_ + "members.csv"});
+  Refill();
+  const Contents before = Read();
+  const ChildEnd end = Run({"recover", (old_ / "ClubMembers.mdb").string()}, std::string::npos, CallTrouble::Kill);
+  EXPECT_EQ(end.code, 2);
+  EXPECT_THAT(end.told, HasSubstr("holds data already"));
+  ExpectSame(Read(), before);
+  EXPECT_EQ(OthersLeft(), std::vector<std::string>());
 }
 
 TEST_F(InterruptedRecovery, RecoverReplacesTheClubOrLeavesIt) {

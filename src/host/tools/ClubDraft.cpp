@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <ostream>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "facade/ThreadStore.h"
 #include "host/text/PathText.h"
 #include "host/tools/Connect.h"
+#include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 #include "store/BaseFile.h"
@@ -43,6 +45,7 @@ bool IsReferredTo(access::Database& file, const std::string& table) {
   });
 }
 
+// The number stands beside the name.
 void StoreNationalNumber(const Context& context, const std::string& number) {
   if (number.empty()) return;
   const std::unique_ptr<cDatabase> store = MakeStore(context.platform);
@@ -50,11 +53,26 @@ void StoreNationalNumber(const Context& context, const std::string& number) {
   store->Execute("Update ClubNames Set ClubEBUNumber = " + cDatabase::SQLString(number));
 }
 
-}  // namespace
-
-bool ClubDraft::WasLeftWhenDone(const Context& context) {
-  return WorkFolder::WasLeftWhenDone(PlaceOf(context));
+/// The rows of all tables of users, as texts in ascending order.
+std::map<std::string, std::vector<std::string>> RowsOf(access::Database& file) {
+  const access::ReadStatement statement(file.GetPager());
+  std::map<std::string, std::vector<std::string>> tables;
+  for (const access::CatalogEntry& entry : file.Tables()) {
+    const std::shared_ptr<access::Table> table = entry.isSystem ? nullptr : file.FindTable(entry.name);
+    if (table == nullptr) continue;
+    std::vector<std::string>& rows = tables[entry.name];
+    for (const access::Column& column : table->Columns()) rows.push_back(column.definition.name);
+    for (auto row = table->Next(std::nullopt); row.has_value(); row = table->Next(row)) {
+      std::string text;
+      for (const Value& value : table->Read(*row)) text += (IsNull(value) ? "" : ToText(value) + '\0') + '\0';
+      rows.push_back(std::move(text));
+    }
+    std::ranges::sort(rows);
+  }
+  return tables;
 }
+
+}  // namespace
 
 ClubDraft::ClubDraft(const Context& context)
     : context_(context),
@@ -105,10 +123,29 @@ void ClubDraft::BeginNumbersAnew() const {
   draft->GetPager().Close();
 }
 
+bool ClubDraft::CurrentHoldsData() const {
+  if (!current_) return false;
+  const access::ReadStatement statement(current_->GetPager());
+  try {
+    return std::ranges::any_of(current_->Tables(), [this](const access::CatalogEntry& entry) {
+      if (entry.isSystem || entry.isLinked || EqualIgnoringCase(entry.name, cDatabase::EBUMembersTable())) return false;
+      const std::uint32_t rowsOfANewClub = EqualIgnoringCase(entry.name, "HandicalcSettings") ? 1 : 0;
+      return current_->OpenTable(entry.name)->RowCount() > rowsOfANewClub;
+    });
+  } catch (const Error&) {
+    return true;
+  }
+}
+
+bool ClubDraft::IsLikeCurrent() const {
+  if (!current_) return false;
+  const std::unique_ptr<access::Database> draft = OpenAlone(fileSystem_, file_);
+  return RowsOf(*draft) == RowsOf(*current_);
+}
+
 void ClubDraft::TakePlace() {
   RequireSound();
   fileSystem_->Open(file_, access::FileSystem::OpenMode::ReadWrite)->Sync();
-  folder_.Mark();
   if (current_) {
     fileSystem_->CopyPermissions(place_, file_);
     access::ReplaceFile(*fileSystem_, file_, place_, current_->GetPager());

@@ -19,10 +19,6 @@ struct ClubIdentity {
 /// until then, whatever happens, a file in that place is as it was, and where there was none there is none.
 class ClubDraft {
  public:
-  /// True when a run was stopped after its file had taken the place, and nobody has written that file since: the run
-  /// can be repeated as if there were none.
-  [[nodiscard]] static bool WasLeftWhenDone(const Context& context);
-
   /// For the club of `context`, which outlives this object. A file that lies in the place is kept from all other users
   /// until the end; raises ProviderFailure when one of them has it open, and what WorkFolder raises.
   explicit ClubDraft(const Context& context);
@@ -32,6 +28,8 @@ class ClubDraft {
   [[nodiscard]] const Context& Inside() const { return inside_; }
   /// True when there was no file in the place.
   [[nodiscard]] bool IsFirst() const { return current_ == nullptr; }
+  /// True when the file in the place has rows that a new club's file has not, or it cannot be told.
+  [[nodiscard]] bool CurrentHoldsData() const;
 
   /// Begins with an empty file that has all tables of the current layout.
   void BeginEmpty(const ClubIdentity& identity);
@@ -39,6 +37,9 @@ class ClubDraft {
   /// no members' table; nothing has been begun then.
   [[nodiscard]] bool BeginWithCurrent();
 
+  /// True when the file in the place has the tables and rows of the draft already, in whatever order: who made it was
+  /// stopped at the very end, or did the same before.
+  [[nodiscard]] bool IsLikeCurrent() const;
   /// Checks the draft, flushes it and gives it its place. Raises ProviderFailure when the draft is not sound.
   void TakePlace();
 

@@ -1,10 +1,15 @@
 #include "host/tools/NewClub.h"
 
+#include <algorithm>
+#include <array>
 #include <filesystem>
 #include <ostream>
 
 #include "facade/ThreadStore.h"
 #include "host/text/PathText.h"
+#include "host/tools/Connect.h"
+#include "platform/ado/Provider.h"
+#include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "util/NativePath.h"
 
@@ -12,33 +17,53 @@ namespace tavi::host {
 
 namespace {
 
-/// The traces of a run with the same request that was stopped at the very end, when the file is what it made.
-std::unique_ptr<ClubDraft> FindFormerRun(const Context& context, const ClubIdentity& identity) {
-  if (!ClubDraft::WasLeftWhenDone(context)) return nullptr;
-  const std::unique_ptr<cDatabase> store = MakeStore(context.platform);
-  store->SetDatabaseFolder(context.ClubFolder());
-  if (store->LatestClubName() != identity.name) return nullptr;
-  return std::make_unique<ClubDraft>(context);
+constexpr std::array kTablesOfRecords = {"Members",      "Partnerships", "Competitions",
+                                         "MasterPoints", "Results",      "ClubPolicies"};
+
+/// The only column of a statement's rows, with a line for each.
+std::string ColumnOf(ado::Connection& connection, const std::string& statement) {
+  std::string lines;
+  const auto rows = connection.OpenRecordset(statement, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly,
+                                             ado::SourceKind::CommandText);
+  const std::string& column = rows->Fields().front().name;
+  for (; !rows->AtEnd(); rows->MoveNext()) lines += ToText(rows->Get(column)) + '\n';
+  return lines;
+}
+
+bool IsNewClub(const Context& context, const std::string& file, const ClubIdentity& identity) {
+  try {
+    const auto connection = Connect(context, file);
+    const auto isEmpty = [&](const char* table) {
+      return ColumnOf(*connection, std::string("Select Count(*) From ") + table) == "0\n";
+    };
+    const std::string names = ColumnOf(*connection, "Select ClubName From ClubNames");
+    if (identity.name.empty()) return names.empty() && std::ranges::all_of(kTablesOfRecords, isEmpty);
+    return names == identity.name + '\n' &&
+           ColumnOf(*connection, "Select ClubEBUNumber From ClubNames") == identity.nationalNumber + '\n' &&
+           std::ranges::all_of(kTablesOfRecords, isEmpty);
+  } catch (const Error&) {
+    return false;  // it is no club's file, or in use
+  }
 }
 
 }  // namespace
 
-std::unique_ptr<ClubDraft> MakeClub(const Context& context, const ClubIdentity& identity) {
+void MakeClub(const Context& context, const ClubIdentity& identity) {
   const std::string file = NativePath(context.ClubFile());
   if (std::filesystem::exists(PathOf(file))) {
-    if (std::unique_ptr<ClubDraft> former = FindFormerRun(context, identity)) return former;
+    WorkFolder::ClearLeftBehind(file);
+    if (IsNewClub(context, file, identity)) return;
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
   }
-  auto draft = std::make_unique<ClubDraft>(context);
-  draft->BeginEmpty(identity);
-  draft->TakePlace();
-  return draft;
+  ClubDraft draft(context);
+  draft.BeginEmpty(identity);
+  draft.TakePlace();
 }
 
 int NewClub(const Context& context, const ClubIdentity& identity) {
   // Asked for first: nothing is changed any more when the file is made.
   const std::string file = NativePath(context.ClubFile());
-  const std::unique_ptr<ClubDraft> traces = MakeClub(context, identity);
+  MakeClub(context, identity);
   Table table({"What", "Value"});
   table.Add({std::string("File"), file});
   table.Add({std::string("Club"), identity.name});

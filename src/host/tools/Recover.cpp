@@ -57,34 +57,18 @@ class ProgressOfTables : public RecoveryObserver {
   throw Error(ErrorNumber::InvalidArgument, "tavi", why);
 }
 
-/// True when a table that is going to be emptied has rows, or it cannot be told.
-bool HoldsData(const Context& context) {
-  const auto connection = Connect(context, context.ClubFile());
-  const auto tables = connection->OpenSchema(ado::SchemaKind::Tables);
-  for (; !tables->AtEnd(); tables->MoveNext()) {
-    const std::string name = ToText(tables->Get("TABLE_NAME"));
-    const bool isKept =
-        ToText(tables->Get("TABLE_TYPE")) != "TABLE" || EqualIgnoringCase(name, cDatabase::EBUMembersTable());
-    // Every new club's file has a row of default settings.
-    const std::int32_t rowsOfANewClub = EqualIgnoringCase(name, "HandicalcSettings") ? 1 : 0;
-    const Value count = tables->Get("CARDINALITY");
-    if (!isKept && (IsNull(count) || ToInt32(count) > rowsOfANewClub)) return true;
-  }
-  return false;
-}
-
-void RequirePermission(const Context& context, const RecoverRequest& request, const std::string& clubFile) {
+void RefuseOwnFile(const RecoverRequest& request, const std::string& clubFile) {
   std::error_code ignored;
   if (fs::equivalent(PathOf(NativePath(request.oldFile)), PathOf(clubFile), ignored)) {
     Refuse(clubFile +
            " is the club's own file. Move it to another place first, or name another folder with --db FOLDER.");
   }
-  const bool mayReplace = request.replace || ClubDraft::WasLeftWhenDone(context);
-  if (!mayReplace && fs::exists(PathOf(clubFile)) && HoldsData(context)) {
-    Refuse(clubFile +
-           " holds data already. Recovery empties its tables first; with --replace it does so, or name another folder "
-           "with --db FOLDER.");
-  }
+}
+
+[[noreturn]] void RefuseToReplace(const std::string& clubFile) {
+  Refuse(clubFile +
+         " holds data already. Recovery empties its tables first; with --replace it does so, or name another folder "
+         "with --db FOLDER.");
 }
 
 std::vector<std::string> DamageOf(const RecoveredTable& table) {
@@ -195,19 +179,23 @@ void RequireHandicapSettings(const ClubDraft& draft) {
   connection->Close();
 }
 
-/// The club's file changes when all is recovered, in one step.
-RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const std::string& clubFile,
-                           const std::string& oldFile) {
-  const TemporaryCopy copy(draft.Folder(), PathOf(NativePath(oldFile)));
+/// The club's file changes when all is recovered, in one step. Where it must not change it may hold what is recovered
+/// already: so a run that was stopped behind that step can be repeated.
+RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const RecoverRequest& request,
+                           const std::string& clubFile) {
+  const bool mayChange = request.replace || !draft.CurrentHoldsData();
+  const TemporaryCopy copy(draft.Folder(), PathOf(NativePath(request.oldFile)));
   if (copy.IsLogLeftOut()) {
-    context.error << "tavi: the log beside " << Printable(oldFile)
+    context.error << "tavi: the log beside " << Printable(request.oldFile)
                   << " does not belong to it and was left out; both stay as they are\n";
   }
   const bool isKept = !draft.IsFirst() && draft.BeginWithCurrent();
+  if (!isKept && !mayChange) RefuseToReplace(clubFile);
   if (!isKept) draft.BeginEmpty({});
-  RecoveryReport report = RunRecovery(draft, copy, oldFile);
+  RecoveryReport report = RunRecovery(draft, copy, request.oldFile);
   RequireHandicapSettings(draft);
-  draft.TakePlace();
+  if (!mayChange && !draft.IsLikeCurrent()) RefuseToReplace(clubFile);
+  if (mayChange) draft.TakePlace();
   if (!draft.IsFirst() && !isKept) {
     context.error << "tavi: " << Printable(clubFile) << " was damaged itself or no club's, and has been made anew\n";
   }
@@ -219,12 +207,10 @@ RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const std::
 int Recover(const Context& context, const RecoverRequest& request) {
   try {
     const std::string clubFile = NativePath(context.ClubFile());
-    RequirePermission(context, request, clubFile);
+    RefuseOwnFile(request, clubFile);
     ClubDraft draft(context);
-    const RecoveryReport report = RecoverInto(context, draft, clubFile, request.oldFile);
+    const RecoveryReport report = RecoverInto(context, draft, request, clubFile);
     Write(context, report);
-    // With the draft the traces go by which a run that was stopped at its end can be repeated.
-    context.out.flush();
     return report.IsSomethingLost() ? kSomethingLost : kSucceeded;
   } catch (const Error& error) {
     context.error << "tavi: " << PrintableLines(error.Description()) << '\n';

@@ -55,7 +55,7 @@ int MakeSample(Context context, const std::string& from) {
   quiet.showProgress = context.showProgress;
   quiet.folder = context.folder;
   quiet.platform = context.platform;
-  static_cast<void>(MakeClub(quiet, {"Sample Bridge Club", ""}));
+  MakeClub(quiet, {"Sample Bridge Club", ""});
   ImportMembers(quiet, {JoinPath(from, "members.csv")});
   ImportPairs(quiet, {JoinPath(from, "pairs.csv")});
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();

@@ -12,10 +12,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr const char* kEnding = ".work";
-constexpr const char* kDoneEnding = ".done";
 constexpr const char* kLockName = "lock";
 constexpr const char* kDraftName = "ClubMembers.mdb";
-constexpr const char* kMarkName = "going-to-its-place";
 /// Another run may take the folder away while this one enters it, which nobody does twice in a moment.
 constexpr int kMostAttempts = 5;
 
@@ -28,23 +26,12 @@ void RemoveQuietly(const std::string& path) {
   fs::remove(PathOf(path), ignored);
 }
 
-bool HasEntry(const fs::path& folder, const char* name) {
+/// Removes what a folder holds, but for its lock.
+void EmptyFolder(const std::string& folder) {
   std::error_code ignored;
-  return fs::exists(folder / name, ignored);
-}
-
-/// Removes what a folder holds, but for some names. It keeps the time of its last change, by which a run that had come
-/// to its end is known.
-void EmptyFolder(const std::string& folder, const std::vector<std::string>& kept) {
-  std::error_code ignored;
-  const auto changed = fs::last_write_time(PathOf(folder), ignored);
-  bool isChanged = false;
   for (const std::string& name : NamesIn(folder, ignored)) {
-    if (std::ranges::find(kept, name) != kept.end()) continue;
-    RemoveAll(JoinPath(folder, name));
-    isChanged = true;
+    if (name != kLockName) RemoveAll(JoinPath(folder, name));
   }
-  if (isChanged) fs::last_write_time(PathOf(folder), changed, ignored);
 }
 
 /// True for a folder that is there and this user's own; no link to another one.
@@ -54,23 +41,21 @@ bool IsOwnFolder(const std::string& path) {
 }
 
 /// Empties a work folder that no run is working in. True when it can go, now that the lock has been closed, which some
-/// systems wait for: nothing that a later run goes by lies in it.
-/// Raises what opening the lock raises.
+/// systems wait for. Raises what opening the lock raises.
 bool ClearUnlessInUse(access::FileSystem& fileSystem, const std::string& folder) {
-  // Without its lock it is empty, or another run is just making it.
-  if (!HasEntry(PathOf(folder), kLockName)) return true;
   const std::string lockPath = JoinPath(folder, kLockName);
+  // Without its lock it is empty, or another run is just making it.
+  if (!fileSystem.Exists(lockPath)) return true;
   const std::unique_ptr<access::File> lock = fileSystem.Open(lockPath, access::FileSystem::OpenMode::ReadWrite);
   if (!lock->TryLock(0, 1, access::File::LockKind::Exclusive) || !lock->IsStillAt(lockPath)) return false;
-  const bool isDone = HasEntry(PathOf(folder), kMarkName) && !HasEntry(PathOf(folder), kDraftName);
-  EmptyFolder(folder, isDone ? std::vector<std::string>{kLockName, kMarkName} : std::vector<std::string>{kLockName});
-  if (!isDone) RemoveQuietly(lockPath);
-  return !isDone;
+  EmptyFolder(folder);
+  RemoveQuietly(lockPath);
+  return true;
 }
 
 }  // namespace
 
-WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
+WorkFolder::OuterFolders::OuterFolders(access::FileSystem& fileSystem, const std::string& folder) {
   std::error_code ignored;
   for (std::string missing = folder; !missing.empty() && !fs::exists(PathOf(missing), ignored);) {
     made_.push_back(missing);
@@ -82,6 +67,7 @@ WorkFolder::OuterFolders::OuterFolders(const std::string& folder) {
     for (const std::string& made : made_) RemoveQuietly(made);
     RefuseFolder("the folder " + folder + " cannot be made: " + ReasonOf(code));
   }
+  for (const std::string& made : made_) fileSystem.SyncFolderOf(made);
 }
 
 WorkFolder::OuterFolders::~OuterFolders() {
@@ -93,67 +79,32 @@ WorkFolder::OuterFolders::~OuterFolders() {
 }
 
 WorkFolder::WorkFolder(const std::string& clubFile)
-    : outer_(SplitPath(clubFile).folder),
-      path_(clubFile + kEnding),
-      donePath_(clubFile + kDoneEnding),
-      fileSystem_(access::NativeFileSystem()) {
+    : fileSystem_(access::NativeFileSystem()),
+      outer_(*fileSystem_, SplitPath(clubFile).folder),
+      path_(clubFile + kEnding) {
   for (int attempt = 1; !Enter(); ++attempt) {
     if (attempt == kMostAttempts)
       RefuseFolder("the folder " + path_ + " is made and removed again and again; try again");
   }
-  Clear();
-  RemoveAll(donePath_);
+  EmptyFolder(path_);
 }
 
 WorkFolder::~WorkFolder() {
-  std::error_code notRenamed;
-  const bool isDone = fileSystem_->Exists(File(kMarkName)) && !fileSystem_->Exists(Draft());
-  if (isDone) fs::rename(PathOf(path_), PathOf(donePath_), notRenamed);
-  const bool isRenamed = isDone && !notRenamed;
-  const std::string& left = isRenamed ? donePath_ : path_;
-  if (isRenamed) {
-    RemoveAll(left);
-  } else {
-    Clear();
-    RemoveQuietly(File(kLockName));
-    RemoveQuietly(left);
-  }
+  EmptyFolder(path_);
+  RemoveQuietly(File(kLockName));
+  RemoveQuietly(path_);
   lock_.reset();
   // Some systems remove no folder while a file that lay in it is open.
-  if (!fileSystem_->Exists(left)) return;
-  if (isRenamed) {
-    RemoveAll(left);
-  } else {
-    RemoveQuietly(left);
-  }
+  RemoveQuietly(path_);
 }
 
 std::string WorkFolder::Draft() const {
   return File(kDraftName);
 }
 
-void WorkFolder::Mark() const {
-  static_cast<void>(fileSystem_->Open(File(kMarkName), access::FileSystem::OpenMode::CreateNew));
-}
-
-// The folder was changed after the last write into the draft, whose time the file in the place has kept.
-bool WorkFolder::WasLeftWhenDone(const std::string& clubFile) {
-  const fs::path work = PathOf(clubFile + kEnding);
-  const fs::path done = PathOf(clubFile + kDoneEnding);
-  const bool isMarked = HasEntry(work, kMarkName) && !HasEntry(work, kDraftName);
-  std::error_code unknown;
-  if (!isMarked && !fs::exists(done, unknown)) return false;
-  const auto changed = fs::last_write_time(isMarked ? work : done, unknown);
-  const auto written = fs::last_write_time(PathOf(clubFile), unknown);
-  return !unknown && written <= changed;
-}
-
 void WorkFolder::ClearLeftBehind(const std::string& clubFile) {
   const std::shared_ptr<access::FileSystem> fileSystem = access::NativeFileSystem();
-  const std::string place = fileSystem->CanonicalPath(clubFile);
-  const std::string done = place + kDoneEnding;
-  if (IsOwnFolder(done)) EmptyFolder(done, {});
-  const std::string work = place + kEnding;
+  const std::string work = fileSystem->CanonicalPath(clubFile) + kEnding;
   if (!IsOwnFolder(work)) return;
   try {
     if (ClearUnlessInUse(*fileSystem, work)) RemoveQuietly(work);
@@ -175,18 +126,16 @@ bool WorkFolder::Enter() {
     using Mode = access::FileSystem::OpenMode;
     lock_ = fileSystem_->Open(lockPath, fileSystem_->Exists(lockPath) ? Mode::ReadWrite : Mode::CreateNew);
   } catch (const Error& error) {
-    if (fs::exists(PathOf(path_)) && !fileSystem_->Exists(lockPath)) throw;
-    return false;
+    if (!fs::exists(PathOf(path_)) || fileSystem_->Exists(lockPath)) return false;
+    // Where there is no room for the lock the folder is not needed; of another run it is not empty.
+    RemoveQuietly(path_);
+    throw;
   }
   if (!lock_->TryLock(0, 1, access::File::LockKind::Exclusive)) {
     RefuseFolder("another program is making or recovering this club: it works in the folder " + path_ +
                  ". Wait until it has finished.");
   }
   return lock_->IsStillAt(lockPath);
-}
-
-void WorkFolder::Clear() const {
-  EmptyFolder(path_, {kLockName});
 }
 
 }  // namespace tavi::host

@@ -11,9 +11,6 @@ namespace tavi::host {
 /// The private folder beside a club's file in which another one is made: FILE.work, which nobody but its owner may
 /// enter. Copies of members' data lie here and nowhere else. It is gone at the end of this object's life; what a run
 /// that was stopped has left in it the next one clears before it begins, and so does every command that uses the club.
-///
-/// When the new file takes its place a mark lies in the folder; after that the folder is called FILE.done until it is
-/// gone. So a run that was stopped after its file had taken the place is known from one that was stopped before.
 class WorkFolder {
  public:
   /// Makes the folder, and first those that the club's file is to lie in. Raises InvalidArgument when that cannot be
@@ -28,20 +25,17 @@ class WorkFolder {
   [[nodiscard]] std::string File(const std::string& name) const;
   /// The draft of the club's file.
   [[nodiscard]] std::string Draft() const;
-  /// Says that the draft is going to take the place.
-  void Mark() const;
 
-  /// True when a run was stopped after its file had taken the place, and nobody has written that file since.
-  [[nodiscard]] static bool WasLeftWhenDone(const std::string& clubFile);
-  /// Removes what a stopped run has left, unless another one is working there. What WasLeftWhenDone goes by stays.
-  /// Where it cannot be removed the next run of its kind says so. `clubFile` is any path of the club's file.
+  /// Removes what a stopped run has left, unless another one is working there. Where it cannot be removed the next run
+  /// of its kind says so. `clubFile` is any path of the club's file.
   static void ClearLeftBehind(const std::string& clubFile);
 
  private:
-  /// Folders that were made for this one; those that are still empty at the end go again.
+  /// Folders that were made for this one, durably, so that what lies in them is; those that are still empty at the end
+  /// go again.
   class OuterFolders {
    public:
-    explicit OuterFolders(const std::string& folder);
+    OuterFolders(access::FileSystem& fileSystem, const std::string& folder);
     ~OuterFolders();
     OuterFolders(const OuterFolders&) = delete;
     OuterFolders& operator=(const OuterFolders&) = delete;
@@ -51,12 +45,10 @@ class WorkFolder {
   };
 
   [[nodiscard]] bool Enter();
-  void Clear() const;
 
+  std::shared_ptr<access::FileSystem> fileSystem_;
   OuterFolders outer_;
   std::string path_;
-  std::string donePath_;
-  std::shared_ptr<access::FileSystem> fileSystem_;
   std::unique_ptr<access::File> lock_;  // held while this object lives; the system drops it when the process ends
 };
 

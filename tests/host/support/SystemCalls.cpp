@@ -12,6 +12,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
+#include <mutex>
 
 namespace tavi::host {
 namespace {
@@ -24,6 +26,14 @@ struct Plan {
 
 Plan plan;
 std::atomic<std::size_t> calls{0};
+
+std::mutex flushedMutex;
+std::set<std::string> flushed;
+
+void NoteFlush(int file) {
+  const std::lock_guard lock(flushedMutex);
+  flushed.insert(std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(file)).string());
+}
 
 enum class CallKind { Grows, Other };
 
@@ -67,6 +77,8 @@ ssize_t WriteAt(int file, const void* bytes, std::size_t count, off_t offset) {
 void TroubleAtCall(std::size_t number, CallTrouble trouble) {
   plan = {true, number, trouble};
   calls = 0;
+  const std::lock_guard lock(flushedMutex);
+  flushed.clear();
 }
 
 void NoTrouble() {
@@ -75,6 +87,10 @@ void NoTrouble() {
 
 std::size_t ChangingCalls() {
   return calls;
+}
+
+const std::set<std::string>& FlushedPaths() {
+  return flushed;
 }
 
 }  // namespace tavi::host
@@ -126,6 +142,7 @@ int ftruncate64(int file, off64_t size) noexcept {
 }
 
 int fsync(int file) {
+  tavi::host::NoteFlush(file);
   return Passes(CallKind::Other) ? static_cast<int>(System(SYS_fsync, file)) : -1;
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <set>
+#include <string>
 
 namespace tavi::host {
 
@@ -19,5 +21,7 @@ void TroubleAtCall(std::size_t number, CallTrouble trouble);
 void NoTrouble();
 /// Calls since TroubleAtCall.
 [[nodiscard]] std::size_t ChangingCalls();
+/// The files and folders that have been flushed since, by their paths, once each.
+[[nodiscard]] const std::set<std::string>& FlushedPaths();
 
 }  // namespace tavi::host
