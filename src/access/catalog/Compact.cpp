@@ -115,17 +115,8 @@ class Compacting {
   }
 
   void CopyOldFile() {
-    const std::unique_ptr<File> from = fileSystem_->Open(path_, FileSystem::OpenMode::ReadOnly);
-    const std::unique_ptr<File> to = fileSystem_->Open(copyPath_, FileSystem::OpenMode::CreateNew);
-    fileSystem_->CopyPermissions(path_, copyPath_);
-    result_.bytesBefore = from->Size();
-    std::vector<std::uint8_t> chunk;
-    for (std::uint64_t done = 0; done < result_.bytesBefore; done += chunk.size()) {
-      chunk.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyChunk, result_.bytesBefore - done)));
-      from->ReadAt(done, chunk);
-      to->WriteAt(done, chunk);
-    }
-    to->Sync();
+    const std::unique_ptr<File> old = fileSystem_->Open(path_, FileSystem::OpenMode::ReadOnly);
+    result_.bytesBefore = CopyFile(*fileSystem_, *old, copyPath_, path_);
   }
 
   // In this order: a stop between the steps leaves the new file, and its name, beside the old one, or the copy of the
@@ -138,10 +129,11 @@ class Compacting {
     return result_;
   }
 
-  /// The last change of all; where a power failure undoes it the next call does it again.
+  /// The last change of all; where a power failure comes before its flush the next call does it again.
   void NameBackup() {
     result_.backup = FreeBackupName();
     fileSystem_->Rename(copyPath_, result_.backup);
+    fileSystem_->SyncFolderOf(path_);
   }
 
   /// True when a run was stopped after the new file had taken the place: its copy of the old one has not got its name.

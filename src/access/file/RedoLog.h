@@ -150,7 +150,6 @@ class RedoLog {
   void MakeDurable();
   void WriteAnew();
   [[nodiscard]] std::string FreeSetAsidePath() const;
-  void CopyTo(const std::string& path);
 
   FileSystem& fileSystem_;
   std::string databasePath_;

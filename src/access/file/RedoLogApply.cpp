@@ -4,6 +4,7 @@
 
 #include "access/file/EngineError.h"
 #include "access/file/RedoLog.h"
+#include "access/file/Replacement.h"
 
 namespace tavi::access {
 
@@ -179,7 +180,7 @@ std::string RedoLog::SetAside(bool isAlone) {
     fileSystem_.SyncFolderOf(path_);
   } else {
     // The others know the file, not only its name. The copy is durable, its name too, before the original goes.
-    CopyTo(target);
+    CopyFile(fileSystem_, *file_, target, path_);
     fileSystem_.SyncFolderOf(target);
     file_->Truncate(0);
     flush_.Now();
@@ -193,19 +194,6 @@ std::string RedoLog::FreeSetAsidePath() const {
     std::string path = path_ + "-setaside-" + std::to_string(number);
     if (!fileSystem_.Exists(path)) return path;
   }
-}
-
-void RedoLog::CopyTo(const std::string& path) {
-  const auto target = fileSystem_.Open(path, FileSystem::OpenMode::CreateNew);
-  fileSystem_.CopyPermissions(path_, path);
-  const std::uint64_t size = file_->Size();
-  std::vector<std::uint8_t> chunk(kChunkSize);
-  for (std::uint64_t offset = 0; offset < size; offset += chunk.size()) {
-    chunk.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kChunkSize, size - offset)));
-    file_->ReadAt(offset, chunk);
-    target->WriteAt(offset, chunk);
-  }
-  target->Sync();
 }
 
 }  // namespace tavi::access

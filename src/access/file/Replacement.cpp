@@ -1,10 +1,19 @@
 #include "access/file/Replacement.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "access/file/EngineError.h"
 #include "access/file/ForeignUse.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access {
+
+namespace {
+
+constexpr std::uint64_t kBytesAtOnce = std::uint64_t{1} << 20U;
+
+}  // namespace
 
 void ReplaceFile(FileSystem& fileSystem, const std::string& newPath, const std::string& path, Pager& holder) {
   if (const auto foreign = FindForeignUse(fileSystem, path)) {
@@ -34,6 +43,20 @@ std::string PlaceFile(FileSystem& fileSystem, const std::string& newPath, const 
   fileSystem.Rename(newPath, path);
   fileSystem.SyncFolderOf(path);
   return aside;
+}
+
+std::uint64_t CopyFile(FileSystem& fileSystem, File& from, const std::string& to, const std::string& permissionsOf) {
+  const std::unique_ptr<File> target = fileSystem.Open(to, FileSystem::OpenMode::CreateNew);
+  if (!permissionsOf.empty()) fileSystem.CopyPermissions(permissionsOf, to);
+  const std::uint64_t size = from.Size();
+  std::vector<std::uint8_t> chunk;
+  for (std::uint64_t done = 0; done < size; done += chunk.size()) {
+    chunk.resize(static_cast<std::size_t>(std::min(kBytesAtOnce, size - done)));
+    from.ReadAt(done, chunk);
+    target->WriteAt(done, chunk);
+  }
+  target->Sync();
+  return size;
 }
 
 }  // namespace tavi::access

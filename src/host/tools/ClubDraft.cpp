@@ -102,7 +102,7 @@ bool ClubDraft::BeginWithCurrent() {
   const access::ReadStatement statement(current_->GetPager());
   // A file that was made by hand, or left by an older version that was stopped, may have no tables.
   if (!isSound || current_->FindTable("Members") == nullptr) return false;
-  Copy(place_, file_);
+  access::CopyFile(*fileSystem_, *fileSystem_->Open(place_, access::FileSystem::OpenMode::ReadOnly), file_);
   BeginNumbersAnew();
   return true;
 }
@@ -157,20 +157,6 @@ void ClubDraft::TakePlace() {
   if (!aside.empty()) {
     context_.error << "tavi: the log of a file that is no more lay in the place of the new one's; it is now "
                    << Printable(aside) << '\n';
-  }
-}
-
-void ClubDraft::Copy(const std::string& from, const std::string& to) const {
-  using Mode = access::FileSystem::OpenMode;
-  constexpr std::uint64_t kChunk = std::uint64_t{1} << 20U;
-  const std::unique_ptr<access::File> source = fileSystem_->Open(from, Mode::ReadOnly);
-  const std::unique_ptr<access::File> target = fileSystem_->Open(to, Mode::CreateNew);
-  const std::uint64_t size = source->Size();
-  std::vector<std::uint8_t> chunk;
-  for (std::uint64_t done = 0; done < size; done += chunk.size()) {
-    chunk.resize(static_cast<std::size_t>(std::min(kChunk, size - done)));
-    source->ReadAt(done, chunk);
-    target->WriteAt(done, chunk);
   }
 }
 

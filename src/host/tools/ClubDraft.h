@@ -44,7 +44,6 @@ class ClubDraft {
   void TakePlace();
 
  private:
-  void Copy(const std::string& from, const std::string& to) const;
   void BeginNumbersAnew() const;
   void RequireSound() const;
 

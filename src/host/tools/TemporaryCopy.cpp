@@ -5,6 +5,7 @@
 
 #include "access/file/Page.h"
 #include "access/file/Pager.h"
+#include "access/file/Replacement.h"
 #include "composition/Composition.h"
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
@@ -74,15 +75,13 @@ std::string TemporaryCopy::Path() const {
 }
 
 void TemporaryCopy::Copy(const fs::path& original) const {
-  fs::copy_file(original, file_);
-  const fs::path log = PathOf(TextOf(original) + kLogSuffix);
-  const fs::perms readAndWrite = fs::perms::owner_read | fs::perms::owner_write;
-  fs::permissions(file_, readAndWrite);
-  if (fs::exists(log)) {
-    const fs::path copy = PathOf(Path() + kLogSuffix);
-    fs::copy_file(log, copy);
-    fs::permissions(copy, readAndWrite);
-  }
+  const std::shared_ptr<access::FileSystem> fileSystem = access::NativeFileSystem();
+  const auto copy = [&](const std::string& from, const std::string& to) {
+    access::CopyFile(*fileSystem, *fileSystem->Open(from, access::FileSystem::OpenMode::ReadOnly), to);
+  };
+  copy(TextOf(original), Path());
+  const std::string log = TextOf(original) + kLogSuffix;
+  if (fileSystem->Exists(log)) copy(log, Path() + kLogSuffix);
   const bool isAccess = FirstBytes(file_, kBeginning.size() + 1).erase(0, 1) == kBeginning;
   if (!isAccess && fs::file_size(file_) >= kFewestPages * access::kPageSize) ReplaceFirstPage();
   FillUpLastPage(file_);
