@@ -346,6 +346,26 @@ TEST_F(Command, TwoVisitorsMayBearOneName) {
   EXPECT_THAT(folder_.Run({"score", evening("555001", "555001")}).error, HasSubstr("John Smith is listed twice"));
 }
 
+// The evening was refused, because the member was listed twice.
+TEST_F(Command, AVisitorMayBearTheNameOfAMemberWhoPlaysToo) {
+  MakeClub();
+  const auto evening = [&](const std::string& member, const std::string& visitor) {
+    return folder_.Write("week.xml",
+                         Evening(PairXml("1", "60", PlayerXml("Ann Lee", visitor) + PlayerXml("X Y"), AwardXml("24")) +
+                                 PairXml("2", "40", PlayerXml("Bob Ray") + PlayerXml("Ann Lee", member))));
+  };
+  const Outcome scored = folder_.Run({"score", evening("990101", "555001")});
+  EXPECT_EQ(scored.code, 0) << scored.error;
+  EXPECT_THAT(scored.error,
+              HasSubstr("Ann Lee: the national number 555001 is not that of the member Ann Lee, who plays "
+                        "too; stored by name"));
+  EXPECT_THAT(folder_.Query("Select Player, Partner, ActualPercentage From Results"), ElementsAre("8\t7\t40"));
+  EXPECT_THAT(folder_.Query("Select MembershipNumber, NonMemberName From MasterPoints"),
+              UnorderedElementsAre("-1\tAnn Lee", "-1\tX Y"));
+  EXPECT_THAT(folder_.Run({"score", evening("", "555001")}).error, HasSubstr("Ann Lee is listed twice"))
+      << "nobody knows who is who";
+}
+
 TEST_F(Command, FindGivesTheMemberOrThoseWhoSoundAlike) {
   MakeClub();
   EXPECT_THAT(folder_.Run({"find", "Ann Lee"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\t444\tsame name"));

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <tuple>
+#include <utility>
 
 #include "facade/DatabaseTransaction.h"
 #include "host/results/XmlElement.h"
@@ -19,6 +21,7 @@ namespace {
 const Date kToday = Date::FromCivil(2000, 1, 1);
 constexpr double kNeutralHandicap = 50.0;
 constexpr int kPlaceOfUnplaced = 1'000'000;
+constexpr std::int32_t kNoMember = -1;
 constexpr const char* kGoverningBody = "EBU";
 
 /// The codes stored in ScoringMethod; only 0 (match points) counts for handicaps.
@@ -39,7 +42,7 @@ std::int16_t ScoringCode(Event::Scoring scoring) {
 }
 
 std::int32_t NumberOf(const ScoredContestant& scored, std::size_t position) {
-  return position < scored.players.size() ? scored.players[position].number : -1;
+  return position < scored.players.size() ? scored.players[position].number : kNoMember;
 }
 
 std::string NameOf(const ScoredContestant& scored, std::size_t position) {
@@ -51,6 +54,38 @@ auto RankingOrder(const Event& event, const ScoredContestant& scored) {
   return std::make_tuple(contestant.session, event.winners == 2 && contestant.direction == "EW" ? 1 : 0,
                          contestant.place.value_or(kPlaceOfUnplaced),
                          -contestant.actualPercentage.value_or(contestant.total.value_or(0.0)));
+}
+
+/// Adds how the players were recognised, each remark once.
+void AddRemarks(const std::vector<ScoredContestant>& contestants, std::vector<std::string>& remarks) {
+  for (const ScoredContestant& entry : contestants) {
+    for (const ResolvedPlayer& player : entry.players) {
+      const bool known = std::find(remarks.begin(), remarks.end(), player.remark) != remarks.end();
+      if (!player.remark.empty() && !known) remarks.push_back(player.remark);
+    }
+  }
+}
+
+/// Makes a visitor of who bears the name of a member and a national number of somebody else, where the member plays
+/// too, under the right one.
+void PartNamesakes(std::vector<ScoredContestant>& contestants) {
+  std::set<std::pair<int, std::int32_t>> knownByNumber;
+  for (const ScoredContestant& entry : contestants) {
+    for (const ResolvedPlayer& player : entry.players) {
+      if (player.byNumber) knownByNumber.emplace(entry.contestant.session, player.number);
+    }
+  }
+  for (ScoredContestant& entry : contestants) {
+    for (std::size_t i = 0; i < entry.players.size(); ++i) {
+      ResolvedPlayer& player = entry.players[i];
+      const EventPlayer& written = entry.contestant.players[i];
+      if (player.byNumber || written.nationalNumber.empty()) continue;
+      if (!knownByNumber.contains({entry.contestant.session, player.number})) continue;
+      player = {kNoMember, written.name,
+                written.name + ": the national number " + written.nationalNumber + " is not that of the member " +
+                    player.name + ", who plays too; stored by name"};
+    }
+  }
 }
 
 }  // namespace
@@ -68,12 +103,11 @@ ScoredEvent EveningScorer::Prepare(Event event, const std::string& fileName) {
     entry.contestant = contestant;
     for (const EventPlayer& player : contestant.players) {
       entry.players.push_back(directory_.Resolve(player));
-      const std::string& remark = entry.players.back().remark;
-      const bool known = std::find(event.remarks.begin(), event.remarks.end(), remark) != event.remarks.end();
-      if (!remark.empty() && !known) event.remarks.push_back(remark);
     }
     scored.contestants.push_back(std::move(entry));
   }
+  PartNamesakes(scored.contestants);
+  AddRemarks(scored.contestants, event.remarks);
   scored.event = std::move(event);
   scored.countsForHandicaps = scored.event.kind != Event::Kind::Teams &&
                               scored.event.scoring == Event::Scoring::MatchPoints && scored.event.HasPercentages();
@@ -90,7 +124,7 @@ void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::s
   for (const ScoredContestant& entry : scored.contestants) {
     for (std::size_t i = 0; i < entry.players.size(); ++i) {
       const ResolvedPlayer& player = entry.players[i];
-      const bool isVisitor = player.number == -1;
+      const bool isVisitor = player.number == kNoMember;
       const std::string visitor = isVisitor ? entry.contestant.players[i].nationalNumber : std::string();
       // Visitors of one name can be two people; only a number tells that they are one.
       if (isVisitor && visitor.empty()) continue;

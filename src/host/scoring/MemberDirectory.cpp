@@ -75,7 +75,7 @@ ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
     const bool otherName = byName.size() == 1 && byName.front() != byNumber && !NameFits(*byNumber, clean);
     if (!otherName) {
       return {byNumber->number, byNumber->shown,
-              byNumber->retired ? player.name + ": " + byNumber->shown + " is no longer an active member" : ""};
+              byNumber->retired ? player.name + ": " + byNumber->shown + " is no longer an active member" : "", true};
     }
     return {byName.front()->number, byName.front()->shown,
             player.name + ": the national number " + player.nationalNumber + " is " + byNumber->shown +

@@ -15,6 +15,7 @@ struct ResolvedPlayer {
   std::int32_t number = -1;  ///< -1: not a member
   std::string name;          ///< the member's own name, or the name as written
   std::string remark;        ///< how the person was recognised when that was not plain; empty otherwise
+  bool byNumber = false;     ///< recognised as a member by the governing body's number
 };
 
 /// The club's members as a scoring program keeps them to recognise players by: filled once by walking the members
