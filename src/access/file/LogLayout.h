@@ -5,8 +5,6 @@
 
 #include "access/file/Page.h"
 
-namespace tavi::access {
-
 // The redo log: a file beside the database, <database path>.redo, that holds what finished statements have made of its
 // pages until a checkpoint has brought them into the database. All integers are little-endian.
 //
@@ -113,7 +111,7 @@ namespace tavi::access {
 //
 // Logs of version 2, which an earlier version of this program left behind, differ in that number and have whole pages
 // only. They are read like others, and nothing else is appended to them: that version may be using the file too.
-namespace log_layout {
+namespace tavi::access::log_layout {
 inline constexpr std::uint32_t kVersion = 3;
 inline constexpr std::uint32_t kVersionOfWholePages = 2;
 inline constexpr std::size_t kHeaderSize = 0x180;
@@ -144,7 +142,8 @@ inline constexpr std::size_t kRecordHeadSize = 0x14;
 
 /// A longer delta gives way to the whole page.
 inline constexpr std::size_t kLongestDelta = kPageSize / 2;
-/// As many deltas of a page may follow each other; then an image comes, so that nobody reads many more to know the page.
+/// As many deltas of a page may follow each other; then an image comes, so that nobody reads many more to know the
+/// page.
 inline constexpr std::uint32_t kMostDeltas = 4096;
 /// A statement that changes more pages logs them whole: so much at once is near the next checkpoint, which needs
 /// images.
@@ -160,6 +159,4 @@ constexpr std::uint64_t WholePagesSize(std::uint64_t count) {
 constexpr std::uint64_t DeltasSize(std::uint64_t recordsSize) {
   return kStatementHeaderSize + recordsSize + kChecksumSize;
 }
-}  // namespace log_layout
-
-}  // namespace tavi::access
+}  // namespace tavi::access::log_layout

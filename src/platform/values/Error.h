@@ -19,16 +19,16 @@ enum class ErrorNumber : std::uint32_t {
   // Errors of the component itself, source "cDatabase".
   Component = 0x80040000,
   // Errors of the database provider.
-  ProviderFailure = 0x80004005,      // unspecified: file not found or in use, no database, duplicate key, no more columns
-  ProviderPermission = 0x80040E09,   // the database or object is read-only
-  ProviderBadParameter = 0x80040E10, // an unknown column (taken for a parameter without a value)
-  ProviderSyntax = 0x80040E14,       // the statement cannot be understood
-  ProviderTypeConflict = 0x80040E07, // a value does not convert to the type of its column
-  ProviderBadStatus = 0x80040E21,    // a column of that name exists already, or a value was refused
-  ProviderIntegrity = 0x80040E2F,    // a required column, relationship or duplicate key forbids the change
-  ProviderNoTable = 0x80040E37,      // no such table
-  ProviderNoColumn = 0x800A0CC1,     // a record set has no field of that name
-  ProviderEndOfRecords = 0x800A0BCD, // no current record
+  ProviderFailure = 0x80004005,  // unspecified: file not found or in use, no database, duplicate key, no more columns
+  ProviderPermission = 0x80040E09,    // the database or object is read-only
+  ProviderBadParameter = 0x80040E10,  // an unknown column (taken for a parameter without a value)
+  ProviderSyntax = 0x80040E14,        // the statement cannot be understood
+  ProviderTypeConflict = 0x80040E07,  // a value does not convert to the type of its column
+  ProviderBadStatus = 0x80040E21,     // a column of that name exists already, or a value was refused
+  ProviderIntegrity = 0x80040E2F,     // a required column, relationship or duplicate key forbids the change
+  ProviderNoTable = 0x80040E37,       // no such table
+  ProviderNoColumn = 0x800A0CC1,      // a record set has no field of that name
+  ProviderEndOfRecords = 0x800A0BCD,  // no current record
 };
 
 /// The one exception type of the system: a number, the source that raised it and a description for people. The

@@ -1,7 +1,7 @@
 // Indexes whose keys another program made: letters that sort as two count there as one place before an accent or a
 // mark, so that such a row stands elsewhere than where this program looks for it.
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include "access/catalog/Compact.h"
 #include "access/catalog/KeyLookup.h"

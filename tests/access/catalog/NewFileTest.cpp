@@ -1,7 +1,7 @@
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <gtest/gtest.h>
 #include <tuple>
 
 #include "access/catalog/NewFile.h"

@@ -1,8 +1,8 @@
 // Real files of Access: each reads as its expected contents say, and is sound.
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>

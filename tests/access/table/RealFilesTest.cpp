@@ -1,8 +1,8 @@
 // Files that Access has written, read and compared with what an independent reader made of them.
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <cctype>
 #include <fstream>
-#include <gtest/gtest.h>
 
 #include "access/file/Format.h"
 #include "access/table/DefinitionBytes.h"

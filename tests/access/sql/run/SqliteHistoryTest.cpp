@@ -1,7 +1,7 @@
 // A random history of statements, run here and by SQLite: the contents are the same after each.
 #include <gtest/gtest.h>
-#include <random>
 #include <sqlite3.h>
+#include <random>
 
 #include "access/sql/support/SqlFile.h"
 #include "platform/values/Convert.h"
