@@ -1,6 +1,8 @@
 #include "util/TextHelpers.h"
 
-#include <string_view>
+#include <array>
+
+#include "platform/values/Digits.h"
 
 namespace tavi {
 
@@ -12,12 +14,11 @@ std::string PaddedNumber(std::int32_t number, std::size_t digits) {
 }
 
 std::string HexadecimalNumber(std::int32_t number) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text = "0x";
-  for (unsigned shift = 32; shift > 0; shift -= 4) {
-    text.push_back(kDigits[(static_cast<std::uint32_t>(number) >> (shift - 4)) & 0xFU]);
-  }
-  return text;
+  const auto bits = static_cast<std::uint32_t>(number);
+  const std::array<std::uint8_t, 4> bytes{static_cast<std::uint8_t>(bits >> 24U),
+                                          static_cast<std::uint8_t>(bits >> 16U), static_cast<std::uint8_t>(bits >> 8U),
+                                          static_cast<std::uint8_t>(bits)};
+  return "0x" + HexadecimalText(bytes);
 }
 
 }  // namespace tavi

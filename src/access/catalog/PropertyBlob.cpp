@@ -2,8 +2,10 @@
 
 #include <algorithm>
 
+#include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
+#include "access/table/TextEncoding.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access {
@@ -36,14 +38,8 @@ class Reader {
     return result;
   }
   std::uint8_t U8(const char* what) { return Take(1, what)[0]; }
-  std::uint16_t U16(const char* what) {
-    const auto b = Take(2, what);
-    return static_cast<std::uint16_t>(b[0] | (b[1] << 8U));
-  }
-  std::uint32_t U32(const char* what) {
-    const std::uint32_t low = U16(what);
-    return low | (static_cast<std::uint32_t>(U16(what)) << 16U);
-  }
+  std::uint16_t U16(const char* what) { return GetLittle<std::uint16_t>(Take(sizeof(std::uint16_t), what), 0); }
+  std::uint32_t U32(const char* what) { return GetLittle<std::uint32_t>(Take(sizeof(std::uint32_t), what), 0); }
   std::span<const std::uint8_t> Rest() { return Take(bytes_.size() - place_, "rest"); }
   /// A reader of the next `count` bytes alone.
   Reader Part(std::size_t count, const char* what) {
@@ -63,16 +59,11 @@ class Reader {
   std::size_t place_ = 0;
 };
 
-std::string DecodeText(std::span<const std::uint8_t> bytes, bool wide) {
-  if (!wide) {
-    std::u32string points;
-    for (const std::uint8_t byte : bytes) points.push_back(byte);
-    return FromCodePoints(points);
-  }
-  std::u16string units;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-    units.push_back(static_cast<char16_t>(bytes[i] | (bytes[i + 1] << 8U)));
-  return FromUtf16(units);
+std::string DecodePropertyText(std::span<const std::uint8_t> bytes, bool wide) {
+  if (wide) return DecodePlainText(bytes);
+  std::u32string points;
+  for (const std::uint8_t byte : bytes) points.push_back(byte);
+  return FromCodePoints(points);
 }
 
 void AppendU16(Bytes& out, std::size_t value) {
@@ -85,14 +76,8 @@ void AppendU32(Bytes& out, std::size_t value) {
   AppendU16(out, value >> 16U);
 }
 
-Bytes EncodeText(std::string_view text) {
-  Bytes out;
-  for (const char16_t unit : ToUtf16(text)) AppendU16(out, unit);
-  return out;
-}
-
 void AppendName(Bytes& out, std::string_view name) {
-  const Bytes encoded = EncodeText(name);
+  const Bytes encoded = EncodePlainText(name);
   AppendU16(out, encoded.size());
   out.insert(out.end(), encoded.begin(), encoded.end());
 }
@@ -105,7 +90,7 @@ void AppendChunk(Bytes& out, std::uint16_t kind, const Bytes& body) {
 
 std::string ReadName(Reader& reader, bool wide, const char* what) {
   const std::size_t size = reader.U16(what);
-  return DecodeText(reader.Take(size, what), wide);
+  return DecodePropertyText(reader.Take(size, what), wide);
 }
 
 /// A value: u16 length, u8 ddl flag, u8 type, u16 name number, u16 data length, data.
@@ -171,7 +156,7 @@ Bytes PropertyBlob::Serialize() const {
     Bytes body = group.unknown;
     if (group.kind == property_layout::kChunkObject || group.kind == property_layout::kChunkColumn) {
       AppendU32(body, property_layout::kNamePartLengthSize + property_layout::kNameLengthSize +
-                          EncodeText(group.name).size());
+                          EncodePlainText(group.name).size());
       AppendName(body, group.name);
       for (const Property& property : group.properties) {
         AppendU16(body, property_layout::kValueDataOffset + property.data.size());
@@ -208,7 +193,7 @@ std::optional<std::string> PropertyBlob::ColumnText(std::string_view column, std
   if (property == nullptr || (property->type != ColumnType::Text && property->type != ColumnType::Memo)) {
     return std::nullopt;
   }
-  return DecodeText(property->data, wide_);
+  return DecodePropertyText(property->data, wide_);
 }
 
 void PropertyBlob::SetColumnFlag(std::string_view column, std::string_view name, bool value) {
@@ -216,7 +201,7 @@ void PropertyBlob::SetColumnFlag(std::string_view column, std::string_view name,
 }
 
 void PropertyBlob::SetColumnText(std::string_view column, std::string_view name, std::string_view value) {
-  Set(column, {std::string(name), ColumnType::Memo, EncodeText(value)});
+  Set(column, {std::string(name), ColumnType::Memo, EncodePlainText(value)});
 }
 
 void PropertyBlob::Set(std::string_view column, Property property) {

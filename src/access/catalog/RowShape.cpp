@@ -1,5 +1,6 @@
 #include "access/catalog/RowShape.h"
 
+#include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
@@ -55,7 +56,7 @@ bool RowShape::TakeVariableOffsets(std::size_t mostVariables) {
 }
 
 std::uint16_t RowShape::Word(std::size_t offset) const {
-  return static_cast<std::uint16_t>(row_[offset] | (row_[offset + 1] << 8U));
+  return GetLittle<std::uint16_t>(row_, offset);
 }
 
 // The offset behind that of the last column is the end of the data.

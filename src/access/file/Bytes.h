@@ -3,17 +3,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <utility>
 
 namespace tavi::access {
 
-/// Little-endian integers in bytes that are not a page (log records, headers). The caller knows that they fit.
+/// Little-endian integers, as everything in the file is written. The caller knows that they fit; a page looks first.
 template <typename Integer>
 [[nodiscard]] constexpr Integer GetLittle(std::span<const std::uint8_t> bytes, std::size_t offset) {
-  Integer value = 0;
-  for (std::size_t i = 0; i < sizeof(Integer); ++i) {
-    value = static_cast<Integer>(value | (static_cast<Integer>(bytes[offset + i]) << (8U * i)));
+  // One expression without a loop, of which compilers make a single load.
+  return [&]<std::size_t... kPlace>(std::index_sequence<kPlace...>) {
+    return static_cast<Integer>((... | (static_cast<std::uint64_t>(bytes[offset + kPlace]) << (8U * kPlace))));
   }
-  return value;
+  (std::make_index_sequence<sizeof(Integer)>());
 }
 
 template <typename Integer>

@@ -20,23 +20,18 @@ void Page::SetU8(std::size_t offset, std::uint8_t value) {
 
 void Page::SetU16(std::size_t offset, std::uint16_t value) {
   Check(offset, 2);
-  bytes_[offset] = static_cast<std::uint8_t>(value);
-  bytes_[offset + 1] = static_cast<std::uint8_t>(value >> 8U);
+  PutLittle(std::span(bytes_), offset, value);
 }
 
 void Page::SetU24(std::size_t offset, std::uint32_t value) {
   Check(offset, 3);
-  bytes_[offset] = static_cast<std::uint8_t>(value);
-  bytes_[offset + 1] = static_cast<std::uint8_t>(value >> 8U);
+  PutLittle(std::span(bytes_), offset, static_cast<std::uint16_t>(value));
   bytes_[offset + 2] = static_cast<std::uint8_t>(value >> 16U);
 }
 
 void Page::SetU32(std::size_t offset, std::uint32_t value) {
   Check(offset, 4);
-  bytes_[offset] = static_cast<std::uint8_t>(value);
-  bytes_[offset + 1] = static_cast<std::uint8_t>(value >> 8U);
-  bytes_[offset + 2] = static_cast<std::uint8_t>(value >> 16U);
-  bytes_[offset + 3] = static_cast<std::uint8_t>(value >> 24U);
+  PutLittle(std::span(bytes_), offset, value);
 }
 
 void Page::Put(std::size_t offset, std::span<const std::uint8_t> source) {

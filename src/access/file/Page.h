@@ -6,6 +6,8 @@
 #include <span>
 #include <string>
 
+#include "access/file/Bytes.h"
+
 namespace tavi::access {
 
 /// Position of a page in the file; page n starts at byte n x 4096. 0 stands for "none" in links.
@@ -30,15 +32,15 @@ class Page {
   }
   [[nodiscard]] std::uint16_t U16(std::size_t offset) const {
     Check(offset, 2);
-    return static_cast<std::uint16_t>(Byte(offset) | (Byte(offset + 1) << 8U));
+    return GetLittle<std::uint16_t>(bytes_, offset);
   }
   [[nodiscard]] std::uint32_t U24(std::size_t offset) const {
     Check(offset, 3);
-    return Byte(offset) | (Byte(offset + 1) << 8U) | (Byte(offset + 2) << 16U);
+    return GetLittle<std::uint16_t>(bytes_, offset) | (std::uint32_t{bytes_[offset + 2]} << 16U);
   }
   [[nodiscard]] std::uint32_t U32(std::size_t offset) const {
     Check(offset, 4);
-    return Byte(offset) | (Byte(offset + 1) << 8U) | (Byte(offset + 2) << 16U) | (Byte(offset + 3) << 24U);
+    return GetLittle<std::uint32_t>(bytes_, offset);
   }
   /// A stretch of the page.
   [[nodiscard]] std::span<const std::uint8_t> Slice(std::size_t offset, std::size_t length) const {
@@ -63,7 +65,6 @@ class Page {
     if (offset > kPageSize || length > kPageSize - offset) RaisePastTheEnd(offset, length);
   }
   [[noreturn]] void RaisePastTheEnd(std::size_t offset, std::size_t length) const;
-  [[nodiscard]] std::uint32_t Byte(std::size_t offset) const { return bytes_[offset]; }
 
   PageNumber number_;
   std::array<std::uint8_t, kPageSize> bytes_{};

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "access/file/Bytes.h"
 #include "access/file/Format.h"
 #include "platform/values/Text.h"
 
@@ -31,7 +32,7 @@ bool IsAscii(std::string_view text) {
 
 void AppendUnits(std::u16string& units, Stored plain) {
   for (std::size_t i = 0; i + 1 < plain.size(); i += kUnitSize) {
-    units.push_back(static_cast<char16_t>(plain[i] | (plain[i + 1] << 8U)));
+    units.push_back(GetLittle<char16_t>(plain, i));
   }
 }
 

@@ -1,11 +1,11 @@
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <span>
 
 #include "host/dump/DatabaseDump.h"
 #include "platform/values/Calendar.h"
 #include "platform/values/Convert.h"
+#include "platform/values/Digits.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
@@ -15,51 +15,14 @@ namespace {
 constexpr std::size_t kLongestHexadecimal = 256;
 
 std::string Hexadecimal(std::span<const std::uint8_t> bytes) {
-  constexpr std::string_view kDigits = "0123456789abcdef";
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    text.push_back(kDigits[byte >> 4U]);
-    text.push_back(kDigits[byte & 0xFU]);
-  }
-  return text;
+  return LowerCase(HexadecimalText(bytes));
 }
 
 std::string BytesText(const Bytes& bytes) {
   return bytes.size() > kLongestHexadecimal ? "sha256:" + Hexadecimal(Sha256(bytes)) : Hexadecimal(bytes);
 }
 
-/// The fewest digits that read back to a positive number, the first one before the point, and the power of ten.
-struct Digits {
-  std::string digits;
-  int exponent = 0;
-};
-
-template <typename Float>
-Digits FewestDigits(Float positive) {
-  std::array<char, 64> buffer{};
-  const auto written =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), positive, std::chars_format::scientific);
-  const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
-  const std::size_t mark = text.find('e');
-  Digits result;
-  for (const char character : text.substr(0, mark)) {
-    if (character != '.') result.digits.push_back(character);
-  }
-  const std::string_view exponent = text.substr(mark + (text[mark + 1] == '+' ? 2 : 1));
-  std::from_chars(exponent.data(), exponent.data() + exponent.size(), result.exponent);
-  return result;
-}
-
-std::string PlainText(const Digits& number) {
-  if (number.exponent < 0) {
-    return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
-  }
-  const std::size_t whole = static_cast<std::size_t>(number.exponent) + 1;
-  if (number.digits.size() <= whole) return number.digits + std::string(whole - number.digits.size(), '0');
-  return number.digits.substr(0, whole) + "." + number.digits.substr(whole);
-}
-
-std::string ExponentText(const Digits& number) {
+std::string ExponentText(const DecimalDigits& number) {
   const std::string rest = number.digits.substr(1);
   return number.digits.substr(0, 1) + (rest.empty() ? "" : "." + rest) + "e" + std::to_string(number.exponent);
 }
@@ -71,7 +34,7 @@ std::string FloatText(Float number) {
   if (number == Float{0}) return "0";
   const Float size = std::abs(number);
   const bool isPlain = static_cast<double>(size) >= 1e-5 && static_cast<double>(size) < 1e16;
-  const Digits digits = FewestDigits(size);
+  const DecimalDigits digits = FewestDigits(size);
   return (number < 0 ? "-" : "") + (isPlain ? PlainText(digits) : ExponentText(digits));
 }
 

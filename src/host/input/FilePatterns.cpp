@@ -5,6 +5,7 @@
 
 #include "host/text/PathText.h"
 #include "platform/values/Text.h"
+#include "platform/values/Wildcards.h"
 
 namespace tavi::host {
 namespace {
@@ -17,26 +18,10 @@ constexpr bool kTakesPatterns = true;
 constexpr bool kTakesPatterns = false;
 #endif
 
-/// Whether a whole name fits. After a mismatch the last star takes one character more.
-bool Fits(const std::u32string& name, const std::u32string& pattern) {
-  std::size_t star = std::u32string::npos;
-  std::size_t behindStar = 0;
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < name.size();) {
-    if (at < pattern.size() && pattern[at] == U'*') {
-      star = at++;
-      behindStar = i;
-    } else if (at < pattern.size() && (pattern[at] == U'?' || pattern[at] == name[i])) {
-      ++at;
-      ++i;
-    } else if (star != std::u32string::npos) {
-      at = star + 1;
-      i = ++behindStar;
-    } else {
-      return false;
-    }
-  }
-  return pattern.find_first_not_of(U'*', at) == std::u32string::npos;
+bool Fits(std::u32string_view name, std::u32string_view pattern) {
+  return FitsPattern(
+      name, pattern, [](char32_t piece) { return piece == U'*'; },
+      [](char32_t piece, char32_t character) { return piece == U'?' || piece == character; });
 }
 
 std::u32string Folded(const std::string& name) {

@@ -1,12 +1,11 @@
 #include "platform/values/Convert.h"
 
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
-#include <span>
 
 #include "platform/values/Calendar.h"
+#include "platform/values/Digits.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -23,16 +22,6 @@ struct Overloaded : Functions... {
 };
 template <typename... Functions>
 Overloaded(Functions...) -> Overloaded<Functions...>;
-
-std::string HexadecimalText(std::span<const std::uint8_t> bytes) {
-  constexpr std::string_view kDigits = "0123456789ABCDEF";
-  std::string text;
-  for (const std::uint8_t byte : bytes) {
-    text.push_back(kDigits[byte >> 4U]);
-    text.push_back(kDigits[byte & 0xFU]);
-  }
-  return text;
-}
 
 std::string Shown(const Value& value) {
   if (IsNull(value)) return "Null";
@@ -126,14 +115,10 @@ std::optional<Date> DateFromText(const std::string& text) {
   return Date::FromIso(iso);
 }
 
+/// A single's text has the seven digits that it holds, not those of the nearest double.
 std::string SingleText(float number) {
-  std::array<char, 40> buffer{};
-  const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), static_cast<double>(number),
-                                     std::chars_format::scientific, kSingleDigits - 1);
-  // The seven digits that a single holds, written as any other number.
-  const auto rounded =
-      ParseNumber(std::string_view(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data())));
-  return NumberText(rounded.value_or(static_cast<double>(number)));
+  if (!std::isfinite(number)) return NumberText(static_cast<double>(number));
+  return (number < 0 ? "-" : "") + GeneralText(RoundedDigits(static_cast<double>(std::abs(number)), kSingleDigits));
 }
 
 }  // namespace

@@ -1,64 +1,22 @@
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 
 #include "platform/values/Convert.h"
+#include "platform/values/Digits.h"
 #include "platform/values/Text.h"
 
 namespace tavi {
 namespace {
 
-constexpr int kSignificantDigits = 15;
 /// So many digits tell every double from all others.
 constexpr int kMostDigits = 17;
-constexpr int kFirstPlainExponent = -5;
 
 /// Above this size a double has no digits behind the point that could be rounded.
 constexpr double kWholeFrom = 4503599627370496.0;  // 2^52
 
-/// The significant digits of a positive number without trailing zeros, and the power of ten of the first one.
-struct Digits {
-  std::string digits;
-  int exponent = 0;
-};
-
-Digits DigitsOf(double positive, int count = kSignificantDigits) {
-  std::array<char, 40> buffer{};
-  const auto written =
-      std::to_chars(buffer.data(), buffer.data() + buffer.size(), positive, std::chars_format::scientific, count - 1);
-  const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
-  const std::size_t mark = text.find('e');
-  Digits result;
-  for (const char character : text.substr(0, mark)) {
-    if (character != '.') result.digits.push_back(character);
-  }
-  result.digits.erase(result.digits.find_last_not_of('0') + 1);
-  const std::string_view exponent = text.substr(mark + (text[mark + 1] == '+' ? 2 : 1));
-  std::from_chars(exponent.data(), exponent.data() + exponent.size(), result.exponent);
-  return result;
-}
-
-std::string PlainText(const Digits& number) {
-  if (number.exponent < 0) {
-    return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
-  }
-  const std::size_t wholeDigits = static_cast<std::size_t>(number.exponent) + 1;
-  if (number.digits.size() <= wholeDigits) return number.digits + std::string(wholeDigits - number.digits.size(), '0');
-  return number.digits.substr(0, wholeDigits) + "." + number.digits.substr(wholeDigits);
-}
-
-std::string ExponentText(const Digits& number) {
-  std::string text = number.digits.substr(0, 1);
-  if (number.digits.size() > 1) text += "." + number.digits.substr(1);
-  const std::string exponent = std::to_string(std::abs(number.exponent));
-  return text + (number.exponent < 0 ? "E-" : "E+") + (exponent.size() < 2 ? "0" : "") + exponent;
-}
-
 std::string TextOf(double number, int digitCount) {
-  const Digits digits = DigitsOf(std::abs(number), digitCount);
-  const bool plain = digits.exponent >= kFirstPlainExponent && digits.exponent < kSignificantDigits;
-  return (number < 0 ? "-" : "") + (plain ? PlainText(digits) : ExponentText(digits));
+  return (number < 0 ? "-" : "") + GeneralText(RoundedDigits(std::abs(number), digitCount));
 }
 
 /// True when a number that the library calls out of range is too small rather than too large.
@@ -112,7 +70,7 @@ double RoundHalfEven(double number, int decimals) {
 
 double RoundDecimalHalfEven(double number, int decimals) {
   if (!std::isfinite(number) || number == 0.0) return number;
-  const Digits text = DigitsOf(std::abs(number));
+  const DecimalDigits text = RoundedDigits(std::abs(number), kSignificantDigits);
   const int kept = text.exponent + 1 + decimals;
   if (kept > kSignificantDigits) return RoundHalfEven(number, decimals);
   if (kept < 0) return 0.0;

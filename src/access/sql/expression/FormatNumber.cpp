@@ -1,11 +1,10 @@
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <vector>
 
 #include "access/sql/expression/Coercion.h"
 #include "access/sql/expression/FormatText.h"
+#include "platform/values/Digits.h"
 
 namespace tavi::access::sql {
 namespace {
@@ -60,17 +59,10 @@ class Digits {
   }
 
   void ReadDouble(double number) {
-    constexpr int kSignificant = 15;
-    std::array<char, 40> buffer{};
-    const auto written = std::to_chars(buffer.data(), buffer.data() + buffer.size(), number,
-                                       std::chars_format::scientific, kSignificant - 1);
-    const std::string_view text(buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data()));
-    const std::size_t exponentSign = text.find('e');
-    if (exponentSign == std::string_view::npos) RaiseTypeConflict();
-    digits_ = std::string(text.substr(0, 1)) + std::string(text.substr(2, exponentSign - 2));
-    const std::size_t skipped = text[exponentSign + 1] == '+' ? 2 : 1;
-    std::from_chars(text.data() + exponentSign + skipped, text.data() + text.size(), point_);
-    ++point_;
+    if (!std::isfinite(number)) RaiseTypeConflict();
+    DecimalDigits read = RoundedDigits(number, kSignificantDigits);
+    digits_ = std::move(read.digits);
+    point_ = read.exponent + 1;
   }
 
   void Increment() {

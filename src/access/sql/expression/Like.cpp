@@ -3,6 +3,7 @@
 #include "access/file/EngineError.h"
 #include "access/sql/expression/Operators.h"
 #include "platform/values/Text.h"
+#include "platform/values/Wildcards.h"
 
 namespace tavi::access::sql {
 
@@ -65,29 +66,8 @@ bool LikePattern::Accepts(const Piece& piece, char32_t character) {
 }
 
 bool LikePattern::Matches(std::string_view text) const {
-  const std::u32string characters = ToCodePoints(text);
-  std::size_t place = 0;
-  std::size_t piece = 0;
-  // The last run of any characters, and the place up to which it reaches: on a mismatch it is made one longer. Only the
-  // last one ever needs to be, as a longer earlier one leaves less for the rest.
-  std::size_t runPiece = pieces_.size();
-  std::size_t runEnd = 0;
-  while (place < characters.size()) {
-    if (piece < pieces_.size() && pieces_[piece].kind == Piece::Kind::AnyRun) {
-      runPiece = piece++;
-      runEnd = place;
-    } else if (piece < pieces_.size() && Accepts(pieces_[piece], characters[place])) {
-      ++piece;
-      ++place;
-    } else if (runPiece < pieces_.size()) {
-      piece = runPiece + 1;
-      place = ++runEnd;
-    } else {
-      return false;
-    }
-  }
-  return std::all_of(pieces_.begin() + static_cast<std::ptrdiff_t>(piece), pieces_.end(),
-                     [](const Piece& rest) { return rest.kind == Piece::Kind::AnyRun; });
+  const auto isRun = [](const Piece& piece) { return piece.kind == Piece::Kind::AnyRun; };
+  return FitsPattern(ToCodePoints(text), pieces_, isRun, Accepts);
 }
 
 }  // namespace tavi::access::sql
