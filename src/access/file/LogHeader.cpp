@@ -36,6 +36,8 @@ constexpr std::size_t kAppliedOffset = 0x158;
 constexpr std::size_t kAppliedSize = 8;
 constexpr std::size_t kDoubtfulOffset = 0x160;
 constexpr std::size_t kDoubtfulSize = 8;
+constexpr std::size_t kMarkedContentOffset = 0x168;
+constexpr std::size_t kMarkedContentSize = 16;
 
 std::uint64_t NewSalt(std::uint64_t old) {
   std::random_device random;
@@ -152,6 +154,21 @@ bool LogHeader::IsApplied() const {
 
 bool LogHeader::IsDoubtful() const {
   return GetLittle<std::uint64_t>(bytes_, kDoubtfulOffset) != 0;
+}
+
+std::optional<std::uint64_t> LogHeader::MarkedContent() const {
+  const auto content = std::span<const std::uint8_t>(bytes_).subspan(kMarkedContentOffset, kMarkedContentSize);
+  const auto sum = GetLittle<std::uint64_t>(content, 0);
+  if (GetLittle<std::uint64_t>(content, kMarkedSize) != Checksum(Salt(), content.first(kMarkedSize)))
+    return std::nullopt;
+  return sum;
+}
+
+void LogHeader::MarkContent(File& log, std::uint64_t sum) {
+  const auto content = std::span<std::uint8_t>(bytes_).subspan(kMarkedContentOffset, kMarkedContentSize);
+  PutLittle<std::uint64_t>(content, 0, sum);
+  PutLittle<std::uint64_t>(content, kMarkedSize, Checksum(Salt(), content.first(kMarkedSize)));
+  log.WriteAt(kMarkedContentOffset, content);
 }
 
 void LogHeader::MarkApplying(File& log, std::uint64_t end) {

@@ -39,6 +39,9 @@ class LogHeader {
   [[nodiscard]] std::optional<std::uint64_t> Applying() const;
   [[nodiscard]] bool IsApplied() const;
   [[nodiscard]] bool IsDoubtful() const;
+  /// The content of a large file when the applying mark was set, nothing when it was not remembered.
+  [[nodiscard]] std::optional<std::uint64_t> MarkedContent() const;
+  void MarkContent(File& log, std::uint64_t sum);
   void MarkApplying(File& log, std::uint64_t end);
   void MarkApplied(File& log);
   /// Does nothing in a file without a header, or where it cannot write.

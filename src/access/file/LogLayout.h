@@ -28,7 +28,10 @@
 //   0x150   8     checksum of the 8 bytes before, seed = salt
 //   0x158   8     applied: checksum of the 16 bytes before, seed = salt; written when the database has been flushed
 //   0x160   8     doubtful: not 0 when a flush of the log has failed
-//   0x168   24    0
+//   0x168   8     of a file of more than 16 MiB its content as above when the applying mark was set, the logged pages
+//                 counted by what stood there before
+//   0x170   8     checksum of the 8 bytes before, seed = salt
+//   0x178   8     0
 //
 //   From offset 0x180 on: statements, back to back, each in one of two forms.
 //
@@ -100,10 +103,9 @@
 // was when the page was first logged, or, under the mark, as in an image of that page. The other pages must be as they
 // were: they are if number, size and last change of the file are, and the log's own number (without the mark; a
 // checkpoint changes them); else if the content is, with the checksums of the log for the logged pages, which may be
-// old or new by sectors. A file of more than 16 MiB is known by number, last change and witnesses. A log that has
-// another number than its header says was copied or moved, presumably with its file; then that file is known by its
-// witnesses alone. Under the mark last change and size say nothing, and witnesses only where their pages are not
-// logged.
+// old or new by sectors. A file of more than 16 MiB is known by its last change and witnesses, and by its number while
+// the log has the number that its header says; else both were copied or moved. Under the mark the last change and the
+// size say nothing any more, and the content tells, which a checkpoint of such a file reads for it.
 //
 // After a flush that failed the system may have forgotten what it could not write, and a later flush that succeeds says
 // nothing about it: the log may have holes that show only after a power failure. It is doubtful then. Nothing is

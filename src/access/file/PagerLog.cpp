@@ -251,7 +251,7 @@ void PagerImplementation::LeaveLogToOthers(const std::string& why) {
 void PagerImplementation::RaiseFailedFlush() {
   const std::optional<std::string> reason = log_.TakeFailedFlush();
   if (!reason) return;
-  RaiseFailure("What was stored last in '" + path_ + "' could not be flushed to the disk: " + *reason +
+  RaiseFailure("Could not flush what was stored last in '" + path_ + "' to the disk: " + *reason +
                " It is in the file's log, but would be lost if the power failed now. The next change, or the closing "
                "of the file, tries to bring it into the file itself; check the disk.");
 }

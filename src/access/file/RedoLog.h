@@ -141,12 +141,12 @@ class RedoLog {
   [[nodiscard]] bool ApplyingHasBegun() const;
   [[nodiscard]] bool HasFittingSize(const LogOwner& owner, std::uint64_t size) const;
   [[nodiscard]] bool IsUntouched(File& database, const LogOwner& owner);
-  [[nodiscard]] bool HasContent(File& database, const LogOwner& owner) const;
+  [[nodiscard]] std::uint64_t ContentOf(File& database, const LogOwner& owner) const;
   [[nodiscard]] bool IsThatLargeFile(File& database, const LogOwner& owner);
   [[nodiscard]] bool HasWitnesses(File& database, const LogOwner& owner) const;
   [[nodiscard]] bool Recognises(File& database, std::uint64_t size, PageNumber number, const LoggedPage& page);
   [[nodiscard]] std::vector<PageSums> SumsOfImages(const LoggedPage& page);
-  void MarkApplying();
+  void MarkApplying(File& database);
   void MakeDurable();
   void WriteAnew();
   [[nodiscard]] std::string FreeSetAsidePath() const;

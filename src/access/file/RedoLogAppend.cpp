@@ -117,10 +117,11 @@ void RedoLog::Flush() {
   if (file_ == nullptr || readOnly_) return;
   flush_.Now();
   if (!IsDoubtful()) return;
-  RaiseFailure("What was stored last in '" + databasePath_ +
-               "' is in the file's log, but a flush of the log has failed, and it would be lost if the power failed "
-               "now. The next change, or the closing of the file, tries to bring it into the file itself; check the "
-               "disk.");
+  RaiseFailure(
+      "Could not flush what was stored last in '" + databasePath_ +
+      "' to the disk: a flush has failed before. It is in the file's log, but would be lost if the power failed "
+      "now. The next change, or the closing of the file, tries to bring it into the file itself; check the "
+      "disk.");
 }
 
 // For who is alone with the log, since what it writes ends where this opener sees the end.
@@ -146,9 +147,8 @@ void RedoLog::WriteAnew() {
   std::vector<PageNumber> pages;
   static_cast<void>(written.TakeIn(pages));
   if (written.end_ != end_) {
-    RaiseFailure("The log '" + path_ +
-                 "' could not be flushed, and the system has forgotten a part of it. What the file '" + databasePath_ +
-                 "' itself holds is sound.");
+    RaiseFailure("Could not flush the log '" + path_ + "', and the system has forgotten a part of it. What the file '" +
+                 databasePath_ + "' itself holds is sound.");
   }
 }
 

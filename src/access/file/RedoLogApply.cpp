@@ -27,8 +27,10 @@ bool RedoLog::BelongsTo(File& database) {
     return Recognises(database, size, entry.first, entry.second);
   });
   if (!recognises) return false;
-  if (owner.IsSummed()) return IsUntouched(database, owner) || HasContent(database, owner);
-  return IsThatLargeFile(database, owner) && HasWitnesses(database, owner);
+  if (owner.IsSummed()) return IsUntouched(database, owner) || ContentOf(database, owner) == owner.contentSum;
+  if (!IsThatLargeFile(database, owner) || !HasWitnesses(database, owner)) return false;
+  const std::optional<std::uint64_t> marked = header_.MarkedContent();
+  return !ApplyingHasBegun() || !marked || ContentOf(database, owner) == *marked;
 }
 
 // A checkpoint lets the file grow, and never shrink.
@@ -43,20 +45,19 @@ bool RedoLog::IsUntouched(File& database, const LogOwner& owner) {
          database.Identity().number == owner.fileNumber && database.ModificationStamp() == owner.stamp;
 }
 
-bool RedoLog::HasContent(File& database, const LogOwner& owner) const {
-  const auto known = [this](PageNumber number) {
+// As it was before the log's statements.
+std::uint64_t RedoLog::ContentOf(File& database, const LogOwner& owner) const {
+  return LogOwner::ContentSum(database, owner.size, [this](PageNumber number) {
     const LoggedPage* page = Find(number);
     return page != nullptr ? &page->before : nullptr;
-  };
-  return LogOwner::ContentSum(database, owner.size, known) == owner.contentSum;
+  });
 }
 
 bool RedoLog::IsThatLargeFile(File& database, const LogOwner& owner) {
-  // Of a log that was copied or moved the database file was copied or moved too.
+  // Of a log that was copied or moved the database file was copied or moved too, and has another number.
   const bool isInPlace = file_->Identity().number == header_.LogNumber();
-  if (!isInPlace) return true;
-  return database.Identity().number == owner.fileNumber &&
-         (ApplyingHasBegun() || IsSameMoment(owner.stamp, database.ModificationStamp()));
+  if (isInPlace && database.Identity().number != owner.fileNumber) return false;
+  return ApplyingHasBegun() || IsSameMoment(owner.stamp, database.ModificationStamp());
 }
 
 bool RedoLog::HasWitnesses(File& database, const LogOwner& owner) const {
@@ -113,8 +114,13 @@ std::vector<PageSums> RedoLog::SumsOfImages(const LoggedPage& page) {
 // A mark that is there already is left alone: a second attempt that fails in the middle of it would leave a log that
 // seems to have nothing to do with a database into which the first attempt has written. It serves, since all that was
 // appended after it is flushed here too.
-void RedoLog::MarkApplying() {
-  if (!ApplyingHasBegun()) header_.MarkApplying(*file_, end_);
+void RedoLog::MarkApplying(File& database) {
+  if (!ApplyingHasBegun()) {
+    // Of a small file the header has it already.
+    if (const LogOwner owner = header_.Owner(); !owner.IsSummed())
+      header_.MarkContent(*file_, ContentOf(database, owner));
+    header_.MarkApplying(*file_, end_);
+  }
   MakeDurable();
 }
 
@@ -122,7 +128,7 @@ void RedoLog::ApplyTo(File& database) {
   // Images are made of what is read from it.
   if (IsDoubtful()) MakeDurable();
   AppendImages(database);
-  MarkApplying();
+  MarkApplying(database);
   // New pages first: a full disk is then met before any old page is touched.
   const auto firstNew = static_cast<PageNumber>(database.Size() / kPageSize);
   std::vector<PageNumber> numbers;

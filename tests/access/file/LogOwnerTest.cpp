@@ -46,8 +46,9 @@ class LogOwnerTest : public ::testing::Test {
     const auto failing = std::make_shared<FailingFileSystem>(memory_);
     auto pager = Pager::Open(failing, kPath, {.readOnly = true});
     pager.reset();
-    // The images, the mark, the page.
-    failing->FailCall(2, {FailingFileSystem::Operation::Write}, true);
+    // The images, the content of a large file, the mark, the page.
+    failing->FailCall(memory_->Contents(kPath).size() > LogOwner::kLargestSummed ? 3 : 2,
+                      {FailingFileSystem::Operation::Write}, true);
     EXPECT_EQ(ReadText(*Pager::Open(failing, kPath, {}), 3), "ours");
     memory_ = memory_->AfterCrash(CrashKind::Kept, 0);
     ASSERT_TRUE(memory_->Exists(kLog));
@@ -208,6 +209,7 @@ class LogOwnerOfLargeFileTest : public LogOwnerTest {
     auto copy = std::make_shared<MemoryFileSystem>();
     copy->SetContents("folder", Bytes{});  // other numbers than where it comes from
     copy->SetContents(kPath, content);
+    copy->SetStamp(kPath, memory_->Stamp(kPath));
     copy->SetContents(kLog, memory_->Contents(kLog));
     return copy;
   }
@@ -215,6 +217,29 @@ class LogOwnerOfLargeFileTest : public LogOwnerTest {
 
 TEST_F(LogOwnerOfLargeFileTest, ItsLogIsAppliedToItAndToACopyMadeTogetherWithTheLog) {
   ExpectApplied(CopyWithLog(memory_->Contents(kPath)));
+  ExpectApplied(memory_);
+}
+
+TEST_F(LogOwnerOfLargeFileTest, AnotherNightsFileThatWasCopiedBesideTheLogSetsItAside) {
+  const auto copy = CopyWithLog(memory_->Contents(kPath));
+  copy->SetStamp(kPath, memory_->Stamp(kPath) - 86'400'000'000'000);
+  ExpectSetAside(copy);
+}
+
+// Page 5 is neither logged nor one of those of which checksums are kept.
+TEST_F(LogOwnerOfLargeFileTest, ABackupInThePlaceOfAHalfWrittenFileSetsTheLogAside) {
+  BeginCheckpoint();
+  Bytes backup = memory_->Contents(kPath);
+  backup[5 * kPageSize + 100] ^= 1U;
+  for (const bool isNewFile : {false, true}) ExpectSetAside(With(backup, isNewFile));
+  ExpectSetAside(CopyWithLog(backup));
+}
+
+TEST_F(LogOwnerOfLargeFileTest, AHalfWrittenCheckpointIsFinishedAlsoInACopy) {
+  BeginCheckpoint();
+  const auto copy = CopyWithLog(memory_->Contents(kPath));
+  copy->SetStamp(kPath, 0);
+  ExpectApplied(copy);
   ExpectApplied(memory_);
 }
 

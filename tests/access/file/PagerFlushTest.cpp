@@ -134,6 +134,8 @@ TEST_F(PagerFlushTest, AFailedFlushIsTheErrorOfTheNextStatement) {
         WriteText(*pager, 4, "two");
       }
     });
+    // As all troubles of writing begin: so a recovery knows them from damage of what it reads.
+    EXPECT_TRUE(error.starts_with("Could not flush")) << error;
     EXPECT_NE(error.find(kPath), std::string::npos) << error;
     EXPECT_NE(error.find("Input/output error"), std::string::npos) << error;
     EXPECT_FALSE(pager->InStatement());

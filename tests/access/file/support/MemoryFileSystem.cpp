@@ -278,6 +278,15 @@ void MemoryFileSystem::SetContents(const std::string& path, const Bytes& bytes) 
   node->durableStamp = node->stamp;
 }
 
+std::int64_t MemoryFileSystem::Stamp(const std::string& path) const {
+  const auto node = Find(path);
+  return node ? node->stamp : 0;
+}
+
+void MemoryFileSystem::SetStamp(const std::string& path, std::int64_t stamp) {
+  if (const auto node = Find(path)) node->stamp = node->durableStamp = stamp;
+}
+
 std::vector<std::string> MemoryFileSystem::Paths() const {
   std::vector<std::string> paths;
   for (const auto& entry : names_) paths.push_back(entry.first);

@@ -47,6 +47,9 @@ class MemoryFileSystem final : public FileSystem {
 
   /// The content of a file.
   [[nodiscard]] Bytes Contents(const std::string& path) const;
+  /// The time of a file's last change, in nanoseconds; set as by a program that copies it with its times.
+  [[nodiscard]] std::int64_t Stamp(const std::string& path) const;
+  void SetStamp(const std::string& path, std::int64_t stamp);
   /// Gives a file another content, durably, as another program would (the modification stamp changes).
   void SetContents(const std::string& path, const Bytes& bytes);
   [[nodiscard]] std::vector<std::string> Paths() const;
