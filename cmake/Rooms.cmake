@@ -76,6 +76,26 @@ function(tavi_room name)
   endif()
 endfunction()
 
+# tavi_maker(NAME FILES...): a program, of source files and headers, that makes source files when the system is built. It
+# runs on the machine that builds, for whatever system the rest is built. ${NAME} says where it is; NAME_program is its
+# target.
+function(tavi_maker name)
+  set(compiler ${CMAKE_CXX_COMPILER})
+  if(CMAKE_CROSSCOMPILING)
+    find_program(TAVI_NATIVE_COMPILER NAMES c++ g++ clang++ REQUIRED NO_CMAKE_FIND_ROOT_PATH)
+    set(compiler ${TAVI_NATIVE_COMPILER})
+  endif()
+  set(program ${CMAKE_CURRENT_BINARY_DIR}/${name})
+  list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
+  set(sources ${ARGN})
+  list(FILTER sources INCLUDE REGEX "cpp$")
+  add_custom_command(OUTPUT ${program}
+    COMMAND ${compiler} -std=c++20 -I ${CMAKE_SOURCE_DIR}/src ${sources} -o ${program}
+    DEPENDS ${ARGN} VERBATIM)
+  add_custom_target(${name}_program DEPENDS ${program})
+  set(${name} ${program} CACHE INTERNAL "Where the program is")
+endfunction()
+
 # tavi_test_support(NAME SOURCES ... [USES ...]): a library of what several test programs need.
 function(tavi_test_support name)
   cmake_parse_arguments(SUPPORT "" "" "SOURCES;USES" ${ARGN})
@@ -129,6 +149,7 @@ function(tavi_test name)
   target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main
     tavi_test_options)
   set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_TEST_AT_A_TIME})
+  set_property(GLOBAL APPEND PROPERTY TAVI_TEST_PROGRAMS $<TARGET_FILE:${name}>)
   if(TAVI_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
   endif()

@@ -307,16 +307,16 @@ HandiCalcSettings MembershipDatabase::HandicalcOptions() {
   return state_->handicapSettings.HandicalcOptions(*ThreadStore());
 }
 
-void MembershipDatabase::SetHandicalcOptions(const std::shared_ptr<HandiCalcSettings>& settings) {
-  state_->handicapSettings.SetHandicalcOptions(*ThreadStore(), settings);
+void MembershipDatabase::SetHandicalcOptions(const std::shared_ptr<HandiCalcSettings>& value) {
+  state_->handicapSettings.SetHandicalcOptions(*ThreadStore(), value);
 }
 
 bool MembershipDatabase::HandiCalcDisabled() {
   return state_->handicapSettings.HandiCalcDisabled(*ThreadStore());
 }
 
-void MembershipDatabase::SetHandiCalcDisabled(bool disabled) {
-  state_->handicapSettings.SetHandiCalcDisabled(*ThreadStore(), disabled);
+void MembershipDatabase::SetHandiCalcDisabled(bool value) {
+  state_->handicapSettings.SetHandiCalcDisabled(*ThreadStore(), value);
 }
 
 Handicaps MembershipDatabase::CalculateHandicaps(std::int32_t PlayerID, std::int32_t PartnerID,

@@ -191,10 +191,10 @@ class MembershipDatabase {
   /// A copy of the settings.
   [[nodiscard]] HandiCalcSettings HandicalcOptions();
   /// Stores the settings; the object itself is kept and its Disabled cleared.
-  void SetHandicalcOptions(const std::shared_ptr<HandiCalcSettings>& settings);
+  void SetHandicalcOptions(const std::shared_ptr<HandiCalcSettings>& value);
   [[nodiscard]] bool HandiCalcDisabled();
   /// Raises NoObject while the settings were never read or stored through this object.
-  void SetHandiCalcDisabled(bool disabled);
+  void SetHandiCalcDisabled(bool value);
   /// The handicaps of a pair (or player) for a competition that is about to be scored; 1 January 2000 means today, with
   /// no competition left out. The file stays open afterwards.
   [[nodiscard]] Handicaps CalculateHandicaps(std::int32_t PlayerID, std::int32_t PartnerID,

@@ -28,12 +28,8 @@ void HandiCalcSettings::SetSamePartnerWeighting(std::int16_t value) {
   samePartnerWeighting_ = std::clamp(value, kPlayersAlone, kJointResultsAlone);
 }
 
-bool HandiCalcSettings::MultiplierIsActive() const {
-  return IsActive(1.0 - regularPairMultiplier_);
-}
-
-bool HandiCalcSettings::AddIsActive() const {
-  return IsActive(regularPairAdd_);
+bool HandiCalcSettings::IncludesRegularPairAdjustment() const {
+  return IsActive(1.0 - regularPairMultiplier_) || IsActive(regularPairAdd_);
 }
 
 }  // namespace tavi

@@ -43,7 +43,7 @@ class HandiCalcSettings {
   [[nodiscard]] std::int16_t SamePartnerWeighting() const { return samePartnerWeighting_; }
   void SetSamePartnerWeighting(std::int16_t value);
   /// True when factor or addition for regular pairs change anything (by more than 0.00001).
-  [[nodiscard]] bool IncludesRegularPairAdjustment() const { return MultiplierIsActive() || AddIsActive(); }
+  [[nodiscard]] bool IncludesRegularPairAdjustment() const;
   /// A regular pair's handicap from its gross one, neither rounded nor limited, whether or not the adjustment changes
   /// anything.
   [[nodiscard]] double AdjustRegularPair(double GrossHandicap) const {
@@ -51,9 +51,6 @@ class HandiCalcSettings {
   }
 
  private:
-  [[nodiscard]] bool MultiplierIsActive() const;
-  [[nodiscard]] bool AddIsActive() const;
-
   std::int16_t maxWeeks_ = 0;
   std::int16_t maxResults_ = 0;
   std::int16_t samePartnerWeighting_ = kPlayersAlone;

@@ -1,15 +1,17 @@
 #include "host/rpc/Arguments.h"
 
 #include <algorithm>
+#include <string_view>
 
 namespace tavi::host {
 namespace {
 
 std::string Signature(const Operation& operation) {
-  std::string text = operation.name + "(";
+  std::string text = std::string(operation.name) + "(";
   for (const Argument& argument : operation.arguments) {
     if (&argument != &operation.arguments.front()) text += ", ";
-    text += argument.standard ? "[" + argument.name + "]" : argument.name;
+    const bool isNeeded = argument.standard == nullptr;
+    text += isNeeded ? argument.name : "[" + std::string(argument.name) + "]";
   }
   return text + ")";
 }
@@ -24,10 +26,10 @@ void Complete(const Operation& operation, std::vector<Json>& values) {
     const Argument& argument = operation.arguments[i];
     const bool isMissing = values[i].is_discarded();
     if (!isMissing && !values[i].is_null()) continue;
-    if (argument.standard) {
-      values[i] = *argument.standard;
-    } else if (isMissing || argument.type != TypeWord<HandiCalcSettings>()) {  // an object may be none
-      Refuse(operation, "\"" + argument.name + "\" is missing");
+    if (argument.standard != nullptr) {
+      values[i] = Json::parse(argument.standard);
+    } else if (isMissing || argument.type != std::string_view("HandiCalcSettings")) {  // an object may be none
+      Refuse(operation, "\"" + std::string(argument.name) + "\" is missing");
     }
   }
 }
@@ -55,7 +57,7 @@ std::vector<Json> ByName(const Operation& operation, const Json& params) {
 /// True when so many values, put to the arguments from the first on, leave one without a value that needs one.
 bool LeavesGaps(const Operation& operation, std::size_t given) {
   for (std::size_t i = given; i < operation.arguments.size(); ++i) {
-    if (!operation.arguments[i].standard) return true;
+    if (operation.arguments[i].standard == nullptr) return true;
   }
   return false;
 }
@@ -68,7 +70,7 @@ std::vector<Json> ByPosition(const Operation& operation, const Json& params) {
   const bool onlyThoseGiven = LeavesGaps(operation, params.size());
   std::size_t next = 0;
   for (std::size_t i = 0; i < values.size() && next < params.size(); ++i) {
-    if (onlyThoseGiven && operation.arguments[i].passedBack) continue;
+    if (onlyThoseGiven && operation.arguments[i].isPassedBack) continue;
     values[i] = params[next++];
   }
   return values;

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "host/rpc/Operation.h"
+#include "host/rpc/Operations.h"
 
 namespace tavi::host {
 

@@ -31,28 +31,6 @@ void ReadWhole(const Json& json, Integer& value) {
   value = static_cast<Integer>(number);
 }
 
-template <typename Value>
-void ReadMember(const Json& json, const char* name, Value& value) {
-  const auto found = json.find(name);
-  if (found == json.end() || found->is_null()) return;
-  try {
-    ReadJson(*found, value);
-  } catch (const RpcError& problem) {
-    throw RpcError(problem.Code(), std::string(name) + ": " + problem.what());
-  }
-}
-
-void RefuseUnknownMembers(const Json& json) {
-  static constexpr const char* kMembers[] = {
-      "MaxWeeks", "MaxResults",           "RegularPairMultiplier",        "RegularPairAdd", "UnknownPlayerHandicap",
-      "Disabled", "SamePartnerWeighting", "IncludesRegularPairAdjustment"};
-  for (const auto& member : json.items()) {
-    const auto isMember = [&](const char* name) { return member.key() == name; };
-    if (std::none_of(std::begin(kMembers), std::end(kMembers), isMember))
-      throw RpcError(RpcCode::InvalidParams, "settings have no member \"" + member.key() + "\"");
-  }
-}
-
 }  // namespace
 
 void ReadJson(const Json& json, bool& value) {
@@ -102,33 +80,14 @@ void ReadJson(const Json& json, Date& value) {
   value = *date;
 }
 
-void ReadJson(const Json& json, HandiCalcSettings& value) {
-  value = HandiCalcSettings();
-  if (!json.is_object()) Refuse(json, "an object of settings");
-  RefuseUnknownMembers(json);
-  std::int16_t weeks = value.MaxWeeks();
-  std::int16_t results = value.MaxResults();
-  std::int16_t weighting = value.SamePartnerWeighting();
-  double multiplier = value.RegularPairMultiplier();
-  double add = value.RegularPairAdd();
-  double unknown = value.UnknownPlayerHandicap();
-  bool disabled = value.Disabled();
-  ReadMember(json, "MaxWeeks", weeks);
-  ReadMember(json, "MaxResults", results);
-  ReadMember(json, "RegularPairMultiplier", multiplier);
-  ReadMember(json, "RegularPairAdd", add);
-  ReadMember(json, "UnknownPlayerHandicap", unknown);
-  ReadMember(json, "Disabled", disabled);
-  ReadMember(json, "SamePartnerWeighting", weighting);
-  bool toldOnly = false;
-  ReadMember(json, "IncludesRegularPairAdjustment", toldOnly);
-  value.SetMaxWeeks(weeks);
-  value.SetMaxResults(results);
-  value.SetRegularPairMultiplier(multiplier);
-  value.SetRegularPairAdd(add);
-  value.SetUnknownPlayerHandicap(unknown);
-  value.SetDisabled(disabled);
-  value.SetSamePartnerWeighting(weighting);
+void RequireMembers(const Json& json, const std::string& what, std::initializer_list<const char*> names) {
+  if (!json.is_object()) Refuse(json, "an object of " + what);
+  for (const auto& member : json.items()) {
+    const auto isMember = [&](const char* name) { return member.key() == name; };
+    if (std::none_of(names.begin(), names.end(), isMember)) {
+      throw RpcError(RpcCode::InvalidParams, what + " have no member \"" + member.key() + "\"");
+    }
+  }
 }
 
 void ReadJson(const Json& json, std::shared_ptr<HandiCalcSettings>& value) {
@@ -162,31 +121,6 @@ Json WriteJson(const std::string& value) {
 
 Json WriteJson(const std::vector<std::string>& value) {
   return value;
-}
-
-Json WriteJson(const HandiCalcSettings& value) {
-  return {{"MaxWeeks", value.MaxWeeks()},
-          {"MaxResults", value.MaxResults()},
-          {"RegularPairMultiplier", WriteJson(value.RegularPairMultiplier())},
-          {"RegularPairAdd", WriteJson(value.RegularPairAdd())},
-          {"UnknownPlayerHandicap", WriteJson(value.UnknownPlayerHandicap())},
-          {"Disabled", value.Disabled()},
-          {"SamePartnerWeighting", value.SamePartnerWeighting()},
-          {"IncludesRegularPairAdjustment", value.IncludesRegularPairAdjustment()}};
-}
-
-Json WriteJson(const Handicaps& value) {
-  return {{"PartnershipHandicap", WriteJson(value.PartnershipHandicap())},
-          {"Player1Handicap", WriteJson(value.Player1Handicap())},
-          {"Player2Handicap", WriteJson(value.Player2Handicap())}};
-}
-
-Json WriteJson(const EBUMembershipDetails& value) {
-  return {{"EBUNumber", value.EBUNumber()},
-          {"FirstName", value.FirstName()},
-          {"LastName", value.LastName()},
-          {"CountyCode", value.CountyCode()},
-          {"Location", value.Location()}};
 }
 
 Json WriteJson(const std::vector<EBUMembershipDetails>& value) {

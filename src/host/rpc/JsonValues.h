@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -8,9 +9,10 @@
 #include <vector>
 
 #include "facade/MembershipDatabase.h"
+#include "host/rpc/RpcError.h"
 
 /// The component's types as JSON. Objects of the component (settings, handicaps, rows of the governing body's list) are
-/// JSON objects with their properties as members; dates are ISO 8601 texts.
+/// JSON objects with their properties as members, which come from the table of operations; dates are ISO 8601 texts.
 namespace tavi::host {
 
 /// Members keep the order in which they were put in, so that replies read as the documentation does.
@@ -43,33 +45,20 @@ Json WriteJson(const std::vector<EBUMembershipDetails>& value);
 /// The numbers alone; their lower bound is passed back beside them.
 Json WriteJson(const MatchList& value);
 
-/// What the types are called in the list of operations.
+/// A value's JSON has these members and no others. Raises RpcError (InvalidParams).
+void RequireMembers(const Json& json, const std::string& what, std::initializer_list<const char*> names);
+
+/// Reads a member unless it is missing or null. Raises RpcError (InvalidParams), with the member's name, for one of a
+/// wrong type.
 template <typename Value>
-constexpr const char* TypeWord() {
-  if constexpr (std::is_void_v<Value>)
-    return "nothing";
-  else if constexpr (std::is_same_v<Value, bool>)
-    return "boolean";
-  else if constexpr (std::is_same_v<Value, std::int16_t>)
-    return "16-bit";
-  else if constexpr (std::is_same_v<Value, std::int32_t>)
-    return "32-bit";
-  else if constexpr (std::is_same_v<Value, double> || std::is_same_v<Value, std::optional<double>>)
-    return "double";
-  else if constexpr (std::is_same_v<Value, std::string>)
-    return "text";
-  else if constexpr (std::is_same_v<Value, Date>)
-    return "date";
-  else if constexpr (std::is_same_v<Value, Handicaps>)
-    return "Handicaps";
-  else if constexpr (std::is_same_v<Value, MatchList>)
-    return "list of 32-bit";
-  else if constexpr (std::is_same_v<Value, std::vector<std::string>>)
-    return "list of text";
-  else if constexpr (std::is_same_v<Value, std::vector<EBUMembershipDetails>>)
-    return "list of EBUMembershipDetails";
-  else
-    return "HandiCalcSettings";
+void ReadMember(const Json& json, const std::string& name, Value& value) {
+  const auto found = json.find(name);
+  if (found == json.end() || found->is_null()) return;
+  try {
+    ReadJson(*found, value);
+  } catch (const RpcError& problem) {
+    throw RpcError(problem.Code(), name + ": " + problem.what());
+  }
 }
 
 }  // namespace tavi::host

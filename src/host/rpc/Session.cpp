@@ -7,10 +7,7 @@
 namespace tavi::host {
 
 Session::Session(MakeClub makeClub) : makeClub_(std::move(makeClub)) {
-  for (Operation& operation : AllOperations()) {
-    order_.push_back(operation.name);
-    operations_.emplace(operation.name, std::move(operation));
-  }
+  for (const Operation& operation : AllOperations()) operations_.emplace(operation.name, &operation);
   MakeAnother();
 }
 
@@ -27,7 +24,7 @@ Json Session::Call(const std::string& method, const Json& params, std::int32_t o
                    "There is no operation \"" + method + "\"; \"operations\" lists those that there are");
   }
   MembershipDatabase& club = ObjectOf(object);
-  const Operation& operation = found->second;
+  const Operation& operation = *found->second;
   return operation.call(operation, club, ArgumentsOf(operation, params));
 }
 
@@ -55,16 +52,15 @@ void Session::Close() {
 
 Json Session::ListOperations() const {
   Json list = Json::array();
-  for (const std::string& name : order_) {
-    const Operation& operation = operations_.find(name)->second;
+  for (const Operation& operation : AllOperations()) {
     Json arguments = Json::array();
     for (const Argument& argument : operation.arguments) {
       Json entry = {{"name", argument.name}, {"type", argument.type}};
-      if (argument.passedBack) entry["passedBack"] = true;
-      if (argument.standard) entry["optional"] = true;
+      if (argument.isPassedBack) entry["passedBack"] = true;
+      if (argument.standard != nullptr) entry["optional"] = true;
       arguments.push_back(std::move(entry));
     }
-    list.push_back({{"name", name}, {"arguments", std::move(arguments)}, {"returns", operation.result}});
+    list.push_back({{"name", operation.name}, {"arguments", std::move(arguments)}, {"returns", operation.result}});
   }
   return {{"return", std::move(list)}};
 }

@@ -36,8 +36,7 @@ class Session {
   [[nodiscard]] Json ListOperations() const;
 
   MakeClub makeClub_;
-  std::map<std::string, Operation, std::less<>> operations_;
-  std::vector<std::string> order_;
+  std::map<std::string, const Operation*, std::less<>> operations_;
   std::map<std::int32_t, std::unique_ptr<MembershipDatabase>> objects_;
   std::int32_t lastObject_ = 0;
 };
