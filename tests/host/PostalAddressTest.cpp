@@ -39,6 +39,15 @@ TEST(PostalAddress, WithoutAnAddressInTheFileKeepsTheOtherLines) {
   EXPECT_EQ(Changed("a\r\nb\r\nTown", std::nullopt, ""), "a\r\nb\r\nTown");
 }
 
+// The town was lost: the empty line behind it was taken for one.
+TEST(PostalAddress, LinesWithoutContentsAtItsEndAreNoTown) {
+  EXPECT_EQ(Changed("a\r\nTown\r\n", "c", std::nullopt), "c\r\nTown");
+  EXPECT_EQ(Changed("a\r\nTown\r\n\r\n", std::nullopt, "Upton"), "a\r\nUpton");
+  EXPECT_EQ(Changed("a\r\nTown\r\n", std::nullopt, ""), "a");
+  for (const Part& address : {Part("a"), Part()})
+    EXPECT_EQ(Changed("a\r\nTown\r\n", address, "Town"), "a\r\nTown\r\n") << "nothing is changed";
+}
+
 TEST(PostalAddress, StaysWhereTheFileHasNeither) {
   EXPECT_EQ(Changed("a\r\nTown", std::nullopt, std::nullopt), "a\r\nTown");
 }

@@ -1,6 +1,6 @@
 #include "host/imports/PostalAddress.h"
 
-#include "platform/values/Text.h"
+#include <string_view>
 
 namespace tavi::host {
 namespace {
@@ -9,6 +9,12 @@ constexpr const char* kLineBreak = "\r\n";
 
 std::string WithLastLine(const std::string& lines, const std::string& last) {
   return lines + (lines.empty() || last.empty() ? "" : kLineBreak) + last;
+}
+
+/// Without empty lines at its end, which are no town.
+std::string WithoutEmptyEnd(std::string text) {
+  while (text.ends_with(kLineBreak)) text.resize(text.size() - std::string_view(kLineBreak).size());
+  return text;
 }
 
 /// Where the last of several lines begins with its line break; npos when there is one line only.
@@ -40,9 +46,12 @@ std::string WithOtherTown(const std::string& stored, const std::string& town) {
 }  // namespace
 
 std::string ChangedAddress(const std::string& stored, const WrittenAddress& written) {
-  if (written.address && written.town) return WithLastLine(*written.address, *written.town);
-  if (written.address) return WithOtherAddress(stored, *written.address);
-  return written.town ? WithOtherTown(stored, *written.town) : stored;
+  const std::string lines = WithoutEmptyEnd(stored);
+  const std::string changed = written.address && written.town ? WithLastLine(*written.address, *written.town)
+                              : written.address               ? WithOtherAddress(lines, *written.address)
+                              : written.town                  ? WithOtherTown(lines, *written.town)
+                                                              : lines;
+  return changed == lines ? stored : changed;
 }
 
 }  // namespace tavi::host
