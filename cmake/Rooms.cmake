@@ -53,11 +53,11 @@ set(TAVI_PRECOMPILED_HEADERS
   <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view>
   <unordered_map> <utility> <variant> <vector>)
 
-# tavi_room(NAME SOURCES ... [USES ...]): a static library of one room; USES are the rooms below it, and libraries from
-# elsewhere. Nobody would notice a call upwards in a program, which links the upper room too. So each room is also linked
+# tavi_room(NAME FOR "what it is for" SOURCES ... [USES ...]): a static library of one room; USES are the rooms below it,
+# and libraries from elsewhere. scripts/draw-house draws the house from these calls. Nobody would notice a call upwards in a program, which links the upper room too. So each room is also linked
 # alone with those that it uses, and the build fails where one of its calls leads nowhere.
 function(tavi_room name)
-  cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "FOR" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON
     UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_ROOM_AT_A_TIME})
