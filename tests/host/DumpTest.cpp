@@ -25,7 +25,7 @@ std::map<std::string, std::string> ReadFolder(const fs::path& folder) {
 }
 
 fs::path SampleFolder() {
-  return fs::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
+  return fs::path(TAVI_SAMPLE_FILES) / "access-files";
 }
 
 /// Statements on a file that is not a club's; ends with an error when one fails.

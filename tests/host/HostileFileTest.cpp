@@ -269,7 +269,7 @@ TEST_F(HostileFile, OfAClubIsAnsweredOrRefusedByEveryCommandInBounds) {
 }
 
 TEST_F(HostileFile, OfAnotherProgramIsAnsweredOrRefusedByEveryCommandInBounds) {
-  const fs::path folder = fs::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
+  const fs::path folder = fs::path(TAVI_SAMPLE_FILES) / "access-files";
   if (!fs::exists(folder)) GTEST_SKIP() << "the sample files are not beside this checkout";
   std::vector<std::string> paths;
   for (const auto& entry : fs::directory_iterator(folder))

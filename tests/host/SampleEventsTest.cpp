@@ -18,7 +18,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-const std::filesystem::path kEvents = std::filesystem::path(TAVI_SOURCE_DIR) / ".." / "shared" / "events";
+const std::filesystem::path kEvents = std::filesystem::path(TAVI_SAMPLE_FILES) / "events";
 
 std::string Names(const Contestant& contestant) {
   std::string names;

@@ -400,7 +400,7 @@ TEST(Compact, WhoWaitedForTheFileGetsTheNewOne) {
 }
 
 TEST(Compact, KeepsTheContentsOfRealFiles) {
-  const fs::path folder = fs::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
+  const fs::path folder = fs::path(TAVI_SAMPLE_FILES) / "access-files";
   if (!fs::exists(folder)) GTEST_SKIP() << "the sample files are not beside this checkout";
   for (const auto& entry : fs::directory_iterator(folder)) {
     if (entry.path().extension() != ".mdb") continue;

@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 
 fs::path SampleFolder() {
-  return fs::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
+  return fs::path(TAVI_SAMPLE_FILES) / "access-files";
 }
 
 std::vector<std::string> SampleNames() {

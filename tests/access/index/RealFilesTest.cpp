@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 std::vector<fs::path> RealFiles() {
   std::vector<fs::path> files;
   std::error_code error;
-  for (const auto& entry : fs::directory_iterator(fs::path(TAVI_SOURCE_DIR) / "../shared/access-files", error))
+  for (const auto& entry : fs::directory_iterator(fs::path(TAVI_SAMPLE_FILES) / "access-files", error))
     if (entry.path().extension() == ".mdb") files.push_back(entry.path());
   std::ranges::sort(files);
   return files;

@@ -75,7 +75,7 @@ TEST(HostileFile, OfOurOwnMakingIsAnsweredOrRefused) {
 }
 
 TEST(HostileFile, OfAnotherProgramIsAnsweredOrRefused) {
-  const auto folder = std::filesystem::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
+  const auto folder = std::filesystem::path(TAVI_SAMPLE_FILES) / "access-files";
   if (!std::filesystem::exists(folder)) GTEST_SKIP() << "the sample files are not beside this checkout";
   constexpr std::uintmax_t kSmall = 300000;
   std::vector<std::filesystem::path> paths;

@@ -145,7 +145,7 @@ TableDesign MakeMembers() {
 }
 
 std::string SampleFile(const std::string& name) {
-  const auto path = std::filesystem::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files" / name;
+  const auto path = std::filesystem::path(TAVI_SAMPLE_FILES) / "access-files" / name;
   return std::filesystem::exists(path) ? path.string() : std::string();
 }
 

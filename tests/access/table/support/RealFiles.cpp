@@ -11,7 +11,7 @@ namespace tavi::access::test {
 namespace fs = std::filesystem;
 
 fs::path RealFilesFolder() {
-  const fs::path folder = fs::path(TAVI_SOURCE_DIR) / ".." / "shared" / "access-files";
+  const fs::path folder = fs::path(TAVI_SAMPLE_FILES) / "access-files";
   return fs::exists(folder / "expected") ? folder : fs::path();
 }
 
