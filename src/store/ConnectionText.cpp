@@ -7,7 +7,7 @@ namespace tavi {
 namespace {
 
 /// A path as an item of the connection string: one that would end the item, or lose blanks in it, is put between
-/// quotes.
+/// quotes, with those in it doubled.
 std::string InConnectionText(const std::string& path) {
   if (path.find('\0') != std::string::npos) {
     throw Error(ErrorNumber::InvalidArgument, "cDatabase",
@@ -16,10 +16,7 @@ std::string InConnectionText(const std::string& path) {
   const bool isPlain =
       path.find(';') == std::string::npos && path.find_first_of("\"'") != 0 && Trim(path).size() == path.size();
   if (isPlain) return path;
-  const char* const quote = path.find('"') == std::string::npos ? "\"" : "'";
-  if (path.find(quote) == std::string::npos) return quote + path + quote;
-  throw Error(ErrorNumber::InvalidArgument, "cDatabase",
-              "The folder's name holds a semicolon and both kinds of quotes; choose another folder.");
+  return "\"" + ReplaceAll(path, "\"", "\"\"") + "\"";
 }
 
 }  // namespace

@@ -9,14 +9,23 @@ namespace {
 
 constexpr std::string_view kProviders[] = {"Microsoft.Jet.OLEDB", "Microsoft.ACE.OLEDB"};
 
-/// Takes the value at `position`, quoted or up to the next semicolon, and moves behind its end.
+/// Takes the value at `position`, quoted (a quote in it is doubled) or up to the next semicolon, and moves behind its
+/// end.
 std::string TakeValue(std::string_view text, std::size_t& position) {
   while (position < text.size() && text[position] == ' ') ++position;
   if (position < text.size() && (text[position] == '"' || text[position] == '\'')) {
-    const std::size_t end = text.find(text[position], position + 1);
-    if (end == std::string_view::npos) RaiseFailure("The connection string has a quote that is not closed.");
-    std::string value(text.substr(position + 1, end - position - 1));
-    position = std::min(text.find(';', end), text.size());
+    const char quote = text[position++];
+    std::string value;
+    for (;; ++position) {
+      const std::size_t end = text.find(quote, position);
+      if (end == std::string_view::npos) RaiseFailure("The connection string has a quote that is not closed.");
+      value += text.substr(position, end - position);
+      position = end + 1;
+      const bool isDoubled = position < text.size() && text[position] == quote;
+      if (!isDoubled) break;
+      value += quote;
+    }
+    position = std::min(text.find(';', position), text.size());
     return value;
   }
   const std::size_t end = std::min(text.find(';', position), text.size());

@@ -17,6 +17,10 @@ TEST(ConnectionString, ValuesMayBeQuoted) {
   EXPECT_EQ(ParseConnectionString("Data Source=\"a;b.mdb\";Mode=Read").dataSource, "a;b.mdb");
   EXPECT_TRUE(ParseConnectionString("Data Source='a;b.mdb';Mode=Read").readOnly);
   EXPECT_FALSE(ParseConnectionString("Data Source=a.mdb;Mode=ReadWrite").readOnly);
+  EXPECT_EQ(ParseConnectionString("Data Source=\"a\"\";Data Source='b'\"\"\";Mode=Read").dataSource,
+            "a\";Data Source='b'\"");
+  EXPECT_TRUE(ParseConnectionString("Data Source='it''s';Mode=Read").readOnly);
+  EXPECT_THROW(ParseConnectionString("Data Source=\"a\"\""), Error);
 }
 
 TEST(ConnectionString, AsksForTheFlushOfEachStatement) {

@@ -66,7 +66,9 @@ TEST_F(FolderNamesTest, AFolderNameWithANULNamesNoFile) {
 TEST_F(FolderNamesTest, FoldersMayHaveNamesThatLookLikeConnectionStrings) {
   std::vector<std::string> names = {"a;Mode=Read;b", "O'Neil; Sons", " blank"};
   // Windows has no such names.
-  if (std::filesystem::path::preferred_separator == '/') names.emplace_back("\"quoted\"; club");
+  if (std::filesystem::path::preferred_separator == '/') {
+    for (const char* name : {"\"quoted\"; club", "both'kinds\";", "\";Data Source=club"}) names.emplace_back(name);
+  }
   for (const std::string& name : names) {
     database_.SetDatabaseFolder(MakeClub(name));
     EXPECT_TRUE(database_.DatabaseExists());
@@ -74,10 +76,6 @@ TEST_F(FolderNamesTest, FoldersMayHaveNamesThatLookLikeConnectionStrings) {
     database_.SetEBUNumber(1, "77");
     EXPECT_EQ(database_.EnteredNumberToClubNumber(77), 1) << name;
   }
-  database_.SetDatabaseFolder("both'kinds\";");
-  EXPECT_EQ(OpeningError(),
-            "Failed to open membership database both'kinds\";\\ClubMembers.mdb:\r\n\r\nThe folder's name holds a "
-            "semicolon and both kinds of quotes; choose another folder.");
 }
 
 }  // namespace
