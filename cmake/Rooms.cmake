@@ -45,22 +45,31 @@ if(TAVI_FUZZ)
 endif()
 
 # With CMAKE_UNITY_BUILD files are compiled several at a time, because most of the time goes into what they have in
-# common: so many of a room, and of a test program, whose files are longer. No unit should take ten seconds.
-set(TAVI_FILES_OF_A_ROOM_AT_A_TIME 12)
-set(TAVI_FILES_OF_A_TEST_AT_A_TIME 7)
+# common: so many, and fewer where a CMakeLists.txt says so. No unit should take ten seconds.
+set(TAVI_FILES_AT_A_TIME 12)
 
 set(TAVI_PRECOMPILED_HEADERS
   <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span> <string> <string_view>
   <unordered_map> <utility> <variant> <vector>)
 
+# tavi_use_room_headers(NAME): precompiled headers serve only who is compiled with the same options.
+function(tavi_use_room_headers name)
+  if(TARGET tavi_room_headers)
+    # The property would mean something else, for a program.
+    target_compile_options(${name} PRIVATE -fPIC)
+    target_precompile_headers(${name} REUSE_FROM tavi_room_headers)
+  endif()
+endfunction()
+
 # tavi_room(NAME FOR "what it is for" SOURCES ... [USES ...]): a static library of one room; USES are the rooms below it,
-# and libraries from elsewhere. scripts/draw-house draws the house from these calls. Nobody would notice a call upwards in a program, which links the upper room too. So each room is also linked
-# alone with those that it uses, and the build fails where one of its calls leads nowhere.
+# and libraries from elsewhere. scripts/draw-house draws the house from these calls. Nobody would notice a call upwards
+# in a program, which links the upper room too. So each room is also linked alone with those that it uses, and the build
+# fails where one of its calls leads nowhere.
 function(tavi_room name)
   cmake_parse_arguments(ROOM "" "FOR" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${ROOM_SOURCES})
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON
-    UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_ROOM_AT_A_TIME})
+    UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_AT_A_TIME})
   target_link_libraries(${name} PUBLIC tavi_options ${ROOM_USES})
   if(TARGET tavi_room_headers)
     target_precompile_headers(${name} REUSE_FROM tavi_room_headers)
@@ -101,13 +110,10 @@ function(tavi_test_support name)
   cmake_parse_arguments(SUPPORT "" "" "SOURCES;USES" ${ARGN})
   add_library(${name} STATIC ${SUPPORT_SOURCES})
   target_include_directories(${name} PUBLIC ${CMAKE_SOURCE_DIR}/tests PRIVATE ${CMAKE_BINARY_DIR}/generated)
-  target_link_libraries(${name} PUBLIC tavi_options ${SUPPORT_USES} GTest::gtest GTest::gmock)
-  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_TEST_AT_A_TIME})
-  if(TARGET tavi_room_headers)
-    # Precompiled headers serve only who is compiled with the same options.
-    set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON)
-    target_precompile_headers(${name} REUSE_FROM tavi_room_headers)
-  else()
+  target_link_libraries(${name} PUBLIC tavi_options ${SUPPORT_USES} GTest::gtest)
+  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_AT_A_TIME})
+  tavi_use_room_headers(${name})
+  if(NOT TARGET tavi_room_headers)
     target_link_libraries(${name} PRIVATE tavi_test_options)
     if(TAVI_PRECOMPILE)
       target_precompile_headers(${name} REUSE_FROM tavi_test_headers)
@@ -139,16 +145,20 @@ function(tavi_check name)
   endif()
 endfunction()
 
-# tavi_test(NAME SOURCES ... USES ... [PARTS ...]): a test program, which ctest runs as a whole, because starting a process
-# for each of its cases takes longer than most cases. PARTS are patterns of cases that take long: each is a test of its
-# own, NAME.1 and so on, which runs beside the others. For Windows the program is always one test, Windows.NAME.
+# tavi_test(NAME [AT_A_TIME COUNT] SOURCES ... USES ... [PARTS ...]): a test program, which ctest runs as a whole, because
+# starting a process for each of its cases takes longer than most cases. COUNT of its files are compiled as one. PARTS
+# are patterns of cases that take long: each is a test of its own, NAME.1 and so on, which runs beside the others. For
+# Windows the program is always one test, Windows.NAME.
 function(tavi_test name)
-  cmake_parse_arguments(TEST "" "" "SOURCES;USES;PARTS" ${ARGN})
+  cmake_parse_arguments(TEST "" "AT_A_TIME" "SOURCES;USES;PARTS" ${ARGN})
+  if(NOT TEST_AT_A_TIME)
+    set(TEST_AT_A_TIME ${TAVI_FILES_AT_A_TIME})
+  endif()
   add_executable(${name} ${TEST_SOURCES})
   target_include_directories(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests ${CMAKE_BINARY_DIR}/generated)
-  target_link_libraries(${name} PRIVATE tavi_options ${TEST_USES} GTest::gtest GTest::gmock GTest::gtest_main
+  target_link_libraries(${name} PRIVATE tavi_options test_matchers ${TEST_USES} GTest::gtest GTest::gtest_main
     tavi_test_options)
-  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TAVI_FILES_OF_A_TEST_AT_A_TIME})
+  set_target_properties(${name} PROPERTIES UNITY_BUILD_BATCH_SIZE ${TEST_AT_A_TIME})
   set_property(GLOBAL APPEND PROPERTY TAVI_TEST_PROGRAMS $<TARGET_FILE:${name}>)
   if(TAVI_PRECOMPILE)
     target_precompile_headers(${name} REUSE_FROM tavi_test_headers)

@@ -1,21 +1,21 @@
 // The command from its arguments to its output and exit code, on real files.
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
-using ::testing::UnorderedElementsAre;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::UnorderedElementsAre;
 
 constexpr const char* kMembers =
     "club_number,ebu_number,title,first,initials,last,known_as,sex,email,phone,mobile,join_date,member_type,house,"
@@ -200,9 +200,9 @@ TEST_F(Command, PairsAndHandicapsShowPairsThatLackAPlayersNumber) {
       "\t\t7\tAnn Lee\t50%\t\tyes\n";
   EXPECT_EQ(folder_.Run({"pairs"}).out, header + active);
   EXPECT_EQ(folder_.Run({"pairs", "--all"}).out, header + active + "\t\t8\tRobert Ray\tRobert Ray\t\tno\n");
-  EXPECT_THAT(folder_.Run({"handicaps"}).out, ::testing::EndsWith("pair\t7\t8\tAnn Lee & Robert Ray\t51.00\n"
-                                                                  "pair\t7\t\tAnn Lee\t52.00\n"
-                                                                  "pair\t\t7\t50%\t\n"));
+  EXPECT_THAT(folder_.Run({"handicaps"}).out, testing::EndsWith("pair\t7\t8\tAnn Lee & Robert Ray\t51.00\n"
+                                                                "pair\t7\t\tAnn Lee\t52.00\n"
+                                                                "pair\t\t7\t50%\t\n"));
 }
 
 TEST_F(Command, CommaSeparatedOutputKeepsSpreadsheetsFromRunningTextsAndSaysSo) {

@@ -1,14 +1,14 @@
 #include "host/input/Csv.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::HasSubstr;
+using testing::HasSubstr;
 
 std::string CsvRefusal(const std::string& text) {
   try {

@@ -1,16 +1,16 @@
 #include "host/input/FilePatterns.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::ElementsAre;
+using testing::ElementsAre;
 
 class FilePatterns : public ::testing::Test {
  protected:

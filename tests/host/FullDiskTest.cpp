@@ -1,6 +1,5 @@
 // Commands that find the disk full at one of their last changes to a file, when the club's file is closed: what they
 // did is stored, in the log beside the file, but a command that could not do all of its work never says that it did.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -12,12 +11,13 @@
 #include "host/support/ChildProcess.h"
 #include "host/support/Command.h"
 #include "host/support/SystemCalls.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::HasSubstr;
+using testing::HasSubstr;
 
 class FullDiskTest : public ::testing::Test {
  protected:

@@ -1,16 +1,16 @@
 // Members and pairs files brought into a club: what is touched, what is refused, and what a dry run shows.
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::UnorderedElementsAre;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::UnorderedElementsAre;
 
 constexpr const char* kThreeMembers =
     "club_number,ebu_number,title,first,initials,last,known_as,sex,email,phone,mobile,join_date,member_type,house,"

@@ -1,6 +1,5 @@
 // Commands that are killed at, or in the middle of, every change that they make to a file, or find the disk full from
 // there on. The same command then ends as if it had never been interrupted, and leaves nothing else behind.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -19,14 +18,15 @@
 #include "host/support/ChildProcess.h"
 #include "host/support/Command.h"
 #include "host/support/SystemCalls.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsSupersetOf;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsSupersetOf;
 using Arguments = std::vector<std::string>;
 /// All that a club's folder holds: contents of its files by name, databases as the text of all their tables.
 using Contents = std::map<std::string, std::string>;

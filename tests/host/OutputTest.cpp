@@ -1,6 +1,5 @@
 // What becomes of a command whose output cannot be written.
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -9,11 +8,12 @@
 #include "SourceDirectory.h"
 #include "host/CommandLine.h"
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::HasSubstr;
+using testing::HasSubstr;
 
 /// Takes nothing once some bytes have been written.
 class FullBuffer : public std::streambuf {

@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -9,16 +8,16 @@
 #include "access/file/FileSystem.h"
 #include "composition/Composition.h"
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 #include "store/support/DamagedBytes.h"
 
 namespace tavi::host {
 namespace {
 
 using testing::DamagedBytes;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
 
 namespace fs = std::filesystem;
 

@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -9,14 +8,14 @@
 #include "host/input/Csv.h"
 #include "host/results/UsebioReader.h"
 #include "host/results/XmlElement.h"
+#include "platform/Matchers.h"
 #include "platform/values/Error.h"
 
 // Reads every sample event, where there are sample files, and compares with the figures listed for them.
 namespace tavi::host {
 namespace {
 
-using ::testing::HasSubstr;
-using ::testing::Not;
+using testing::HasSubstr;
 
 const std::filesystem::path kEvents = std::filesystem::path(TAVI_SAMPLE_FILES) / "events";
 

@@ -1,5 +1,4 @@
 // What ends programs otherwise is an answer of the command: files that may not grow, readers that are gone.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -10,14 +9,15 @@
 #include "SourceDirectory.h"
 #include "host/commands/Context.h"
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
 
 namespace fs = std::filesystem;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
 
 class Signals : public ::testing::Test {
  protected:

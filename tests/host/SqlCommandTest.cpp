@@ -3,6 +3,7 @@
 #include "SourceDirectory.h"
 #include "host/sql/StatementText.h"
 #include "host/support/Command.h"
+#include "platform/Matchers.h"
 
 namespace tavi::host {
 namespace {
@@ -73,8 +74,8 @@ TEST_F(SqlCommand, StatementsArePipedIn) {
 TEST_F(SqlCommand, PipedStatementsMayComeFromAnEditorOfWindows) {
   const Outcome outcome = folder_.Run({"sql"}, "\xEF\xBB\xBFSelect Count(*) As Found\r\nFrom T;\r\n.columns T\r\n");
   EXPECT_EQ(outcome.code, 0) << outcome.error;
-  EXPECT_THAT(outcome.out, ::testing::StartsWith("Found\n"));
-  EXPECT_THAT(outcome.out, ::testing::EndsWith("Column\tType\nID\tLong\nName\tText\n"));
+  EXPECT_THAT(outcome.out, testing::StartsWith("Found\n"));
+  EXPECT_THAT(outcome.out, testing::EndsWith("Column\tType\nID\tLong\nName\tText\n"));
 }
 
 TEST_F(SqlCommand, PipedTextsOverSeveralLinesKeepTheirCarriageReturns) {
@@ -140,7 +141,7 @@ TEST_F(SqlCommand, AnUnfinishedTransactionIsRolledBackAndSaid) {
   }
   const Outcome afterError = folder_.Run({"sql"}, "Begin; Delete From T; Selct; Commit;");
   EXPECT_EQ(afterError.code, 1);
-  EXPECT_THAT(afterError.error, ::testing::EndsWith(said));
+  EXPECT_THAT(afterError.error, testing::EndsWith(said));
   const Outcome alone = folder_.Run({"sql", "Begin"});
   EXPECT_EQ(alone.code, 1);
   EXPECT_EQ(alone.error, said);

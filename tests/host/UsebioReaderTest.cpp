@@ -1,14 +1,14 @@
 #include "host/results/UsebioReader.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::HasSubstr;
+using testing::HasSubstr;
 
 std::string PlayerElement(const std::string& name, const std::string& more = "") {
   return "<PLAYER><PLAYER_NAME>" + name + "</PLAYER_NAME>" + more + "</PLAYER>\n";

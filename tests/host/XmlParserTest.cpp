@@ -1,14 +1,14 @@
 #include "host/results/XmlParser.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {
 namespace {
 
-using ::testing::HasSubstr;
+using testing::HasSubstr;
 
 std::string XmlRefusal(const std::string& text) {
   try {

@@ -1,19 +1,18 @@
 #include "names/NameSearch.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "names/MemberRow.h"
 #include "names/support/LetterKeys.h"
+#include "platform/Matchers.h"
 #include "store/support/FakeFile.h"
 
 namespace tavi {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::FakePlatform;
 using testing::FakeRows;
-using ::testing::IsEmpty;
+using Numbers = std::vector<std::int32_t>;
 
 struct Member {
   std::int32_t number;
@@ -105,7 +104,7 @@ TEST_F(NameSearchTest, NearestMatchesComeBestFirstAndEqualOnesInTheOrderOfTheFil
                        {3, "John", "B", "O'Neil"},
                        {4, "Bob", "", "O'Neil"},
                        {5, "john", "", "o'neil"}});
-  EXPECT_THAT(FindNearestMatches(store_, "John O'Neil"), ElementsAre(2, 5, 1, 3)) << "another first name is dropped";
+  EXPECT_EQ(FindNearestMatches(store_, "John O'Neil"), (Numbers{2, 5, 1, 3})) << "another first name is dropped";
   EXPECT_EQ(store_.OpenCount(), 0);
 }
 
@@ -114,11 +113,11 @@ TEST_F(NameSearchTest, ASingleWordIsLookedForAsAFirstName) {
       "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag from "
       "Members Where Active <> 0 And FuzzedFirstName = 'F:JOHN'",
       {{1, "John", "", "Smith"}, {2, "Peter", "", "John"}, {3, "john", "", "Dale"}});
-  EXPECT_THAT(FindNearestMatches(store_, "John"), ElementsAre(1, 3));
+  EXPECT_EQ(FindNearestMatches(store_, "John"), (Numbers{1, 3}));
 }
 
 TEST_F(NameSearchTest, AnEmptyNameHasNoMatchesAndOpensNothing) {
-  EXPECT_THAT(FindNearestMatches(store_, ""), IsEmpty());
+  EXPECT_TRUE(FindNearestMatches(store_, "").empty());
   EXPECT_EQ(fake_.file->opens, 0);
 }
 
@@ -127,7 +126,7 @@ TEST_F(NameSearchTest, BlanksAloneMatchNobodyButMembersWithoutFirstNameOrSurname
       "Select MembershipNumber, FirstName, MiddleInitials, LastName, KnownAs, Handicap, EBUNumber, UniquenessFlag "
       "from Members Where Active <> 0",
       {{1, "John", "", "Smith"}, {2, "", "", ""}, {3, "", "A", ""}, {4, "", "", "Smith"}, {5, "John", "", ""}});
-  for (const char* blanks : {" ", "  ", "\t"}) EXPECT_THAT(FindNearestMatches(store_, blanks), ElementsAre(5, 4));
+  for (const char* blanks : {" ", "  ", "\t"}) EXPECT_EQ(FindNearestMatches(store_, blanks), (Numbers{5, 4}));
 }
 
 TEST_F(NameSearchTest, ReadMemberRowTakesTheColumnsAndFlagTwo) {

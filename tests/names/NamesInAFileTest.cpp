@@ -1,4 +1,3 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,6 +6,7 @@
 
 #include "names/NameSearch.h"
 #include "names/NameUniqueness.h"
+#include "platform/Matchers.h"
 #include "platform/values/Text.h"
 #include "store/OpenUse.h"
 #include "store/support/ClubFile.h"
@@ -15,8 +15,8 @@ namespace tavi {
 namespace {
 
 using testing::ClubFile;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using testing::ElementsAre;
+using Numbers = std::vector<std::int32_t>;
 
 /// Names of members in a file of the real engine.
 class NamesInAFileTest : public ::testing::Test {
@@ -92,10 +92,10 @@ TEST_F(NamesInAFileTest, MembersAreFoundByTypedNames) {
   EXPECT_EQ(FindMember(club_.store, "John A O'Neil", true), 1);
   EXPECT_EQ(FindMember(club_.store, "John AB O'Neil", false), -1) << "both fit";
   EXPECT_EQ(FindMember(club_.store, "Éloïse Łukasz", true), 3);
-  EXPECT_THAT(FindNearestMatches(club_.store, "John ONeil"), ElementsAre(2, 1));
-  EXPECT_THAT(FindNearestMatches(club_.store, "Steven Philips"), ElementsAre(4));
-  EXPECT_THAT(FindNearestMatches(club_.store, "Eloise Lukasz"), ElementsAre(3));
-  EXPECT_THAT(FindNearestMatches(club_.store, "Nobody Known"), IsEmpty());
+  EXPECT_EQ(FindNearestMatches(club_.store, "John ONeil"), (Numbers{2, 1}));
+  EXPECT_EQ(FindNearestMatches(club_.store, "Steven Philips"), (Numbers{4}));
+  EXPECT_EQ(FindNearestMatches(club_.store, "Eloise Lukasz"), (Numbers{3}));
+  EXPECT_TRUE(FindNearestMatches(club_.store, "Nobody Known").empty());
 }
 
 }  // namespace

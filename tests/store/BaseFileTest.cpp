@@ -1,8 +1,8 @@
 #include "store/BaseFile.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "platform/values/Convert.h"
 #include "store/support/ClubFile.h"
 
@@ -10,8 +10,7 @@ namespace tavi {
 namespace {
 
 using testing::ClubFile;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using testing::ElementsAre;
 using Types = std::map<std::string, std::int32_t>;
 
 constexpr std::int32_t kShort = 2;
@@ -27,7 +26,7 @@ TEST(BaseFile, TheFirstOpenChangesNothingAndShowsNoMessage) {
   const std::string before = club.Content();
   club.store.OpenDB();
   club.store.CloseDB(false);
-  EXPECT_THAT(club.messages->shown, IsEmpty());
+  EXPECT_TRUE(club.messages->shown.empty());
   EXPECT_EQ(club.Content(), before);
   EXPECT_EQ(club.folder.FileCount(), 1U) << "nothing is left beside the file";
 }

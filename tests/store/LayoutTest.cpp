@@ -1,6 +1,6 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "platform/support/ThisSystem.h"
 #include "store/cDatabase.h"
 #include "store/support/FakeFile.h"
@@ -8,10 +8,10 @@
 namespace tavi {
 namespace {
 
-using ::testing::ElementsAre;
+using testing::ElementsAre;
 using testing::FakePlatform;
 using testing::FakeRows;
-using ::testing::IsEmpty;
+using testing::IsEmpty;
 using Statements = std::vector<std::string>;
 
 class LayoutTest : public ::testing::Test {
@@ -48,7 +48,7 @@ TEST_F(LayoutTest, ACurrentFileQueuesNothingAndShowsNoMessage) {
   Open();
   EXPECT_THAT(Alterations(), IsEmpty());
   EXPECT_THAT(Updates(), IsEmpty());
-  EXPECT_THAT(fake_.messages->shown, IsEmpty());
+  EXPECT_TRUE(fake_.messages->shown.empty());
   EXPECT_EQ(store_.OpenCount(), 0);
 }
 
@@ -132,7 +132,7 @@ TEST_F(LayoutTest, TheGoverningBodysTableIsMadeWithoutAMessage) {
             "Create Table EBUMembershipList (EBUNumber Long PRIMARY KEY, FirstName Text (50), LastName Text (50), "
             "CountyCode Text (4), Location Text (50))");
   EXPECT_TRUE(fake_.file->tables.contains("EBUMembershipList"));
-  EXPECT_THAT(fake_.messages->shown, IsEmpty());
+  EXPECT_TRUE(fake_.messages->shown.empty());
 }
 
 TEST_F(LayoutTest, DirectCreditIsDroppedTwiceAndTheSecondTimeWarns) {

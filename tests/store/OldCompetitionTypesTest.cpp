@@ -1,14 +1,13 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "store/support/ClubFile.h"
 
 namespace tavi {
 namespace {
 
 using testing::ClubFile;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using testing::ElementsAre;
 
 constexpr const char* kKinds = "Select Individual & '/' & IsSwiss & '/' & IsTeams From Competitions Order By ID";
 
@@ -40,7 +39,7 @@ TEST_F(OldCompetitionTypesTest, AreConvertedAndTheColumnGoes) {
   EXPECT_THAT(club_.Column(kKinds), ElementsAre("0/0/0", "1/0/0", "0/-1/0", "0/0/-1", "0/0/0", "0/0/0"));
   EXPECT_FALSE(HasOldColumn());
   Open();
-  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_TRUE(club_.messages->shown.empty());
 }
 
 TEST_F(OldCompetitionTypesTest, AreConvertedOnceWhereTheColumnCannotBeDropped) {

@@ -1,6 +1,6 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "platform/Matchers.h"
 #include "store/OpenUse.h"
 #include "store/support/ClubFile.h"
 
@@ -8,8 +8,8 @@ namespace tavi {
 namespace {
 
 using testing::ClubFile;
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
+using testing::ElementsAre;
+using testing::IsEmpty;
 
 /// A store on a real file that a test first brings into an older state.
 class RealFileTest : public ::testing::Test {

@@ -1,8 +1,8 @@
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
+#include "platform/Matchers.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
 #include "store/Recovery.h"
@@ -12,14 +12,13 @@
 namespace tavi {
 namespace {
 
-using ::testing::AllOf;
+using testing::AllOf;
 using testing::ClubFile;
 using testing::DamagedBytes;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
-using ::testing::IsEmpty;
-using ::testing::Not;
-using ::testing::SizeIs;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
 using Texts = std::vector<std::string>;
 
 class FixedRegistry : public Registry {
@@ -127,7 +126,7 @@ TEST_F(RecoveryTest, EveryTableOfTheOldFileReplacesTheCurrentOne) {
        "Insert into Settings (LastMPCertificate, CountyList) Values (41, 'Kent')"});
   const RecoveryReport report = Recover();
   EXPECT_FALSE(report.IsSomethingLost());
-  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_TRUE(club_.messages->shown.empty());
   for (const RecoveredTable& table : report.tables) EXPECT_EQ(Figures(report, table.name), "1 1 0 0") << table.name;
   EXPECT_EQ(report.tables.size(), 9U);
   EXPECT_THAT(club_.Column("Select Affiliation From ClubNames"), ElementsAre("WBU"));
@@ -265,8 +264,8 @@ TEST_F(RecoveryTest, NegativeIdentifiersAreMappedWhenTheyAreAccepted) {
               ElementsAre("one"));
   EXPECT_THAT(club_.Column("Select CompetitionName From Competitions, Results Where Competition = ID"),
               ElementsAre("two"));
-  EXPECT_THAT(club_.Column("Select ID From MasterPoints Where ID > 0"), SizeIs(1));
-  EXPECT_THAT(club_.Column("Select ClubID From ClubNames Where ClubID > 0"), SizeIs(1));
+  EXPECT_EQ(club_.Column("Select ID From MasterPoints Where ID > 0").size(), 1U);
+  EXPECT_EQ(club_.Column("Select ClubID From ClubNames Where ClubID > 0").size(), 1U);
 }
 
 TEST_F(RecoveryTest, KindsOfOldCompetitionsAreCarriedOver) {
@@ -333,7 +332,7 @@ TEST_F(RecoveryTest, ProgressIsShownRowByRow) {
   AddOldMembers(2);
   RecordedProgress progress;
   club_.store.RecoverData(OldPath(), &progress);
-  EXPECT_THAT(progress.steps, ::testing::IsSupersetOf({"ClubNames 0/0", "Members 0/2", "Members 1/2", "Members 2/2"}));
+  EXPECT_THAT(progress.steps, testing::IsSupersetOf({"ClubNames 0/0", "Members 0/2", "Members 1/2", "Members 2/2"}));
 }
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -350,7 +349,7 @@ TEST_F(RecoveryTest, RowsThatARelationshipRefusesAreTriedAgainAtTheEnd) {
   const RecoveryReport report = Recover();
   EXPECT_FALSE(report.IsSomethingLost());
   EXPECT_EQ(Figures(report, "MasterPoints"), "1 1 0 0");
-  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_TRUE(club_.messages->shown.empty());
   EXPECT_THAT(club_.Column("Select MembershipNumber From Members"), ElementsAre("7"));
   EXPECT_THAT(club_.Column("Select CompetitionName From Competitions, MasterPoints Where CompetitionID = "
                            "Competitions.ID And MembershipNumber = 7"),
@@ -368,7 +367,7 @@ TEST_F(RecoveryTest, TheCurrentRowsAreGoneBeforeTheFirstNewOneRefersToThem) {
        "Insert into MasterPoints (MembershipNumber, Colour) Values (99, 0)"});
   const RecoveryReport report = Recover();
   EXPECT_FALSE(report.IsSomethingLost());
-  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_TRUE(club_.messages->shown.empty());
   EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Saved"));
   EXPECT_THAT(club_.Column("Select MembershipNumber From MasterPoints"), ElementsAre("99"));
 }
@@ -432,7 +431,7 @@ TEST_F(RecoveryTest, AFileThatCannotBeOpenedIsReportedBeforeAnythingIsEmptied) {
   const RecoveryReport report = Recover();
   ASSERT_TRUE(report.failure);
   EXPECT_THAT(Message(), HasSubstr("Unrecognized database format"));
-  EXPECT_THAT(report.tables, IsEmpty());
+  EXPECT_TRUE(report.tables.empty());
   EXPECT_THAT(club_.Column("Select LastName From Members"), ElementsAre("Gone"));
 }
 
@@ -573,7 +572,7 @@ TEST_F(RecoveryTest, DamagedIndexesCostNothing) {
     for (const std::size_t page : pages) bytes.ZeroPage(page);
   });
   EXPECT_EQ(Figures(Recover(), "Members"), "60 60 0 0");
-  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_TRUE(club_.messages->shown.empty());
 }
 
 TEST_F(RecoveryTest, DamagedPropertiesOfTheOldTablesCostNothing) {
@@ -584,7 +583,7 @@ TEST_F(RecoveryTest, DamagedPropertiesOfTheOldTablesCostNothing) {
     bytes.ZeroPage(page);
   });
   EXPECT_EQ(Figures(Recover(), "Members"), "3 3 0 0");
-  EXPECT_THAT(club_.messages->shown, IsEmpty());
+  EXPECT_TRUE(club_.messages->shown.empty());
   try {
     Old({"Insert into Members (MembershipNumber) Values (4)"});
     ADD_FAILURE() << "what the properties forbid is not known, so nothing may be written";

@@ -1,6 +1,5 @@
 #include "util/SpecialFolders.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/support/ThisSystem.h"
@@ -9,18 +8,32 @@
 namespace tavi {
 namespace {
 
-using ::testing::Return;
-using ::testing::StrictMock;
-using ::testing::Throw;
 using Location = ShellFolders::Location;
-
-class ShellMock : public ShellFolders {
- public:
-  MOCK_METHOD(std::optional<std::string>, FolderPath, (std::int32_t), (const, override));
-  MOCK_METHOD(std::optional<Location>, FolderLocation, (std::int32_t), (const, override));
-};
+using Questions = std::vector<std::string>;
 
 const Error kShellError(ErrorNumber::InvalidArgument, "shell", "no such library");
+
+/// Answers what a test lays down, nothing to all else, and remembers what it was asked.
+class FakeShell : public ShellFolders {
+ public:
+  [[nodiscard]] std::optional<std::string> FolderPath(std::int32_t number) const override {
+    asked.push_back("path " + std::to_string(number));
+    if (number == failing) throw kShellError;
+    const auto found = paths.find(number);
+    return found == paths.end() ? std::nullopt : std::optional(found->second);
+  }
+  [[nodiscard]] std::optional<Location> FolderLocation(std::int32_t number) const override {
+    asked.push_back("location " + std::to_string(number));
+    if (number == failing) throw kShellError;
+    const auto found = locations.find(number);
+    return found == locations.end() ? std::nullopt : std::optional(found->second);
+  }
+
+  std::map<std::int32_t, std::string> paths;
+  std::map<std::int32_t, Location> locations;
+  std::int32_t failing = -1;  ///< the folder for which both ways fail
+  mutable Questions asked;
+};
 
 class SpecialFolderPathTest : public ::testing::Test {
  protected:
@@ -29,61 +42,60 @@ class SpecialFolderPathTest : public ::testing::Test {
     return SpecialFolderPath(shell_, number_, create);
   }
 
-  StrictMock<ShellMock> shell_;
+  FakeShell shell_;
   std::int32_t number_ = 0;
 };
 
 TEST_F(SpecialFolderPathTest, TheFirstWayOfAskingIsEnoughWhenItAnswers) {
-  EXPECT_CALL(shell_, FolderPath(46)).WillOnce(Return("C:\\Common"));
+  shell_.paths[46] = "C:\\Common";
   EXPECT_EQ(PathOf(46), "C:\\Common");
   EXPECT_EQ(number_, 46);
+  EXPECT_EQ(shell_.asked, (Questions{"path 46"}));
 }
 
 TEST_F(SpecialFolderPathTest, CreateSetsTheCreateBitInTheCallersNumber) {
-  EXPECT_CALL(shell_, FolderPath(0x8000 | 35)).WillOnce(Return("C:\\Data"));
+  shell_.paths[0x8000 | 35] = "C:\\Data";
   EXPECT_EQ(PathOf(35, true), "C:\\Data");
   EXPECT_EQ(number_, 0x8000 | 35);
+  EXPECT_EQ(shell_.asked, (Questions{"path 32803"}));
 }
 
 TEST_F(SpecialFolderPathTest, TheOlderWayAnswersWhenItsCallReturnsZero) {
-  EXPECT_CALL(shell_, FolderPath(5)).WillOnce(Return(std::nullopt));
-  EXPECT_CALL(shell_, FolderLocation(5)).WillOnce(Return(Location{"C:\\Old", false}));
+  shell_.locations[5] = Location{"C:\\Old", false};
   EXPECT_EQ(PathOf(5), "C:\\Old");
+  EXPECT_EQ(shell_.asked, (Questions{"path 5", "location 5"}));
 }
 
 TEST_F(SpecialFolderPathTest, ANonZeroReturnOfTheOlderWayIsTakenForFailure) {
-  EXPECT_CALL(shell_, FolderPath(5)).WillOnce(Return(std::nullopt));
-  EXPECT_CALL(shell_, FolderLocation(5)).WillOnce(Return(Location{"C:\\Old", true}));
+  shell_.locations[5] = Location{"C:\\Old", true};
   EXPECT_EQ(PathOf(5), "");
+  EXPECT_EQ(shell_.asked, (Questions{"path 5", "location 5"}));
 }
 
 TEST_F(SpecialFolderPathTest, CommonDocumentsFallBackToTheUsersOwn) {
-  EXPECT_CALL(shell_, FolderPath(46)).WillOnce(Return(std::nullopt));
-  EXPECT_CALL(shell_, FolderLocation(46)).WillOnce(Return(std::nullopt));
-  EXPECT_CALL(shell_, FolderPath(5)).WillOnce(Return("C:\\Ann"));
+  shell_.paths[5] = "C:\\Ann";
   EXPECT_EQ(PathOf(46), "C:\\Ann");
   EXPECT_EQ(number_, 46) << "the fallback has a number of its own";
+  EXPECT_EQ(shell_.asked, (Questions{"path 46", "location 46", "path 5"}));
 }
 
 TEST_F(SpecialFolderPathTest, WithCreateThereIsNoFallbackBecauseTheNumberHasChanged) {
-  EXPECT_CALL(shell_, FolderPath(0x8000 | 46)).WillOnce(Return(std::nullopt));
-  EXPECT_CALL(shell_, FolderLocation(0x8000 | 46)).WillOnce(Return(std::nullopt));
   EXPECT_EQ(PathOf(46, true), "");
+  EXPECT_EQ(shell_.asked, (Questions{"path 32814", "location 32814"}));
 }
 
 TEST_F(SpecialFolderPathTest, OtherFoldersHaveNoFallback) {
-  EXPECT_CALL(shell_, FolderPath(5)).WillOnce(Return(std::nullopt));
-  EXPECT_CALL(shell_, FolderLocation(5)).WillOnce(Return(std::nullopt));
   EXPECT_EQ(PathOf(5), "");
+  EXPECT_EQ(shell_.asked, (Questions{"path 5", "location 5"}));
 }
 
 TEST_F(SpecialFolderPathTest, ErrorsOfTheShellAreLoggedAndCountAsNoAnswer) {
   const testing::DiagnosticsLog log;
-  EXPECT_CALL(shell_, FolderPath(46)).WillOnce(Throw(kShellError));
-  EXPECT_CALL(shell_, FolderLocation(46)).WillOnce(Throw(kShellError));
-  EXPECT_CALL(shell_, FolderPath(5)).WillOnce(Return("C:\\Ann"));
+  shell_.failing = 46;
+  shell_.paths[5] = "C:\\Ann";
   EXPECT_EQ(PathOf(46), "C:\\Ann");
   EXPECT_EQ(log.Text(), "SHGetFolderPath error: no such library\r\nSHGetFolderPath error: no such library\r\n");
+  EXPECT_EQ(shell_.asked, (Questions{"path 46", "location 46", "path 5"}));
 }
 
 }  // namespace

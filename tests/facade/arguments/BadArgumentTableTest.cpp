@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <fstream>
-#include <regex>
 
 #include "SourceDirectory.h"
 #include "facade/arguments/BadArguments.h"
+#include "platform/values/Text.h"
 
 namespace tavi {
 namespace {
@@ -19,21 +19,27 @@ struct Argument {
   std::string name;
 };
 
+/// Of what the page says behind the name of an argument.
+bool IsPassedInWithMoreThanTwoValues(const std::string& description) {
+  const auto kinds = {"text", "double", "date", "16-bit", "32-bit"};
+  return std::any_of(kinds.begin(), kinds.end(),
+                     [&](const std::string& kind) { return description.starts_with(" " + kind + " in"); });
+}
+
 /// The arguments that are passed in and have more than two values, by the page that lists every operation (which a
 /// script compares with the public class).
 std::vector<Argument> ListedArguments() {
   std::ifstream page(TAVI_SOURCE_DIR "/docs/operations.md");
-  const std::regex row(R"(^\| `(\w+)` \| \w+ \| ([^|]*) \|.*)");
-  const std::regex argument(R"(`(\w+)` (text|double|date|16-bit|32-bit) in)");
   std::vector<Argument> listed;
   std::string section;
   for (std::string line; std::getline(page, line);) {
     if (line.starts_with("## ")) section = line.substr(3);
-    std::smatch match;
-    if (section != "MembershipDatabase" || !std::regex_match(line, match, row)) continue;
-    const std::string arguments = match[2];
-    for (std::sregex_iterator found(arguments.begin(), arguments.end(), argument), end; found != end; ++found) {
-      listed.push_back({match[1], (*found)[1]});
+    // A row is | `Operation` | result | `argument` kind in, ... | and more.
+    const std::vector<std::string> cells = Split(line, '|');
+    if (section != "MembershipDatabase" || cells.size() < 5 || !cells[1].starts_with(" `")) continue;
+    const std::vector<std::string> pieces = Split(cells[3], '`');
+    for (std::size_t name = 1; name + 1 < pieces.size(); name += 2) {
+      if (IsPassedInWithMoreThanTwoValues(pieces[name + 1])) listed.push_back({Split(cells[1], '`')[1], pieces[name]});
     }
   }
   return listed;
