@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "access/catalog/Database.h"
@@ -11,6 +10,7 @@
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
 #include "access/file/Rc4.h"
+#include "host/json/Json.h"
 #include "host/support/Command.h"
 
 namespace tavi::host {
@@ -112,13 +112,13 @@ TEST_F(CheckCommand, WritesJson) {
   SetByte(Members().page, access::format::table::kRowCountOffset, 9);
   const Outcome outcome = folder_.Run({"check", "--json"});
   EXPECT_EQ(outcome.code, 1);
-  const auto json = nlohmann::json::parse(outcome.out);
+  const auto json = Json::Parse(outcome.out);
   EXPECT_EQ(json["file"], folder_.ClubFile());
   EXPECT_EQ(json["sound"], false);
   EXPECT_EQ(json["findings"].size(), 1U);
   EXPECT_EQ(json["findings"][0]["part"], "counter");
   EXPECT_EQ(json["findings"][0]["table"], "Members");
-  EXPECT_GT(json["rows"], 2);
+  EXPECT_GT(json["rows"].Number(), 2);
 }
 
 TEST_F(CheckCommand, TellsOfNameKeysThatAreNotTheOnesMadeNow) {
@@ -127,7 +127,7 @@ TEST_F(CheckCommand, TellsOfNameKeysThatAreNotTheOnesMadeNow) {
   const Outcome outcome = folder_.Run({"check"});
   EXPECT_EQ(outcome.code, 0);
   EXPECT_NE(outcome.out.find("The stored name keys of 1 of 2 members"), std::string::npos) << outcome.out;
-  EXPECT_EQ(nlohmann::json::parse(folder_.Run({"check", "--json"}).out)["staleNameKeys"], 1);
+  EXPECT_EQ(Json::Parse(folder_.Run({"check", "--json"}).out)["staleNameKeys"], 1);
   ASSERT_EQ(folder_.Run({"members", "import", folder_.Path("members.csv")}).code, 0);
   EXPECT_EQ(folder_.Run({"check"}).out.find("name keys"), std::string::npos);
 }
@@ -151,7 +151,7 @@ TEST_F(CheckCommand, ListsRowsWithoutTheNumbersThatHandicapsAreMadeOf) {
                              "  Partnerships: the pair of 2 and (none) lacks a player's number.\n"),
             std::string::npos)
       << outcome.out;
-  const auto json = nlohmann::json::parse(folder_.Run({"check", "--json"}).out);
+  const auto json = Json::Parse(folder_.Run({"check", "--json"}).out);
   EXPECT_EQ(json["rowsWithoutNumbers"].size(), 3U);
   EXPECT_EQ(json["moreRowsWithoutNumbers"], 0);
   EXPECT_EQ(json["sound"], true);
@@ -164,9 +164,9 @@ TEST_F(CheckCommand, ListsRowsWhoseNumbersCannotBeRead) {
         "Insert Into Results Values (3, 1, 2, '55.5')", "Insert Into Results Values (4, 1, 2, 'won')"}) {
     ASSERT_EQ(folder_.Run({"sql", statement}).code, 0) << statement;
   }
-  const auto json = nlohmann::json::parse(folder_.Run({"check", "--json"}).out);
+  const auto json = Json::Parse(folder_.Run({"check", "--json"}).out);
   EXPECT_EQ(json["rowsWithoutNumbers"],
-            nlohmann::json::array({"Results: player 1 with partner 2 in competition 4 has no readable percentage."}));
+            Json::Array({"Results: player 1 with partner 2 in competition 4 has no readable percentage."}));
 }
 
 // The members' keys were said to be stale for ever: the escapes of their names were taken for letters.
@@ -218,7 +218,7 @@ TEST_F(CheckCommand, ASoundFileWithRemarksIsSound) {
   EXPECT_EQ(strict.code, 0);
   EXPECT_NE(strict.out.find("Remark, harmless: Page "), std::string::npos) << strict.out;
   EXPECT_NE(strict.out.find("ClubMembers.mdb: sound ("), std::string::npos) << strict.out;
-  const auto json = nlohmann::json::parse(folder_.Run({"check", "--strict", "--json"}).out);
+  const auto json = Json::Parse(folder_.Run({"check", "--strict", "--json"}).out);
   EXPECT_EQ(json["sound"], true);
   EXPECT_EQ(json["findings"].size(), 0U);
   ASSERT_EQ(json["remarks"].size(), 1U);

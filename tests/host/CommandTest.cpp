@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 
+#include "host/json/Json.h"
 #include "host/support/Command.h"
 #include "platform/Matchers.h"
 
@@ -410,11 +410,10 @@ TEST_F(Command, KeysSaysWhichLineItDoesNotUnderstand) {
 
 TEST_F(Command, JsonIsReadByAProgram) {
   MakeClub();
-  const auto members = nlohmann::json::parse(folder_.Run({"members", "--json"}).out);
+  const auto members = Json::Parse(folder_.Run({"members", "--json"}).out);
   ASSERT_EQ(members.size(), 4U);
   EXPECT_EQ(members[0]["Number"], 7);
-  const auto scored =
-      nlohmann::json::parse(folder_.Run({"--json", "score", folder_.Write("week.xml", Evening(kTwoPairs))}).out);
+  const auto scored = Json::Parse(folder_.Run({"--json", "score", folder_.Write("week.xml", Evening(kTwoPairs))}).out);
   EXPECT_EQ(scored[0]["events"][0]["ranking"][0]["Net"], 60.0);
   EXPECT_EQ(scored[0]["stored"], true);
 }

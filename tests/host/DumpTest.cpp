@@ -4,12 +4,12 @@
 
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "SourceDirectory.h"
 #include "access/catalog/Database.h"
 #include "access/file/Format.h"
+#include "host/json/Json.h"
 #include "host/support/Command.h"
 
 namespace tavi::host {
@@ -123,9 +123,10 @@ TEST(Dump, OnlyColumnsThatCanCountAreAutomaticNumbers) {
     statement.Commit();
   }
   ASSERT_EQ(folder.Run({"dump", file, folder.Path("dump")}).code, 0);
-  const auto schema = nlohmann::json::parse(ReadFolder(folder.Path("dump")).at("schema.json"));
+  const auto schema = Json::Parse(ReadFolder(folder.Path("dump")).at("schema.json"));
   std::map<std::string, bool> automatic;
-  for (const auto& column : schema["tables"][0]["columns"]) automatic[column["name"]] = column["autonumber"];
+  for (const auto& column : schema["tables"][0]["columns"])
+    automatic[column["name"].Text()] = column["autonumber"].Flag();
   EXPECT_EQ(automatic, (std::map<std::string, bool>{{"ID", true}, {"Word", false}, {"Mark", true}}));
 }
 
@@ -141,13 +142,13 @@ TEST(Dump, LongTableNamesOfOtherScriptsGetFilesOfTheirOwn) {
   ASSERT_EQ(outcome.code, 0) << outcome.error;
   const auto files = ReadFolder(folder.Path("dump"));
   ASSERT_EQ(files.size(), 3U);
-  const auto schema = nlohmann::json::parse(files.at("schema.json"));
+  const auto schema = Json::Parse(files.at("schema.json"));
   std::map<std::string, std::string> headers;
   for (const auto& table : schema["tables"]) {
-    const std::string name = table["file"];
+    const std::string& name = table["file"].Text();
     EXPECT_LE(name.size(), 255U);
     EXPECT_TRUE(name.starts_with("%E6%BC%A2%E6%BC%A2"));
-    headers[table["name"]] = files.at(name);
+    headers[table["name"].Text()] = files.at(name);
   }
   EXPECT_EQ(headers, (std::map<std::string, std::string>{{start + "\u5B57", "A\n"}, {start + "\u4EEE", "B\n"}}));
 }

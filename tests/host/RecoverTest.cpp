@@ -2,11 +2,11 @@
 
 #include <chrono>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "access/file/FileSystem.h"
 #include "composition/Composition.h"
+#include "host/json/Json.h"
 #include "host/support/Command.h"
 #include "platform/Matchers.h"
 #include "store/support/DamagedBytes.h"
@@ -79,13 +79,13 @@ TEST_F(Recover, WhatIsLostIsCountedAndSaidInWords) {
 TEST_F(Recover, TheReportIsGivenAsJson) {
   const std::size_t lost = LoseAPage();
   const Outcome outcome = folder_.Run({"recover", OldFile(), "--json"});
-  const nlohmann::json report = nlohmann::json::parse(outcome.out);
+  const Json report = Json::Parse(outcome.out);
   ASSERT_EQ(report["Tables"].size(), 9U);
-  const nlohmann::json& members = report["Tables"][5];
+  const Json& members = report["Tables"][5];
   EXPECT_EQ(members["Table"], "Members");
   EXPECT_EQ(members["Found"], 40);
   EXPECT_EQ(members["Lost"], lost);
-  EXPECT_THAT(members["Damage"][0].get<std::string>(), HasSubstr("damaged"));
+  EXPECT_THAT(members["Damage"][0].Text(), HasSubstr("damaged"));
   EXPECT_TRUE(report["Problems"].empty());
 }
 

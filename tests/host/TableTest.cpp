@@ -1,8 +1,8 @@
+#include "host/json/Json.h"
 #include "host/text/Table.h"
 
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
 #include <sstream>
 
 namespace tavi::host {
@@ -112,7 +112,7 @@ TEST(Table, JsonWritesWhatSteersATerminalAsEscapesOfTheSameValue) {
   EXPECT_EQ(json,
             "[\n  {\n    \"Na\\u202eme\": \"A\\u001b[2J\\u202eeeL\\u009b \\u007f \\\\u202e \\u2066x\\u2069 "
             "Zoë\\n\\\"q\\\" 漢\"\n  }\n]");
-  EXPECT_EQ(nlohmann::json::parse(json)[0]["Na\u202eme"], stored);
+  EXPECT_EQ(Json::Parse(json)[0]["Na\u202eme"], stored);
 }
 
 TEST(Printable, ShowsWhatTurnsTheDirectionOfTextAsEscapes) {

@@ -133,7 +133,7 @@ std::vector<const Operation*> ReadProperties(const Class& one) {
 
 /// A value as an object with its properties as members.
 void WriteToJson(std::ostream& out, const Class& one) {
-  out << "Json WriteJson(const " << one.name << "& value) {\n  Json json = Json::object();\n";
+  out << "Json WriteJson(const " << one.name << "& value) {\n  Json json = Json::Object();\n";
   for (const Operation* property : ReadProperties(one)) {
     out << "  json[\"" << property->name << "\"] = WriteJson(value." << property->name << "());\n";
   }

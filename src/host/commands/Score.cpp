@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <iostream>
-#include <nlohmann/json.hpp>
 #include <numeric>
 
 #include "host/input/FilePatterns.h"
+#include "host/json/Json.h"
 #include "host/results/UsebioReader.h"
 #include "host/text/ProgressBar.h"
 #include "platform/values/Error.h"
@@ -99,21 +99,21 @@ void WriteSummary(const Context& context, const std::vector<ScoredFile>& files) 
 }
 
 void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
-  nlohmann::ordered_json document = nlohmann::ordered_json::array();
+  Json document = Json::Array();
   for (const ScoredFile& file : files) {
-    nlohmann::ordered_json entry = {{"file", file.path}, {"stored", file.stored}};
+    Json entry = {{"file", file.path}, {"stored", file.stored}};
     if (!file.error.empty()) entry["error"] = file.error;
-    entry["events"] = nlohmann::ordered_json::array();
+    entry["events"] = Json::Array();
     for (const ScoredEvent& scored : file.events) {
-      entry["events"].push_back({{"competition", scored.competition},
-                                 {"name", scored.event.name},
-                                 {"date", scored.event.date.Iso()},
-                                 {"ranking", nlohmann::ordered_json::parse(RankingTable(scored).Json())},
-                                 {"notes", scored.event.remarks}});
+      entry["events"].Add({{"competition", scored.competition},
+                           {"name", scored.event.name},
+                           {"date", scored.event.date.Iso()},
+                           {"ranking", Json::Parse(RankingTable(scored).Json())},
+                           {"notes", scored.event.remarks}});
     }
-    document.push_back(std::move(entry));
+    document.Add(std::move(entry));
   }
-  context.out << PrintableJson(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) << '\n';
+  context.out << PrintableJson(document.Indented()) << '\n';
 }
 
 }  // namespace

@@ -24,10 +24,10 @@ std::string Signature(const Operation& operation) {
 void Complete(const Operation& operation, std::vector<Json>& values) {
   for (std::size_t i = 0; i < values.size(); ++i) {
     const Argument& argument = operation.arguments[i];
-    const bool isMissing = values[i].is_discarded();
-    if (!isMissing && !values[i].is_null()) continue;
+    const bool isMissing = values[i].IsNothing();
+    if (!isMissing && !values[i].IsNull()) continue;
     if (argument.standard != nullptr) {
-      values[i] = Json::parse(argument.standard);
+      values[i] = Json::Parse(argument.standard);
     } else if (isMissing || argument.type != std::string_view("HandiCalcSettings")) {  // an object may be none
       Refuse(operation, "\"" + std::string(argument.name) + "\" is missing");
     }
@@ -36,20 +36,21 @@ void Complete(const Operation& operation, std::vector<Json>& values) {
 
 /// Room for each argument, with the mark that it was not given.
 std::vector<Json> NothingGiven(const Operation& operation) {
-  return std::vector<Json>(operation.arguments.size(), Json(Json::value_t::discarded));
+  return std::vector<Json>(operation.arguments.size(), Json::Nothing());
 }
 
 std::vector<Json> ByName(const Operation& operation, const Json& params) {
   std::vector<Json> values = NothingGiven(operation);
-  for (const auto& given : params.items()) {
-    const auto isMeant = [&](const Argument& argument) { return argument.name == given.key(); };
+  for (std::size_t place = 0; place < params.size(); ++place) {
+    const std::string& name = params.NameAt(place);
+    const auto isMeant = [&](const Argument& argument) { return argument.name == name; };
     auto found = std::find_if(operation.arguments.begin(), operation.arguments.end(), isMeant);
     // The new value of a property goes by any name.
-    if (found == operation.arguments.end() && operation.takesValue && values.back().is_discarded()) {
+    if (found == operation.arguments.end() && operation.takesValue && values.back().IsNothing()) {
       found = std::prev(operation.arguments.end());
     }
-    if (found == operation.arguments.end()) Refuse(operation, "\"" + given.key() + "\" is no argument");
-    values[static_cast<std::size_t>(found - operation.arguments.begin())] = given.value();
+    if (found == operation.arguments.end()) Refuse(operation, "\"" + name + "\" is no argument");
+    values[static_cast<std::size_t>(found - operation.arguments.begin())] = params[place];
   }
   return values;
 }
@@ -80,8 +81,8 @@ std::vector<Json> ByPosition(const Operation& operation, const Json& params) {
 
 std::vector<Json> ArgumentsOf(const Operation& operation, const Json& params) {
   std::vector<Json> values = NothingGiven(operation);
-  if (params.is_object()) values = ByName(operation, params);
-  if (params.is_array()) values = ByPosition(operation, params);
+  if (params.IsObject()) values = ByName(operation, params);
+  if (params.IsArray()) values = ByPosition(operation, params);
   Complete(operation, values);
   return values;
 }

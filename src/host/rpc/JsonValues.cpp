@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t kShownCharacters = 40;
 
 [[noreturn]] void Refuse(const Json& json, const std::string& expected) {
-  std::string found = json.dump(-1, ' ', true, Json::error_handler_t::replace);
+  std::string found = json.CompactAscii();
   if (found.size() > kShownCharacters) found = found.substr(0, kShownCharacters) + "...";
   throw RpcError(RpcCode::InvalidParams, expected + " is expected, not " + found);
 }
@@ -23,10 +23,10 @@ void ReadWhole(const Json& json, Integer& value) {
   constexpr auto kMost = std::numeric_limits<Integer>::max();
   const std::string expected = "a whole number from " + std::to_string(kLeast) + " to " + std::to_string(kMost);
   value = 0;
-  if (json.is_null()) return;
-  if (!json.is_number()) Refuse(json, expected);
+  if (json.IsNull()) return;
+  if (!json.IsNumber()) Refuse(json, expected);
   // Numbers beyond 64 bits come as floating-point ones.
-  const auto number = json.get<double>();
+  const auto number = json.Number();
   if (std::trunc(number) != number || number < kLeast || number > kMost) Refuse(json, expected);
   value = static_cast<Integer>(number);
 }
@@ -35,9 +35,9 @@ void ReadWhole(const Json& json, Integer& value) {
 
 void ReadJson(const Json& json, bool& value) {
   value = false;
-  if (json.is_null()) return;
-  if (!json.is_boolean()) Refuse(json, "true or false");
-  value = json.get<bool>();
+  if (json.IsNull()) return;
+  if (!json.IsFlag()) Refuse(json, "true or false");
+  value = json.Flag();
 }
 
 void ReadJson(const Json& json, std::int16_t& value) {
@@ -50,14 +50,14 @@ void ReadJson(const Json& json, std::int32_t& value) {
 
 void ReadJson(const Json& json, double& value) {
   value = 0.0;
-  if (json.is_null()) return;
-  if (!json.is_number()) Refuse(json, "a number");
-  value = json.get<double>();
+  if (json.IsNull()) return;
+  if (!json.IsNumber()) Refuse(json, "a number");
+  value = json.Number();
 }
 
 void ReadJson(const Json& json, std::optional<double>& value) {
   value.reset();
-  if (json.is_null()) return;
+  if (json.IsNull()) return;
   double number = 0.0;
   ReadJson(json, number);
   value = number;
@@ -65,34 +65,34 @@ void ReadJson(const Json& json, std::optional<double>& value) {
 
 void ReadJson(const Json& json, std::string& value) {
   value.clear();
-  if (json.is_null()) return;
-  if (!json.is_string()) Refuse(json, "a text");
-  value = json.get<std::string>();
+  if (json.IsNull()) return;
+  if (!json.IsText()) Refuse(json, "a text");
+  value = json.Text();
 }
 
 void ReadJson(const Json& json, Date& value) {
   value = Date();
-  if (json.is_null()) return;
+  if (json.IsNull()) return;
   const std::string expected = "a date (\"yyyy-mm-dd\" or \"yyyy-mm-ddThh:mm:ss\")";
-  if (!json.is_string()) Refuse(json, expected);
-  const std::optional<Date> date = Date::FromIso(json.get<std::string>());
+  if (!json.IsText()) Refuse(json, expected);
+  const std::optional<Date> date = Date::FromIso(json.Text());
   if (!date) Refuse(json, expected);
   value = *date;
 }
 
 void RequireMembers(const Json& json, const std::string& what, std::initializer_list<const char*> names) {
-  if (!json.is_object()) Refuse(json, "an object of " + what);
-  for (const auto& member : json.items()) {
-    const auto isMember = [&](const char* name) { return member.key() == name; };
-    if (std::none_of(names.begin(), names.end(), isMember)) {
-      throw RpcError(RpcCode::InvalidParams, what + " have no member \"" + member.key() + "\"");
+  if (!json.IsObject()) Refuse(json, "an object of " + what);
+  for (std::size_t place = 0; place < json.size(); ++place) {
+    const std::string& member = json.NameAt(place);
+    if (std::find(names.begin(), names.end(), member) == names.end()) {
+      throw RpcError(RpcCode::InvalidParams, what + " have no member \"" + member + "\"");
     }
   }
 }
 
 void ReadJson(const Json& json, std::shared_ptr<HandiCalcSettings>& value) {
   value.reset();
-  if (json.is_null()) return;
+  if (json.IsNull()) return;
   HandiCalcSettings settings;
   ReadJson(json, settings);
   value = std::make_shared<HandiCalcSettings>(settings);
@@ -124,8 +124,8 @@ Json WriteJson(const std::vector<std::string>& value) {
 }
 
 Json WriteJson(const std::vector<EBUMembershipDetails>& value) {
-  Json list = Json::array();
-  for (const EBUMembershipDetails& details : value) list.push_back(WriteJson(details));
+  Json list = Json::Array();
+  for (const EBUMembershipDetails& details : value) list.Add(WriteJson(details));
   return list;
 }
 

@@ -3,20 +3,17 @@
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "facade/MembershipDatabase.h"
+#include "host/json/Json.h"
 #include "host/rpc/RpcError.h"
 
 /// The component's types as JSON. Objects of the component (settings, handicaps, rows of the governing body's list) are
 /// JSON objects with their properties as members, which come from the table of operations; dates are ISO 8601 texts.
 namespace tavi::host {
-
-/// Members keep the order in which they were put in, so that replies read as the documentation does.
-using Json = nlohmann::ordered_json;
 
 /// Reading: raise RpcError (InvalidParams) with what was expected when the JSON value is of another type or out of
 /// range. Null stands for what was left out: zero, false, the empty text, the zero date, no object.
@@ -52,8 +49,8 @@ void RequireMembers(const Json& json, const std::string& what, std::initializer_
 /// wrong type.
 template <typename Value>
 void ReadMember(const Json& json, const std::string& name, Value& value) {
-  const auto found = json.find(name);
-  if (found == json.end() || found->is_null()) return;
+  const Json* found = json.Find(name);
+  if (found == nullptr || found->IsNull()) return;
   try {
     ReadJson(*found, value);
   } catch (const RpcError& problem) {

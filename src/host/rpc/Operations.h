@@ -52,7 +52,7 @@ inline Json Reply() {
 
 template <typename Result>
 Json Reply(const Result& result) {
-  Json reply = Json::object();
+  Json reply = Json::Object();
   reply["return"] = WriteJson(result);
   if constexpr (std::is_same_v<Result, MatchList>) reply["LowerBound"] = result.LowerBound;
   return reply;

@@ -10,58 +10,31 @@
 namespace tavi::host {
 namespace {
 
-/// Walks over a text without keeping anything of it, and refuses what would be expensive to build: deep values, because
+/// Refuses what would be expensive to build: deep values, because
 /// what walks over them recurses, and objects with many members, because each new one is compared with all before it.
-class LimitCheck final : public nlohmann::json_sax<Json> {
+class LimitCheck final : public JsonObserver {
  public:
-  /// True when the text ended at a number that no double holds.
-  [[nodiscard]] bool FoundHugeNumber() const { return foundHugeNumber_; }
-
-  bool null() override { return true; }
-  bool boolean(bool /*value*/) override { return true; }
-  bool number_integer(number_integer_t /*value*/) override { return true; }
-  bool number_unsigned(number_unsigned_t /*value*/) override { return true; }
-  bool number_float(number_float_t /*value*/, const string_t& /*text*/) override { return true; }
-  bool string(string_t& /*value*/) override { return true; }
-  bool binary(binary_t& /*value*/) override { return true; }
-  bool start_object(std::size_t /*size*/) override { return Enter(); }
-  bool end_object() override { return Leave(); }
-  bool start_array(std::size_t /*size*/) override { return Enter(); }
-  bool end_array() override { return Leave(); }
-
-  bool key(string_t& /*name*/) override {
-    if (++members_.back() <= kMostMembers) return true;
+  void Enter() override {
+    members_.push_back(0);
+    if (members_.size() > kDeepest) throw RpcError(RpcCode::InvalidRequest, "Invalid request: it is nested too deeply");
+  }
+  void Leave() override { members_.pop_back(); }
+  void Member() override {
+    if (++members_.back() <= kMostMembers) return;
     throw RpcError(RpcCode::InvalidRequest,
                    "Invalid request: an object has more than " + std::to_string(kMostMembers) + " members");
-  }
-
-  bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Json::exception& problem) override {
-    foundHugeNumber_ = dynamic_cast<const Json::out_of_range*>(&problem) != nullptr;
-    return false;
   }
 
  private:
   static constexpr std::size_t kDeepest = 16;
   static constexpr int kMostMembers = 100;
 
-  bool Enter() {
-    members_.push_back(0);
-    if (members_.size() <= kDeepest) return true;
-    throw RpcError(RpcCode::InvalidRequest, "Invalid request: it is nested too deeply");
-  }
-  bool Leave() {
-    members_.pop_back();
-    return true;
-  }
-
   std::vector<int> members_;  ///< of each open object so far
-  bool foundHugeNumber_ = false;
 };
 
 bool HoldsHugeNumber(const std::string& text) {
   LimitCheck check;
-  static_cast<void>(Json::sax_parse(text, &check));
-  return check.FoundHugeNumber();
+  return ScanJson(text, check) == JsonScan::HugeNumber;
 }
 
 /// The place behind the text that begins at `start`, its closing quotation mark included.
@@ -108,11 +81,11 @@ LineRead ReadLine(std::istream& in, std::string& line) {
 
 Json ParseRequest(const std::string& line) {
   try {
-    if (!HoldsHugeNumber(line)) return Json::parse(line);
+    if (!HoldsHugeNumber(line)) return Json::Parse(line);
     const std::string text = WithoutHugeNumbers(line);
     static_cast<void>(HoldsHugeNumber(text));
-    return Json::parse(text);
-  } catch (const Json::exception& problem) {
+    return Json::Parse(text);
+  } catch (const JsonError& problem) {
     throw RpcError(RpcCode::ParseError, std::string("Parse error: ") + problem.what());
   }
 }

@@ -12,7 +12,7 @@ namespace tavi::host {
 namespace {
 
 void WriteLine(std::ostream& out, const Json& json) {
-  out << PrintableJson(json.dump(-1, ' ', false, Json::error_handler_t::replace)) << '\n' << std::flush;
+  out << PrintableJson(json.Compact()) << '\n' << std::flush;
 }
 
 Json ErrorReply(const Json& id, int code, const std::string& message) {
@@ -31,14 +31,14 @@ Json ErrorReply(const Json& id, const Error& error) {
 }
 
 bool IsId(const Json& id) {
-  return id.is_string() || id.is_number() || id.is_null();
+  return id.IsText() || id.IsNumber() || id.IsNull();
 }
 
 /// The request's id, as far as it has a proper one.
 Json IdOf(const Json& request) {
-  if (!request.is_object()) return nullptr;
-  const auto id = request.find("id");
-  return id == request.end() || !IsId(*id) ? Json() : *id;
+  if (!request.IsObject()) return nullptr;
+  const Json* id = request.Find("id");
+  return id == nullptr || !IsId(*id) ? Json() : *id;
 }
 
 [[noreturn]] void RefuseRequest(const std::string& problem) {
@@ -46,23 +46,23 @@ Json IdOf(const Json& request) {
 }
 
 void RequireRequest(const Json& request) {
-  if (!request.is_object()) RefuseRequest("a JSON object is expected");
-  const auto version = request.find("jsonrpc");
-  if (version == request.end() || *version != "2.0") RefuseRequest(R"("jsonrpc" must be "2.0")");
-  const auto method = request.find("method");
-  if (method == request.end() || !method->is_string()) RefuseRequest("\"method\" must be the name of an operation");
-  const auto id = request.find("id");
-  if (id != request.end() && !IsId(*id)) RefuseRequest("\"id\" must be a text, a number or null");
-  const auto params = request.find("params");
-  const bool isGiven = params != request.end() && !params->is_null();
-  if (isGiven && !params->is_structured()) RefuseRequest("\"params\" must be an object or an array");
+  if (!request.IsObject()) RefuseRequest("a JSON object is expected");
+  const Json* version = request.Find("jsonrpc");
+  if (version == nullptr || *version != "2.0") RefuseRequest(R"("jsonrpc" must be "2.0")");
+  const Json* method = request.Find("method");
+  if (method == nullptr || !method->IsText()) RefuseRequest("\"method\" must be the name of an operation");
+  const Json* id = request.Find("id");
+  if (id != nullptr && !IsId(*id)) RefuseRequest("\"id\" must be a text, a number or null");
+  const Json* params = request.Find("params");
+  const bool isGiven = params != nullptr && !params->IsNull();
+  if (isGiven && !params->IsObject() && !params->IsArray()) RefuseRequest("\"params\" must be an object or an array");
 }
 
 /// The number of the object that a request is for.
 std::int32_t ObjectOf(const Json& request) {
-  const auto object = request.find("object");
+  const Json* object = request.Find("object");
   std::int32_t number = 1;
-  if (object == request.end() || object->is_null()) return number;
+  if (object == nullptr || object->IsNull()) return number;
   try {
     ReadJson(*object, number);
   } catch (const RpcError& problem) {
@@ -104,7 +104,7 @@ void Server::Take(const std::string& line) {
   std::optional<Json> reply;
   try {
     const Json json = ParseRequest(line);
-    reply = json.is_array() ? AnswerAll(json) : Answer(json);
+    reply = json.IsArray() ? AnswerAll(json) : Answer(json);
   } catch (const RpcError& problem) {
     reply = ErrorReply(nullptr, problem.Code(), problem.what());
   } catch (const std::exception& problem) {
@@ -128,9 +128,9 @@ void Server::Serve(std::istream& in) {
 
 std::optional<Json> Server::AnswerAll(const Json& batch) {
   if (batch.empty()) return ErrorReply(nullptr, RpcCode::InvalidRequest, "Invalid request: the batch is empty");
-  Json replies = Json::array();
+  Json replies = Json::Array();
   for (const Json& request : batch) {
-    if (std::optional<Json> reply = Answer(request)) replies.push_back(std::move(*reply));
+    if (std::optional<Json> reply = Answer(request)) replies.Add(std::move(*reply));
   }
   if (replies.empty()) return std::nullopt;
   return replies;
@@ -151,14 +151,13 @@ std::optional<Json> Server::Answer(const Json& request) {
   } catch (const std::exception& problem) {
     reply = ErrorReply(id, RpcCode::InternalError, std::string("Internal error: ") + problem.what());
   }
-  if (!request.contains("id")) return std::nullopt;
+  if (request.Find("id") == nullptr) return std::nullopt;
   return reply;
 }
 
 Json Server::CallFor(const Json& request) {
-  const auto params = request.find("params");
-  return session_.Call(request.at("method").get<std::string>(), params == request.end() ? Json() : *params,
-                       ObjectOf(request));
+  const Json* params = request.Find("params");
+  return session_.Call(request.at("method").Text(), params == nullptr ? Json() : *params, ObjectOf(request));
 }
 
 }  // namespace tavi::host

@@ -51,16 +51,16 @@ void Session::Close() {
 }
 
 Json Session::ListOperations() const {
-  Json list = Json::array();
+  Json list = Json::Array();
   for (const Operation& operation : AllOperations()) {
-    Json arguments = Json::array();
+    Json arguments = Json::Array();
     for (const Argument& argument : operation.arguments) {
       Json entry = {{"name", argument.name}, {"type", argument.type}};
       if (argument.isPassedBack) entry["passedBack"] = true;
       if (argument.standard != nullptr) entry["optional"] = true;
-      arguments.push_back(std::move(entry));
+      arguments.Add(std::move(entry));
     }
-    list.push_back({{"name", operation.name}, {"arguments", std::move(arguments)}, {"returns", operation.result}});
+    list.Add({{"name", operation.name}, {"arguments", std::move(arguments)}, {"returns", operation.result}});
   }
   return {{"return", std::move(list)}};
 }

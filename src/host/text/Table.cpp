@@ -3,10 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <ostream>
 #include <stdexcept>
 
+#include "host/json/Json.h"
 #include "host/text/CsvField.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
@@ -29,16 +29,14 @@ std::string CellText(const Cell& cell) {
   return std::visit(Writer{}, cell);
 }
 
-nlohmann::ordered_json CellJson(const Cell& cell) {
+Json CellJson(const Cell& cell) {
   struct Writer {
-    nlohmann::ordered_json operator()(std::monostate) const { return nullptr; }
-    nlohmann::ordered_json operator()(bool value) const { return value; }
-    nlohmann::ordered_json operator()(std::int64_t value) const { return value; }
-    nlohmann::ordered_json operator()(const Decimals& number) const {
-      return RoundDecimalHalfEven(number.value, number.places);
-    }
-    nlohmann::ordered_json operator()(double value) const { return value; }
-    nlohmann::ordered_json operator()(const std::string& value) const { return value; }
+    Json operator()(std::monostate) const { return nullptr; }
+    Json operator()(bool value) const { return value; }
+    Json operator()(std::int64_t value) const { return value; }
+    Json operator()(const Decimals& number) const { return RoundDecimalHalfEven(number.value, number.places); }
+    Json operator()(double value) const { return value; }
+    Json operator()(const std::string& value) const { return value; }
   };
   return std::visit(Writer{}, cell);
 }
@@ -163,13 +161,13 @@ void Table::Write(std::ostream& out, OutputFormat format) const {
 }
 
 std::string Table::Json() const {
-  nlohmann::ordered_json rows = nlohmann::ordered_json::array();
+  host::Json rows = host::Json::Array();
   for (const std::vector<Cell>& row : rows_) {
-    nlohmann::ordered_json object = nlohmann::ordered_json::object();
+    host::Json object = host::Json::Object();
     for (std::size_t i = 0; i < columns_.size(); ++i) object[columns_[i]] = CellJson(row[i]);
-    rows.push_back(std::move(object));
+    rows.Add(std::move(object));
   }
-  return PrintableJson(rows.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace));
+  return PrintableJson(rows.Indented());
 }
 
 void Table::WriteTabs(std::ostream& out) const {

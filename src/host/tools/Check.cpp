@@ -1,10 +1,10 @@
 #include "host/tools/Check.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "access/catalog/Check.h"
+#include "host/json/Json.h"
 #include "host/tools/CheckProgressBar.h"
 #include "host/tools/MissingNumbers.h"
 #include "host/tools/NameKeyCheck.h"
@@ -60,10 +60,10 @@ NameKeyCount CountKeys(const Context& context, access::Database& database, const
   return result.findings.empty() ? CountNameKeys(database, *context.platform->nameKeyService) : NameKeyCount();
 }
 
-nlohmann::ordered_json JsonOf(const std::vector<access::CheckFinding>& findings) {
-  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+Json JsonOf(const std::vector<access::CheckFinding>& findings) {
+  Json list = Json::Array();
   for (const access::CheckFinding& finding : findings)
-    list.push_back({{"part", NameOf(finding.part)}, {"table", finding.table}, {"text", finding.text}});
+    list.Add({{"part", NameOf(finding.part)}, {"table", finding.table}, {"text", finding.text}});
   return list;
 }
 
@@ -89,20 +89,20 @@ void WriteRemarks(const Context& context, const NameKeyCount& keys, const Missin
 
 void WriteJson(const Context& context, const std::string& file, const access::CheckResult& result,
                const NameKeyCount& keys, const MissingNumbers& missing) {
-  const nlohmann::ordered_json document = {{"file", file},
-                                           {"sound", result.findings.empty()},
-                                           {"pages", result.pages},
-                                           {"tables", result.tables},
-                                           {"rows", result.rows},
-                                           {"indexes", result.indexes},
-                                           {"findings", JsonOf(result.findings)},
-                                           {"remarks", JsonOf(result.remarks)},
-                                           {"more", result.isCutShort},
-                                           {"advice", Advice(result)},
-                                           {"staleNameKeys", keys.stale},
-                                           {"rowsWithoutNumbers", missing.rows},
-                                           {"moreRowsWithoutNumbers", missing.more}};
-  context.out << PrintableJson(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) << '\n';
+  const Json document = {{"file", file},
+                         {"sound", result.findings.empty()},
+                         {"pages", result.pages},
+                         {"tables", result.tables},
+                         {"rows", result.rows},
+                         {"indexes", result.indexes},
+                         {"findings", JsonOf(result.findings)},
+                         {"remarks", JsonOf(result.remarks)},
+                         {"more", result.isCutShort},
+                         {"advice", Advice(result)},
+                         {"staleNameKeys", keys.stale},
+                         {"rowsWithoutNumbers", missing.rows},
+                         {"moreRowsWithoutNumbers", missing.more}};
+  context.out << PrintableJson(document.Indented()) << '\n';
 }
 
 void WriteText(const Context& context, const std::string& file, const access::CheckResult& result,

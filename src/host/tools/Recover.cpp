@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <ostream>
 
 #include "facade/ThreadStore.h"
+#include "host/json/Json.h"
 #include "host/text/PathText.h"
 #include "host/text/ProgressBar.h"
 #include "host/tools/ClubDraft.h"
@@ -104,17 +104,17 @@ void WriteForPeople(const Context& context, const RecoveryReport& report) {
 }
 
 void WriteJson(const Context& context, const RecoveryReport& report) {
-  nlohmann::ordered_json tables = nlohmann::ordered_json::array();
+  Json tables = Json::Array();
   for (const RecoveredTable& table : report.tables) {
-    tables.push_back({{"Table", table.name},
-                      {"Found", table.found},
-                      {"Saved", table.saved},
-                      {"Lost", table.lost},
-                      {"Values lost", table.valuesLost},
-                      {"Damage", DamageOf(table)}});
+    tables.Add({{"Table", table.name},
+                {"Found", table.found},
+                {"Saved", table.saved},
+                {"Lost", table.lost},
+                {"Values lost", table.valuesLost},
+                {"Damage", DamageOf(table)}});
   }
-  const nlohmann::ordered_json document{{"Tables", tables}, {"Problems", report.problems}};
-  context.out << PrintableJson(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace)) << '\n';
+  const Json document{{"Tables", tables}, {"Problems", report.problems}};
+  context.out << PrintableJson(document.Indented()) << '\n';
 }
 
 void Write(const Context& context, const RecoveryReport& report) {

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <nlohmann/json.hpp>
 #include <random>
 #include <sstream>
 
@@ -36,22 +35,22 @@ class Rpc : public ::testing::Test {
     EXPECT_EQ(outcome.code, 0) << outcome.error;
     std::vector<Json> replies;
     std::istringstream out(outcome.out);
-    for (std::string line; std::getline(out, line);) replies.push_back(Json::parse(line));
+    for (std::string line; std::getline(out, line);) replies.push_back(Json::Parse(line));
     return replies;
   }
 
   /// A request with the next id.
-  std::string Request(const std::string& method, const Json& params = Json::array(), int object = 1) {
+  std::string Request(const std::string& method, const Json& params = Json::Array(), int object = 1) {
     Json request = {{"jsonrpc", "2.0"}, {"id", ++lastId_}, {"method", method}, {"params", params}};
     if (object != 1) request["object"] = object;
-    return request.dump();
+    return request.Compact();
   }
   /// What one call gives on an object of its own.
-  Json Result(const std::string& method, const Json& params = Json::array()) {
+  Json Result(const std::string& method, const Json& params = Json::Array()) {
     return Lines({Request(method, params)}).at(0).at("result");
   }
-  int ErrorCode(const std::string& method, const Json& params = Json::array()) {
-    return Lines({Request(method, params)}).at(0).at("error").at("code").get<int>();
+  int ErrorCode(const std::string& method, const Json& params = Json::Array()) {
+    return static_cast<int>(Lines({Request(method, params)}).at(0).at("error").at("code").Number());
   }
 
   CommandFolder folder_;
@@ -109,14 +108,14 @@ TEST_F(Rpc, SettingsAreAnObjectWithItsProperties) {
   EXPECT_EQ(Result("get_HandicalcOptions").at("return"), standard);
   EXPECT_EQ(Result("HandiCalcSettings.SetDefaults").at("return"), standard);
   EXPECT_EQ(Result("put_HandicalcOptions",
-                   Json::array({Json({{"MaxWeeks", 26}, {"SamePartnerWeighting", 300}, {"RegularPairAdd", -2.5}})})),
+                   Json::Array({Json({{"MaxWeeks", 26}, {"SamePartnerWeighting", 300}, {"RegularPairAdd", -2.5}})})),
             Json({{"return", nullptr}}));
   const Json stored = Result("get_HandicalcOptions").at("return");
   EXPECT_EQ(stored.at("MaxWeeks"), 26);
   EXPECT_EQ(stored.at("SamePartnerWeighting"), 100);
   EXPECT_EQ(stored.at("IncludesRegularPairAdjustment"), true);
   EXPECT_EQ(Result("HandiCalcSettings.AdjustRegularPair", {stored, 60}).at("return"), 57.5);
-  EXPECT_EQ(Result("HandiCalcSettings.Clone", Json::array({stored})).at("return"), stored);
+  EXPECT_EQ(Result("HandiCalcSettings.Clone", Json::Array({stored})).at("return"), stored);
   EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"MaxWeek", 1}}}}), kInvalidParams);
   EXPECT_EQ(ErrorCode("put_HandicalcOptions", {{"value", {{"IncludesRegularPairAdjustment", "x"}}}}), kInvalidParams);
   EXPECT_EQ(Result("HandiCalcSettings.Clone", {{"settings", {{"UnknownPlayerHandicap", nullptr}}}}).at("return"),
@@ -132,7 +131,7 @@ TEST_F(Rpc, HandicapsAndListsAreJson) {
             Json({{"PartnershipHandicap", 50.0}, {"Player1Handicap", 50.0}, {"Player2Handicap", 50.0}}));
   EXPECT_EQ(Result("FindNearestMatches", {"John Smyth"}), Json({{"return", {1}}, {"LowerBound", 1}}));
   EXPECT_EQ(Result("FindNearestMatches", {"Zebedee"}), Json({{"return", {0}}, {"LowerBound", 0}}));
-  EXPECT_EQ(Result("get_AllEmailAddresses").at("return"), Json::array());
+  EXPECT_EQ(Result("get_AllEmailAddresses").at("return"), Json::Array());
   EXPECT_EQ(
       folder_.Run({"sql", "Insert into EBUMembershipList (EBUNumber, FirstName, LastName) Values ('7', 'A', 'B')"})
           .code,
@@ -216,7 +215,7 @@ TEST_F(Rpc, WrongRequestsAreRefusedAndTheSessionGoesOn) {
   ASSERT_EQ(replies.size(), cases.size() + 1);
   for (std::size_t i = 0; i < cases.size(); ++i) {
     EXPECT_EQ(replies[i].at("error").at("code"), cases[i].second) << cases[i].first;
-    EXPECT_FALSE(replies[i].at("error").at("message").get<std::string>().empty());
+    EXPECT_FALSE(replies[i].at("error").at("message").Text().empty());
   }
   EXPECT_EQ(replies.back().at("result").at("return"), "Acol");
 }
@@ -273,7 +272,7 @@ TEST_F(Rpc, AnIdOfAnyKindComesBack) {
   for (const char* id : {"\"x\"", "0", "-1", "1.5", "null", "\"\""}) {
     const auto replies = Lines({std::string(R"({"jsonrpc":"2.0","method":"EndGet","id":)") + id + "}"});
     ASSERT_EQ(replies.size(), 1U) << id;
-    EXPECT_EQ(replies[0].at("id"), Json::parse(id));
+    EXPECT_EQ(replies[0].at("id"), Json::Parse(id));
   }
 }
 
@@ -294,7 +293,7 @@ TEST_F(Rpc, ObjectsAreMadeMeantAndReleased) {
 TEST_F(Rpc, MessageBoxesArriveAsNotifications) {
   std::ostringstream out;
   MessageBoxNotifications(out).Show(MessageBoxIcon::Critical, "Title", "Line 1\r\nLine \"2\"");
-  EXPECT_EQ(Json::parse(out.str()),
+  EXPECT_EQ(Json::Parse(out.str()),
             Json({{"jsonrpc", "2.0"},
                   {"method", "MessageBox"},
                   {"params", {{"icon", "Critical"}, {"title", "Title"}, {"text", "Line 1\r\nLine \"2\""}}}}));
@@ -314,7 +313,7 @@ TEST_F(Rpc, AnUpgradeThatFailsIsToldByAMessageBox) {
   const auto replies = Lines({Request("get_ClubName")});
   ASSERT_GE(replies.size(), 2U);
   EXPECT_EQ(replies[0].at("method"), "MessageBox");
-  EXPECT_FALSE(replies[0].at("params").at("text").get<std::string>().empty());
+  EXPECT_FALSE(replies[0].at("params").at("text").Text().empty());
 }
 
 TEST_F(Rpc, EnormousTextsAndControlCharactersAreTaken) {
@@ -422,24 +421,24 @@ TEST_F(Rpc, OperationsAreListedWithTheirArgumentsTypesAndResults) {
     }
     return Json();
   };
-  EXPECT_EQ(operation("GetNameAndEBUNumber"), Json::parse(R"({"name": "GetNameAndEBUNumber", "arguments": [
+  EXPECT_EQ(operation("GetNameAndEBUNumber"), Json::Parse(R"({"name": "GetNameAndEBUNumber", "arguments": [
                 {"name": "MemberNo", "type": "32-bit"},
                 {"name": "NameFormat", "type": "16-bit"},
                 {"name": "EBUNumber", "type": "text", "passedBack": true, "optional": true},
                 {"name": "DefaultName", "type": "text", "optional": true}], "returns": "text"})"));
   EXPECT_EQ(operation("put_DatabaseFolder"),
-            Json::parse(R"({"name": "put_DatabaseFolder", "arguments": [{"name": "folder", "type": "text"}],
+            Json::Parse(R"({"name": "put_DatabaseFolder", "arguments": [{"name": "folder", "type": "text"}],
                 "returns": "nothing"})"));
   EXPECT_EQ(operation("FindNearestMatches").at("returns"), "list of 32-bit");
   EXPECT_EQ(operation("SearchEBUList").at("returns"), "list of EBUMembershipDetails");
   EXPECT_EQ(operation("HandiCalcSettings.AdjustRegularPair"),
-            Json::parse(R"({"name": "HandiCalcSettings.AdjustRegularPair", "arguments": [
+            Json::Parse(R"({"name": "HandiCalcSettings.AdjustRegularPair", "arguments": [
                 {"name": "settings", "type": "HandiCalcSettings"},
                 {"name": "GrossHandicap", "type": "double"}], "returns": "double"})"));
   EXPECT_EQ(
       operation("HandiCalcSettings.SetDefaults"),
-      Json::parse(R"({"name": "HandiCalcSettings.SetDefaults", "arguments": [], "returns": "HandiCalcSettings"})"));
-  EXPECT_TRUE(operation("HandiCalcSettings.get_MaxWeeks").is_null()) << "it is a member of the settings' object";
+      Json::Parse(R"({"name": "HandiCalcSettings.SetDefaults", "arguments": [], "returns": "HandiCalcSettings"})"));
+  EXPECT_TRUE(operation("HandiCalcSettings.get_MaxWeeks").IsNull()) << "it is a member of the settings' object";
 }
 
 }  // namespace
