@@ -3,10 +3,7 @@
 #include <mutex>
 #include <optional>
 
-#include "automation/EBUMembershipDetailsObject.h"
-#include "automation/HandiCalcSettingsObject.h"
-#include "automation/HandicapsObject.h"
-#include "automation/MembershipDatabaseObject.h"
+#include "automation/Objects.h"
 
 namespace tavi::automation {
 namespace {
@@ -82,20 +79,25 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
   std::optional<ModuleLock> lock_{std::in_place};
 };
 
+template <typename Object, typename Interface, typename... Values>
+IUnknown* New(Values&&... values) {
+  return static_cast<Interface*>(new Object(std::forward<Values>(values)...));
+}
+
 }  // namespace
 
 const std::vector<CreatableClass>& CreatableClasses() {
   static const std::vector<CreatableClass> classes = {
       {__uuidof(::MembershipDatabase), L"MembershipDatabase", L"A bridge club's membership records",
-       __uuidof(_MembershipDatabase),
-       []() -> IUnknown* { return static_cast<_MembershipDatabase*>(new MembershipDatabaseObject); }},
+       __uuidof(_MembershipDatabase), [] { return New<MembershipDatabaseObject, _MembershipDatabase>(); }},
       {__uuidof(::HandiCalcSettings), L"HandiCalcSettings", L"Settings of the handicap calculation",
-       __uuidof(_HandiCalcSettings), []() -> IUnknown* { return MakeSettings(HandiCalcSettings()).Detach(); }},
+       __uuidof(_HandiCalcSettings),
+       [] { return New<HandiCalcSettingsObject, _HandiCalcSettings>(std::make_shared<HandiCalcSettings>()); }},
       {__uuidof(::Handicaps), L"Handicaps", L"Result of a handicap calculation", __uuidof(_Handicaps),
-       []() -> IUnknown* { return MakeHandicaps(Handicaps()).Detach(); }},
+       [] { return New<HandicapsObject, _Handicaps>(Handicaps()); }},
       {__uuidof(::EBUMembershipDetails), L"EBUMembershipDetails", L"One row of the governing body's membership list",
        __uuidof(_EBUMembershipDetails),
-       []() -> IUnknown* { return MakeEBUMembershipDetails(EBUMembershipDetails()).Detach(); }},
+       [] { return New<EBUMembershipDetailsObject, _EBUMembershipDetails>(EBUMembershipDetails()); }},
   };
   return classes;
 }

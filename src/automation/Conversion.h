@@ -1,7 +1,10 @@
 #pragma once
 
+#include <TaviMembership.h>
+
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,8 +30,17 @@ inline VARIANT_BOOL FromBool(bool value) {
 /// An argument that may be left out: nothing then, or when it is empty. Raises TypeMismatch when it is no number.
 std::optional<double> OptionalDouble(const VARIANT& value);
 
-/// A new array with the bounds of the list; the caller owns it. Raises std::bad_alloc.
-SAFEARRAY* ArrayOf(const MatchList& list);
+/// The settings of an object: shared with it when it is one of ours, else a copy of what it says; none of a null one.
+/// Raises the error of an object that cannot say.
+std::shared_ptr<HandiCalcSettings> SettingsOf(_HandiCalcSettings* object);
+
+/// A property of an object of anybody's. Raises its error when it cannot say.
+template <typename Object, typename Value>
+Value Ask(Object& object, HRESULT (STDMETHODCALLTYPE Object::*get)(Value*)) {
+  Value value{};
+  windows::Require((object.*get)(&value), "A property cannot be read from its object");
+  return value;
+}
 
 // Each puts a result where the caller wants it.
 inline void Return(VARIANT_BOOL* result, bool value) {
@@ -50,6 +62,16 @@ inline void Return(VARIANT* result, const std::string& value) {
   result->bstrVal = windows::AutomationText(value).Detach();
   result->vt = VT_BSTR;
 }
+
+// New objects, which belong to the caller then. They raise std::bad_alloc.
+/// An array with the bounds of the list.
+void Return(SAFEARRAY** result, const MatchList& list);
+/// A collection of texts, each its own key.
+void Return(_Collection** result, const std::vector<std::string>& texts);
+void Return(_Collection** result, const std::vector<EBUMembershipDetails>& rows);
+void Return(_HandiCalcSettings** result, const HandiCalcSettings& settings);
+void Return(_Handicaps** result, const Handicaps& handicaps);
+void Return(_EBUMembershipDetails** result, const EBUMembershipDetails& details);
 
 /// An argument that is passed back: an operation changes its value, and when the operation has succeeded the caller's
 /// variable gets it.

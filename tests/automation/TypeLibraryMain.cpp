@@ -1,5 +1,5 @@
 // "type_library LIBRARY" prints what the type library in a file says, one line for each library, class, interface and
-// member, with tabs between the parts, for check_type_library.py to compare.
+// member, with tabs between the parts, which under_wine.py compares with type-library.txt.
 #include <iostream>
 #include <vector>
 

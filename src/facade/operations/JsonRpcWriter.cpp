@@ -44,7 +44,7 @@ std::vector<Argument> ArgumentsOf(const Call& call) {
 }
 
 std::string TypeWord(const Type* type) {
-  const std::string word = type == nullptr ? "nothing" : type->word;
+  std::string word = type == nullptr ? "nothing" : type->word;
   if (word == "variant text") return "text";
   if (word == "double or none") return "double";
   // JSON has one kind of list.

@@ -135,7 +135,7 @@ class TableReader {
     return kind;
   }
 
-  Kind KindOf(const std::string& word) const {
+  [[nodiscard]] Kind KindOf(const std::string& word) const {
     if (word == "method") return Kind::Method;
     if (word == "get" || word == "property" || word == "variable") return Kind::Get;
     if (word == "let") return Kind::Let;
@@ -143,7 +143,7 @@ class TableReader {
     Refuse("\"" + word + "\" is no kind of operation");
   }
 
-  Argument ArgumentOf(std::string text) const {
+  [[nodiscard]] Argument ArgumentOf(std::string text) const {
     Argument argument;
     std::string name = CutBefore(text, ":");
     if (name.starts_with("out ")) argument.direction = Direction::Out;
@@ -158,7 +158,7 @@ class TableReader {
     return argument;
   }
 
-  const Type* TypeOf(const std::string& word) const {
+  [[nodiscard]] const Type* TypeOf(const std::string& word) const {
     const Type* type = FindType(word);
     if (type == nullptr) Refuse("\"" + word + "\" is no type");
     return type;
@@ -215,7 +215,7 @@ class TableReader {
 }  // namespace
 
 const Type* FindType(const std::string& word) {
-  const auto found = std::ranges::find_if(kTypes, [&](const Type& type) { return word == type.word; });
+  const auto* const found = std::ranges::find_if(kTypes, [&](const Type& type) { return word == type.word; });
   return found == std::end(kTypes) ? nullptr : found;
 }
 

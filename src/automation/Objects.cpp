@@ -1,0 +1,69 @@
+#include "automation/Objects.h"
+
+#include <new>
+#include <vector>
+
+#include "automation/CollectionObject.h"
+
+namespace tavi::automation {
+namespace {
+
+// Asked of an object, tells whether it is one of ours. It is no interface of other programs.
+constexpr GUID kOwnObject = {0x64c671ca, 0x25fa, 0x488b, {0xbf, 0x95, 0x2f, 0x7a, 0x3c, 0x28, 0xbf, 0x4b}};
+
+}  // namespace
+
+void* HandiCalcSettingsObject::Find(REFIID wanted) {
+  return wanted == kOwnObject ? this : AutomationObject::Find(wanted);
+}
+
+std::shared_ptr<HandiCalcSettings> SettingsOf(_HandiCalcSettings* object) {
+  if (object == nullptr) return nullptr;
+  void* own = nullptr;
+  if (SUCCEEDED(object->QueryInterface(kOwnObject, &own))) {
+    const windows::ComPointer<HandiCalcSettingsObject> settings(static_cast<HandiCalcSettingsObject*>(own));
+    return settings->Settings();
+  }
+  auto copy = std::make_shared<HandiCalcSettings>();
+  Copy(*object, *copy);
+  return copy;
+}
+
+void Return(SAFEARRAY** result, const MatchList& list) {
+  SAFEARRAY* array = ::SafeArrayCreateVector(VT_I4, list.LowerBound, static_cast<ULONG>(list.Numbers.size()));
+  if (array == nullptr) throw std::bad_alloc();
+  LONG index = list.LowerBound;
+  for (std::int32_t number : list.Numbers) {
+    ::SafeArrayPutElement(array, &index, &number);
+    ++index;
+  }
+  *result = array;
+}
+
+void Return(_Collection** result, const std::vector<std::string>& texts) {
+  std::vector<CollectionItem> items;
+  for (const std::string& text : texts) items.push_back({Variant(text), text});
+  *result = MakeCollection(std::move(items)).Detach();
+}
+
+void Return(_Collection** result, const std::vector<EBUMembershipDetails>& rows) {
+  std::vector<CollectionItem> items;
+  for (const EBUMembershipDetails& row : rows) {
+    items.push_back({Variant(new EBUMembershipDetailsObject(row)), {}});
+  }
+  *result = MakeCollection(std::move(items)).Detach();
+}
+
+void Return(_HandiCalcSettings** result, const HandiCalcSettings& settings) {
+  *result = new HandiCalcSettingsObject(std::make_shared<HandiCalcSettings>(settings));
+}
+
+void Return(_Handicaps** result, const Handicaps& handicaps) {
+  *result = new HandicapsObject(handicaps);
+}
+
+void Return(_EBUMembershipDetails** result, const EBUMembershipDetails& details) {
+  *result = new EBUMembershipDetailsObject(details);
+}
+
+}  // namespace tavi::automation
