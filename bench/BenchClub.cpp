@@ -8,7 +8,7 @@
 
 #include "composition/Composition.h"
 #include "platform/values/Convert.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 #include "store/cDatabase.h"
 
 namespace tavi::bench {

@@ -1,12 +1,11 @@
 #include "competitions/MasterPoints.h"
 
-#include "competitions/CompetitionAttributes.h"
-#include "competitions/Competitors.h"
+#include "competitions/Competition.h"
 #include "members/Members.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
-#include "store/Arguments.h"
 #include "store/OpenUse.h"
+#include "store/Values.h"
 
 namespace tavi {
 namespace {
@@ -53,6 +52,7 @@ void AddMasterPoints(cDatabase& database, const MasterPointAward& award, const C
   use.Close();
 }
 
+// RecordUpdated is 1 from the start: the end of the update deletes what still has 0.
 void InsertMasterPointsRow(cDatabase& database, const MasterPointAward& award, std::int32_t MemberID,
                            const std::string& Name) {
   database.Execute(

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "competitions/Competitors.h"
+#include "competitions/Competition.h"
 #include "store/cDatabase.h"
 
 /// The awards of competitions. Rows are only ever inserted and deleted. Errors of the store pass on.

@@ -1,15 +1,14 @@
 #include "competitions/ResultUpdate.h"
 
-#include "competitions/CompetitionAttributes.h"
-#include "competitions/Competitors.h"
+#include "competitions/Competition.h"
 #include "competitions/MasterPoints.h"
 #include "handicaps/HandicapCalculation.h"
 #include "members/Members.h"
 #include "members/Partnerships.h"
 #include "platform/values/Convert.h"
-#include "store/Arguments.h"
 #include "store/OpenUse.h"
 #include "store/Transaction.h"
+#include "store/Values.h"
 
 namespace tavi {
 namespace {
@@ -38,6 +37,8 @@ std::int32_t AddCompetition(ado::Recordset& rows, const CompetitionRegistration&
 }
 
 /// The identifier of the current row, whose results are deleted and whose awards are marked as not yet stored again.
+// Results are deleted at once, for they all come again; awards are only marked, because a correction may pass some of
+// them, and what is not passed is deleted at the end.
 std::int32_t PrepareForReplacement(cDatabase& database, const ado::Recordset& row) {
   const std::int32_t identifier = ToInt32(row.Get("ID"));
   database.Execute("Delete from Results where Competition = " + std::to_string(identifier));
@@ -69,6 +70,7 @@ void RequireNumbers(const CompetitorResult& result) {
   RequireNumber(result.AppliedHandicap, "the applied handicap");
 }
 
+// With two blanks before two of the columns: the statement is known word for word.
 void InsertResult(cDatabase& database, const CompetitorResult& result) {
   database.Execute("Insert into Results (Competition, Player, Partner,  ActualPercentage,  NetPercentage) Values (" +
                    std::to_string(result.CompetitionID) + ", " + std::to_string(result.Players.Player1ID) + ", " +
@@ -141,6 +143,7 @@ void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorRes
       players.P2Name.clear();
     }
     const bool isRegularPair = !isIndividual && HasPartnershipRecord(database, players);
+    // Two visitors have no handicaps to be kept, and no number by which their result could be found again.
     if (players.Player1ID != kNoMember || players.Player2ID != kNoMember) {
       InsertResult(database, noted);
       if (currentCompetitionInHandicaps_) RefreshHandicaps(database, noted, isIndividual, isRegularPair);
@@ -152,6 +155,7 @@ void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorRes
   });
 }
 
+// The handicap that was applied is stored first, so that it stands where the calculation is switched off.
 void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult& result, bool isIndividual,
                                     bool isRegularPair) {
   const Competitors& players = result.Players;

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "competitions/Competitors.h"
+#include "competitions/Competition.h"
 #include "handicaps/HeldSettings.h"
 #include "platform/values/Date.h"
 #include "store/cDatabase.h"
@@ -22,7 +22,7 @@ struct CompetitionRegistration {
   std::int16_t MasterPointsLevel = 0;
   std::int16_t NumberOfTables = 0;
   std::int16_t NumberOfWinners = 0;
-  std::string Gov = "EBU";
+  std::string Gov = kUsualGoverningBody;
   bool IncludeInHandicaps = false;
   std::int16_t NumberOfTeams = 0;  ///< above 0: a teams event
 };

@@ -6,7 +6,7 @@
 #include "composition/SystemParts.h"
 #include "platform/portable/Clocks.h"
 #include "util/Diagnostics.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi {
 namespace {

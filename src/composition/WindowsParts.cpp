@@ -1,5 +1,5 @@
-#include "composition/NameKeyAdapter.h"
 #include "composition/SystemParts.h"
+#include "names/NameKeys.h"
 #include "platform/windows/OutsideNameKeys.h"
 #include "platform/windows/SystemFolders.h"
 #include "platform/windows/SystemMessageBoxes.h"
@@ -14,7 +14,7 @@ void SetSystemParts(Platform& platform) {
   if (OutsideNameKeys::IsRegistered()) {
     platform.nameKeyService = std::make_shared<OutsideNameKeys>();
   } else {
-    platform.nameKeyService = std::make_shared<NameKeyAdapter>();
+    platform.nameKeyService = std::make_shared<OwnNameKeys>();
   }
   platform.registry = std::make_shared<SystemRegistry>();
   platform.settingsDocuments = std::make_shared<SystemXmlDocuments>();

@@ -16,6 +16,7 @@
 #include "members/Walk.h"
 #include "names/NameSearch.h"
 #include "util/Paths.h"
+#include "util/SettingsStore.h"
 
 namespace tavi {
 
@@ -269,7 +270,7 @@ std::int32_t MembershipDatabase::SetCompetition(const std::string& CompName, Dat
                                                 std::int16_t NumberOfWinners, std::int16_t MasterPointsColour,
                                                 bool IncludeInHandicaps, std::int16_t NumberOfTeams) {
   return SetCompetitionEx(CompName, CompDate, Individual, ScoringMethod, ButlerType, false, false, MasterPoints,
-                          NumberOfTables, NumberOfWinners, "EBU", MasterPointsColour, IncludeInHandicaps,
+                          NumberOfTables, NumberOfWinners, kUsualGoverningBody, MasterPointsColour, IncludeInHandicaps,
                           NumberOfTeams);
 }
 

@@ -36,6 +36,7 @@ std::string DocumentsFolder(const ShellFolders& shell) {
   return folder;
 }
 
+// A store has a connection, which one thread uses: so there is one store for each.
 std::shared_ptr<cDatabase>& Slot() {
   thread_local std::shared_ptr<cDatabase> slot;
   return slot;
@@ -47,6 +48,7 @@ std::unique_ptr<cDatabase> MakeStore(std::shared_ptr<const Platform> platform) {
   return std::make_unique<cDatabase>(std::move(platform), NameSteps());
 }
 
+// Each step may fail alone: a machine without a documents folder can still have the setting, and the other way round.
 void FindDatabaseFolder(cDatabase& store) {
   const Platform& platform = store.GetPlatform();
   const std::string documents = DocumentsFolder(*platform.shellFolders);

@@ -9,7 +9,7 @@
 #include "platform/values/Calendar.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
-#include "store/ReadField.h"
+#include "store/Values.h"
 
 namespace tavi {
 namespace {
@@ -17,6 +17,7 @@ namespace {
 constexpr std::int32_t kSeedIdentifier = 0;
 constexpr std::int32_t kNotNoMember = 0;
 constexpr int kDecimals = 2;
+constexpr double kWeightingRange = kJointResultsAlone - kPlayersAlone;
 constexpr const char* kCountingCompetitions = "IncludeInHandicapCalculations <> 0 And ScoringMethod = 0";
 
 /// The same time of day some weeks earlier. The days of a date count backwards from day 0, its time of day never does.
@@ -47,7 +48,7 @@ std::optional<cHandiCalcResultData> SeedOf(const ado::Recordset& row, const cPai
 double Rounded(double handicap) {
   if (!std::isfinite(handicap)) {
     throw Error(
-        ErrorNumber::Overflow, "cDatabase",
+        ErrorNumber::Overflow, kStoreSource,
         "Overflow: a handicap is too large for a number; look for enormous percentages among the results and for "
         "an enormous factor in the handicap settings.");
   }
@@ -123,8 +124,10 @@ HandicapCalculation::HandicapCalculation(cDatabase& database, const HandiCalcSet
   BuildClauses();
 }
 
+// The clauses stand in every query of the calculation; they are built once, before the store is opened.
 void HandicapCalculation::BuildClauses() {
   dateClause_ = DateClause();
+  // Seeds count like results, so the same days hold for them.
   seedDateClause_ = ReplaceAll(dateClause_, "CompetitionDate", "HandicalcSeedDate");
   if (settings_.MaxResults() != 0) topClause_ = " Top " + std::to_string(settings_.MaxResults()) + " ";
   exclusionClause_ = ExclusionClause();
@@ -137,6 +140,8 @@ std::string HandicapCalculation::DateClause() const {
   return " And CompetitionDate >= " + cDatabase::SQLDate(WeeksBefore(end, settings_.MaxWeeks())) + upTo;
 }
 
+// The competition that is about to be scored may have been scored before; its own results must not move its handicaps.
+// An individual and a pairs event of one name and day are two competitions.
 std::string HandicapCalculation::ExclusionClause() const {
   if (IsMarker()) return {};
   return " And (CompetitionDate <> " + cDatabase::SQLDate(request_.CompetitionDate) + " Or CompetitionName <> " +
@@ -144,6 +149,7 @@ std::string HandicapCalculation::ExclusionClause() const {
          (request_.Individual ? " Or Individual = 0)" : " Or Individual <> 0)");
 }
 
+// A pair's seed stands in for the seeds of both players, so theirs are not read then.
 void HandicapCalculation::ReadPairSeed() {
   if (!pair_.BothMembers()) return;
   const auto row =
@@ -209,6 +215,7 @@ HandicapResultList HandicapCalculation::SharedEntries() const {
   return joint;
 }
 
+// With a limit the players' lists may have lost joint results to more recent other ones, so they are asked for anew.
 HandicapResultList HandicapCalculation::JointResults() {
   HandicapResultList joint = settings_.MaxResults() != 0 ? ReadJointResults() : SharedEntries();
   const bool isFull = settings_.MaxResults() != 0 && static_cast<std::int64_t>(joint.Count()) >= settings_.MaxResults();
@@ -219,9 +226,10 @@ HandicapResultList HandicapCalculation::JointResults() {
 double HandicapCalculation::Blend(double joint, double gross) {
   list1_.Remove(cHandiCalcResultData::kPairSeedKey);
   list2_.Remove(cHandiCalcResultData::kPairSeedKey);
+  // Where the pair's seed is all that there is, nothing is left to weigh it against.
   const bool hasOtherEntries = !list1_.IsEmpty() || !list2_.IsEmpty();
   if (settings_.SamePartnerWeighting() == kJointResultsAlone || !hasOtherEntries) return joint;
-  const double weight = (settings_.SamePartnerWeighting() - kPlayersAlone) / 50.0;
+  const double weight = (settings_.SamePartnerWeighting() - kPlayersAlone) / kWeightingRange;
   return weight * (joint - gross) + gross;
 }
 
@@ -240,6 +248,7 @@ double HandicapCalculation::AdjustedForRegularPair(double handicap) {
   return isRegular ? settings_.AdjustRegularPair(handicap) : handicap;
 }
 
+// The players come before the pair: the partnership is made of their averages before they are rounded.
 Handicaps HandicapCalculation::Run() {
   ReadPairSeed();
   ReadPlayer(request_.PlayerID, list1_);

@@ -6,9 +6,9 @@
 #include <string>
 
 #include "handicaps/HandiCalcSettings.h"
-#include "handicaps/HandicapResultList.h"
 #include "handicaps/Handicaps.h"
 #include "handicaps/HeldSettings.h"
+#include "handicaps/cHandiCalcResultData.h"
 #include "names/MemberValues.h"
 #include "platform/values/Date.h"
 #include "store/cDatabase.h"

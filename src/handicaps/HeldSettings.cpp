@@ -31,6 +31,7 @@ std::string InsertStatement(const HandiCalcSettings& settings) {
 
 }  // namespace
 
+// Held only when all of the row was read: half of a club's settings would be worse than none.
 void HeldSettings::LoadHandicalcSettings(cDatabase& database) {
   if (held_) return;
   auto settings = std::make_shared<HandiCalcSettings>();
@@ -74,6 +75,7 @@ bool HeldSettings::HandiCalcDisabled(cDatabase& database) {
   return held_->Disabled();
 }
 
+// Held before it is stored: a file that refuses the change does not keep this object calculating.
 void HeldSettings::SetHandiCalcDisabled(cDatabase& database, bool disabled) {
   Require().SetDisabled(disabled);
   WhileOpen(database, [&] {

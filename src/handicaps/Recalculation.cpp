@@ -6,7 +6,7 @@
 #include "names/MemberValues.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
-#include "store/ReadField.h"
+#include "store/Values.h"
 
 namespace tavi {
 namespace {
@@ -38,6 +38,7 @@ HandicapRequest RequestFor(std::int32_t player, std::int32_t partner, bool indiv
   return request;
 }
 
+// Partnerships first: their calculation yields the players' handicaps too, which saves most of the members' ones.
 RememberedHandicaps RecalculatePartnerships(cDatabase& database, HeldSettings& held) {
   RememberedHandicaps remembered;
   const auto rows = database.OpenRecordset("Select * from Partnerships Where Active <> 0", ado::CursorType::Dynamic);

@@ -27,7 +27,7 @@
 #include "host/tools/WorkFolder.h"
 #include "platform/portable/ConsoleMessageBoxes.h"
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {

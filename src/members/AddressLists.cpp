@@ -35,6 +35,7 @@ std::vector<std::string> AllEmailAddresses(cDatabase& store) {
   const auto rows = store.OpenRecordset("Select email from Members where Active <> 0");
   for (; !rows->AtEnd(); rows->MoveNext()) {
     std::string address = cDatabase::GetTextField(*rows, "email", true);
+    // The key makes a second member of an address an error, as callers know it.
     if (!address.empty()) addresses.Append(UpperCase(address), address);
   }
   rows->Close();
@@ -51,6 +52,7 @@ std::vector<EBUMembershipDetails> SearchEBUList(cDatabase& store, const std::str
   std::string statement = "Select * from EBUMembershipList where LastName = " + cDatabase::SQLString(Surname);
   if (!GivenName.empty()) statement += " and FirstName = " + cDatabase::SQLString(GivenName);
   const auto rows = store.OpenRecordset(statement);
+  // What was found before a row that cannot be read is of use all the same.
   try {
     for (; !rows->AtEnd(); rows->MoveNext()) AddDetails(*rows, found);
   } catch (const Error&) {

@@ -3,16 +3,14 @@
 #include <algorithm>
 #include <limits>
 
-#include "names/MemberRow.h"
 #include "names/MemberValues.h"
+#include "names/NameSearch.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/OpenUse.h"
 
 namespace tavi {
 namespace {
-
-constexpr std::int32_t kFirstNameSuffices = 4;
 
 std::string WhereNumberIs(std::int32_t memberNumber) {
   return "Where " + NumberIs(memberNumber);
@@ -24,7 +22,7 @@ std::string WhereActiveNumberIs(std::int32_t memberNumber) {
 
 /// The uniqueness flag of the row; a damaged value counts as the nearest one of its type.
 std::int16_t UniquenessFlagOf(const ado::Recordset& row) {
-  const std::int32_t flag = cDatabase::GetNumericField(row, "UniquenessFlag", kFirstNameSuffices);
+  const std::int32_t flag = cDatabase::GetNumericField(row, "UniquenessFlag", uniqueness::kFirstName);
   return static_cast<std::int16_t>(std::clamp<std::int32_t>(flag, std::numeric_limits<std::int16_t>::min(),
                                                             std::numeric_limits<std::int16_t>::max()));
 }
@@ -123,6 +121,7 @@ bool IsValidMemberID(cDatabase& database, std::int32_t MemberID) {
   });
 }
 
+// Results and awards refer to the number, so the record stays and only its Active is cleared.
 void DeleteMember(cDatabase& database, std::int32_t MembershipNumber) {
   database.Execute("Update Members set Active = 0 " + WhereNumberIs(MembershipNumber));
 }
@@ -143,6 +142,7 @@ void StoreHandicap(cDatabase& database, std::int32_t memberNumber, double handic
   UpdateMembersHandicap(database, handicap, WhereNumberIs(memberNumber));
 }
 
+// In one statement, which changes nobody twice where both numbers are one and nobody for the number of no member.
 void StoreHandicapOfBoth(cDatabase& database, std::int32_t first, std::int32_t second, double handicap) {
   UpdateMembersHandicap(database, handicap, WhereNumberIs(first) + " Or " + NumberIs(second));
 }

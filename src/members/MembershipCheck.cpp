@@ -6,7 +6,7 @@
 #include "names/cPlayerDetails.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"
-#include "store/ReadField.h"
+#include "store/Values.h"
 
 namespace tavi {
 namespace {
@@ -21,6 +21,8 @@ auto PolicyField(const ado::Recordset& row, std::string_view column, const Read&
 }
 
 /// The fixed day of this year, or of the next when it is not after today.
+// By the written day and month and not by adding years to the stored date: 29 February has to be refused in other
+// years, not moved.
 Date NextFixedDay(Date fixedDay, Date today) {
   const std::string text = fixedDay.DayMonthYear();
   const std::string dayAndMonth = text.substr(0, text.rfind(' ') + 1);

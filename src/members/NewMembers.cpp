@@ -7,14 +7,15 @@
 #include "names/NameSearch.h"
 #include "names/NameText.h"
 #include "names/NameUniqueness.h"
-#include "store/Arguments.h"
 #include "store/Transaction.h"
+#include "store/Values.h"
 
 namespace tavi {
 namespace {
 
 constexpr double kLowestHandicap = 1.0;
 
+// The keys are made first: an error of the key service must come before anything is stored.
 std::string InsertStatement(std::int32_t number, const MemberDetails& details, const NameKeyService& nameKeyService) {
   std::string fuzzedFirstName;
   std::string fuzzedLastName;
@@ -56,7 +57,7 @@ std::string InsertStatement(std::int32_t number, const MemberDetails& details, c
 
 /// The message runs "a" and the next word together; programs know it that way.
 Error NameIsTaken(const MemberDetails& details, bool retired) {
-  return Error(ErrorNumber::Component, "cDatabase",
+  return Error(ErrorNumber::Component, kStoreSource,
                std::string("There is already a") + (retired ? "retired " : "") + "member called " +
                    JoinNameParts(details.FirstName, details.Initials, details.LastName));
 }
@@ -70,7 +71,7 @@ std::int32_t NextAvailableMemberNo(cDatabase& database) {
     if (row->AtEnd()) return 1;
     const std::int32_t highest = cDatabase::GetNumericField(*row, "MembershipNumber");
     if (highest == std::numeric_limits<std::int32_t>::max()) {
-      throw Error(ErrorNumber::Overflow, "cDatabase",
+      throw Error(ErrorNumber::Overflow, kStoreSource,
                   "Overflow: there is no membership number behind " + std::to_string(highest) +
                       "; give the member who has it another one.");
     }
@@ -85,6 +86,7 @@ std::int32_t AddMember(cDatabase& database, const MemberDetails& details) {
     database.Execute(InsertStatement(number, details, *database.GetPlatform().nameKeyService));
     // The insert has no column for it, as programs know the statement.
     StoreHandicap(database, number, details.Handicap);
+    // Only members of one first name can be taken for each other.
     SetNameUniquenessFlags(database, details.FirstName);
     return number;
   });

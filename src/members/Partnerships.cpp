@@ -9,8 +9,6 @@
 namespace tavi {
 namespace {
 
-constexpr const char* kSource = "cDatabase";
-
 std::string InsertStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
   return "Insert into Partnerships (LowerPlayer, HigherPlayer, HigherFirst, Handicap, KnownAs) Values (" +
          std::to_string(std::min(P1, P2)) + ", " + std::to_string(std::max(P1, P2)) + ", " + (P1 > P2 ? "1" : "0") +
@@ -39,6 +37,7 @@ std::shared_ptr<cPlayerDetails> PlayerOf(cDatabase& database, const NamedPlayer&
 
 }  // namespace
 
+// Ascending, so that a pair has one row however it was entered; HigherFirst remembers the order.
 std::string PairWhereClause(std::int32_t P1, std::int32_t P2) {
   return "LowerPlayer = " + std::to_string(std::min(P1, P2)) +
          " And HigherPlayer = " + std::to_string(std::max(P1, P2));
@@ -59,9 +58,11 @@ bool IsRegularPartnership(cDatabase& database, std::int32_t P1, std::int32_t P2,
 void MakeRegularPartnership(cDatabase& database, std::int32_t P1, std::int32_t P2, double Handicap,
                             bool ErrorIfAlreadyExists, const std::string& KnownAs) {
   WhileOpen(database, [&] {
+    // Halved before they are added: the sum of two enormous handicaps would be no number.
     const double handicap =
         Handicap < 0.0 ? GetHandicap(database, P1) / 2.0 + GetHandicap(database, P2) / 2.0 : Handicap;
-    if (P1 == P2) throw Error(ErrorNumber::Component, kSource, "You cannot partner a player with themself.");
+    // Behind the handicaps, whose errors come first.
+    if (P1 == P2) throw Error(ErrorNumber::Component, kStoreSource, "You cannot partner a player with themself.");
 
     std::string storedName;
     double storedHandicap = 0.0;
@@ -71,7 +72,7 @@ void MakeRegularPartnership(cDatabase& database, std::int32_t P1, std::int32_t P
     } else if (inactive) {
       database.Execute(ReactivateStatement(P1, P2, handicap, KnownAs));
     } else if (ErrorIfAlreadyExists) {
-      throw Error(ErrorNumber::Component, kSource, "Partnership already exists");
+      throw Error(ErrorNumber::Component, kStoreSource, "Partnership already exists");
     }
   });
 }

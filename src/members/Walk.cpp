@@ -4,8 +4,8 @@
 
 #include "members/Members.h"
 #include "members/Partnerships.h"
-#include "names/MemberRow.h"
 #include "names/MemberValues.h"
+#include "names/NameSearch.h"
 #include "names/cPartnership.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
@@ -13,8 +13,6 @@
 
 namespace tavi {
 namespace {
-
-constexpr double kSurnameFirstFormat = 10.0;
 
 /// The active member of a number; a new player numbered -1 when there is none.
 std::shared_ptr<cPlayerDetails> GetActiveMemberDetails(cDatabase& store, std::int32_t memberNumber) {
@@ -41,6 +39,7 @@ std::string ActiveRows(const std::string& select) {
 
 }  // namespace
 
+// The list keeps the numbers in order and each once; it counts in 16 bits, so what it cannot hold is kept beside it.
 void RetiredPlayers::Add(std::int32_t memberNumber) {
   using Limits = std::numeric_limits<std::int16_t>;
   const bool isListed = memberNumber >= Limits::min() && memberNumber <= Limits::max();
@@ -86,6 +85,7 @@ bool Walk::GetFirstPartnership(cDatabase& store, bool includeInactive, WalkedPar
   return GetNextPartnership(store, partnership, NameFormat);
 }
 
+// The end of the rows ends the walk, so that a host that walks to the end need not close anything.
 bool Walk::HasRow(cDatabase& store) {
   if (!cursor_) return false;
   if (!cursor_->AtEnd()) return true;
@@ -111,7 +111,7 @@ bool Walk::GetNextEBURecord(cDatabase& store, std::string& EBUNumber, std::strin
   const std::string firstName = ToText(cursor_->Get("FirstName"));
   const std::string lastName = ToText(cursor_->Get("LastName"));
   EBUNumber = ToText(cursor_->Get("EBUNumber"));
-  const bool surnameFirst = ToDouble(NameFormat) == kSurnameFirstFormat;
+  const bool surnameFirst = ToDouble(NameFormat) == name_format::kSurnameFirst;
   Name = surnameFirst ? lastName + ", " + firstName : firstName + " " + lastName;
   cursor_->MoveNext();
   return true;
@@ -157,6 +157,7 @@ void Walk::EndGet(cDatabase& store) {
   // Even where closing fails: the cursor of a closed file is of no use.
   const std::unique_ptr<ado::Recordset> ended = std::move(cursor_);
   store.CloseDB(true);
+  // After the file is closed: the statements open it again, as the last use of it.
   // The same numbers are other people in another club's file.
   const bool isTheirFile = EqualIgnoringCase(retiredPlayersFile_, store.DatabaseFilePath());
   if (retiredPlayers_ && isTheirFile) retiredPlayers_->RetireFromPartnerships(store);

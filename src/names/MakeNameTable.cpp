@@ -18,7 +18,6 @@
 
 #include "names/NameLetters.h"
 #include "names/NameSounds.h"
-#include "names/SurnamePrefix.h"
 
 namespace tavi {
 namespace {

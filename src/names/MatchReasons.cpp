@@ -53,4 +53,13 @@ std::string MatchReason(const cPlayerDetails& typed, const cPlayerDetails& membe
   return reason.empty() ? "same name" : reason;
 }
 
+NameMatch CompareNames(const std::shared_ptr<const NameKeyService>& keys, const std::string& typed,
+                       const MemberName& member) {
+  cPlayerDetails own(keys);
+  own.SetName(typed);
+  cPlayerDetails other(keys);
+  other.SetNameComponents(member.first, member.initials, member.last);
+  return {own.MatchWeight(other), MatchReason(own, other)};
+}
+
 }  // namespace tavi

@@ -7,7 +7,6 @@
 #include "names/NameSounds.h"
 #include "names/NameTables.h"
 #include "names/SoundDistance.h"
-#include "names/SurnamePrefix.h"
 #include "platform/values/Text.h"
 
 namespace tavi {
@@ -77,6 +76,7 @@ std::string KeyOfOthers(std::string_view name, const NameLetters& letters) {
   return letters.others.empty() ? KeyOfRemains(name) : CharacterKey(letters.others);
 }
 
+// Made at the first use: not every program asks for keys.
 const NameDictionary& FirstNameDictionary() {
   static const NameDictionary dictionary(FirstNameTable());
   return dictionary;

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Platform.h"
+
 namespace tavi {
 
 /// Keys of names: writings that are usually one name ("Stephen" and "Steven", "MacLeod" and "McCloud", "Smiht" and
@@ -21,5 +23,13 @@ std::string FirstNameKey(std::string_view name);
 /// True when a first name is listed as a short or pet form of another one, or of what that is another form of: "Bill"
 /// of "William", "Kate" of "Katherine", but neither "Catherine" of "Katherine" nor "Jacky" of "Jackie".
 bool IsShortFormOf(std::string_view shortName, std::string_view fullName);
+
+/// The same as the platform's name-key service.
+class OwnNameKeys : public NameKeyService {
+ public:
+  [[nodiscard]] std::string Key(NameKeyMode mode, std::string_view name) const override {
+    return mode == NameKeyMode::Surname ? SurnameKey(name) : FirstNameKey(name);
+  }
+};
 
 }  // namespace tavi

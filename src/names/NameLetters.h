@@ -22,4 +22,8 @@ NameLetters LettersOf(std::string_view name);
 /// The Latin letters of LettersOf.
 std::string PlainLetters(std::string_view name);
 
+/// Writes the beginning of a surname in one way: Mac, Mc and M' as Mc, a K sound after them once, Saint as St.
+/// Takes and gives plain capital letters.
+std::string WithPlainPrefix(std::string letters);
+
 }  // namespace tavi

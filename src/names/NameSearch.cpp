@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "names/MemberRow.h"
 #include "names/MemberValues.h"
 #include "names/NameMatching.h"
 #include "names/NameText.h"
@@ -14,6 +13,7 @@ namespace {
 constexpr std::int16_t kInitialsFit = 2;
 
 /// The only active member of this first name and surname whose initials fit, or -1.
+// Two who fit make the name nobody's: a result would be stored for the wrong member.
 std::int32_t FindByInitials(cDatabase& database, const PlayerNameParts& name) {
   const auto rows =
       database.OpenRecordset("Select * from Members where FirstName = " + cDatabase::SQLString(name.FirstName) +
@@ -45,6 +45,7 @@ std::int16_t WeightOf(const std::shared_ptr<cPlayerDetails>& candidate) {
 }
 
 /// Keeps the list sorted by weight; among equal weights the earlier row stays first.
+// A few candidates at most share the keys of a name, so a plain search finds the place.
 void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> candidate, std::int16_t weight) {
   const auto place = std::find_if(candidates.begin(), candidates.end(),
                                   [weight](const auto& other) { return WeightOf(other) < weight; });
@@ -53,6 +54,20 @@ void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> cand
 }
 
 }  // namespace
+
+std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
+                                              const std::shared_ptr<const NameKeyService>& nameKeyService) {
+  if (row.AtEnd()) throw Error(ErrorNumber::Component, "TaviMembership", "End of Record Set");
+  auto player = std::make_shared<cPlayerDetails>(nameKeyService);
+  player->MembershipNumber = cDatabase::GetNumericField(row, "MembershipNumber", kNoMember);
+  player->SetNameComponents(cDatabase::GetTextField(row, "FirstName"), cDatabase::GetTextField(row, "MiddleInitials"),
+                            cDatabase::GetTextField(row, "LastName"));
+  player->KnownAs = cDatabase::GetTextField(row, "KnownAs");
+  player->Handicap = cDatabase::GetNonIntegerField(row, "Handicap", kNeutralHandicap);
+  player->EBUNumber = cDatabase::GetTextField(row, "EBUNumber");
+  player->UniquenessFlag = uniqueness::kSurname;
+  return player;
+}
 
 std::int32_t GetMembershipID(cDatabase& database, const std::string& FirstName, const std::string& Initials,
                              const std::string& LastName, bool& Retired) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "names/MemberValues.h"
 #include "names/StoredNameKeys.h"
 #include "platform/values/Text.h"
 #include "store/OpenUse.h"
@@ -9,25 +10,21 @@
 namespace tavi {
 namespace {
 
-/// How much of a name is needed to tell it from another one (the values of the column UniquenessFlag).
-constexpr std::int32_t kAllOfIt = 1;
-constexpr std::int32_t kSurname = 2;
-constexpr std::int32_t kSurnameLetter = 3;
-constexpr std::int32_t kFirstName = 4;
 constexpr std::int32_t kNotStored = 0;
 
 struct ActiveMember {
   std::string firstName;
   std::string surname;
   std::int32_t storedFlag = kNotStored;
-  std::int32_t flag = kFirstName;
+  std::int32_t flag = uniqueness::kFirstName;
 };
 
+// From the coarsest difference to the finest, as a name grows when more of it is shown.
 std::int32_t LevelBetween(const ActiveMember& left, const ActiveMember& right) {
-  if (!EqualIgnoringCase(left.firstName, right.firstName)) return kFirstName;
+  if (!EqualIgnoringCase(left.firstName, right.firstName)) return uniqueness::kFirstName;
   if (UpperCase(FirstCharacters(left.surname, 1)) != UpperCase(FirstCharacters(right.surname, 1)))
-    return kSurnameLetter;
-  return EqualIgnoringCase(left.surname, right.surname) ? kAllOfIt : kSurname;
+    return uniqueness::kSurnameLetter;
+  return EqualIgnoringCase(left.surname, right.surname) ? uniqueness::kAllOfName : uniqueness::kSurname;
 }
 
 /// Reads all rows and gives each the smaller level of its two neighbours.

@@ -64,6 +64,8 @@ StoredNames WithFreshKeys(StoredNames names, const NameKeyService& keys) {
   return names;
 }
 
+// Row by row over a cursor, so that a row that refuses its keys costs only itself. Some failures one after the other
+// mean the file and not the rows, and it is not worth asking for the rest.
 NameKeyRefresh RefreshNameKeys(cDatabase& database) {
   const NameKeyService& keys = *database.GetPlatform().nameKeyService;
   NameKeyRefresh result;
@@ -74,7 +76,7 @@ NameKeyRefresh RefreshNameKeys(cDatabase& database) {
     const RowOutcome outcome = RefreshRow(*rows, keys, result);
     failuresInARow = outcome == RowOutcome::FileRefused ? failuresInARow + 1 : 0;
     if (failuresInARow == kMostFailuresInARow) {
-      throw Error(ErrorNumber::ProviderFailure, "cDatabase", "nothing can be stored: " + result.firstPassedOver);
+      throw Error(ErrorNumber::ProviderFailure, kStoreSource, "nothing can be stored: " + result.firstPassedOver);
     }
   }
   return result;

@@ -1,6 +1,5 @@
 #include "names/cPartnership.h"
 
-#include "names/NameFormats.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
 

@@ -1,6 +1,5 @@
 #include "names/cPlayerDetails.h"
 
-#include "names/NameFormats.h"
 #include "names/NameMatching.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
@@ -8,17 +7,13 @@
 namespace tavi {
 namespace {
 
-/// The values of UniquenessFlag that ask for more of the name.
-constexpr std::int16_t kNeedsSurname = 2;
-constexpr std::int16_t kNeedsSurnameLetter = 3;
-
 /// The format that shows enough of the name to tell the player apart.
 std::int16_t Adjusted(std::int16_t format, std::int16_t flag) {
-  if (format == name_format::kFirstAndLastIfUnique) return flag < kNeedsSurname ? name_format::kInFull : format;
+  if (format == name_format::kFirstAndLastIfUnique) return flag < uniqueness::kSurname ? name_format::kInFull : format;
   if (format != name_format::kFirstAndLetter && format != name_format::kFamiliar) return format;
-  if (flag == 0 || flag == 1) return name_format::kInFull;
-  if (flag == kNeedsSurname) return name_format::kFirstAndLast;
-  return flag == kNeedsSurnameLetter ? name_format::kFirstAndLetter : format;
+  if (flag == 0 || flag == uniqueness::kAllOfName) return name_format::kInFull;
+  if (flag == uniqueness::kSurname) return name_format::kFirstAndLast;
+  return flag == uniqueness::kSurnameLetter ? name_format::kFirstAndLetter : format;
 }
 
 std::string Text(const PlayerNameParts& name, std::int16_t format) {
@@ -71,6 +66,7 @@ void cPlayerDetails::Clear() {
   *this = cPlayerDetails(nameKeyService_);
 }
 
+// The weight belongs to the search that gave it.
 std::shared_ptr<cPlayerDetails> cPlayerDetails::Clone() const {
   auto copy = std::make_shared<cPlayerDetails>(*this);
   copy->CandidateWeight = Null();
@@ -117,6 +113,8 @@ std::string cPlayerDetails::Name(std::int16_t NameFormat) const {
   return format == name_format::kSurnameFirst ? WithoutStrayComma(text) : text;
 }
 
+// One part that contradicts ends it, however well the others agree. Two records of which nothing could be compared do
+// not match either.
 std::int16_t cPlayerDetails::MatchWeight(const cPlayerDetails& other) const {
   const bool bothNameless = IsNameless(parts_) && IsNameless(other.parts_);
   const std::int16_t surname =

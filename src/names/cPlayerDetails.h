@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "names/MemberValues.h"
-#include "names/PlayerNameParts.h"
+#include "names/NameText.h"
 #include "platform/Platform.h"
 #include "platform/values/Value.h"
 
@@ -29,9 +29,8 @@ class cPlayerDetails {
   Value CandidateWeight;
   /// The governing body's number, as text.
   std::string EBUNumber;
-  /// How much of the name tells this player apart: 0, 1 all of it with initials; 2 first name and surname; 3 first name
-  /// and the surname's first letter; 4 the first name (or the familiar name).
-  std::int16_t UniquenessFlag = 4;
+  /// How much of the name tells this player apart (names/MemberValues.h); for the first name the familiar name will do.
+  std::int16_t UniquenessFlag = uniqueness::kFirstName;
 
   /// Back to an empty record: no number, handicap 50, uniqueness flag 4.
   void Clear();

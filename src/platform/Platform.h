@@ -86,7 +86,7 @@ class SettingsDocument {
 class SettingsDocuments {
  public:
   virtual ~SettingsDocuments() = default;
-  /// Loads a file (a path with backslashes, see util/NativePath.h). Raises an error when it cannot be read or is no
+  /// Loads a file (a path with backslashes, see util/Paths.h). Raises an error when it cannot be read or is no
   /// XML.
   [[nodiscard]] virtual std::unique_ptr<SettingsDocument> Load(const std::string& path) const = 0;
 };

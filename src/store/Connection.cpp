@@ -3,10 +3,9 @@
 #include <limits>
 
 #include "platform/values/Text.h"
-#include "store/Arguments.h"
-#include "store/ConnectionText.h"
 #include "store/LayoutCheck.h"
 #include "store/OpenUse.h"
+#include "store/Values.h"
 #include "store/cDatabase.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
@@ -14,7 +13,6 @@
 namespace tavi {
 namespace {
 
-constexpr const char* kSource = "cDatabase";
 constexpr const char* kFileName = "ClubMembers.mdb";
 /// No system has longer paths.
 constexpr std::size_t kLongestFolder = 32'767;
@@ -29,7 +27,24 @@ void CloseQuietly(cDatabase& database, bool forceClose) noexcept {
   }
 }
 
+/// A path as an item of the connection string: one that would end the item, or lose blanks in it, is put between
+/// quotes, with those in it doubled.
+std::string InConnectionText(const std::string& path) {
+  if (path.find('\0') != std::string::npos) {
+    throw Error(ErrorNumber::InvalidArgument, kStoreSource,
+                "The folder's name holds a NUL character; choose another folder.");
+  }
+  const bool isPlain =
+      path.find(';') == std::string::npos && path.find_first_of("\"'") != 0 && Trim(path).size() == path.size();
+  if (isPlain) return path;
+  return "\"" + ReplaceAll(path, "\"", "\"\"") + "\"";
+}
+
 }  // namespace
+
+std::string ConnectionText(const std::string& path) {
+  return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + InConnectionText(path);
+}
 
 cDatabase::cDatabase(std::shared_ptr<const Platform> platform, std::vector<FirstOpenStep> firstOpenSteps)
     : platform_(std::move(platform)), firstOpenSteps_(std::move(firstOpenSteps)) {
@@ -40,6 +55,8 @@ cDatabase::~cDatabase() {
   CloseQuietly(*this, true);
 }
 
+// Written with a backslash on every system: programs take this text apart. Only the lowest routine of files turns it
+// into a path of this system.
 std::string cDatabase::DatabaseFilePath() const {
   return PathJoin(folder_, kFileName);
 }
@@ -47,6 +64,7 @@ std::string cDatabase::DatabaseFilePath() const {
 void cDatabase::SetDatabaseFolder(const std::string& newFolder) {
   if (!EqualIgnoringCase(newFolder, folder_)) {
     NewDatabase();
+    // The pending check will look at the file that is open, as programs know it, and so says nothing of the new one.
     nextFileUnchecked_ = openCount_ > 0;
   }
   folder_ = newFolder;
@@ -65,23 +83,25 @@ void cDatabase::OpenConnection() {
     const std::string path = ReplaceAll(DatabaseFilePath(), std::string_view("\0", 1), " ");
     const std::string message = "Failed to open membership database " + path + ":\r\n\r\n" + std::string(error.what());
     WriteDiagnostic(message);
-    throw Error(ErrorNumber::Component, kSource, message);
+    throw Error(ErrorNumber::Component, kStoreSource, message);
   }
 }
 
 void cDatabase::OpenDB() {
   if (folder_.size() > kLongestFolder) RequireLength(folder_, kLongestFolder, "the database folder");
   if (folder_.empty()) {
-    throw Error(ErrorNumber::Component, kSource, "Attempt to use database before path set.");
+    throw Error(ErrorNumber::Component, kStoreSource, "Attempt to use database before path set.");
   }
   if (openCount_ == 0) {
     OpenConnection();
+    // Behind the opening: a file that does not open has used nothing up.
     layoutCheckPending_ = layoutCheckPending_ || nextFileUnchecked_;
     nextFileUnchecked_ = false;
   }
   // A host that never closes what its calculations leave open must not fail in the middle of an evening.
   if (openCount_ < kMostUses) ++openCount_;
   if (!layoutCheckPending_) return;
+  // Before the check, whose own statements open the store again.
   layoutCheckPending_ = false;
   try {
     LayoutCheck(*this, fieldLimitMessageShown_).Run();
@@ -94,8 +114,11 @@ void cDatabase::OpenDB() {
 
 void cDatabase::CloseDB(bool ForceClose) {
   if (openCount_ == 0) return;
+  // Who closes by force, as ending a walk does, must not take the file away from under a transaction; each of them
+  // holds one use of the count and gives it back at its end.
   openCount_ = ForceClose ? transactions_ : std::max(transactions_, static_cast<std::int16_t>(openCount_ - 1));
   if (openCount_ > 0) return;
+  // Closed for this store whatever becomes of the call: a second one could not mend what failed.
   const std::unique_ptr<ado::Connection> closing = std::move(connection_);
   closing->Close();
 }
@@ -121,6 +144,7 @@ void cDatabase::BeginTransaction() {
   ++transactions_;
 }
 
+// Counted down behind the calls that end a transaction: one that could not be ended is open still.
 void cDatabase::CommitTransaction() {
   OpenFile().CommitTrans();
   --transactions_;
@@ -133,7 +157,7 @@ void cDatabase::RollbackTransaction() {
 
 ado::Connection& cDatabase::OpenFile() {
   if (!connection_) {
-    throw Error(ErrorNumber::NoObject, kSource,
+    throw Error(ErrorNumber::NoObject, kStoreSource,
                 "Object variable not set: a record set needs the open membership database; call OpenDB first.");
   }
   return *connection_;

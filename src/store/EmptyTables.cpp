@@ -17,6 +17,7 @@ bool TryToDelete(cDatabase& database, const std::string& fromAndWhere) {
 }
 
 /// Deletes what can be deleted, by the numbers in the table's first column: the key, in those that are referred to.
+// Row by row, so that one row that others refer to does not keep the rest of its table.
 void DeletePiecemeal(cDatabase& database, const std::string& table) {
   std::vector<std::string> numbers;
   const auto rows = database.OpenRecordset("Select * From " + table, ado::CursorType::ForwardOnly);

@@ -5,11 +5,11 @@
 #include <optional>
 
 #include "platform/values/Text.h"
-#include "store/LayoutChange.h"
+#include "store/Layout.h"
 #include "store/LayoutConversions.h"
-#include "store/LayoutTable.h"
 #include "store/OpenUse.h"
 #include "store/Transaction.h"
+#include "store/cDbFieldDef.h"
 #include "util/Diagnostics.h"
 #include "util/SettingsStore.h"
 
@@ -101,12 +101,14 @@ bool LayoutCheck::QueueChanges() {
   bool mainFlag = false;
   CheckColumns(AddedSettingsColumns(), mainFlag);
   CheckColumn(ObsoleteColumn("Settings", "DirectCreditMPs"), mainFlag);
+  // Asked for twice, so the second removal fails and is shown; clubs know the message.
   RequestColumnRemoval("Settings", "DirectCreditMPs");
   CheckColumns(AddedMembersColumns(), mainFlag);
   Attempt("looking up the type of TempMPTotal", [this] { CheckTypeOfTemporaryTotal(); });
   CheckColumns(AddedResultColumns(), mainFlag);
   const bool conversionNeeded = mainFlag;
 
+  // What is found missing from here on has no old data that would have to be converted.
   bool affiliationFlag = false;
   const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
                                       kGoverningBodySetting, kUsualGoverningBody);

@@ -5,10 +5,10 @@
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
-#include "store/ConnectionText.h"
 #include "store/EmptyTables.h"
 #include "store/LayoutConversions.h"
 #include "store/OpenUse.h"
+#include "store/cDatabase.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
 #include "util/SettingsStore.h"
@@ -58,12 +58,15 @@ RecoveryReport Recovery::Run(const std::string& oldFile) {
   return std::move(report_);
 }
 
+// The order matters: the old file is opened before anything of the current one is touched, and the layout is current
+// before the first row is copied.
 void Recovery::Recover(const std::string& oldFile) {
   if (IsSameFile(oldFile, database_.CurrentFilePath())) {
     throw Error(ErrorNumber::Component, "Recovery",
                 "The old file " + oldFile + " is the current one, which is emptied first. Recover into another one.");
   }
   old_ = database_.GetPlatform().databaseProvider->Open(ConnectionText(oldFile));
+  // The opening checks the layout: tables and columns must be there to be filled.
   database_.NewDatabase();
   OpenUse use(database_);
   CopyTables();
@@ -76,6 +79,7 @@ void Recovery::Recover(const std::string& oldFile) {
   old_->Close();
 }
 
+// Competitions come before the tables that refer to them, so that their new numbers are known.
 std::vector<TableTask> Recovery::Tasks() const {
   const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
                                       kGoverningBodySetting, kUsualGoverningBody);

@@ -2,8 +2,8 @@
 
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
-#include "store/Arguments.h"
 #include "store/Transaction.h"
+#include "store/Values.h"
 #include "store/cDatabase.h"
 #include "util/TextHelpers.h"
 
@@ -31,7 +31,7 @@ void Store(ado::Recordset& settings, const char* column, const Value& value) {
 std::int32_t CountOn(ado::Recordset& settings, const char* column) {
   const std::int32_t last = cDatabase::GetNumericField(settings, column);
   if (last == std::numeric_limits<std::int32_t>::max()) {
-    throw Error(ErrorNumber::Overflow, "cDatabase",
+    throw Error(ErrorNumber::Overflow, kStoreSource,
                 "Overflow: " + std::string(column) + " in the table Settings has reached its end; set it back.");
   }
   Store(settings, column, last + 1);
@@ -44,6 +44,7 @@ bool IsWhiteSpace(char character) {
 
 }  // namespace
 
+// As a table and not by a statement: it has one row, and the cursor can change it.
 std::unique_ptr<ado::Recordset> cDatabase::OpenSettingsRow() {
   auto settings = OpenRecordset("Settings", ado::CursorType::Dynamic, true);
   if (!settings->AtEnd()) return settings;
@@ -92,6 +93,7 @@ std::int32_t cDatabase::NextMPUploadNumber() {
   return WhileOpen(*this, [&] { return CountOn(*OpenSettingsRow(), kUploadColumn); });
 }
 
+// "St. Anne's Bridge Club" gives "SABC": of each word the first plain letter, whatever stands before it.
 std::string cDatabase::DefaultMPPrefix(const std::string& DefaultIfNone) {
   std::string prefix;
   bool isWordStart = true;
@@ -142,6 +144,7 @@ void cDatabase::SetLastUploadDate(Date NewDate) {
             [&] { Store(*OpenSettingsRow(), kUploadDateColumn, RequireDate(NewDate, "the date of the last upload")); });
 }
 
+// The history is only added to: the highest identifier is the club of today.
 std::string cDatabase::LatestClubName() {
   return WhileOpen(*this, [&] {
     return GetTextField(*OpenRecordset("Select top 1 ClubName from ClubNames Order by ClubID Desc"), "ClubName");
@@ -149,6 +152,7 @@ std::string cDatabase::LatestClubName() {
 }
 
 void cDatabase::SetLatestClubName(const std::string& name) {
+  // A name whose prefix was not stored would print certificates under the old one.
   InTransaction(*this, [&] {
     Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
     const std::string prefix = DefaultMPPrefix("");

@@ -47,6 +47,8 @@ bool HasField(const ado::Recordset& rows, std::string_view name) {
                      [&](const ado::Field& field) { return EqualIgnoringCase(field.name, name); });
 }
 
+// Told by the text, because damage has the same number as errors of the disk. Only the new file is written, so whatever
+// could not be done but reading is about it.
 bool IsOfTheNewFile(const Error& error) {
   const std::string text = error.Description();
   return text.starts_with("Could not ") && !text.starts_with("Could not read ");
@@ -142,6 +144,7 @@ void TableRecovery::DeleteOldRows() {
   }
 }
 
+// The old table is walked as a table: a statement on it would fail at the first damage.
 void TableRecovery::OpenRows() {
   const std::string& table = specification_.table;
   newRows_ = database_.OpenRecordset(table, ado::CursorType::Dynamic, true);
@@ -211,6 +214,7 @@ std::optional<Value> TableRecovery::ValueFor(const std::string& column) {
     if (value) oldIdentifier_ = NumberOf(*value);
     return std::nullopt;
   }
+  // A file with this column was converted by the version that added it.
   if (value && IsOfCompetitions() && EqualIgnoringCase(column, "Qualifinal")) carried_.conversionNeeded = false;
   if (value && EqualIgnoringCase(column, task_.competitionColumn)) value = NewReference(*value);
   if (value && !IsNull(*value)) return value;
@@ -252,6 +256,7 @@ void TableRecovery::StoreShortened(const std::string& column, const std::string&
   if (firstDamage_.empty()) firstDamage_ = what;
 }
 
+// The number is read back from the saved row: the file gives it out when the row is stored.
 void TableRecovery::EnterIdentifier() {
   if (!oldIdentifier_ || (*oldIdentifier_ < 0 && !carried_.acceptsNegativeIdentifiers)) {
     report_.error = Error(ErrorNumber::Component, "Recover", "ID field not found in old record");
@@ -260,6 +265,7 @@ void TableRecovery::EnterIdentifier() {
   carried_.identifiers.Enter(specification_.table, *oldIdentifier_, ToInt32(newRows_->Get(specification_.identifier)));
 }
 
+// Each reason once: a relationship can refuse thousands of rows with one text.
 void TableRecovery::NoteRefusal(const std::string& why) {
   if (std::find(refusals_.begin(), refusals_.end(), why) == refusals_.end()) refusals_.push_back(why);
 }

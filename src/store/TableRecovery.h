@@ -9,9 +9,8 @@
 #include <string_view>
 #include <vector>
 
-#include "store/IdentifierMap.h"
 #include "store/RecoveryReport.h"
-#include "store/RecoverySpecification.h"
+#include "store/RecoveryTask.h"
 #include "store/cDatabase.h"
 
 namespace tavi {
@@ -25,21 +24,6 @@ inline constexpr const char* kCompetitionsTable = "Competitions";
 /// True for an error that the system has with the new file, such as a full disk: no row that follows would escape it,
 /// and what is not saved is not lost, for the old file has it still. The old file itself is only read.
 [[nodiscard]] bool IsOfTheNewFile(const Error& error);
-
-/// A table as it is to be copied.
-struct TableTask {
-  std::string specification;        ///< see ParseTableSpecification
-  std::string defaults{};           ///< see ParseDefaults
-  std::string competitionColumn{};  ///< holds an identifier of Competitions; may be empty
-};
-
-/// What the copies of all tables of one recovery share.
-struct CarriedOver {
-  IdentifierMap identifiers;
-  bool acceptsNegativeIdentifiers = false;  ///< random automatic numbers; without it they count as not found
-  bool conversionNeeded = true;             ///< false as soon as the old Competitions table shows the current layout
-  bool competitionsMayFollow = false;  ///< competitions were refused and are tried again, so their numbers may come
-};
 
 /// Copies one table of an old file, row by row and column by column, into the store's open file, whose table is emptied
 /// first. What cannot be read or stored is left out and reported; the rest goes on.

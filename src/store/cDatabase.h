@@ -15,6 +15,13 @@
 
 namespace tavi {
 
+/// The source of the errors that the component raises itself.
+inline constexpr const char* kStoreSource = "cDatabase";
+
+/// The text by which the database provider opens a file. Raises InvalidArgument for a path that cannot be written
+/// there.
+[[nodiscard]] std::string ConnectionText(const std::string& path);
+
 class cDatabase;
 
 /// Something that is brought up to date in a file that another program, or another version of this one, may have
@@ -89,7 +96,7 @@ class cDatabase {
   /// Ends the innermost transaction and undoes its changes.
   void RollbackTransaction();
 
-  // --- SQL literals (store/Literals.cpp) -----------------------------------------------------------------------------
+  // --- SQL literals (store/Values.cpp) -------------------------------------------------------------------------------
 
   /// The day number, rounded to the nearest day (ties to even), as plain decimal text: callers compare date columns
   /// with it. Raises InvalidArgument for a date outside the years 100 to 9999.
@@ -106,7 +113,7 @@ class cDatabase {
   /// file cannot hold (RequireNumber).
   [[nodiscard]] static std::string SQLNumber(double Number, const std::string& What);
 
-  // --- Field readers (store/FieldReaders.cpp): null gives the default; a failure the zero value of the type, no error
+  // --- Field readers (store/Values.cpp): null gives the default; a failure the zero value of the type, no error
   // -
 
   [[nodiscard]] static std::string GetTextField(const ado::Recordset& rs, std::string_view FieldName,

@@ -1,10 +1,37 @@
 #include "util/Paths.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 #include "util/NativeFiles.h"
 
 namespace tavi {
+namespace {
+
+#ifdef _WIN32
+constexpr bool kHasDrives = true;
+#else
+constexpr bool kHasDrives = false;
+#endif
+
+// Looked up at each call: tests and hosts set the variable while the program runs.
+std::string DrivesRoot() {
+  if (const char* root = std::getenv("TAVI_DRIVES"); root != nullptr && *root != '\0') return root;
+  const char* home = std::getenv("HOME");
+  return std::string(home == nullptr ? "" : home) + "/.local/share/tavimembership";
+}
+
+bool IsDriveLetter(char character) {
+  return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+}
+
+bool HasDrive(std::string_view path) {
+  return path.size() >= 2 && path[1] == ':' && IsDriveLetter(path[0]);
+}
+
+}  // namespace
 
 std::string PathJoin(std::string_view folder, std::string_view fileName, std::string_view separator) {
   std::string path(folder);
@@ -29,6 +56,24 @@ std::string ParentPath(std::string_view path) {
   }
   const bool isDriveAlone = path.size() == 2 && path[1] == ':';
   return isDriveAlone ? std::string() : std::string(path.substr(0, end));
+}
+
+std::string NativePath(std::string_view path) {
+  if (kHasDrives) return std::string(path);
+  return NativePath(path, HasDrive(path) ? DrivesRoot() : std::string());
+}
+
+std::string NativePath(std::string_view path, std::string_view drivesRoot) {
+  std::string native;
+  if (HasDrive(path)) {
+    constexpr char kLowerCaseBit = 0x20;
+    native = std::string(drivesRoot) + "/" + static_cast<char>(path[0] | kLowerCaseBit);
+    path.remove_prefix(2);
+    if (!path.empty() && path[0] != '\\' && path[0] != '/') native += '/';
+  }
+  native += path;
+  std::replace(native.begin(), native.end(), '\\', '/');
+  return native;
 }
 
 }  // namespace tavi

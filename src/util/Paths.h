@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-/// Paths as the component writes them; only FileExists and IsSameFile look at the disk.
+/// Paths as the component writes them, and as this system does; only FileExists and IsSameFile look at the disk.
 namespace tavi {
 
 /// Folder, separator and file name; no separator is put behind one that is there already ("\" or "/"), nor behind the
@@ -20,5 +20,13 @@ bool IsSameFile(std::string_view path, std::string_view other);
 /// Everything before the last ":", "\" or "/"; nothing for a drive alone ("C:"). Raises InvalidArgument for a path
 /// without any of them.
 std::string ParentPath(std::string_view path);
+
+/// Turns a path as the component writes it (backslashes, drive letters) into one of this system. On Windows that is the
+/// path itself. Elsewhere "\" becomes "/", and a drive "X:" the folder "x" below a root: the folder that the
+/// environment variable TAVI_DRIVES names, else ~/.local/share/tavimembership. Paths with slashes pass through
+/// unchanged.
+std::string NativePath(std::string_view path);
+/// The same with the root given.
+std::string NativePath(std::string_view path, std::string_view drivesRoot);
 
 }  // namespace tavi

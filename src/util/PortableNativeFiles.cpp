@@ -6,7 +6,7 @@
 
 #include "platform/FileSizeSignal.h"
 #include "util/NativeFiles.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi {
 namespace {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Platform.h"
@@ -19,5 +21,29 @@ inline constexpr const char* kUsualGoverningBody = "EBU";
 /// be read is left as it is and never an error; writing it that fails is one.
 std::string GetSetting(const Platform& platform, RegistryRoot root, const std::string& KeyPath,
                        const std::string& ValueName, const std::string& Default);
+
+/// The settings file "Madrigo\Settings.xml" below the common application-data folder, loaded: the machine-wide values,
+/// each under a chain of elements named after its key ("Software\Pelmont" is <software><pelmont>, blanks become "_").
+/// Markup characters of a value stand in the file escaped twice, as all installed files have them.
+class SettingsFile {
+ public:
+  /// Makes the folder and a file without values where they are missing, and such a file in place of an empty one or one
+  /// without a root. Raises an error when that fails. Whatever else a file holds is left alone.
+  static void MakeSure(const Platform& platform);
+
+  /// Makes sure of the file and loads it. Raises an error when it cannot be made, read or understood.
+  explicit SettingsFile(const Platform& platform);
+
+  /// The value, nothing when the file does not hold it.
+  [[nodiscard]] std::optional<std::string> Value(const std::string& keyPath, const std::string& valueName) const;
+  /// Sets a value; Save stores it. Raises InvalidArgument for one with control characters.
+  void SetValue(const std::string& keyPath, const std::string& valueName, const std::string& value);
+  /// Writes the file when a value was set. Raises an error when that fails.
+  void Save();
+
+ private:
+  std::unique_ptr<SettingsDocument> document_;
+  bool changed_ = false;
+};
 
 }  // namespace tavi

@@ -4,7 +4,7 @@
 
 #include "platform/values/WideText.h"
 #include "util/NativeFiles.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi {
 namespace {

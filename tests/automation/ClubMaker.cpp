@@ -7,7 +7,7 @@
 #include <iostream>
 
 #include "composition/Composition.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 #include "store/cDatabase.h"
 
 namespace {

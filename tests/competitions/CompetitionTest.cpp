@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "competitions/CompetitionAttributes.h"
+#include "competitions/Competition.h"
 #include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
 #include "platform/values/Convert.h"

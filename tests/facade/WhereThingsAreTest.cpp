@@ -10,7 +10,7 @@
 #include "facade/MembershipDatabase.h"
 #include "facade/ThreadStore.h"
 #include "platform/TemporaryFolder.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 
 namespace tavi {
 namespace {

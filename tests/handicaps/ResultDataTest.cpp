@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "handicaps/HandicapResultList.h"
 #include "handicaps/cHandiCalcResultData.h"
-#include "handicaps/cPairMemberNumbers.h"
 
 namespace tavi {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "facade/support/Club.h"
-#include "names/NameFormats.h"
+#include "names/NameText.h"
 
 namespace tavi {
 namespace {

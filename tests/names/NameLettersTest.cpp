@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "names/SurnamePrefix.h"
-
 namespace tavi {
 namespace {
 

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "names/MemberRow.h"
 #include "names/support/LetterKeys.h"
 #include "platform/Matchers.h"
 #include "store/support/FakeFile.h"

@@ -1,4 +1,4 @@
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "store/RecoverySpecification.h"
+#include "store/RecoveryTask.h"
 
 #include <gtest/gtest.h>
 

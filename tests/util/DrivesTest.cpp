@@ -3,7 +3,7 @@
 
 #include <cstdlib>
 
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi {
 namespace {

@@ -11,7 +11,6 @@
 #include "platform/support/ThisSystem.h"
 #include "platform/values/Error.h"
 #include "util/Diagnostics.h"
-#include "util/NativePath.h"
 
 namespace tavi {
 namespace {

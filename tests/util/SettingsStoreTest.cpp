@@ -8,7 +8,6 @@
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
 #include "platform/values/Error.h"
-#include "util/SettingsFile.h"
 #include "util/SpecialFolders.h"
 
 namespace tavi {

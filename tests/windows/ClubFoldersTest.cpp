@@ -7,7 +7,7 @@
 #include "facade/ThreadStore.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/values/WideText.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 #include "util/SpecialFolders.h"
 
 namespace tavi {

@@ -12,7 +12,7 @@
 #include "platform/windows/SystemFolders.h"
 #include "platform/windows/SystemRegistry.h"
 #include "platform/windows/SystemXmlDocuments.h"
-#include "util/SettingsFile.h"
+#include "util/SettingsStore.h"
 #include "util/SpecialFolders.h"
 
 namespace tavi {

@@ -2,9 +2,9 @@
 
 #include <ostream>
 
-#include "composition/NameMatch.h"
-#include "host/text/NameFormats.h"
 #include "host/tools/IncompletePairs.h"
+#include "names/MatchReasons.h"
+#include "names/NameText.h"
 
 namespace tavi::host {
 namespace {
@@ -39,9 +39,9 @@ std::vector<WalkedPair> WalkPairs(MembershipDatabase& club) {
   WalkedPair pair;
   double unused = 0.0;
   for (bool more = club.GetFirstPartnership(pair.firstNumber, pair.firstName, pair.secondNumber, pair.secondName,
-                                            pair.pairName, pair.alternateName, unused, kFirstAndLastName);
+                                            pair.pairName, pair.alternateName, unused, name_format::kFirstAndLast);
        more; more = club.GetNextPartnership(pair.firstNumber, pair.firstName, pair.secondNumber, pair.secondName,
-                                            pair.pairName, pair.alternateName, unused, kFirstAndLastName)) {
+                                            pair.pairName, pair.alternateName, unused, name_format::kFirstAndLast)) {
     pairs.push_back(pair);
   }
   return pairs;
@@ -68,7 +68,7 @@ struct ShownPair {
 
 ShownPair Shown(MembershipDatabase& club, const IncompletePair& pair) {
   const auto nameOf = [&club](const std::optional<std::int32_t>& number) {
-    return number ? club.GetMemberName(*number, kFirstAndLastName) : std::string();
+    return number ? club.GetMemberName(*number, name_format::kFirstAndLast) : std::string();
   };
   ShownPair shown{Number(pair.first.value_or(kNoNumber)),
                   nameOf(pair.first),
@@ -86,7 +86,7 @@ ShownPair Shown(MembershipDatabase& club, const IncompletePair& pair) {
 void AddMatch(MembershipDatabase& club, const Context& context, const std::string& typed, std::int32_t number,
               Table& table) {
   std::string nationalNumber;
-  const std::string name = club.GetNameAndEBUNumber(number, kFirstAndLastName, nationalNumber);
+  const std::string name = club.GetNameAndEBUNumber(number, name_format::kFirstAndLast, nationalNumber);
   MemberName parts;
   nationalNumber = club.GetEBUNoAndNames(number, parts.first, parts.initials, parts.last);
   const NameMatch match = CompareNames(context.platform->nameKeyService, typed, parts);
@@ -106,7 +106,7 @@ int ListMembers(const Context& context, bool all) {
     bool retired;
   };
   std::vector<Member> members;
-  WalkMembers(*club, kSurnameFirst, [&](std::int32_t number, const std::string& name, double handicap) {
+  WalkMembers(*club, name_format::kSurnameFirst, [&](std::int32_t number, const std::string& name, double handicap) {
     members.push_back({number, name, handicap, club->Retired()});
   });
   Table table({"Number", "Name", "EBU number", "Handicap", "Active"});
@@ -154,7 +154,7 @@ int ListHandicaps(const Context& context, bool recalculate) {
     club->CloseDatabase();
   }
   Table table({"Kind", "Number", "Partner", "Name", "Handicap"});
-  WalkMembers(*club, kFirstAndLastName, [&](std::int32_t number, const std::string& name, double handicap) {
+  WalkMembers(*club, name_format::kFirstAndLast, [&](std::int32_t number, const std::string& name, double handicap) {
     table.Add({std::string("member"), Number(number), Cell(), name, Handicap(handicap)});
   });
   const std::vector<WalkedPair> pairs = WalkPairs(*club);

@@ -5,6 +5,7 @@
 
 #include "access/catalog/Names.h"
 #include "host/dump/JsonTree.h"
+#include "platform/values/Digits.h"
 
 namespace tavi::host {
 
@@ -12,7 +13,6 @@ namespace {
 
 using Kind = access::LogicalIndexDefinition::Kind;
 
-constexpr std::string_view kUpperHexadecimal = "0123456789ABCDEF";
 constexpr char kTextFileEnding[] = ".tsv";
 constexpr std::size_t kLongestFileName = 255;  // bytes that file systems take
 constexpr char kCutMark = '~';                 // stands in no name that is written whole
@@ -108,7 +108,7 @@ std::string Escaped(std::string_view text) {
     if (kKept.find(character) != std::string_view::npos) {
       escaped += character;
     } else {
-      escaped += {'%', kUpperHexadecimal[byte >> 4U], kUpperHexadecimal[byte & 0xFU]};
+      escaped += "%" + HexadecimalText({&byte, 1});
     }
   }
   return escaped;
@@ -117,10 +117,7 @@ std::string Escaped(std::string_view text) {
 // 64 letters of most scripts take more bytes, escaped, than a file system gives to a name.
 std::string CutMark(const std::string& table) {
   const auto digest = Sha256({reinterpret_cast<const std::uint8_t*>(table.data()), table.size()});
-  std::string mark(1, kCutMark);
-  for (std::size_t i = 0; i < kCutDigestSize; ++i)
-    mark += {kUpperHexadecimal[digest[i] >> 4U], kUpperHexadecimal[digest[i] & 0xFU]};
-  return mark;
+  return kCutMark + HexadecimalText(std::span(digest).first(kCutDigestSize));
 }
 
 std::string FileName(const std::string& table) {

@@ -7,22 +7,19 @@
 #include <utility>
 
 #include "facade/DatabaseTransaction.h"
+#include "handicaps/HandicapCalculation.h"
 #include "host/results/XmlElement.h"
 #include "host/scoring/StoredEvents.h"
-#include "host/text/NameFormats.h"
+#include "names/NameText.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
+#include "util/SettingsStore.h"
 
 namespace tavi::host {
 namespace {
 
-/// The date that stands for today, with no competition left out.
-const Date kToday = Date::FromCivil(2000, 1, 1);
-constexpr double kNeutralHandicap = 50.0;
 constexpr int kPlaceOfUnplaced = 1'000'000;
-constexpr std::int32_t kNoMember = -1;
-constexpr const char* kGoverningBody = "EBU";
 
 /// The codes stored in ScoringMethod; only 0 (match points) counts for handicaps.
 std::int16_t ScoringCode(Event::Scoring scoring) {
@@ -163,7 +160,7 @@ void EveningScorer::Register(ScoredEvent& scored) {
   scored.competition = database_.SetCompetitionEx(
       event.name, event.date, event.kind == Event::Kind::Individual, ScoringCode(event.scoring),
       event.scoring == Event::Scoring::ButlerImps ? std::int16_t{1} : std::int16_t{0}, event.swiss, false, 0,
-      static_cast<std::int16_t>(event.tables), static_cast<std::int16_t>(event.winners), kGoverningBody, 0,
+      static_cast<std::int16_t>(event.tables), static_cast<std::int16_t>(event.winners), kUsualGoverningBody, 0,
       scored.countsForHandicaps, teams ? static_cast<std::int16_t>(event.contestants.size()) : std::int16_t{0});
 }
 
@@ -177,7 +174,7 @@ void EveningScorer::FindHandicapsBefore(ScoredEvent& scored) {
     entry.net = RoundDecimalHalfEven(*entry.contestant.actualPercentage - *entry.handicapBefore + kNeutralHandicap, 2);
     entry.name = individual ? NameOf(entry, 0)
                             : database_.GetPairName(NumberOf(entry, 0), NameOf(entry, 0), NumberOf(entry, 1),
-                                                    NameOf(entry, 1), kFirstAndLastName, true);
+                                                    NameOf(entry, 1), name_format::kFirstAndLast, true);
   }
 }
 
@@ -213,8 +210,9 @@ void EveningScorer::FindHandicapsAfter(ScoredEvent& scored) {
       for (const ResolvedPlayer& player : entry.players) entry.name += (entry.name.empty() ? "" : " & ") + player.name;
     }
     if (!scored.countsForHandicaps) continue;
-    entry.handicapAfter = database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), "", kToday, individual)
-                              .PartnershipHandicap();
+    entry.handicapAfter =
+        database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), "", kNoCompetitionDate, individual)
+            .PartnershipHandicap();
   }
 }
 

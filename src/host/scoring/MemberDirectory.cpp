@@ -4,7 +4,7 @@
 
 #include "host/scoring/NameFolding.h"
 #include "host/text/Figures.h"
-#include "host/text/NameFormats.h"
+#include "names/NameText.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
@@ -40,8 +40,8 @@ std::string Joined(const std::string& first, const std::string& last) {
 MemberDirectory::MemberDirectory(MembershipDatabase& database) : database_(database) {
   const bool before = database.IncludeInactiveMembers;
   database.IncludeInactiveMembers = true;
-  const std::vector<WalkedMember> shown = WalkAll(database, kFirstAndLastName);
-  const std::vector<WalkedMember> familiar = WalkAll(database, kFamiliarName);
+  const std::vector<WalkedMember> shown = WalkAll(database, name_format::kFirstAndLast);
+  const std::vector<WalkedMember> familiar = WalkAll(database, name_format::kFamiliar);
   database.IncludeInactiveMembers = before;
   for (std::size_t i = 0; i < shown.size() && i < familiar.size(); ++i) {
     Member member;

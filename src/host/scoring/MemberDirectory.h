@@ -7,15 +7,16 @@
 
 #include "facade/MembershipDatabase.h"
 #include "host/results/Event.h"
+#include "names/MemberValues.h"
 
 namespace tavi::host {
 
 /// Who a person in a result file is.
 struct ResolvedPlayer {
-  std::int32_t number = -1;  ///< -1: not a member
-  std::string name;          ///< the member's own name, or the name as written
-  std::string remark;        ///< how the person was recognised when that was not plain; empty otherwise
-  bool byNumber = false;     ///< recognised as a member by the governing body's number
+  std::int32_t number = kNoMember;  ///< kNoMember: not a member
+  std::string name;                 ///< the member's own name, or the name as written
+  std::string remark;               ///< how the person was recognised when that was not plain; empty otherwise
+  bool byNumber = false;            ///< recognised as a member by the governing body's number
 };
 
 /// The club's members as a scoring program keeps them to recognise players by: filled once by walking the members

@@ -10,7 +10,7 @@
 #include "host/tools/NameKeyCheck.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {

@@ -15,8 +15,8 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
-#include "store/BaseFile.h"
-#include "util/NativePath.h"
+#include "store/Layout.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {

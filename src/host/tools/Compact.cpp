@@ -2,7 +2,7 @@
 
 #include "access/catalog/Compact.h"
 #include "host/tools/CheckProgressBar.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 

@@ -1,6 +1,6 @@
 #include "host/tools/Connect.h"
 
-#include "store/ConnectionText.h"
+#include "store/cDatabase.h"
 
 namespace tavi::host {
 

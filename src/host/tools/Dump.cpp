@@ -7,7 +7,7 @@
 #include "host/text/PathText.h"
 #include "host/tools/OpenFile.h"
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {
@@ -44,7 +44,7 @@ int Dump(const Context& context, const std::string& file, const std::string& fol
   const std::string target = AbsolutePath(NativePath(folder));
   MakeFolder(target);
   DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
-    WriteFile(PathOf(target) / NativeFilePath(name), text);
+    WriteFile(PathOf(target) / PathOf(NativePath(name)), text);
   });
   return kSucceeded;
 }

@@ -6,7 +6,7 @@
 #include "host/sql/Query.h"
 #include "host/text/PathText.h"
 #include "host/tools/Connect.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {

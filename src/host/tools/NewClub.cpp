@@ -11,7 +11,7 @@
 #include "platform/ado/Provider.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 

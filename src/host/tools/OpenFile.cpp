@@ -2,7 +2,7 @@
 
 #include <ostream>
 
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 

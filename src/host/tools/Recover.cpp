@@ -14,9 +14,9 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 #include "store/Recovery.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {

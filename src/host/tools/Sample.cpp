@@ -11,7 +11,7 @@
 #include "host/tools/Import.h"
 #include "host/tools/NewClub.h"
 #include "platform/values/Error.h"
-#include "util/NativePath.h"
+#include "util/Paths.h"
 
 namespace tavi::host {
 namespace {

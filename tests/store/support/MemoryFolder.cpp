@@ -4,7 +4,7 @@
 
 #include "access/catalog/Database.h"
 #include "composition/Composition.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 
 namespace tavi::testing {
 namespace {

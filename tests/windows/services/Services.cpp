@@ -8,8 +8,8 @@
 #include "composition/Composition.h"
 #include "platform/values/Convert.h"
 #include "platform/values/WideText.h"
-#include "store/BaseFile.h"
-#include "store/ConnectionText.h"
+#include "store/Layout.h"
+#include "store/cDatabase.h"
 
 namespace tavi::service_test {
 namespace {

@@ -6,7 +6,7 @@
 #include "facade/ThreadStore.h"
 #include "facade/support/FakeSurroundings.h"
 #include "platform/values/Convert.h"
-#include "store/BaseFile.h"
+#include "store/Layout.h"
 
 namespace tavi::testing {
 namespace {

@@ -1,4 +1,4 @@
-#include "competitions/CompetitionAttributes.h"
+#include "competitions/Competition.h"
 
 #include "store/OpenUse.h"
 

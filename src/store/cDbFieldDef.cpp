@@ -1,4 +1,4 @@
-#include "store/LayoutChange.h"
+#include "store/cDbFieldDef.h"
 
 #include "store/Transaction.h"
 #include "util/TextHelpers.h"

@@ -1,4 +1,4 @@
-#include "store/RecoverySpecification.h"
+#include "store/RecoveryTask.h"
 
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
