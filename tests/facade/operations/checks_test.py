@@ -55,7 +55,7 @@ class Checks(unittest.TestCase):
 
     def check(self, script, page, program, text):
         """(exit code, findings) of a check whose program prints a text."""
-        printing = self.file(program, f"#!/bin/sh\ncat <<'END'\n{text}END\n")
+        printing = self.file(program, f"#!/bin/sh\n[ $GTEST_FILTER ] || cat <<'END'\n{text}END\n")
         environment = dict(os.environ, PATH=f"{self.folder}:{os.environ['PATH']}")
         done = subprocess.run([sys.executable, HERE / script, self.file("page.md", page), printing],
                               env=environment, capture_output=True, text=True, check=False)
@@ -71,6 +71,11 @@ class Checks(unittest.TestCase):
     def test_what_agrees_is_accepted(self):
         self.assertEqual(self.check_tests(), (0, ""))
         self.assertEqual(self.check_classes(), (0, ""))
+
+    def test_all_tests_are_seen_whichever_are_chosen_to_run(self):
+        os.environ["GTEST_FILTER"] = "OtherTest.*"
+        self.addCleanup(os.environ.pop, "GTEST_FILTER")
+        self.assertEqual(self.check_tests(), (0, ""))
 
     def test_tests_that_are_gone_or_disabled_are_found(self):
         missing = "the test {} is named in the page of operations and is not run"
