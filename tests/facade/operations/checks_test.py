@@ -43,6 +43,7 @@ FUNCTIONS = """0000 T tavi::Club::Find(int)
 
 class Checks(unittest.TestCase):
     def setUp(self):
+        os.environ.pop("GTEST_FILTER", None)
         folder = tempfile.TemporaryDirectory()
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
