@@ -121,9 +121,10 @@ function(tavi_test_support name)
   endif()
 endfunction()
 
-# tavi_check(NAME [NEEDS PROGRAM...] COMMAND ...): a test of ctest that shows of its output what tells why it failed, and
-# that is not run, which is noted, where a program that it needs is missing. Where several builds are tested in one run,
-# the names of their tests begin with TAVI_TEST_PREFIX.
+# tavi_check(NAME [SECONDS COUNT] [NEEDS PROGRAM...] COMMAND ...): a test of ctest that shows of its output what tells why
+# it failed, and that is not run, which is noted, where a program that it needs is missing. ctest begins with the tests
+# that take longest, about SECONDS, so that all processors are busy to the end. Where several builds are tested in one
+# run, the names of their tests begin with TAVI_TEST_PREFIX.
 if(TAVI_SANITIZE)
   set(TAVI_TEST_PREFIX Sanitize.)
 elseif(TAVI_SANITIZE_THREADS)
@@ -134,23 +135,29 @@ function(tavi_check name)
     # There, ctest runs the fuzzers alone.
     return()
   endif()
-  cmake_parse_arguments(CHECK "" "" "NEEDS;COMMAND" ${ARGN})
+  cmake_parse_arguments(CHECK "" "SECONDS" "NEEDS;COMMAND" ${ARGN})
   set(full_name ${TAVI_TEST_PREFIX}${name})
   list(TRANSFORM CHECK_NEEDS REPLACE "(.+)" "--needs;\\1")
   add_test(NAME ${full_name}
     COMMAND ${CMAKE_SOURCE_DIR}/tests/scripts/run-cases ${CHECK_NEEDS} ${full_name} ${CHECK_COMMAND})
   set_tests_properties(${full_name} PROPERTIES TIMEOUT 600)
+  if(CHECK_SECONDS)
+    set_tests_properties(${full_name} PROPERTIES COST ${CHECK_SECONDS})
+  endif()
   if(TAVI_SANITIZE_THREADS)
     set_tests_properties(${full_name} PROPERTIES ENVIRONMENT TAVI_FIXED_ADDRESSES=1)
   endif()
 endfunction()
 
-# tavi_test(NAME [AT_A_TIME COUNT] SOURCES ... USES ... [PARTS ...]): a test program, which ctest runs as a whole, because
-# starting a process for each of its cases takes longer than most cases. COUNT of its files are compiled as one. PARTS
-# are patterns of cases that take long: each is a test of its own, NAME.1 and so on, which runs beside the others. For
-# Windows the program is always one test, Windows.NAME.
+# tavi_test(NAME [AT_A_TIME COUNT] [SECONDS COUNT] SOURCES ... USES ... [PARTS ...]): a test program, which ctest runs as
+# a whole, because starting a process for each of its cases takes longer than most cases. So many of its files are
+# compiled AT_A_TIME. PARTS are patterns of cases that take long: each is a test of its own, NAME.1 and so on, which runs
+# beside the others. For Windows the program is always one test, Windows.NAME.
 function(tavi_test name)
-  cmake_parse_arguments(TEST "" "AT_A_TIME" "SOURCES;USES;PARTS" ${ARGN})
+  cmake_parse_arguments(TEST "" "AT_A_TIME;SECONDS" "SOURCES;USES;PARTS" ${ARGN})
+  if(NOT TEST_SECONDS)
+    set(TEST_SECONDS 1)
+  endif()
   if(NOT TEST_AT_A_TIME)
     set(TEST_AT_A_TIME ${TAVI_FILES_AT_A_TIME})
   endif()
@@ -179,16 +186,12 @@ function(tavi_test name)
   set(number 0)
   foreach(part ${TEST_PARTS})
     math(EXPR number "${number} + 1")
-    tavi_check(${name}.${number} COMMAND $<TARGET_FILE:${name}> --gtest_filter=${part})
-    if(TEST ${TAVI_TEST_PREFIX}${name}.${number})
-      # ctest starts with what costs most.
-      set_tests_properties(${TAVI_TEST_PREFIX}${name}.${number} PROPERTIES COST 100)
-    endif()
+    tavi_check(${name}.${number} SECONDS 10 COMMAND $<TARGET_FILE:${name}> --gtest_filter=${part})
   endforeach()
   if(TEST_PARTS)
     string(REPLACE ";" ":" all_parts "${TEST_PARTS}")
-    tavi_check(${name} COMMAND $<TARGET_FILE:${name}> --gtest_filter=-${all_parts})
+    tavi_check(${name} SECONDS 5 COMMAND $<TARGET_FILE:${name}> --gtest_filter=-${all_parts})
   else()
-    tavi_check(${name} COMMAND $<TARGET_FILE:${name}>)
+    tavi_check(${name} SECONDS ${TEST_SECONDS} COMMAND $<TARGET_FILE:${name}>)
   endif()
 endfunction()

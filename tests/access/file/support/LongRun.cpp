@@ -20,6 +20,10 @@ unsigned long NumberFromEnvironment(const char* name, unsigned long otherwise) {
   return text == nullptr || *text == '\0' ? otherwise : std::stoul(text);
 }
 
+std::size_t Length() {
+  return std::max(1UL, NumberFromEnvironment("TAVI_LENGTH", 1));
+}
+
 }  // namespace
 
 std::uint32_t SeedOr(std::uint32_t usual) {
@@ -27,7 +31,11 @@ std::uint32_t SeedOr(std::uint32_t usual) {
 }
 
 std::size_t Lengthened(std::size_t usual) {
-  return usual / kShare * std::max(1UL, NumberFromEnvironment("TAVI_LENGTH", 1));
+  return usual / kShare * Length();
+}
+
+std::size_t Lengthened(std::size_t usual, std::size_t least) {
+  return Length() < 2 ? Lengthened(usual) : std::max(Lengthened(usual), least);
 }
 
 }  // namespace tavi::access::test
