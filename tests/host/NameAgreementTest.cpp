@@ -1,4 +1,4 @@
-#include "host/imports/NameAgreement.h"
+#include "host/imports/MemberRoll.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/scoring/NameFolding.h"
+#include "host/scoring/MemberDirectory.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/imports/PostalAddress.h"
+#include "host/imports/MemberFields.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 #include "SourceDirectory.h"
 #include "host/input/Csv.h"
 #include "host/results/UsebioReader.h"
-#include "host/results/XmlElement.h"
+#include "host/results/Xml.h"
 #include "platform/Matchers.h"
 #include "platform/values/Error.h"
 

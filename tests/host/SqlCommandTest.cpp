@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "SourceDirectory.h"
-#include "host/sql/StatementText.h"
+#include "host/sql/Query.h"
 #include "host/support/Command.h"
 #include "platform/Matchers.h"
 

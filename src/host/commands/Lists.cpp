@@ -1,8 +1,12 @@
-#include "host/commands/Lists.h"
-
+#include <istream>
+#include <optional>
 #include <ostream>
+#include <string>
+#include <string_view>
 
-#include "host/tools/IncompletePairs.h"
+#include "host/commands/ClubCheck.h"
+#include "host/commands/Commands.h"
+#include "host/text/Table.h"
 #include "names/MatchReasons.h"
 #include "names/NameText.h"
 
@@ -192,6 +196,32 @@ int FindByName(const Context& context, const std::string& name) {
   if (table.RowCount() > 0) return kSucceeded;
   context.error << "tavi: no active member is called, or sounds like, \"" << Printable(name) << "\"\n";
   return kFailed;
+}
+
+namespace {
+
+std::optional<NameKeyMode> ModeOf(std::string_view word) {
+  if (word == "first") return NameKeyMode::FirstName;
+  if (word == "last") return NameKeyMode::Surname;
+  return std::nullopt;
+}
+
+}  // namespace
+
+int WriteKeys(const Context& context) {
+  std::string line;
+  for (std::size_t number = 1; std::getline(context.in, line); ++number) {
+    if (line.ends_with('\r')) line.pop_back();
+    const std::size_t tab = line.find('\t');
+    const std::optional<NameKeyMode> mode = ModeOf(std::string_view(line).substr(0, tab));
+    if (tab == std::string::npos || !mode) {
+      context.error << "tavi: line " << number << " is \"" << Printable(line)
+                    << "\"; expected \"first\" or \"last\", a tab and a name\n";
+      return kFailed;
+    }
+    context.out << context.platform->nameKeyService->Key(*mode, std::string_view(line).substr(tab + 1)) << '\n';
+  }
+  return kSucceeded;
 }
 
 }  // namespace tavi::host

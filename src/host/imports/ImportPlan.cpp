@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "platform/values/Convert.h"
 #include "platform/values/Error.h"
+#include "platform/values/Text.h"
+#include "store/cDatabase.h"
 
 namespace tavi::host {
 
@@ -17,6 +20,25 @@ std::string PlaceInFile(const std::string& fileName, std::size_t line) {
 
 void RefuseImport(const std::string& fileName, std::size_t line, const std::string& reason) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", PlaceInFile(fileName, line) + ": " + reason);
+}
+
+ColumnWidths::ColumnWidths(cDatabase& store, const std::string& table) {
+  const std::unique_ptr<ado::Recordset> columns = store.OpenSchema(ado::SchemaKind::Columns);
+  for (; !columns->AtEnd(); columns->MoveNext()) {
+    const Value width = columns->Get("CHARACTER_MAXIMUM_LENGTH");
+    if (IsNull(width) || !EqualIgnoringCase(ToText(columns->Get("TABLE_NAME")), table)) continue;
+    widths_[LowerCase(ToText(columns->Get("COLUMN_NAME")))] = ToInt32(width);
+  }
+}
+
+void ColumnWidths::Require(const std::string& where, const std::string& column, const std::string& text) const {
+  const auto width = widths_.find(LowerCase(column));
+  if (width == widths_.end() || width->second <= 0) return;
+  const std::string stored = cDatabase::StoredText(text);
+  if (TextLength(stored) <= static_cast<std::size_t>(width->second)) return;
+  throw Error(ErrorNumber::InvalidArgument, "tavi",
+              where + ": " + column + " has " + std::to_string(TextLength(stored)) + " characters; expected at most " +
+                  std::to_string(width->second));
 }
 
 }  // namespace tavi::host

@@ -3,8 +3,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
+
+#include "store/cDatabase.h"
 
 /// What an import would change, before anything is changed: made from a file and the club as it is, shown or applied.
 namespace tavi::host {
@@ -47,5 +50,17 @@ using ImportProgress = std::function<void(std::size_t done, const std::string& n
 std::string PlaceInFile(const std::string& fileName, std::size_t line);
 /// Raises InvalidArgument "FILE:LINE: reason".
 [[noreturn]] void RefuseImport(const std::string& fileName, std::size_t line, const std::string& reason);
+
+/// How many characters the text columns of one table take, as the file says.
+class ColumnWidths {
+ public:
+  /// Reads the columns of a table of the open file.
+  ColumnWidths(cDatabase& store, const std::string& table);
+  /// Raises InvalidArgument ("WHERE: COLUMN ...") when a text is longer than its column takes as it will be stored.
+  void Require(const std::string& where, const std::string& column, const std::string& text) const;
+
+ private:
+  std::map<std::string, std::int32_t> widths_;
+};
 
 }  // namespace tavi::host

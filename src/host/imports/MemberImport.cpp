@@ -1,7 +1,6 @@
 #include "host/imports/MemberImport.h"
 
 #include "host/imports/MemberFields.h"
-#include "host/imports/MemberPlanner.h"
 #include "members/Members.h"
 #include "names/MemberValues.h"
 #include "names/NameUniqueness.h"

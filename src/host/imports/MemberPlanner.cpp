@@ -1,12 +1,11 @@
-#include "host/imports/MemberPlanner.h"
+#include "host/imports/MemberImport.h"
 
 #include <algorithm>
 #include <limits>
 
 #include "host/imports/MemberFields.h"
-#include "host/imports/NameAgreement.h"
-#include "host/imports/PostalAddress.h"
-#include "host/scoring/NameFolding.h"
+#include "host/imports/MemberRoll.h"
+#include "host/scoring/MemberDirectory.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {

@@ -1,10 +1,86 @@
 #include "host/imports/MemberRoll.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "host/imports/MemberFields.h"
+#include "host/scoring/MemberDirectory.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
+namespace {
+
+/// Shorter names are too much alike for slips to be forgiven.
+constexpr std::size_t kShortestForSlips = 4;
+
+/// The folded parts of a name that blanks and hyphens separate.
+std::vector<std::string> PartsOf(const std::string& name) {
+  std::vector<std::string> parts;
+  for (const std::string& word : Split(ReplaceAll(ReplaceAll(name, "-", " "), ".", " "), ' ')) {
+    if (std::string folded = FoldName(word); !folded.empty()) parts.push_back(std::move(folded));
+  }
+  return parts;
+}
+
+bool SoundsAlike(const std::string& left, const std::string& right, NameKeyMode mode, const NameKeyService& keys) {
+  const std::string key = keys.Key(mode, left);
+  return !key.empty() && key == keys.Key(mode, right);
+}
+
+bool MayBeSame(const std::string& left, const std::string& right, NameKeyMode mode, const NameKeyService& keys) {
+  const std::string foldedLeft = FoldName(left);
+  const std::string foldedRight = FoldName(right);
+  if (foldedLeft.empty() || foldedRight.empty() || FoldedEqual(foldedLeft, foldedRight)) return true;
+  const bool isLong = std::min(foldedLeft.size(), foldedRight.size()) >= kShortestForSlips;
+  if (isLong && WithinOneSlip(foldedLeft, foldedRight)) return true;
+  if (SoundsAlike(left, right, mode, keys)) return true;
+  const std::vector<std::string> parts = PartsOf(right);
+  return std::ranges::any_of(PartsOf(left),
+                             [&](const std::string& part) { return std::ranges::count(parts, part) > 0; });
+}
+
+/// Whether one of two first names is the initial of the other.
+bool IsInitial(const std::string& left, const std::string& right) {
+  const std::string foldedLeft = FoldName(left);
+  const std::string foldedRight = FoldName(right);
+  const std::size_t shorter = std::min(TextLength(foldedLeft), TextLength(foldedRight));
+  return shorter == 1 && (foldedLeft.starts_with(foldedRight) || foldedRight.starts_with(foldedLeft));
+}
+
+bool FirstNamesFit(const PersonName& stored, const PersonName& written, const NameKeyService& keys) {
+  for (const std::string& left : {stored.first, stored.knownAs}) {
+    for (const std::string& right : {written.first, written.knownAs}) {
+      // A name that is missing says nothing here; a missing first name is looked at below.
+      if (left.empty() || right.empty()) continue;
+      if (IsInitial(left, right) || MayBeSame(left, right, NameKeyMode::FirstName, keys)) return true;
+    }
+  }
+  return stored.first.empty() || written.first.empty();
+}
+
+}  // namespace
+
+NameAgreement CompareNames(const PersonName& stored, const PersonName& written, const NameKeyService& keys) {
+  const bool first = FirstNamesFit(stored, written, keys);
+  const bool last = MayBeSame(stored.last, written.last, NameKeyMode::Surname, keys);
+  if (first && last) return NameAgreement::Fits;
+  return first || last ? NameAgreement::HalfFits : NameAgreement::OtherName;
+}
+
+bool FitsWholeName(const PersonName& stored, const std::string& written, const NameKeyService& keys) {
+  const std::string clean = CleanWrittenName(written);
+  std::size_t blank = clean.find(' ');
+  if (blank == std::string::npos) {
+    return FirstNamesFit(stored, {clean, "", ""}, keys) || MayBeSame(stored.last, clean, NameKeyMode::Surname, keys);
+  }
+  for (; blank != std::string::npos; blank = clean.find(' ', blank + 1)) {
+    const PersonName split{clean.substr(0, blank), "", clean.substr(blank + 1)};
+    if (CompareNames(stored, split, keys) == NameAgreement::Fits) return true;
+  }
+  return false;
+}
+
 std::string StoredMember::Name() const {
   return Trim(Value("first") + " " + Value("last"));
 }

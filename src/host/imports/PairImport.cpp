@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <set>
 
-#include "host/imports/ColumnWidths.h"
-#include "host/imports/NameAgreement.h"
+#include "host/imports/ImportPlan.h"
+#include "host/imports/MemberRoll.h"
 #include "members/Partnerships.h"
 #include "platform/values/Text.h"
 

@@ -5,7 +5,7 @@
 
 #include "host/imports/ImportPlan.h"
 #include "host/imports/MemberRoll.h"
-#include "host/input/PairFile.h"
+#include "host/input/ClubFiles.h"
 #include "store/cDatabase.h"
 
 namespace tavi::host {

@@ -1,8 +1,12 @@
 #include "host/input/Csv.h"
 
 #include <algorithm>
+#include <map>
 
-#include "host/results/XmlText.h"
+#include "host/results/Xml.h"
+#include "host/text/NearestName.h"
+#include "host/text/Table.h"
+#include "platform/values/Date.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -154,6 +158,82 @@ void CsvFile::RefuseHeader(const std::string& reason) const {
 
 void CsvFile::Refuse(const Row& row, const std::string& reason) const {
   RefuseLine(fileName_, row.line, reason);
+}
+
+namespace {
+
+/// What other programs call a column that we know by a name that looks different.
+std::string SuggestedName(const std::string& name, const std::vector<std::string>& known) {
+  static const std::map<std::string, std::string> kOthersNames = {
+      {"surname", "last"},    {"family name", "last"}, {"forename", "first"}, {"given name", "first"},
+      {"telephone", "phone"}, {"gender", "sex"},       {"city", "town"},      {"zip", "postcode"},
+      {"status", "active"},   {"nickname", "known_as"}};
+  const auto found = kOthersNames.find(ReplaceAll(LowerCase(name), "_", " "));
+  const bool isKnown = found != kOthersNames.end() && std::ranges::count(known, found->second) > 0;
+  return isKnown ? found->second : NearestName(name, known);
+}
+
+}  // namespace
+
+std::vector<std::string> UnknownColumns(const CsvFile& file, const std::vector<std::string>& known, bool passOver) {
+  std::vector<std::string> unknown;
+  std::string reason;
+  for (const std::string& name : file.ColumnNames()) {
+    if (std::ranges::count(known, LowerCase(name)) > 0) continue;
+    unknown.push_back(name);
+    const std::string nearest = SuggestedName(name, known);
+    reason += (reason.empty() ? "" : "; ") + std::string("the column \"") + name + "\" is not known" +
+              (nearest.empty() ? "" : ", did you mean " + nearest + "?");
+  }
+  if (unknown.empty() || passOver) return unknown;
+  std::string all;
+  for (const std::string& name : known) all += (all.empty() ? "" : ", ") + name;
+  file.RefuseHeader(reason + "; known are " + all + "; --ignore-unknown passes over all others");
+}
+
+std::optional<std::int32_t> NumberInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
+  const std::string text = file.Field(row, column);
+  if (text.empty()) return std::nullopt;
+  if (!IsFigures(text) || text.size() > kLongestWholeNumber || std::stoi(text) == 0) {
+    file.Refuse(row, column + " is \"" + text + "\"; expected a whole number above 0");
+  }
+  return std::stoi(text);
+}
+
+std::string NationalNumberInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
+  const std::string text = file.Field(row, column);
+  if (text.empty()) return {};
+  if (!IsFigures(text)) file.Refuse(row, column + " is \"" + text + "\"; expected figures only");
+  return WithoutLeadingZeros(text);
+}
+
+std::optional<bool> YesOrNoInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
+  const std::string text = LowerCase(file.Field(row, column));
+  if (text.empty()) return std::nullopt;
+  for (const char* yes : {"y", "yes", "true", "1", "-1"}) {
+    if (text == yes) return true;
+  }
+  for (const char* no : {"n", "no", "false", "0"}) {
+    if (text == no) return false;
+  }
+  file.Refuse(row, column + " is \"" + text + "\"; expected y or n");
+}
+
+std::string DayInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
+  const std::string text = file.Field(row, column);
+  if (text.empty()) return {};
+  if (const std::optional<Date> date = Date::FromIso(text)) return date->DayOnly().Iso();
+  const std::vector<std::string> parts = Split(text, '/');
+  const bool figures = parts.size() == 3 && parts[2].size() == 4 &&
+                       std::ranges::all_of(parts, [](const auto& part) { return IsFigures(part) && part.size() <= 4; });
+  if (figures) {
+    try {
+      return Date::FromCivil(std::stoi(parts[2]), std::stoi(parts[1]), std::stoi(parts[0])).Iso();
+    } catch (const Error&) {
+      file.Refuse(row, column + " is \"" + text + "\", which is no day of the calendar");
+    }
+  }
+  file.Refuse(row, column + " is \"" + text + "\"; expected yyyy-mm-dd or dd/mm/yyyy");
 }
 
 }  // namespace tavi::host

@@ -6,10 +6,9 @@
 #include <set>
 #include <tuple>
 
-#include "host/results/Travellers.h"
-#include "host/results/XmlDocument.h"
-#include "host/results/XmlText.h"
-#include "host/text/Figures.h"
+#include "host/results/Event.h"
+#include "host/results/Xml.h"
+#include "host/text/Table.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"

@@ -1,4 +1,4 @@
-#include "host/results/XmlParser.h"
+#include "host/results/Xml.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "host/results/XmlText.h"
+#include "host/results/Xml.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,6 @@
 #include <fstream>
 #include <optional>
 
-#include "host/results/XmlParser.h"
 #include "host/text/PathText.h"
 #include "platform/values/CodePages.h"
 #include "platform/values/Error.h"

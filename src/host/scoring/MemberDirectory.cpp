@@ -2,8 +2,7 @@
 
 #include <algorithm>
 
-#include "host/scoring/NameFolding.h"
-#include "host/text/Figures.h"
+#include "host/text/Table.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
 

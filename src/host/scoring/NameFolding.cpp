@@ -1,4 +1,4 @@
-#include "host/scoring/NameFolding.h"
+#include "host/scoring/MemberDirectory.h"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/text/Figures.h"
+#include "host/text/Table.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {

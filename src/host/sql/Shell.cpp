@@ -1,11 +1,11 @@
 #include "host/sql/Shell.h"
 
+#include <atomic>
 #include <optional>
 #include <ostream>
 
-#include "host/sql/CancelKey.h"
+#include "host/commands/OpenFile.h"
 #include "host/sql/Query.h"
-#include "host/sql/StatementText.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
@@ -154,6 +154,66 @@ void Shell::ListColumns(const std::string& table) {
   Table list({"Column", "Type"});
   for (const ado::Field& field : columns->Fields()) list.Add({field.name, TypeName(field.type)});
   context_.Write(list);
+}
+
+namespace {
+
+int RunShell(const Context& context, ado::Connection& connection) {
+  const std::unique_ptr<LineSource> lines =
+      context.inputIsTerminal ? MakeTerminalLines(context.in, context.out) : std::make_unique<StreamLines>(context.in);
+  return Shell(context, connection, *lines, context.inputIsTerminal).Run();
+}
+
+}  // namespace
+
+int RunSql(const Context& context, const SqlRequest& request) {
+  const std::string file = request.file.empty() ? context.AccessFile() : request.file;
+  const std::unique_ptr<ado::Connection> connection = Connect(context, file);
+  int exitCode = kSucceeded;
+  if (request.statement.empty()) {
+    exitCode = RunShell(context, *connection);
+  } else {
+    const std::string text = (request.explain ? "EXPLAIN " : "") + request.statement;
+    try {
+      context.Write(Query(*connection, text));
+    } catch (const Error& problem) {
+      const auto place = PlaceInError(problem.Description());
+      if (place) context.error << MarkPlace(request.statement, *place) << '\n';
+      throw;
+    }
+    if (RollBackUnfinished(*connection)) {
+      context.error << "tavi: " << kRolledBack << '\n';
+      exitCode = kFailed;
+    }
+  }
+  connection->Close();
+  return exitCode;
+}
+
+namespace {
+
+// A signal's handler reaches nothing else.
+std::atomic<bool> isPressed = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a handler of signals may not wait");
+
+extern "C" void NoteCancelKey(int /*signal*/) {
+  isPressed = true;
+}
+
+}  // namespace
+
+CancelKey::CancelKey() {
+  isPressed = false;
+  former_ = std::signal(SIGINT, NoteCancelKey);
+}
+
+CancelKey::~CancelKey() {
+  isPressed = false;
+  std::signal(SIGINT, former_ == SIG_ERR ? SIG_DFL : former_);
+}
+
+bool CancelKey::IsPressed() {
+  return isPressed.load(std::memory_order_relaxed);
 }
 
 }  // namespace tavi::host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <string>
 
 #include "host/commands/Context.h"
@@ -42,6 +43,33 @@ class Shell {
   bool explains_ = false;
   int exitCode_ = kSucceeded;
   std::string unfinished_;
+};
+
+/// What `tavi sql` was asked for.
+struct SqlRequest {
+  std::string statement{};  ///< empty: statements come from standard input, or from the person at the terminal
+  std::string file{};       ///< another Access file than the club's
+  bool explain = false;     ///< show the plan instead of running the statement
+};
+
+/// Runs one statement and writes its rows (or the number of rows that it changed), or begins a shell.
+int RunSql(const Context& context, const SqlRequest& request);
+
+/// For its life Ctrl-C does not end the process but asks that the running statement be given up. One at a time in a
+/// process, as signals are the process's.
+class CancelKey {
+ public:
+  CancelKey();
+  ~CancelKey();
+  CancelKey(const CancelKey&) = delete;
+  CancelKey& operator=(const CancelKey&) = delete;
+
+  /// Whether Ctrl-C was pressed in the life of the object that there is. Callable on any thread.
+  [[nodiscard]] static bool IsPressed();
+
+ private:
+  using Handler = void (*)(int);
+  Handler former_;
 };
 
 }  // namespace tavi::host

@@ -1,10 +1,42 @@
 #include "host/text/StandardStreams.h"
 
 #include <unistd.h>
-
+#include <cerrno>
 #include <iostream>
 
 namespace tavi::host {
+
+DescriptorOutput::DescriptorOutput(int descriptor) : descriptor_(descriptor) {
+  setp(buffer_.data(), buffer_.data() + buffer_.size());
+}
+
+DescriptorOutput::~DescriptorOutput() {
+  WritePending();
+}
+
+DescriptorOutput::int_type DescriptorOutput::overflow(int_type character) {
+  if (!WritePending()) return traits_type::eof();
+  if (traits_type::eq_int_type(character, traits_type::eof())) return traits_type::not_eof(character);
+  return sputc(traits_type::to_char_type(character));
+}
+
+int DescriptorOutput::sync() {
+  return WritePending() ? 0 : -1;
+}
+
+bool DescriptorOutput::WritePending() {
+  const char* at = pbase();
+  while (!failure_ && at < pptr()) {
+    const ssize_t written = ::write(descriptor_, at, static_cast<std::size_t>(pptr() - at));
+    if (written >= 0) {
+      at += written;
+    } else if (errno != EINTR) {
+      failure_ = std::error_code(errno, std::generic_category());
+    }
+  }
+  setp(buffer_.data(), buffer_.data() + buffer_.size());
+  return !failure_;
+}
 
 StandardStreams::StandardStreams() : output_(STDOUT_FILENO), out_(&output_) {
   // What was written is to be seen before a person is waited for, and before an error that came after it.

@@ -1,13 +1,12 @@
 #include "host/text/Table.h"
 
 #include <fmt/format.h>
-
 #include <algorithm>
 #include <ostream>
 #include <stdexcept>
+#include <string_view>
 
 #include "host/json/Json.h"
-#include "host/text/CsvField.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
@@ -216,6 +215,41 @@ void Table::WriteAligned(std::ostream& out) const {
     for (const Cell& cell : row) texts.push_back(Printable(CellText(cell)));
     writeLine(texts);
   }
+}
+
+namespace {
+
+constexpr std::u32string_view kFormulaBegins = U"=+-@\uFF1D\uFF0B\uFF0D\uFF20";
+constexpr std::u32string_view kLayout = U"\t\r\n";
+
+}  // namespace
+
+bool IsFormula(const std::string& text) {
+  for (const char32_t c : ToCodePoints(text)) {
+    if (c != U' ') return kFormulaBegins.find(c) != kFormulaBegins.npos || kLayout.find(c) != kLayout.npos;
+  }
+  return false;
+}
+
+std::string CsvField(const std::string& text) {
+  std::string field = IsFormula(text) ? "'" : "";
+  bool needsQuotes = text.starts_with(' ') || text.ends_with(' ');
+  for (const char32_t c : ToCodePoints(text)) {
+    const std::string character = FromCodePoints(std::u32string(1, c));
+    const bool isLayout = kLayout.find(c) != kLayout.npos;
+    needsQuotes = needsQuotes || isLayout || c == U',' || c == U'"';
+    field += c == U'"' ? "\"\"" : isLayout ? character : Printable(character);
+  }
+  return needsQuotes ? "\"" + field + "\"" : field;
+}
+
+bool IsFigures(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::string WithoutLeadingZeros(std::string_view number) {
+  const std::size_t digit = number.find_first_not_of('0');
+  return digit == std::string_view::npos ? std::string() : std::string(number.substr(digit));
 }
 
 }  // namespace tavi::host

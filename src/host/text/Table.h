@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -59,5 +60,22 @@ std::string Printable(const std::string& text);
 std::string PrintableLines(const std::string& message);
 /// A JSON document with the characters that Printable shows as escapes as those of JSON: other text, the same values.
 std::string PrintableJson(const std::string& json);
+
+/// A text as a field of comma-separated output: between quotes where it needs them, with its line breaks and tabs;
+/// other characters that steer a terminal are written as Printable does. What a spreadsheet would run as a formula
+/// (IsFormula) has an apostrophe before it, so that it is shown instead.
+std::string CsvField(const std::string& text);
+
+/// True for a text that spreadsheets take for a formula: it begins, after any blanks, with = + - @ or a wide form of
+/// these, or with a tab or a line break.
+bool IsFormula(const std::string& text);
+
+/// Figures that fit a 32-bit number whatever they are.
+inline constexpr std::size_t kLongestWholeNumber = 9;
+
+/// True for a text of one or more of the figures 0 to 9 and nothing else.
+bool IsFigures(std::string_view text);
+/// A number of a person or club without the zeros in front, which come and go; empty for one of zeros only.
+std::string WithoutLeadingZeros(std::string_view number);
 
 }  // namespace tavi::host
