@@ -45,11 +45,13 @@ std::string ReadFile(const std::filesystem::path& path) {
 }
 
 std::filesystem::path FolderOfTests() {
+#ifndef _WIN32
   const std::filesystem::path memory = "/dev/shm";
   constexpr std::uintmax_t kEnough = std::uintmax_t{512} << 20U;
   std::error_code error;
   const bool isChosen = std::getenv("TMPDIR") != nullptr;
   if (!isChosen && std::filesystem::space(memory, error).available >= kEnough && !error) return memory;
+#endif
   return std::filesystem::temp_directory_path();
 }
 
