@@ -8,14 +8,13 @@
 #include "host/commands/Commands.h"
 #include "host/text/Table.h"
 #include "names/MatchReasons.h"
+#include "names/MemberValues.h"
 #include "names/NameText.h"
 
 namespace tavi::host {
 namespace {
 
 constexpr int kHandicapPlaces = 2;
-/// What walks give as the number of a row without one.
-constexpr std::int32_t kNoNumber = -1;
 
 struct WalkedPair {
   std::int32_t firstNumber = 0;
@@ -57,7 +56,7 @@ Decimals Handicap(double value) {
 
 /// A membership number; nothing for a row that has none.
 Cell Number(std::int32_t number) {
-  return number == kNoNumber ? Cell() : Cell(std::int64_t{number});
+  return number == kNoMember ? Cell() : Cell(std::int64_t{number});
 }
 
 /// A pair that does not say who plays, as far as it does.
@@ -74,9 +73,9 @@ ShownPair Shown(MembershipDatabase& club, const IncompletePair& pair) {
   const auto nameOf = [&club](const std::optional<std::int32_t>& number) {
     return number ? club.GetMemberName(*number, name_format::kFirstAndLast) : std::string();
   };
-  ShownPair shown{Number(pair.first.value_or(kNoNumber)),
+  ShownPair shown{Number(pair.first.value_or(kNoMember)),
                   nameOf(pair.first),
-                  Number(pair.second.value_or(kNoNumber)),
+                  Number(pair.second.value_or(kNoMember)),
                   nameOf(pair.second),
                   pair.knownAs,
                   Cell()};

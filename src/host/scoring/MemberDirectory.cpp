@@ -88,13 +88,13 @@ ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
   }
   if (const Member* member = ByClubNumber(player, clean)) return {member->number, member->shown, ""};
   if (byName.size() > 1) {
-    return {-1, player.name,
+    return {kNoMember, player.name,
             player.name + ": several members have that name and no number tells which; stored as a non-member"};
   }
   if (const Member* member = OneNear(player, clean)) {
     return {member->number, member->shown, player.name + ": taken for " + member->shown};
   }
-  return {-1, player.name, player.name + " is not a member; stored by name"};
+  return {kNoMember, player.name, player.name + " is not a member; stored by name"};
 }
 
 const MemberDirectory::Member* MemberDirectory::ByNationalNumber(const std::string& number) const {
