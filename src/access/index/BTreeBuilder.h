@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "access/index/EntryList.h"
 #include "access/index/IndexPages.h"
-#include "access/index/NodeContent.h"
 
 namespace tavi::access {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "access/file/PageAllocator.h"
-#include "access/index/NodeContent.h"
+#include "access/index/EntryList.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access {

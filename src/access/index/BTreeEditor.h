@@ -3,8 +3,8 @@
 #include <optional>
 #include <vector>
 
+#include "access/index/EntryList.h"
 #include "access/index/IndexPages.h"
-#include "access/index/NodeContent.h"
 
 namespace tavi::access {
 

@@ -1,12 +1,45 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
-#include "access/index/EntryMask.h"
+#include "access/file/Format.h"
+#include "access/file/Page.h"
 #include "access/index/IndexPage.h"
 
 namespace tavi::access {
+
+/// The mask of an index page as 64-bit words; bits behind its end are 0.
+inline constexpr std::size_t kBitsPerWord = 64;
+inline constexpr std::size_t kMaskWords = (format::index::kMaskSize * 8 + kBitsPerWord - 1) / kBitsPerWord;
+
+/// One word of the mask of a page.
+[[nodiscard]] std::uint64_t LoadMaskWord(const Page& page, std::size_t word);
+
+/// The whole mask of an index page, taken out to be changed. Bit numbers are those of the page, up to 8 x mask bytes.
+class EntryMask {
+ public:
+  /// All bits 0.
+  EntryMask() = default;
+  explicit EntryMask(const Page& page);
+  void Store(Page& page) const;
+
+  void Set(std::size_t bit) { words_[bit / kBitsPerWord] |= std::uint64_t{1} << (bit % kBitsPerWord); }
+  void Clear(std::size_t bit) { words_[bit / kBitsPerWord] &= ~(std::uint64_t{1} << (bit % kBitsPerWord)); }
+  /// Moves all bits > `after` up by `distance`.
+  void MoveUp(std::size_t after, std::size_t distance);
+  /// Moves all bits > `after` down by `distance` (at most `after`); those that they meet must be 0.
+  void MoveDown(std::size_t after, std::size_t distance);
+
+ private:
+  using Words = std::array<std::uint64_t, kMaskWords>;
+  /// Takes out the bits > `after`.
+  [[nodiscard]] Words TakeAbove(std::size_t after);
+
+  Words words_{};
+};
 
 /// Lays entries out on an index page from the start, replacing those that are there. The caller knows that they fit.
 class EntryWriter {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "access/file/EngineError.h"
-#include "access/index/EntryMask.h"
+#include "access/index/EntryWriter.h"
 
 namespace tavi::access {
 

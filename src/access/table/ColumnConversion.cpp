@@ -4,9 +4,9 @@
 
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
-#include "access/table/ExactDecimal.h"
 #include "access/table/RowCodec.h"
 #include "access/table/TextEncoding.h"
+#include "access/table/ValueCodec.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 

@@ -6,7 +6,7 @@
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
 #include "access/table/DefinitionBytes.h"
-#include "access/table/DefinitionLayout.h"
+#include "access/table/FormatVersion.h"
 #include "access/table/TableDefinition.h"
 
 namespace tavi::access {

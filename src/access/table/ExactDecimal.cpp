@@ -1,9 +1,9 @@
-#include "access/table/ExactDecimal.h"
-
 #include <algorithm>
 #include <charconv>
 #include <limits>
 #include <string>
+
+#include "access/table/ValueCodec.h"
 
 namespace tavi::access {
 

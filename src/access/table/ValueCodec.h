@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string_view>
 
 #include "access/table/FormatVersion.h"
 #include "access/table/TableDefinition.h"
@@ -32,5 +33,12 @@ namespace tavi::access {
 /// The bytes of a value that is not null, of its column's type (see ConvertForColumn). For a fixed-length column as
 /// many bytes as it has. Raises ProviderTypeConflict for a value of another type; the description names the column.
 [[nodiscard]] Bytes EncodeValue(const Value& value, const ColumnDefinition& column);
+
+/// Reads a decimal number in plain or exponent notation exactly and rounds it to `scale` places, a value half-way to
+/// the even last digit. Nothing when the text is no number or has more than `precision` digits then.
+[[nodiscard]] std::optional<Decimal> ParseDecimal(std::string_view text, std::uint8_t precision, std::uint8_t scale);
+
+/// The amount of a decimal number of scale 4; nothing when it is too large for one.
+[[nodiscard]] std::optional<Currency> ToCurrency(const Decimal& number);
 
 }  // namespace tavi::access

@@ -1,13 +1,11 @@
 // Every wound of an index is found by the check and named; reading a hurt index ends with an answer or a named error.
-#include "access/index/BTreeCheck.h"
-
-#include <gtest/gtest.h>
-
 #include <functional>
+#include <gtest/gtest.h>
 #include <random>
 
 #include "access/file/PageAllocator.h"
-#include "access/index/EntryMask.h"
+#include "access/index/BTreeCheck.h"
+#include "access/index/EntryWriter.h"
 #include "access/index/support/TestIndex.h"
 #include "platform/values/Error.h"
 

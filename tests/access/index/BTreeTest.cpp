@@ -1,11 +1,9 @@
-#include "access/index/BTree.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <numeric>
 #include <random>
 
+#include "access/index/BTree.h"
 #include "access/index/IndexPage.h"
 #include "access/index/support/Hex.h"
 #include "access/index/support/TestIndex.h"

@@ -1,11 +1,9 @@
-#include "access/index/Collation.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <random>
 
+#include "access/index/Collation.h"
 #include "access/index/support/Hex.h"
 #include "platform/values/Text.h"
 

@@ -1,12 +1,10 @@
-#include "access/index/KeyEncoder.h"
-
-#include <gtest/gtest.h>
-
 #include <bit>
+#include <gtest/gtest.h>
 #include <limits>
 #include <random>
 
 #include "access/index/Collation.h"
+#include "access/index/KeyEncoder.h"
 #include "access/index/support/Hex.h"
 #include "platform/values/Error.h"
 

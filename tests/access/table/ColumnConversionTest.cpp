@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
-
 #include <limits>
 #include <string>
 
-#include "access/table/ExactDecimal.h"
 #include "access/table/RowCodec.h"
+#include "access/table/ValueCodec.h"
 #include "access/table/support/TestTable.h"
 #include "platform/values/Error.h"
 

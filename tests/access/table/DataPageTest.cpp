@@ -1,11 +1,9 @@
-#include "access/table/DataPage.h"
-
 #include <gtest/gtest.h>
-
 #include <map>
 #include <random>
 
 #include "access/file/Format.h"
+#include "access/table/DataPage.h"
 #include "access/table/support/Hex.h"
 #include "platform/values/Error.h"
 

@@ -1,8 +1,6 @@
 // Files of Access 97: their definitions, rows and long values lie elsewhere on smaller pages, their texts are ANSI.
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 
@@ -10,7 +8,6 @@
 #include "access/file/Format.h"
 #include "access/file/Rc4.h"
 #include "access/file/support/MemoryFileSystem.h"
-#include "access/table/Jet3Row.h"
 #include "access/table/RowView.h"
 #include "access/table/TableRows.h"
 #include "access/table/support/Hex.h"

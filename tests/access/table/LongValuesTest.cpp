@@ -1,7 +1,4 @@
-#include "access/table/LongValues.h"
-
 #include <gtest/gtest.h>
-
 #include <string>
 
 #include "access/file/Bytes.h"
@@ -9,6 +6,7 @@
 #include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
 #include "access/table/DataPage.h"
+#include "access/table/LongValues.h"
 #include "access/table/RowFinder.h"
 #include "access/table/RowView.h"
 #include "access/table/support/Hex.h"

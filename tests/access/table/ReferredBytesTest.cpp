@@ -1,12 +1,11 @@
 // Rows that refer to bytes elsewhere, long values and the bodies of moved rows: in a damaged file thousands of rows may
 // refer to the same ones.
-#include "access/table/ReferredBytes.h"
-
 #include <gtest/gtest.h>
 
 #include "access/file/Bytes.h"
 #include "access/file/Format.h"
 #include "access/table/DataPage.h"
+#include "access/table/ReferredBytes.h"
 #include "access/table/RowFinder.h"
 #include "access/table/RowView.h"
 #include "access/table/TableRows.h"

@@ -1,10 +1,8 @@
-#include "access/table/RowCodec.h"
-
 #include <gtest/gtest.h>
-
 #include <random>
 #include <string>
 
+#include "access/table/RowCodec.h"
 #include "access/table/RowView.h"
 #include "access/table/support/Hex.h"
 #include "access/table/support/RandomValues.h"

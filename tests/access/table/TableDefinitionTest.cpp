@@ -1,14 +1,12 @@
-#include "access/table/TableDefinition.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <string>
 
 #include "access/file/Bytes.h"
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
 #include "access/table/DefinitionBytes.h"
+#include "access/table/TableDefinition.h"
 #include "access/table/support/Hex.h"
 #include "access/table/support/TestTable.h"
 #include "platform/values/Error.h"

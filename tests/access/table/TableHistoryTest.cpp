@@ -1,7 +1,5 @@
 // Random histories of changes on one table, beside a map that says what must be there.
-
 #include <gtest/gtest.h>
-
 #include <map>
 #include <random>
 #include <vector>

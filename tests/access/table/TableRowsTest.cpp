@@ -1,10 +1,7 @@
-#include "access/table/TableRows.h"
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <gtest/gtest.h>
 #include <limits>
 #include <set>
 #include <string>
@@ -15,6 +12,7 @@
 #include "access/file/UsageMap.h"
 #include "access/table/DataPage.h"
 #include "access/table/RowFinder.h"
+#include "access/table/TableRows.h"
 #include "access/table/support/TestTable.h"
 #include "platform/values/Error.h"
 

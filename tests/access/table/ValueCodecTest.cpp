@@ -1,11 +1,9 @@
-#include "access/table/ValueCodec.h"
-
-#include <gtest/gtest.h>
-
 #include <bit>
+#include <gtest/gtest.h>
 #include <limits>
 #include <string>
 
+#include "access/table/ValueCodec.h"
 #include "access/table/support/Hex.h"
 #include "access/table/support/TestTable.h"
 #include "platform/values/Error.h"

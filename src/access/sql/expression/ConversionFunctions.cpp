@@ -6,7 +6,7 @@
 #include "access/sql/expression/Coercion.h"
 #include "access/sql/expression/FormatText.h"
 #include "access/sql/expression/Functions.h"
-#include "access/table/ExactDecimal.h"
+#include "access/table/ValueCodec.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"

@@ -1,14 +1,13 @@
 #include "access/index/support/TestIndex.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <gtest/gtest.h>
 
 #include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
-#include "access/index/KeyBytes.h"
+#include "access/index/KeyEncoder.h"
 
 namespace tavi::access::test {
 
