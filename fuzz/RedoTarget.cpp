@@ -7,10 +7,8 @@
 #include <vector>
 
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "access/file/LogOwner.h"
 #include "access/file/LogStatement.h"
-#include "access/file/PageDelta.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/FileUse.h"
 #include "fuzz/ByteSource.h"

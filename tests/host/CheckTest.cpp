@@ -9,7 +9,6 @@
 #include "access/file/DatabaseHeader.h"
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
-#include "access/file/Rc4.h"
 #include "host/json/Json.h"
 #include "host/support/Command.h"
 

@@ -1,9 +1,9 @@
-#include "access/file/Checksum.h"
-
 #include <array>
 #include <bit>
 #include <cstddef>
 #include <cstring>
+
+#include "access/file/Bytes.h"
 
 namespace tavi::access {
 

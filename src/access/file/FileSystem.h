@@ -106,4 +106,7 @@ class FileSystem {
 /// The operating system's files.
 std::shared_ptr<FileSystem> NativeFileSystem();
 
+/// Work in a thread of the operating system, which begins when the first work is asked for.
+std::unique_ptr<BackgroundWork> NativeBackgroundWork(std::chrono::milliseconds delay, std::function<void()> work);
+
 }  // namespace tavi::access

@@ -11,6 +11,10 @@
 
 namespace tavi::access {
 
+/// When a finished statement is flushed to the device: a flush begins within 100 ms after the statement returned, in
+/// the background; or the statement returns when the flush is over.
+enum class FlushTime { Soon, EachStatement };
+
 /// Flushes a log file while statements go on: soon after each of them in the background, or at once. The background has
 /// an opener of its own, so that nobody waits for it. The calls are for one thread.
 class LogFlush {

@@ -5,7 +5,6 @@
 #include <random>
 
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access {

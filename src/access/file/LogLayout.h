@@ -59,7 +59,7 @@
 //                 +0x12  2   1: the page has not been logged before; +2: the database file has it, 8 checksums follow;
 //                            +4: a whole page
 //                 then   32  checksums of the sectors that the file has there, when flag 2 is set
-//                 then       the delta (PageDelta.h) from the page as it was stored before, or the image [4096]
+//                 then       the delta (LogStatement.h) from the page as it was stored before, or the image [4096]
 //   then 8        checksum of the statement: header and each record, seeded likewise
 //
 // Example, a log with one statement that writes 12 34 at 0x10 of page 6 of a database of 16 pages (checksums c1 ..):

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 
 namespace tavi::access {
 

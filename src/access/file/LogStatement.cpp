@@ -5,10 +5,8 @@
 #include <array>
 
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "access/file/Format.h"
 #include "access/file/LogLayout.h"
-#include "access/file/PageDelta.h"
 
 namespace tavi::access {
 

@@ -3,7 +3,6 @@
 #include <array>
 
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "access/file/LogLayout.h"
 #include "access/file/LogStatement.h"
 

@@ -8,7 +8,6 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 #include "access/file/UsageMap.h"
-#include "access/file/UsageMapPage.h"
 
 namespace tavi::access {
 

@@ -1,6 +1,7 @@
 #include "access/file/PageCache.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace tavi::access {
@@ -51,6 +52,97 @@ void PageCache::Clear() {
   free_.clear();
   placeOfPage_.clear();
   hand_ = 0;
+}
+
+namespace {
+
+bool SameBytes(const Page& left, const Page& right) {
+  return std::memcmp(left.All().data(), right.All().data(), kPageSize) == 0;
+}
+
+}  // namespace
+
+void PageChanges::BeginLevel(PageNumber pageCount) {
+  levels_.push_back({++lastLevelId_, pageCount, {}});
+}
+
+// What the inner level remembers that the outer one does not was as it is there when the outer one began, too.
+void PageChanges::KeepLevel() {
+  if (levels_.size() > 2) levels_[levels_.size() - 2].before.merge(levels_.back().before);
+  levels_.pop_back();
+}
+
+PageChanges::Undone PageChanges::UndoLevel() {
+  const Level level = std::move(levels_.back());
+  levels_.pop_back();
+  if (levels_.empty()) {
+    const bool any = !pages_.empty();
+    pages_.clear();
+    return {level.pageCount, any};
+  }
+  for (const auto& [number, before] : level.before) {
+    if (before == nullptr) {
+      pages_.erase(number);
+    } else {
+      pages_.at(number).live->CopyFrom(*before);
+    }
+  }
+  return {level.pageCount, !level.before.empty()};
+}
+
+std::unordered_map<PageNumber, PageChanges::Changed> PageChanges::TakeAll() {
+  levels_.clear();
+  return std::exchange(pages_, {});
+}
+
+// The outermost level goes back by forgetting everything, so it needs to remember nothing.
+void PageChanges::Remember(PageNumber number, Changed* changed) {
+  if (levels_.size() < 2) return;
+  Level& level = levels_.back();
+  if (changed == nullptr) {
+    level.before.try_emplace(number, nullptr);
+    return;
+  }
+  if (changed->levelSeen == level.id) return;
+  if (!level.before.contains(number)) level.before.emplace(number, Read(number));
+  changed->levelSeen = level.id;
+}
+
+// Whoever changes the page may go on by the reference that he holds, so readers get a copy of their own; the last one
+// serves again while nothing has changed.
+PageHandle PageChanges::Read(PageNumber number) {
+  const auto found = pages_.find(number);
+  if (found == pages_.end()) return nullptr;
+  Changed& changed = found->second;
+  if (changed.snapshot == nullptr || !SameBytes(*changed.snapshot, *changed.live)) {
+    changed.snapshot = std::make_shared<const Page>(*changed.live);
+  }
+  return changed.snapshot;
+}
+
+Page* PageChanges::Write(PageNumber number) {
+  const auto found = pages_.find(number);
+  if (found == pages_.end()) return nullptr;
+  Remember(number, &found->second);
+  return found->second.live.get();
+}
+
+Page& PageChanges::Add(PageNumber number, PageHandle base) {
+  Remember(number, nullptr);
+  Changed changed;
+  changed.live = base == nullptr ? std::make_shared<Page>(number) : std::make_shared<Page>(*base);
+  changed.base = std::move(base);
+  return *pages_.insert_or_assign(number, std::move(changed)).first->second.live;
+}
+
+std::vector<PageNumber> PageChanges::Differing() const {
+  std::vector<PageNumber> numbers;
+  numbers.reserve(pages_.size());
+  for (const auto& [number, changed] : pages_) {
+    if (changed.base == nullptr || !SameBytes(*changed.base, *changed.live)) numbers.push_back(number);
+  }
+  std::sort(numbers.begin(), numbers.end());
+  return numbers;
 }
 
 }  // namespace tavi::access

@@ -1,5 +1,3 @@
-#include "access/file/PageDelta.h"
-
 #include <algorithm>
 #include <array>
 #include <cstring>
@@ -7,6 +5,7 @@
 #include <utility>
 
 #include "access/file/Bytes.h"
+#include "access/file/LogStatement.h"
 
 namespace tavi::access {
 

@@ -7,7 +7,6 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 #include "access/file/PagerImplementation.h"
-#include "access/file/Rc4.h"
 
 namespace tavi::access {
 

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "access/file/FileSystem.h"
-#include "access/file/FlushTime.h"
+#include "access/file/LogFlush.h"
 #include "access/file/Page.h"
 
 namespace tavi::access {

@@ -4,9 +4,9 @@
 #include <exception>
 #include <utility>
 
+#include "access/file/DatabaseHeader.h"
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
-#include "access/file/Rc4.h"
 
 namespace tavi::access {
 

@@ -10,7 +10,6 @@
 #include "access/file/DatabaseHeader.h"
 #include "access/file/ForeignUse.h"
 #include "access/file/PageCache.h"
-#include "access/file/PageChanges.h"
 #include "access/file/Pager.h"
 #include "access/file/RedoLog.h"
 #include "access/file/StatementLock.h"

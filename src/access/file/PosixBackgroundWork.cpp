@@ -1,12 +1,11 @@
 #include <pthread.h>
 #include <signal.h>
-
 #include <condition_variable>
 #include <mutex>
 #include <thread>
 #include <utility>
 
-#include "access/file/NativeBackgroundWork.h"
+#include "access/file/FileSystem.h"
 
 namespace tavi::access {
 

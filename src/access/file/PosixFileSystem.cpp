@@ -5,7 +5,6 @@
 #include <sys/stat.h>
 #include <sys/vfs.h>
 #include <unistd.h>
-
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -16,7 +15,6 @@
 #include "access/file/EngineError.h"
 #include "access/file/FileSystem.h"
 #include "access/file/LockOwner.h"
-#include "access/file/NativeBackgroundWork.h"
 #include "platform/FileSizeSignal.h"
 
 namespace tavi::access {

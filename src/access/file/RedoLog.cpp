@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
-#include "access/file/PageDelta.h"
+#include "access/file/LogStatement.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access {

@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "access/file/FileSystem.h"
-#include "access/file/FlushTime.h"
 #include "access/file/LogFlush.h"
 #include "access/file/LogHeader.h"
 #include "access/file/LogOwner.h"

@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
-#include "access/file/PageDelta.h"
+#include "access/file/LogStatement.h"
 #include "access/file/RedoLog.h"
 
 namespace tavi::access {

@@ -1,15 +1,63 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <string>
+#include <thread>
 
 #include "access/file/FileSystem.h"
-#include "access/file/LockDeadline.h"
-#include "access/file/WritingThreads.h"
 
 namespace tavi::access {
+
+/// When a wait for locks ends, by a clock that nobody sets. An operation has one, however many locks it needs, so that
+/// it takes no longer than it says.
+class LockDeadline {
+ public:
+  LockDeadline(FileSystem& fileSystem, std::chrono::milliseconds timeout);
+
+  /// How long the operation may wait in all.
+  [[nodiscard]] std::chrono::milliseconds Timeout() const { return timeout_; }
+  /// What is left of it, rounded up; 0 when it is over.
+  [[nodiscard]] std::chrono::milliseconds Left(FileSystem& fileSystem) const;
+
+ private:
+  std::chrono::milliseconds timeout_;
+  std::chrono::steady_clock::time_point end_;
+};
+
+/// Which threads of this process may write which files just now, and which wait for it. Its purpose is to see that a
+/// wait can never end: because the thread waits for a connection of its own, or for one whose thread waits, perhaps by
+/// way of others, for this one. What other processes do is not known here. For several threads.
+class WritingThreads {
+ public:
+  /// Tells that the calling thread has got a file, or has given it back.
+  void Hold(const std::string& path);
+  void Release(const std::string& path) noexcept;
+
+  /// The calling thread waits for a file while this lives.
+  class Wait {
+   public:
+    Wait(WritingThreads& threads, std::string path);
+    ~Wait();
+    Wait(const Wait&) = delete;
+    Wait& operator=(const Wait&) = delete;
+
+    [[nodiscard]] bool IsHopeless() const;
+
+   private:
+    WritingThreads& threads_;
+    std::string path_;
+  };
+
+ private:
+  std::mutex mutex_;
+  std::map<std::string, std::thread::id> holders_;
+  std::map<std::thread::id, std::string> waiting_;
+};
 
 /// The locks by which the users of one database file keep out of each other's way. They are four bytes of the database
 /// file itself, past the 2 GB that it can ever have, so that a lock of the whole file by another program stops us too:

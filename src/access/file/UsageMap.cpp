@@ -6,7 +6,6 @@
 
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
-#include "access/file/UsageMapPage.h"
 
 namespace tavi::access {
 

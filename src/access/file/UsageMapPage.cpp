@@ -1,11 +1,10 @@
-#include "access/file/UsageMapPage.h"
-
 #include <algorithm>
 #include <bit>
 #include <string>
 
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
+#include "access/file/UsageMap.h"
 
 namespace tavi::access {
 

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
-#include "access/file/NativeBackgroundWork.h"
+#include "access/file/FileSystem.h"
 #include "platform/values/WideText.h"
 
 namespace tavi::access {

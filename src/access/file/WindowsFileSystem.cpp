@@ -11,7 +11,6 @@
 
 #include "access/file/EngineError.h"
 #include "access/file/FileSystem.h"
-#include "access/file/NativeBackgroundWork.h"
 #include "access/file/WindowsRangeLocks.h"
 #include "platform/values/WideText.h"
 

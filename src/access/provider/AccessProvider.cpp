@@ -1,6 +1,6 @@
 #include "access/provider/AccessProvider.h"
 
-#include "access/file/WritingThreads.h"
+#include "access/file/StatementLock.h"
 #include "access/provider/AccessConnection.h"
 #include "access/provider/ConnectionString.h"
 #include "access/provider/ProviderError.h"

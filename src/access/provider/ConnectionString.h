@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "access/file/FlushTime.h"
+#include "access/file/LogFlush.h"
 
 namespace tavi::access {
 

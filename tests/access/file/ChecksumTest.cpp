@@ -1,9 +1,8 @@
-#include "access/file/Checksum.h"
-
 #include <gtest/gtest.h>
-
 #include <set>
 #include <vector>
+
+#include "access/file/Bytes.h"
 
 namespace tavi::access {
 namespace {

@@ -1,12 +1,9 @@
-#include "access/file/DatabaseHeader.h"
-
-#include <gtest/gtest.h>
-
 #include <array>
+#include <gtest/gtest.h>
 #include <string>
 
+#include "access/file/DatabaseHeader.h"
 #include "access/file/Format.h"
-#include "access/file/Rc4.h"
 #include "access/file/support/SmallDatabase.h"
 #include "platform/values/Error.h"
 

@@ -1,10 +1,9 @@
 // Files whose pages are encoded with a key: plain above the pager, encoded in the file and in the log.
+#include <algorithm>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
+#include "access/file/DatabaseHeader.h"
 #include "access/file/Pager.h"
-#include "access/file/Rc4.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/SmallDatabase.h"
 

@@ -1,10 +1,8 @@
 // What has changed in a page, as the log keeps it.
-#include "access/file/PageDelta.h"
-
+#include <algorithm>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
+#include "access/file/LogStatement.h"
 #include "access/file/support/Random.h"
 
 namespace tavi::access {

@@ -1,11 +1,10 @@
 // Transactions of pagers: how they nest, what they undo, and what others see of them.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <functional>
+#include <gtest/gtest.h>
 
 #include "access/file/Pager.h"
-#include "access/file/WritingThreads.h"
+#include "access/file/StatementLock.h"
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"

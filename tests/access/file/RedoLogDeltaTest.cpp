@@ -1,11 +1,9 @@
 // Statements that say what has changed in a page: what stands in the log, what it says of a page, and the images that
 // stand there before a checkpoint writes the database.
+#include <algorithm>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
 #include "access/file/Pager.h"
 #include "access/file/RedoLog.h"
 #include "access/file/support/ClubPaths.h"

@@ -1,10 +1,8 @@
 // The layout of the redo log, as LogLayout.h describes it, and what its reader makes of a hostile one.
-#include "access/file/RedoLog.h"
-
 #include <gtest/gtest.h>
 
 #include "access/file/Bytes.h"
-#include "access/file/Checksum.h"
+#include "access/file/RedoLog.h"
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"

@@ -1,9 +1,8 @@
 // Waits that can never end are seen; others are not taken for such.
-#include "access/file/WritingThreads.h"
-
+#include <future>
 #include <gtest/gtest.h>
 
-#include <future>
+#include "access/file/StatementLock.h"
 
 namespace tavi::access {
 namespace {

@@ -1,14 +1,13 @@
 // The machine stops at every single point of a long evening, in the middle of writes and between them. What is found
 // afterwards holds exactly the finished statements: all of them when only the process died, all up to the last close
 // when the power failed; never a part of one.
-#include <gtest/gtest.h>
-
 #include <fstream>
+#include <gtest/gtest.h>
 #include <map>
 #include <span>
 
 #include "access/catalog/Check.h"
-#include "access/file/Checksum.h"
+#include "access/file/Bytes.h"
 #include "access/file/Pager.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/StoppingFileSystem.h"

@@ -5,8 +5,8 @@
 #include <string>
 
 #include "access/file/Bytes.h"
+#include "access/file/DatabaseHeader.h"
 #include "access/file/Format.h"
-#include "access/file/Rc4.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/table/RowView.h"
 #include "access/table/TableRows.h"

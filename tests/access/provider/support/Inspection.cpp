@@ -3,7 +3,7 @@
 #include <array>
 #include <span>
 
-#include "access/file/Checksum.h"
+#include "access/file/Bytes.h"
 #include "access/file/Pager.h"
 #include "host/dump/DatabaseDump.h"
 
