@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "access/file/Bytes.h"
-#include "access/file/LogOwner.h"
+#include "access/file/LogHeader.h"
 #include "access/file/LogStatement.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/FileUse.h"

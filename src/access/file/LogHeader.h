@@ -2,13 +2,66 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 
 #include "access/file/FileSystem.h"
 #include "access/file/LogLayout.h"
-#include "access/file/LogOwner.h"
+#include "access/file/Page.h"
 
 namespace tavi::access {
+
+/// Checksums of a page as the database file holds it, one for each part of it that a disk writes whole or not at all.
+struct PageSums {
+  static constexpr std::size_t kSectorSize = 512;
+  static constexpr std::size_t kSectors = kPageSize / kSectorSize;
+
+  /// False for a page that the database file does not have.
+  bool isInDatabase = false;
+  std::array<std::uint32_t, kSectors> sectors{};
+
+  [[nodiscard]] static std::uint32_t OfSector(std::span<const std::uint8_t> sector);
+  [[nodiscard]] static PageSums Of(std::span<const std::uint8_t> stored);
+  bool operator==(const PageSums&) const = default;
+};
+
+/// A generation of a database file, as the log that belongs to it remembers it: no other has all of this. A generation
+/// begins when a checkpoint, or another program, has written the file.
+struct LogOwner {
+  /// Of files up to this length in bytes the whole content is remembered, as one sum. Clubs' files have 1 to 5 MB; the
+  /// first statement after a checkpoint reads the file once for it, which would be felt in far larger ones.
+  static constexpr std::uint64_t kLargestSummed = std::uint64_t{16} << 20U;
+  /// Of larger files checksums of so many pages are kept, from the first one on evenly over the file.
+  static constexpr std::size_t kWitnesses = 64;
+
+  std::uint64_t size = 0;
+  /// When it was written last; every checkpoint gives another one.
+  std::int64_t stamp = 0;
+  /// What tells the file from others on its disk.
+  std::uint64_t fileNumber = 0;
+  /// Of all its pages; 0 for a larger file.
+  std::uint64_t contentSum = 0;
+  /// 0 for a file whose whole content is remembered.
+  std::array<std::uint32_t, kWitnesses> witnesses{};
+
+  [[nodiscard]] static LogOwner Of(File& database);
+
+  [[nodiscard]] bool IsSummed() const { return size <= kLargestSummed; }
+  /// The sums that stand in for a page that is not to be read, null for a page that is.
+  using KnownPages = std::function<const PageSums*(PageNumber)>;
+  /// The sum of the content of the file's first `size` bytes, which it must have. It does not depend on the order of
+  /// the pages, and counts each with its number.
+  [[nodiscard]] static std::uint64_t ContentSum(File& database, std::uint64_t size, const KnownPages& known);
+
+  /// The page whose checksum is the witness `index`, in a file of the size.
+  [[nodiscard]] static PageNumber WitnessPage(std::size_t index, std::uint64_t size);
+  [[nodiscard]] static std::uint32_t WitnessSum(File& database, PageNumber page);
+  bool operator==(const LogOwner&) const = default;
+};
+
+/// Whether two stamps are of one moment, on file systems too that keep it less exactly than they first tell it.
+[[nodiscard]] bool IsSameMoment(std::int64_t remembered, std::int64_t now);
 
 /// The header of a log file with its marks. The Mark... functions write what they change into the file.
 class LogHeader {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "access/file/FileSystem.h"
-#include "access/file/LogOwner.h"
+#include "access/file/LogHeader.h"
 #include "access/file/Page.h"
 
 namespace tavi::access {

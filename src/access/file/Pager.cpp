@@ -5,8 +5,8 @@
 
 #include "access/file/DatabaseHeader.h"
 #include "access/file/EngineError.h"
+#include "access/file/FilePager.h"
 #include "access/file/Format.h"
-#include "access/file/PagerImplementation.h"
 
 namespace tavi::access {
 
@@ -39,7 +39,7 @@ std::unique_ptr<Pager> Pager::Open(const std::shared_ptr<FileSystem>& fileSystem
   const LockDeadline deadline(*fileSystem, options.lockTimeout);
   for (int attempt = 1;; ++attempt) {
     try {
-      return std::make_unique<PagerImplementation>(fileSystem, path, options, deadline);
+      return std::make_unique<FilePager>(fileSystem, path, options, deadline);
     } catch (const FileWasReplaced&) {
       if (attempt == kMostAttempts)
         RaiseFailure("Could not open '" + path + "': it is being replaced by other files again and again.");

@@ -54,7 +54,7 @@ struct PagerOptions {
 ///  4. Only a checkpoint writes the database file, while nobody reads or writes: first the log is flushed, then its
 ///     pages are written and flushed, then the log goes. Close makes a checkpoint; it can be repeated from the log
 ///     after a crash at any point.
-///  5. At the start of each statement the pager takes in what others have committed: nobody sees stale pages. A writer
+///  5. At the start of each statement the pager reads what others have committed: nobody sees stale pages. A writer
 ///     does so once, as it becomes the writer.
 ///
 /// States of a pager and what leads from one to the next:
@@ -144,7 +144,7 @@ class Pager {
   [[nodiscard]] virtual Page& WriteNew(PageNumber number) = 0;
 
   /// Grows whenever something that was read before may have become untrue by other means than this pager's own
-  /// writes: another user's commit was taken in, or a statement or transaction was rolled back. Caches of what pages
+  /// writes: another user's commit was read, or a statement or transaction was rolled back. Caches of what pages
   /// say (table definitions, statistics) are dropped when it has changed.
   [[nodiscard]] virtual std::uint64_t Generation() const = 0;
 

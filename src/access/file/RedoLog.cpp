@@ -27,9 +27,9 @@ RedoLog::RedoLog(FileSystem& fileSystem, std::string databasePath, bool readOnly
       readOnly_(readOnly),
       flush_(fileSystem, path_) {}
 
-RedoLog::News RedoLog::TakeIn(std::vector<PageNumber>& changed) {
+RedoLog::Change RedoLog::Refresh(std::vector<PageNumber>& changed) {
   const bool isFirstSight = file_ == nullptr;
-  if (isFirstSight && !OpenFile()) return News::None;
+  if (isFirstSight && !OpenFile()) return Change::None;
   fileSize_ = file_->Size();
   const LogHeader header = LogHeader::ReadFrom(*file_);
   if (fileSize_ < kHeaderSize) return BecomeEmpty(!header.IsUnfinished() && !header.IsValid());
@@ -45,9 +45,9 @@ RedoLog::News RedoLog::TakeIn(std::vector<PageNumber>& changed) {
     chain_ = salt_;
   }
   if (header_.IsApplied()) return BecomeEmpty(false);
-  const bool more = fileSize_ > end_ && salt_ != ignored_ && TakeInStatements(fileSize_, changed);
-  if (!isSame || isFirstSight) return News::Replaced;
-  return more ? News::Statements : News::None;
+  const bool more = fileSize_ > end_ && salt_ != ignored_ && ReadNewStatements(fileSize_, changed);
+  if (!isSame || isFirstSight) return Change::Replaced;
+  return more ? Change::Statements : Change::None;
 }
 
 bool RedoLog::OpenFile() {
@@ -97,14 +97,14 @@ void RedoLog::Forget() {
   known_.clear();
 }
 
-RedoLog::News RedoLog::BecomeEmpty(bool isUnknown) {
+RedoLog::Change RedoLog::BecomeEmpty(bool isUnknown) {
   const bool wasEmpty = salt_ == 0;
   Forget();
   isUnknown_ = isUnknown;
-  return wasEmpty ? News::None : News::Replaced;
+  return wasEmpty ? Change::None : Change::Replaced;
 }
 
-bool RedoLog::TakeInStatements(std::uint64_t size, std::vector<PageNumber>& changed) {
+bool RedoLog::ReadNewStatements(std::uint64_t size, std::vector<PageNumber>& changed) {
   bool any = false;
   for (;;) {
     std::optional<LogStatement> statement;

@@ -12,7 +12,6 @@
 #include "access/file/FileSystem.h"
 #include "access/file/LogFlush.h"
 #include "access/file/LogHeader.h"
-#include "access/file/LogOwner.h"
 #include "access/file/LogStatement.h"
 #include "access/file/Page.h"
 
@@ -49,10 +48,10 @@ class RedoLog {
  public:
   RedoLog(FileSystem& fileSystem, std::string databasePath, bool readOnly);
 
-  /// What TakeIn has found: nothing new; more statements; or another log than before, of which all is new.
-  enum class News { None, Statements, Replaced };
+  /// What Refresh has found: nothing new; more statements; or another log than before, of which all is new.
+  enum class Change { None, Statements, Replaced };
   /// Brings the view up to date with the file. Adds the pages of new statements to `changed`.
-  News TakeIn(std::vector<PageNumber>& changed);
+  Change Refresh(std::vector<PageNumber>& changed);
 
   /// True when a log file is there, whatever is in it.
   [[nodiscard]] bool HasFile() const { return file_ != nullptr; }
@@ -121,8 +120,8 @@ class RedoLog {
   void RefuseLaterVersion() const;
   void BeginFlushing();
   void Forget();
-  News BecomeEmpty(bool isUnknown);
-  bool TakeInStatements(std::uint64_t size, std::vector<PageNumber>& changed);
+  Change BecomeEmpty(bool isUnknown);
+  bool ReadNewStatements(std::uint64_t size, std::vector<PageNumber>& changed);
   [[nodiscard]] bool IsNext(const LogStatement& statement) const;
   [[nodiscard]] bool Follows(const LogEntry& entry) const;
   void Keep(const LogStatement& statement);

@@ -145,7 +145,7 @@ void RedoLog::WriteAnew() {
   // The system may have read it from the disk, and not from its memory.
   RedoLog written(fileSystem_, databasePath_, true);
   std::vector<PageNumber> pages;
-  static_cast<void>(written.TakeIn(pages));
+  static_cast<void>(written.Refresh(pages));
   if (written.end_ != end_) {
     RaiseFailure("Could not flush the log '" + path_ + "', and the system has forgotten a part of it. What the file '" +
                  databasePath_ + "' itself holds is sound.");

@@ -67,7 +67,7 @@ using LockKind = File::LockKind;
 // A database file has at most 2 GB, so these bytes never hold data.
 constexpr std::uint64_t kGate = std::uint64_t{1} << 31U;
 constexpr std::uint64_t kStatement = kGate + 1;
-constexpr std::uint64_t kPresence = kGate + 2;
+constexpr std::uint64_t kOpen = kGate + 2;
 constexpr std::uint64_t kWriter = kGate + 3;
 constexpr std::uint64_t kOneByte = 1;
 constexpr std::uint64_t kGateAndStatement = 2;
@@ -90,9 +90,9 @@ StatementLock::~StatementLock() {
   if (holdsWriter_) threads_->Release(canonical_);
 }
 
-void StatementLock::EnterPresence(const LockDeadline& deadline) {
-  const auto enter = [&] { return file_.TryLock(kPresence, kOneByte, LockKind::Shared); };
-  if (!WaitUntil(deadline, enter)) RaiseInUse(deadline, kPresence, kOneByte);
+void StatementLock::AcquireOpen(const LockDeadline& deadline) {
+  const auto enter = [&] { return file_.TryLock(kOpen, kOneByte, LockKind::Shared); };
+  if (!WaitUntil(deadline, enter)) RaiseInUse(deadline, kOpen, kOneByte);
 }
 
 void StatementLock::AcquireShared(const LockDeadline& deadline) {
@@ -159,15 +159,15 @@ void StatementLock::AcquireExclusive(const LockDeadline& deadline) {
 }
 
 bool StatementLock::TryBecomeAlone() {
-  return file_.TryLock(kPresence, kOneByte, LockKind::Exclusive);
+  return file_.TryLock(kOpen, kOneByte, LockKind::Exclusive);
 }
 
 void StatementLock::BecomeAlone(const LockDeadline& deadline) {
-  if (!WaitUntil(deadline, [&] { return TryBecomeAlone(); })) RaiseInUse(deadline, kPresence, kOneByte);
+  if (!WaitUntil(deadline, [&] { return TryBecomeAlone(); })) RaiseInUse(deadline, kOpen, kOneByte);
 }
 
 void StatementLock::LeaveAlone() {
-  static_cast<void>(file_.TryLock(kPresence, kOneByte, LockKind::Shared));
+  static_cast<void>(file_.TryLock(kOpen, kOneByte, LockKind::Shared));
 }
 
 bool StatementLock::WaitUntil(const LockDeadline& deadline, const std::function<bool()>& attempt) {

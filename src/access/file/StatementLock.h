@@ -65,7 +65,7 @@ class WritingThreads {
 ///   byte       held shared by                    held exclusively by
 ///   gate       a reader while it enters          who wants the statement's byte, as long as he waits: nobody comes in
 ///   statement  each reading statement            a checkpoint, and who sets the log aside
-///   presence   every open pager                  a pager that has found itself alone
+///   open       every open pager                  a pager that has found itself alone
 ///   writer     nobody                            the one user who changes pages or the log, until commit or rollback
 ///
 /// A writer keeps nobody from reading: what it has not committed is in its memory, and a commit appends to the log,
@@ -85,7 +85,7 @@ class StatementLock {
 
   /// Tells the others that this pager is there. Raises ProviderFailure "Could not use ..." after the deadline; so do
   /// all calls that acquire something.
-  void EnterPresence(const LockDeadline& deadline);
+  void AcquireOpen(const LockDeadline& deadline);
 
   void AcquireShared(const LockDeadline& deadline);
   /// Gives the statement's byte back, however it is held. Never fails: the end of the file's life gives it back in any
@@ -101,7 +101,7 @@ class StatementLock {
   [[nodiscard]] bool TryAcquireExclusive(const LockDeadline& deadline);
   void AcquireExclusive(const LockDeadline& deadline);
 
-  /// Takes presence alone when no other pager has the file open; others then wait until LeaveAlone.
+  /// Takes the open byte exclusively when no other pager has the file open; others then wait until LeaveAlone.
   [[nodiscard]] bool TryBecomeAlone();
   void LeaveAlone();
   /// Waits until it is alone.

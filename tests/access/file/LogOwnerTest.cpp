@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "access/file/LogOwner.h"
+#include "access/file/LogHeader.h"
 #include "access/file/Pager.h"
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/CrashingFileSystem.h"

@@ -370,12 +370,12 @@ TEST_F(PagerSharingTest, AWaitEndsInTimeHoweverLongEachAttemptTakes) {
 
 TEST_F(PagerSharingTest, TheLocksOfOneOperationShareItsTime) {
   constexpr std::uint64_t kGate = std::uint64_t{1} << 31U;
-  constexpr std::uint64_t kPresence = kGate + 2;
+  constexpr std::uint64_t kOpen = kGate + 2;
   const auto other = memory_->Open(kPath, FileSystem::OpenMode::ReadWrite);
   ASSERT_TRUE(other->TryLock(kGate, 1, File::LockKind::Exclusive));
-  ASSERT_TRUE(other->TryLock(kPresence, 1, File::LockKind::Exclusive));
+  ASSERT_TRUE(other->TryLock(kOpen, 1, File::LockKind::Exclusive));
   memory_->OnPause([&] {
-    if (memory_->Paused().count() >= 60) other->Unlock(kPresence, 1);
+    if (memory_->Paused().count() >= 60) other->Unlock(kOpen, 1);
   });
   EXPECT_NE(FailureOf([&] { static_cast<void>(Open()); }), "");
   EXPECT_EQ(memory_->Paused().count(), 100);

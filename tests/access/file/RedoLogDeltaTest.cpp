@@ -123,8 +123,8 @@ TEST_F(RedoLogDeltaTest, EveryReaderPutsTogetherWhatTheWriterHas) {
     }
     if (statement % 7 != 6) continue;
     RedoLog newcomer(*memory_, kPath, true);
-    static_cast<void>(newcomer.TakeIn(changed_));
-    static_cast<void>(follower.TakeIn(changed_));
+    static_cast<void>(newcomer.Refresh(changed_));
+    static_cast<void>(follower.Refresh(changed_));
     for (RedoLog* log : {&writer, &follower, &newcomer}) {
       for (const Page& expected : pages) {
         if (writer.Find(expected.Number()) != nullptr) ExpectSame(Read(*log, expected.Number()), expected);
@@ -194,7 +194,7 @@ TEST_F(RedoLogDeltaTest, AStatementWhoseDeltaDoesNotFollowItsPageDoesNotCount) {
                              Checksum(Checksum(chain, statement.first(0x20)), statement.subspan(0x20, 25)));
     memory_->SetContents(kLog, bad);
     RedoLog reader(*memory_, kPath, false);
-    static_cast<void>(reader.TakeIn(changed_));
+    static_cast<void>(reader.Refresh(changed_));
     EXPECT_EQ(reader.End(), second);
     EXPECT_EQ(Read(reader, 6).U8(100), 1);
   }
@@ -265,7 +265,7 @@ TEST_F(RedoLogDeltaTest, ALogOfWholePagesOfAnEarlierVersionIsAppliedAndTakesWhol
     EXPECT_EQ(memory->Paths(), std::vector<std::string>{kPath});
   }
   RedoLog log(*memory_, kPath, false);
-  static_cast<void>(log.TakeIn(changed_));
+  static_cast<void>(log.Refresh(changed_));
   SetByte(log, page, 100, 1);
   EXPECT_EQ(memory_->Contents(kLog).size(), 0x180 + 2 * log_layout::WholePagesSize(1));
   ExpectSame(Read(log, 6), page);
@@ -282,14 +282,14 @@ TEST_F(RedoLogDeltaTest, AnyBytesOfDeltasAreReadWithoutHarm) {
     // The reader has taken the log in when its bytes change under it.
     RedoLog reader(*memory_, kPath, true);
     memory_->SetContents(kLog, good);
-    static_cast<void>(reader.TakeIn(changed_));
+    static_cast<void>(reader.Refresh(changed_));
     for (unsigned i = 0; i < 1 + random.Below(6); ++i) bad[0x180 + random.Below(bad.size() - 0x180)] = random.Byte();
     bad.resize(random.Below(3) == 0 ? random.Below(bad.size()) : bad.size());
     memory_->SetContents(kLog, bad);
     RedoLog newcomer(*memory_, kPath, true);
     for (RedoLog* log : {&reader, &newcomer}) {
       try {
-        if (log == &newcomer) static_cast<void>(log->TakeIn(changed_));
+        if (log == &newcomer) static_cast<void>(log->Refresh(changed_));
         if (const LoggedPage* logged = log->Find(6)) log->ReadPage(6, *logged, *database_, page.AllMutable());
       } catch (const Error&) {
       }

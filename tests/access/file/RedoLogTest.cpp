@@ -103,16 +103,16 @@ TEST_F(RedoLogTest, AnotherReaderTakesInWhatIsNew) {
   const auto database = memory_.Open(kPath, FileSystem::OpenMode::ReadOnly);
   RedoLog writer(memory_, kPath, false);
   RedoLog reader(memory_, kPath, false);
-  EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::None);
+  EXPECT_EQ(reader.Refresh(changed_), RedoLog::Change::None);
   EXPECT_FALSE(reader.HasFile());
   Append(writer, PageOf(6, 1), 5);
-  EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::Replaced);
+  EXPECT_EQ(reader.Refresh(changed_), RedoLog::Change::Replaced);
   EXPECT_EQ(reader.PageCount(), 16u);
-  EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::None);
+  EXPECT_EQ(reader.Refresh(changed_), RedoLog::Change::None);
   changed_.clear();
   Append(writer, PageOf(6, 2), 99, 17);
   Append(writer, PageOf(9, 3), 7, 18);
-  EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::Statements);
+  EXPECT_EQ(reader.Refresh(changed_), RedoLog::Change::Statements);
   EXPECT_EQ(changed_, (std::vector<PageNumber>{6, 9}));
   EXPECT_EQ(reader.PageCount(), 18u);
   ASSERT_NE(reader.Find(6), nullptr);
@@ -121,20 +121,20 @@ TEST_F(RedoLogTest, AnotherReaderTakesInWhatIsNew) {
   Page page(6);
   reader.ReadPage(6, *reader.Find(6), *database, page.AllMutable());
   EXPECT_EQ(page.U8(100), 2);
-  EXPECT_EQ(writer.TakeIn(changed_), RedoLog::News::None);
+  EXPECT_EQ(writer.Refresh(changed_), RedoLog::Change::None);
 }
 
 TEST_F(RedoLogTest, ResetMakesAnotherLogOfIt) {
   RedoLog writer(memory_, kPath, false);
   RedoLog reader(memory_, kPath, false);
   Append(writer, PageOf(6, 1), 5);
-  static_cast<void>(reader.TakeIn(changed_));
+  static_cast<void>(reader.Refresh(changed_));
   const auto salt = GetLittle<std::uint64_t>(Bytes(), 0x10);
   writer.Reset(kOwner);
   EXPECT_EQ(memory_.Contents(kLog).size(), 0x180u);
   EXPECT_NE(GetLittle<std::uint64_t>(Bytes(), 0x10), salt);
   Append(writer, PageOf(7, 2), 5);
-  EXPECT_EQ(reader.TakeIn(changed_), RedoLog::News::Replaced);
+  EXPECT_EQ(reader.Refresh(changed_), RedoLog::Change::Replaced);
   EXPECT_EQ(reader.Find(6), nullptr);
   EXPECT_NE(reader.Find(7), nullptr);
 }
@@ -151,7 +151,7 @@ TEST_F(RedoLogTest, StaleStatementsOfAnOlderLogAreNeverTakenForNew) {
   mixed.insert(mixed.end(), stale.begin() + static_cast<std::ptrdiff_t>(mixed.size()), stale.end());
   memory_.SetContents(kLog, mixed);
   RedoLog reader(memory_, kPath, false);
-  static_cast<void>(reader.TakeIn(changed_));
+  static_cast<void>(reader.Refresh(changed_));
   EXPECT_EQ(changed_, std::vector<PageNumber>{6});
   EXPECT_EQ(reader.End(), 0x11D0u);
 }
@@ -165,7 +165,7 @@ TEST_F(RedoLogTest, AppendingWritesOverATornEnd) {
   torn.insert(torn.end(), 5000, 0x53);
   memory_.SetContents(kLog, torn);
   RedoLog log(memory_, kPath, false);
-  static_cast<void>(log.TakeIn(changed_));
+  static_cast<void>(log.Refresh(changed_));
   Append(log, PageOf(7, 2), 5);
   EXPECT_EQ(memory_.Contents(kLog).size(), 0x11D0u + 0x1050u);
 }
@@ -174,7 +174,7 @@ TEST_F(RedoLogTest, AStatementThatNamesAPagePastItsEndDoesNotCount) {
   RedoLog writer(memory_, kPath, false);
   Append(writer, PageOf(16, 1), 5, 16);
   RedoLog reader(memory_, kPath, false);
-  static_cast<void>(reader.TakeIn(changed_));
+  static_cast<void>(reader.Refresh(changed_));
   EXPECT_FALSE(reader.HasStatements());
 }
 
@@ -197,14 +197,14 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   EXPECT_EQ(GetLittle<std::uint64_t>(bytes, 0x158),
             Checksum(GetLittle<std::uint64_t>(bytes, 0x10), bytes.subspan(0x148, 16)));
   // What is applied does not count any more.
-  EXPECT_EQ(log.TakeIn(changed_), RedoLog::News::Replaced);
+  EXPECT_EQ(log.Refresh(changed_), RedoLog::Change::Replaced);
   EXPECT_FALSE(log.HasStatements());
   // Before that its old pages may be gone, but the mark says why.
   auto applying = memory_.Contents(kLog);
   std::fill(applying.begin() + 0x158, applying.begin() + 0x160, std::uint8_t{0});
   memory_.SetContents(kLog, applying);
   RedoLog other(memory_, kPath, false);
-  static_cast<void>(other.TakeIn(changed_));
+  static_cast<void>(other.Refresh(changed_));
   EXPECT_TRUE(other.HasStatements());
   EXPECT_TRUE(other.BelongsTo(*database));
   // Without the mark it is a log of another state.
@@ -212,7 +212,7 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   std::fill(unmarked.begin() + 0x148, unmarked.begin() + 0x160, std::uint8_t{0});
   memory_.SetContents(kLog, unmarked);
   RedoLog third(memory_, kPath, false);
-  static_cast<void>(third.TakeIn(changed_));
+  static_cast<void>(third.Refresh(changed_));
   EXPECT_TRUE(third.HasStatements());
   EXPECT_FALSE(third.BelongsTo(*database));
 }
@@ -234,7 +234,7 @@ TEST_F(RedoLogTest, AnyBytesAreReadWithoutHarm) {
     memory_.SetContents(kLog, bad);
     RedoLog reader(memory_, kPath, false);
     try {
-      static_cast<void>(reader.TakeIn(changed_));
+      static_cast<void>(reader.Refresh(changed_));
     } catch (const Error&) {
     }
     EXPECT_LE(reader.End(), bad.size());

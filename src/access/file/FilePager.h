@@ -24,14 +24,14 @@ class FileWasReplaced : public std::exception {
 
 /// The pager of a file: statements over the page cache, the redo log and the database file. See Pager.h for the
 /// promises and its numbered rules, which the comments here cite.
-class PagerImplementation final : public Pager {
+class FilePager final : public Pager {
  public:
   /// `deadline` is that of the locks that opening takes.
-  PagerImplementation(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options,
-                      const LockDeadline& deadline);
-  ~PagerImplementation() override;
-  PagerImplementation(const PagerImplementation&) = delete;
-  PagerImplementation& operator=(const PagerImplementation&) = delete;
+  FilePager(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options,
+            const LockDeadline& deadline);
+  ~FilePager() override;
+  FilePager(const FilePager&) = delete;
+  FilePager& operator=(const FilePager&) = delete;
 
   [[nodiscard]] bool IsReadOnly() const override { return readOnly_; }
   [[nodiscard]] const std::string& Path() const override { return path_; }
@@ -61,7 +61,7 @@ class PagerImplementation final : public Pager {
  private:
   enum class State { Idle, Reading, Writing, Closed };
 
-  // Opening (PagerImplementation.cpp, up to the pages).
+  // Opening (FilePager.cpp, up to the pages).
   void Start(const LockDeadline& deadline);
   void ReadHeader();
   void RecoverWhenAlone(const LockDeadline& deadline);
@@ -79,9 +79,9 @@ class PagerImplementation final : public Pager {
   void Store();
   void Undo();
 
-  // Taking in what others have done (rule 5; PagerLog.cpp, as all that follows but the pages).
+  // What others have committed (rule 5; FilePagerLog.cpp, as all that follows but the pages).
   [[nodiscard]] bool Refresh();
-  [[nodiscard]] bool TakeInOthers();
+  [[nodiscard]] bool ReadLogAndFile();
   void DropCache();
   void RefreshForReading(const LockDeadline& deadline);
   void RefreshForWriting(const LockDeadline& deadline);

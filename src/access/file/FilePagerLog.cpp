@@ -1,4 +1,4 @@
-// What the pager does with the redo log: it takes in what others have committed, commits, makes checkpoints, and
+// What the pager does with the redo log: it reads what others have committed, commits, makes checkpoints, and
 // leaves.
 #include <algorithm>
 #include <chrono>
@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "access/file/EngineError.h"
+#include "access/file/FilePager.h"
 #include "access/file/Format.h"
-#include "access/file/PagerImplementation.h"
 
 namespace tavi::access {
 
@@ -22,32 +22,32 @@ constexpr std::uint64_t kPartsOfPatience = 8;
 }  // namespace
 
 // ---------------------------------------------------------------------------------------------------------------------
-// Taking in what others have done
+// What others have committed
 // ---------------------------------------------------------------------------------------------------------------------
 
 // False when the log must be set aside first: it is not one of ours, or another program has written the database.
-bool PagerImplementation::Refresh() {
+bool FilePager::Refresh() {
   try {
-    return TakeInOthers();
+    return ReadLogAndFile();
   } catch (...) {
-    // Part of the news may have been taken in. Without the stamp the next statement trusts no page that is cached.
+    // Part of the changes may have been read. Without the stamp the next statement trusts no page that is cached.
     stamp_.reset();
     throw;
   }
 }
 
-bool PagerImplementation::TakeInOthers() {
+bool FilePager::ReadLogAndFile() {
   std::vector<PageNumber> taken;
-  switch (log_.TakeIn(taken)) {
-    case RedoLog::News::None:
+  switch (log_.Refresh(taken)) {
+    case RedoLog::Change::None:
       break;
-    case RedoLog::News::Statements:
+    case RedoLog::Change::Statements:
       for (const PageNumber number : taken) cache_.Erase(number);
       ++generation_;
       // Whoever appended them may be gone.
       log_.FlushSoon();
       break;
-    case RedoLog::News::Replaced:
+    case RedoLog::Change::Replaced:
       log_.FlushSoon();
       DropCache();
       hasOwnStatements_ = false;
@@ -68,12 +68,12 @@ bool PagerImplementation::TakeInOthers() {
   return true;
 }
 
-void PagerImplementation::DropCache() {
+void FilePager::DropCache() {
   cache_.Clear();
   ++generation_;
 }
 
-void PagerImplementation::RefreshForReading(const LockDeadline& deadline) {
+void FilePager::RefreshForReading(const LockDeadline& deadline) {
   if (Refresh()) return;
   if (readOnly_) {
     Report("The log of '" + path_ + "' belongs to another state of the file and is left out of account.");
@@ -90,14 +90,14 @@ void PagerImplementation::RefreshForReading(const LockDeadline& deadline) {
   if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
 }
 
-void PagerImplementation::RefreshForWriting(const LockDeadline& deadline) {
+void FilePager::RefreshForWriting(const LockDeadline& deadline) {
   if (Refresh()) return;
   const SoleUse use(lock_, deadline);
   SetLogAside(false);
 }
 
 // The statement that has met it fails, so that people learn of it; the next one goes on without that log.
-void PagerImplementation::SetLogAside(bool isAlone) {
+void FilePager::SetLogAside(bool isAlone) {
   const std::string reason = log_.IsUnknown() ? "' cannot be understood: its start is damaged, another version has "
                                                 "written it, or it is something else."
                                               : "' does not belong to the file as it now is: another program has "
@@ -115,7 +115,7 @@ void PagerImplementation::SetLogAside(bool isAlone) {
 // ---------------------------------------------------------------------------------------------------------------------
 
 // False when nothing had changed after all.
-bool PagerImplementation::AppendToLog() {
+bool FilePager::AppendToLog() {
   const std::vector<PageNumber> numbers = changes_.Differing();
   if (numbers.empty()) return false;
   std::vector<StatementPage> pages;
@@ -138,7 +138,7 @@ bool PagerImplementation::AppendToLog() {
 }
 
 // What the database file holds for the page; `base` is its committed content, if it was read.
-PageSums PagerImplementation::ContentInDatabase(PageNumber number, const PageHandle& base) {
+PageSums FilePager::ContentInDatabase(PageNumber number, const PageHandle& base) {
   if (const LoggedPage* logged = log_.Find(number)) return logged->before;
   if (number >= FilePageCount()) return {};
   if (base != nullptr && header_.databaseKey == 0) return PageSums::Of(base->All());
@@ -152,7 +152,7 @@ PageSums PagerImplementation::ContentInDatabase(PageNumber number, const PageHan
   return PageSums::Of(stored.All());
 }
 
-void PagerImplementation::KeepChangedPages() {
+void FilePager::KeepChangedPages() {
   for (auto& [number, changed] : changes_.TakeAll()) cache_.Put(std::move(changed.live));
 }
 
@@ -160,7 +160,7 @@ void PagerImplementation::KeepChangedPages() {
 // Checkpoints
 // ---------------------------------------------------------------------------------------------------------------------
 
-void PagerImplementation::Checkpoint(bool isAlone) {
+void FilePager::Checkpoint(bool isAlone) {
   // Until the end the state of the file is not known to this pager.
   stamp_.reset();
   if (log_.HasStatements()) log_.ApplyTo(*file_);
@@ -175,7 +175,7 @@ void PagerImplementation::Checkpoint(bool isAlone) {
 }
 
 // Readers are not disturbed by it: while one is reading it is put off, until the log has grown by another part.
-void PagerImplementation::CheckpointWhenLogIsLong() {
+void FilePager::CheckpointWhenLogIsLong() {
   if (log_.End() < checkpointAt_) return;
   try {
     if (!lock_.TryAcquireExclusive({*fileSystem_, std::min(options_.lockTimeout, kPatienceWithReaders)})) {
@@ -191,7 +191,7 @@ void PagerImplementation::CheckpointWhenLogIsLong() {
   lock_.Release();
 }
 
-void PagerImplementation::Close() {
+void FilePager::Close() {
   if (state_ == State::Closed) return;
   Rollback();
   EndRead();
@@ -213,7 +213,7 @@ void PagerImplementation::Close() {
 }
 
 // The last checkpoint: when this pager has statements of its own in the log, or is the last one that could make it.
-void PagerImplementation::LeaveLog() {
+void FilePager::LeaveLog() {
   if (readOnly_ || !log_.HasFile()) return;
   const bool isAlone = lock_.TryBecomeAlone();
   if (isAlone || hasOwnStatements_) {
@@ -226,7 +226,7 @@ void PagerImplementation::LeaveLog() {
   RaiseFailedFlush();
 }
 
-void PagerImplementation::BringLogIn(bool isAlone) {
+void FilePager::BringLogIn(bool isAlone) {
   if (const auto foreign = lockFile_.FindUse()) {
     return LeaveLogToOthers("was not brought into the file. " + foreign->Describe() + ".");
   }
@@ -243,12 +243,12 @@ void PagerImplementation::BringLogIn(bool isAlone) {
   }
 }
 
-void PagerImplementation::LeaveLogToOthers(const std::string& why) {
+void FilePager::LeaveLogToOthers(const std::string& why) {
   Report("The log of '" + path_ + "' " + why);
   log_.Flush();
 }
 
-void PagerImplementation::RaiseFailedFlush() {
+void FilePager::RaiseFailedFlush() {
   const std::optional<std::string> reason = log_.TakeFailedFlush();
   if (!reason) return;
   RaiseFailure("Could not flush what was stored last in '" + path_ + "' to the disk: " + *reason +
@@ -257,14 +257,14 @@ void PagerImplementation::RaiseFailedFlush() {
 }
 
 // What is appended to a doubtful log would not count.
-void PagerImplementation::RequireSoundLog(const LockDeadline& deadline) {
+void FilePager::RequireSoundLog(const LockDeadline& deadline) {
   RaiseFailedFlush();
   if (!log_.IsDoubtful()) return;
   const SoleUse use(lock_, deadline);
   Checkpoint(false);
 }
 
-void PagerImplementation::Flush() {
+void FilePager::Flush() {
   if (readOnly_) return;
   {
     const ReadStatement upToDate(*this);
@@ -276,7 +276,7 @@ void PagerImplementation::Flush() {
   lock_.ReleaseWriter();
 }
 
-void PagerImplementation::Report(const std::string& text) const {
+void FilePager::Report(const std::string& text) const {
   if (options_.report) options_.report(text);
 }
 

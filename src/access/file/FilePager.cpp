@@ -1,4 +1,4 @@
-#include "access/file/PagerImplementation.h"
+#include "access/file/FilePager.h"
 
 #include <algorithm>
 #include <exception>
@@ -14,8 +14,8 @@ namespace tavi::access {
 // Opening
 // ---------------------------------------------------------------------------------------------------------------------
 
-PagerImplementation::PagerImplementation(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options,
-                                         const LockDeadline& deadline)
+FilePager::FilePager(std::shared_ptr<FileSystem> fileSystem, std::string path, PagerOptions options,
+                     const LockDeadline& deadline)
     : fileSystem_(std::move(fileSystem)),
       path_(std::move(path)),
       canonical_(fileSystem_->CanonicalPath(path_)),
@@ -31,7 +31,7 @@ PagerImplementation::PagerImplementation(std::shared_ptr<FileSystem> fileSystem,
   Start(deadline);
 }
 
-PagerImplementation::~PagerImplementation() {
+FilePager::~FilePager() {
   try {
     Close();
   } catch (const std::exception&) {
@@ -39,8 +39,8 @@ PagerImplementation::~PagerImplementation() {
   }
 }
 
-void PagerImplementation::Start(const LockDeadline& deadline) {
-  lock_.EnterPresence(deadline);
+void FilePager::Start(const LockDeadline& deadline) {
+  lock_.AcquireOpen(deadline);
   // Whoever had the file alone may have put another one into its place while we waited.
   if (!file_->IsStillAt(canonical_)) throw FileWasReplaced();
   EnterRead(deadline);
@@ -56,7 +56,7 @@ void PagerImplementation::Start(const LockDeadline& deadline) {
   if (options_.alone) StayAlone(deadline);
 }
 
-void PagerImplementation::ReadHeader() {
+void FilePager::ReadHeader() {
   Page first(format::kHeaderPage);
   const std::uint64_t size = log_.HasStatements() ? std::uint64_t{log_.PageCount()} * kPageSize : fileSize_;
   const auto stored = first.AllMutable().first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kPageSize)));
@@ -77,7 +77,7 @@ void PagerImplementation::ReadHeader() {
 }
 
 // Brings a log that a crash left behind into the file. Where others have the file open it is their log.
-void PagerImplementation::RecoverWhenAlone(const LockDeadline& deadline) {
+void FilePager::RecoverWhenAlone(const LockDeadline& deadline) {
   if (readOnly_ || !log_.HasFile() || lockFile_.FindUse()) return;
   if (!lock_.TryBecomeAlone()) return;
   try {
@@ -92,7 +92,7 @@ void PagerImplementation::RecoverWhenAlone(const LockDeadline& deadline) {
   lock_.LeaveAlone();
 }
 
-void PagerImplementation::StayAlone(const LockDeadline& deadline) {
+void FilePager::StayAlone(const LockDeadline& deadline) {
   if (readOnly_) RaiseReadOnly();
   RefuseForeignUse();
   lock_.BecomeAlone(deadline);
@@ -101,7 +101,7 @@ void PagerImplementation::StayAlone(const LockDeadline& deadline) {
   if (log_.HasFile()) Checkpoint(true);
 }
 
-void PagerImplementation::RefuseForeignUse() const {
+void FilePager::RefuseForeignUse() const {
   const auto foreign = lockFile_.FindUse();
   if (!foreign) return;
   RaiseFailure("Could not use '" + path_ + "'; file already in use. " + foreign->Describe() +
@@ -109,7 +109,7 @@ void PagerImplementation::RefuseForeignUse() const {
 }
 
 // The log lies beside one of the names; who comes by another one would not find it.
-void PagerImplementation::RefuseSeveralNames() const {
+void FilePager::RefuseSeveralNames() const {
   const std::uint64_t names = file_->Identity().names;
   if (names <= 1) return;
   RaiseFailure("Could not use '" + path_ + "' for changes: the file has " + std::to_string(names) +
@@ -117,7 +117,7 @@ void PagerImplementation::RefuseSeveralNames() const {
                "copy of the file, and use that.");
 }
 
-void PagerImplementation::RaiseReadOnly() const {
+void FilePager::RaiseReadOnly() const {
   throw Error(ErrorNumber::ProviderPermission, kErrorSource,
               "Cannot update.  Database or object is read-only. '" + path_ +
                   (header_.isJet3 ? "' is a file of Access 97, which is only read; convert it to Access 2002-2003."
@@ -128,12 +128,12 @@ void PagerImplementation::RaiseReadOnly() const {
 // Statements and transactions
 // ---------------------------------------------------------------------------------------------------------------------
 
-void PagerImplementation::BeginRead() {
+void FilePager::BeginRead() {
   EnterRead(NewDeadline());
 }
 
-// The writer sees its own changes, and nobody else can commit any, so there is nothing to lock or to take in.
-void PagerImplementation::EnterRead(const LockDeadline& deadline) {
+// The writer sees its own changes, and nobody else can commit any, so there is nothing to lock or to read.
+void FilePager::EnterRead(const LockDeadline& deadline) {
   if (state_ != State::Idle)
     RaiseFailure("A read statement was begun on '" + path_ + "' inside another or after Close.");
   if (!lock_.HoldsWriter()) {
@@ -149,13 +149,13 @@ void PagerImplementation::EnterRead(const LockDeadline& deadline) {
   state_ = State::Reading;
 }
 
-void PagerImplementation::EndRead() {
+void FilePager::EndRead() {
   if (state_ != State::Reading) return;
   state_ = State::Idle;
   if (!lock_.HoldsWriter()) lock_.Release();
 }
 
-void PagerImplementation::BeginWrite() {
+void FilePager::BeginWrite() {
   if (state_ != State::Idle)
     RaiseFailure("A write statement was begun on '" + path_ + "' inside another or after Close.");
   if (readOnly_) RaiseReadOnly();
@@ -164,20 +164,20 @@ void PagerImplementation::BeginWrite() {
   state_ = State::Writing;
 }
 
-void PagerImplementation::Commit() {
+void FilePager::Commit() {
   if (state_ != State::Writing) RaiseFailure("Commit was called on '" + path_ + "' outside of a write statement.");
   if (transactions_ == 0) return Store();
   changes_.KeepLevel();
   state_ = State::Idle;
 }
 
-void PagerImplementation::Rollback() {
+void FilePager::Rollback() {
   if (state_ != State::Writing) return;
   Undo();
   state_ = State::Idle;
 }
 
-std::int32_t PagerImplementation::BeginTransaction() {
+std::int32_t FilePager::BeginTransaction() {
   if (state_ != State::Idle)
     RaiseFailure("A transaction was begun on '" + path_ + "' inside a statement or after Close.");
   if (transactions_ == 0 && !readOnly_) BecomeWriter();
@@ -185,7 +185,7 @@ std::int32_t PagerImplementation::BeginTransaction() {
   return ++transactions_;
 }
 
-void PagerImplementation::CommitTransaction() {
+void FilePager::CommitTransaction() {
   RequireTransaction("commit");
   if (transactions_ > 1) {
     changes_.KeepLevel();
@@ -197,13 +197,13 @@ void PagerImplementation::CommitTransaction() {
   Store();
 }
 
-void PagerImplementation::RollbackTransaction() {
+void FilePager::RollbackTransaction() {
   RequireTransaction("roll back");
   Undo();
   --transactions_;
 }
 
-void PagerImplementation::RequireTransaction(const std::string& what) const {
+void FilePager::RequireTransaction(const std::string& what) const {
   if (state_ != State::Idle)
     RaiseFailure("A transaction on '" + path_ + "' was to end inside a statement or after Close.");
   if (transactions_ == 0) {
@@ -212,7 +212,7 @@ void PagerImplementation::RequireTransaction(const std::string& what) const {
   }
 }
 
-void PagerImplementation::RefuseForeignChange() const {
+void FilePager::RefuseForeignChange() const {
   RefuseForeignUse();
   // Without a stamp a checkpoint of our own has failed in the middle, and the log says what counts.
   if (!stamp_ || file_->ModificationStamp() == stamp_) return;
@@ -221,7 +221,7 @@ void PagerImplementation::RefuseForeignChange() const {
                "begin it again.");
 }
 
-void PagerImplementation::BecomeWriter() {
+void FilePager::BecomeWriter() {
   const LockDeadline deadline = NewDeadline();
   lock_.AcquireWriter(deadline);
   try {
@@ -237,7 +237,7 @@ void PagerImplementation::BecomeWriter() {
 }
 
 // Ends what is open, a write statement or the only transaction, once its changes are in the log.
-void PagerImplementation::Store() {
+void FilePager::Store() {
   const bool any = !changes_.IsEmpty();
   if (any) RequireSoundLog(NewDeadline());
   if (any && AppendToLog()) hasOwnStatements_ = true;
@@ -254,7 +254,7 @@ void PagerImplementation::Store() {
   lock_.ReleaseWriter();
 }
 
-void PagerImplementation::Undo() {
+void FilePager::Undo() {
   const PageChanges::Undone undone = changes_.UndoLevel();
   pageCount_ = undone.pageCount;
   if (undone.any) ++generation_;
@@ -265,7 +265,7 @@ void PagerImplementation::Undo() {
 // Pages
 // ---------------------------------------------------------------------------------------------------------------------
 
-void PagerImplementation::RequireStatement(PageNumber number) const {
+void FilePager::RequireStatement(PageNumber number) const {
   if (!InStatement())
     RaiseFailure("Page " + std::to_string(number) + " of '" + path_ + "' was asked for outside of a statement.");
   if (number >= pageCount_) {
@@ -274,7 +274,7 @@ void PagerImplementation::RequireStatement(PageNumber number) const {
   }
 }
 
-PageHandle PagerImplementation::Read(PageNumber number) {
+PageHandle FilePager::Read(PageNumber number) {
   RequireStatement(number);
   if (!changes_.IsEmpty()) {
     if (PageHandle changed = changes_.Read(number)) return changed;
@@ -282,7 +282,7 @@ PageHandle PagerImplementation::Read(PageNumber number) {
   return ReadCommitted(number);
 }
 
-PageHandle PagerImplementation::ReadCommitted(PageNumber number) {
+PageHandle FilePager::ReadCommitted(PageNumber number) {
   if (PageHandle cached = cache_.Find(number)) return cached;
   const auto page = std::make_shared<Page>(number);
   ReadStored(number, *page);
@@ -291,19 +291,19 @@ PageHandle PagerImplementation::ReadCommitted(PageNumber number) {
   return page;
 }
 
-void PagerImplementation::ReadStored(PageNumber number, Page& target) {
+void FilePager::ReadStored(PageNumber number, Page& target) {
   if (const LoggedPage* logged = log_.Find(number)) return log_.ReadPage(number, *logged, *file_, target.AllMutable());
   if (number >= FilePageCount()) RaiseDamage("page " + std::to_string(number) + " of '" + path_ + "' is missing.");
   file_->ReadAt(std::uint64_t{number} * header_.pageSize, target.AllMutable().first(header_.pageSize));
 }
 
 // Encoded files: from the stored form to the plain one or back.
-void PagerImplementation::ToggleEncoding(Page& page) const {
+void FilePager::ToggleEncoding(Page& page) const {
   if (header_.databaseKey == 0 || page.Number() == format::kHeaderPage) return;
   ApplyRc4(header_.databaseKey ^ page.Number(), page.AllMutable().first(header_.pageSize));
 }
 
-Page& PagerImplementation::Write(PageNumber number) {
+Page& FilePager::Write(PageNumber number) {
   RequireStatement(number);
   if (state_ != State::Writing)
     RaiseFailure("Page " + std::to_string(number) + " was to be changed in a read statement.");
@@ -311,7 +311,7 @@ Page& PagerImplementation::Write(PageNumber number) {
   return changes_.Add(number, ReadCommitted(number));
 }
 
-Page& PagerImplementation::WriteNew(PageNumber number) {
+Page& FilePager::WriteNew(PageNumber number) {
   if (state_ != State::Writing)
     RaiseFailure("Page " + std::to_string(number) + " was to be written outside of a write statement.");
   if (number > pageCount_ || number >= format::kMaximumPageCount) {
