@@ -1,8 +1,5 @@
 #include "access/provider/AccessConnection.h"
 
-#include "access/provider/AccessRecordset.h"
-#include "access/provider/ProviderError.h"
-#include "access/provider/SchemaRows.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access {

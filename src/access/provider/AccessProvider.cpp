@@ -1,11 +1,73 @@
 #include "access/provider/AccessProvider.h"
 
+#include "access/file/EngineError.h"
 #include "access/file/StatementLock.h"
 #include "access/provider/AccessConnection.h"
-#include "access/provider/ConnectionString.h"
-#include "access/provider/ProviderError.h"
+#include "platform/values/Text.h"
 
 namespace tavi::access {
+
+namespace {
+
+constexpr std::string_view kProviders[] = {"Microsoft.Jet.OLEDB", "Microsoft.ACE.OLEDB"};
+
+/// Takes the value at `position`, quoted (a quote in it is doubled) or up to the next semicolon, and moves behind its
+/// end.
+std::string TakeValue(std::string_view text, std::size_t& position) {
+  while (position < text.size() && text[position] == ' ') ++position;
+  if (position < text.size() && (text[position] == '"' || text[position] == '\'')) {
+    const char quote = text[position++];
+    std::string value;
+    for (;; ++position) {
+      const std::size_t end = text.find(quote, position);
+      if (end == std::string_view::npos) RaiseFailure("The connection string has a quote that is not closed.");
+      value += text.substr(position, end - position);
+      position = end + 1;
+      const bool isDoubled = position < text.size() && text[position] == quote;
+      if (!isDoubled) break;
+      value += quote;
+    }
+    position = std::min(text.find(';', position), text.size());
+    return value;
+  }
+  const std::size_t end = std::min(text.find(';', position), text.size());
+  std::string value = Trim(text.substr(position, end - position));
+  position = end;
+  return value;
+}
+
+void CheckProvider(const std::string& name) {
+  for (const std::string_view known : kProviders) {
+    if (EqualIgnoringCase(FirstCharacters(name, known.size()), known)) return;
+  }
+  RaiseFailure("The provider '" + name +
+               "' of the connection string is not known here; write "
+               "Provider=Microsoft.Jet.OLEDB.4.0.");
+}
+
+}  // namespace
+
+ConnectionString ParseConnectionString(std::string_view text) {
+  ConnectionString result;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t equals = text.find('=', position);
+    if (equals == std::string_view::npos) {
+      if (Trim(text.substr(position)).empty()) break;
+      RaiseFailure("The connection string has an item without '=': '" + std::string(text.substr(position)) + "'.");
+    }
+    const std::string name = Trim(text.substr(position, equals - position));
+    position = equals + 1;
+    std::string value = TakeValue(text, position);
+    ++position;
+    if (EqualIgnoringCase(name, "Provider")) CheckProvider(value);
+    if (EqualIgnoringCase(name, "Data Source")) result.dataSource = value;
+    if (EqualIgnoringCase(name, "Mode")) result.readOnly = EqualIgnoringCase(value, "Read");
+    if (EqualIgnoringCase(name, "Flush") && EqualIgnoringCase(value, "Each")) result.flush = FlushTime::EachStatement;
+  }
+  if (result.dataSource.empty()) RaiseFailure("The connection string names no file; write Data Source=PATH.");
+  return result;
+}
 
 namespace {
 

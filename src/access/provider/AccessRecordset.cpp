@@ -1,6 +1,4 @@
-#include "access/provider/AccessRecordset.h"
-
-#include "access/provider/ProviderError.h"
+#include "access/provider/AccessConnection.h"
 #include "access/sql/plan/ExecutionErrors.h"
 
 namespace tavi::access {

@@ -1,8 +1,7 @@
-#include "access/provider/SchemaRows.h"
-
 #include <algorithm>
 
 #include "access/file/Format.h"
+#include "access/provider/AccessConnection.h"
 #include "access/sql/plan/ExecutionErrors.h"
 #include "access/sql/plan/Plan.h"
 #include "access/sql/run/ResultSet.h"

@@ -1,4 +1,4 @@
-#include "access/provider/ConnectionString.h"
+#include "access/provider/AccessProvider.h"
 
 #include <gtest/gtest.h>
 

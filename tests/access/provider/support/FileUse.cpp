@@ -5,7 +5,7 @@
 
 #include "access/catalog/Check.h"
 #include "access/file/Pager.h"
-#include "access/provider/SchemaRows.h"
+#include "access/provider/AccessConnection.h"
 #include "access/provider/support/CountingPager.h"
 #include "access/provider/support/Evening.h"
 #include "access/sql/run/Session.h"
