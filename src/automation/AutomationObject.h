@@ -7,7 +7,7 @@
 
 #include "automation/Answer.h"
 #include "automation/LateCall.h"
-#include "automation/ModuleLock.h"
+#include "automation/ModuleUse.h"
 #include "automation/TypeInformation.h"
 
 namespace tavi::automation {

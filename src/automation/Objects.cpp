@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "automation/CollectionObject.h"
+#include "automation/Conversion.h"
 
 namespace tavi::automation {
 namespace {
@@ -64,6 +65,16 @@ void Return(_Handicaps** result, const Handicaps& handicaps) {
 
 void Return(_EBUMembershipDetails** result, const EBUMembershipDetails& details) {
   *result = new EBUMembershipDetailsObject(details);
+}
+
+std::optional<double> OptionalDouble(const VARIANT& value) {
+  const VARIANT& given = Referred(value);
+  if (IsMissing(given) || given.vt == VT_EMPTY) return std::nullopt;
+  Variant number;
+  if (FAILED(ConvertVariant(number.Address(), given, VT_R8))) {
+    throw Error(ErrorNumber::TypeMismatch, "TaviMembership", "Type mismatch: a handicap has to be a number.");
+  }
+  return number.Get().dblVal;
 }
 
 }  // namespace tavi::automation

@@ -7,7 +7,7 @@
 #include "automation/HandiCalcSettingsMembers.h"
 #include "automation/HandicapsMembers.h"
 #include "automation/MembershipDatabaseMembers.h"
-#include "automation/ThreadUse.h"
+#include "automation/ModuleUse.h"
 
 /// The component's classes for automation. What their members do stands in their bases, which are made of the table of
 /// operations: each is a call of the operation of its name. Here is what an object consists of.

@@ -1,7 +1,7 @@
 // The four entries by which the system uses the library.
 #include "automation/Answer.h"
 #include "automation/ClassFactory.h"
-#include "automation/ModuleLock.h"
+#include "automation/ModuleUse.h"
 #include "automation/Registration.h"
 #include "platform/windows/Com.h"
 

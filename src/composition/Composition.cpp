@@ -4,7 +4,7 @@
 #include "access/file/FileSystem.h"
 #include "access/provider/AccessProvider.h"
 #include "composition/SystemParts.h"
-#include "platform/portable/Clocks.h"
+#include "platform/portable/PortableServices.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
 

@@ -2,10 +2,7 @@
 
 #include "composition/SystemParts.h"
 #include "names/NameKeys.h"
-#include "platform/portable/ConsoleMessageBoxes.h"
-#include "platform/portable/EmptyRegistry.h"
-#include "platform/portable/XdgShellFolders.h"
-#include "platform/portable/XmlSettingsDocuments.h"
+#include "platform/portable/PortableServices.h"
 #include "util/Paths.h"
 
 namespace tavi {

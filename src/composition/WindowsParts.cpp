@@ -1,10 +1,6 @@
 #include "composition/SystemParts.h"
 #include "names/NameKeys.h"
-#include "platform/windows/OutsideNameKeys.h"
-#include "platform/windows/SystemFolders.h"
-#include "platform/windows/SystemMessageBoxes.h"
-#include "platform/windows/SystemRegistry.h"
-#include "platform/windows/SystemXmlDocuments.h"
+#include "platform/windows/SystemServices.h"
 
 namespace tavi {
 

@@ -7,7 +7,6 @@
 #include "facade/ThreadStore.h"
 #include "handicaps/HandicapCalculation.h"
 #include "handicaps/HeldSettings.h"
-#include "handicaps/Recalculation.h"
 #include "members/AddressLists.h"
 #include "members/Members.h"
 #include "members/MembershipCheck.h"

@@ -7,7 +7,6 @@
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
 #include "util/SettingsStore.h"
-#include "util/SpecialFolders.h"
 
 namespace tavi {
 namespace {

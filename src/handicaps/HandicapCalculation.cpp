@@ -6,8 +6,8 @@
 
 #include "members/Members.h"
 #include "members/Partnerships.h"
-#include "platform/values/Calendar.h"
 #include "platform/values/Convert.h"
+#include "platform/values/Date.h"
 #include "platform/values/Text.h"
 #include "store/Values.h"
 

@@ -1,8 +1,7 @@
-#include "handicaps/Recalculation.h"
+#include "handicaps/HandicapCalculation.h"
 
 #include <optional>
 
-#include "handicaps/HandicapCalculation.h"
 #include "names/MemberValues.h"
 #include "platform/values/Convert.h"
 #include "store/OpenUse.h"

@@ -13,9 +13,9 @@
 #include "host/commands/Context.h"
 #include "host/commands/Score.h"
 #include "host/commands/WorkFolder.h"
-#include "host/rpc/RpcCommand.h"
+#include "host/rpc/Server.h"
 #include "host/sql/Shell.h"
-#include "platform/portable/ConsoleMessageBoxes.h"
+#include "platform/portable/PortableServices.h"
 #include "platform/values/Error.h"
 #include "util/Paths.h"
 

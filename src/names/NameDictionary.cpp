@@ -6,7 +6,6 @@
 #include <string>
 
 #include "names/NameSounds.h"
-#include "names/SoundDistance.h"
 
 namespace tavi {
 namespace {

@@ -6,7 +6,6 @@
 #include "names/NameLetters.h"
 #include "names/NameSounds.h"
 #include "names/NameTables.h"
-#include "names/SoundDistance.h"
 #include "platform/values/Text.h"
 
 namespace tavi {

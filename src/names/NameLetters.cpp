@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "names/Decompositions.h"
 #include "platform/values/Text.h"
 
 namespace tavi {

@@ -1,9 +1,7 @@
-#include "names/SoundDistance.h"
+#include "names/NameSounds.h"
 
 #include <algorithm>
 #include <array>
-
-#include "names/NameSounds.h"
 
 namespace tavi {
 namespace {

@@ -6,7 +6,6 @@
 
 #include "platform/values/Text.h"
 #include "store/Layout.h"
-#include "store/LayoutConversions.h"
 #include "store/OpenUse.h"
 #include "store/Transaction.h"
 #include "store/cDbFieldDef.h"

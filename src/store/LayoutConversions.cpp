@@ -1,4 +1,4 @@
-#include "store/LayoutConversions.h"
+#include "store/LayoutCheck.h"
 
 #include <array>
 

@@ -6,7 +6,7 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 #include "store/EmptyTables.h"
-#include "store/LayoutConversions.h"
+#include "store/LayoutCheck.h"
 #include "store/OpenUse.h"
 #include "store/cDatabase.h"
 #include "util/Diagnostics.h"

@@ -7,7 +7,6 @@
 #include "platform/values/Text.h"
 #include "util/NativeFiles.h"
 #include "util/Paths.h"
-#include "util/SpecialFolders.h"
 
 namespace tavi {
 namespace {

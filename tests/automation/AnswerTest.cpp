@@ -9,7 +9,7 @@
 #include "automation/CollectionObject.h"
 #include "automation/Conversion.h"
 #include "automation/ItemEnumerator.h"
-#include "automation/ThreadUse.h"
+#include "automation/ModuleUse.h"
 #include "facade/ThreadStore.h"
 
 namespace tavi::automation {

@@ -8,7 +8,7 @@
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
 #include "store/support/FakeFile.h"
-#include "util/SpecialFolders.h"
+#include "util/Paths.h"
 
 namespace tavi {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "facade/ThreadStore.h"
 #include "facade/support/Club.h"
-#include "handicaps/Recalculation.h"
+#include "handicaps/HandicapCalculation.h"
 #include "members/Partnerships.h"
 
 namespace tavi {

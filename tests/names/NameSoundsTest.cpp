@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "names/SoundDistance.h"
-
 namespace tavi {
 namespace {
 

@@ -1,4 +1,4 @@
-#include "util/SpecialFolders.h"
+#include "util/Paths.h"
 
 #include <gtest/gtest.h>
 

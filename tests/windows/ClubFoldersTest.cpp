@@ -8,7 +8,7 @@
 #include "platform/TemporaryFolder.h"
 #include "platform/values/WideText.h"
 #include "store/Layout.h"
-#include "util/SpecialFolders.h"
+#include "util/Paths.h"
 
 namespace tavi {
 namespace {

@@ -5,7 +5,7 @@
 #include "access/file/FileSystem.h"
 #include "access/file/support/TemporaryFolder.h"
 #include "access/provider/AccessProvider.h"
-#include "platform/portable/Clocks.h"
+#include "platform/portable/PortableServices.h"
 #include "windows/FlushCounter.h"
 
 namespace tavi::access {

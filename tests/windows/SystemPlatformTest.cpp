@@ -8,12 +8,9 @@
 #include "access/file/support/TemporaryFolder.h"
 #include "platform/values/Error.h"
 #include "platform/values/WideText.h"
-#include "platform/windows/OutsideNameKeys.h"
-#include "platform/windows/SystemFolders.h"
-#include "platform/windows/SystemRegistry.h"
-#include "platform/windows/SystemXmlDocuments.h"
+#include "platform/windows/SystemServices.h"
+#include "util/Paths.h"
 #include "util/SettingsStore.h"
-#include "util/SpecialFolders.h"
 
 namespace tavi {
 namespace {

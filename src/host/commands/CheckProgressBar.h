@@ -4,7 +4,7 @@
 
 #include "access/catalog/Check.h"
 #include "host/commands/Context.h"
-#include "host/text/ProgressBar.h"
+#include "host/text/Terminal.h"
 
 namespace tavi::host {
 

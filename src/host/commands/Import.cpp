@@ -6,7 +6,7 @@
 #include "host/imports/MemberImport.h"
 #include "host/imports/PairImport.h"
 #include "host/input/ClubFiles.h"
-#include "host/text/ProgressBar.h"
+#include "host/text/Terminal.h"
 #include "store/Transaction.h"
 
 namespace tavi::host {

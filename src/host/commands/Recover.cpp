@@ -10,7 +10,7 @@
 #include "host/commands/WorkFolder.h"
 #include "host/json/Json.h"
 #include "host/text/PathText.h"
-#include "host/text/ProgressBar.h"
+#include "host/text/Terminal.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"

@@ -7,7 +7,7 @@
 #include "host/input/FilePatterns.h"
 #include "host/json/Json.h"
 #include "host/results/UsebioReader.h"
-#include "host/text/ProgressBar.h"
+#include "host/text/Terminal.h"
 #include "platform/values/Error.h"
 
 namespace tavi::host {

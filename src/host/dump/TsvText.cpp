@@ -3,8 +3,8 @@
 #include <span>
 
 #include "host/dump/DatabaseDump.h"
-#include "platform/values/Calendar.h"
 #include "platform/values/Convert.h"
+#include "platform/values/Date.h"
 #include "platform/values/Digits.h"
 #include "platform/values/Text.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/rpc/RpcError.h"
+#include "host/rpc/RequestText.h"
 
 namespace tavi::host {
 namespace {

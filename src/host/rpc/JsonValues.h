@@ -9,7 +9,7 @@
 
 #include "facade/MembershipDatabase.h"
 #include "host/json/Json.h"
-#include "host/rpc/RpcError.h"
+#include "host/rpc/RequestText.h"
 
 /// The component's types as JSON. Objects of the component (settings, handicaps, rows of the governing body's list) are
 /// JSON objects with their properties as members, which come from the table of operations; dates are ISO 8601 texts.

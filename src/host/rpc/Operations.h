@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/rpc/JsonValues.h"
-#include "host/rpc/RpcError.h"
+#include "host/rpc/RequestText.h"
 
 namespace tavi::host {
 

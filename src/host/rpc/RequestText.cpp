@@ -5,8 +5,6 @@
 #include <cstdlib>
 #include <istream>
 
-#include "host/rpc/RpcError.h"
-
 namespace tavi::host {
 namespace {
 

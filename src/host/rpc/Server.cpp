@@ -1,10 +1,10 @@
 #include "host/rpc/Server.h"
 
 #include <algorithm>
+#include <istream>
 #include <ostream>
 
 #include "host/rpc/RequestText.h"
-#include "host/rpc/RpcError.h"
 #include "host/text/Table.h"
 #include "platform/values/Error.h"
 
@@ -158,6 +158,18 @@ std::optional<Json> Server::Answer(const Json& request) {
 Json Server::CallFor(const Json& request) {
   const Json* params = request.Find("params");
   return session_.Call(request.at("method").Text(), params == nullptr ? Json() : *params, ObjectOf(request));
+}
+
+int RunRpc(const Context& context) {
+  auto platform = std::make_shared<Platform>(*context.platform);
+  platform->messageBoxes = std::make_shared<MessageBoxNotifications>(context.out);
+  Context club = context;
+  club.platform = platform;
+  Session session([&] { return club.OpenClub(); });
+  Server server(session, context.out);
+  server.Serve(context.in);
+  session.Close();
+  return kSucceeded;
 }
 
 }  // namespace tavi::host

@@ -3,6 +3,7 @@
 #include <iosfwd>
 #include <string>
 
+#include "host/commands/Context.h"
 #include "host/rpc/Session.h"
 #include "platform/Platform.h"
 
@@ -39,5 +40,9 @@ class Server {
   Session& session_;
   std::ostream& out_;
 };
+
+/// `tavi rpc`: serves JSON-RPC on standard input and output until the input ends; then all objects end and the file is
+/// closed. With a club's folder named, every object starts with it.
+int RunRpc(const Context& context);
 
 }  // namespace tavi::host

@@ -1,4 +1,4 @@
-#include "host/text/ProgressBar.h"
+#include "host/text/Terminal.h"
 
 #include <fmt/format.h>
 #include <algorithm>

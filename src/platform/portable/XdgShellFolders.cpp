@@ -1,4 +1,4 @@
-#include "platform/portable/XdgShellFolders.h"
+#include "platform/portable/PortableServices.h"
 
 #include <cstdlib>
 #include <filesystem>

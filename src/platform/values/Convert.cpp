@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "platform/values/Calendar.h"
+#include "platform/values/Date.h"
 #include "platform/values/Digits.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"

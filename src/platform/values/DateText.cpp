@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/values/Calendar.h"
+#include "platform/values/Date.h"
 #include "platform/values/Text.h"
 
 namespace tavi {

@@ -1,4 +1,4 @@
-#include "platform/windows/OutsideNameKeys.h"
+#include "platform/windows/SystemServices.h"
 
 #include "platform/windows/Com.h"
 

@@ -1,4 +1,4 @@
-#include "platform/windows/SystemFolders.h"
+#include "platform/windows/SystemServices.h"
 
 #include <array>
 #include <bit>

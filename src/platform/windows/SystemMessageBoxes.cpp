@@ -1,4 +1,4 @@
-#include "platform/windows/SystemMessageBoxes.h"
+#include "platform/windows/SystemServices.h"
 
 #include <windows.h>
 

@@ -1,4 +1,4 @@
-#include "platform/windows/SystemRegistry.h"
+#include "platform/windows/SystemServices.h"
 
 #include <windows.h>
 

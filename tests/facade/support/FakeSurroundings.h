@@ -8,7 +8,7 @@
 
 #include "platform/Platform.h"
 #include "platform/values/Error.h"
-#include "util/SpecialFolders.h"
+#include "util/Paths.h"
 
 namespace tavi::testing {
 

@@ -2,9 +2,7 @@
 
 #include <sstream>
 
-#include "platform/portable/Clocks.h"
-#include "platform/portable/ConsoleMessageBoxes.h"
-#include "platform/portable/EmptyRegistry.h"
+#include "platform/portable/PortableServices.h"
 
 namespace tavi {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/portable/XmlSettingsDocuments.h"
+#include "platform/portable/PortableServices.h"
 
 #include <gtest/gtest.h>
 

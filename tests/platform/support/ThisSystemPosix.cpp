@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <random>
 
-#include "platform/portable/XmlSettingsDocuments.h"
+#include "platform/portable/PortableServices.h"
 #include "platform/support/ThisSystem.h"
 
 namespace tavi::testing {

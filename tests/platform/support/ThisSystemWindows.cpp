@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "platform/support/ThisSystem.h"
-#include "platform/windows/SystemXmlDocuments.h"
+#include "platform/windows/SystemServices.h"
 
 namespace tavi::testing {
 

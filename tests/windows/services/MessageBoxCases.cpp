@@ -1,5 +1,5 @@
 // Message boxes as people see them: of the platform's class, and of the server when it brings an old file up to date.
-#include "platform/windows/SystemMessageBoxes.h"
+#include "platform/windows/SystemServices.h"
 
 #include <array>
 #include <atomic>

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "access/sql/expression/Coercion.h"
-#include "platform/values/Calendar.h"
+#include "platform/values/Date.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

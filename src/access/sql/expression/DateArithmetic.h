@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "platform/values/Calendar.h"
 #include "platform/values/Date.h"
 
 /// Arithmetic with dates: parts of them as day numbers (whole days since 30 December 1899) and seconds, and the

@@ -4,7 +4,7 @@
 #include "access/sql/expression/Coercion.h"
 #include "access/sql/expression/DateArithmetic.h"
 #include "access/sql/expression/Functions.h"
-#include "platform/values/Calendar.h"
+#include "platform/values/Date.h"
 
 namespace tavi::access::sql {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "access/sql/expression/DateArithmetic.h"
 #include "access/sql/expression/FormatText.h"
-#include "platform/values/Calendar.h"
+#include "platform/values/Date.h"
 #include "platform/values/Text.h"
 
 namespace tavi::access::sql {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 namespace tavi::automation {
 
 /// Keeps the library loaded: every object that a program may hold has one, and so has every lock of the server that a
@@ -16,6 +18,24 @@ class ModuleLock {
   /// The same without an object, for programs that lock and unlock the server.
   static void Add() noexcept;
   static void Remove() noexcept;
+};
+
+/// What each MembershipDatabase for automation has as a part. The last one on a thread releases the thread's store,
+/// which closes the file: a program that has given back its objects may unload the library, and nobody could reach the
+/// store again. Where the last one is released on another thread than its own, the store goes with its thread.
+class ThreadUse {
+ public:
+  ThreadUse();
+  ~ThreadUse();
+  ThreadUse(const ThreadUse&) = delete;
+  ThreadUse& operator=(const ThreadUse&) = delete;
+
+ private:
+  struct Thread {};
+
+  static std::weak_ptr<Thread>& Current();
+
+  std::shared_ptr<Thread> thread_;
 };
 
 }  // namespace tavi::automation

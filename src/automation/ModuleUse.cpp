@@ -1,8 +1,38 @@
-#include "automation/ThreadUse.h"
+#include "automation/ModuleUse.h"
+
+#include <atomic>
 
 #include "facade/ThreadStore.h"
 
 namespace tavi::automation {
+namespace {
+
+std::atomic<long>& Locks() noexcept {
+  static std::atomic<long> locks{0};
+  return locks;
+}
+
+}  // namespace
+
+ModuleLock::ModuleLock() noexcept {
+  Add();
+}
+
+ModuleLock::~ModuleLock() {
+  Remove();
+}
+
+long ModuleLock::Count() noexcept {
+  return Locks();
+}
+
+void ModuleLock::Add() noexcept {
+  ++Locks();
+}
+
+void ModuleLock::Remove() noexcept {
+  --Locks();
+}
 
 ThreadUse::ThreadUse() : thread_(Current().lock()) {
   if (thread_) return;
