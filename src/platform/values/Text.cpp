@@ -169,8 +169,19 @@ std::string LowerCase(std::string_view text) {
 }
 
 int CompareIgnoringCase(std::string_view left, std::string_view right) {
-  std::size_t leftPosition = 0;
-  std::size_t rightPosition = 0;
+  constexpr unsigned kAscii = 0x80;
+  // Nearly all that is compared is ASCII and needs no decoding.
+  std::size_t same = 0;
+  for (; same < left.size() && same < right.size(); ++same) {
+    const auto leftByte = static_cast<unsigned char>(left[same]);
+    const auto rightByte = static_cast<unsigned char>(right[same]);
+    if (leftByte >= kAscii || rightByte >= kAscii) break;
+    const char32_t leftLetter = UpperCase(char32_t{leftByte});
+    const char32_t rightLetter = UpperCase(char32_t{rightByte});
+    if (leftLetter != rightLetter) return leftLetter < rightLetter ? -1 : 1;
+  }
+  std::size_t leftPosition = same;
+  std::size_t rightPosition = same;
   while (leftPosition < left.size() && rightPosition < right.size()) {
     const char32_t leftLetter = UpperCase(NextCodePoint(left, leftPosition));
     const char32_t rightLetter = UpperCase(NextCodePoint(right, rightPosition));
