@@ -14,6 +14,8 @@ target_compile_options(tavi_options INTERFACE
   -Woverloaded-virtual)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(tavi_options INTERFACE -Werror -fpch-preprocess)
+  # Nobody puts another function in the place of one of ours, so that calls within a file can be expanded there.
+  target_compile_options(tavi_options INTERFACE -fno-semantic-interposition)
   # These look at optimized code and are wrong about std::string in GCC 12.
   target_compile_options(tavi_options INTERFACE -Wno-restrict -Wno-stringop-overflow
     -Wno-stringop-overread -Wno-array-bounds)

@@ -42,8 +42,8 @@ struct MemberDetails {
 /// The number behind the highest one; 1 in an empty table. Raises Overflow when there is none.
 [[nodiscard]] std::int32_t NextAvailableMemberNo(cDatabase& database);
 
-/// Inserts a member with fresh keys, stores the handicap and refreshes the uniqueness flags of that first name: all of it
-/// or, with an error, nothing. Returns the number.
+/// Inserts a member with fresh keys, stores the handicap and refreshes the uniqueness flags of that first name: all of
+/// it or, with an error, nothing. Returns the number.
 std::int32_t AddMember(cDatabase& database, const MemberDetails& details);
 
 /// Adds a standard member whose dates are 1 January 1800. A handicap below 1, or none, becomes 50. Returns the new

@@ -38,11 +38,14 @@ using Bytes = std::vector<std::uint8_t>;
 using Null = std::monostate;
 
 /// One field value. Text is UTF-8; a UTF-16 surrogate without its partner (which real files can hold) is kept as the
-/// three bytes that the UTF-8 scheme gives for it. `uint8_t` is Access's Byte, `int16_t` its Integer, `int32_t` its Long.
+/// three bytes that the UTF-8 scheme gives for it. `uint8_t` is Access's Byte, `int16_t` its Integer, `int32_t` its
+/// Long.
 using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t, float, double, Currency, Decimal, Date,
                            std::string, Bytes, Guid>;
 
 /// True when the value is null.
-inline bool IsNull(const Value& value) { return std::holds_alternative<Null>(value); }
+inline bool IsNull(const Value& value) {
+  return std::holds_alternative<Null>(value);
+}
 
 }  // namespace tavi

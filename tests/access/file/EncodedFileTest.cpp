@@ -1,6 +1,6 @@
 // Files whose pages are encoded with a key: plain above the pager, encoded in the file and in the log.
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include "access/file/DatabaseHeader.h"
 #include "access/file/Pager.h"

@@ -1,6 +1,6 @@
 // What has changed in a page, as the log keeps it.
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include "access/file/LogStatement.h"
 #include "access/file/support/Random.h"

@@ -1,7 +1,7 @@
 // Transactions of pagers: how they nest, what they undo, and what others see of them.
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <functional>
-#include <gtest/gtest.h>
 
 #include "access/file/Pager.h"
 #include "access/file/StatementLock.h"

@@ -1,7 +1,7 @@
 // Statements that say what has changed in a page: what stands in the log, what it says of a page, and the images that
 // stand there before a checkpoint writes the database.
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include "access/file/Bytes.h"
 #include "access/file/Pager.h"

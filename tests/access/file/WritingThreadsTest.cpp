@@ -1,6 +1,6 @@
 // Waits that can never end are seen; others are not taken for such.
-#include <future>
 #include <gtest/gtest.h>
+#include <future>
 
 #include "access/file/StatementLock.h"
 

@@ -1,6 +1,6 @@
 // Every wound of an index is found by the check and named; reading a hurt index ends with an answer or a named error.
-#include <functional>
 #include <gtest/gtest.h>
+#include <functional>
 #include <random>
 
 #include "access/file/PageAllocator.h"

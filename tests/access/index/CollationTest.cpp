@@ -1,6 +1,6 @@
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <random>
 
 #include "access/index/Collation.h"

@@ -1,8 +1,8 @@
 // Indexes that Access and its engine have written: their trees are sound to our check, and hold exactly the keys that
 // we make of the rows. The files are not part of this system; without them the tests are skipped.
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <map>
 
 #include "SourceDirectory.h"

@@ -1,8 +1,8 @@
 // The machine stops at every single point of a long evening, in the middle of writes and between them. What is found
 // afterwards holds exactly the finished statements: all of them when only the process died, all up to the last close
 // when the power failed; never a part of one.
-#include <fstream>
 #include <gtest/gtest.h>
+#include <fstream>
 #include <map>
 #include <span>
 

@@ -1,7 +1,7 @@
 // Every byte of the small parts of a table's pages changed, one at a time: reading and changing the table gives an
 // answer or an error, never anything worse.
-#include <functional>
 #include <gtest/gtest.h>
+#include <functional>
 #include <random>
 
 #include "access/file/Format.h"

@@ -1,6 +1,6 @@
 // Files of Access 97: their definitions, rows and long values lie elsewhere on smaller pages, their texts are ANSI.
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <memory>
 #include <string>
 

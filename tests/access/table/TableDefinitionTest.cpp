@@ -1,5 +1,5 @@
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 #include <string>
 
 #include "access/file/Bytes.h"

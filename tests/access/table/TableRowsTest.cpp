@@ -1,7 +1,7 @@
+#include <gtest/gtest.h>
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <gtest/gtest.h>
 #include <limits>
 #include <set>
 #include <string>

@@ -1,5 +1,5 @@
-#include <bit>
 #include <gtest/gtest.h>
+#include <bit>
 #include <limits>
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "access/index/support/TestIndex.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
+#include <algorithm>
 
 #include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
