@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/text/Table.h"
+#include "host/text/Figures.h"
 #include "platform/values/Date.h"
 #include "platform/values/Text.h"
 

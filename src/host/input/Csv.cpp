@@ -4,8 +4,8 @@
 #include <map>
 
 #include "host/results/Xml.h"
+#include "host/text/Figures.h"
 #include "host/text/NearestName.h"
-#include "host/text/Table.h"
 #include "platform/values/Date.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"

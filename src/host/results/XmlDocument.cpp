@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "host/results/Xml.h"
-#include "host/text/Table.h"
+#include "host/text/Figures.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"

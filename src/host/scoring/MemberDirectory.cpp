@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/text/Table.h"
+#include "host/text/Figures.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/text/Table.h"
+#include "host/text/Figures.h"
 #include "platform/values/Text.h"
 
 namespace tavi::host {
