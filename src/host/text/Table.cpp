@@ -226,7 +226,8 @@ constexpr std::u32string_view kLayout = U"\t\r\n";
 
 bool IsFormula(const std::string& text) {
   for (const char32_t c : ToCodePoints(text)) {
-    if (c != U' ') return kFormulaBegins.find(c) != kFormulaBegins.npos || kLayout.find(c) != kLayout.npos;
+    if (c != U' ')
+      return kFormulaBegins.find(c) != std::u32string_view::npos || kLayout.find(c) != std::u32string_view::npos;
   }
   return false;
 }
@@ -236,7 +237,7 @@ std::string CsvField(const std::string& text) {
   bool needsQuotes = text.starts_with(' ') || text.ends_with(' ');
   for (const char32_t c : ToCodePoints(text)) {
     const std::string character = FromCodePoints(std::u32string(1, c));
-    const bool isLayout = kLayout.find(c) != kLayout.npos;
+    const bool isLayout = kLayout.find(c) != std::u32string_view::npos;
     needsQuotes = needsQuotes || isLayout || c == U',' || c == U'"';
     field += c == U'"' ? "\"\"" : isLayout ? character : Printable(character);
   }
