@@ -5,9 +5,8 @@
 #include <cstdint>
 
 /// Jet 3 (Access 97) in numbers, which is only read: what lies elsewhere than in Jet 4. Units as in Format.h.
-namespace tavi::access::format {
+namespace tavi::access::format::jet3 {
 
-namespace jet3 {
 inline constexpr std::size_t kPageSize = 2048;
 inline constexpr std::size_t kCommitBytesOffset = 0x600;
 
@@ -104,6 +103,5 @@ inline constexpr std::size_t kEntriesSize = kPageSize - kEntriesOffset;  // 1800
 namespace property {
 inline constexpr std::array<std::uint8_t, 4> kMagic = {0x4B, 0x4B, 0x44, 0x00};  // "KKD" NUL
 }  // namespace property
-}  // namespace jet3
 
-}  // namespace tavi::access::format
+}  // namespace tavi::access::format::jet3
