@@ -4,16 +4,35 @@
 #include <initializer_list>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "facade/MembershipDatabase.h"
 #include "host/json/Json.h"
-#include "host/rpc/RequestText.h"
 
 /// The component's types as JSON. Objects of the component (settings, handicaps, rows of the governing body's list) are
 /// JSON objects with their properties as members, which come from the table of operations; dates are ISO 8601 texts.
 namespace tavi::host {
+
+/// The error codes of JSON-RPC 2.0 itself.
+enum class RpcCode : int {
+  ParseError = -32700,
+  InvalidRequest = -32600,
+  MethodNotFound = -32601,
+  InvalidParams = -32602,
+  InternalError = -32603,
+};
+
+/// A request that cannot be carried out as it was put. (Errors of the component are tavi::Error.)
+class RpcError : public std::runtime_error {
+ public:
+  RpcError(RpcCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+  [[nodiscard]] RpcCode Code() const { return code_; }
+
+ private:
+  RpcCode code_;
+};
 
 /// Reading: raise RpcError (InvalidParams) with what was expected when the JSON value is of another type or out of
 /// range. Null stands for what was left out: zero, false, the empty text, the zero date, no object.
