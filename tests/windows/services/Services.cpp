@@ -32,7 +32,7 @@ void CheckText(const std::string& what, const std::string& got, const std::strin
 }
 
 ComPointer<_MembershipDatabase> NewDatabase() {
-  return automation_test::Create<_MembershipDatabase>(__uuidof(MembershipDatabase));
+  return automation_test::Create<_MembershipDatabase>(__uuidof(::MembershipDatabase));
 }
 
 std::string FolderFound() {
