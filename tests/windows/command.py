@@ -289,7 +289,8 @@ def refusals(command):
     command.run("frobnicate").refused(2)
 
     command.succeed("new")
-    command.run("new").refused(1, f"{CLUB}\\ClubMembers.mdb exists already")
+    command.succeed("new")
+    command.run("new", "--name", "Another").refused(1, f"{CLUB}\\ClubMembers.mdb exists already")
     command.run("recover", f"{CLUB.upper()}\\clubmembers.MDB").refused(2, "is the club's own file")
     command.run("new", club="C:\\bad|name").refused(1, "the folder C:\\bad|name cannot be made: ")
     command.run("score", "C:\\fehlt é.xml").refused(1, "C:\\fehlt é.xml: there is no such file")
