@@ -122,7 +122,7 @@ def long_path(command):
     club = CLUB + "\\" + "\\".join(["Verzeichnis mit langem Namen é " + str(number) * 30 for number in range(5)])
     command.succeed("new", club=club)
     expect(command.succeed("sql", "Select Count(*) From Members", club=club).rows() == [["0"]], "it is a club")
-    command.run("new", club=club).refused(1, "exists already")
+    command.run("new", "--name", "Another", club=club).refused(1, "exists already")
     command.succeed("dump", club + "\\ClubMembers.mdb", club + "\\dump")
     command.run("dump", club + "\\ClubMembers.mdb", club + "\\dump").refused(1, "is not empty")
 

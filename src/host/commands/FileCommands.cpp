@@ -97,7 +97,7 @@ int Dump(const Context& context, const std::string& file, const std::string& fol
   const std::string target = AbsolutePath(NativePath(folder));
   MakeFolder(target);
   DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
-    WriteFile(PathOf(target) / PathOf(NativePath(name)), text);
+    WriteFile(PathOf(JoinPath(target, NativePath(name))), text);
   });
   return kSucceeded;
 }
