@@ -11,6 +11,8 @@ namespace tavi::access::test {
 namespace {
 
 constexpr UINT kExitCodeOfTheKilled = 0x6B696C6C;
+constexpr int kStarts = 5;
+constexpr DWORD kPauseMilliseconds = 200;
 
 class Handle {
  public:
@@ -46,6 +48,22 @@ std::wstring ProgramPath() {
   return path.substr(0, path.find_last_of(L'\\') + 1) + L"test_access_worker.exe";
 }
 
+// Wine answers ERROR_INTERNAL_ERROR for a process that ended before its first instruction, as happens on a machine with
+// much else to do; nothing of the worker has run then.
+PROCESS_INFORMATION StartProcess(std::wstring line, STARTUPINFOW start) {
+  PROCESS_INFORMATION started{};
+  for (int attempt = 1;; ++attempt) {
+    if (::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started) != 0) {
+      return started;
+    }
+    const DWORD error = ::GetLastError();
+    if (error != ERROR_INTERNAL_ERROR || attempt == kStarts) {
+      throw std::runtime_error("could not start the worker: " + windows::SystemErrorText(error));
+    }
+    ::Sleep(kPauseMilliseconds);
+  }
+}
+
 std::wstring CommandLine(const std::vector<std::string>& arguments) {
   std::wstring line = L"\"" + ProgramPath() + L"\"";
   // None of them holds quotes or ends with a backslash.
@@ -74,11 +92,7 @@ Worker::Worker(const std::vector<std::string>& arguments) : system_(std::make_un
   start.hStdInput = itsInput.Get();
   start.hStdOutput = itsOutput.Get();
   start.hStdError = ::GetStdHandle(STD_ERROR_HANDLE);
-  PROCESS_INFORMATION started{};
-  std::wstring line = CommandLine(arguments);
-  if (::CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &start, &started) == 0) {
-    throw std::runtime_error("could not start the worker: " + windows::SystemErrorText(::GetLastError()));
-  }
+  const PROCESS_INFORMATION started = StartProcess(CommandLine(arguments), start);
   ::CloseHandle(started.hThread);
   *system_->process.Receive() = started.hProcess;
   system_->number = started.dwProcessId;

@@ -1,26 +1,8 @@
-#include "platform/portable/PortableServices.h"
-
-#include <ctime>
 #include <ostream>
 
-#include "platform/values/Date.h"
+#include "platform/portable/PortableServices.h"
 
 namespace tavi {
-
-Date SystemClock::Now() const {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-#ifdef _WIN32
-  localtime_s(&local, &now);
-#else
-  localtime_r(&now, &local);
-#endif
-  constexpr int kTmYear = 1900;
-  const Date day = Date::FromCivil(local.tm_year + kTmYear, local.tm_mon + 1, local.tm_mday);
-  const int second = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
-  return Date{day.days + second / kSecondsOfDay};
-}
-
 namespace {
 
 const char* KindOf(MessageBoxIcon icon) {
