@@ -9,7 +9,7 @@ packages_for_comfort="ccache"
 packages_for_more_tests="libsqlite3-dev mdbtools python3 nodejs"
 packages_to_fuzz="clang libclang-rt-14-dev"
 packages_for_style="clang-format clang-tidy"
-packages_to_measure="libbenchmark-dev libsqlite3-dev"
+packages_to_measure="libsqlite3-dev"
 packages_for_windows="g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools libwine-dev libgtest-dev python3"
 packages_for_wine="wine wine64"
 
