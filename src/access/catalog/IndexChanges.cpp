@@ -1,3 +1,10 @@
+// Indexes made and dropped. A table has two lists of them: physical indexes (a tree each, known by their position in
+// the list) and logical ones (a name each, and the position of the tree). Several logical indexes may stand on one
+// tree: a primary key and the primary side of a relationship usually do. So
+//
+//   making one     adds a tree and a name; the tree is then filled from the rows, in one pass
+//   dropping one   takes away the name, and the tree only with its last name. Trees behind it move up by one, and with
+//                  them the positions in the logical list and the statistics, which the file keeps by position.
 #include <algorithm>
 
 #include "access/catalog/Catalog.h"
@@ -34,6 +41,7 @@ std::string FreeIndexName(const TableDefinition& definition, bool primaryKey) {
   }
 }
 
+/// What must hold of a new index whatever the rows are. Asked before anything is changed.
 void CheckDesign(const TableDefinition& definition, const std::string& table, const IndexDesign& design) {
   CheckName(design.name, "index");
   if (HasIndex(definition, design.name))
@@ -48,6 +56,8 @@ void CheckDesign(const TableDefinition& definition, const std::string& table, co
   }
 }
 
+/// A primary key is unique and refuses nulls, whatever else its design says; so the file has the flags 89 for it.
+/// Objects have no order by which they could be searched, while of a Memo the first 255 characters count.
 RealIndexDefinition MakeRealIndex(const TableDefinition& definition, const std::string& table,
                                   const IndexDesign& design) {
   RealIndexDefinition real;
@@ -68,13 +78,16 @@ RealIndexDefinition MakeRealIndex(const TableDefinition& definition, const std::
   return real;
 }
 
-/// Makes the entries of the last index of a table from its rows. Raises when the rows do not allow it.
+/// Makes the entries of an index from the rows of its table, and counts them. Raises when the rows do not allow it.
 std::vector<IndexEntry> CollectEntries(StoredTable& table, std::size_t index, IndexStatistics& statistics) {
   const Index& made = table.Indexes()[index];
   const KeyEncoder& encoder = table.Encoder(index);
+  // Only the key's columns are read: a Memo beside them would be fetched from other pages for nothing.
   std::vector<bool> wanted(table.Columns().size());
   for (const std::size_t column : made.columns) wanted[column] = true;
   std::vector<IndexEntry> entries;
+  // Rows whose key is all null are no duplicates of each other. They all have the same key bytes, by which they are
+  // known further down.
   std::optional<IndexKey> nullKey;
   table.Rows().Walk([&](RowPointer place) {
     const RowValues row = table.Read(place, wanted);
@@ -96,6 +109,7 @@ std::vector<IndexEntry> CollectEntries(StoredTable& table, std::size_t index, In
   return entries;
 }
 
+/// The statistics stand in the definition's pages by position; see RemoveRealIndex.
 std::vector<IndexStatistics> AllStatistics(Pager& pager, const TableDefinition& definition) {
   std::vector<IndexStatistics> all;
   for (std::size_t i = 0; i < definition.realIndexes.size(); ++i)
@@ -111,8 +125,11 @@ void RefuseFullIndexList(const TableDefinition& definition, const std::string& t
                "'. Delete some of the indexes on the table and try the operation again.");
 }
 
+// Statistics are read before the definition is written and put back after it, as writing keeps those of each position
+// and the positions change.
 void RemoveRealIndex(Pager& pager, StoredTable& table, TableDefinition& definition, std::uint32_t realIndex) {
   std::vector<IndexStatistics> statistics = AllStatistics(pager, definition);
+  // The tree's pages go by its map, so that a damaged tree can be dropped as well; then the map itself.
   table.Tree(realIndex).Clear(false);
   PageAllocator(pager).RemoveUsageMap(definition.realIndexes[realIndex].ownedPages);
   const auto position = static_cast<std::ptrdiff_t>(realIndex);
@@ -124,6 +141,8 @@ void RemoveRealIndex(Pager& pager, StoredTable& table, TableDefinition& definiti
   for (std::size_t i = 0; i < statistics.size(); ++i) WriteIndexStatistics(pager, definition, i, statistics[i]);
 }
 
+// Holds all entries in memory, sorts them and writes the leaves from left to right: that costs a fraction of inserting
+// them one by one and leaves full pages.
 void FillIndex(Pager& pager, StoredTable& table, std::size_t index) {
   IndexStatistics statistics;
   std::vector<IndexEntry> entries = CollectEntries(table, index, statistics);
@@ -157,6 +176,7 @@ void CreateIndex(Catalog& catalog, std::string_view table, const IndexDesign& de
   WriteTableDefinition(pager, definition, true);
   catalog.Forget();
 
+  // Sorting the records has changed the order of names alone: the new tree is still the last one.
   const std::shared_ptr<StoredTable> altered = catalog.OpenTable(table);
   FillIndex(pager, *altered, altered->Indexes().size() - 1);
   ChangeObject(catalog, object, nullptr, now);
@@ -180,6 +200,7 @@ void DropIndex(Catalog& catalog, std::string_view table, std::string_view index,
     if (other.kind == Kind::Relationship) RaiseInRelationship(dropped.name, other.name);
     shared = true;
   }
+  // A name without a tree is damage that dropping it mends.
   if (shared || dropped.realIndex >= definition.realIndexes.size()) {
     WriteTableDefinition(pager, definition, true);
   } else {

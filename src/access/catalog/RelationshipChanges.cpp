@@ -1,3 +1,13 @@
+// Relationships made and dropped. One that is enforced stands in three places, which are changed in one statement:
+//
+//   definitions         a logical index in each of the two tables, each with the number and table of the other:
+//                         primary side  ".rB"  on the unique index that is there already
+//                         foreign side  under the relationship's name, on an index of its own over the foreign columns
+//   MSysRelationships   a row for each pair of columns: names, flags, how many pairs, which of them
+//   MSysObjects         a row of type 8 in the container of relationships, with its rights
+//
+// One that is not enforced has rows only. Rows that break the rule are found last, by searching the primary index for
+// each foreign row, and then the statement is rolled back; so there is no check that runs ahead of the changes.
 #include <algorithm>
 
 #include "access/catalog/Catalog.h"
@@ -17,6 +27,7 @@ namespace names = system_name;
 using Kind = LogicalIndexDefinition::Kind;
 using Side = LogicalIndexDefinition::Side;
 
+/// Directions do not matter for finding equal keys; the index of the foreign side is made ascending.
 std::vector<IndexColumn> FindColumns(const StoredTable& table, const std::vector<std::string>& columns) {
   std::vector<IndexColumn> found;
   for (const std::string& name : columns) {
@@ -57,13 +68,14 @@ std::uint32_t UniqueIndexOn(const StoredTable& table, const std::vector<IndexCol
       table.Name() + "' that the relationship refers to.");
 }
 
+/// Numbers of logical indexes are never given twice while any higher one is there; gaps stay.
 std::uint32_t NextNumber(const TableDefinition& definition) {
   std::uint32_t number = 0;
   for (const LogicalIndexDefinition& logical : definition.logicalIndexes) number = std::max(number, logical.number + 1);
   return number;
 }
 
-/// The primary side has no name of its own: ".rB", ".rC", ... ".rZ", ".rBB" ...
+/// The primary side has no name of its own: ".rB", ".rC", ... ".rZ", ".rBA" ...
 std::string PrimarySideName(const TableDefinition& definition) {
   for (std::size_t number = 1;; ++number) {
     std::string name;
@@ -75,6 +87,7 @@ std::string PrimarySideName(const TableDefinition& definition) {
   }
 }
 
+/// Both sides say how the relationship cascades, and must say the same.
 LogicalIndexDefinition MakeSide(const Relationship& relationship, Side side) {
   LogicalIndexDefinition logical;
   logical.kind = Kind::Relationship;
@@ -86,6 +99,8 @@ LogicalIndexDefinition MakeSide(const Relationship& relationship, Side side) {
   return logical;
 }
 
+/// A foreign row with a null in its key refers to nothing and needs no partner. Costs a search in the primary index for
+/// each row of the foreign table.
 void RefuseOrphans(StoredTable& foreign, std::size_t index, StoredTable& primary, std::size_t primaryIndex) {
   primary.MakeSearchable(primaryIndex);
   std::vector<bool> wanted(foreign.Columns().size());
@@ -108,6 +123,8 @@ void CreateSides(Catalog& catalog, const Relationship& relationship) {
   const std::shared_ptr<StoredTable> foreign = catalog.OpenTable(relationship.foreignTable);
   TableDefinition primaryDefinition = primary->Definition();
   TableDefinition foreignDefinition = foreign->Definition();
+  // Of a table that is related to itself there must be one changed definition and not two, of which the second written
+  // would undo the first: `target` is then the primary one.
   const bool isOneTable = primaryDefinition.page == foreignDefinition.page;
   TableDefinition& target = isOneTable ? primaryDefinition : foreignDefinition;
 
@@ -119,6 +136,7 @@ void CreateSides(Catalog& catalog, const Relationship& relationship) {
   LogicalIndexDefinition foreignSide = MakeSide(relationship, Side::Foreign);
   foreignSide.name = relationship.name;
   foreignSide.realIndex = static_cast<std::uint32_t>(target.realIndexes.size());
+  // In one table the primary side, which is not in the list yet, takes the next number, and this one that behind it.
   foreignSide.number = NextNumber(target) + (isOneTable ? 1 : 0);
   foreignSide.partnerTable = primaryDefinition.page;
   primarySide.partnerNumber = foreignSide.number;
@@ -127,6 +145,7 @@ void CreateSides(Catalog& catalog, const Relationship& relationship) {
   RealIndexDefinition real;
   real.columns = FindColumns(*foreign, relationship.foreignColumns);
   real.flags = IndexFlags(real);
+  // Asked before each side is added: in one table both must find room.
   RefuseFullIndexList(primaryDefinition, primary->Name());
   primaryDefinition.logicalIndexes.push_back(primarySide);
   RefuseFullIndexList(target, foreign->Name());
@@ -139,11 +158,15 @@ void CreateSides(Catalog& catalog, const Relationship& relationship) {
   if (!isOneTable) WriteTableDefinition(pager, target, true);
   catalog.Forget();
 
+  // Entries are made through the altered definition, and the orphans are looked for only now, as both indexes are
+  // there.
   const std::shared_ptr<StoredTable> altered = catalog.OpenTable(relationship.foreignTable);
   FillIndex(pager, *altered, foreignSide.realIndex);
   RefuseOrphans(*altered, foreignSide.realIndex, *catalog.OpenTable(relationship.primaryTable), primarySide.realIndex);
 }
 
+/// In these rows "object" is the foreign table and "referenced object" the primary one. A single column makes one row,
+/// a key of three columns three, numbered from 0.
 void AddRelationshipRows(Catalog& catalog, const Relationship& relationship) {
   std::uint32_t flags = relationship.enforced ? 0 : format::catalog::kRelationNotEnforced;
   if (relationship.cascadeUpdates) flags |= format::catalog::kRelationCascadeUpdates;
@@ -182,6 +205,7 @@ void DropSides(Catalog& catalog, std::string_view tableName, std::string_view re
     return logical.side == Side::Foreign && SameName(logical.name, relationship);
   });
   if (side == definition.logicalIndexes.end()) return;
+  // A copy: the record goes with the next line, and its numbers are needed to find the other side.
   const LogicalIndexDefinition dropped = *side;
   definition.logicalIndexes.erase(side);
   const bool isShared = std::ranges::any_of(definition.logicalIndexes, [&](const LogicalIndexDefinition& other) {
@@ -194,6 +218,8 @@ void DropSides(Catalog& catalog, std::string_view tableName, std::string_view re
   }
   catalog.Forget();
 
+  // Read anew after the first side is gone: the primary table may be this very one. Its index stays, as it was there
+  // before the relationship.
   TableDefinition primary = catalog.TableAt(dropped.partnerTable)->Definition();
   std::erase_if(primary.logicalIndexes, [&](const LogicalIndexDefinition& logical) {
     return logical.side == Side::Primary && logical.number == dropped.partnerNumber;
@@ -211,6 +237,7 @@ void CreateRelationship(Catalog& catalog, const Relationship& relationship, Date
   const CatalogObject primary = ChangeableTable(catalog, relationship.primaryTable);
   const CatalogObject foreign = ChangeableTable(catalog, relationship.foreignTable);
   const std::size_t count = relationship.primaryColumns.size();
+  // Ten columns are what an index has room for, and the foreign side is one.
   if (count == 0 || count > format::real_index::kMaximumColumnCount || relationship.foreignColumns.size() != count)
     throw Error(ErrorNumber::ProviderSyntax, kErrorSource,
                 "The relationship '" + relationship.name + "' needs 1 to 10 pairs of columns.");

@@ -1,3 +1,13 @@
+// Changes of rows, kept in step with indexes and relationships. Each of the three follows one pattern:
+//
+//   1. values    converted to their columns' types, automatic numbers filled in
+//   2. asked     required and zero-length columns, then each index that is concerned (duplicates, nulls in keys),
+//                then the relationships, in both directions
+//   3. changed   the row, its index entries, the counter of automatic numbers; then the rows that follow
+//
+// Step 2 changes nothing but indexes that must be made anew before they can be searched, which leaves what they say as
+// it is. So a refusal costs nothing, and only an error while pages are changed needs the statement rolled back. A row
+// costs a search in each index concerned, and one in the other table for each relationship concerned.
 #include "access/catalog/StoredTable.h"
 
 #include "access/catalog/ChangeErrors.h"
@@ -15,6 +25,8 @@ namespace {
 /// No real file has more tables than this in a chain of cascading relationships.
 constexpr int kMaximumCascadeDepth = 32;
 
+/// Whether a column is required, takes empty texts or has a default is not in the table's definition but in its
+/// properties; a column without any takes everything.
 std::vector<Column> MakeColumns(const TableDefinition& definition, const PropertyBlob& properties) {
   std::vector<Column> columns;
   for (const ColumnDefinition& stored : definition.columns) {
@@ -57,6 +69,7 @@ std::uint32_t StoredTable::RowCount() {
   return access::RowCount(*pager_, definition_);
 }
 
+// Row values go by position, so that values made for an earlier shape of the table would land in other columns.
 void StoredTable::CheckSize(const RowValues& values) const {
   if (values.size() == columns_.size()) return;
   RaiseFailure("The table '" + name_ + "' has " + std::to_string(columns_.size()) + " fields, but the row has " +
@@ -69,6 +82,7 @@ void StoredTable::ConvertValues(RowValues& values) const {
 
 void StoredTable::CheckColumns(const RowValues* before, const RowValues& after) const {
   for (std::size_t i = 0; i < columns_.size(); ++i) {
+    // A rule that was made later than the row does not refuse changes of the row's other columns.
     if (before != nullptr && (*before)[i] == after[i]) continue;
     if (columns_[i].required && IsNull(after[i])) RaiseRequired(name_, columns_[i].definition.name);
     if (!columns_[i].allowZeroLength && IsEmptyText(after[i])) RaiseZeroLength(name_, columns_[i].definition.name);
@@ -82,6 +96,8 @@ void StoredTable::CheckAutoNumbersKept(const RowValues& before, RowValues& after
   }
 }
 
+// Found out once for this object, at the price of a walk through the index where its keys can differ at all. An object
+// lives until the table is altered or the file is written by others.
 bool StoredTable::CanSearch(std::size_t index) {
   std::optional<bool>& known = searchable_[index];
   if (!known.has_value()) {
@@ -96,6 +112,7 @@ bool StoredTable::CanSearch(std::size_t index) {
 
 void StoredTable::MakeSearchable(std::size_t index) {
   if (CanSearch(index)) return;
+  // Where no keys can be made the error is that of the sort order, which tells more than what FillIndex would come to.
   static_cast<void>(Encoder(index));
   try {
     FillIndex(*pager_, *this, index);
@@ -108,6 +125,7 @@ void StoredTable::MakeSearchable(std::size_t index) {
   searchable_[index] = true;
 }
 
+// Planning looks for duplicates and for the entry to be removed, which it can only find under keys of our own making.
 void StoredTable::MakeChangedSearchable(const RowValues* before, const RowValues* after) {
   for (std::size_t i = 0; i < Indexes().size(); ++i) {
     const bool isConcerned = before == nullptr || after == nullptr || !indexes_.SameColumns(i, *before, *after);
@@ -115,6 +133,7 @@ void StoredTable::MakeChangedSearchable(const RowValues* before, const RowValues
   }
 }
 
+// The counter of automatic numbers grows last, so that a refused row uses none up.
 RowPointer StoredTable::Insert(RowValues& row) {
   CheckSize(row);
   RowValues values = row;
@@ -142,6 +161,7 @@ void StoredTable::UpdateCascading(RowPointer row, RowValues values, int depth) {
   CheckSize(values);
   const RowValues before = rows_.Read(row);
   ConvertValues(values);
+  // Nothing is written, and no relationship is asked, when all stays as it was.
   if (values == before) return;
   CheckAutoNumbersKept(before, values);
   CheckColumns(&before, values);
@@ -153,15 +173,19 @@ void StoredTable::UpdateCascading(RowPointer row, RowValues values, int depth) {
     following = PlanKeyChange(*this, *related_, before, values);
   }
 
+  // The changed row must be there before the rows that follow it, as each of these asks for its primary row again.
   rows_.Update(row, values);
   indexes_.Apply(changes, row);
   for (const FollowingUpdate& update : following) {
+    // Read when its turn comes: another relationship between the same tables may have changed it meanwhile.
     RowValues next = update.row.table->Read(update.row.row);
     for (const auto& [column, value] : update.values) next[column] = value;
     update.row.table->UpdateCascading(update.row.row, std::move(next), depth + 1);
   }
 }
 
+// The plan holds all that goes, over all relationships, or the delete was refused as a whole. So those rows are removed
+// without being asked again; rows that lose their reference are ordinary updates, which a required column can refuse.
 void StoredTable::Delete(RowPointer row) {
   DeletePlan plan;
   if (related_ != nullptr) plan = PlanDelete(*this, *related_, row);

@@ -1,3 +1,14 @@
+// The check of one table, from its definition to its indexes. Each step relies on what the one before has found sound:
+//
+//   definition   the pages that it fills, numbers and places of columns, names of indexes
+//   pages        the maps, then the row directory of each page; what does not fit there is not looked into
+//   rows         outline, fixed fields, long values, and that the row can be read at all
+//   moved rows   one link for each moved body, one body for each link
+//   counters     against the rows that were counted on the way
+//   indexes      entry by entry against the rows (IndexCheck.cpp)
+//
+// Damage never ends the check: each step runs under a guard that makes a finding of an error. Each row is read once as
+// bytes and once as values; of pages only the directories are held in memory.
 #include "access/catalog/TableCheck.h"
 
 #include <algorithm>
@@ -22,10 +33,13 @@ std::string TableCheck::Where(const std::string& part) const {
   return part + " of " + name_;
 }
 
+// Findings carry the part that was begun last. The definition counts with the rows: damage of either makes compacting
+// refuse the file.
 void TableCheck::Run() {
   report_.Begin(CheckPart::Rows, table_.Name());
   report_.Guard(Where("The definition"), [&] { CheckDefinition(); });
   report_.Guard(Where("The pages"), [&] { CheckPages(); });
+  // All directories are known by now: a moved row may lead to any page of the table, also to one before its own.
   for (const auto& [number, entries] : pages_) CheckRows(number, entries);
   CheckTargets();
   if (report_.IsStrict()) {
@@ -41,6 +55,7 @@ void TableCheck::Run() {
   result.indexes += table_.Indexes().size();
 }
 
+// Names out of order are found all the same; a name without a tree is damage.
 void TableCheck::CheckDefinition() {
   for (const PageNumber page : TableDefinitionPages(pager_, definition_.page))
     owners_.Claim(page, "the definition of " + name_);
@@ -56,6 +71,9 @@ void TableCheck::CheckDefinition() {
   }
 }
 
+// Numbers and slots are given once and never again, so those in use are unique and below the counters, with gaps where
+// columns were dropped. Fixed fields may have gaps between them for the same reason, but never lie over each other.
+// Booleans take no bytes: their value is the bit in the null mask.
 void TableCheck::CheckColumns() {
   std::set<std::uint16_t> ids;
   std::set<std::uint16_t> variableIndexes;
@@ -82,6 +100,8 @@ void TableCheck::CheckColumns() {
   }
 }
 
+// The map of owned pages says where rows are; the map of pages with room is only an offer and must lie within it. Long
+// values have maps of their own for each column: their pages are claimed here, before the rows that refer to them.
 void TableCheck::CheckPages() {
   owners_.ClaimMap(definition_.ownedPages, "the rows of " + name_);
   owners_.ClaimMap(definition_.freeSpacePages, "the free space of " + name_);
@@ -95,12 +115,15 @@ void TableCheck::CheckPages() {
       report_.Add(Where("Page " + std::to_string(number)) + " is offered for rows but not the table's.");
   }
   for (const LongValueMaps& maps : definition_.longValueMaps) {
+    // Maps of a column that is not there any more own pages all the same; its number names it.
     const ColumnDefinition* column = definition_.FindColumn(maps.columnId);
     const std::string columnName = column == nullptr ? std::to_string(maps.columnId) : column->name;
     longValues_.try_emplace(maps.columnId, pager_, Where("the column '" + columnName + "'"), maps, owners_, report_);
   }
 }
 
+// A moved row is counted where its link stands, which is the row's identity for indexes; its body is skipped here and
+// looked at through the link.
 void TableCheck::CheckRows(PageNumber number, const std::vector<RowEntry>& entries) {
   report_.CountPage();
   report_.Guard(Where("Page " + std::to_string(number)), [&] {
@@ -114,11 +137,14 @@ void TableCheck::CheckRows(PageNumber number, const std::vector<RowEntry>& entri
       } else {
         CheckRow(page->Slice(entries[i].offset, entries[i].length), row);
       }
+      // Reading decodes each value and fetches the long ones, which the outline alone does not show to be possible.
       report_.Guard(Where("The " + NameOf(row)), [&] { static_cast<void>(table_.Read(row)); });
     }
   });
 }
 
+// The link is the first 4 bytes of what is left in the old place. It must lead to a body (an entry with the flag 8000)
+// on a page of this very table, and no two links to one body: a change through either would spoil the other's row.
 void TableCheck::CheckMoved(const Page& page, const RowEntry& entry, RowPointer row) {
   const std::string where = Where("The moved " + NameOf(row));
   if (entry.length < format::row::kRowPointerSize) {
@@ -139,6 +165,8 @@ void TableCheck::CheckMoved(const Page& page, const RowEntry& entry, RowPointer 
   CheckRow(pager_.Read(target.page)->Slice(targetEntry.offset, targetEntry.length), row);
 }
 
+// The bytes of a row, wherever they lie; `row` is its identity. A row that was written before a column was added ends
+// before that column's place, and then its bit in the null mask says that it has no value there.
 void TableCheck::CheckRow(std::span<const std::uint8_t> bytes, RowPointer row) {
   report_.Guard(Where("The " + NameOf(row)), [&] {
     const RowShape shape(bytes, definition_);
@@ -157,6 +185,7 @@ void TableCheck::CheckRow(std::span<const std::uint8_t> bytes, RowPointer row) {
   });
 }
 
+// A body that no link leads to cannot be reached by anybody: a row was lost, or deleted by halves.
 void TableCheck::CheckTargets() {
   for (const auto& [number, entries] : pages_) {
     for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -167,6 +196,9 @@ void TableCheck::CheckTargets() {
   }
 }
 
+// Access itself lets the counters of its own four tables drift, so that only a strict check speaks of these. An
+// automatic number above the counter does no harm before the next row is added; a strict check walks the table once
+// more for it.
 void TableCheck::CheckCounters() {
   if (table_.RowCount() != liveRows_) {
     std::string text = Where("The counter") + " says " + std::to_string(table_.RowCount()) + " rows; there are " +

@@ -1,3 +1,20 @@
+// From a design to a definition with places in the file, in three steps that callers take in this order:
+//
+//   MakeColumn      type, length and flags of a column by its design; nothing of the table yet
+//   AppendColumn    its permanent number, and its place in the rows: a fixed offset, or a slot for a variable value
+//   AllocateParts   pages and map rows for all that the definition names and the file has not got yet
+//
+// Example, a table of a Long, a Text(50), a Boolean and a Double:
+//
+//   number   type      place                               record
+//   0        Long      fixed, bytes 0 to 3                 flags 03, length 4
+//   1        Text(50)  slot 0 of the variable values       flags 02, length 100 (bytes)
+//   2        Boolean   none: its value is bit 2 of the     flags 03, length 1
+//                      null mask
+//   3        Double    fixed, bytes 4 to 11                flags 03, length 8
+//
+// Fixed places are packed without alignment. Numbers, slots and places are never given again when a column is dropped,
+// since rows that were written before still hold its bytes there.
 #include "access/catalog/TableLayout.h"
 
 #include <algorithm>
@@ -42,6 +59,8 @@ std::uint16_t FixedLength(ColumnType type) {
 }
 
 /// The stored length of a variable column.
+/// Text is measured in characters by those who design it and in bytes, two for each, in the file. Long values have no
+/// length: they lie elsewhere.
 std::uint16_t VariableLength(const ColumnDesign& design) {
   if (design.type == ColumnType::Text) {
     if (design.length == 0 || design.length > format::text::kMaximumLength)
@@ -67,12 +86,15 @@ std::size_t SmallestRow(const TableDefinition& definition) {
   return size;
 }
 
+/// Fills one page of maps after another: `mapPage` is where the next map goes when there is room.
 RowPointer AddMap(PageAllocator& allocator, PageNumber& mapPage) {
   const RowPointer map = allocator.AddUsageMap(mapPage);
   mapPage = map.page;
   return map;
 }
 
+/// Gives each Memo and OLE column that has none its two maps. Maps are taken in the order of the columns' numbers and
+/// listed in that of their records, as Access does; a new file is compared with real ones byte for byte.
 void AllocateLongValueMaps(PageAllocator& allocator, TableDefinition& definition, PageNumber& mapPage) {
   std::vector<const ColumnDefinition*> byId;
   for (const ColumnDefinition& column : definition.columns)
@@ -96,6 +118,7 @@ void AllocateLongValueMaps(PageAllocator& allocator, TableDefinition& definition
   std::ranges::stable_sort(definition.longValueMaps, {}, place);
 }
 
+/// An index begins as one empty leaf, which stays its root for ever, however the tree grows.
 void AllocateIndex(Pager& pager, PageAllocator& allocator, PageNumber table, RealIndexDefinition& index,
                    PageNumber& mapPage) {
   index.ownedPages = AddMap(allocator, mapPage);
@@ -116,6 +139,7 @@ ColumnDefinition MakeColumn(const ColumnDesign& design, SortOrder sortOrder) {
   column.sortVersion = sortOrder.version;
   column.flags = format::column_flag::kUpdatable;
   column.length = FixedLength(design.type);
+  // A flag, and not the type, decides where readers look for the value.
   if (column.length > 0) {
     column.flags |= format::column_flag::kFixed;
   } else {
@@ -140,6 +164,8 @@ ColumnDefinition MakeColumn(const ColumnDesign& design, SortOrder sortOrder) {
   return column;
 }
 
+// Behind the highest-lying column, which need not be the last one in any list. Gaps that dropped columns have left
+// below it are not filled.
 std::size_t FixedAreaEnd(const TableDefinition& definition) {
   std::size_t end = 0;
   for (const ColumnDefinition& column : definition.columns) {
