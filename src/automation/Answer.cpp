@@ -7,8 +7,11 @@
 namespace tavi::automation {
 namespace {
 
+// The source of errors that are none of the system's own, such as those of the standard library.
 constexpr const char* kSource = "TaviMembership";
 
+/// Leaves a source and a description for the caller, who asks the thread for them. Where the system cannot make the
+/// object, the number alone has to do. Raises std::bad_alloc when the texts cannot be made.
 void LeaveInformation(const std::string& source, const std::string& description) {
   windows::ComPointer<ICreateErrorInfo> making;
   if (FAILED(::CreateErrorInfo(making.Receive()))) return;
@@ -19,6 +22,8 @@ void LeaveInformation(const std::string& source, const std::string& description)
   ::SetErrorInfo(0, information.Get());
 }
 
+/// The one place that knows which exception becomes which number. Called while one is being handled. A lack of memory
+/// gets no description: making one would need memory.
 HRESULT Classify() {
   try {
     throw;
@@ -38,6 +43,7 @@ HRESULT Classify() {
 
 HRESULT ResultOfException() noexcept {
   try {
+    // Describing an error may fail itself, for want of memory; the second attempt describes nothing.
     return Classify();
   } catch (const std::bad_alloc&) {
     return WithoutInformation(E_OUTOFMEMORY);

@@ -35,11 +35,13 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
     *result = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;
     // A new MembershipDatabase replaces its thread's store; one that nobody gets must not.
+    // So the interface is judged before anything is made, and the only failure left is that of making.
     if (!IsInterfaceOfObjects(wanted, made_.interfaceIdentifier)) return E_NOINTERFACE;
     windows::ComPointer<IUnknown> object;
     const HRESULT answer = Answer([&] { *object.Receive() = made_.create(); });
     return FAILED(answer) ? answer : object->QueryInterface(wanted, result);
   }
+  // A program that will create objects again and again keeps the library loaded in this way; who locks unlocks.
   STDMETHODIMP LockServer(BOOL lock) override {
     if (lock != FALSE) {
       ModuleLock::Add();
@@ -49,6 +51,9 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
     return S_OK;
   }
 
+  // The system calls these two as proxies in other apartments come and go; they may run on any thread. Until the first
+  // strong connection the lock stands for whoever has a reference; from then on for the connections, and with the last
+  // of them it goes, even if a reference of the system's own is never given back.
   STDMETHODIMP_(DWORD) AddConnection(DWORD kind, DWORD /*reserved*/) override {
     if ((kind & EXTCONN_STRONG) == 0) return 0;
     const std::lock_guard guard(connectionsMutex_);
@@ -79,6 +84,7 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
   std::optional<ModuleLock> lock_{std::in_place};
 };
 
+/// The object's base of its own interface, since an object has several bases of which each is an IUnknown.
 template <typename Object, typename Interface, typename... Values>
 IUnknown* New(Values&&... values) {
   return static_cast<Interface*>(new Object(std::forward<Values>(values)...));
@@ -86,6 +92,7 @@ IUnknown* New(Values&&... values) {
 
 }  // namespace
 
+// The identifiers are those of the type library; the names and descriptions are what the registry shows.
 const std::vector<CreatableClass>& CreatableClasses() {
   static const std::vector<CreatableClass> classes = {
       {__uuidof(::MembershipDatabase), L"MembershipDatabase", L"A bridge club's membership records",

@@ -6,6 +6,7 @@
 
 namespace tavi::automation {
 
+// Shared and constant: enumerators go on with the same items after the collection has been given back.
 windows::ComPointer<_Collection> MakeCollection(std::vector<CollectionItem> items) {
   auto shared = std::make_shared<const std::vector<CollectionItem>>(std::move(items));
   return windows::ComPointer<_Collection>(new CollectionObject(std::move(shared)));
@@ -16,6 +17,7 @@ STDMETHODIMP CollectionObject::get_Count(long* result) {
 }
 
 STDMETHODIMP CollectionObject::get_Item(VARIANT Index, VARIANT* result) {
+  // What is in a caller's result is nothing that would have to be cleared; copying into it would clear it.
   if (result != nullptr) ::VariantInit(result);
   return Answer([&] { windows::Require(CopyVariant(result, ItemAt(Index)), "The item cannot be copied"); }, result);
 }
@@ -26,9 +28,11 @@ STDMETHODIMP CollectionObject::get__NewEnum(IUnknown** result) {
 
 const VARIANT& CollectionObject::ItemAt(const VARIANT& index) const {
   const VARIANT& given = Referred(index);
+  // A text that spells a number is a key all the same; scripts say which one they mean by its type.
   const bool isText = given.vt == VT_BSTR || (given.vt == (VT_BYREF | VT_BSTR) && given.pbstrVal != nullptr);
   if (isText) {
     const std::string key = LowerCase(ToText(given.vt == VT_BSTR ? given.bstrVal : *given.pbstrVal));
+    // One after the other: collections are a club's addresses or the rows of one search.
     for (const CollectionItem& item : *items_) {
       if (!item.key.empty() && LowerCase(item.key) == key) return item.value.Get();
     }

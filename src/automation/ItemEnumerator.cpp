@@ -20,9 +20,11 @@ STDMETHODIMP_(ULONG) ItemEnumerator::Release() {
 }
 
 STDMETHODIMP ItemEnumerator::Next(ULONG count, VARIANT* values, ULONG* fetched) {
+  // Who asks for one value may do without the count: the result says whether there was one.
   if (values == nullptr || (fetched == nullptr && count != 1)) return E_POINTER;
   if (fetched != nullptr) *fetched = 0;
   const auto given = static_cast<ULONG>(std::min<std::size_t>(count, items_->size() - position_));
+  // The caller's array may hold anything; copying clears what a value held before.
   std::for_each_n(values, given, [](VARIANT& value) { ::VariantInit(&value); });
   for (ULONG done = 0; done < given; ++done) {
     const HRESULT result = CopyVariant(&values[done], (*items_)[position_ + done].value.Get());
@@ -34,6 +36,7 @@ STDMETHODIMP ItemEnumerator::Next(ULONG count, VARIANT* values, ULONG* fetched) 
   }
   position_ += given;
   if (fetched != nullptr) *fetched = given;
+  // Fewer than asked for is the end of the walk and no failure.
   return given == count ? S_OK : S_FALSE;
 }
 

@@ -7,6 +7,7 @@
 namespace tavi::automation {
 namespace {
 
+/// In a function, so that it is there for whatever object is made first while the library is loaded.
 std::atomic<long>& Locks() noexcept {
   static std::atomic<long> locks{0};
   return locks;
@@ -34,6 +35,7 @@ void ModuleLock::Remove() noexcept {
   --Locks();
 }
 
+// All of a thread share one token; the thread itself only knows of it, so that it goes with the last of them.
 ThreadUse::ThreadUse() : thread_(Current().lock()) {
   if (thread_) return;
   thread_ = std::make_shared<Thread>();
@@ -41,6 +43,7 @@ ThreadUse::ThreadUse() : thread_(Current().lock()) {
 }
 
 ThreadUse::~ThreadUse() {
+  // Asked before the token is given back: afterwards a thread without objects would look like the own one.
   const bool isOwnThread = Current().lock() == thread_;
   const std::weak_ptr<Thread> others = thread_;
   thread_.reset();

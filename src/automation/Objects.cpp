@@ -14,6 +14,7 @@ constexpr GUID kOwnObject = {0x64c671ca, 0x25fa, 0x488b, {0xbf, 0x95, 0x2f, 0x7a
 
 }  // namespace
 
+// The answer is the object itself and no interface; QueryInterface counts a reference for it as for any other.
 void* HandiCalcSettingsObject::Find(REFIID wanted) {
   return wanted == kOwnObject ? this : AutomationObject::Find(wanted);
 }
@@ -25,6 +26,8 @@ std::shared_ptr<HandiCalcSettings> SettingsOf(_HandiCalcSettings* object) {
     const windows::ComPointer<HandiCalcSettingsObject> settings(static_cast<HandiCalcSettingsObject*>(own));
     return settings->Settings();
   }
+  // Somebody else's object, or one of ours behind a proxy of another apartment, whose memory must not be touched from
+  // here.
   auto copy = std::make_shared<HandiCalcSettings>();
   Copy(*object, *copy);
   return copy;
@@ -43,6 +46,7 @@ void Return(SAFEARRAY** result, const MatchList& list) {
 
 void Return(_Collection** result, const std::vector<std::string>& texts) {
   std::vector<CollectionItem> items;
+  // The text is the key too, as callers look for an address by itself.
   for (const std::string& text : texts) items.push_back({Variant(text), text});
   *result = MakeCollection(std::move(items)).Detach();
 }
@@ -68,6 +72,7 @@ void Return(_EBUMembershipDetails** result, const EBUMembershipDetails& details)
 }
 
 std::optional<double> OptionalDouble(const VARIANT& value) {
+  // Empty counts as left out: a script's variable that nothing was assigned to.
   const VARIANT& given = Referred(value);
   if (IsMissing(given) || given.vt == VT_EMPTY) return std::nullopt;
   Variant number;

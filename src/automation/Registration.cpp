@@ -7,6 +7,15 @@
 #include "automation/ClassFactory.h"
 #include "automation/TypeInformation.h"
 
+// What regsvr32 asks for. Entering writes, for each class, its identifier with this file and its apartment, and its
+// name with the identifier; then the system enters the type library:
+//
+//   CLSID\{class}                       description; below it InprocServer32, ProgID, TypeLib, Version, ...
+//   TaviMembership.MembershipDatabase   description; below it CLSID
+//
+// The 32-bit and the 64-bit library may be registered side by side. Class identifiers lie in a part of the registry of
+// their kind of program; names and the type library are common to both, so that taking one kind out must leave them as
+// long as the other is there. An entry that is there already is written again: the file may have been moved.
 namespace tavi::automation {
 namespace {
 
@@ -22,6 +31,7 @@ std::wstring ClassKey(const CreatableClass& entry) {
   return L"CLSID\\" + TextOf(entry.identifier);
 }
 
+/// Most often the user is no administrator; the system's text says so.
 void RequireRegistry(LSTATUS status) {
   windows::Require(HRESULT_FROM_WIN32(static_cast<DWORD>(status)), "The registry cannot be written");
 }
@@ -32,6 +42,7 @@ void Enter(const std::wstring& key, const wchar_t* name, const std::wstring& tex
   RequireRegistry(::RegSetKeyValueW(HKEY_CLASSES_ROOT, key.c_str(), name, REG_SZ, text.c_str(), size));
 }
 
+/// All entries of one class. Apartment: an object is used on the thread that made it, and others get a proxy.
 void RegisterClass(const CreatableClass& entry, const std::wstring& file, const std::wstring& typeLibrary) {
   const std::wstring key = ClassKey(entry);
   const std::wstring program = kProgramPrefix + entry.name;
@@ -64,6 +75,7 @@ class LibraryAttributes {
 };
 
 /// Deletes a key below the classes with all that it holds.
+/// What is not there counts as removed, so that unregistering twice, or after half a registration, succeeds.
 LSTATUS Remove(const std::wstring& key) {
   const LSTATUS status = ::RegDeleteTreeW(HKEY_CLASSES_ROOT, key.c_str());
   return status == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : status;
@@ -72,6 +84,7 @@ LSTATUS Remove(const std::wstring& key) {
 /// The part of the registry that programs of the other kind see, where that is another one.
 constexpr REGSAM kOtherKind = sizeof(void*) == sizeof(std::uint64_t) ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
 
+/// `kind` may ask for the part of the other kind of programs.
 bool IsThere(const std::wstring& key, REGSAM kind = 0) {
   HKEY opened = nullptr;
   if (::RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ | kind, &opened) != ERROR_SUCCESS) return false;
@@ -79,6 +92,7 @@ bool IsThere(const std::wstring& key, REGSAM kind = 0) {
   return true;
 }
 
+/// Where the system has entered an interface of the type library: how other apartments find its proxy.
 std::wstring InterfaceKey(ITypeLib& library, UINT index) {
   windows::ComPointer<ITypeInfo> information;
   TYPEATTR* attributes = nullptr;
@@ -97,10 +111,12 @@ LSTATUS RemoveTypeLibrary() {
   ::UnRegisterTypeLib(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
                       attributes->syskind);
   const std::wstring kind = attributes->syskind == SYS_WIN64 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32";
+  // So it is asked afterwards whether the entry is gone.
   LSTATUS result = IsThere(L"TypeLib\\" + TextOf(attributes->guid) + kind) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
   for (UINT index = 0; index < library->GetTypeInfoCount(); ++index) {
     TYPEKIND typeKind = TKIND_MAX;
     library->GetTypeInfoType(index, &typeKind);
+    // Only these are entered; classes and structures of the library are not.
     if (typeKind != TKIND_DISPATCH) continue;
     const LSTATUS status = Remove(InterfaceKey(*library.Get(), index));
     if (result == ERROR_SUCCESS) result = status;
@@ -118,6 +134,7 @@ void RegisterAll() {
 }
 
 /// Removes everything that can be removed; the first thing that went wrong.
+/// It goes on after a failure: what can be taken out is better gone, and the first failure is told at the end.
 LSTATUS RemoveAll() {
   LSTATUS result = ERROR_SUCCESS;
   const auto note = [&result](LSTATUS status) {
@@ -136,6 +153,7 @@ LSTATUS RemoveAll() {
 
 void Register() {
   try {
+    // Half a registration would let programs create a class whose arguments they cannot pass.
     RegisterAll();
   } catch (...) {
     RemoveAll();

@@ -13,6 +13,8 @@ STDAPI DllGetClassObject(REFCLSID identifier, REFIID wanted, LPVOID* result) {
   tavi::windows::ComPointer<IClassFactory> factory;
   const HRESULT answer = Answer([&] { *factory.Receive() = tavi::automation::MakeClassFactory(identifier); });
   if (FAILED(answer)) return answer;
+  // The factory's own reference is given back here in any case; the caller has the one of the interface that he asked
+  // for.
   return factory ? factory->QueryInterface(wanted, result) : CLASS_E_CLASSNOTAVAILABLE;
 }
 

@@ -4,6 +4,8 @@
 
 namespace tavi::automation {
 
+// The file of this library, not of the program that has loaded it: the system is asked which module an address of ours
+// lies in, without keeping it loaded for the question.
 std::wstring ModulePath() {
   HMODULE module = nullptr;
   const auto someAddress = std::bit_cast<const wchar_t*>(&ModulePath);
@@ -11,6 +13,8 @@ std::wstring ModulePath() {
   if (::GetModuleHandleExW(kFlags, someAddress, &module) == 0) return {};
   std::wstring path(MAX_PATH, L'\0');
   DWORD length = ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
+  // A path that does not fit is cut and fills the whole room; one that just fills it is asked for once more, with no
+  // harm.
   while (length == path.size()) {
     path.resize(path.size() * 2);
     length = ::GetModuleFileNameW(module, path.data(), static_cast<DWORD>(path.size()));
@@ -19,6 +23,8 @@ std::wstring ModulePath() {
   return path;
 }
 
+// Read from the library itself and without entering it anywhere: it works unregistered too, and never gives the library
+// of another version that the registry happens to name.
 windows::ComPointer<ITypeLib> LoadOwnTypeLibrary() {
   windows::ComPointer<ITypeLib> library;
   windows::Require(::LoadTypeLibEx(ModulePath().c_str(), REGKIND_NONE, library.Receive()),

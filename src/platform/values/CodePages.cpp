@@ -5,9 +5,14 @@
 
 #include "platform/values/Text.h"
 
+// Bytes 00 to 7F are ASCII in every page; the upper half is one table for each page. Where a page leaves a byte open
+// the table has the control character of the same number, so that each byte becomes a character and the same byte
+// again, whatever an old file holds. Decoding is one look at a table; the way back searches the 128 characters, which
+// is enough for the few texts that are written.
 namespace tavi {
 namespace {
 
+// The first byte that differs from page to page.
 constexpr std::uint8_t kFirstTableByte = 0x80;
 
 /// The characters of bytes 80 to FF.

@@ -9,10 +9,15 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// The conversions of the automation language. Each asks the value for its type once (std::visit) and either answers or
+// raises an error that shows the value and says what was wanted. Two rules hold for all of them: true is -1, and what
+// is half-way goes to the even neighbour, 2.5 to 2 and 3.5 to 4. Amounts and decimals are converted by way of their
+// exact decimal text, because a double would round them once before the conversion rounds them again.
 namespace tavi {
 namespace {
 
 constexpr const char* kSource = "TaviMembership";
+// As many digits as every 32-bit float has that was read from a text of so many.
 constexpr int kSingleDigits = 7;
 
 /// A way of looking at each type of value with one function.
@@ -23,6 +28,7 @@ struct Overloaded : Functions... {
 template <typename... Functions>
 Overloaded(Functions...) -> Overloaded<Functions...>;
 
+/// The value as messages quote it. A memo of a megabyte is cut, so that the message stays one line.
 std::string Shown(const Value& value) {
   if (IsNull(value)) return "Null";
   // A NUL would end the message.
@@ -50,11 +56,14 @@ std::optional<std::int64_t> RoundedText(std::string_view text) {
     return std::nullopt;
   }
   const std::string_view fraction = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
+  // The comparison is one of texts: "49" < "5" < "51", digit by digit as fractions compare.
   // No trailing zeros are written, so that a fraction of just "5" is exactly one half.
   if (fraction > "5" || (fraction == "5" && whole % 2 != 0)) ++whole;
   return negative ? -whole : whole;
 }
 
+/// Nothing for what no 64-bit number holds; the limit lies below 2^63, so that the cast is always defined. Not-a-number
+/// fails the comparison and gives nothing, too.
 std::optional<std::int64_t> RoundedDouble(double number) {
   constexpr double kLimit = 9.0e18;
   if (!(std::abs(number) < kLimit)) return std::nullopt;
@@ -73,6 +82,7 @@ std::optional<std::int64_t> WholeNumber(const Value& value) {
                     value);
 }
 
+/// All whole numbers are made in 64 bits and then fitted, so that a number is too large for its type in one place only.
 template <typename Whole>
 Whole ToWhole(const Value& value, const std::string& wanted) {
   if (IsNull(value)) ThrowMismatch(value, wanted);
@@ -83,6 +93,7 @@ Whole ToWhole(const Value& value, const std::string& wanted) {
   return static_cast<Whole>(*number);
 }
 
+// The language writes truth values into texts as words and takes them back as numbers.
 double NumberFromText(const std::string& text) {
   if (EqualIgnoringCase(text, "True")) return -1.0;
   if (EqualIgnoringCase(text, "False")) return 0.0;
@@ -99,11 +110,14 @@ int SmallNumber(std::string_view text) {
 }
 
 /// Reads "d mmm yyyy" or "d/m/yyyy" by rewriting it in ISO form; a time of day may follow.
+/// Not ParseDateText: conversions of the component take these three forms and no others, so that "5/3" or a time alone
+/// stays a mismatch instead of becoming some day.
 std::optional<Date> DateFromText(const std::string& text) {
   if (const std::optional<Date> date = Date::FromIso(text)) return date;
   const bool hasSlashes = text.find('/') != std::string::npos;
   std::vector<std::string> words = Split(text, ' ');
   std::vector<std::string> parts = hasSlashes ? Split(words[0], '/') : words;
+  // How many words the date takes; one more may be the time.
   const std::size_t dateWords = hasSlashes ? 1 : 3;
   if (parts.size() < 3 || words.size() > dateWords + 1 || parts[2].size() != 4) return std::nullopt;
   const int day = SmallNumber(parts[0]);
@@ -126,6 +140,7 @@ std::string SingleText(float number) {
 bool ToBoolean(const Value& value) {
   if (const bool* truth = std::get_if<bool>(&value)) return *truth;
   if (IsNull(value)) ThrowMismatch(value, "a truth value");
+  // Texts take this way too: "True" is -1, "0" is false, and "yes" is a mismatch.
   return ToDouble(value) != 0.0;
 }
 
@@ -144,6 +159,8 @@ double ToDouble(const Value& value) {
                  [](std::int16_t number) { return static_cast<double>(number); },
                  [](std::int32_t number) { return static_cast<double>(number); },
                  [](float number) { return static_cast<double>(number); }, [](double number) { return number; },
+                 // The double nearest to the decimal writing. A division by 10000 would round twice where the amount
+                 // has more than 53 bits.
                  [](Currency amount) { return ParseNumber(CurrencyText(amount)).value_or(0.0); },
                  [](const Decimal& number) { return ParseNumber(DecimalText(number)).value_or(0.0); },
                  [](Date date) { return date.days; }, [](const std::string& text) { return NumberFromText(text); },
@@ -158,6 +175,7 @@ Date ToDate(const Value& value) {
     if (!date) ThrowMismatch(value, "a date; write it as yyyy-mm-dd");
     return *date;
   }
+  // A date of a text has been checked against the calendar by reading it; a number has not.
   const Date date{ToDouble(value)};
   if (!date.IsInCalendar()) ThrowOverflow(value, "a date of the years 100 to 9999");
   return date;
@@ -180,6 +198,7 @@ std::string ToText(const Value& value) {
 
 std::string GuidText(const Guid& guid) {
   std::string text = HexadecimalText(guid.bytes);
+  // From the back, so that an inserted sign does not move the places that are still to come.
   for (const std::size_t position : {20U, 16U, 12U, 8U}) text.insert(position, "-");
   return "{" + text + "}";
 }

@@ -8,9 +8,17 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// A date is a double as automation and Access hold it, so the calendar is arithmetic on day numbers; std::chrono turns
+// them into years, months and days. What is peculiar is the sign: below zero the whole part counts backwards while the
+// fraction still runs forwards, so that times of day are taken and put back without regard to the sign (TimeOf,
+// WithTime), never by adding. Example: 29 December 1899, 06:00 is -1.25, and a quarter of a day later it is -1.5.
+//
+// A damaged file may hold any double. Reading one never fails: it is moved to the nearest day of the calendar, and only
+// who makes a date from parts is told that there is none.
 namespace tavi {
 namespace {
 
+// English whatever the machine's language: the texts are stored, and compared by programs.
 constexpr std::array<std::string_view, 12> kMonths = {"January",   "February", "March",    "April",
                                                       "May",       "June",     "July",     "August",
                                                       "September", "October",  "November", "December"};
@@ -59,14 +67,17 @@ constexpr std::chrono::sys_days kDayZero{std::chrono::December / 30 / 1899};
 
 /// The day number, or nothing when there is no such day.
 std::optional<int> DayNumberOf(int year, int month, int day) {
+  // Years first: the type of the calendar holds 16 bits of one.
   if (year < kFirstYear || year > kLastYear || month < 1 || day < 1) return std::nullopt;
   const std::chrono::year_month_day civil{std::chrono::year{year}, std::chrono::month{static_cast<unsigned>(month)},
                                           std::chrono::day{static_cast<unsigned>(day)}};
+  // Asked of the numbers too, because the calendar's types keep a month and a day in a byte, where 257 is 1.
   if (month > 12 || day > 31 || !civil.ok()) return std::nullopt;
   return static_cast<int>((std::chrono::sys_days{civil} - kDayZero).count());
 }
 
 /// The value of a day with a time of day, given as a fraction of a day.
+/// Example: day -1 and 0.25 are -1.25.
 double WithTime(int dayNumber, double fraction) {
   return dayNumber < 0 ? dayNumber - fraction : dayNumber + fraction;
 }
@@ -80,6 +91,7 @@ std::string TwoDigits(int number) {
   return (number < 10 ? "0" : "") + std::to_string(number);
 }
 
+/// The caller gives at most four, so that nothing overflows.
 /// Reads a few digits; -1 when a character is none.
 int DigitsOf(std::string_view text) {
   int number = 0;
@@ -121,12 +133,14 @@ bool Date::IsInCalendar() const {
   return days > kFirstDayNumber - 1.0 && days < kLastDayNumber + 1.0;
 }
 
+// DayNumber keeps to the calendar's years, for which the conversion is always defined.
 CivilDay Date::Civil() const {
   const std::chrono::year_month_day civil{kDayZero + std::chrono::days{DayNumber()}};
   return CivilDay{static_cast<int>(civil.year()), static_cast<int>(static_cast<unsigned>(civil.month())),
                   static_cast<int>(static_cast<unsigned>(civil.day()))};
 }
 
+// Rounded, because a second is no exact fraction of a day: the double for 08:24 may lie a little below it.
 int Date::SecondOfDay() const {
   const int second = static_cast<int>(std::lround(TimeOf(days) * kSecondsOfDay));
   return second == kSecondsOfDay ? kSecondsOfDay - 1 : second;
@@ -136,6 +150,7 @@ Date Date::DayOnly() const {
   return Date{static_cast<double>(DayNumber())};
 }
 
+// Compared as doubles before the cast, which is undefined for what does not fit an int.
 int Date::DayNumber() const {
   if (std::isnan(days)) return 0;
   if (days <= kFirstDayNumber) return kFirstDayNumber;
@@ -144,6 +159,7 @@ int Date::DayNumber() const {
 
 Date Date::AddYears(int years) const {
   CivilDay civil = Civil();
+  // Any shift beyond the length of the calendar fails alike; clamped, the sum cannot overflow.
   civil.year += std::clamp(years, -kLastYear, kLastYear);
   if (civil.month == 2 && civil.day == 29 && !std::chrono::year{civil.year}.is_leap()) civil.day = 28;
   return Date{WithTime(FromCivil(civil.year, civil.month, civil.day).DayNumber(), TimeOf(days))};
@@ -153,6 +169,7 @@ std::string Date::Iso() const {
   const CivilDay civil = Civil();
   const std::string year = std::to_string(civil.year);
   std::string text =
+      // From the year 100 on: at most one zero is missing.
       std::string(4 - year.size(), '0') + year + "-" + TwoDigits(civil.month) + "-" + TwoDigits(civil.day);
   if (const int second = SecondOfDay(); second != 0) {
     text += "T" + TwoDigits(second / 3600) + ":" + TwoDigits(second / 60 % 60) + ":" + TwoDigits(second % 60);
@@ -166,6 +183,8 @@ std::string Date::DayMonthYear() const {
          std::to_string(civil.year);
 }
 
+// Strict, for it reads back what Iso has written and decides for others whether a text is one of ours: fixed places,
+// fixed separators, nothing behind.
 std::optional<Date> Date::FromIso(std::string_view text) {
   if (text.size() < 10 || text[4] != '-' || text[7] != '-') return std::nullopt;
   const std::optional<int> number =

@@ -3,12 +3,14 @@
 
 #include "platform/values/Convert.h"
 
+// Amounts and decimals as text, by whole numbers alone. There is no 128-bit type on every compiler that builds this, so
+// the number is divided by hand: four limbs of 32 bits, from the highest, each with the remainder of the one above.
 namespace tavi {
 namespace {
 
 constexpr std::uint8_t kCurrencyDecimals = 4;
 
-/// The decimal digits of a 128-bit number, without leading zeros.
+/// The decimal digits of a 128-bit number, without leading zeros; of zero none. A division by ten for each digit.
 std::string DigitsOf(std::uint64_t high, std::uint64_t low) {
   std::array<std::uint64_t, 4> limbs{high >> 32U, high & 0xFFFFFFFFU, low >> 32U, low & 0xFFFFFFFFU};
   std::string digits;
@@ -27,6 +29,7 @@ std::string DigitsOf(std::uint64_t high, std::uint64_t low) {
 
 /// Puts the point before the last `scale` digits and drops what says nothing.
 std::string WithPoint(std::string digits, std::size_t scale, bool negative) {
+  // At least one digit stands before the point: 5 at scale 2 is "005", then "0.05".
   if (digits.size() <= scale) digits.insert(0, scale - digits.size() + 1, '0');
   if (scale > 0) {
     digits.insert(digits.size() - scale, ".");
@@ -34,6 +37,7 @@ std::string WithPoint(std::string digits, std::size_t scale, bool negative) {
     if (digits.back() == '.') digits.pop_back();
   }
   if (digits.empty()) digits = "0";
+  // No minus before a zero, which a decimal of a file may well have.
   return negative && digits != "0" ? "-" + digits : digits;
 }
 
@@ -42,6 +46,7 @@ std::string WithPoint(std::string digits, std::size_t scale, bool negative) {
 std::string CurrencyText(Currency amount) {
   const bool negative = amount.tenThousandths < 0;
   const auto bits = static_cast<std::uint64_t>(amount.tenThousandths);
+  // Negated without a sign, because the smallest amount has no positive counterpart in 64 bits.
   return WithPoint(DigitsOf(0, negative ? 0 - bits : bits), kCurrencyDecimals, negative);
 }
 

@@ -5,6 +5,9 @@
 #include <cstdlib>
 #include <string_view>
 
+// All texts of numbers come from the standard library's scientific form, "1.25e-03", which is exact, independent of the
+// locale and has the digits and the exponent apart. It is taken to pieces here and put together again as people write
+// numbers: 0.00125.
 namespace tavi {
 namespace {
 
@@ -25,6 +28,7 @@ DecimalDigits ReadScientific(std::string_view text) {
   return number;
 }
 
+/// With a precision the digits are rounded to it; without, they are the fewest that are read back as the same number.
 template <typename... Precision>
 DecimalDigits DigitsOf(auto number, Precision... precision) {
   Buffer buffer{};
@@ -33,6 +37,7 @@ DecimalDigits DigitsOf(auto number, Precision... precision) {
   return ReadScientific({buffer.data(), static_cast<std::size_t>(written.ptr - buffer.data())});
 }
 
+/// "1.5E+15": an exponent of at least two digits with its sign.
 std::string ExponentText(const DecimalDigits& number) {
   std::string text = number.digits.substr(0, 1);
   if (number.digits.size() > 1) text += "." + number.digits.substr(1);
@@ -43,6 +48,7 @@ std::string ExponentText(const DecimalDigits& number) {
 }  // namespace
 
 DecimalDigits RoundedDigits(double number, int count) {
+  // The library counts the digits behind the point; one stands before it.
   return DigitsOf(number, count - 1);
 }
 
@@ -58,6 +64,7 @@ std::string PlainText(const DecimalDigits& number) {
   if (number.exponent < 0) {
     return "0." + std::string(static_cast<std::size_t>(-number.exponent - 1), '0') + number.digits;
   }
+  // So many digits stand before the point: exponent 0 is one, "1.25".
   const std::size_t whole = static_cast<std::size_t>(number.exponent) + 1;
   if (number.digits.size() <= whole) return number.digits + std::string(whole - number.digits.size(), '0');
   return number.digits.substr(0, whole) + "." + number.digits.substr(whole);

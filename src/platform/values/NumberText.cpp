@@ -6,6 +6,9 @@
 #include "platform/values/Digits.h"
 #include "platform/values/Text.h"
 
+// How doubles are written, read and rounded. People are shown 15 significant digits, in which every short decimal
+// number comes out as it was typed (0.1, not 0.1000000000000000055); what is stored takes 16 or 17 where these are
+// needed to read back the same double.
 namespace tavi {
 namespace {
 
@@ -20,6 +23,7 @@ std::string TextOf(double number, int digitCount) {
 }
 
 /// True when a number that the library calls out of range is too small rather than too large.
+/// Without an exponent it is tiny when the point comes before the first digit that counts: "0.000...1".
 bool IsTiny(std::string_view text) {
   const std::size_t mark = text.find_first_of("eE");
   if (mark != std::string_view::npos) return text.substr(mark + 1).starts_with('-');
@@ -31,12 +35,14 @@ bool IsTiny(std::string_view text) {
 std::string NumberText(double number) {
   if (std::isnan(number)) return "NaN";
   if (std::isinf(number)) return number > 0 ? "Infinity" : "-Infinity";
+  // Zero has no digits that could be rounded, and -0 is written without its sign.
   if (number == 0.0) return "0";
   return TextOf(number, kSignificantDigits);
 }
 
 std::string ExactNumberText(double number) {
   std::string text = NumberText(number);
+  // 17 digits always read back the same, so that the loop ends with a text that does.
   for (int digits = kSignificantDigits + 1; digits <= kMostDigits && ParseNumber(text) != number; ++digits) {
     text = TextOf(number, digits);
   }
@@ -53,6 +59,7 @@ std::optional<double> ParseNumber(std::string_view text) {
   double number = 0.0;
   const auto read = std::from_chars(rest.data(), rest.data() + rest.size(), number);
   if (read.ptr != rest.data() + rest.size()) return std::nullopt;
+  // The language reads what is too small as 0 and refuses what is too large.
   if (read.ec == std::errc::result_out_of_range && IsTiny(rest)) return 0.0;
   if (read.ec != std::errc()) return std::nullopt;
   return negative ? -number : number;
@@ -62,6 +69,7 @@ double RoundHalfEven(double number, int decimals) {
   const double scale = std::pow(10.0, decimals);
   const double scaled = number * scale;
   if (!std::isfinite(scaled) || std::abs(scaled) >= kWholeFrom) return number;
+  // Not std::round, which takes half-way values away from zero. floor makes `above` positive for negative numbers, too.
   const double below = std::floor(scaled);
   const double above = scaled - below;
   const bool up = above > 0.5 || (above == 0.5 && std::fmod(below, 2.0) != 0.0);
@@ -70,9 +78,14 @@ double RoundHalfEven(double number, int decimals) {
 
 double RoundDecimalHalfEven(double number, int decimals) {
   if (!std::isfinite(number) || number == 0.0) return number;
+  // 33.995 and two decimals: digits "33995", exponent 1, so that the first 4 are kept, "3399", and the rest "5" is
+  // half-way and goes up to the even 34.00.
   const DecimalDigits text = RoundedDigits(std::abs(number), kSignificantDigits);
   const int kept = text.exponent + 1 + decimals;
+  // More places are asked for than the text has digits: nothing of what people see is dropped.
   if (kept > kSignificantDigits) return RoundHalfEven(number, decimals);
+  // Even the first digit lies more than one place below the last that is kept. With just one place, kept = 0, a number
+  // above half a unit still rounds up.
   if (kept < 0) return 0.0;
   const auto keptCount = std::min(static_cast<std::size_t>(kept), text.digits.size());
   std::string digits = "0" + text.digits.substr(0, keptCount);

@@ -4,11 +4,18 @@
 
 #include "platform/values/CaseMapping.h"
 
+// The walk over UTF-8 and what is made of it. All that decodes a text goes through NextCodePoint, so that every
+// function counts, cuts and compares the same characters, also where the bytes are none. A text from a damaged file may
+// hold any bytes; nothing here raises an error for them, since a list with one strange name is worth more than no list.
+//
+// Example: "Zoë" is 5A 6F C3 AB; the lead byte C3 announces two bytes and gives 3 << 6 | 2B = EB, "ë". A lone C3 is
+// U+FFFD, and the byte behind it is read anew, so that one bad byte does not swallow a good letter.
 namespace tavi {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
 constexpr char32_t kLastCodePoint = 0x10FFFF;
+// From here on a character takes four bytes of UTF-8 and two units of UTF-16.
 constexpr char32_t kFirstSupplementary = 0x10000;
 
 bool IsHighSurrogate(char32_t unit) {
@@ -22,6 +29,8 @@ std::uint8_t ByteAt(std::string_view text, std::size_t position) {
   return static_cast<std::uint8_t>(text[position]);
 }
 
+/// C0 and C1 would begin two bytes for what fits into one, F5 and above would lead past the last code point: refused by
+/// their lead byte already.
 /// The length of the sequence that a lead byte announces; 0 for a byte that leads none.
 std::size_t SequenceLength(std::uint8_t lead) {
   if (lead < 0x80) return 1;
@@ -46,6 +55,9 @@ char32_t NextCodePoint(std::string_view text, std::size_t& position) {
     whole = (next & 0xC0U) == 0x80U;
     codePoint = (codePoint << 6U) | (next & 0x3FU);
   }
+  // A longer form than needed would be a second writing of the same letter, which comparisons of bytes would miss. What
+  // is between D800 and DFFF passes: real files hold surrogates without a partner, and those must come back as they
+  // were.
   const bool shortest = (length != 3 || codePoint >= 0x800) && (length != 4 || codePoint >= kFirstSupplementary);
   if (!whole || !shortest || codePoint > kLastCodePoint) {
     ++position;
@@ -55,6 +67,7 @@ char32_t NextCodePoint(std::string_view text, std::size_t& position) {
   return codePoint;
 }
 
+/// The inverse of NextCodePoint: a surrogate becomes its three bytes, what is beyond Unicode U+FFFD.
 void Append(std::string& text, char32_t codePoint) {
   const auto put = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
   const auto putTail = [&put](char32_t bits) { put(0x80U | (bits & 0x3FU)); };
@@ -76,6 +89,9 @@ void Append(std::string& text, char32_t codePoint) {
   }
 }
 
+/// The other case of a letter by binary search in the runs; a letter outside of them, or between two steps of one, is
+/// its own. Simple mappings only: one letter stays one letter ("ß" has no upper case here), so that lengths do not
+/// change and the place of a character is the same in both texts.
 char32_t MapCase(char32_t codePoint, std::span<const CaseRun> runs) {
   const auto run = std::lower_bound(runs.begin(), runs.end(), codePoint,
                                     [](const CaseRun& entry, char32_t value) { return entry.last < value; });
@@ -83,6 +99,8 @@ char32_t MapCase(char32_t codePoint, std::span<const CaseRun> runs) {
   return static_cast<char32_t>(static_cast<std::int32_t>(codePoint) + run->delta);
 }
 
+/// Letter by letter. The bytes may become fewer or more ("ı" is two bytes, its upper case one), so nothing is changed
+/// in place.
 template <typename Mapping>
 std::string MapText(std::string_view text, Mapping mapping) {
   std::string result;
@@ -128,6 +146,7 @@ std::string FromUtf16(std::u16string_view text) {
   result.reserve(text.size());
   for (std::size_t index = 0; index < text.size(); ++index) {
     const char32_t unit = text[index];
+    // A high one at the end, or two in a row, have no partner and are kept alone.
     if (IsHighSurrogate(unit) && index + 1 < text.size() && IsLowSurrogate(text[index + 1])) {
       const char32_t low = text[++index];
       Append(result, kFirstSupplementary + ((unit - 0xD800U) << 10U) + (low - 0xDC00U));
@@ -138,6 +157,7 @@ std::string FromUtf16(std::u16string_view text) {
   return result;
 }
 
+// Characters and not bytes: what fits a limit does not depend on how many accents a name has.
 std::size_t TextLength(std::string_view text) {
   std::size_t length = 0;
   for (std::size_t position = 0; position < text.size(); ++length) NextCodePoint(text, position);
@@ -151,6 +171,7 @@ std::string FirstCharacters(std::string_view text, std::size_t count) {
 }
 
 char32_t UpperCase(char32_t codePoint) {
+  // Nearly every letter that is asked for is ASCII: no search for those.
   if (codePoint < 0x80) return codePoint >= U'a' && codePoint <= U'z' ? codePoint - 0x20U : codePoint;
   return MapCase(codePoint, UpperCaseRuns());
 }
@@ -180,6 +201,7 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
     const char32_t rightLetter = UpperCase(char32_t{rightByte});
     if (leftLetter != rightLetter) return leftLetter < rightLetter ? -1 : 1;
   }
+  // What was the same so far was ASCII on both sides, so that both texts stand at the beginning of a character here.
   std::size_t leftPosition = same;
   std::size_t rightPosition = same;
   while (leftPosition < left.size() && rightPosition < right.size()) {
@@ -187,6 +209,7 @@ int CompareIgnoringCase(std::string_view left, std::string_view right) {
     const char32_t rightLetter = UpperCase(NextCodePoint(right, rightPosition));
     if (leftLetter != rightLetter) return leftLetter < rightLetter ? -1 : 1;
   }
+  // One is the beginning of the other: the shorter one comes first.
   if (leftPosition < left.size()) return 1;
   return rightPosition < right.size() ? -1 : 0;
 }
@@ -195,6 +218,7 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right) {
   return CompareIgnoringCase(left, right) == 0;
 }
 
+// Only the blank itself: a no-break space or a tabulator in a stored name is the club's own and stays.
 std::string Trim(std::string_view text) {
   const std::size_t first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return {};
@@ -205,6 +229,7 @@ std::string ReplaceAll(std::string_view text, std::string_view from, std::string
   std::string result;
   std::size_t position = 0;
   for (;;) {
+    // An empty `from` would be found for ever at the same place; it replaces nothing.
     const std::size_t found = from.empty() ? std::string_view::npos : text.find(from, position);
     result += text.substr(position, found - position);
     if (found == std::string_view::npos) return result;

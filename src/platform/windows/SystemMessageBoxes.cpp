@@ -23,6 +23,8 @@ UINT StyleOf(MessageBoxIcon icon) {
 
 void SystemMessageBoxes::Show(MessageBoxIcon icon, const std::string& title, const std::string& text) const {
   try {
+    // Task modal: without an owner window, all windows of the calling thread wait. In the foreground, because the
+    // program that called may be busy behind others, and nobody would dismiss what he does not see.
     ::MessageBoxW(nullptr, windows::ToWide(text).c_str(), windows::ToWide(title).c_str(),
                   MB_OK | MB_TASKMODAL | MB_SETFOREGROUND | StyleOf(icon));
   } catch (const std::exception&) {

@@ -9,8 +9,10 @@ namespace {
 
 using windows::ToWide;
 
+// Enough for nearly every path; a longer value costs a second call.
 constexpr DWORD kFirstBytes = 512;
 
+/// A key that is open for reading, or is not there. Missing and forbidden are the same to who asks for a setting.
 class OpenKey {
  public:
   OpenKey(RegistryRoot root, std::string_view path) {
@@ -29,14 +31,17 @@ class OpenKey {
     DWORD type = REG_NONE;
     std::wstring text;
     LSTATUS status = ERROR_MORE_DATA;
+    // Again and again, because the value may grow between the call that tells its size and the next one.
     while (status == ERROR_MORE_DATA) {
       text.resize(size / sizeof(wchar_t) + 1);
       size = static_cast<DWORD>(text.size() * sizeof(wchar_t));
       void* target = text.data();
       status = ::RegQueryValueExW(key_, name.c_str(), nullptr, &type, static_cast<BYTE*>(target), &size);
     }
+    // Plain texts only: one with variables in it would not be the path that it shows.
     if (status != ERROR_SUCCESS || type != REG_SZ) return std::nullopt;
     text.resize(size / sizeof(wchar_t));
+    // Whoever stored it may have counted an end in, or none, or several.
     return text.substr(0, text.find(L'\0'));
   }
 
