@@ -1,3 +1,6 @@
+// When two expressions of a statement say the same, which decides what may stand beside GROUP BY: "Year(Day) + 1" is
+// allowed where "year( day )" is grouped by. Columns are compared by where they lead, so that "ID" and "Members.ID" are
+// one; names of functions without regard to case; literals by value, but 1 and 1.0 are of different types and differ.
 #include <algorithm>
 
 #include "access/sql/parse/Expression.h"
@@ -24,6 +27,7 @@ bool AllSame(const List& left, const List& right, const Same& same) {
 }
 
 /// What can be told of two expressions without their arguments, sub-selects included.
+/// Comparing the kinds of values first keeps a text from being compared with a number, which could raise an error.
 bool SameHead(const Expression& left, const Expression& right) {
   if (left.kind != right.kind || left.negated != right.negated || left.distinct != right.distinct) return false;
   if (left.op != right.op || left.all != right.all || !EqualIgnoringCase(left.name, right.name)) return false;
@@ -72,6 +76,9 @@ bool SameExpression(const Expression& left, const Expression& right, const Selec
                                           [&](const auto& a, const auto& b) { return SameExpression(*a, *b, plan); });
 }
 
+// From the outside in: a whole expression that is grouped by is fine whatever it is made of, and so is everything
+// inside an aggregate. A column that is reached otherwise has no single value in a group. Columns of outer levels have
+// one.
 void CheckGrouped(const Expression& expression, const SelectPlan& plan) {
   for (const Expression* group : plan.groupBy) {
     if (SameExpression(*group, expression, plan)) return;
@@ -79,6 +86,7 @@ void CheckGrouped(const Expression& expression, const SelectPlan& plan) {
   if (IsAggregate(expression)) return;
   if (expression.kind == ExpressionKind::Column) {
     const Slot slot = plan.SlotOf(expression);
+    // An alias stands for its item.
     if (slot.kind == Slot::Kind::Item) {
       CheckGrouped(*plan.select->items[slot.column].expression, plan);
     } else if (slot.depth == 0) {

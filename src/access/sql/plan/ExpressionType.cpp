@@ -1,4 +1,7 @@
-// The types of expressions and columns (declared in ExpressionShape.h).
+// The types of expressions and columns (declared in Plan.h). They are told from the text and the tables alone, before
+// any row is read, because record sets say the types of their fields when they are opened, empty ones too. They are for
+// whom a record set tells them, and for the columns of a table made by SELECT INTO; values keep the types that
+// evaluation gives them.
 #include <algorithm>
 #include <array>
 
@@ -12,6 +15,7 @@ namespace {
 
 using ado::DataType;
 
+/// Whole numbers have the smallest type that the parser gave them; a null literal is announced as a text.
 struct TypeOfValue {
   DataType operator()(Null) const { return DataType::WChar; }
   DataType operator()(bool) const { return DataType::Boolean; }
@@ -37,12 +41,16 @@ int Rank(DataType type) {
   return found == kOrder.end() ? -1 : static_cast<int>(found - kOrder.begin());
 }
 
+/// Beside a number, what is no number (a text) gives a double, as arithmetic converts it. Truth values count as small
+/// whole numbers as soon as they are added.
 DataType WiderType(DataType left, DataType right) {
   if (Rank(left) < 0 || Rank(right) < 0) return Rank(left) < 0 && Rank(right) < 0 ? left : DataType::Double;
   const DataType wider = Rank(left) < Rank(right) ? right : left;
   return wider == DataType::Boolean ? DataType::SmallInt : wider;
 }
 
+/// The types of results as record sets announce them; a value may be of a wider type, such as the double of a sum of
+/// whole numbers that does not fit 32 bits. Comparisons and logic are truth values.
 DataType TypeOfBinary(const Expression& expression, const SelectPlan& plan) {
   switch (expression.op) {
     case Operator::Add:
@@ -62,6 +70,7 @@ DataType TypeOfBinary(const Expression& expression, const SelectPlan& plan) {
   }
 }
 
+/// Amounts add up to amounts, exactly; all other sums are doubles (Aggregator).
 DataType TypeOfAggregate(const Expression& call, const SelectPlan& plan) {
   const std::string name = UpperCase(call.name);
   if (name == "COUNT") return DataType::Integer;
@@ -70,6 +79,7 @@ DataType TypeOfAggregate(const Expression& call, const SelectPlan& plan) {
   return argument == DataType::Currency && (name == "SUM" || name == "AVG") ? argument : DataType::Double;
 }
 
+/// Functions that are not listed give texts. Those that pass a value on have the type of their argument.
 DataType TypeOfCall(const Expression& call, const SelectPlan& plan) {
   const std::string name = UpperCase(call.name);
   const auto isOneOf = [&](std::initializer_list<std::string_view> names) {
@@ -88,6 +98,7 @@ DataType TypeOfCall(const Expression& call, const SelectPlan& plan) {
   if (isOneOf({"CBOOL", "ISNULL", "ISNUMERIC", "ISDATE"})) return DataType::Boolean;
   const bool hasArguments = !call.arguments.empty();
   if (hasArguments && isOneOf({"ABS", "INT", "FIX", "ROUND", "NZ"})) return TypeOf(*call.arguments[0], plan);
+  // Which of the two it will be only the row tells, so that the wider one is announced.
   if (name == "IIF" && call.arguments.size() == 3) {
     return WiderType(TypeOf(*call.arguments[1], plan), TypeOf(*call.arguments[2], plan));
   }
@@ -129,6 +140,7 @@ DataType TypeOf(const Expression& expression, const SelectPlan& plan) {
   }
 }
 
+// Memos are announced as texts, and the numbers of complex columns as whole numbers.
 DataType TypeOf(const ColumnDefinition& column) {
   switch (column.type) {
     case ColumnType::Boolean:

@@ -1,3 +1,15 @@
+// The order of joins, and the place of each condition. A FROM clause is a tree of joins. Inner and cross joins next to
+// each other are one group, whose members may be read in any order; an outer join fixes its order, since the rows of
+// the kept side come first. So the tree is planned in groups: the order of a group is sought by its estimated cost, and
+// what an outer join has on its sides are groups again.
+//
+// A condition is checked as early as all sources that it names are bound. In a group that is the member that binds the
+// last of them, where the condition may also choose the path to its rows. At an outer join there are two kinds: its ON
+// decides which rows of the optional side belong to a row of the kept side; WHERE above it judges the joined row. A
+// condition of WHERE may only go below the join when it does not name the optional side, for it would drop the very
+// rows that are to be joined with nulls.
+//
+// Costs are in rows of a scan: a nested part costs as often as the parts before it give rows.
 #include "access/sql/plan/JoinPlanner.h"
 
 #include <algorithm>
@@ -44,6 +56,8 @@ SourceSet JoinPlanner::LeavesOf(const Source& tree) const {
   return LeavesOf(*tree.left) | LeavesOf(*tree.right);
 }
 
+// A right join is a left join with its sides exchanged; the columns of SELECT * keep the order of the text, because the
+// numbers of the sources do not change.
 std::shared_ptr<const PlanNode> JoinPlanner::PlanTree(const Source& tree, Conjuncts conjuncts, SourceSet bound) const {
   if (tree.kind != Source::Kind::Join) return PlanLeaf(tree, conjuncts, bound);
   if (tree.join == Source::Join::Left) return PlanOuter(*tree.left, *tree.right, tree, conjuncts, bound);
@@ -56,6 +70,7 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanLeaf(const Source& leaf, const 
   auto node = std::make_shared<PlanNode>();
   node->source = binder_.NumberOf(leaf);
   node->sources = SourceSet{1} << node->source;
+  // Every condition is checked of each row found, also the one that the path serves: paths give candidates.
   node->path = access_.Choose(node->source, conjuncts, bound);
   for (const Conjunct& conjunct : conjuncts) node->filters.push_back(conjunct.expression);
   node->cost = node->path.cost;
@@ -67,6 +82,7 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanLeaf(const Source& leaf, const 
   return node;
 }
 
+// `conjuncts` are those of WHERE (or of a join around this one), `bound` what is known before the node is run.
 std::shared_ptr<const PlanNode> JoinPlanner::PlanOuter(const Source& kept, const Source& optional, const Source& join,
                                                        const Conjuncts& conjuncts, SourceSet bound) const {
   auto node = std::make_shared<PlanNode>();
@@ -74,6 +90,8 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanOuter(const Source& kept, const
   const SourceSet keptSources = LeavesOf(kept);
   const SourceSet optionalSources = LeavesOf(optional);
   node->sources = keptSources | optionalSources;
+  // What names no source of the optional side is the same with and without a partner, so it is checked before one is
+  // sought.
   Conjuncts early;
   for (const Conjunct& conjunct : conjuncts) {
     if ((conjunct.sources & optionalSources) == 0) {
@@ -85,15 +103,20 @@ std::shared_ptr<const PlanNode> JoinPlanner::PlanOuter(const Source& kept, const
   Conjuncts on;
   SplitConjuncts(join.on.get(), binder_, on);
   node->parts.push_back(PlanTree(kept, std::move(early), bound));
+  // The conditions of ON are those of the optional part alone, also where they name only the kept side: a row of the
+  // kept side that does not satisfy them stays, without a partner.
   node->parts.push_back(PlanTree(optional, std::move(on), bound | keptSources));
   const PlanNode& first = *node->parts[0];
   const PlanNode& second = *node->parts[1];
   node->cost = first.cost + first.rows * second.cost;
   node->setup = first.setup + second.setup;
+  // A row of the kept side gives at least one.
   node->rows = first.rows * std::max(1.0, second.rows);
   return node;
 }
 
+// The members of a group of inner joins and the conditions of their ON clauses: within such a group ON and WHERE mean
+// the same.
 void JoinPlanner::FlattenInner(const Source& tree, Parts& parts, Conjuncts& conjuncts) const {
   if (!IsInner(tree)) {
     parts.push_back({&tree, LeavesOf(tree), nullptr});
@@ -104,6 +127,7 @@ void JoinPlanner::FlattenInner(const Source& tree, Parts& parts, Conjuncts& conj
   SplitConjuncts(tree.on.get(), binder_, conjuncts);
 }
 
+// A node of one part, since the part itself is shared by all orders that are tried and must not be changed.
 std::shared_ptr<const PlanNode> JoinPlanner::WithFilters(std::shared_ptr<const PlanNode> node,
                                                          const Conjuncts& conjuncts) {
   if (conjuncts.empty()) return node;
@@ -118,6 +142,9 @@ std::shared_ptr<const PlanNode> JoinPlanner::WithFilters(std::shared_ptr<const P
   return filtered;
 }
 
+// The conditions that become checkable with this part go to it: all their sources are bound now and were not before.
+// For the first part "before" does not count: conditions that need nothing, or only what was bound outside the group,
+// have no earlier place. A part that is a join has checked those of its own sources inside.
 JoinPlanner::Order JoinPlanner::Append(const Order& order, const Part& part, std::size_t position,
                                        const Conjuncts& conjuncts) const {
   Order next = order;
@@ -138,6 +165,8 @@ JoinPlanner::Order JoinPlanner::Append(const Order& order, const Part& part, std
   return next;
 }
 
+// Costs only grow with each part, so an order that is already dearer than the best complete one is not followed
+// further. At most 24 complete orders.
 void JoinPlanner::TryOrders(const Parts& parts, const Conjuncts& conjuncts, const Order& order,
                             std::optional<Order>& best) const {
   if (order.nodes.size() == parts.size()) {
@@ -151,6 +180,7 @@ void JoinPlanner::TryOrders(const Parts& parts, const Conjuncts& conjuncts, cons
   }
 }
 
+// The rows of an order count beside its cost, because every later part is run for each of them.
 JoinPlanner::Order JoinPlanner::StepByStep(const Parts& parts, const Conjuncts& conjuncts, Order order) const {
   while (order.nodes.size() < parts.size()) {
     std::optional<Order> cheapest;
@@ -164,6 +194,8 @@ JoinPlanner::Order JoinPlanner::StepByStep(const Parts& parts, const Conjuncts& 
   return order;
 }
 
+// A member that is a join gets the conditions that name its sources alone. Those that tie it to other members cannot
+// choose its paths, as it is planned before the order is known; they filter its rows.
 std::shared_ptr<const PlanNode> JoinPlanner::PlanGroup(const Source& tree, Conjuncts conjuncts, SourceSet bound) const {
   Parts parts;
   FlattenInner(tree, parts, conjuncts);

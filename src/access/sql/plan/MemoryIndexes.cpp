@@ -1,3 +1,12 @@
+// Indexes in memory of columns without one in the file. Making one costs a walk over the table, so it is made when it
+// will pay: when one statement looks up many values (a join), at the second request for single ones, or when plans that
+// had to do without it have together cost as much as a scan of the table. What an index has shown of a column (rows per
+// value) is remembered when the index itself is dropped, so that later plans estimate better.
+//
+// An index gives candidates only. A changed row is added under its new value and stays under the old one, a deleted one
+// stays; so changes cost no search in it, and whoever looks up checks that the row is there and what it holds. The
+// session's own changes are entered as they are made. A change by anybody else, and a rollback, shows in the pager's
+// generation and drops every index.
 #include "access/sql/plan/MemoryIndexes.h"
 
 #include <cmath>
@@ -6,10 +15,13 @@
 
 namespace tavi::access::sql {
 
+// By what stays the same when the table is read anew: the page of its definition and the column's number in the file.
 MemoryIndexes::Key MemoryIndexes::KeyOf(const Table& table, std::size_t column) {
   return {table.Definition().page, table.Columns()[column].definition.id};
 }
 
+// Requests count from the beginning again: where another program writes all the time, an index made at once would be
+// dropped before it has paid.
 void MemoryIndexes::DropWhenStale() {
   const std::uint64_t generation = pager_->Generation();
   if (generation == generation_) return;
@@ -22,6 +34,8 @@ void MemoryIndexes::DropWhenStale() {
   generation_ = generation;
 }
 
+// What is built, or due to be built, is free for the plan. A due one that has never been built is given the best of
+// estimates, one row per value, so that the next plan takes it and its worth becomes known.
 MemoryIndexes::Estimate MemoryIndexes::EstimateFor(const Table& table, std::size_t column, double rowCount) const {
   Estimate estimate{kCostOfEntry * rowCount, std::sqrt(rowCount)};
   const auto found = entries_.find(KeyOf(table, column));
@@ -42,6 +56,8 @@ void MemoryIndexes::NotePlan(const std::vector<Considered>& considered, double c
   }
 }
 
+// A planned index may still not be made: a table that has shrunk below the limit is scanned by the caller, and so is
+// one for whose single look-up the walk would not pay.
 const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool manyLookUps,
                                      FunctionReference<void()> beforeRow) {
   DropWhenStale();
@@ -59,6 +75,7 @@ const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool many
   return &*entry.index;
 }
 
+// Nulls are left out: no look-up asks for them, as nothing equals null.
 HashIndex MemoryIndexes::Build(Table& table, std::size_t column, FunctionReference<void()> beforeRow) {
   std::vector<bool> wanted(table.Columns().size(), false);
   wanted[column] = true;
@@ -71,6 +88,8 @@ HashIndex MemoryIndexes::Build(Table& table, std::size_t column, FunctionReferen
   return HashIndex(std::move(entries));
 }
 
+// The index used last stays whatever its size: somebody is about to look up in it. It has at most kMaximumEntries when
+// it is made.
 void MemoryIndexes::MakeRoom(std::size_t entries) {
   while (true) {
     std::size_t total = 0;
@@ -93,6 +112,7 @@ void MemoryIndexes::RowInserted(const Table& table, RowPointer row, const RowVal
   }
 }
 
+// Only a value that differs gets an entry; under an equal one the row is there already.
 void MemoryIndexes::RowUpdated(const Table& table, RowPointer row, const RowValues& before, const RowValues& after) {
   for (std::size_t column = 0; column < after.size() && !entries_.empty(); ++column) {
     const auto found = entries_.find(KeyOf(table, column));

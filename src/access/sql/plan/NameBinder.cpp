@@ -1,3 +1,11 @@
+// Where names lead. A level's plan has a place for each of its expressions, by the number that the parser gave it; a
+// column's place says the source and column, and how many levels outwards. A name is sought
+//
+//   1. among the columns of this level's sources; two that have it are an error, unless a qualifier tells them apart,
+//   2. among those of the level around, and so on outwards: an inner level's names hide outer ones,
+//   3. among the aliases of this level's select list that are visible where the name stands.
+//
+// A binding also marks its column as needed, so that only such columns are read from the file.
 #include "access/sql/plan/NameBinder.h"
 
 #include "access/sql/parse/Expression.h"
@@ -25,6 +33,7 @@ std::optional<std::size_t> FindColumn(const PlannedSource& source, std::string_v
   return std::nullopt;
 }
 
+// From left to right, so that the numbers of sources follow the text and SELECT * shows them in that order.
 void NameBinder::AddSources(const Source& tree) {
   if (tree.kind == Source::Kind::Join) {
     AddSources(*tree.left);
@@ -42,6 +51,8 @@ void NameBinder::AddLeaf(const Source& leaf) {
   source.name = leaf.alias.empty() ? leaf.table : leaf.alias;
   std::size_t columns = 0;
   if (leaf.kind == Source::Kind::Subselect) {
+    // A derived table stands beside the other sources and does not see their rows, nor those of outer levels: it is run
+    // once.
     source.derived = PlanSelect(context_, *leaf.subselect, nullptr);
     columns = source.derived->outputs.size();
     source.plannedRowCount = static_cast<std::uint32_t>(EstimateRows(*source.derived));
@@ -51,6 +62,8 @@ void NameBinder::AddLeaf(const Source& leaf) {
     source.plannedRowCount = source.table->RowCount();
     columns = source.table->Columns().size();
   }
+  // The same table may be named twice, but not under one name. A derived table may have none; its
+  // columns are then named alone.
   for (const PlannedSource& other : plan_.sources) {
     if (!source.name.empty() && EqualIgnoringCase(other.name, source.name)) {
       throw StatementError("Two tables of the statement have the name '" + source.name +
@@ -63,6 +76,7 @@ void NameBinder::AddLeaf(const Source& leaf) {
   plan_.sources.push_back(std::move(source));
 }
 
+// Ambiguity is an error of one level only: an outer level is not asked when this one has the name.
 std::optional<Slot> NameBinder::FindColumn(const Expression& column) const {
   std::optional<Slot> found;
   for (std::size_t i = 0; i < plan_.sources.size(); ++i) {
@@ -79,6 +93,7 @@ std::optional<Slot> NameBinder::FindColumn(const Expression& column) const {
   return found;
 }
 
+// An item sees the aliases before it, and other clauses all of them, so that no alias can lead back to itself.
 std::optional<Slot> NameBinder::FindItem(const Expression& column, std::size_t visibleItems) const {
   if (!column.qualifier.empty() || plan_.select == nullptr) return std::nullopt;
   for (std::size_t i = 0; i < visibleItems; ++i) {
@@ -88,6 +103,7 @@ std::optional<Slot> NameBinder::FindItem(const Expression& column, std::size_t v
   return std::nullopt;
 }
 
+// May be called again for an expression that is bound: what it needs is then marked for the further use as well.
 void NameBinder::Bind(const Expression& expression, Use use, std::size_t visibleItems) {
   if (expression.kind == ExpressionKind::Column) BindColumn(expression, use, visibleItems);
   if (expression.subselect) BindSubselect(expression, use);
@@ -106,12 +122,15 @@ void NameBinder::BindColumn(const Expression& column, Use use, std::size_t visib
   }
   const Slot slot = plan_.SlotOf(column);
   if (slot.kind == Slot::Kind::Item) {
+    // What the alias stands for is needed for the same use; aliases before it stay visible in it.
     Bind(*plan_.select->items[slot.column].expression, use, slot.column);
   } else {
     MarkUse(slot, use);
   }
 }
 
+// Columns of this level that the sub-select refers to are needed with the row, and those of levels further out make
+// this level depend on them in its turn: their depth is counted from here, one less than from the sub-select.
 void NameBinder::BindSubselect(const Expression& expression, Use use) {
   if (plan_.SubselectOf(expression) == nullptr) {
     std::unique_ptr<SelectPlan> subplan = PlanSelect(context_, *expression.subselect, this);
@@ -132,6 +151,8 @@ void NameBinder::MarkUse(const Slot& slot, Use use) {
   (use == Use::Search ? source.searchColumns : source.outputColumns)[slot.column] = true;
 }
 
+// What a sub-select refers to counts too: a condition with a correlated one can only be checked when those rows are
+// known.
 SourceSet NameBinder::SourcesOf(const Expression& expression) const {
   SourceSet sources = 0;
   VisitExpression(expression, [&](const Expression& part) {

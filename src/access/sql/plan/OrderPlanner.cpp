@@ -1,3 +1,6 @@
+// ORDER BY, and the index that may take its place. A key is, in this order: a whole number, which is the position of an
+// output column counted from 1; in a union the name of an output column, since its parts have no columns in common;
+// else an expression over the sources, in which aliases may be named.
 #include <algorithm>
 
 #include "access/sql/plan/AccessPlanner.h"
@@ -29,6 +32,7 @@ std::optional<std::size_t> OutputPosition(const Expression& expression, const Se
   return static_cast<std::size_t>(position - 1);
 }
 
+/// By the name that the result shows or the one that the column has in its table.
 std::size_t UnionColumn(const Expression& expression, const SelectPlan& plan) {
   if (expression.kind == ExpressionKind::Column) {
     for (std::size_t i = 0; i < plan.outputs.size(); ++i) {
@@ -41,12 +45,15 @@ std::size_t UnionColumn(const Expression& expression, const SelectPlan& plan) {
                        "' names no column of the union. Use a column name of its first select.");
 }
 
+/// A key has to be at hand when rows are sorted, which may be before the select list is read.
 void MarkSearched(SelectPlan& plan, std::size_t output) {
   const auto& slot = plan.outputs[output].slot;
   if (slot && slot->depth == 0) plan.sources[slot->source].searchColumns[slot->column] = true;
 }
 
 /// True when the index delivers the order of the keys, read forwards or (`backwards`) backwards.
+/// An index that leaves out nulls lacks rows. The keys have to be the index's first columns, all in its directions or
+/// all against them, as an index can be walked both ways. There is one source, so the column tells everything.
 bool Delivers(const Index& index, const SelectPlan& plan, bool& backwards) {
   if (index.definition.ignoreNulls || plan.order.size() > index.columns.size()) return false;
   for (std::size_t i = 0; i < plan.order.size(); ++i) {
@@ -87,6 +94,9 @@ void PlanOrder(const Select& select, NameBinder& binder) {
   }
 }
 
+// Walking an index reads each row by its pointer, which is dearer than a scan, but stops when enough rows have been
+// found: of rows that a condition keeps by half, about twice as many as wanted are read. Without TOP, and with a
+// percentage, all rows are wanted and sorting is cheaper. A condition that has a path of its own is left to it.
 void ChooseOrderWalk(const PlanContext& context, SelectPlan& plan) {
   const Select& select = *plan.select;
   const bool wantsFirst = select.top && !select.topPercent && !plan.order.empty();
@@ -96,6 +106,7 @@ void ChooseOrderWalk(const PlanContext& context, SelectPlan& plan) {
   if (!plan.sources[0].table || plan.root->path.kind != AccessPath::Kind::Scan) return;
   Table& table = *plan.sources[0].table;
   const double all = std::max(1.0, plan.root->path.rows);
+  // An estimate of zero rows must not make the walk look endless.
   const double kept = std::clamp(plan.root->rows / all, 0.001, 1.0);
   if (static_cast<double>(*select.top) / kept * kRowByIndex > all) return;
   for (std::size_t i = 0; i < table.Indexes().size(); ++i) {

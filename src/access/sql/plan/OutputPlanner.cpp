@@ -1,3 +1,10 @@
+// The columns of a result. A plain column shows the name and type of its column in the table, and can be changed
+// through a record set; anything else is an expression with a type as far as it can be told. Names have to be distinct
+// in the end, because programs read fields by name:
+//
+//   SELECT ID, Surname AS Name      ID, Name
+//   SELECT M.ID, P.ID               M.ID, P.ID
+//   SELECT ID + 1, Count(*)         Expr1000, Expr1001
 #include <map>
 
 #include "access/sql/plan/ExecutionErrors.h"
@@ -15,6 +22,7 @@ std::string ExpressionName(std::size_t position) {
   return "Expr" + std::to_string(kFirstExpressionNumber + position);
 }
 
+/// The column of a derived table is known by the name that the derived table's result gives it.
 ResultColumn ColumnOf(const PlannedSource& source, std::size_t column) {
   if (source.table) {
     const ColumnDefinition& definition = source.table->Columns()[column].definition;
@@ -35,6 +43,7 @@ void AddSource(SelectPlan& plan, std::size_t source) {
   }
 }
 
+/// All sources in the order of the text, or the one that the qualifier names.
 void AddStar(SelectPlan& plan, const std::string& qualifier) {
   if (plan.sources.empty()) throw StatementError("SELECT * needs a FROM clause with at least one table.");
   bool found = false;
@@ -51,6 +60,7 @@ void AddItem(SelectPlan& plan, const SelectItem& item) {
   output.expression = item.expression.get();
   if (item.expression->kind == ExpressionKind::Column) {
     const Slot slot = plan.SlotOf(*item.expression);
+    // A column of an outer level is constant for this one, and shown like an expression.
     if (slot.kind == Slot::Kind::Column && slot.depth == 0) {
       output.slot = slot;
       output.column = ColumnOf(plan.sources[slot.source], slot.column);
@@ -66,6 +76,8 @@ void AddItem(SelectPlan& plan, const SelectItem& item) {
 }
 
 /// Gives columns of the same name from different tables their qualified names.
+/// An alias that is not unique is an error; of the same column shown twice the later one gets the name of an
+/// expression.
 void SeparateNames(SelectPlan& plan) {
   std::map<std::string, int> uses;
   for (const OutputColumn& output : plan.outputs) ++uses[UpperCase(output.column.name)];
@@ -92,6 +104,7 @@ void PlanOutputs(const Select& select, NameBinder& binder) {
       AddStar(plan, item.expression->qualifier);
       continue;
     }
+    // An item may name the aliases of those before it.
     binder.Bind(*item.expression, NameBinder::Use::Output, i);
     AddItem(plan, item);
   }

@@ -1,4 +1,12 @@
-// Plans and expressions as text (declared in Plan.h).
+// Plans and expressions as text (declared in Plan.h). What EXPLAIN shows, a line for each step, indented by how often
+// it runs:
+//
+//   Members: scan; where Members.Active = True
+//     Awards: index PlayerID, PlayerID = Members.ID; where Awards.PlayerID = Members.ID
+//   sort in memory
+//
+// Sources stand in the order in which they are read, not in that of the text. Behind a path stands what it looks up,
+// behind "where" everything that each row must satisfy, the conditions that the path serves included.
 #include "access/sql/plan/Plan.h"
 #include "platform/values/Convert.h"
 
@@ -10,6 +18,7 @@ namespace {
 constexpr std::size_t kLongestExpression = 200;
 
 /// The operator as it stands between its operands, or before its only one.
+/// Words and most symbols stand between blanks; a minus before a number does not, Not does.
 std::string Symbol(Operator op) {
   const OperatorTraits& traits = TraitsOf(op);
   std::string symbol(traits.symbol);
@@ -17,6 +26,7 @@ std::string Symbol(Operator op) {
   return op == Operator::Not ? symbol + " " : symbol;
 }
 
+/// For people: a quote within the text is not doubled, so this is no SQL to be run again.
 std::string LiteralText(const Value& value) {
   if (IsNull(value)) return "Null";
   if (std::holds_alternative<std::string>(value)) return "'" + std::get<std::string>(value) + "'";
@@ -26,6 +36,8 @@ std::string LiteralText(const Value& value) {
 
 void Write(const Expression& expression, std::string& text);
 
+/// The arguments from `first` on in brackets. A sub-select is only hinted at; its own plan stands below the
+/// statement's.
 void WriteList(const Expression& expression, std::size_t first, std::string& text) {
   text += "(";
   for (std::size_t i = first; i < expression.arguments.size(); ++i) {
@@ -64,6 +76,7 @@ void WriteCondition(const Expression& expression, std::string& text) {
   }
 }
 
+/// An Or stands in brackets because it is mostly written as one of several conditions that And joins.
 void WriteBinary(const Expression& expression, std::string& text) {
   const bool bracket = expression.op == Operator::Or;
   if (bracket) text += "(";
@@ -73,6 +86,7 @@ void WriteBinary(const Expression& expression, std::string& text) {
   if (bracket) text += ")";
 }
 
+/// Expressions are nested at most as deep as the parser lets them, so the recursion is bounded.
 void Write(const Expression& expression, std::string& text) {
   if (text.size() > kLongestExpression) return;
   const std::string qualifier = expression.qualifier.empty() ? "" : expression.qualifier + ".";
@@ -109,6 +123,7 @@ std::string ColumnName(const PlannedSource& source, std::size_t column) {
   return source.table ? source.table->Columns()[column].definition.name : source.derived->outputs[column].column.name;
 }
 
+/// "index PrimaryKey, ID = 7", "index in memory, EBU = '123456'", "any of {...} {...}".
 std::string PathText(const AccessPath& path, const PlannedSource& source) {
   if (path.kind == AccessPath::Kind::Scan) return "scan";
   if (path.kind == AccessPath::Kind::Union) {
@@ -132,9 +147,12 @@ void WriteFilters(const PlanNode& node, std::string& text) {
   }
 }
 
+/// Each part of a join stands one step deeper than the one whose rows it is run for; the first member of a group stands
+/// at the group's own depth, since nothing is said about the group itself unless it has conditions.
 void WriteNode(const PlanNode& node, const SelectPlan& plan, const std::string& indent, std::string& text) {
   if (node.kind == PlanNode::Kind::Access) {
     const PlannedSource& source = plan.sources[node.source];
+    // An index that gives the order takes the place of the scan that the path says.
     text += indent + (source.name.empty() ? "(select)" : source.name) + ": ";
     const auto& walk = plan.orderWalk;
     text += walk ? "index " + source.table->Indexes()[walk->index].name + (walk->backwards ? " backwards" : " in order")
@@ -158,6 +176,7 @@ void WriteNode(const PlanNode& node, const SelectPlan& plan, const std::string& 
 
 }  // namespace
 
+// A result row is then a combination of rows of tables, and each can be read again by its pointer.
 bool SelectPlan::IsKeyset() const {
   if (select == nullptr || select->distinct || grouped || !unionParts.empty() || sources.empty()) return false;
   for (const PlannedSource& source : sources) {

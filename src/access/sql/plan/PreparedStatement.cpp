@@ -1,3 +1,7 @@
+// Statements that are remembered by their text, and when a plan is made anew. A plan holds the tables that it was made
+// for; when a definition changes, by anybody, the catalogue gives out another table object, and the plan that holds the
+// old one is no longer good. A plan also ages with the size of its tables: right answers come from any plan, but a scan
+// of what was small may have become slow.
 #include "access/sql/plan/PreparedStatement.h"
 
 #include <algorithm>
@@ -16,6 +20,7 @@ bool IsOtherSize(std::uint32_t planned, std::uint32_t now) {
   return larger - smaller > kGrowthRows && larger / kGrowthFactor > smaller;
 }
 
+/// The columns that are set are bound too, so that their places are known when rows are changed.
 std::vector<const Expression*> ExpressionsOf(const Update& update) {
   std::vector<const Expression*> expressions;
   for (const Assignment& assignment : update.assignments) {
@@ -31,6 +36,7 @@ std::vector<const Expression*> ExpressionsOf(const Insert& insert) {
   return expressions;
 }
 
+/// Definitions and transaction control have no plan.
 struct PlanMaker {
   PlanContext& context;
 
@@ -56,6 +62,7 @@ void Plan(PreparedStatement& prepared, PlanContext& context) {
   prepared.plan = std::visit(PlanMaker{context}, prepared.statement);
 }
 
+// Derived tables, sub-selects and the parts of unions count with the whole.
 bool IsStillGood(const SelectPlan& plan, Database& database) {
   for (const PlannedSource& source : plan.sources) {
     if (source.derived) {
@@ -72,6 +79,7 @@ bool IsStillGood(const SelectPlan& plan, Database& database) {
                      [&](const auto& part) { return IsStillGood(*part, database); });
 }
 
+// To the front of the list; iterators and the text that the map refers to stay valid when an entry moves.
 std::shared_ptr<PreparedStatement> StatementCache::Find(std::string_view text) {
   const auto found = byText_.find(text);
   if (found == byText_.end()) return nullptr;
@@ -85,6 +93,7 @@ void StatementCache::Put(std::string_view text, std::shared_ptr<PreparedStatemen
     found->second->statement = std::move(statement);
     return;
   }
+  // The map's keys refer to the entry's own text, so the entry is there before and goes after.
   entries_.push_front({std::string(text), std::move(statement)});
   byText_.emplace(entries_.front().text, entries_.begin());
   if (entries_.size() <= kMostStatements) return;

@@ -1,3 +1,13 @@
+// A select level from its tree to its plan. The order of the steps matters:
+//
+//   1. sources: names need them
+//   2. FROM and WHERE: bound, split into conditions, joins and paths chosen (JoinPlanner, AccessPlanner)
+//   3. the select list: stars expanded, columns named
+//   4. ORDER BY, which may name columns of the select list by position or alias
+//   5. GROUP BY, HAVING and the aggregates of all clauses, the sort keys' included; then what is not grouped is refused
+//   6. what needs all of that: DISTINCTROW, and an index that gives the order
+//
+// Sub-selects are planned when the expression that holds them is bound, each as a level of its own.
 #include "access/sql/plan/SelectPlanner.h"
 
 #include <algorithm>
@@ -11,8 +21,10 @@ namespace tavi::access::sql {
 
 namespace {
 
+/// The square of it bounds estimates, so that those of deeply nested derived tables stay numbers of rows.
 constexpr double kUnknownRows = 1000;
 
+/// WHERE, ON, GROUP BY and SET are evaluated row by row, before there are groups.
 void RefuseAggregates(const Expression* expression, const std::string& clause) {
   if (expression != nullptr && HasAggregate(*expression)) {
     throw StatementError("Cannot have an aggregate function in the " + clause + " clause (" + Describe(*expression) +
@@ -35,6 +47,7 @@ void PlanSearch(PlanContext& context, NameBinder& binder, const Source& from, co
   BindJoins(from, binder);
   if (where != nullptr) binder.Bind(*where, NameBinder::Use::Search);
   RefuseAggregates(where, "WHERE");
+  // Levels below this one have noted their considered columns themselves, when they were bound above.
   Conjuncts conjuncts;
   SplitConjuncts(where, binder, conjuncts);
   plan.root = JoinPlanner(context, plan, binder).Plan(from, std::move(conjuncts));
@@ -42,6 +55,7 @@ void PlanSearch(PlanContext& context, NameBinder& binder, const Source& from, co
   context.considered.clear();
 }
 
+/// Each call in the text has a place of its own, by which its value in the current group is found.
 void CollectAggregates(const Expression& expression, SelectPlan& plan) {
   VisitExpression(expression, [&](const Expression& call) {
     if (!IsAggregate(call)) return;
@@ -73,6 +87,7 @@ void PlanGroups(const Select& select, NameBinder& binder) {
   plan.grouped = !plan.groupBy.empty() || select.having || !plan.aggregates.empty();
 }
 
+/// A star would show columns that differ within a group.
 void CheckGroups(const SelectPlan& plan) {
   if (!plan.grouped) return;
   for (const OutputColumn& output : plan.outputs) {
@@ -100,6 +115,7 @@ void PlanDistinctRows(SelectPlan& plan) {
   if (shown != 0 && shown != all) plan.distinctSources = shown;
 }
 
+/// A select without the ones that a union adds to it.
 std::unique_ptr<SelectPlan> PlanAlone(PlanContext& context, const Select& select, const NameBinder* outer) {
   auto plan = std::make_unique<SelectPlan>();
   plan->select = &select;
@@ -120,6 +136,8 @@ std::unique_ptr<SelectPlan> PlanAlone(PlanContext& context, const Select& select
   return plan;
 }
 
+/// The names and types of a union's columns are those of its first select. A part that depends on an outer row makes
+/// the whole union depend on it.
 void AddToUnion(SelectPlan& plan, std::unique_ptr<SelectPlan> part) {
   if (part->outputs.size() != plan.outputs.size()) {
     throw StatementError("The selects of a union have different numbers of columns: " +
@@ -139,6 +157,8 @@ std::unique_ptr<SelectPlan> PlanSelect(PlanContext& context, const Select& selec
   return plan;
 }
 
+// The assigned columns are bound like values: the row that is changed is read with what the new values are computed
+// from.
 std::unique_ptr<SelectPlan> PlanRows(PlanContext& context, const Source& from, const Expression* where,
                                      const std::vector<const Expression*>& expressions) {
   auto plan = std::make_unique<SelectPlan>();
@@ -162,6 +182,7 @@ std::unique_ptr<SelectPlan> PlanConstants(PlanContext& context, const std::vecto
   return plan;
 }
 
+// Groups are taken to have four rows.
 double EstimateRows(const SelectPlan& plan) {
   if (!plan.root) return 1;
   const double rows = std::min(plan.root->rows, kUnknownRows * kUnknownRows);

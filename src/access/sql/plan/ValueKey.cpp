@@ -1,3 +1,7 @@
+// Hashes of values, and what is found by them: distinct rows, groups, and indexes in memory. The one rule is that
+// values which compare equal have one hash. So a text is hashed by its key in the file's sort order, where "SMITH" and
+// "Smith" are the same, and a number of any type by its amount as a double. Different values may share a hash, as
+// decimals that differ behind the precision of a double do; whoever looks up compares the values themselves.
 #include "access/sql/plan/ValueKey.h"
 
 #include <algorithm>
@@ -11,9 +15,11 @@ namespace tavi::access::sql {
 
 namespace {
 
+/// FNV-1a, for bytes in a row. It hardly spreads the last byte into the high bits, which Mix then does.
 constexpr std::uint64_t kHashSeed = 0xCBF29CE484222325U;
 constexpr std::uint64_t kHashPrime = 0x100000001B3U;
 
+/// A mixing of all bits that can be undone, so that it makes no two numbers the same.
 std::uint64_t Mix(std::uint64_t hash) {
   hash ^= hash >> 33U;
   hash *= 0xFF51AFD7ED558CCDU;
@@ -67,16 +73,19 @@ std::uint64_t HashOf(const Value& value) {
     case ValueFamily::Number:
       break;
   }
+  // True compares equal to -1, and has to be found by it.
   if (const bool* truth = std::get_if<bool>(&value)) return HashNumber(*truth ? -1.0 : 0.0);
   return HashNumber(ToDouble(value));
 }
 
+// The order of the values counts: (1, 2) and (2, 1) are different rows.
 std::uint64_t HashOf(const RowValues& values) {
   std::uint64_t hash = kHashSeed;
   for (const Value& value : values) hash = Mix(hash ^ HashOf(value)) + kHashPrime;
   return hash;
 }
 
+// Values of different families are never one key. Comparing them could raise a type conflict, so it is not tried.
 bool SameKey(const Value& left, const Value& right) {
   if (IsNull(left) || IsNull(right)) return IsNull(left) && IsNull(right);
   return FamilyOf(left) == FamilyOf(right) && CompareValues(left, right) == 0;
@@ -106,6 +115,8 @@ std::pair<std::size_t, bool> DistinctRows::Add(const RowValues& row) {
   return {rows_.size() - 1, true};
 }
 
+// A sorted list takes much less memory than a hash table and is made once; only the few rows that are added later are
+// in a table.
 HashIndex::HashIndex(std::vector<Entry> entries) : entries_(std::move(entries)) {
   std::sort(entries_.begin(), entries_.end());
   for (std::size_t i = 0; i < entries_.size(); ++i) {

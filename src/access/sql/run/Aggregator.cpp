@@ -1,3 +1,9 @@
+// One aggregate over one group, a value at a time. Sums of amounts are counted exactly, in ten-thousandths; beside them
+// a sum of doubles runs along, which is the answer as soon as another kind of number comes in or the exact one
+// overflows.
+//
+// Variances come from Welford's running mean and sum of squared distances from it: adding up squares first would lose
+// all digits where values are large and close together, such as days.
 #include "access/sql/run/Aggregator.h"
 
 #include <cmath>
@@ -12,6 +18,7 @@ namespace tavi::access::sql {
 
 namespace {
 
+/// True counts as -1.
 double SummandOf(const Value& value) {
   if (const bool* truth = std::get_if<bool>(&value)) return *truth ? -1.0 : 0.0;
   return ToDouble(value);
@@ -19,6 +26,7 @@ double SummandOf(const Value& value) {
 
 }  // namespace
 
+// Raises what can be told from the call alone, before any row is read.
 Aggregator::Aggregator(const Expression& call) : distinct_(call.distinct), name_(call.name) {
   const std::string name = UpperCase(call.name);
   static const std::map<std::string, Kind> kKinds = {
@@ -34,6 +42,8 @@ Aggregator::Aggregator(const Expression& call) : distinct_(call.distinct), name_
   if (ofRows) kind_ = Kind::CountRows;
 }
 
+// First and Last take whatever the first and last row hold, null too. DISTINCT counts for all others; for Min and Max
+// it makes no difference.
 void Aggregator::Add(const Value& value) {
   if (kind_ == Kind::CountRows) {
     ++count_;
@@ -97,6 +107,7 @@ Value Aggregator::Result() const {
   return SpreadResult();
 }
 
+// The average of amounts is an amount, rounded to the nearest ten-thousandth, ties to even.
 Value Aggregator::SumResult() const {
   if (count_ == 0) return Null{};
   if (kind_ == Kind::Sum) return onlyCurrency_ ? Value{Currency{currencySum_}} : Value{sum_};
@@ -105,6 +116,7 @@ Value Aggregator::SumResult() const {
   return Currency{static_cast<std::int64_t>(std::nearbyint(average))};
 }
 
+// Of a sample the divisor is one less than the count, so that a single value has no spread.
 Value Aggregator::SpreadResult() const {
   const std::int64_t divisor = ofPopulation_ ? count_ : count_ - 1;
   if (divisor < 1) return Null{};

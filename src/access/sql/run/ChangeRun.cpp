@@ -1,3 +1,9 @@
+// INSERT, UPDATE and DELETE, each in two steps: first all rows are found and noted, then they are changed one by one. A
+// search that went on while its own statement changes rows could meet a row again that has moved in the index it walks,
+// or rows that it has added itself.
+//
+// Relationships and other rules of the table may change or remove rows that are noted and whose turn has not come; so
+// each is looked at again when it is changed.
 #include <algorithm>
 
 #include "access/sql/expression/Evaluator.h"
@@ -16,6 +22,7 @@ std::shared_ptr<Table> TableNamed(StatementContext& context, const std::string& 
 }
 
 /// The positions of the columns that an INSERT fills.
+/// All columns in the order of the table where the statement names none.
 std::vector<std::size_t> TargetColumns(const Table& table, const Insert& insert) {
   std::vector<std::size_t> targets;
   for (std::size_t i = 0; insert.columns.empty() && i < table.Columns().size(); ++i) targets.push_back(i);
@@ -30,6 +37,7 @@ std::vector<std::size_t> TargetColumns(const Table& table, const Insert& insert)
   return targets;
 }
 
+/// Values of VALUES: there is no row that they could refer to.
 RowValues ValuesOf(StatementContext& context, const Insert& insert, const SelectPlan& plan) {
   const RowScope scope(context, plan, nullptr);
   RowValues values;
@@ -44,6 +52,7 @@ struct Target {
   const Expression* value;
 };
 
+/// Sources of a join can be set in one statement, each column once.
 std::vector<Target> TargetsOf(const Update& update, const SelectPlan& plan) {
   std::vector<Target> targets;
   for (const Assignment& assignment : update.assignments) {
@@ -70,18 +79,21 @@ bool LoadRows(RowScope& scope, const std::uint32_t* keys, SourceSet changed) {
     if (!row.present) continue;
     const bool isChanged = (changed >> i & 1U) != 0;
     if (!source.table->Exists(row.pointer)) return false;
+    // What is changed is needed whole, as its row is written anew.
     row.values = isChanged ? source.table->Read(row.pointer) : source.table->Read(row.pointer, source.outputColumns);
   }
   return true;
 }
 
 /// Changes the rows of one combination; true when there was any to change.
+/// All values are computed before the first is stored, so that "A = B, B = A" exchanges them.
 bool ChangeRow(RowScope& scope, TableChanges& changes, const std::vector<Target>& targets, SourceSet changed) {
   std::vector<RowValues> after(scope.rows.size());
   for (std::size_t i = 0; i < after.size(); ++i) {
     if ((changed >> i & 1U) != 0) after[i] = scope.rows[i].values;
   }
   for (const Target& target : targets) {
+    // The missing side of an outer join has no row to be changed; the rest of the combination is.
     if (scope.rows[target.source].present) after[target.source][target.column] = Evaluate(*target.value, scope);
   }
   bool any = false;
@@ -115,12 +127,14 @@ std::int64_t RunInsert(StatementContext& context, TableChanges& changes, Default
     throw StatementError("Number of query values and destination fields are not the same: " + std::to_string(given) +
                          " and " + std::to_string(targets.size()) + ".");
   }
+  // Computed as a whole before the first is added: the select may read the very table.
   std::vector<RowValues> rows;
   if (insert.select) {
     rows = CollectValues(context, plan, nullptr);
   } else {
     rows.push_back(ValuesOf(context, insert, plan));
   }
+  // A default is evaluated once for the statement, so that all rows get the same time.
   RowValues blank(table->Columns().size());
   for (std::size_t i = 0; i < blank.size(); ++i) {
     const bool isGiven = std::find(targets.begin(), targets.end(), i) != targets.end();
@@ -135,6 +149,7 @@ std::int64_t RunInsert(StatementContext& context, TableChanges& changes, Default
   return static_cast<std::int64_t>(rows.size());
 }
 
+// Counts combinations of rows: in a join, a row that has two partners is changed twice and counted twice.
 std::int64_t RunUpdate(StatementContext& context, TableChanges& changes, const Update& update, const SelectPlan& plan) {
   const std::vector<Target> targets = TargetsOf(update, plan);
   SourceSet changed = 0;
@@ -149,6 +164,8 @@ std::int64_t RunUpdate(StatementContext& context, TableChanges& changes, const U
   return count;
 }
 
+// A row that stands in several combinations of a join is deleted once. In the order of the file, so that a page is
+// changed for all its rows in turn.
 std::int64_t RunDelete(StatementContext& context, TableChanges& changes, const Delete& statement,
                        const SelectPlan& plan) {
   const std::size_t source = DeletedSource(statement, plan);

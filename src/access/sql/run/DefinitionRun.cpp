@@ -1,4 +1,6 @@
-// The statements that change tables themselves (declared in ChangeRun.h).
+// The statements that change tables themselves (declared in PlanRun.h).
+// Each runs inside one write statement, so that a table whose second relationship is refused is not there afterwards.
+// The catalogue does the work; here stands what a statement leaves open and means all the same.
 #include <algorithm>
 
 #include "access/sql/plan/ExecutionErrors.h"
@@ -15,6 +17,7 @@ class DefinitionRunner {
 
   void operator()(const CreateTable& statement) const {
     database_.CreateTable(statement.design, now_);
+    // A table may refer to itself, so it is there before its relationships are.
     for (const Relationship& relationship : statement.relationships) Relate(relationship);
   }
   void operator()(const DropTable& statement) const { database_.DropTable(statement.table); }
@@ -28,6 +31,7 @@ class DefinitionRunner {
   }
   void operator()(const AddRelationship& statement) const { Relate(statement.relationship); }
   void operator()(const DropConstraint& statement) const {
+    // A constraint is a relationship of this table or one of its indexes, whichever has the name.
     const auto isMeant = [&](const Relationship& other) {
       return EqualIgnoringCase(other.name, statement.name) && EqualIgnoringCase(other.foreignTable, statement.table);
     };
@@ -43,6 +47,7 @@ class DefinitionRunner {
   void operator()(const Other& /*changes rows*/) const {}
 
  private:
+  // Without columns a reference means the primary key of the other table; without a name it is named after both tables.
   void Relate(Relationship relationship) const {
     if (relationship.primaryColumns.empty()) relationship.primaryColumns = KeyColumns(relationship.primaryTable);
     if (relationship.name.empty()) relationship.name = relationship.primaryTable + relationship.foreignTable;
@@ -66,6 +71,7 @@ class DefinitionRunner {
 };
 
 /// The column type that holds the values of an expression.
+/// Expressions that give texts get a column of texts, not a memo; a longer text is refused when its row is stored.
 ColumnType TypeFor(ado::DataType type) {
   switch (type) {
     case ado::DataType::SmallInt:
@@ -98,6 +104,8 @@ ColumnType TypeFor(ado::DataType type) {
   return ColumnType::Text;
 }
 
+/// A column that comes straight from a table becomes one of the same type and size. The definition counts a text's
+/// length in bytes, two for a character, the design in characters.
 ColumnDesign DesignFor(const OutputColumn& output, const SelectPlan& plan) {
   ColumnDesign design;
   design.name = output.column.name;
@@ -123,6 +131,7 @@ std::int64_t RunSelectInto(StatementContext& context, TableChanges& changes, con
   TableDesign design;
   design.name = select.into;
   for (const OutputColumn& output : plan.outputs) design.columns.push_back(DesignFor(output, plan));
+  // The rows are computed before the table is made, so that making it cannot change what is read.
   std::vector<RowValues> rows = CollectValues(context, plan, nullptr);
   context.database.CreateTable(design, context.now);
   const std::shared_ptr<Table> table = context.database.OpenTable(design.name);

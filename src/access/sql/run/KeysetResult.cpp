@@ -1,3 +1,13 @@
+// A record set as a list of row pointers, 4 bytes for each row and source. It is made when the set is opened; what the
+// rows hold is read when somebody comes to them. So a set of thousands of rows costs little to open, shows what others
+// have changed since, and knows where to write what is changed through it.
+//
+// Rows are read in blocks, each a statement of its own: the first one alone, then 2, 4 and so on up to 64 as long as
+// the reader goes forward, again one alone after a jump or a change. Whoever wants one row pays for one, and whoever
+// walks through all pays a lock and a look at the log every 64th row. A block is dropped when the session itself
+// changes anything; changes by others show when the next block is read.
+//
+// A row that cannot be read does not end the walk: it keeps its place, and reading a column of it raises what is wrong.
 #include "access/sql/run/KeysetResult.h"
 
 #include <algorithm>
@@ -11,6 +21,8 @@ namespace {
 
 constexpr std::size_t kLargestBlock = 64;
 
+/// Row values are taken by their positions in the columns as they were when the set was opened; columns that were added
+/// behind them do no harm.
 bool SameColumns(const Table& before, const Table& now) {
   const auto& old = before.Columns();
   const auto& current = now.Columns();
@@ -22,6 +34,7 @@ bool SameColumns(const Table& before, const Table& now) {
 
 }  // namespace
 
+// The pointer of a damaged place is kept as well, so that places and pointers stay side by side.
 Keyset CollectWholeTable(Table& table) {
   Keyset keyset;
   table.WalkPastDamage([&](RowPointer row) { keyset.keys.push_back(row.Packed()); },
@@ -32,6 +45,8 @@ Keyset CollectWholeTable(Table& table) {
   return keyset;
 }
 
+// Holds on to the plan that its pointers belong to: the remembered statement may get another one. The first row is read
+// at once, within the statement that found it.
 KeysetResult::KeysetResult(StatementRunner& runner, std::shared_ptr<const PreparedStatement> prepared,
                            std::vector<ResultColumn> columns, Keyset keyset)
     : ResultSet(std::move(columns)),
@@ -54,6 +69,7 @@ bool KeysetResult::IsRead(std::size_t row) const {
   return block_.changeCount == runner_.ChangeCount() && row >= block_.first && row - block_.first < block_.rows.size();
 }
 
+// Nothing for a row that is gone: moving passes over it, reading it raises an error.
 const std::optional<std::vector<SourceRow>>& KeysetResult::RowAt(std::size_t row) {
   if (!IsRead(row)) {
     const bool goesOn = block_.changeCount == runner_.ChangeCount() && row == block_.first + block_.rows.size();
@@ -77,6 +93,7 @@ bool KeysetResult::IsShown(std::size_t source) const {
   return std::find(wanted.begin(), wanted.end(), true) != wanted.end();
 }
 
+// Of a join, sources that give nothing to the select list are not read, and a row of theirs that is gone is not missed.
 std::optional<std::vector<SourceRow>> KeysetResult::ReadRow(std::size_t row) {
   std::vector<SourceRow> rows(width_);
   for (std::size_t i = 0; i < width_; ++i) {
@@ -93,6 +110,7 @@ std::optional<std::vector<SourceRow>> KeysetResult::ReadRow(std::size_t row) {
   return rows;
 }
 
+// Only the columns of the select list are read; those that were added to the table since are none of them.
 bool KeysetResult::ReadSource(std::size_t row, std::size_t source, SourceRow& target) {
   if (const auto damage = damage_.find(row); damage != damage_.end()) throw damage->second;
   if (!tables_[source]->Exists(target.pointer)) return false;
@@ -102,6 +120,7 @@ bool KeysetResult::ReadSource(std::size_t row, std::size_t source, SourceRow& ta
   return true;
 }
 
+// Reads just the one column, so that what is damaged in others does not matter.
 Value KeysetResult::ReadAlone(const SourceRow& row, std::size_t source, std::size_t column) {
   if (const auto damage = damage_.find(position_); damage != damage_.end()) throw damage->second;
   const ReadStatement reading(runner_.GetPager());
@@ -111,6 +130,8 @@ Value KeysetResult::ReadAlone(const SourceRow& row, std::size_t source, std::siz
   return tables_[source]->Read(row.pointer, columns).at(column);
 }
 
+// A definition that was read anew is another object, with the same table behind it unless somebody has dropped the
+// table and made another of the name: that one lies on another page.
 void KeysetResult::RefreshTables() {
   for (std::size_t i = 0; i < width_; ++i) {
     const std::string& name = plan_.sources[i].table->Name();
@@ -145,6 +166,8 @@ void KeysetResult::MovePrevious() {
   RaiseNoCurrentRow();
 }
 
+// The edit buffer comes before the file; of a row that is being added it holds what was set, and the defaults fill the
+// rest. Expressions of such a row have no value yet.
 Value KeysetResult::Get(std::size_t column) {
   if (AtEnd()) RaiseNoCurrentRow();
   const auto& slot = plan_.outputs.at(column).slot;
@@ -162,6 +185,7 @@ Value KeysetResult::Get(std::size_t column) {
   return row.values.empty() ? ReadAlone(row, slot->source, slot->column) : row.values.at(slot->column);
 }
 
+// Evaluated anew for each call, outside the statement that found the row: Now() is the time of the call.
 Value KeysetResult::ComputedValue(std::size_t column, const std::vector<SourceRow>& rows) {
   const ReadStatement reading(runner_.GetPager());
   StatementContext context = runner_.MakeContext();
@@ -191,9 +215,11 @@ void KeysetResult::Set(std::size_t column, const Value& value) {
   if (AtEnd()) RaiseNoCurrentRow();
   const Place place = PlaceOf(column);
   RefuseReadOnly();
+  // Converted at once, so that an unfit value is an error of the assignment and not of the storing.
   edits_[place] = ConvertForColumn(value, tables_[place.first]->Columns()[place.second].definition);
 }
 
+// The defaults are those of this moment; the automatic number comes when the row is stored.
 void KeysetResult::AddNew() {
   Update();
   if (width_ != 1) throw NotUpdatableError("by new rows, as it joins several tables");
@@ -221,6 +247,7 @@ void KeysetResult::CancelUpdate() {
   isAdding_ = false;
 }
 
+// When the table refuses the row, the buffer stays as it is, to be corrected and stored again or given up.
 void KeysetResult::StoreNewRow() {
   RowPointer pointer;
   runner_.Change([&](StatementContext&, TableChanges& changes) {
@@ -235,6 +262,8 @@ void KeysetResult::StoreNewRow() {
   CancelUpdate();
 }
 
+// The row is read again within the write statement, and only the edited columns are put over it: what others have
+// stored in its other columns since it was shown is kept.
 void KeysetResult::StoreEdits() {
   const bool wasRead = IsRead(position_);
   RowValues stored;

@@ -5,6 +5,7 @@
 
 namespace tavi::access::sql {
 
+// By the shown name first: where two tables give the same name, that is "Table.Column" already.
 std::optional<std::size_t> ResultSet::FindColumn(std::string_view name) const {
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     if (EqualIgnoringCase(columns_[i].name, name)) return i;

@@ -1,3 +1,9 @@
+// ORDER BY and TOP over numbered rows. Rows that tie keep the order in which they came, whose numbers are the last key;
+// so the order is the same whichever way the rows were found, and rows that tie with the last wanted one can all be
+// given, as TOP has it.
+//
+// TOP n does not need all rows in memory. When 2 n + 1000 have gathered, those that come after the n-th are dropped;
+// what is left are n rows and those that tie with the n-th. A percentage is only known when all rows have come.
 #include "access/sql/run/RowOrder.h"
 
 #include <algorithm>
@@ -41,6 +47,7 @@ bool RowOrder::Before(const Row& left, const Row& right) const {
 bool RowOrder::Add(std::vector<Value> keys) {
   const bool limited = top_ && !topPercent_;
   Row row{std::move(keys), count_};
+  // Rows that come in order end with the first one that does not tie with the last wanted one.
   if (limited && (rowsComeInOrder_ || !HasKeys()) && rows_.size() >= *top_) {
     const bool ties = HasKeys() && *top_ > 0 && Compare(rows_[*top_ - 1], row) == 0;
     refused_ = !ties;
@@ -48,11 +55,13 @@ bool RowOrder::Add(std::vector<Value> keys) {
   }
   ++count_;
   rows_.push_back(std::move(row));
+  // Without keys any n rows will do, so the n-th is the last that is taken.
   if (limited && !HasKeys()) return rows_.size() < *top_;
   if (limited && !rowsComeInOrder_ && rows_.size() > 2 * *top_ + kSpareRows) Prune(*top_);
   return true;
 }
 
+// Finds the row of that place without sorting the others.
 void RowOrder::Prune(std::size_t keep) {
   if (keep == 0) {
     rows_.clear();
@@ -75,6 +84,7 @@ std::vector<std::size_t> RowOrder::Finish() {
       return Before(left, right);
     });
   }
+  // A percentage is rounded up: 10 percent of 11 rows are 2.
   std::size_t wanted = rows_.size();
   if (top_) wanted = *top_;
   if (topPercent_) {

@@ -1,3 +1,7 @@
+// What expressions see while a level runs: the current row of each of its sources, found by the places that the plan
+// gives for their names, and the levels around it. Sub-selects are run from here. One that does not depend on outer
+// rows is run once in a statement; its values are kept in the statement's context, and for IN as a set that is asked by
+// hash.
 #include "access/sql/run/RowScope.h"
 
 #include <limits>
@@ -7,6 +11,7 @@
 
 namespace tavi::access::sql {
 
+// An alias is evaluated where it is named, in the scope of its own level.
 Value RowScope::SlotValue(const Slot& slot) const {
   const RowScope* scope = this;
   for (std::uint16_t level = 0; level < slot.depth && scope->outer_ != nullptr; ++level) scope = scope->outer_;
@@ -37,6 +42,8 @@ Value RowScope::OutputValue(std::size_t output) const {
   return column.slot ? SlotValue(*column.slot) : Evaluate(*column.expression, *this);
 }
 
+// What asks says how many values it looks at: Exists one, a single value two, so that a second one can be refused. A
+// result that was cut off earlier than wanted is computed anew.
 std::vector<Value> RowScope::SubselectValues(const Expression& expression, std::size_t limit) const {
   const SelectPlan& subselect = *plan_.SubselectOf(expression);
   if (subselect.IsCorrelated()) return CollectFirstColumn(context_, subselect, this, limit);
@@ -49,6 +56,8 @@ std::vector<Value> RowScope::SubselectValues(const Expression& expression, std::
   return {values.begin(), values.begin() + static_cast<std::ptrdiff_t>(std::min(limit, values.size()))};
 }
 
+// Nothing where the set cannot answer, and the values are to be compared one by one. A null among the values makes "not
+// among them" unknown, as that null might be anything.
 std::optional<Truth> RowScope::IsAmong(const Expression& in, const Value& tested) const {
   const SelectPlan& subselect = *plan_.SubselectOf(in);
   if (subselect.IsCorrelated()) return std::nullopt;

@@ -1,3 +1,13 @@
+// The rows of FROM and WHERE, by nested loops. A node of the plan puts one row after the other into the scope and calls
+// what follows it: the next member of its group, the optional side of a join, at last the visitor of the whole. So only
+// one row of each source is in memory, and a visitor that wants no more ends all loops by giving false (TOP, Exists).
+//
+// Candidates of a path are sorted by their place in the file before they are read. Pages are then read one after the
+// other, a row that several branches gave is given once, and rows come in the order in which a scan would give them:
+// answers do not depend on the plan, not even in the order of rows that no ORDER BY tells apart.
+//
+// A value may turn out to be one that cannot be looked up, such as a text where the column holds numbers. Then every
+// row is looked at, and evaluating the condition gives what it gives without an index, an error included.
 #include "access/sql/run/RowSearch.h"
 
 #include <algorithm>
@@ -14,6 +24,7 @@ bool BeginsWith(const IndexKey& key, const IndexKey& prefix) {
   return key.size() >= prefix.size() && std::equal(prefix.begin(), prefix.end(), key.begin());
 }
 
+/// Rows from such a path may have been removed since they were entered.
 bool UsesMemory(const AccessPath& path) {
   return path.kind == AccessPath::Kind::MemoryIndex ||
          std::any_of(path.branches.begin(), path.branches.end(), UsesMemory);
@@ -21,6 +32,7 @@ bool UsesMemory(const AccessPath& path) {
 
 }  // namespace
 
+// The values are computed once for a range: what they name is the same for all of its rows.
 IndexRange::IndexRange(const AccessPath& path, Table& table, const RowScope& scope)
     : table_(table), index_(path.index) {
   std::vector<Value> equals;
@@ -46,6 +58,9 @@ Value IndexRange::Take(const Expression& expression, std::size_t column, const R
   return value;
 }
 
+// The equal values are the beginning of both ends; a bound of the next column is put behind them at its end. In a
+// descending column keys run the other way round, so the lower bound is the last key. A value that the column's type
+// cannot hold has no key, and the range is of no use.
 void IndexRange::SetEnds(const AccessPath& path, std::vector<Value> equals, const Value& low, const Value& high) {
   const KeyEncoder& encoder = table_.Encoder(index_);
   const Index& index = table_.Indexes()[index_];
@@ -63,6 +78,8 @@ void IndexRange::SetEnds(const AccessPath& path, std::vector<Value> equals, cons
   if (path.high != nullptr) (ascending ? last_ : first_) = keyOf(&high);
 }
 
+// A unique key is looked up alone. Otherwise the entries are walked from the first key on; keys that begin with the
+// last one belong to the range, since the last one may be only the beginning of a key.
 void IndexRange::Collect(std::vector<std::uint32_t>& rows) const {
   if (isEmpty_) return;
   const BTree& tree = table_.Tree(index_);
@@ -78,6 +95,7 @@ void IndexRange::Collect(std::vector<std::uint32_t>& rows) const {
   }
 }
 
+// The columns of the select list are left out where only row pointers are wanted: they are read when somebody looks.
 RowSearch::RowSearch(RowScope& scope, bool withOutputs) : scope_(scope), plan_(scope.Plan()) {
   for (const PlannedSource& source : plan_.sources) {
     std::vector<bool> wanted = source.searchColumns;
@@ -87,6 +105,7 @@ RowSearch::RowSearch(RowScope& scope, bool withOutputs) : scope_(scope), plan_(s
   }
 }
 
+// Without FROM there is one row, of no source.
 void RowSearch::ForEach(Visit visit) {
   for (const Expression* filter : plan_.constantFilters) {
     if (!IsTrue(*filter, scope_)) return;
@@ -110,11 +129,15 @@ bool RowSearch::Run(const PlanNode& node, Visit visit) {
   return plan_.sources[node.source].table ? RunTable(node, visit) : RunDerived(node, visit);
 }
 
+// Conditions of the group as a whole are checked behind its last part.
 bool RowSearch::RunNested(const PlanNode& node, std::size_t part, Visit visit) {
   if (part == node.parts.size()) return PassOn(node, visit);
   return Run(*node.parts[part], [&] { return RunNested(node, part + 1, visit); });
 }
 
+// The conditions of ON are the optional part's own, so "found" means a partner. Without one its sources are marked as
+// absent, which makes their columns null; all of them, as a join on that side may have left a row of its first table
+// there.
 bool RowSearch::RunOuter(const PlanNode& node, Visit visit) {
   return Run(*node.parts[0], [&] {
     bool found = false;
@@ -130,6 +153,7 @@ bool RowSearch::RunOuter(const PlanNode& node, Visit visit) {
   });
 }
 
+// Here every row of every source passes, so here it is asked whether the statement is to be given up.
 bool RowSearch::PassOn(const PlanNode& node, Visit visit) {
   scope_.Context().GoOnUnlessCancelled();
   for (const Expression* filter : node.filters) {
@@ -138,6 +162,7 @@ bool RowSearch::PassOn(const PlanNode& node, Visit visit) {
   return visit();
 }
 
+// Where no column is wanted, as in Count(*), the row's bytes are not read at all.
 bool RowSearch::Offer(const PlanNode& node, RowPointer pointer, Visit visit) {
   SourceRow& row = scope_.rows[node.source];
   row.present = true;
@@ -169,6 +194,8 @@ bool RowSearch::RunTable(const PlanNode& node, Visit visit) {
   return true;
 }
 
+// All entries of a key are taken before the first of them is given, because the cursor meets them in another order when
+// it walks backwards.
 bool RowSearch::RunInOrder(const PlanNode& node, const OrderWalk& walk, Visit visit) {
   const BTree& tree = plan_.sources[node.source].table->Tree(walk.index);
   const auto cursor = walk.backwards ? tree.SeekLast(std::nullopt, false) : tree.SeekFirst(std::nullopt);
@@ -192,6 +219,7 @@ bool RowSearch::RunInOrder(const PlanNode& node, const OrderWalk& walk, Visit vi
   return true;
 }
 
+// A derived table has no row pointers; its rows are known by their positions, and found like rows of a table.
 bool RowSearch::RunDerived(const PlanNode& node, Visit visit) {
   const std::vector<RowValues>& all = DerivedRows(node.source);
   std::vector<std::uint32_t> rows;
@@ -210,6 +238,7 @@ bool RowSearch::RunDerived(const PlanNode& node, Visit visit) {
   return true;
 }
 
+// Run once in a statement and kept in its context, where all levels find it.
 const std::vector<RowValues>& RowSearch::DerivedRows(std::size_t source) {
   const SelectPlan& derived = *plan_.sources[source].derived;
   auto& rows = scope_.Context().derived[&derived];
@@ -230,6 +259,7 @@ const HashIndex& RowSearch::DerivedIndex(std::size_t source, std::size_t column)
   return derivedIndexes_.emplace(std::pair{source, column}, HashIndex(std::move(entries))).first->second;
 }
 
+// A union is of use only when each of its branches is.
 bool RowSearch::Candidates(const AccessPath& path, std::size_t source, std::vector<std::uint32_t>& rows) {
   switch (path.kind) {
     case AccessPath::Kind::Scan:
@@ -251,6 +281,8 @@ bool RowSearch::IndexCandidates(const AccessPath& path, Table& table, std::vecto
   return range.IsUsable();
 }
 
+// A look-up by hash only finds values of the same family; how values of two families compare, or what error that is,
+// the comparison says. A table's column has one family, the rows of a derived table may have several.
 bool RowSearch::MemoryCandidates(const AccessPath& path, std::size_t source, std::vector<std::uint32_t>& rows) {
   const Value value = Evaluate(*path.equals[0], scope_);
   const std::size_t column = path.equalColumns[0];
@@ -265,6 +297,7 @@ bool RowSearch::MemoryCandidates(const AccessPath& path, std::size_t source, std
   }
   if (IsNull(value)) return true;
   if (FamilyOf(value) != FamilyOf(planned.table->Columns()[column].definition.type)) return false;
+  // A nested level is run again for rows of the level around it.
   const bool manyLookUps = path.joins || scope_.IsNested();
   const HashIndex* index = scope_.Context().memoryIndexes.Find(*planned.table, column, manyLookUps,
                                                                [&] { scope_.Context().GoOnUnlessCancelled(); });

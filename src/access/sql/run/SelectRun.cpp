@@ -1,3 +1,11 @@
+// From found rows to results. There are two ways. CollectKeyset keeps pointers to the rows, for record sets whose rows
+// can be read again and changed; it reads only the columns that find and order them. CollectValues computes the rows,
+// for groups, DISTINCT, unions and everything that the statement itself goes on with. The order of the steps is the
+// same:
+//
+//   rows of FROM and WHERE -> groups, HAVING -> DISTINCT -> ORDER BY -> TOP -> union -> ORDER BY of the union
+//
+// Sort keys are computed while the row is current, beside its values, since they may name columns that are not shown.
 #include <algorithm>
 #include <numeric>
 #include <set>
@@ -29,6 +37,7 @@ RowValues Outputs(const SelectPlan& plan, const RowScope& scope) {
   return values;
 }
 
+/// No row has pointer 0: it stands for the side of an outer join that has none.
 std::uint32_t PackedPointer(const SourceRow& row) {
   return row.present ? row.pointer.Packed() : 0;
 }
@@ -66,6 +75,7 @@ class ValueRows {
     const bool goOn = order_.Add(order_.HasKeys() ? SortKeys(plan_, scope) : std::vector<Value>{});
     if (order_.IsRefused()) return false;
     rows_.push_back(std::move(values));
+    // With keys the last row may be the first in order.
     const bool mayStop = !order_.HasKeys() && !plan_.select->top;
     return goOn && !(mayStop && rows_.size() >= limit_);
   }
@@ -93,6 +103,8 @@ struct Group {
   std::vector<Aggregator> aggregators;
 };
 
+/// What is not aggregated is taken from the group's first row. A group without any row, the one of an aggregate over an
+/// empty table, has nulls there.
 Group MakeGroup(const SelectPlan& plan, const RowScope& scope) {
   Group group;
   group.firstRow = scope.rows;
@@ -107,6 +119,8 @@ void AddRow(Group& group, const SelectPlan& plan, const RowScope& scope) {
   }
 }
 
+/// Groups come in the order in which their first rows are found. Without GROUP BY there is one, whether there are rows
+/// or not. Memory is that of one row for each group.
 std::vector<Group> CollectGroups(const SelectPlan& plan, RowScope& scope) {
   std::vector<Group> groups;
   if (plan.groupBy.empty()) groups.push_back(MakeGroup(plan, scope));
@@ -125,6 +139,8 @@ std::vector<Group> CollectGroups(const SelectPlan& plan, RowScope& scope) {
   return groups;
 }
 
+/// The group's row becomes the current one, so that HAVING, the select list and the sort keys are evaluated as of a
+/// row.
 void CollectGrouped(const SelectPlan& plan, RowScope& scope, ValueRows& rows) {
   for (Group& group : CollectGroups(plan, scope)) {
     scope.rows = std::move(group.firstRow);
@@ -144,6 +160,7 @@ void RemoveRepetitions(std::vector<RowValues>& rows) {
   rows = distinct.Take();
 }
 
+/// One select, without what a union adds to it.
 std::vector<RowValues> CollectAlone(StatementContext& context, const SelectPlan& plan, const RowScope* outer,
                                     std::size_t limit) {
   RowScope scope(context, plan, outer);
@@ -185,6 +202,8 @@ std::vector<RowValues> CollectValues(StatementContext& context, const SelectPlan
   const Select* before = plan.select;
   for (const auto& part : plan.unionParts) {
     for (RowValues& row : CollectAlone(context, *part, outer, kAllRows)) rows.push_back(std::move(row));
+    // A union is taken from left to right: without ALL, everything that has been gathered so far loses its repetitions,
+    // also those that an earlier UNION ALL left in.
     if (!before->unionAll) RemoveRepetitions(rows);
     before = part->select;
   }
@@ -200,6 +219,8 @@ std::vector<Value> CollectFirstColumn(StatementContext& context, const SelectPla
   return values;
 }
 
+// Rows are gathered in the order in which they are found and put into order by their numbers afterwards; where nothing
+// is to be ordered or cut off they are the result.
 std::vector<std::uint32_t> CollectKeyset(StatementContext& context, const SelectPlan& plan) {
   RowScope scope(context, plan, nullptr);
   const std::size_t width = plan.sources.size();

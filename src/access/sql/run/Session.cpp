@@ -1,3 +1,9 @@
+// A statement from its text to its outcome: looked up or parsed (Prepare), planned when there is no plan or the tables
+// are no longer those of the plan (MakeReady), run. Parsing needs no lock; planning and running happen inside one
+// statement of the pager, so that the definitions which the plan was made for are those of the rows that it reads.
+//
+// A query takes the lock for readers. Everything else takes that for the writer before it looks at anything, and is
+// undone as a whole when it fails at any point (StatementRunner::Change).
 #include "access/sql/run/Session.h"
 
 #include "access/sql/expression/Functions.h"
@@ -15,6 +21,7 @@ namespace {
 /// Stands before the names of whole tables among the remembered texts; no statement begins with it.
 constexpr char kTableMark = '\x01';
 
+/// A whole table is opened by its bare name, which need not be one that a text could hold without brackets.
 Statement SelectAll(std::string_view table) {
   Select select;
   SelectItem star;
@@ -26,6 +33,7 @@ Statement SelectAll(std::string_view table) {
   return select;
 }
 
+/// SELECT ... INTO makes a table and is a change.
 bool IsQuery(const Statement& statement) {
   const Select* select = std::get_if<Select>(&statement);
   return select != nullptr && select->into.empty();
@@ -74,6 +82,7 @@ Session::Session(Database& database, std::shared_ptr<const Clock> clock, PlanOpt
                  std::function<bool()> isCancelled)
     : runner_(database, std::move(clock), std::move(isCancelled)), options_(options) {}
 
+// A text that does not parse raises here and is not remembered.
 std::shared_ptr<PreparedStatement> Session::Prepare(std::string_view key, Parsing parse) {
   if (auto known = statements_.Find(key)) return known;
   auto prepared = std::make_shared<PreparedStatement>(parse());
@@ -96,6 +105,7 @@ Outcome Session::Run(std::string_view text) {
     MakeReady(*prepared);
     return {OpenSelect(std::move(prepared)), 0};
   }
+  // Not inside a statement: they open and close the level that statements stand in.
   if (const auto* control = std::get_if<TransactionControl>(&prepared->statement)) {
     Control(*control);
     return {};
@@ -130,11 +140,13 @@ void Session::CommitTransaction() {
   runner_.GetPager().CommitTransaction();
 }
 
+// What is remembered of pages the pager drops; record sets learn by the count that their rows may be out of date.
 void Session::RollbackTransaction() {
   runner_.GetPager().RollbackTransaction();
   runner_.NoteUndoneChanges();
 }
 
+// The plan only says the columns. The rows are found by a walk that goes past damage, which a statement would fail at.
 std::unique_ptr<ResultSet> Session::OpenTable(std::string_view name) {
   const std::string key = kTableMark + std::string(name);
   const auto parse = [&] { return SelectAll(name); };
@@ -159,6 +171,8 @@ std::string Session::Explain(std::string_view text) {
   return prepared->plan ? Describe(*prepared->plan) : std::string();
 }
 
+// Rows of tables are held by their pointers, so that they can be changed; all other results are computed here as a
+// whole.
 std::unique_ptr<ResultSet> Session::OpenSelect(std::shared_ptr<PreparedStatement> prepared) {
   const SelectPlan& plan = *prepared->plan;
   StatementContext context = runner_.MakeContext();
@@ -173,6 +187,7 @@ std::unique_ptr<ResultSet> Session::OpenSelect(std::shared_ptr<PreparedStatement
 std::int64_t Session::RunChange(const PreparedStatement& prepared, StatementContext& context, TableChanges& changes) {
   if (IsDefinition(prepared.statement)) {
     RunDefinition(context, prepared.statement);
+    // Remembered plans and indexes may be of a table that is gone, or of another with its page.
     runner_.IndexesInMemory().Clear();
     statements_.Clear();
     return 0;

@@ -11,6 +11,7 @@ StatementRunner::StatementRunner(Database& database, std::shared_ptr<const Clock
       isCancelled_(std::move(isCancelled)),
       memoryIndexes_(database.GetPager()) {}
 
+// The time is taken once: Now() and Date() are the same in all rows of a statement.
 StatementContext StatementRunner::MakeContext() {
   return {database_, memoryIndexes_, clock_->Now(), &isCancelled_};
 }
@@ -25,6 +26,7 @@ void StatementRunner::Change(FunctionReference<void(StatementContext&, TableChan
   WriteStatement writing(pager);
   TableChanges changes(memoryIndexes_);
   StatementContext context = MakeContext();
+  // Counted before anything is done, since a change that fails half-way has been there and is undone.
   ++changeCount_;
   change(context, changes);
   writing.Commit();

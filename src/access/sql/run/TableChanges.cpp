@@ -1,3 +1,6 @@
+// All changes of rows, whoever makes them, go through here: values are converted to the columns' types, the table
+// checks its rules and keeps the file's indexes, and then the indexes in memory learn of it. In this order, so that a
+// refused change leaves them as they were.
 #include "access/sql/run/TableChanges.h"
 
 #include <algorithm>
@@ -14,6 +17,7 @@ void TableChanges::RefuseSystemTable(const Table& table) {
   if (table.IsSystem()) throw ReadOnlyError("'" + table.Name() + "' belongs to the database engine");
 }
 
+// Cascades change rows of other tables inside the catalogue, which nobody here sees.
 void TableChanges::ForgetWhereChangesCascade(const Table& table) {
   const auto& indexes = table.Definition().logicalIndexes;
   const bool cascades = std::any_of(indexes.begin(), indexes.end(), [](const LogicalIndexDefinition& index) {
@@ -31,6 +35,8 @@ RowPointer TableChanges::Insert(Table& table, RowValues& row) {
   return pointer;
 }
 
+// Values that stay are not converted again. A row that stays as it is is not written: no page changes, and no log
+// grows.
 void TableChanges::Update(Table& table, RowPointer row, const RowValues& before, RowValues& after) {
   RefuseSystemTable(table);
   for (std::size_t i = 0; i < after.size(); ++i) {
@@ -42,6 +48,7 @@ void TableChanges::Update(Table& table, RowPointer row, const RowValues& before,
   memoryIndexes_.RowUpdated(table, row, before, after);
 }
 
+// Indexes in memory keep the row's entry; who finds it asks the table whether the row exists.
 void TableChanges::Delete(Table& table, RowPointer row) {
   RefuseSystemTable(table);
   table.Delete(row);
@@ -75,6 +82,8 @@ class DefaultScope final : public Scope {
 
 }  // namespace
 
+// Automatic numbers come from the table's counter, whatever default is written beside them. The expressions are
+// remembered by their text, which many columns share ("0", "Date()").
 Value Defaults::ValueFor(const Table& table, const Column& column, Date now) {
   const std::string& text = column.defaultExpression;
   if (text.empty() || column.definition.IsAutoNumber()) return Null{};
