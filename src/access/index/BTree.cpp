@@ -9,12 +9,25 @@
 #include "access/index/BTreeCursor.h"
 #include "access/index/BTreeEditor.h"
 
+// What callers see of an index, made of four parts: BTreeEditor changes it by one entry, BTreeBuilder lays it out anew,
+// BTreeCursor walks it, IndexPages gives the pages. Here entries become the bytes by which they are sorted, and what is
+// asked about keys becomes a question about those bytes.
+//
+// Key and row are sorted together: an entry is the bytes of its key, the page (3 bytes) and the row (1 byte),
+// big-endian, compared as one run. So equal keys stand in the order of their rows, and an entry can be found exactly.
+// The price shows where a key is the beginning of another one: as 7F 4A is of 7F 4A 00, the entries of both mix by
+// their rows, and whoever asks for a key has to look at the length of what he meets.
+
 namespace tavi::access {
 
 namespace {
 
+/// An entry has three bytes for the page. A file of 2 GB has only 524,288 pages, so that no row that can be read is
+/// refused.
 constexpr std::uint32_t kGreatestPage = 0xFFFFFF;
 
+/// The bytes of an entry as leaves hold them. The length is refused here, before any page is touched: with longer keys
+/// a node might overflow at three children, and could not be parted into two nodes of two.
 EntryBytes Encode(const IndexEntry& entry) {
   if (entry.key.size() > BTree::kMaximumKeySize) {
     RaiseFailure("The key of a row is too long for its index: it has " + std::to_string(entry.key.size()) +
@@ -55,12 +68,16 @@ void BTree::Build(std::vector<IndexEntry> entries) {
   for (const IndexEntry& entry : entries) sorted.push_back(Encode(entry));
   entries.clear();
   std::ranges::sort(sorted);
+  // Rows of a table are met once each, so this is a caller's mistake or damage. In the tree no later change could tell
+  // the twins apart.
   const auto twice = std::ranges::adjacent_find(sorted);
   if (twice != sorted.end()) {
     const RowPointer row = RowOfEntry(*twice);
     RaiseFailure("The row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
                  " cannot be entered in an index twice.");
   }
+  // The old pages go first, so that the new tree can take them again: a file does not grow by an index that is made
+  // anew.
   Clear(true);
   BTreeBuilder builder(pages_, root_);
   for (const EntryBytes& bytes : sorted) builder.Add(bytes);
@@ -79,7 +96,9 @@ bool BTree::ContainsKey(const IndexKey& key) const {
   return FindKey(key).has_value();
 }
 
-// Entries of longer keys that begin with this one can lie between.
+// Bytes without a row sort before all entries of this very key, so the search starts in front of them. Entries of
+// longer keys that begin with this one can lie between: they are passed over, and the first entry that no longer begins
+// with the key ends the search.
 std::optional<RowPointer> BTree::FindKey(const IndexKey& key) const {
   BTreeCursor cursor = BTreeCursor::AtOrAfter(pages_, root_, key);
   for (; cursor.Current() != nullptr && BeginsWith(cursor.Current()->key, key); cursor.Next())
@@ -87,7 +106,8 @@ std::optional<RowPointer> BTree::FindKey(const IndexKey& key) const {
   return std::nullopt;
 }
 
-// Entries are found by key and row together: a shorter key can come so far only by its row.
+// Entries are found by key and row together: a shorter key can come so far only by its row. Such an entry is smaller as
+// a key than what was asked for, although its bytes are not, and is stepped over.
 std::unique_ptr<BTree::Cursor> BTree::SeekFirst(const std::optional<IndexKey>& from) const {
   const IndexKey target = from.value_or(IndexKey());
   auto cursor = std::make_unique<BTreeCursor>(BTreeCursor::AtOrAfter(pages_, root_, target));
@@ -95,6 +115,9 @@ std::unique_ptr<BTree::Cursor> BTree::SeekFirst(const std::optional<IndexKey>& f
   return cursor;
 }
 
+// Goes to the first entry that is too great and one step back from there. "Begins with" is turned into "less than the
+// successor of the prefix", so that both bounds are one case; a prefix of nothing but FF has no successor, and all
+// entries to the end are within the bound.
 std::unique_ptr<BTree::Cursor> BTree::SeekLast(const std::optional<IndexKey>& before, bool orBeginsWith) const {
   const std::optional<IndexKey> end = before.has_value() && orBeginsWith ? Successor(*before) : before;
   auto cursor = std::make_unique<BTreeCursor>(end.has_value() ? BTreeCursor::AtOrAfter(pages_, root_, *end)
@@ -105,15 +128,20 @@ std::unique_ptr<BTree::Cursor> BTree::SeekLast(const std::optional<IndexKey>& be
 }
 
 void BTree::Clear(bool keepRoot) {
+  // The map of owned pages is believed, not the tree: of a damaged tree some pages could not be reached, or those of
+  // others.
   for (const PageNumber number : pages_.Owned())
     if (number != root_) pages_.Free(number);
   if (!keepRoot) return pages_.Free(root_);
   Page& root = pages_.Write(root_);
+  // The whole page, so that neither mask nor links of the old root are left.
   root.Fill(0, kPageSize, 0);
   FormatRoot(root, pages_.Table());
 }
 
 std::vector<PageNumber> BTree::Pages() const {
+  // The list is the queue of the walk as well: children are added behind the page that names them, which gives level
+  // after level. A page that is met twice means a circle, or a page with two parents, and ends the walk.
   std::vector<PageNumber> found = {root_};
   std::unordered_set<PageNumber> seen = {root_};
   for (std::size_t i = 0; i < found.size(); ++i) {

@@ -6,6 +6,16 @@
 #include "access/index/EntryList.h"
 #include "platform/values/Error.h"
 
+// Two passes. The first goes down from the root with a stack of its own (a tree that leads in a circle must not exhaust
+// the thread's), children from left to right, and reads each page once: what a page says of itself, the order of its
+// entries, its last entry against the entry that the node above has for it. What cannot be seen on one page is noted on
+// the way and looked at in the second pass: that all leaves are on one level, that the pages of a level are linked as
+// they were met, that the map of owned pages names just these pages.
+//
+// A page that cannot be read is one finding, and the walk goes on with the next one: who repairs a file wants the whole
+// list. Whatever a page says is only believed as far as the next check: no page is visited twice, and no deeper than
+// kMaximumIndexLevels. The cost is one read of each page, and a few numbers in memory for it.
+
 namespace tavi::access {
 
 namespace {
@@ -18,6 +28,7 @@ std::string At(std::size_t offset) {
 
 }  // namespace
 
+// Warnings are for `check --strict`: reading and changing a tree do not mind them.
 bool BTreeReport::IsSound() const {
   return std::ranges::all_of(findings, [](const BTreeFinding& finding) { return finding.isWarning; });
 }
@@ -34,6 +45,7 @@ BTreeCheck::BTreeCheck(Pager& pager, PageNumber tablePage, PageNumber root, RowP
 BTreeReport BTreeCheck::Run() {
   stack_.push_back({root_, 0, std::nullopt});
   while (!stack_.empty() && !IsFull()) {
+    // A copy, as visiting a node puts its children on the stack.
     const Step step = stack_.back();
     stack_.pop_back();
     try {
@@ -55,6 +67,8 @@ void BTreeCheck::Report(PageNumber page, const std::string& what, bool isWarning
   report_.findings.push_back({page, "Index page " + std::to_string(page) + " " + what + ".", isWarning});
 }
 
+// Notes the page for the second pass before anything else is looked at, so that a page with a wrong entry still counts
+// in its level's chain.
 void BTreeCheck::Visit(const Step& step) {
   if (!visited_.insert(step.page).second) return Report(step.page, "is reached twice");
   if (step.depth >= kMaximumIndexLevels) return Report(step.page, "lies too deep in its tree");
@@ -70,6 +84,8 @@ void BTreeCheck::Visit(const Step& step) {
   }
 }
 
+// What the fields of a page say about each other. A root leaf may be empty, a table may have no rows; any other leaf
+// without entries should have been freed with its last one.
 void BTreeCheck::CheckHeader(const IndexPage& page, std::size_t depth) {
   const std::size_t free = layout::kEntriesSize - page.End();
   if (page.FreeBytes() != free) {
@@ -83,6 +99,8 @@ void BTreeCheck::CheckHeader(const IndexPage& page, std::size_t depth) {
   if (!page.IsLeaf() && page.IsEmpty()) Report(page.Number(), "is a node without entries");
 }
 
+// Ascending means strictly: no two entries are the same, as each names its row. A prefix that reaches into the rows is
+// read rightly by everybody who puts entries together before he compares them, hence a warning.
 void BTreeCheck::CheckEntries(const IndexPage& page, const EntryBytes& from) {
   EntryBytes before = from;
   EntryBytes bytes;
@@ -98,6 +116,9 @@ void BTreeCheck::CheckEntries(const IndexPage& page, const EntryBytes& from) {
   if (!prefixIsShort) Report(page.Number(), "has a prefix that reaches into the row of an entry", true);
 }
 
+// A leaf lies between two bounds: behind everything that was met so far, and not behind the entry that leads to it. Its
+// last entry may be less than that entry, where another program took one away and left the node alone: a search still
+// ends in this leaf. The next leaf has to begin behind both.
 void BTreeCheck::CheckLeaf(const Step& step, const IndexPage& page) {
   ++report_.leafPages;
   CheckEntries(page, reached_);
@@ -111,6 +132,8 @@ void BTreeCheck::CheckLeaf(const Step& step, const IndexPage& page) {
   reached_ = std::max(last, step.bound.value_or(EntryBytes()));
 }
 
+// Entries of a node are looked at alone: each is compared with what lies below it when the child is visited. The tail
+// has no entry here; what bounds it is the entry of this node in the one above, if there is one.
 void BTreeCheck::CheckNode(const Step& step, const IndexPage& page) {
   ++report_.nodePages;
   CheckEntries(page, EntryBytes());
@@ -124,9 +147,13 @@ void BTreeCheck::CheckNode(const Step& step, const IndexPage& page) {
   if (!children.empty() && step.bound.has_value() && *children.back().bound > *step.bound)
     Report(step.page, "has entries greater than its entry in the node above");
   if (page.Tail() != 0) children.push_back({page.Tail(), step.depth + 1, step.bound});
+  // In reverse, so that the leftmost child is on top: the order of visits is the order of keys, on which `reached_` and
+  // the chains of the second pass rely.
   stack_.insert(stack_.end(), children.rbegin(), children.rend());
 }
 
+// Levels are counted from the root while the walk goes down, and stated from the leaves up, so that a stated one can be
+// judged only when the depth is known. Nothing reads it but this check.
 void BTreeCheck::CheckLevels() {
   for (std::size_t depth = 0; depth < levels_.size(); ++depth) {
     const bool isLast = depth + 1 == levels_.size();
@@ -141,6 +168,8 @@ void BTreeCheck::CheckLevels() {
   }
 }
 
+// Walks follow the links of leaves; a wrong one loses rows. Nobody follows those of nodes, which other programs may
+// link below one parent only.
 void BTreeCheck::CheckChain(const std::vector<Seen>& level) {
   for (std::size_t i = 0; i < level.size(); ++i) {
     const PageNumber previous = i == 0 ? 0 : level[i - 1].page;
@@ -153,6 +182,8 @@ void BTreeCheck::CheckChain(const std::vector<Seen>& level) {
   }
 }
 
+// The map against the tree, both ways. A page of the tree that is missing in it, or is marked free, would be handed out
+// again under the index; one that is only in the map is lost to the file until the index is made anew.
 void BTreeCheck::CheckOwnedPages() {
   try {
     const std::vector<PageNumber> owned = UsageMap(*pager_, ownedPages_).Pages();

@@ -4,11 +4,19 @@
 
 #include "access/file/EngineError.h"
 
+// A walk goes down the nodes only once, to its first leaf; from there on it follows the links between the leaves, which
+// costs one page read for each leaf, whichever the direction. The cursor remembers the bytes of the entry that it comes
+// from. Each new one has to be greater (going back: less), which is what makes an end of every walk: links that lead in
+// a circle bring it to an entry that it has passed. Only leaves without entries give nothing to compare; going through
+// these is counted.
+
 namespace tavi::access {
 
 namespace {
 
-/// Goes down from the root, `choose` naming the child on each node page.
+/// Goes down from the root, `choose` naming the child on each node page. The depth is bounded instead of the pages
+/// remembered: a circle of nodes is noticed after 32 reads, and a sound tree of a file's 524,288 pages cannot be so
+/// deep, as each of its nodes has two children or more.
 template <typename Choose>
 PageNumber Descend(const IndexPages& pages, PageNumber root, std::vector<PageNumber>* path, Choose choose) {
   PageNumber number = root;
@@ -39,20 +47,25 @@ BTreeCursor BTreeCursor::AtOrAfter(const IndexPages& pages, PageNumber root, std
   return cursor;
 }
 
+// The cursor stands behind the last entry without having read it; the first step back finds it.
 BTreeCursor BTreeCursor::BehindLast(const IndexPages& pages, PageNumber root) {
   return {pages, FindLastLeaf(pages, root)};
 }
 
 void BTreeCursor::Next() {
   if (place_ == Place::BehindLast) return;
+  // Before the first entry the cursor still stands on the first leaf of the chain, where the way back ended.
   GoForwardFrom(place_ == Place::BeforeFirst ? 0 : entry_.end);
 }
 
 void BTreeCursor::Previous() {
   if (place_ == Place::BeforeFirst) return;
+  // Behind the last one, on the last leaf of the chain.
   GoBackFrom(place_ == Place::BehindLast ? leaf_.view.End() : entry_.start);
 }
 
+// To the entry that starts at `offset` of the leaf, or over the links to the next leaf that has one. Empty leaves,
+// which only a damaged tree has, are passed over; more of them than the file has pages are a circle.
 void BTreeCursor::GoForwardFrom(std::size_t offset) {
   for (PageNumber visited = 0; offset >= leaf_.view.End(); ++visited) {
     const PageNumber next = leaf_.view.Next();
@@ -66,6 +79,7 @@ void BTreeCursor::GoForwardFrom(std::size_t offset) {
     offset = 0;
   }
   Take(leaf_.view.EntryAt(offset));
+  // `before_` is empty after a turn at either end, where there is nothing to compare with.
   if (!before_.empty() && before_ >= bytes_)
     RaiseDamage("the entries of index page " + std::to_string(leaf_.view.Number()) + " do not follow those before it.");
 }
@@ -88,11 +102,13 @@ void BTreeCursor::GoBackFrom(std::size_t offset) {
                 " do not come before those behind it.");
 }
 
+// The page as it is in this statement, checked once more: only the path down has shown that it leads to leaves.
 void BTreeCursor::Enter(PageNumber leaf) {
   leaf_ = ReadIndexPage(pages_, leaf);
   if (!leaf_.view.IsLeaf()) RaiseDamage("index page " + std::to_string(leaf) + " is linked as a leaf but is none.");
 }
 
+// With `bytes_` empty the first entry after the turn is compared with nothing: it may well be the one that was left.
 void BTreeCursor::Leave(Place place) {
   place_ = place;
   bytes_.clear();
@@ -100,6 +116,7 @@ void BTreeCursor::Leave(Place place) {
 
 void BTreeCursor::Take(EntryPlace entry) {
   entry_ = entry;
+  // Swapped, not copied: the two buffers are used in turn, and a walk allocates nothing once they have grown.
   before_.swap(bytes_);
   leaf_.view.Decode(entry, bytes_);
   const std::size_t keySize = bytes_.size() - format::index::kEntryRowPointerSize;

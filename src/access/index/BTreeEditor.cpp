@@ -6,19 +6,37 @@
 #include "access/file/EngineError.h"
 #include "access/index/BTreeCursor.h"
 
+// One entry more, or one less. Both go down to the leaf where the entry belongs and remember the path; the leaf is
+// changed in place where that is possible, which is all that most calls cost. What follows goes up the path, one level
+// at a time, as a call of ReplaceChild: instead of this child there are none, one or several now, and the last entry
+// below it is such and such. StoreNode then finds the node well, too full (it is cut), or left with one child (it joins
+// a neighbour), and goes on above if that concerns the parent. The root ends it: it takes over its only child, or gives
+// all it has to new pages below.
+//
+// Two rules keep the changes few. The last part of a page that is cut stays on the old page: what leads there, an entry
+// or the tail of the node above, stays right, and new pages only ever come before it. And the entry of a node is the
+// last entry below its child, so that an insertion changes it only at the very end of the tree (in files of other
+// programs also where an entry of a node is greater than what lies below).
+//
+// Pages are not kept half full, as textbooks have it: a leaf goes when it is empty, a node when it has one child.
+// Compacting makes an index that has become sparse anew. Any error leaves the tree as it happens to be; the statement
+// is rolled back then.
+
 namespace tavi::access {
 
 namespace {
 
 namespace layout = format::index;
 
+/// The tail and one entry. Access' own nodes have at least one entry.
 constexpr std::size_t kFewestChildren = 2;
 
 EntryRange WholeOf(const EntryList& entries) {
   return {0, entries.Size()};
 }
 
-/// Cuts a stretch where half of its bytes are on either side, `fewest` items at least on each.
+/// Cuts a stretch where half of its bytes are on either side, `fewest` items at least on each. By bytes, not by number:
+/// keys of texts differ in length. The stretch must have 2 x `fewest` items.
 std::size_t Middle(const std::vector<std::size_t>& sizes, EntryRange range, std::size_t fewest) {
   std::size_t total = 0;
   for (std::size_t i = 0; i < range.count; ++i) total += sizes[range.first + i];
@@ -28,7 +46,8 @@ std::size_t Middle(const std::vector<std::size_t>& sizes, EntryRange range, std:
   return std::clamp(count, fewest, range.count - fewest);
 }
 
-/// Cuts stretches in the middle until all fit, keeping their order.
+/// Cuts stretches in the middle until all fit, keeping their order. One cut is the rule; more are needed where a long
+/// key comes into a full page, or where the shorter prefix that it leaves makes all others longer.
 template <typename Fits>
 std::vector<EntryRange> CutUntilFit(std::vector<EntryRange> ranges, const std::vector<std::size_t>& sizes,
                                     std::size_t fewest, Fits fits) {
@@ -38,6 +57,7 @@ std::vector<EntryRange> CutUntilFit(std::vector<EntryRange> ranges, const std::v
       ++i;
       continue;
     }
+    // Keys that we make are never so long (BTree::kMaximumKeySize); those in a file of another program may be.
     if (range.count < 2 * fewest) RaiseFailure("The keys of an index are too long to be parted among its pages.");
     const std::size_t middle = Middle(sizes, range, fewest);
     ranges[i] = {range.first, middle};
@@ -55,6 +75,7 @@ std::vector<std::size_t> ChildSizes(const NodeContent& content) {
 
 }  // namespace
 
+// From the path, not from what the pages state, which other programs may have wrong.
 std::uint8_t BTreeEditor::LevelAt(std::size_t depth) const {
   return static_cast<std::uint8_t>(path_.size() - 1 - depth);
 }
@@ -64,13 +85,17 @@ void BTreeEditor::Insert(std::span<const std::uint8_t> bytes) {
   const ReadIndexPage read(pages_, leaf);
   const std::size_t offset = read.view.LowerBound(bytes);
   const bool isLast = offset == read.view.End();
+  // A twin is damage, or a row that was entered already; two equal entries would leave one behind when the row goes.
   if (!isLast && read.view.Compare(read.view.EntryAt(offset), bytes) == 0)
     RaiseDamage("index page " + std::to_string(leaf) + " already has the entry of the row that is to be added.");
   if (!InsertInPlace(pages_.Write(leaf), offset, bytes)) return InsertAnew(read.view, offset, bytes);
+  // The leaf ends later now, which the entry that leads to it has to say, or that of the node of which it is the tail.
   if (isLast && !LeafIsRoot()) ReplaceChild(path_.size() - 2, {{leaf, EntryBytes(bytes.begin(), bytes.end())}});
 }
 
-// The leaf as it was read is taken apart: a better prefix can make room, else it is cut.
+// The leaf as it was read is taken apart: a better prefix can make room, else it is cut. Where the entry goes to the
+// very end or start of the index, and so will the next ones (numbers that count up, a descending index of them), the
+// cut leaves the old entries together on a full page.
 void BTreeEditor::InsertAnew(const IndexPage& leaf, std::size_t offset, std::span<const std::uint8_t> bytes) {
   EntryList entries(leaf);
   const std::size_t index = entries.LowerBound(bytes);
@@ -85,6 +110,7 @@ void BTreeEditor::InsertAnew(const IndexPage& leaf, std::size_t offset, std::spa
   if (isLast && !LeafIsRoot()) ReplaceChild(path_.size() - 2, {{path_.back(), entries.Copy(index)}});
 }
 
+// Near an end one entry alone gets a page: the new one, and those to come have the rest of the page to themselves.
 std::vector<EntryRange> BTreeEditor::LeafRanges(const EntryList& entries) const {
   std::vector<std::size_t> sizes;
   for (std::size_t i = 0; i < entries.Size(); ++i) sizes.push_back(entries[i].size());
@@ -99,7 +125,9 @@ std::vector<EntryRange> BTreeEditor::LeafRanges(const EntryList& entries) const 
   return CutUntilFit(std::move(ranges), sizes, 1, [&](EntryRange range) { return FitsOnLeaf(entries, range); });
 }
 
-// The last part stays on the old page (of a root: goes to a new one too), the others go before it.
+// The last part stays on the old page (of a root: goes to a new one too), the others go before it. Each page is written
+// and linked before the node above hears of it. The entries were copied out beforehand, so the old page may be
+// overwritten at once.
 void BTreeEditor::SplitLeaf(const EntryList& entries) {
   const std::vector<EntryRange> ranges = LeafRanges(entries);
   const PageNumber last = LeafIsRoot() ? pages_.Allocate(0).Number() : path_.back();
@@ -115,6 +143,8 @@ void BTreeEditor::SplitLeaf(const EntryList& entries) {
   ReplaceChild(path_.size() - 2, branches);
 }
 
+// A removal never moves entries between leaves: it takes the entry out where it lies, or the whole leaf when it was the
+// only one. Nothing is written where the entry is not found, as in an index that another program has kept badly.
 bool BTreeEditor::Remove(std::span<const std::uint8_t> bytes) {
   const PageNumber leaf = FindLeaf(pages_, root_, bytes, &path_);
   const ReadIndexPage read(pages_, leaf);
@@ -129,7 +159,10 @@ bool BTreeEditor::Remove(std::span<const std::uint8_t> bytes) {
   }
   Page& page = pages_.Write(leaf);
   RemoveInPlace(page, entry);
+  // The last entry of the leaf has changed, and with it the entry of each node that ended with it. `read` still shows
+  // the page as it was.
   if (entry.end == read.view.End() && !LeafIsRoot()) {
+    // End() - 1 is a byte of the last entry, whatever its length. There is one: the only entry was dealt with above.
     const IndexPage changed(page);
     EntryBytes last;
     changed.Decode(changed.EntryAt(changed.End() - 1), last);
@@ -138,12 +171,16 @@ bool BTreeEditor::Remove(std::span<const std::uint8_t> bytes) {
   return true;
 }
 
+// Out of the chain first: freeing looks at the page only to see whose it is, and nothing may lead to it any more.
 void BTreeEditor::RemoveLeaf(PageNumber leaf) {
   pages_.Unlink(leaf);
   pages_.Free(leaf);
   ReplaceChild(path_.size() - 2, {});
 }
 
+// The step from a level to the one above; the header says what the branches mean. The last branch is the child itself,
+// those before it are new pages. The content of the node is taken apart and laid out again even for one separator,
+// because nodes change rarely: when a page is cut or goes, or the end of a leaf moves.
 void BTreeEditor::ReplaceChild(std::size_t depth, const std::vector<Branch>& branches) {
   const PageNumber child = path_[depth + 1];
   const ReadIndexPage node(pages_, path_[depth]);
@@ -156,19 +193,24 @@ void BTreeEditor::ReplaceChild(std::size_t depth, const std::vector<Branch>& bra
   const std::size_t position = content.PositionOf(child, path_[depth]);
   const bool isTail = content.IsTail(position);
   if (branches.empty()) {
+    // `last` has a value when the tail went: then the node ends earlier, which the nodes above have to know.
     const std::optional<EntryBytes> last = content.Remove(position);
     return StoreNode(depth, content, last);
   }
   const Branch& lastBranch = branches.back();
   for (std::size_t i = 0; i + 1 < branches.size(); ++i) {
+    // Each new page comes before the child, which moves on and keeps the separator behind it.
     content.children.insert(content.children.begin() + static_cast<std::ptrdiff_t>(position + i), branches[i].page);
     content.separators.Insert(position + i, *branches[i].last);
   }
+  // The tail has no separator here: what parts it from the next node stands one level up.
   if (!isTail && lastBranch.last.has_value())
     content.separators.Replace(position + branches.size() - 1, *lastBranch.last);
   StoreNode(depth, content, isTail ? lastBranch.last : std::nullopt);
 }
 
+// The node has its new content; whether it may stay so depends on the number of children and the room. What goes on
+// above is only what changed there: a new last entry, pages that came or went.
 void BTreeEditor::StoreNode(std::size_t depth, const NodeContent& content, std::optional<EntryBytes> last) {
   if (depth == 0) return StoreRoot(content);
   if (content.children.empty()) {  // it had a single child, as no sound tree has
@@ -182,10 +224,13 @@ void BTreeEditor::StoreNode(std::size_t depth, const NodeContent& content, std::
   if (last.has_value()) ReplaceChild(depth - 1, {{path_[depth], std::move(last)}});
 }
 
+// The root has no neighbour to join and no parent to tell. It shrinks by itself, a level at a time, so that an index
+// whose rows were all deleted is an empty leaf again.
 void BTreeEditor::StoreRoot(const NodeContent& content) {
   if (content.children.empty()) {
     Page& root = pages_.Write(root_);
     FormatIndexPage(root, pages_.Table(), 0);
+    // Formatting leaves the mask alone; writing no entries clears it.
     WriteLeafEntries(root, EntryList(), {}, 0);
     return;
   }
@@ -194,6 +239,7 @@ void BTreeEditor::StoreRoot(const NodeContent& content) {
   WriteNode(pages_.Write(root_), pages_.Table(), LevelAt(0), content);
 }
 
+// As LeafRanges, with the least that a node may have at the end where entries come in order.
 std::vector<EntryRange> BTreeEditor::NodeRanges(const NodeContent& content) const {
   const std::size_t count = content.children.size();
   const std::vector<std::size_t> sizes = ChildSizes(content);
@@ -204,6 +250,8 @@ std::vector<EntryRange> BTreeEditor::NodeRanges(const NodeContent& content) cons
                      [&](EntryRange range) { return content.Fits(range); });
 }
 
+// The separator behind the last child of the stretch is not written on the page: it goes up as the last entry of the
+// new node. The last part of all has none; its last entry is known to whoever changed it.
 BTreeEditor::Branch BTreeEditor::WriteNodePart(Page& page, std::size_t depth, const NodeContent& content,
                                                EntryRange range) {
   WriteNode(page, pages_.Table(), LevelAt(depth), content.Part(range));
@@ -212,7 +260,8 @@ BTreeEditor::Branch BTreeEditor::WriteNodePart(Page& page, std::size_t depth, co
   return {page.Number(), content.separators.Copy(last)};
 }
 
-// As with leaves: the last part stays, the others go before it, but a root gives all away.
+// As with leaves: the last part stays, the others go before it, but a root gives all away. Only nodes are written and
+// linked; their children stay where they are.
 void BTreeEditor::SplitNode(std::size_t depth, const NodeContent& content, std::optional<EntryBytes> last) {
   const std::vector<EntryRange> ranges = NodeRanges(content);
   const PageNumber lastPage = depth == 0 ? pages_.Allocate(LevelAt(0)).Number() : path_[depth];
@@ -228,6 +277,9 @@ void BTreeEditor::SplitNode(std::size_t depth, const NodeContent& content, std::
   ReplaceChild(depth - 1, branches);
 }
 
+// The node above is read as it is in the file, so the new last entry of this node, which it does not know yet, is put
+// in first: it parts this node from the next one, or (for the tail) goes further up. The neighbour is the one before;
+// the first child takes the one behind it.
 void BTreeEditor::JoinSibling(std::size_t depth, const NodeContent& content, std::optional<EntryBytes> last) {
   const PageNumber own = path_[depth];
   NodeContent parent(ReadIndexPage(pages_, path_[depth - 1]).view);
@@ -249,13 +301,16 @@ void BTreeEditor::JoinSibling(std::size_t depth, const NodeContent& content, std
   ReplaceChild(depth - 1, {{own, std::move(last)}});
 }
 
+// A neighbour that is on our own path would be written twice with different contents.
 NodeContent BTreeEditor::ReadSibling(PageNumber number) const {
   if (std::ranges::find(path_, number) != path_.end())
     RaiseDamage("the node pages of an index lead in a circle at page " + std::to_string(number) + ".");
   return NodeContent(ReadIndexPage(pages_, number).view);
 }
 
-// The left page goes when the right one can hold all; else each gets a half.
+// The left page goes when the right one can hold all: the separator behind the right one, or its place as the tail,
+// then stays true. Otherwise each gets a half, and only the separator between the two changes. With fewer than two
+// children for either, nothing can be moved, which happens only with keys longer than ours.
 bool BTreeEditor::Distribute(const NodeContent& joined, std::size_t depth, NodeContent& parent, std::size_t left) {
   const PageNumber leftPage = parent.children[left];
   const PageNumber rightPage = parent.children[left + 1];
@@ -276,6 +331,9 @@ bool BTreeEditor::Distribute(const NodeContent& joined, std::size_t depth, NodeC
   return true;
 }
 
+// The content moves, not the page: the definition of the table names the root's page, and other programs keep that for
+// the life of an index. The child was alone on its level, so it has no neighbours to be unlinked from. A leaf becomes a
+// root leaf, which is written without a prefix wherever it fits so, as Access has them.
 void BTreeEditor::CollapseRoot(PageNumber child) {
   if (child == root_) RaiseDamage("the root page " + std::to_string(root_) + " of an index leads to itself.");
   Page& root = pages_.Write(root_);
@@ -294,6 +352,8 @@ void BTreeEditor::CollapseRoot(PageNumber child) {
   pages_.Free(child);
 }
 
+// The other way round: the content is on the pages of the branches by now, and the root becomes the node above them.
+// The last branch is its tail, whose last entry nobody asks for.
 void BTreeEditor::RaiseTree(const std::vector<Branch>& branches) {
   NodeContent content;
   for (const Branch& branch : branches) {

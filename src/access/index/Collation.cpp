@@ -17,6 +17,12 @@
 //
 // Example: "NuNuCa Nuß-Nougat-Creme", the hyphens after 11 and 17 elements (ß makes two)
 //   62 6f 62 6f 4d 4a 07 62 6f 6b 6b 62 64 6f 55 4a 6d 4d 69 51 60 51  01  01 01  01  80 33 06 82  80 4b 06 82  00
+//
+// Case is not in a key at all, and accents and hyphens count only where all primary codes agree, because their parts
+// stand behind the 01 that ends the codes. That end sorts before every code, so that a text sorts before all that begin
+// with it. Most texts are plain ASCII: such a text has no part but the codes, and both the key and the comparison have
+// a quick way for it that needs no UTF-16. Whatever is not plain takes the long way, by the key, which therefore
+// decides what is right.
 
 namespace tavi::access {
 
@@ -25,6 +31,7 @@ namespace {
 namespace key = format::key;
 
 constexpr char kBlank = ' ';
+/// Trailing flags with this value are left out, like trailing weights of the default.
 constexpr std::uint8_t kOrdinaryKana = 3;
 constexpr std::uint8_t kKanaByte = 0x80;
 constexpr std::size_t kKanaFlagsPerByte = 3;
@@ -35,6 +42,8 @@ constexpr std::uint8_t kLegacyVersion = 0;
 
 using WeightBytes = std::vector<std::uint8_t>;
 
+/// One byte or two, as CollationInline holds them. No first byte of a code of two is a code of one byte, so that keys
+/// can be compared without knowing where a code begins.
 void AppendInline(std::uint16_t codes, WeightBytes& bytes) {
   if (codes > 0xFFU) bytes.push_back(static_cast<std::uint8_t>(codes >> 8U));
   bytes.push_back(static_cast<std::uint8_t>(codes & 0xFFU));
@@ -59,6 +68,8 @@ class KeyBuilder {
     }
   }
 
+  // The parts behind the codes are left out from the back: a text without special characters and kana ends after the
+  // weights, one without accents has none of these either.
   void Finish() {
     key_.push_back(key::kTextPartEnd);
     while (!diacritics_.empty() && diacritics_.back() <= key::kDefaultDiacritic) diacritics_.pop_back();
@@ -73,6 +84,9 @@ class KeyBuilder {
   }
 
  private:
+  // A ligature makes several elements (ß makes two) and has a weight for each, which moves the places of accents and
+  // hyphens behind it. Later versions of Access count such letters once; keys of theirs that differ are noticed when an
+  // index is first used.
   void AddElements(char16_t unit, const CollationTrait& trait) {
     AppendInline(CollationInline(unit), key_);
     for (const std::uint8_t byte : trait.furtherBytes)
@@ -83,6 +97,8 @@ class KeyBuilder {
     elements_ += trait.elements;
   }
 
+  // No code and no element: the place says how many elements come before it, so that co-op and coop differ in this part
+  // only, and stand next to each other.
   void AddSpecial(const CollationTrait& trait) {
     const std::size_t place = key::kSpecialPositionBase + key::kSpecialPositionStep * elements_;
     const std::size_t position = key::kSpecialPositionFlag | place;
@@ -92,7 +108,8 @@ class KeyBuilder {
     special_.push_back(trait.value);
   }
 
-  // A mark with nothing before it stands in front of the weights; it is no element.
+  // A mark with nothing before it stands in front of the weights; it is no element. The sum is cut to a byte, as the
+  // weight of a letter with many marks is.
   void Combine(const CollationTrait& trait) {
     if (diacritics_.empty()) {
       diacritics_.push_back(trait.value);
@@ -121,7 +138,7 @@ class KeyBuilder {
 };
 
 /// The primary code of an ASCII character that makes one element of default weight, two bytes long so that codes
-/// compare like their bytes; 0 for every other byte.
+/// compare like their bytes; 0 for every other byte, those of longer UTF-8 sequences included.
 std::uint16_t QuickCode(char character) {
   const auto byte = static_cast<std::uint8_t>(character);
   if (byte > 0x7FU || !IsPlainElement(CollationTraitOf(byte))) return 0;
@@ -134,6 +151,8 @@ std::string_view WithoutTrailingBlanks(std::string_view text) {
   return text;
 }
 
+/// The key of a text of plain ASCII in one pass; false, and nothing is appended, when a character is not plain. Up to
+/// 255 bytes are at most 255 characters, so that nothing has to be cut.
 bool AppendQuickKey(std::string_view text, WeightBytes& bytes) {
   if (text.size() > key::kMaximumTextLength) return false;
   const std::size_t start = bytes.size();
@@ -154,6 +173,7 @@ int Sign(std::strong_ordering order) {
   return order < 0 ? -1 : (order > 0 ? 1 : 0);
 }
 
+/// The long way, which makes both keys. It allocates; only texts with accents, hyphens and the like get here.
 int CompareKeys(std::string_view left, std::string_view right) {
   const WeightBytes leftKey = CollationKey(left);
   const WeightBytes rightKey = CollationKey(right);
@@ -165,6 +185,7 @@ int CompareKeys(std::string_view left, std::string_view right) {
 void AppendCollationKey(std::string_view text, std::vector<std::uint8_t>& bytes) {
   if (AppendQuickKey(text, bytes)) return;
   std::u16string units = ToUtf16(text);
+  // Cut first, then the blanks: a text whose 255th character is a blank loses it, whatever follows.
   units.resize(std::min(units.size(), key::kMaximumTextLength));
   while (!units.empty() && units.back() == u' ') units.pop_back();
   KeyBuilder builder(bytes);
@@ -187,6 +208,7 @@ int CollationCompare(std::string_view left, std::string_view right) {
   const std::string_view shownRight = WithoutTrailingBlanks(right);
   const std::size_t common = std::min(shownLeft.size(), shownRight.size());
   for (std::size_t i = 0; i < common; ++i) {
+    // Equal ASCII characters have equal effects on both keys, also a hyphen at the same place.
     if (shownLeft[i] == shownRight[i] && static_cast<std::uint8_t>(shownLeft[i]) <= 0x7FU) continue;
     const std::uint16_t leftCode = QuickCode(shownLeft[i]);
     const std::uint16_t rightCode = QuickCode(shownRight[i]);

@@ -7,18 +7,29 @@
 
 #include "access/file/Bytes.h"
 
+// The mask of an index page has a bit for each place between two bytes of the entries; a set one says that an entry
+// ends there and the next one begins. It is the only thing that tells entries apart, as they carry no lengths. Here it
+// is worked on 64 bits at a time: finding the entry at a place, and moving the ends behind an insertion, are a few
+// steps for the 57 words of a page, whatever the number of entries.
+//
+// Example, the mask of a leaf with entries of 8 and 14 bytes: 00 01 40 00 ..., the bits 8 and 22 (the first entry
+// begins at 0 without a bit of its own). The last bit that can be set is 3616, the end of the page.
+
 namespace tavi::access {
 
 namespace {
 
 constexpr std::size_t kWordSize = sizeof(std::uint64_t);
 
+/// The 453 bytes of the mask are not a multiple of 8: the last word has 5 of them.
 std::size_t WordBytes(std::size_t word) {
   return std::min(kWordSize, format::index::kMaskSize - word * kWordSize);
 }
 
 }  // namespace
 
+// Called several times for each step of a search in a page, hence one load where the machine's byte order is that of
+// the page.
 std::uint64_t LoadMaskWord(const Page& page, std::size_t word) {
   const auto bytes = page.Slice(format::index::kMaskOffset + word * kWordSize, WordBytes(word));
   std::uint64_t bits = 0;
@@ -42,9 +53,12 @@ void EntryMask::Store(Page& page) const {
   page.Put(format::index::kMaskOffset, std::span(bytes).first(format::index::kMaskSize));
 }
 
+// Taken out and put back in another place, so that a bit is never met by another one that has not been moved yet. Bit
+// `after` itself stays: the entry before the insertion ends there.
 EntryMask::Words EntryMask::TakeAbove(std::size_t after) {
   Words taken{};
   const std::size_t first = (after + 1) / kBitsPerWord;
+  // Behind the last word there is nothing to move.
   if (first >= kMaskWords) return taken;
   std::copy(words_.begin() + static_cast<std::ptrdiff_t>(first), words_.end(),
             taken.begin() + static_cast<std::ptrdiff_t>(first));
@@ -53,6 +67,8 @@ EntryMask::Words EntryMask::TakeAbove(std::size_t after) {
   return taken;
 }
 
+// Whole words and a rest: each word gets the low bits of the one that many words before it, and the high bits of the
+// one before that. A shift by all 64 bits is not defined, so a rest of 0 leaves the second part out.
 void EntryMask::MoveUp(std::size_t after, std::size_t distance) {
   const Words moved = TakeAbove(after);
   const std::size_t whole = distance / kBitsPerWord;
@@ -63,6 +79,7 @@ void EntryMask::MoveUp(std::size_t after, std::size_t distance) {
   }
 }
 
+// The same the other way round. The caller has cleared the ends that are in the way.
 void EntryMask::MoveDown(std::size_t after, std::size_t distance) {
   const Words moved = TakeAbove(after);
   const std::size_t whole = distance / kBitsPerWord;
@@ -75,6 +92,7 @@ void EntryMask::MoveDown(std::size_t after, std::size_t distance) {
 
 namespace layout = format::index;
 
+// Where the entries of a page end is kept here until Finish; what lay behind it on the page stays there unread.
 void EntryWriter::Append(std::span<const std::uint8_t> bytes) {
   page_.Put(layout::kEntriesOffset + end_, bytes);
   end_ += bytes.size();
@@ -86,6 +104,7 @@ void EntryWriter::Add(std::span<const std::uint8_t> bytes) {
 }
 
 void EntryWriter::Add(std::span<const std::uint8_t> bytes, PageNumber child) {
+  // The child belongs to the entry: its end, and the bit, come behind it. Big-endian like everything in entries.
   Append(end_ == 0 ? bytes : bytes.subspan(prefix_));
   std::array<std::uint8_t, layout::kEntryChildSize> childBytes{};
   for (std::size_t i = childBytes.size(); i > 0; --i, child >>= 8U)

@@ -24,7 +24,8 @@ constexpr unsigned kDefaultWeight = 2;
 constexpr unsigned kFirstLowByte = 2;  // of a code of two bytes
 constexpr unsigned kByteMask = 0xFF;
 
-/// As CollationTrait; the kind by the letter that stands for it in the code.
+/// As CollationTrait; the kind by the letter that stands for it in the code. What a unit has that the text says nothing
+/// of is the most common case: one element of default weight.
 struct Trait {
   char kind = 'E';
   unsigned elements = 1;
@@ -42,10 +43,12 @@ struct Unit {
   Trait trait;
 };
 
+/// All faults of the text end here; ReadUnits puts file and line before the words.
 [[noreturn]] void Refuse(const std::string& why) {
   throw std::runtime_error(why);
 }
 
+/// The whole word has to be the number: "4A," is a slip that would go unnoticed otherwise.
 unsigned Number(const std::string& text, int base, unsigned most) {
   std::size_t end = 0;
   unsigned long number = 0;
@@ -58,7 +61,8 @@ unsigned Number(const std::string& text, int base, unsigned most) {
   return static_cast<unsigned>(number);
 }
 
-/// The code `step` behind another: two bytes count without the last bytes 00 and 01.
+/// The code `step` behind another: two bytes count without the last bytes 00 and 01, which mean the ends of a key's
+/// parts (2BFF is followed by 2C02).
 unsigned Next(unsigned code, unsigned step) {
   const unsigned next = code + step;
   if (code <= kByteMask || (next >> 8U) == (code >> 8U)) return next;
@@ -71,6 +75,7 @@ class LineReader {
   explicit LineReader(std::istringstream& words) : words_(words) { Take(); }
 
   /// What the first code unit of the line does.
+  // The words come in a fixed order, so that each fact has one way to be written; a word that is left over is refused.
   Unit ReadUnit() {
     const std::string kind = word_;
     Take();
@@ -95,6 +100,7 @@ class LineReader {
     ReadCode(Taken(), unit);
     ReadStep();
     Trait& trait = unit.trait;
+    // Next counts in the first two bytes only.
     if (step_ != 0 && trait.furtherBytes[0] != 0) Refuse("a code of more than two bytes takes no steps");
     if (TakeWord("elements")) trait.elements = Number(Taken(), 10, 3);
     if (TakeWord("weights")) {
@@ -104,6 +110,8 @@ class LineReader {
     if (TakeWord("kana")) trait.kanaFlag = Number(Taken(), 10, 3);
   }
 
+  // The first two bytes are the number that the table holds in line, the others stand in the trait: codes that long are
+  // few, those of letters that stand for several.
   static void ReadCode(const std::string& text, Unit& unit) {
     if (text == "-") return;
     constexpr std::size_t kDigitsOfByte = 2;
@@ -145,6 +153,7 @@ void ReadLine(const std::string& line, std::vector<Unit>& units) {
   std::string range;
   words >> range;
   const std::size_t dash = range.find('-');
+  // Each line begins where the one before it ended: a unit that is forgotten or given twice shows at once.
   const unsigned first = Number(range.substr(0, dash), 16, kCodeUnits - 1);
   const unsigned last = dash == std::string::npos ? first : Number(range.substr(dash + 1), 16, kCodeUnits - 1);
   if (first != units.size() || last < first) Refuse("'" + range + "' does not follow what stands before it");
@@ -152,6 +161,7 @@ void ReadLine(const std::string& line, std::vector<Unit>& units) {
   Unit unit = reader.ReadUnit();
   for (unsigned place = first; place <= last; ++place) {
     units.push_back(unit);
+    // Special and combining characters count in their value, elements in their code.
     unsigned& counted = unit.trait.kind == 'E' ? unit.code : unit.trait.value;
     counted = unit.trait.kind == 'E' ? Next(counted, reader.Step()) : counted + reader.Step();
   }
@@ -173,7 +183,8 @@ std::vector<Unit> ReadUnits(const std::string& path) {
   return units;
 }
 
-/// A list in blocks of equal length, equal ones held once.
+/// A list in blocks of equal length, equal ones held once. Many blocks of 256 units are alike, so that the table takes
+/// a fraction of the memory, for one more look-up.
 struct Blocks {
   std::vector<std::size_t> numbers;  ///< of the block at each place
   std::vector<std::size_t> values;   ///< of the different blocks
@@ -191,6 +202,7 @@ Blocks ShareBlocks(const std::vector<std::size_t>& values) {
   return blocks;
 }
 
+/// Numbers without blanks: the file is read by the compiler alone.
 void WriteNumbers(std::ostream& code, const std::string& declaration, const std::vector<std::size_t>& numbers) {
   constexpr std::size_t kNumbersOfALine = 24;
   code << "\nconst " << declaration << "[" << numbers.size() << "] = {";
@@ -211,6 +223,7 @@ void WriteTraits(std::ostream& code, const std::vector<Trait>& traits) {
 void WriteTable(std::ostream& code, const std::vector<Unit>& units) {
   // The plain trait is the first one: CollationTable.h knows it by that.
   std::vector<Trait> traits = {Trait{}};
+  // Units with the same trait share it: there are few different ones.
   std::map<Trait, std::size_t> numbers = {{Trait{}, 0}};
   std::vector<std::size_t> codes;
   std::vector<std::size_t> traitNumbers;
@@ -239,6 +252,7 @@ void WriteTable(std::ostream& code, const std::vector<Unit>& units) {
 int main(int count, char** arguments) {
   try {
     if (count != 3) Refuse("what is wanted is: make_collation_table TEXT CODE");
+    // The whole code first, then the file: a fault in the text leaves no half-written one, which the build would take.
     std::ostringstream code;
     WriteTable(code, ReadUnits(arguments[1]));
     std::ofstream file(arguments[2]);
