@@ -1,3 +1,7 @@
+// Automatic numbers. The counter is the last number given out and lies in the table's definition, so a rollback takes
+// it back with everything else. It is a hint that other programs may have left too low: the number behind it is looked
+// for in the unique index on the column, where there is one, and when it is taken the next is the one behind the
+// greatest that is stored. An ordinary insert so costs one search.
 #include <limits>
 #include <random>
 
@@ -26,6 +30,8 @@ bool IsTaken(StoredTable& table, std::size_t index, std::int32_t number) {
   return key.has_value() && table.Tree(index).ContainsKey(*key);
 }
 
+/// One way down the tree: the greatest key is the last entry, or the first where the index descends. Nulls stand at the
+/// other end.
 std::int32_t GreatestStored(StoredTable& table, std::size_t index, std::size_t column) {
   const auto cursor = table.Indexes()[index].ascending[0] ? table.Tree(index).SeekLast(std::nullopt, false)
                                                           : table.Tree(index).SeekFirst(std::nullopt);
@@ -35,16 +41,20 @@ std::int32_t GreatestStored(StoredTable& table, std::size_t index, std::size_t c
   return number == nullptr ? 0 : *number;
 }
 
+/// The counter stays where it is until the row is stored (KeepLastAutoNumber).
 std::int32_t NextNumber(Pager& pager, StoredTable& table, std::size_t column) {
   constexpr std::int32_t kLast = std::numeric_limits<std::int32_t>::max();
   const std::optional<std::size_t> index = UniqueIndexOn(table, column);
   std::int32_t last = LastAutoNumber(pager, table.Definition());
   if (last < kLast && (!index.has_value() || !IsTaken(table, *index, last + 1))) return last + 1;
+  // Only a number that is taken leads here, and only an index can tell that.
   if (last < kLast) last = GreatestStored(table, *index, column);
   if (last == kLast) RaiseNoAutoNumberLeft(table.Name(), table.Columns()[column].definition.name);
   return last + 1;
 }
 
+/// Without an index a number is taken unseen: for each row that is stored the chance to meet its number is one in four
+/// thousand million.
 std::int32_t RandomNumber(StoredTable& table, std::size_t column) {
   std::random_device source;
   const std::optional<std::size_t> index = UniqueIndexOn(table, column);
@@ -73,6 +83,7 @@ bool IsRandom(const Column& column) {
 void FillAutoNumbers(Pager& pager, StoredTable& table, RowValues& row) {
   for (std::size_t i = 0; i < table.Columns().size(); ++i) {
     const Column& column = table.Columns()[i];
+    // A number that is given is taken as it is, as statements and recoveries do that keep their references.
     if (!IsNull(row[i])) continue;
     if (column.definition.IsAutoNumber()) {
       row[i] = IsRandom(column) ? RandomNumber(table, i) : NextNumber(pager, table, i);
@@ -85,6 +96,7 @@ void FillAutoNumbers(Pager& pager, StoredTable& table, RowValues& row) {
 void KeepLastAutoNumber(Pager& pager, const StoredTable& table, const RowValues& row) {
   for (std::size_t i = 0; i < table.Columns().size(); ++i) {
     const Column& column = table.Columns()[i];
+    // Random numbers have no last one.
     if (!column.definition.IsAutoNumber() || IsRandom(column)) continue;
     const std::int32_t* number = std::get_if<std::int32_t>(&row[i]);
     if (number != nullptr && *number > LastAutoNumber(pager, table.Definition()))

@@ -1,3 +1,13 @@
+// What is remembered of the system tables, so that opening a table does not walk them each time: the objects, their
+// names, the relationships, and the tables that were opened.
+//
+// All of it is dropped together when it may have become untrue. Other users' commits and all rollbacks make the pager's
+// generation grow, which every question compares first (Refresh). One's own changes do not, so whoever changes a
+// definition or a system table's rows says so (Forget). A table that was handed out stays usable for who holds it, with
+// what it knew.
+//
+// Costs: the first question after a change walks the system table that it is about, MSysObjects without its long
+// values; every other one is a look-up.
 #include "access/catalog/Catalog.h"
 
 #include <algorithm>
@@ -15,6 +25,8 @@ namespace {
 
 namespace names = system_name;
 
+/// A damaged row, with nulls or values of other types, is an object with the number 0 or without a name, which no name
+/// leads to.
 CatalogObject MakeObject(const SystemRow& row, RowPointer place) {
   CatalogObject object;
   object.id = row.Number(names::kId);
@@ -39,6 +51,7 @@ Relationship MakeRelationship(const SystemRow& row) {
   relationship.name = row.Text(names::kRelationship);
   relationship.primaryTable = row.Text(names::kReferencedObject);
   relationship.foreignTable = row.Text(names::kObject);
+  // The flag says what is not done; a row without flags is that of an enforced relationship.
   relationship.enforced = (flags & format::catalog::kRelationNotEnforced) == 0;
   relationship.cascadeUpdates = (flags & format::catalog::kRelationCascadeUpdates) != 0;
   relationship.cascadeDeletes = (flags & format::catalog::kRelationCascadeDeletes) != 0;
@@ -83,6 +96,7 @@ const std::vector<CatalogObject>& Catalog::Objects() {
     objects.push_back(MakeObject(SystemRow(*table, table->Read(place, wanted)), place));
     return true;
   });
+  // Forms, reports and containers may have a table's name. Of two tables with one name the first keeps it.
   for (std::size_t i = 0; i < objects.size(); ++i) {
     const bool named = objects[i].IsTable() || objects[i].IsLinked() || objects[i].type == format::catalog::kTypeQuery;
     if (named) byName_.emplace(NameKey(objects[i].name), i);
@@ -103,9 +117,11 @@ std::shared_ptr<StoredTable> Catalog::OpenTable(std::string_view name) {
   if (object->IsLinked())
     RaiseFailure("The table '" + object->name +
                  "' is a link to another database, which is not followed. Open that one.");
+  // Names are shared with queries, so that this is found and can be said.
   if (!object->IsTable())
     RaiseFailure("'" + object->name + "' is a query stored in the database; stored queries cannot be run here.");
   const auto page = static_cast<PageNumber>(object->id);
+  // Asked for by this name, while the page may be another object's too: what is opened bears the name of the first.
   const std::string itsName = object->name;
   std::shared_ptr<StoredTable> table = TableAt(page);
   if (!EqualIgnoringCase(table->Name(), itsName)) RefuseManyNames(page, itsName);
@@ -124,6 +140,8 @@ void Catalog::RefuseManyNames(PageNumber page, const std::string& name) {
               " that have the same definition, which begins on page " + std::to_string(page) + ".");
 }
 
+// A table is known by the page of its definition, which is its number in the catalogue as well. The sides of
+// relationships refer to it by that.
 std::shared_ptr<StoredTable> Catalog::TableAt(PageNumber page) {
   const std::vector<CatalogObject>& objects = Objects();
   const auto known = tables_.find(page);
@@ -144,10 +162,12 @@ std::shared_ptr<StoredTable> Catalog::TableAt(PageNumber page) {
   }
   auto table = std::make_shared<StoredTable>(pager_, object->name, object->IsSystem(),
                                              ReadTableDefinition(pager_, page), properties, this);
+  // Otherwise a later write statement would be handed the table without its rules.
   if (isWhole) tables_.emplace(page, table);
   return table;
 }
 
+// The system's own tables are opened by their fixed pages: what the catalogue says of them lies in one of them.
 std::shared_ptr<StoredTable> Catalog::OpenSystemTable(PageNumber page, const char* name) {
   Refresh();
   const auto known = tables_.find(page);
@@ -158,6 +178,7 @@ std::shared_ptr<StoredTable> Catalog::OpenSystemTable(PageNumber page, const cha
   return table;
 }
 
+// Fetched for one object at a time, since they are long values on pages of their own.
 PropertyBlob Catalog::Properties(const CatalogObject& object) {
   const std::shared_ptr<StoredTable> table = OpenSystemTable(format::kObjectsTablePage, names::kObjects);
   const Bytes blob =
@@ -169,6 +190,8 @@ PropertyBlob Catalog::Properties(const CatalogObject& object) {
   }
 }
 
+// Rows of one relationship lie anywhere in the table: they are gathered by its name and put into the order of their
+// pairs. The relationship's own columns are the same in each of its rows.
 const std::vector<Relationship>& Catalog::Relationships() {
   Refresh();
   if (relationships_.has_value()) return *relationships_;

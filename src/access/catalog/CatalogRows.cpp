@@ -1,3 +1,11 @@
+// The rows that stand for an object: one in MSysObjects, and one in MSysACEs for each holder of rights. A new object
+// has the rights that its container hands down; for a table in a file of our own making these are two:
+//
+//   container Tables   Creator  000F00FE  inheritable     Users  000FFEFF  inheritable
+//   the new table      Admin    000F00FE                  Users  000FFEFF
+//
+// Without rights Access opens a table for its owner alone. All of it goes through the tables' own changes of rows, so
+// that their indexes are kept; the catalogue then forgets what it has read.
 #include <algorithm>
 
 #include "access/catalog/Catalog.h"
@@ -19,6 +27,7 @@ struct Right {
 };
 
 /// The masked administrator: the owner of the database object, which every file has.
+/// All other security ids are told from this one, since the bytes that mask them are the same in all rows of a file.
 Bytes ReadOwner(Catalog& catalog) {
   for (const CatalogObject& object : catalog.Objects()) {
     if (static_cast<std::uint32_t>(object.id) != format::catalog::kDatabaseId) continue;
@@ -28,6 +37,7 @@ Bytes ReadOwner(Catalog& catalog) {
   RaiseDamage("the catalogue has no row of the database itself (MSysDb).");
 }
 
+/// An id of another length is that of a workgroup of the club's own; there is no creator's id to be told from it.
 Bytes CreatorOf(const Bytes& owner) {
   if (owner.size() != format::security::kAdmin.size()) return {};
   return MaskedSecurityId(std::span<const std::uint8_t, 2>(owner.data(), 2), format::security::kCreator);
@@ -44,6 +54,7 @@ std::vector<Right> InheritedRights(Catalog& catalog, std::uint32_t container, co
     Right right{row.Binary(names::kSid), static_cast<std::uint32_t>(row.Number(names::kAcm))};
     if (right.securityId == creator) right.securityId = owner;
     const auto known = std::ranges::find(rights, right.securityId, &Right::securityId);
+    // The owner may have rights of his own beside those of the creator: one row holds both.
     if (known != rights.end()) {
       known->mask |= right.mask;
     } else {
@@ -55,6 +66,7 @@ std::vector<Right> InheritedRights(Catalog& catalog, std::uint32_t container, co
 
 }  // namespace
 
+// Masks are exclusive-or, so the mask falls out when a masked id meets the plain one that it stands for.
 Bytes MaskedSecurityId(std::span<const std::uint8_t, 2> maskedAdmin, std::span<const std::uint8_t, 2> plain) {
   Bytes result;
   for (std::size_t i = 0; i < plain.size(); ++i)
@@ -91,6 +103,8 @@ void AddObject(Catalog& catalog, const NewObject& object, Date now) {
   catalog.Forget();
 }
 
+// Numbers from 0x80000000 upwards, which are the negative ones, belong to objects that are no tables. The containers'
+// fixed numbers are positive.
 std::int32_t FreeObjectId(Catalog& catalog) {
   auto id = static_cast<std::int32_t>(format::catalog::kFirstFreeId);
   for (const CatalogObject& object : catalog.Objects())

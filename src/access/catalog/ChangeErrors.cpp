@@ -1,3 +1,7 @@
+// The words are those that Access uses, where it has any, because people know them and look them up; what follows in
+// brackets or in a further sentence names table, field and index, which Access leaves out. A duplicate key and whatever
+// stands in the way of the change as a whole is ProviderFailure, a value that the rules of a field or a relationship
+// refuse is ProviderIntegrity, as programs written for Access know it.
 #include "access/catalog/ChangeErrors.h"
 
 #include "access/file/EngineError.h"
@@ -14,6 +18,7 @@ std::string Quoted(std::string_view name) {
   return "'" + std::string(name) + "'";
 }
 
+/// A column as Access writes it in messages: 'table.column'.
 std::string Field(std::string_view table, std::string_view column) {
   return Quoted(std::string(table) + "." + std::string(column));
 }

@@ -1,3 +1,5 @@
+// The check of a file: every table with its indexes, then relationships, then what belongs to the file as a whole. That
+// comes last, because only then all owners of pages and all usage maps have been named.
 #include "access/catalog/Check.h"
 
 #include "access/catalog/TableCheck.h"
@@ -12,8 +14,11 @@ void CheckTables(Database& database, PageOwners& owners, CheckReport& report) {
   for (const CatalogEntry& entry : database.Tables()) {
     if (entry.isLinked) continue;
     report.Begin(CheckPart::Rows, entry.name);
+    // A table that cannot be opened is one finding, and its pages are lost room to a strict check.
     report.Guard("Table '" + entry.name + "'", [&] { tables.push_back(database.OpenTable(entry.name)); });
   }
+  // All are opened first, so that one whose definition is damaged is found before the long part begins; relationships
+  // follow, as they look into other tables than their own.
   for (const std::shared_ptr<Table>& table : tables) TableCheck(database.GetPager(), *table, owners, report).Run();
   for (const std::shared_ptr<Table>& table : tables) {
     report.Begin(CheckPart::Relationship, table->Name());
@@ -32,6 +37,7 @@ CheckResult CheckFile(Database& database, CheckKind kind, const CheckProgress& p
   }
   CheckReport report(kind, progress);
   report.Guard("The file", [&] {
+    // One statement for all, so that what is compared is of one moment although others write meanwhile.
     const ReadStatement statement(database.GetPager());
     report.Result().pages = database.GetPager().PageCount();
     PageOwners owners(database.GetPager(), report);

@@ -1,3 +1,15 @@
+// Columns added and dropped. As a rule neither touches the rows, so that both cost a few pages however large the table
+// is:
+//
+//   added     the next number, slot or fixed place. Rows that are there were written with fewer columns, and read as
+//   null
+//             in this one.
+//   dropped   its record goes. Rows keep its bytes; number, slot and place are never given again, until the table is
+//             laid out anew by compacting.
+//
+// Rows are written only for an automatic number, which numbers those that are there, for the first variable column of a
+// table (GiveRowsOffsets), and read where fixed columns were dropped (LongestFixedArea). The pages of a dropped Memo or
+// OLE column are freed.
 #include <algorithm>
 #include <functional>
 
@@ -24,6 +36,8 @@ const ColumnDefinition* FindSame(const TableDefinition& definition, std::string_
 }
 
 /// Whether fixed columns were dropped: each column made was fixed or took one of the slots for variable ones.
+/// Columns that were ever made, less those that are there, are those that were dropped. The slots that nobody has now
+/// were of dropped variable ones; when there were more, some were fixed.
 bool HasDroppedFixedColumns(const TableDefinition& definition) {
   const auto variable = std::ranges::count_if(definition.columns, [](const auto& column) { return !column.IsFixed(); });
   const std::size_t dropped = definition.columnIdCounter - definition.columns.size();
@@ -31,8 +45,10 @@ bool HasDroppedFixedColumns(const TableDefinition& definition) {
 }
 
 /// The end of the longest fixed area of the rows.
+/// Reads every page of the table; asked only where fixed columns were dropped.
 std::size_t LongestFixedArea(Pager& pager, const TableDefinition& definition) {
   std::size_t longest = 0;
+  // Entries of a damaged page are left out. It is for the check to say so.
   CheckReport ignored;
   for (const PageNumber number : UsageMap(pager, definition.ownedPages).Pages()) {
     const PageHandle page = pager.Read(number);
@@ -52,6 +68,8 @@ std::size_t FreeFixedOffset(Pager& pager, const TableDefinition& definition) {
 }
 
 /// Gives one column of every row new values.
+/// Rows are changed past indexes and relationships: the column is new, so that none of them knows it. Their places are
+/// gathered first, since a walk must not be changed under its feet.
 void ChangeRows(StoredTable& table, std::size_t column, const std::function<Value()>& makeValue) {
   std::vector<RowPointer> rows;
   table.Rows().Walk([&](RowPointer row) {
@@ -80,6 +98,7 @@ void GiveRowsOffsets(StoredTable& table, std::size_t column) {
   ChangeRows(table, column, [] { return Value(Null{}); });
 }
 
+/// Indexes, the sides of relationships among them, then relationships that are not enforced and so have no index.
 void RefuseUsedColumn(Catalog& catalog, const StoredTable& table, const ColumnDefinition& column) {
   for (const LogicalIndexDefinition& logical : table.Definition().logicalIndexes) {
     if (logical.realIndex >= table.Definition().realIndexes.size()) continue;
@@ -97,6 +116,7 @@ void RefuseUsedColumn(Catalog& catalog, const StoredTable& table, const ColumnDe
   }
 }
 
+/// The pages are the column's own and go by its map; the descriptors in the rows go with the record.
 void DropLongValues(Pager& pager, StoredTable& table, TableDefinition& definition, std::uint16_t columnId) {
   const auto maps = std::ranges::find(definition.longValueMaps, columnId, &LongValueMaps::columnId);
   if (maps == definition.longValueMaps.end()) return;
@@ -109,6 +129,8 @@ void DropLongValues(Pager& pager, StoredTable& table, TableDefinition& definitio
 
 }  // namespace
 
+// Required and the default are left out where they say what their absence says. AllowZeroLength is always there, as
+// programs differ about what its absence means.
 void DescribeColumn(PropertyBlob& properties, const ColumnDesign& design) {
   if (design.required) properties.SetColumnFlag(design.name, property_name::kRequired, true);
   if (IsText(design.type)) {
@@ -128,16 +150,19 @@ void AddColumn(Catalog& catalog, std::string_view table, const ColumnDesign& des
 
   ColumnDefinition column = MakeColumn(design, FileSortOrder(catalog));
   for (const ColumnDefinition& other : definition.columns)
+    // The new column is shown behind all others.
     column.ordinal = std::max<std::uint16_t>(column.ordinal, static_cast<std::uint16_t>(other.ordinal + 1));
   AppendColumn(definition, std::move(column), FreeFixedOffset(pager, definition));
   SortRecords(definition);
   AllocateParts(pager, definition, 0);
   WriteTableDefinition(pager, definition, true);
 
+  // Properties may be left from a column of that name that another program has dropped.
   properties.RemoveColumn(design.name);
   DescribeColumn(properties, design);
   ChangeObject(catalog, object, &properties, now);
 
+  // Opened anew, as the rows are to be seen with the new column.
   const std::shared_ptr<StoredTable> altered = catalog.OpenTable(table);
   const std::size_t position = altered->FindColumn(design.name).value();
   if (altered->Columns()[position].definition.IsAutoNumber()) NumberRows(pager, *altered, position);

@@ -1,3 +1,12 @@
+// The type of a column changed. A longer or shorter text changes a number in the definition; anything else makes a new
+// column, copies the values over, drops the old column and gives the new one its name and its place among the others:
+//
+//   before           Id, Amount (Long)
+//   column added     Id, Amount (Long), NewColumn1 (Currency)
+//   values copied, old column dropped, new one renamed
+//   after            Id, Amount (Currency)
+//
+// All in one statement, so that a value that does not fit undoes the whole. Reads and writes each row once.
 #include <algorithm>
 
 #include "access/catalog/Catalog.h"
@@ -26,6 +35,7 @@ void ChangeLength(Catalog& catalog, StoredTable& table, std::size_t position, co
   std::vector<bool> only(table.Columns().size());
   only[position] = true;
   table.Rows().Walk([&](RowPointer row) {
+    // Asked of every row before the length changes: a text that would be too long is the error of the change.
     static_cast<void>(ConvertForColumn(table.Read(row, only)[position], *column));
     return true;
   });
@@ -88,6 +98,7 @@ void ChangeColumn(Catalog& catalog, std::string_view table, const ColumnDesign& 
   const std::shared_ptr<StoredTable> stored = catalog.OpenTable(table);
   const std::optional<std::size_t> position = stored->FindColumn(design.name);
   if (!position) RaiseNoColumn(object.name, design.name);
+  // A copy: the column goes while it is still needed.
   const Column before = stored->Columns()[*position];
   const ColumnDefinition wanted = MakeColumn(design, FileSortOrder(catalog));
   PropertyBlob properties = catalog.Properties(object);
@@ -96,6 +107,7 @@ void ChangeColumn(Catalog& catalog, std::string_view table, const ColumnDesign& 
   } else {
     ReplaceColumn(catalog, table, design, before, now);
   }
+  // The properties as they were before, so that nothing is left of the helping column.
   DescribeAnew(properties, design, before);
   ChangeObject(catalog, object, &properties, now);
 }

@@ -1,3 +1,5 @@
+// The database as rooms above see it. It owns pager and catalogue, which live and end together, and passes every change
+// on to the file of its subject (DefinitionChanges.h says which); nothing is decided here but what counts as a table.
 #include "access/catalog/Database.h"
 
 #include "access/catalog/Catalog.h"
@@ -12,6 +14,7 @@ class Database::Implementation {
   explicit Implementation(std::unique_ptr<Pager> opened) : pager(std::move(opened)), catalog(*pager) {}
 
   std::unique_ptr<Pager> pager;
+  // Refers to the pager, so it comes behind it and goes before it.
   Catalog catalog;
 };
 
@@ -20,6 +23,7 @@ Database::Database(std::unique_ptr<Pager> pager)
 
 Database::~Database() = default;
 
+// A file that is there is never written over: Pager::Create refuses.
 void Database::CreateFile(FileSystem& fileSystem, const std::string& path, Date now) {
   Pager::Create(fileSystem, path, MakeNewFile(now));
 }
@@ -28,12 +32,14 @@ Pager& Database::GetPager() {
   return *implementation_->pager;
 }
 
+// Stored queries, forms and containers are objects too, and left out.
 std::vector<CatalogEntry> Database::Tables() {
   std::vector<CatalogEntry> entries;
   for (const CatalogObject& object : implementation_->catalog.Objects()) {
     if (!object.IsTable() && !object.IsLinked()) continue;
     CatalogEntry entry;
     entry.name = object.name;
+    // The number of a link is no page.
     entry.page = object.IsTable() ? static_cast<PageNumber>(object.id) : 0;
     entry.isSystem = object.IsSystem();
     entry.isLinked = object.IsLinked();
@@ -50,6 +56,7 @@ std::shared_ptr<Table> Database::OpenTable(std::string_view name) {
   return implementation_->catalog.OpenTable(name);
 }
 
+// Links and stored queries have names of the same kind and are not found; OpenTable says what they are.
 std::shared_ptr<Table> Database::FindTable(std::string_view name) {
   const CatalogObject* object = implementation_->catalog.FindNamed(name);
   if (object == nullptr || !object->IsTable()) return nullptr;

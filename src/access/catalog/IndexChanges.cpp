@@ -27,6 +27,7 @@ using Kind = LogicalIndexDefinition::Kind;
               "The index '" + index + "' of the table '" + table + "' cannot be made: " + reason);
 }
 
+/// Sides of relationships are in the list too: their names are taken.
 bool HasIndex(const TableDefinition& definition, std::string_view name) {
   return std::ranges::any_of(definition.logicalIndexes,
                              [&](const LogicalIndexDefinition& logical) { return SameName(logical.name, name); });
@@ -92,6 +93,7 @@ std::vector<IndexEntry> CollectEntries(StoredTable& table, std::size_t index, In
   table.Rows().Walk([&](RowPointer place) {
     const RowValues row = table.Read(place, wanted);
     if (made.definition.required && encoder.AnyNull(row)) RaiseNullKey(table.Name(), made.name);
+    // An index that ignores nulls has no entry for a key of nulls alone.
     if (!encoder.HasEntry(row)) return true;
     entries.push_back({encoder.RowKey(row), place});
     if (encoder.AllNull(row)) nullKey = entries.back().key;

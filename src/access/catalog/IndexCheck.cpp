@@ -1,3 +1,9 @@
+// The check of one index: first its tree by itself (pages, links, order, the map of its pages), then its entries
+// against those that the rows ask for. Both lists are held in memory and sorted, so that two differences of sorted
+// lists say what is missing and what is too much: for n rows n log n comparisons, and one read of each row.
+//
+// Keys can differ although all rows are there, because programs do not agree about some letters and decimals (see
+// KeyLookup.h). That is no damage, and is told apart from it in CountOtherKeys before entries are compared.
 #include <algorithm>
 
 #include "access/catalog/KeyLookup.h"
@@ -21,6 +27,7 @@ class IndexCheck {
         report_(report),
         where_("index '" + made_.name + "' of table '" + table.Name() + "'") {}
 
+  // Two guards: a tree that is damaged in one place may still tell something of its entries.
   void Run() {
     report_.Guard("The " + where_, [&] { CheckPages(); });
     report_.Guard("The " + where_, [&] { CheckEntries(); });
@@ -34,6 +41,7 @@ class IndexCheck {
       report_.CountPage();
     }
     const PageNumber table = table_.Definition().page;
+    // Warnings are about what other programs write and every reader can live with.
     const BTreeReport tree = BTreeCheck(pager_, table, made_.definition.root, made_.definition.ownedPages).Run();
     for (const BTreeFinding& finding : tree.findings) {
       std::string text = "The " + where_ + ": " + finding.text;
@@ -45,6 +53,7 @@ class IndexCheck {
     }
   }
 
+  // The whole tree is walked by its leaves, as searches would reach them.
   void CheckEntries() {
     std::vector<IndexEntry> stored;
     for (auto cursor = table_.Tree(index_).SeekFirst(std::nullopt); cursor->Current() != nullptr; cursor->Next())
@@ -81,6 +90,7 @@ class IndexCheck {
     }
   }
 
+  // A null in a key that must not have one is a finding about the row; it has its entry all the same.
   std::vector<IndexEntry> MakeEntries(const KeyEncoder& encoder) {
     std::vector<bool> wanted(table_.Columns().size());
     for (const std::size_t column : made_.columns) wanted[column] = true;
@@ -100,16 +110,19 @@ class IndexCheck {
   std::size_t CountOtherKeys(std::vector<IndexEntry> stored, std::vector<IndexEntry> expected) {
     std::ranges::sort(stored, {}, &IndexEntry::row);
     std::ranges::sort(expected, {}, &IndexEntry::row);
+    // A row is missing or there twice: that is damage, whatever its key.
     if (!std::ranges::equal(stored, expected, {}, &IndexEntry::row, &IndexEntry::row)) return 0;
     std::size_t differing = 0;
     for (std::size_t i = 0; i < stored.size(); ++i) {
       if (stored[i].key == expected[i].key) continue;
+      // A key that all programs make alike differs: damage as well.
       if (!KeyCanDiffer(table_, index_, table_.Read(stored[i].row))) return 0;
       ++differing;
     }
     return differing;
   }
 
+  // An entry under a wrong key appears twice: as missing under its own, as unwanted under the other.
   void Compare(const std::vector<IndexEntry>& stored, const std::vector<IndexEntry>& expected) {
     std::vector<IndexEntry> missing;
     std::vector<IndexEntry> unwanted;
@@ -121,6 +134,7 @@ class IndexCheck {
       report_.Add("The " + where_ + " has an entry for the " + NameOf(entry.row) + " that no such row has.");
   }
 
+  // Rows whose key is all null may be several in a unique index.
   void CheckUnique(const std::vector<IndexEntry>& stored) {
     if (!made_.definition.unique) return;
     for (std::size_t i = 1; i < stored.size(); ++i) {

@@ -1,3 +1,10 @@
+// Rows by their keys, and whether an index can be trusted to find them.
+//
+// A look-up makes the key's bytes as far as values are given and walks the entries from there as long as they begin
+// with them: what it costs is the way down the tree and the entries found. It goes wrong without a word where the index
+// holds other bytes for the same values, so whoever looks asks Table::CanSearch first, and that comes to HasOwnKeys.
+// Only texts and descending decimals can have other bytes: an index of other columns is trusted unseen. For one on such
+// columns the rows of its entries are read, but of a single text without accents and marks only every 64th.
 #include "access/catalog/KeyLookup.h"
 
 #include <algorithm>
@@ -9,6 +16,7 @@ namespace tavi::access {
 std::vector<RowPointer> RowsWithKey(Table& table, std::size_t index, const std::vector<Value>& values) {
   std::vector<RowPointer> rows;
   const std::optional<IndexKey> prefix = table.Encoder(index).PrefixKey(values);
+  // A value that the column cannot hold is in no row.
   if (!prefix.has_value()) return rows;
   for (auto cursor = table.Tree(index).SeekFirst(prefix); cursor->Current() != nullptr; cursor->Next()) {
     const IndexKey& key = cursor->Current()->key;
@@ -18,6 +26,7 @@ std::vector<RowPointer> RowsWithKey(Table& table, std::size_t index, const std::
   return rows;
 }
 
+// Without an index the values are compared as they are, so texts must agree in case as well.
 std::vector<RowPointer> RowsWithValue(Table& table, std::string_view column, const Value& value) {
   const std::optional<std::size_t> position = table.FindColumn(column);
   if (!position.has_value()) return {};
@@ -35,8 +44,10 @@ std::vector<RowPointer> RowsWithValue(Table& table, std::string_view column, con
 
 namespace {
 
+// Of plain texts one in so many is looked at: a file whose keys are all made in another way shows that at once.
 constexpr std::size_t kEntriesPerSample = 64;
 
+/// Ascending decimals and all other types have one form that every program writes.
 bool ColumnCanDiffer(const Table& table, const Index& index, std::size_t part) {
   const ColumnType type = table.Columns()[index.columns[part]].definition.type;
   return IsText(type) || (type == ColumnType::Numeric && !index.ascending[part]);
@@ -71,7 +82,9 @@ class KeyComparison {
     for (const auto cursor = table_.Tree(index_).SeekFirst(std::nullopt); cursor->Current() != nullptr;
          cursor->Next(), ++count) {
       const IndexEntry& entry = *cursor->Current();
+      // Out of order a search could end before the entry that it looks for.
       if (count > 0 && entry <= before) return false;
+      // An entry whose row is not there says nothing about keys: it is damage that a check reports.
       const bool isSkipped = isSingleText_ && IsPlainTextKey(entry.key) && count % kEntriesPerSample != 0;
       if (!isSkipped && table_.Exists(entry.row) && encoder_.RowKey(table_.Read(entry.row, wanted_)) != entry.key)
         return false;

@@ -1,3 +1,13 @@
+// Long values lie on pages of their own, a set of pages for each column. A row has a descriptor of 12 bytes, which
+// holds the length and, by the top bits of its first word, one of three forms:
+//
+//   80  inline   the bytes follow the descriptor in the row
+//   40  single   one row of a long-value page, shared with other values' rows
+//   00  chain    a row on each of several pages: link to the next (4 bytes, 0 at the end), then data
+//
+// The check lists all parts that are on the column's pages first, and crosses them off as rows refer to them. So it
+// finds a reference to nothing, two rows with one value, a chain that leads in a circle (its second visit finds the
+// part used), and in the end what nobody refers to. It remembers a few words for each part, whatever the values' size.
 #include "access/catalog/TableCheck.h"
 #include "access/file/Bytes.h"
 #include "access/file/Format.h"
@@ -14,6 +24,7 @@ namespace long_value = format::long_value;
 LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueMaps& maps, PageOwners& owners,
                                CheckReport& report)
     : pager_(pager), where_(std::move(where)), report_(report) {
+  // Columns that never had a long value may have no maps.
   if (!maps.ownedPages.IsNone()) owners.ClaimMap(maps.ownedPages, where_);
   if (!maps.freeSpacePages.IsNone()) owners.ClaimMap(maps.freeSpacePages, where_);
   report_.Guard(where_, [&] {
@@ -27,12 +38,14 @@ LongValueCheck::LongValueCheck(Pager& pager, std::string where, const LongValueM
       const std::vector<RowEntry> entries =
           CheckDataPage(*pager_.Read(number), format::data::kOwnerLongValues, place, report_);
       for (std::size_t row = 0; row < entries.size(); ++row) {
+        // What a deleted row's bytes still hold belongs to nobody.
         if (!entries[row].IsDeleted())
           parts_[{number, static_cast<std::uint8_t>(row)}] = {entries[row].offset, entries[row].length};
       }
     }
     for (const PageNumber page : freeSpacePages_) {
       if (!ownedPages.contains(page))
+        // Nobody stores a value there: a page that is not the column's own is passed over when room is looked for.
         report_.Leftover("Page " + std::to_string(page) + " is offered for values of " + where_ + " but not its own.");
     }
   });
@@ -76,12 +89,14 @@ void LongValueCheck::Use(std::span<const std::uint8_t> descriptor, RowPointer ro
   }
 }
 
+// The value is the whole row: its length is told twice.
 void LongValueCheck::UseSingle(RowPointer place, std::size_t length, const std::string& value) {
   const Part* part = Take(place, value);
   if (part != nullptr && part->length != length)
     report_.Add(value + " has " + std::to_string(part->length) + " bytes instead of " + std::to_string(length) + ".");
 }
 
+// The parts together must have the length that the descriptor tells.
 void LongValueCheck::UseChain(RowPointer place, std::size_t length, const std::string& value) {
   std::size_t found = 0;
   while (!place.IsNone()) {
@@ -91,6 +106,8 @@ void LongValueCheck::UseChain(RowPointer place, std::size_t length, const std::s
       report_.Add(value + " has a part without a link.");
       return;
     }
+    // Pages of a chain hold one part each. Other programs offer them all the same; values that are put beside it do no
+    // harm.
     if (freeSpacePages_.contains(place.page))
       report_.Leftover(value + " has a part on page " + std::to_string(place.page) +
                        ", which is offered for other values.");

@@ -1,3 +1,5 @@
+// Pages of a file that is being made. Nobody else sees it, so there is nothing to lock, to commit or to take back: an
+// error ends the making, and the pages go with this object.
 #include "access/catalog/MemoryPager.h"
 
 #include "access/file/EngineError.h"
@@ -23,6 +25,7 @@ std::int32_t MemoryPager::BeginTransaction() {
   RaiseFailure("A file that is being made has no transactions.");
 }
 
+// Refused in the words of the first.
 void MemoryPager::CommitTransaction() {
   static_cast<void>(BeginTransaction());
 }
@@ -45,6 +48,7 @@ Page& MemoryPager::Write(PageNumber number) {
 }
 
 Page& MemoryPager::WriteNew(PageNumber number) {
+  // Each page is held apart, so that a reference to one stays valid while others are added.
   while (pages_.size() <= number) pages_.push_back(std::make_unique<Page>(PageCount()));
   Page& page = At(number);
   page.Fill(0, kPageSize, 0);

@@ -1,3 +1,5 @@
+// Names are compared as the file's indexes compare texts: case and trailing blanks do not count, accents do. So two
+// names are the same here just when the unique index on names in the catalogue takes them for one.
 #include "access/catalog/Names.h"
 
 #include <algorithm>

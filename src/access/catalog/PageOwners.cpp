@@ -1,3 +1,9 @@
+// Every page of a sound file has one owner or is marked free. The parts of a check claim the pages that they come by;
+// what is claimed twice, past the end, or marked free is damage, since it would be overwritten one day, and what nobody
+// has claimed in the end is lost room. One name for each page is held in memory.
+//
+// Usage maps have no owner field that says whose they are, and several tables may share a page of them: so each row is
+// claimed on its own, and the pages of rows are looked at when all are known.
 #include "access/catalog/PageOwners.h"
 
 #include <set>
@@ -32,6 +38,7 @@ void PageOwners::Claim(PageNumber page, const std::string& owner) {
     report_.Add(where + " belongs to " + owners_[page] + " too.");
     return;
   }
+  // The first to claim a page keeps it; the second finding names both.
   owners_[page] = owner;
   report_.Guard(where, [&] {
     if (PageAllocator(pager_).IsFree(page)) report_.Add(where + " is marked free.");
@@ -45,6 +52,7 @@ void PageOwners::ClaimMap(RowPointer map, const std::string& owner) {
                 " serves " + known->second + " and " + owner + ".");
     return;
   }
+  // A page of maps is claimed with its first row and shared by all others.
   if (map.page != format::kGlobalMapPage && (map.page >= owners_.size() || owners_[map.page] != kMapPages))
     Claim(map.page, kMapPages);
   report_.Guard("A usage map of " + owner, [&] {
@@ -57,6 +65,7 @@ void PageOwners::CheckMapPages() {
   for (const auto& [map, owner] : maps_) pages.insert(map.page);
   for (const PageNumber number : pages) {
     const std::string where = "Page " + std::to_string(number) + " of usage maps";
+    // Page 1 alone names itself as the owner.
     const std::uint32_t owner =
         number == format::kGlobalMapPage ? format::data::kOwnerGlobalMap : format::data::kOwnerUsageMaps;
     report_.Guard(where, [&] {
@@ -69,6 +78,7 @@ void PageOwners::CheckMapPages() {
   }
 }
 
+// Harmless: such pages are only never used again, until the file is compacted.
 void PageOwners::ReportLeaks() {
   const PageAllocator allocator(pager_);
   for (PageNumber page = 0; page < owners_.size(); ++page) {

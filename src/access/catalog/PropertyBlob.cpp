@@ -1,3 +1,6 @@
+// Properties of a table and its columns as a blob: reading and writing. What is not understood is kept byte for byte,
+// as captions, formats and column widths are Access' business; a blob that was read and not changed is written as it
+// was.
 #include "access/catalog/PropertyBlob.h"
 
 #include <algorithm>
@@ -21,6 +24,7 @@ namespace {
 
 namespace property_layout = format::property;
 
+// A value's length, with what stands before the data, has 16 bits in the file.
 constexpr std::size_t kMaximumDataSize = 64000;
 
 /// Reads a blob from front to back; each read is checked.
@@ -59,6 +63,7 @@ class Reader {
   std::size_t place_ = 0;
 };
 
+/// Access 97 has single bytes here, which are taken for Latin-1: names and expressions that are obeyed are plain ASCII.
 std::string DecodePropertyText(std::span<const std::uint8_t> bytes, bool wide) {
   if (wide) return DecodePlainText(bytes);
   std::u32string points;
@@ -113,6 +118,8 @@ Property ReadProperty(Reader& chunk, const std::vector<std::string>& names) {
 
 }  // namespace
 
+// The names chunk comes first, and every value refers to a name by its place there. A length must be used up exactly at
+// each level; what does not fit is damage, as properties that are misread could let wrong rows in.
 PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
   PropertyBlob blob;
   Reader reader(bytes, 0);
@@ -132,6 +139,7 @@ PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
     }
     Group group;
     group.kind = kind;
+    // A kind that is not known has no structure that is.
     if (kind != property_layout::kChunkObject && kind != property_layout::kChunkColumn) {
       const auto rest = chunk.Rest();
       group.unknown.assign(rest.begin(), rest.end());
@@ -147,6 +155,7 @@ PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
   return blob;
 }
 
+// Always in the form of Access 2000, since files of Access 97 are not written.
 Bytes PropertyBlob::Serialize() const {
   Bytes out(property_layout::kMagic.begin(), property_layout::kMagic.end());
   Bytes names;
@@ -162,6 +171,7 @@ Bytes PropertyBlob::Serialize() const {
         AppendU16(body, property_layout::kValueDataOffset + property.data.size());
         body.push_back(property.flags);
         body.push_back(static_cast<std::uint8_t>(property.type));
+        // Every property's name is in the list: it came from there, or Set has put it there.
         const auto name = std::ranges::find(names_, property.name);
         AppendU16(body, static_cast<std::size_t>(name - names_.begin()));
         AppendU16(body, property.data.size());
@@ -173,6 +183,7 @@ Bytes PropertyBlob::Serialize() const {
   return out;
 }
 
+// Properties of the table itself (kind 0) have an empty name in their chunk and are passed over.
 const Property* PropertyBlob::Find(std::string_view column, std::string_view name) const {
   for (const Group& group : groups_) {
     if (group.kind != property_layout::kChunkColumn || !EqualIgnoringCase(group.name, column)) continue;
@@ -184,6 +195,7 @@ const Property* PropertyBlob::Find(std::string_view column, std::string_view nam
 
 std::optional<bool> PropertyBlob::ColumnFlag(std::string_view column, std::string_view name) const {
   const Property* property = Find(column, name);
+  // A property of another type than it should have counts as not set.
   if (property == nullptr || property->type != ColumnType::Boolean || property->data.empty()) return std::nullopt;
   return property->data[0] != 0;
 }
@@ -204,6 +216,9 @@ void PropertyBlob::SetColumnText(std::string_view column, std::string_view name,
   Set(column, {std::string(name), ColumnType::Memo, EncodePlainText(value)});
 }
 
+// A property that is there keeps the spelling of its name and its place; a new one goes to the end of its column's
+// chunk, and a new column's chunk to the end of the blob. Names are never taken out of the list: others may refer to
+// them.
 void PropertyBlob::Set(std::string_view column, Property property) {
   if (property.data.size() > kMaximumDataSize) {
     throw Error(ErrorNumber::ProviderFailure, kErrorSource,

@@ -1,3 +1,12 @@
+// A file laid out anew, in memory: what compacting writes. Tables are made one after another, each with the steps of a
+// new one: definition, maps and roots, rows, indexes. Rows are read as values and stored as values, so that no byte of
+// the old layout comes along; rules are not asked, as rows that were good enough to be stored stay.
+//
+// Two things keep their numbers, because other rows of the file and Access' own objects refer to them: the page of each
+// table's definition, and indexes. So those pages are reserved first, and everything else fills the gaps between them
+// from the lowest up; the file ends behind the last table's definition at the earliest.
+//
+// The whole new file is held in memory, a table's index entries besides, one index at a time.
 #include <algorithm>
 #include <map>
 #include <set>
@@ -17,6 +26,8 @@ namespace tavi::access {
 namespace {
 
 /// Gives the columns new numbers and places, in the order of the old numbers.
+/// Order by the old numbers is order by age, in which fixed places ascend as in a table that was made at once. Indexes
+/// name their columns by number and follow.
 void RenumberColumns(TableDefinition& definition) {
   std::map<std::uint16_t, std::uint16_t> newIds;
   std::vector<ColumnDefinition*> byId;
@@ -51,6 +62,7 @@ void RenumberColumns(TableDefinition& definition) {
 /// The definition without anything that says where things lie.
 TableDefinition WithoutPlaces(TableDefinition definition) {
   RenumberColumns(definition);
+  // Columns keep their order, which is that of all row values; only names are put in the order that Access keeps.
   SortIndexRecords(definition);
   definition.ownedPages = {};
   definition.freeSpacePages = {};
@@ -73,13 +85,18 @@ class Rebuild {
   }
 
   std::vector<Page> Run() {
+    // The system's tables share one page of maps, as in a new file; each other table has its own.
     PageNumber systemMaps = 0;
     for (const std::shared_ptr<Table>& table : tables_) {
       TableDefinition definition = WithoutPlaces(table->Definition());
+      // The definition is written after its parts are known and before rows are stored, which count themselves in it.
       AllocateParts(pager_, definition, definition.isSystem ? systemMaps : 0);
       if (definition.isSystem) systemMaps = definition.ownedPages.page;
       WriteTableDefinition(pager_, definition, false);
+      // Without properties: required columns and defaults are not asked again.
       StoredTable made(pager_, table->Name(), table->IsSystem(), std::move(definition), PropertyBlob(), nullptr);
+      // Indexes come after the rows: building each at once is quicker than an entry for each row, and leaves full
+      // pages.
       CopyRows(*table, made);
       for (std::size_t index = 0; index < made.Indexes().size(); ++index) FillIndex(pager_, made, index);
     }
@@ -111,12 +128,14 @@ class Rebuild {
 
   void CopyRows(Table& from, StoredTable& to) {
     const std::size_t automatic = AutomaticColumn(from);
+    // The counter goes to the greatest number that is stored, where another program has left it below.
     std::int32_t last = LastAutoNumber(source_, from.Definition());
     for (auto row = from.Next(std::nullopt); row.has_value(); row = from.Next(row)) {
       const RowValues values = from.Read(*row);
       if (automatic < values.size()) {
         if (const auto* number = std::get_if<std::int32_t>(&values[automatic])) last = std::max(last, *number);
       }
+      // Past the indexes, which are not filled yet.
       to.Rows().Insert(values);
     }
     SetLastAutoNumber(pager_, to.Definition(), last);
@@ -141,10 +160,12 @@ std::vector<Page> RebuildPages(Database& database) {
   std::vector<std::shared_ptr<Table>> tables;
   for (const CatalogEntry& entry : database.Tables()) {
     if (entry.isLinked) continue;
+    // A name that is there twice opens the same table twice: the other's rows would be lost.
     tables.push_back(database.OpenTable(entry.name));
     if (tables.back()->Definition().page != entry.page)
       RaiseDamage("the catalogue has two tables of the name '" + entry.name + "'.");
   }
+  // By their pages, so that the system's tables come first and the result depends on the contents alone.
   std::ranges::sort(tables, {}, [](const std::shared_ptr<Table>& table) { return table->Definition().page; });
   return Rebuild(database, std::move(tables)).Run();
 }

@@ -1,3 +1,6 @@
+// The check of relationships, of one table at a time: whether both sides agree about each, and whether the rows on the
+// foreign side find their partners. The second is done from the foreign side only, so that each relationship is looked
+// through once: a search in the primary index for every foreign row.
 #include <algorithm>
 #include <set>
 
@@ -11,6 +14,7 @@ namespace {
 using Kind = LogicalIndexDefinition::Kind;
 using Side = LogicalIndexDefinition::Side;
 
+/// Null when the catalogue has no table there: the other table was dropped by somebody who left this side behind.
 std::shared_ptr<Table> TableOfPage(Database& database, PageNumber page) {
   for (const CatalogEntry& entry : database.Tables())
     if (entry.page == page && !entry.isLinked) return database.OpenTable(entry.name);
@@ -19,10 +23,13 @@ std::shared_ptr<Table> TableOfPage(Database& database, PageNumber page) {
 
 const LogicalIndexDefinition* FindPartner(const Table& table, const LogicalIndexDefinition& logical) {
   const auto& indexes = table.Definition().logicalIndexes;
+  // Numbers are unique in a table, so the first is the one.
   const auto partner = std::ranges::find(indexes, logical.partnerNumber, &LogicalIndexDefinition::number);
   return partner == indexes.end() ? nullptr : &*partner;
 }
 
+/// Everything that is said twice must be the same twice: each names the other by number and table, one is the primary
+/// side and one the foreign, and both cascade alike.
 bool AreSides(const Table& table, const LogicalIndexDefinition& logical, const LogicalIndexDefinition& partner) {
   const bool sidesDiffer = logical.side != Side::None && partner.side != Side::None && logical.side != partner.side;
   return partner.kind == Kind::Relationship && sidesDiffer && partner.partnerNumber == logical.number &&
@@ -30,6 +37,7 @@ bool AreSides(const Table& table, const LogicalIndexDefinition& logical, const L
          partner.cascadeDeletes == logical.cascadeDeletes;
 }
 
+/// Which columns to read for a key: long values beside them would be fetched for nothing.
 std::vector<bool> ColumnsOf(const Table& table, std::size_t index) {
   std::vector<bool> wanted(table.Columns().size());
   for (const std::size_t column : table.Indexes()[index].columns) wanted[column] = true;
@@ -40,6 +48,7 @@ std::vector<bool> ColumnsOf(const Table& table, std::size_t index) {
 class PrimaryKeys {
  public:
   PrimaryKeys(Table& table, std::size_t index) : table_(table), index_(index), canSearch_(table.CanSearch(index)) {
+    // The keys of a whole table are held in memory only where its index cannot be searched.
     if (canSearch_) return;
     const std::vector<bool> wanted = ColumnsOf(table, index);
     for (auto row = table.Next(std::nullopt); row.has_value(); row = table.Next(row))
@@ -59,6 +68,7 @@ class PrimaryKeys {
   std::set<IndexKey> gathered_;
 };
 
+/// Without keys there is no telling which texts are equal by a sort order that is not known here.
 bool HasKnownOrder(Table& table, std::size_t index) {
   try {
     static_cast<void>(table.Encoder(index));
@@ -68,6 +78,7 @@ bool HasKnownOrder(Table& table, std::size_t index) {
   }
 }
 
+/// A key with a null refers to nothing. A row that cannot be read ends the walk with a finding.
 void CheckForeignRows(Table& table, std::size_t index, Table& primary, std::size_t primaryIndex,
                       const std::string& where, CheckReport& report) {
   const std::vector<std::size_t>& columns = table.Indexes()[index].columns;
@@ -101,6 +112,7 @@ void CheckSide(Database& database, Table& table, const LogicalIndexDefinition& l
     return;
   }
   if (logical.side != Side::Foreign) return;
+  // Indexes that are not there are a finding about the definition.
   if (logical.realIndex < table.Indexes().size() && partner->realIndex < other->Indexes().size())
     CheckForeignRows(table, logical.realIndex, *other, partner->realIndex, where, report);
 }

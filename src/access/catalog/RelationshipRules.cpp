@@ -1,3 +1,14 @@
+// What relationships ask of a change of rows. They are kept in both tables' definitions: each table has a logical index
+// for its side, which names the other table by page and the other side by number. So a change asks only the table's own
+// list, and finds the partner through it:
+//
+//   a row is added, or its foreign key changes   the primary table must have the key    (CheckPrimaryRows)
+//   a primary key changes                        rows that have it follow, or refuse    (PlanKeyChange)
+//   a row goes                                   rows that have its key go too, lose their reference, or refuse
+//   (PlanDelete)
+//
+// All three look through indexes, never through tables, and change nothing; the changes are StoredTable's. A key with a
+// null in it neither refers to a row nor is referred to.
 #include "access/catalog/RelationshipRules.h"
 
 #include <algorithm>
@@ -33,6 +44,7 @@ std::vector<LogicalIndexDefinition> SidesOf(const StoredTable& table, Side side)
   return result;
 }
 
+/// Sides that do not fit are damage, of which a write may make more: it is refused. Reading asks for no partner.
 Partner FindPartner(const StoredTable& table, RelatedTables& related, const LogicalIndexDefinition& logical) {
   if (logical.realIndex >= table.Indexes().size()) RaiseBrokenRelationship(table, logical);
   Partner partner;
@@ -70,10 +82,12 @@ std::vector<RowPointer> Referring(const StoredTable& table, const LogicalIndexDe
                                   const Partner& foreign, const RowValues& row) {
   const auto values = KeyValues(table, primary.realIndex, row);
   if (!values.has_value()) return {};
+  // Rows under keys of another program's making would be missed, and left without their partner.
   foreign.table->MakeSearchable(foreign.index);
   return RowsWithKey(*foreign.table, foreign.index, *values);
 }
 
+// A table may have several objects at a time; a row is known by the page of its table's definition and its place.
 using RowIdentity = std::pair<PageNumber, RowPointer>;
 
 RowIdentity IdentityOf(const TableRow& row) {
@@ -81,6 +95,10 @@ RowIdentity IdentityOf(const TableRow& row) {
 }
 
 /// Follows cascading deletes from row to row.
+/// Breadth first: `deleted` is the list of rows to be visited as well as the result. A row is visited once, so
+/// relationships that lead in a circle come to an end. Whether a row that refuses is in the way is only known when all
+/// that goes is known, since it may itself go through another relationship: hence the two lists that are looked through
+/// at the end.
 class DeletePlanner {
  public:
   explicit DeletePlanner(RelatedTables& related) : related_(related) {}
@@ -101,6 +119,7 @@ class DeletePlanner {
 
  private:
   void Visit(StoredTable& table, RowPointer row) {
+    // Nearly all tables end here, before their row is read.
     const std::vector<LogicalIndexDefinition> sides = SidesOf(table, Side::Primary);
     if (sides.empty()) return;
     const RowValues values = table.Read(row);
@@ -110,6 +129,7 @@ class DeletePlanner {
     }
   }
 
+  // What the relationship says for deletes: rows go too, lose their reference, or hold the row that they refer to.
   void Add(const LogicalIndexDefinition& side, const Partner& foreign, RowPointer child) {
     const TableRow row{foreign.table, child};
     if (side.cascadeDeletes == format::logical_index::kCascadeYes) {
@@ -131,6 +151,7 @@ class DeletePlanner {
 
 void CheckPrimaryRows(StoredTable& table, RelatedTables& related, const RowValues* before, const RowValues& after) {
   for (const LogicalIndexDefinition& side : SidesOf(table, Side::Foreign)) {
+    // A damaged relationship refuses every write of the table, also one that leaves its columns alone.
     const Partner primary = FindPartner(table, related, side);
     if (before != nullptr && SameColumns(table, side.realIndex, *before, after)) continue;
     const auto values = KeyValues(table, side.realIndex, after);
@@ -138,6 +159,7 @@ void CheckPrimaryRows(StoredTable& table, RelatedTables& related, const RowValue
     primary.table->MakeSearchable(primary.index);
     const std::optional<IndexKey> key = primary.table->Encoder(primary.index).PrefixKey(*values);
     if (key.has_value() && primary.table->Tree(primary.index).ContainsKey(*key)) continue;
+    // A row may refer to itself, and is not stored yet when that is asked.
     const bool isItself = primary.table->Definition().page == table.Definition().page && key.has_value() &&
                           table.Encoder(primary.index).RowKey(after) == *key;
     if (!isItself) RaiseNoRelatedRow(primary.table->Name());
@@ -154,6 +176,7 @@ std::vector<FollowingUpdate> PlanKeyChange(StoredTable& table, RelatedTables& re
   for (const LogicalIndexDefinition& side : SidesOf(table, Side::Primary)) {
     const Partner foreign = FindPartner(table, related, side);
     if (SameColumns(table, side.realIndex, before, after)) continue;
+    // Values that differ in case or trailing blanks alone have one key, by which rows still find each other.
     const KeyEncoder& encoder = table.Encoder(side.realIndex);
     if (encoder.RowKey(before) == encoder.RowKey(after)) continue;
     for (const RowPointer child : Referring(table, side, foreign, before)) {
@@ -161,6 +184,7 @@ std::vector<FollowingUpdate> PlanKeyChange(StoredTable& table, RelatedTables& re
       FollowingUpdate update{{foreign.table, child}, {}};
       const std::vector<std::size_t>& from = table.Indexes()[side.realIndex].columns;
       const std::vector<std::size_t>& to = foreign.table->Indexes()[foreign.index].columns;
+      // Columns of the two indexes go together by their position in the key.
       for (std::size_t i = 0; i < to.size(); ++i) update.values.emplace_back(to[i], after[from[i]]);
       following.push_back(std::move(update));
     }

@@ -29,6 +29,7 @@ class ValueHash {
 
  private:
   void AddByte(std::uint8_t byte) {
+    // The sum is FNV-1a: byte by byte, cheap, and good enough where equal sums are followed by a comparison of values.
     constexpr std::uint64_t kPrime = 0x100000001B3U;
     sum_ = (sum_ ^ byte) * kPrime;
   }
@@ -64,6 +65,7 @@ class ValueHash {
 };
 
 bool SameValue(const Value& left, const Value& right) {
+  // Values are compared by their kind first: a Long 1 is not a Double 1.
   if (left.index() != right.index()) return false;
   if (const auto* number = std::get_if<float>(&left)) return BitsOf(*number) == BitsOf(std::get<float>(right));
   if (const auto* number = std::get_if<double>(&left)) return BitsOf(*number) == BitsOf(std::get<double>(right));
@@ -82,6 +84,7 @@ std::vector<SummedRow> SortedRows(Table& table) {
   for (auto place = table.Next(std::nullopt); place.has_value(); place = table.Next(place)) {
     ValueHash hash;
     for (const Value& value : table.Read(*place)) hash.Add(value);
+    // Sixteen bytes a row are remembered, whatever its values are; rows are read once more to be compared.
     rows.push_back({hash.Sum(), *place});
   }
   std::ranges::stable_sort(rows, {}, &SummedRow::sum);

@@ -1,3 +1,17 @@
+// A stored row from its end, where its outline is. A row of a table with a Long and two texts, "ab" and "c", of which
+// the bytes are counted from its start:
+//
+//   0    03 00         columns when it was written: 3
+//   2    07 00 00 00   fixed area: the Long
+//   6    61 00 62 00   "ab"
+//   10   63 00         "c"
+//   12   0C 00         end of the data: 12
+//   14   0A 00 06 00   where the texts begin, the last first
+//   18   02 00         two variable columns when it was written
+//   20   07            null mask: all three have values
+//
+// A row of a table that had no variable column then ends its fixed area at the null mask. Nothing in the row says which
+// of the two it is: the columns' records do, and where columns have come and gone, whether the numbers fit together.
 #include "access/catalog/RowShape.h"
 
 #include "access/file/Bytes.h"
@@ -41,6 +55,8 @@ RowShape::RowShape(std::span<const std::uint8_t> row, const TableDefinition& def
   fixedEnd_ = row.size() - maskSize_;
 }
 
+// Starts ascend from the end of the fixed area, which is where the first value begins, to the end of the data. False
+// when they do not.
 bool RowShape::TakeVariableOffsets(std::size_t mostVariables) {
   const std::size_t trailer = maskSize_ + row_layout::kVariableCountSize + row_layout::kEndOfDataSize;
   if (fixedStart_ + trailer > row_.size()) return false;

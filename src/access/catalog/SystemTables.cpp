@@ -1,3 +1,15 @@
+// The four tables that every file has, as the database engine itself makes them, and rows of them by column names.
+//
+// What the file holds of a column follows from its place in the lists below: permanent numbers and places in the rows
+// by the order here, records by the order of names. MSysObjects, for instance:
+//
+//   Id           number 0, bytes 0 to 3      record 7
+//   ParentId     number 1, bytes 4 to 7      record 14
+//   Name         number 2, slot 0            record 12
+//   Type         number 3, bytes 8 and 9     record 17
+//
+// The display positions of their columns are all 0, so that names alone decide the order. The lists must not be
+// changed: all readers expect these numbers.
 #include "access/catalog/SystemTables.h"
 
 #include <vector>
@@ -31,6 +43,7 @@ constexpr std::uint8_t kUnique = format::real_index::kFlagUnique;
 constexpr std::uint8_t kIgnoreNulls = format::real_index::kFlagIgnoreNulls;
 constexpr std::uint8_t kRequired = format::real_index::kFlagRequired;
 
+/// Texts of these tables are of 255 characters, binary values of 510 bytes, and nothing is compressed.
 ColumnDefinition MakeSystemColumn(const ColumnPlan& plan) {
   ColumnDesign design;
   design.name = plan.name;
@@ -43,6 +56,7 @@ ColumnDefinition MakeSystemColumn(const ColumnPlan& plan) {
   return column;
 }
 
+/// The definitions have their pages already and get maps and roots when the file is made (NewFile.cpp).
 SystemTable MakeTable(const char* tableName, PageNumber page, const std::vector<ColumnPlan>& columns,
                       const std::vector<IndexPlan>& indexes) {
   SystemTable table;
@@ -51,6 +65,7 @@ SystemTable MakeTable(const char* tableName, PageNumber page, const std::vector<
   table.definition.isSystem = true;
   for (const ColumnPlan& plan : columns)
     AppendColumn(table.definition, MakeSystemColumn(plan), FixedAreaEnd(table.definition));
+  // The flags that the file holds are made of the members, as for any other index; 80 is added to all.
   for (const IndexPlan& plan : indexes) {
     RealIndexDefinition real;
     for (const std::uint16_t id : plan.columnIds) real.columns.push_back({id, true});
@@ -69,6 +84,8 @@ SystemTable MakeTable(const char* tableName, PageNumber page, const std::vector<
   return table;
 }
 
+/// The catalogue: a row for each table, query, form, container and relationship. No two objects of one container have
+/// the same name.
 SystemTable MakeObjects() {
   return MakeTable(names::kObjects, format::kObjectsTablePage,
                    {{names::kId, ColumnType::Long},
@@ -91,6 +108,7 @@ SystemTable MakeObjects() {
                    {{"ParentIdName", {1, 2}, kUnique, false}, {"Id", {0}, kUnique, true}});
 }
 
+/// Rights: a row for each object and holder. Several rows have one object's number, which must not be null.
 SystemTable MakeAces() {
   return MakeTable(names::kAces, format::kAcesTablePage,
                    {{names::kObjectId, ColumnType::Long},
@@ -100,6 +118,7 @@ SystemTable MakeAces() {
                    {{"ObjectId", {0}, kRequired, false}});
 }
 
+/// Stored queries, a row for each of their parts. They are kept, and not run here.
 SystemTable MakeQueries() {
   return MakeTable(names::kQueries, format::kQueriesTablePage,
                    {{names::kObjectId, ColumnType::Long},
@@ -113,6 +132,7 @@ SystemTable MakeQueries() {
                    {{"ObjectIdAttribute", {0, 1, 2}, kUnique, true}});
 }
 
+/// A row for each pair of columns of a relationship; see RelationshipChanges.cpp.
 SystemTable MakeRelationships() {
   return MakeTable(names::kRelationships, format::kRelationshipsTablePage,
                    {{names::kRelationship, ColumnType::Text},
@@ -136,6 +156,8 @@ std::array<SystemTable, 4> MakeSystemTables() {
 
 namespace {
 
+/// Columns of system tables are looked for by name in each file: those of other programs may have more, in another
+/// order.
 std::size_t PositionOf(const Table& table, std::string_view column) {
   const std::optional<std::size_t> position = table.FindColumn(column);
   if (!position.has_value())
@@ -158,6 +180,7 @@ const Value& SystemRow::Get(std::string_view column) const {
   return values_[Position(column)];
 }
 
+// Type in MSysObjects has 16 bits, the other numbers that are asked for have 32.
 std::int32_t SystemRow::Number(std::string_view column) const {
   const Value& value = Get(column);
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;

@@ -1,3 +1,10 @@
+// Tables made and dropped. A new one is put together in memory until nothing can be wrong with its design any more;
+// only then pages are taken, in the order in which later parts name earlier ones:
+//
+//   definition page  ->  maps and roots  ->  definition  ->  row in MSysObjects  ->  rights in MSysACEs
+//
+// A dropped one goes the other way round: rows and long values, trees, maps, definition, then its rows in the system's
+// tables. Pages are marked free and keep their content; nothing is overwritten.
 #include "access/catalog/Catalog.h"
 #include "access/catalog/ChangeErrors.h"
 #include "access/catalog/DefinitionChanges.h"
@@ -11,6 +18,7 @@ namespace tavi::access {
 
 namespace {
 
+/// Relationships that are not enforced count too: a table that is gone would stay named in them.
 void RefuseRelated(Catalog& catalog, std::string_view table) {
   for (const Relationship& relationship : catalog.Relationships()) {
     if (SameName(relationship.primaryTable, table) || SameName(relationship.foreignTable, table))
@@ -18,6 +26,8 @@ void RefuseRelated(Catalog& catalog, std::string_view table) {
   }
 }
 
+/// Access marks the pages of a dropped definition with a type of their own, so that a stale reference does not find a
+/// table.
 void FreeDefinition(Pager& pager, PageNumber page) {
   PageAllocator allocator(pager);
   for (const PageNumber part : TableDefinitionPages(pager, page)) {
@@ -26,6 +36,7 @@ void FreeDefinition(Pager& pager, PageNumber page) {
   }
 }
 
+/// Maps go one by one: their page may hold those of other tables, and is freed with its last map.
 void FreeMaps(Pager& pager, const TableDefinition& definition) {
   std::vector<RowPointer> maps{definition.ownedPages, definition.freeSpacePages};
   for (const LongValueMaps& longValues : definition.longValueMaps) {
@@ -40,6 +51,7 @@ void FreeMaps(Pager& pager, const TableDefinition& definition) {
 
 }  // namespace
 
+// All text columns of the catalogue have the same one.
 SortOrder FileSortOrder(Catalog& catalog) {
   const std::shared_ptr<StoredTable> objects = catalog.TableAt(format::kObjectsTablePage);
   for (const Column& column : objects->Columns())
@@ -47,6 +59,7 @@ SortOrder FileSortOrder(Catalog& catalog) {
   return {};
 }
 
+// A copy of the catalogue's row, since the catalogue forgets its own with the first change. A link counts as no table.
 CatalogObject ChangeableTable(Catalog& catalog, std::string_view name) {
   const CatalogObject* object = catalog.FindNamed(name);
   if (object == nullptr || !object->IsTable()) RaiseNoTable(name);
@@ -73,6 +86,8 @@ void CreateTable(Catalog& catalog, const TableDesign& design, Date now) {
     AppendColumn(definition, std::move(made), FixedAreaEnd(definition));
     DescribeColumn(properties, column);
   }
+  // The row values of a new table have the order of the records; by their display positions that is the order of the
+  // design.
   SortRecords(definition);
   for (const IndexDesign& index : design.indexes) AppendIndex(definition, design.name, index);
 
@@ -89,6 +104,7 @@ void CreateTable(Catalog& catalog, const TableDesign& design, Date now) {
 void DropTable(Catalog& catalog, std::string_view name) {
   const CatalogObject* found = catalog.FindNamed(name);
   if (found != nullptr && found->IsLinked()) {
+    // Of a link there is nothing here but its row; the other database is not touched.
     RemoveObject(catalog, CatalogObject(*found));
     return;
   }
@@ -96,6 +112,7 @@ void DropTable(Catalog& catalog, std::string_view name) {
   RefuseRelated(catalog, name);
   Pager& pager = catalog.GetPager();
   const std::shared_ptr<StoredTable> table = catalog.OpenTable(name);
+  // By the maps, page by page, without reading rows: a damaged table can be dropped too.
   table->Rows().RemoveAll();
   for (std::size_t i = 0; i < table->Indexes().size(); ++i) table->Tree(i).Clear(false);
   FreeMaps(pager, table->Definition());

@@ -1,3 +1,10 @@
+// The indexes of a table while rows change. A change goes in two steps: Plan makes the old and the new key for each
+// index that is concerned and asks whether the new one may be added; Apply removes and adds the entries once the row is
+// stored. Between them the tree is as it was when asked, since nobody else writes.
+//
+// An index whose columns keep their values costs a comparison; any other one a look for duplicates, a removal and an
+// addition, each a way down its tree. The count of distinct keys is kept upwards only, as Access does: to count it down
+// each removal would have to look for a neighbour with the same key.
 #include "access/catalog/TableIndexes.h"
 
 #include <algorithm>
@@ -24,6 +31,7 @@ void NameIndex(const TableDefinition& definition, std::size_t realIndex, Index& 
   if (best != nullptr) index.name = best->name;
 }
 
+/// A column that the definition has not got is damage that no key could be made with: the table is not opened.
 Index MakeIndex(Pager& pager, const TableDefinition& definition, std::size_t realIndex) {
   Index index;
   index.definition = definition.realIndexes[realIndex];
@@ -53,6 +61,7 @@ TableIndexes::TableIndexes(Pager& pager, const std::string& tableName, const Tab
   }
 }
 
+// Made late, because an index in a foreign sort order must not keep the table from being read.
 const KeyEncoder& TableIndexes::Encoder(std::size_t index) {
   std::unique_ptr<KeyEncoder>& encoder = encoders_[index];
   if (encoder == nullptr) encoder = std::make_unique<KeyEncoder>(*definition_, indexes_[index].definition);
@@ -67,6 +76,7 @@ bool TableIndexes::SameColumns(std::size_t index, const RowValues& left, const R
 std::vector<IndexChange> TableIndexes::Plan(const RowValues* before, const RowValues* after) {
   std::vector<IndexChange> changes;
   for (std::size_t i = 0; i < indexes_.size(); ++i) {
+    // Asked before the encoder, so that rows can be changed beside an index whose keys cannot be made.
     if (before != nullptr && after != nullptr && SameColumns(i, *before, *after)) continue;
     const KeyEncoder& encoder = Encoder(i);
     IndexChange change;
@@ -77,6 +87,7 @@ std::vector<IndexChange> TableIndexes::Plan(const RowValues* before, const RowVa
       if (nullsRefused && encoder.AnyNull(*after)) RaiseNullKey(*tableName_, indexes_[i].name);
       if (encoder.HasEntry(*after)) change.added = encoder.RowKey(*after);
     }
+    // Other values may have the same key: a name that is written with a capital now.
     if (change.removed == change.added) continue;
     if (change.added.has_value()) CheckAdded(change, *after);
     changes.push_back(std::move(change));
@@ -84,6 +95,8 @@ std::vector<IndexChange> TableIndexes::Plan(const RowValues* before, const RowVa
   return changes;
 }
 
+// The row's own old entry never counts as a duplicate: its key is another one, or the change would have been left out.
+// Keys that are all null may be there any number of times.
 void TableIndexes::CheckAdded(IndexChange& change, const RowValues& after) {
   if (change.added->size() > BTree::kMaximumKeySize) RaiseLongKey(*tableName_, indexes_[change.index].name);
   const bool exists = trees_[change.index].ContainsKey(*change.added);
@@ -99,6 +112,7 @@ void TableIndexes::Apply(const std::vector<IndexChange>& changes, RowPointer row
     trees_[change.index].Insert({*change.added, row});
     if (!change.addsDistinctKey) continue;
     IndexStatistics& statistics = indexes_[change.index].statistics;
+    // Asked of the page, as a rollback may have taken the number back.
     statistics = ReadIndexStatistics(*pager_, *definition_, change.index);
     ++statistics.distinctKeys;
     WriteIndexStatistics(*pager_, *definition_, change.index, statistics);
