@@ -6,6 +6,10 @@
 #include "host/input/Csv.h"
 #include "platform/values/Text.h"
 
+// Members and pairs from comma-separated files. A reader knows its columns by name; a row becomes a line of plain
+// values in one way of writing, and nothing is looked up in the club: who is meant, and what changes, is found out by
+// the plan (host/imports). The first thing wrong refuses the whole file with its line. A column that is missing and an
+// empty cell are kept apart all the way, because an import touches only the columns that its file has.
 namespace tavi::host {
 namespace {
 
@@ -16,6 +20,7 @@ const std::vector<std::string>& MemberColumns() {
   return names;
 }
 
+/// M, F or nothing; words too, as other programs write them.
 std::string Sex(const CsvFile& file, const CsvFile::Row& row) {
   const std::string text = UpperCase(file.Field(row, "sex"));
   if (text.empty()) return {};
@@ -24,6 +29,7 @@ std::string Sex(const CsvFile& file, const CsvFile::Row& row) {
   file.Refuse(row, "sex is \"" + text + "\"; expected M, F or nothing");
 }
 
+/// A spreadsheet breaks lines with LF, a club's file holds CR LF; first to one form, so that CR is not doubled.
 std::string WithLineBreaks(const std::string& text) {
   return ReplaceAll(ReplaceAll(text, "\r\n", "\n"), "\n", "\r\n");
 }
@@ -34,6 +40,7 @@ std::string ValueOf(const CsvFile& file, const CsvFile::Row& row, const std::str
   if (column == "sex") return Sex(file, row);
   if (column == "join_date") return DayInCell(file, row, column);
   const std::string text = file.Field(row, column);
+  // As for members who are added in other ways.
   if (column == "member_type" && text.empty()) return "Standard";
   if (column == "address") return WithLineBreaks(text);
   if (column != "active") return text;
@@ -48,6 +55,7 @@ MemberLine MemberIn(const CsvFile& file, const CsvFile::Row& row) {
   for (const std::string& column : MemberColumns()) {
     if (column != "club_number" && file.HasColumn(column)) member.values[column] = ValueOf(file, row, column);
   }
+  // Without a number there is only the name, and namesakes would be taken for one another.
   if (!member.number && member.Value("ebu_number").value_or("").empty()) {
     file.Refuse(row, "the member has no number; expected club_number, ebu_number or both");
   }
@@ -70,6 +78,7 @@ MemberFile ReadMemberFile(const std::string& path, bool passOverUnknown) {
     file.RefuseHeader(
         "the header has neither club_number nor ebu_number; expected one of them, to know the members by");
   }
+  // The same number twice means a row that was copied and not changed: which of the two is right, nobody can say here.
   std::set<std::int32_t> numbers;
   std::set<std::string> nationalNumbers;
   for (const CsvFile::Row& row : file.Rows()) {
@@ -99,6 +108,7 @@ const std::vector<std::string>& PairColumns() {
   return names;
 }
 
+/// `place` is "1" or "2", the end of the columns' names.
 PairPlayer PlayerOf(const CsvFile& file, const CsvFile::Row& row, const std::string& place) {
   PairPlayer player;
   player.number = NumberInCell(file, row, "club_number_" + place);
@@ -118,6 +128,7 @@ PairFile ReadPairFile(const std::string& path, bool passOverUnknown) {
   PairFile read;
   read.name = path;
   read.passedOver = UnknownColumns(file, PairColumns(), passOverUnknown);
+  // Told like unknown columns, but never refused: it would be wrong to say that its values were stored.
   if (file.HasColumn(kSince)) read.passedOver.emplace_back(kSince);
   for (const std::string place : {"1", "2"}) {
     if (file.HasColumn("club_number_" + place) || file.HasColumn("ebu_number_" + place)) continue;

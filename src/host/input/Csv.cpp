@@ -10,6 +10,17 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// Comma-separated files as the spreadsheets of all countries write them. The separator is found out from the first
+// line: where the comma is the decimal mark, spreadsheets put semicolons between fields. A row is what stands between
+// line ends outside of quotes, so that a quoted address of four lines is one field and the row's number is that of its
+// first line.
+//
+//   club_number;last;address             three names, the separator is ;
+//   7;"O""Neil";"1 High Street           a doubled quote is one; the field goes on ...
+//   Acol"                                ... and ends here
+//
+// All rows have as many fields as the header; one with more or fewer has an unquoted comma in it most likely, and what
+// follows would be stored in the wrong columns.
 namespace tavi::host {
 namespace {
 
@@ -24,6 +35,7 @@ std::optional<char> NamedSeparator(std::string_view line) {
   return isNamed ? std::optional(line.back()) : std::nullopt;
 }
 
+/// The comma wins where several are there. A header of a single name has none of them, and any will do.
 char SeparatorOf(std::string_view text) {
   const std::string_view header = text.substr(0, text.find_first_of("\r\n"));
   if (const auto named = NamedSeparator(header)) return *named;
@@ -43,6 +55,7 @@ class Scanner {
   Scanner(std::string_view text, const std::string& fileName)
       : text_(text), fileName_(fileName), separator_(SeparatorOf(text)) {
     const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
+    // The line that names the separator is no row.
     if (!NamedSeparator(text.substr(0, end))) return;
     at_ = end;
     SkipLineEnd();
@@ -63,6 +76,8 @@ class Scanner {
   }
 
  private:
+  /// A field up to its separator or line end, blanks around it taken away. A quote counts only at its very beginning:
+  /// elsewhere it is a character like others, as in 6'2".
   std::string NextField() {
     if (!AtEnd() && text_[at_] == '"') return QuotedField();
     const std::size_t end = std::min(text_.find_first_of(std::string("\r\n") + separator_, at_), text_.size());
@@ -71,6 +86,7 @@ class Scanner {
     return field;
   }
 
+  /// A field that begins with a quote, up to the quote that is not doubled.
   std::string QuotedField() {
     const std::size_t firstLine = line_;
     std::string field;
@@ -79,16 +95,19 @@ class Scanner {
         if (at_ + 1 >= text_.size() || text_[at_ + 1] != '"') break;
         ++at_;
       }
+      // For the messages of later rows: the breaks inside count as lines of the file.
       if (text_[at_] == '\n') ++line_;
       field.push_back(text_[at_]);
     }
     if (AtEnd()) RefuseLine(fileName_, firstLine, "a quoted field is not closed; expected a closing quote");
     ++at_;
+    // "a"b is a quote that was forgotten to be doubled; guessing where the field ends would shift the columns.
     const bool ends = AtEnd() || text_[at_] == separator_ || text_[at_] == '\r' || text_[at_] == '\n';
     if (!ends) RefuseLine(fileName_, line_, "text follows a quoted field; expected a separator or the end of the line");
     return Trim(field);
   }
 
+  /// CR LF, LF or CR alone.
   void SkipLineEnd() {
     if (!AtEnd() && text_[at_] == '\r') ++at_;
     if (!AtEnd() && text_[at_] == '\n') ++at_;
@@ -109,6 +128,7 @@ CsvFile CsvFile::Read(const std::string& path) {
 }
 
 CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
+  // The same rules as for result files; the declaration is one that such a file does not have.
   const std::string text = DecodeXml(bytes, fileName);
   if (text.find('\0') != std::string::npos)
     RefuseLine(fileName, 1, "the file holds NUL characters; expected a text file");
@@ -132,6 +152,7 @@ CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
 void CsvFile::SetHeader(const Row& header) {
   header_ = header.fields;
   for (std::size_t i = 0; i < header.fields.size(); ++i) {
+    // Names without regard to case. Columns without a name may repeat: they are asked for by nobody.
     if (!header.fields[i].empty() && !columns_.emplace(LowerCase(header.fields[i]), i).second) {
       Refuse(header, "the column " + header.fields[i] + " stands twice in the header; expected each name once");
     }
@@ -146,6 +167,7 @@ std::string CsvFile::Field(const Row& row, const std::string& column) const {
 std::vector<std::string> CsvFile::ColumnNames() const {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < header_.size(); ++i) {
+    // One without a name that holds something is listed, and then unknown: somebody has entered it for a purpose.
     const bool isEmpty = std::ranges::all_of(rows_, [i](const Row& row) { return row.fields[i].empty(); });
     if (!header_[i].empty() || !isEmpty) names.push_back(header_[i]);
   }
@@ -169,6 +191,7 @@ std::string SuggestedName(const std::string& name, const std::vector<std::string
       {"telephone", "phone"}, {"gender", "sex"},       {"city", "town"},      {"zip", "postcode"},
       {"status", "active"},   {"nickname", "known_as"}};
   const auto found = kOthersNames.find(ReplaceAll(LowerCase(name), "_", " "));
+  // A pairs file knows no "last", so that it must not be suggested there.
   const bool isKnown = found != kOthersNames.end() && std::ranges::count(known, found->second) > 0;
   return isKnown ? found->second : NearestName(name, known);
 }
@@ -185,6 +208,7 @@ std::vector<std::string> UnknownColumns(const CsvFile& file, const std::vector<s
     reason += (reason.empty() ? "" : "; ") + std::string("the column \"") + name + "\" is not known" +
               (nearest.empty() ? "" : ", did you mean " + nearest + "?");
   }
+  // All of them in one message, so that a file is mended in one go.
   if (unknown.empty() || passOver) return unknown;
   std::string all;
   for (const std::string& name : known) all += (all.empty() ? "" : ", ") + name;
@@ -210,6 +234,7 @@ std::string NationalNumberInCell(const CsvFile& file, const CsvFile::Row& row, c
 std::optional<bool> YesOrNoInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
   const std::string text = LowerCase(file.Field(row, column));
   if (text.empty()) return std::nullopt;
+  // -1 is how the database itself writes true.
   for (const char* yes : {"y", "yes", "true", "1", "-1"}) {
     if (text == yes) return true;
   }
@@ -222,8 +247,10 @@ std::optional<bool> YesOrNoInCell(const CsvFile& file, const CsvFile::Row& row, 
 std::string DayInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
   const std::string text = file.Field(row, column);
   if (text.empty()) return {};
+  // A time behind the day is dropped: other programs export one with every date.
   if (const std::optional<Date> date = Date::FromIso(text)) return date->DayOnly().Iso();
   const std::vector<std::string> parts = Split(text, '/');
+  // Day first and a year of four figures: 5/3/01 might be any of three dates.
   const bool figures = parts.size() == 3 && parts[2].size() == 4 &&
                        std::ranges::all_of(parts, [](const auto& part) { return IsFigures(part) && part.size() <= 4; });
   if (figures) {

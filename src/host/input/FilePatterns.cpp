@@ -15,15 +15,18 @@ namespace fs = std::filesystem;
 #ifdef _WIN32
 constexpr bool kTakesPatterns = true;
 #else
+// The shell has done it, and a name may really hold a star.
 constexpr bool kTakesPatterns = false;
 #endif
 
+/// Letter by letter, so that `?` is one character also where that takes several bytes.
 bool Fits(std::u32string_view name, std::u32string_view pattern) {
   return FitsPattern(
       name, pattern, [](char32_t piece) { return piece == U'*'; },
       [](char32_t piece, char32_t character) { return piece == U'?' || piece == character; });
 }
 
+/// Capitals do not tell names of files apart on Windows.
 std::u32string Folded(const std::string& name) {
   return ToCodePoints(LowerCase(name));
 }
@@ -39,7 +42,9 @@ std::vector<std::string> FilesOfPattern(const std::string& pattern) {
     const std::string file = JoinPath(parts.folder, name);
     if (!fs::is_directory(PathOf(file), failure) && Fits(Folded(name), wanted)) files.push_back(file);
   }
+  // The folder tells its names in any order; files are scored in that of their names.
   std::ranges::sort(files);
+  // So that the message about a missing file shows what was typed.
   return files.empty() ? std::vector<std::string>{pattern} : files;
 }
 

@@ -90,8 +90,7 @@ class Travellers {
 };
 
 /// A pair number as travellers and rankings may both write it: without blanks, a section in front and a direction
-/// behind
-/// ("(B) 7 NS" is "7").
+/// behind ("(B) 7 NS" is "7").
 std::string PlainPairNumber(const std::string& written);
 /// The direction that a pair number carries behind it ("NS", "EW"), or the empty text.
 std::string DirectionInPairNumber(const std::string& written);

@@ -13,11 +13,23 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// From the elements of a result file to events. Writers differ in nearly everything, whatever version a file claims to
+// have: leaves stand in any order, and most of them may be missing or empty. So each is looked for by name at its own
+// place, never all over the file (TEAM, BOARD and CLUB_ID_NUMBER mean two things each), and what is there decides.
+//
+// An event is read in this order, because each step needs what the one before it found:
+//   header        name, day, kind and way of scoring, which decide what is expected of the contestants
+//   sections      contestants with their results, players and awards; for pairs also what the travellers say of them
+//   numbers       the key of a contestant is session, section, number and direction; twice the same is a contradiction
+//   percentages   whether handicaps are in the printed figures, found out by the travellers
+// Everything is read before anything is stored: what is refused at the end of a file has changed nothing.
 namespace tavi::host {
 namespace {
 
+// Bounds that no event of a club reaches: a file beyond them is damaged, or made to harm.
 constexpr std::size_t kMaximumContestants = 2000;
 constexpr std::size_t kMaximumNameLength = 100;
+// Hundredths of a point. No award comes near it.
 constexpr int kMaximumAward = 32767;
 
 /// A part of an event that has its own list of contestants, and its travellers.
@@ -28,6 +40,8 @@ struct SectionPart {
 };
 
 /// Whether an event's type is made of words that are known: PAIRS, MP_PAIRS, SWISS_TEAMS, BUTLER_IMPS and so on.
+/// Older versions have a list of types, later ones shorter words with the way of scoring elsewhere; both occur in one
+/// version. So the words are what is known, and a new combination of known ones passes.
 bool IsKnownType(const std::string& type) {
   static constexpr std::array kWords = {
       "PAIR",   "PAIRS",      "TEAM",  "TEAMS", "INDIVIDUAL", "INDIVIDUALS", "SWISS",     "MP",    "MATCH", "POINT",
@@ -38,11 +52,15 @@ bool IsKnownType(const std::string& type) {
 }
 
 /// A national number, or empty for the figures that writers put where there is none.
+/// Some writers put 0 or 1, and a guide for converting tells users to enter 88888888. Taken for numbers, these would
+/// make one person of all visitors. WithoutLeadingZeros makes nothing of zeros.
 std::string NationalNumber(const std::string& written) {
   const std::string number = WithoutLeadingZeros(written);
   return number == "1" || number == "88888888" ? std::string() : number;
 }
 
+/// Reads one event. An object reads once: what it has found is moved out at the end. Refusals name the line at which
+/// the thing in question begins.
 class EventReader {
  public:
   EventReader(const XmlDocument& document, const XmlElement& node) : document_(document), node_(node) {}
@@ -53,6 +71,7 @@ class EventReader {
     if (event_.contestants.empty())
       document_.Refuse(node_, "the event lists nobody; expected PARTICIPANTS with results");
     RequireNumbersOnce();
+    // Teams have victory points; no percentage of theirs is stored.
     if (event_.kind != Event::Kind::Teams) SettlePercentages();
     RequireAllOrNoPercentages();
     CountTables();
@@ -70,11 +89,13 @@ class EventReader {
                                   "\", which is no kind of event that is known; expected PAIRS, INDIVIDUAL, TEAMS, or "
                                   "one of them with a way of scoring, such as MP_PAIRS, SWISS_PAIRS or SWISS_TEAMS");
     }
+    // TEAM before INDIVIDUAL, and pairs where neither is said: without a type a file is of pairs.
     event_.kind = type.find("TEAM") != std::string::npos         ? Event::Kind::Teams
                   : type.find("INDIVIDUAL") != std::string::npos ? Event::Kind::Individual
                                                                  : Event::Kind::Pairs;
     event_.swiss = type.find("SWISS") != std::string::npos;
     event_.scoring = ScoringOf(type);
+    // Absent means one winner.
     event_.winners = document_.Leaf(node_, "WINNER_TYPE") == "2" ? 2 : 1;
     if (event_.name.empty()) {
       event_.name = event_.kind == Event::Kind::Teams        ? "Teams"
@@ -84,6 +105,9 @@ class EventReader {
     }
   }
 
+  /// The element of later versions first, else the type of older ones, in which MP_PAIRS and BUTLER_PAIRS say it. A
+  /// bare PAIRS or INDIVIDUAL means match points, as clubs play them; of teams and Swiss events a bare type says
+  /// nothing.
   [[nodiscard]] Event::Scoring ScoringOf(const std::string& type) const {
     std::string method = UpperCase(document_.Leaf(node_, "BOARD_SCORING_METHOD"));
     if (method.empty()) method = type;
@@ -96,6 +120,8 @@ class EventReader {
     return Event::Scoring::Other;
   }
 
+  /// Contestants lie in one of three shapes: in sessions, in sections directly below the event, or directly in the
+  /// event. Without any session the event is one.
   void ReadSections() {
     std::vector<SectionPart> parts;
     int session = 0;
@@ -105,6 +131,7 @@ class EventReader {
     for (const SectionPart& part : parts) ReadSection(part);
   }
 
+  /// The places below an event or a session that hold contestants, those directly in it being a section without a name.
   static void AddParts(const XmlElement& parent, int session, std::vector<SectionPart>& parts) {
     if (parent.Child("PARTICIPANTS") != nullptr) parts.push_back({&parent, session, ""});
     for (const XmlElement* section : parent.Children("SECTION")) {
@@ -112,6 +139,8 @@ class EventReader {
     }
   }
 
+  /// Reads the contestants of one part, and what its travellers make of them. rawPercentages_ gets one entry for each
+  /// contestant of a pairs event, in their order, so that both lists go together by position.
   void ReadSection(const SectionPart& part) {
     const std::size_t first = event_.contestants.size();
     for (const XmlElement* participants : part.node->Children("PARTICIPANTS")) {
@@ -119,12 +148,14 @@ class EventReader {
     }
     if (event_.kind != Event::Kind::Pairs) return;
     const Travellers travellers(document_, *part.node);
+    // Pointers into the event's list, which does not grow until the next section.
     std::vector<const Contestant*> listed;
     for (std::size_t i = first; i < event_.contestants.size(); ++i) listed.push_back(&event_.contestants[i]);
     travellers.RequireListedPairs(document_, listed);
     for (const Contestant* contestant : listed) rawPercentages_.push_back(travellers.Percentage(*contestant));
   }
 
+  /// One PAIR, TEAM or PLAYER; other children of PARTICIPANTS are passed over.
   void ReadContestant(const XmlElement& node, const SectionPart& part) {
     const std::string& kind = node.name;
     if (kind != "PAIR" && kind != "TEAM" && kind != "PLAYER") return;
@@ -150,17 +181,21 @@ class EventReader {
 
   void ReadNumber(const XmlElement& node, const std::string& kind, Contestant& contestant) const {
     if (kind == "TEAM") {
+      // A team's number is an attribute and has no direction.
       contestant.number = TidyText(node.Attribute("TEAM_ID"));
     } else {
       const char* element = kind == "PAIR" ? "PAIR_NUMBER" : "PLAYER_NUMBER";
       const std::string written = document_.Leaf(node, element);
       contestant.number = PlainPairNumber(written);
       contestant.direction = UpperCase(document_.Leaf(node, "DIRECTION"));
+      // Some writers give one number to a pair of each direction and join the direction to it ("7NS").
       if (contestant.direction.empty()) contestant.direction = DirectionInPairNumber(written);
     }
     if (contestant.number.empty()) document_.Refuse(node, "a " + kind + " has no number; expected one");
   }
 
+  /// A place may be missing, 0 or no number at all, since nothing is computed of it; "3=" is a shared third. A
+  /// percentage out of its range is refused, because it would become somebody's handicap.
   void ReadResult(const XmlElement& node, Contestant& contestant) const {
     std::string place = document_.Leaf(node, "PLACE");
     contestant.tied = place.ends_with("=");
@@ -178,6 +213,8 @@ class EventReader {
     contestant.handicap = document_.Number(node, "HANDICAP", true);
   }
 
+  /// Awards are elements of their own, or in older files two leaves of the contestant itself. Where both are there, the
+  /// elements count.
   void ReadAwards(const XmlElement& node, Contestant& contestant) const {
     bool nested = false;
     for (const XmlElement* award : node.Children("MASTER_POINTS")) {
@@ -189,6 +226,7 @@ class EventReader {
 
   void AddAward(const XmlElement& parent, Contestant& contestant) const {
     const std::optional<int> hundredths = document_.Whole(parent, "MASTER_POINTS_AWARDED");
+    // Absent, empty and 0 all mean that nothing was won.
     if (!hundredths || *hundredths == 0) return;
     if (*hundredths > kMaximumAward) {
       document_.Refuse(*parent.Child("MASTER_POINTS_AWARDED"), "MASTER_POINTS_AWARDED is " +
@@ -196,10 +234,12 @@ class EventReader {
                                                                    "; expected hundredths of a point, at most 32767");
     }
     std::string colour = document_.Leaf(parent, "MASTER_POINT_TYPE");
+    // Older files name the colour once, for the whole event.
     if (colour.empty()) colour = document_.Leaf(node_, "MASTER_POINT_TYPE");
     contestant.awards.push_back({*hundredths / 100.0, ColourCode(colour)});
   }
 
+  /// The players of a pair; those of a team in it directly or in pairs of their own.
   void ReadPlayers(const XmlElement& node, Contestant& contestant) const {
     for (const XmlElement& child : node.children) {
       const std::string& name = child.name;
@@ -222,6 +262,7 @@ class EventReader {
   [[nodiscard]] EventPlayer ReadPlayer(const XmlElement& node) const {
     EventPlayer player;
     player.name = document_.Leaf(node, "PLAYER_NAME");
+    // Some writers put a code behind the name, after a number sign.
     player.name = Trim(player.name.substr(0, player.name.find('#')));
     if (TextLength(player.name) > kMaximumNameLength) {
       document_.Refuse(node, "a player's name is longer than 100 characters; expected a name");
@@ -231,6 +272,8 @@ class EventReader {
     return player;
   }
 
+  /// Of a player at least a name or a number is needed to know him by. A pair of one is refused; of three, one was
+  /// replaced during the event, and the first two are taken, which the person who scores is told.
   void CheckPlayers(const XmlElement& node, const std::string& kind, const Contestant& contestant) {
     for (const EventPlayer& player : contestant.players) {
       if (player.name.empty() && player.nationalNumber.empty()) {
@@ -250,6 +293,8 @@ class EventReader {
     }
   }
 
+  // Two sections may each have a pair 7, and so may both directions; the same in all four is a file that was put
+  // together wrongly, and nobody could say whose result is whose.
   void RequireNumbersOnce() const {
     std::set<std::tuple<int, std::string, std::string, std::string>> seen;
     for (const Contestant& contestant : event_.contestants) {
@@ -260,11 +305,14 @@ class EventReader {
     }
   }
 
+  /// By the line, because a contestant that has been read no longer has its element.
   [[noreturn]] void RefuseContestant(const Contestant& contestant, const std::string& reason) const {
     document_.RefuseLine(contestant.line, reason);
   }
 
-  /// Finds out whether the file's handicaps are already in the printed percentages, by the travellers.
+  /// There is no convention: some files print the raw score with a handicap of 0 throughout, some add half the handicap
+  /// to it. A handicap that is calculated here must come from the raw score, or it would count twice. Finds out whether
+  /// the file's handicaps are already in the printed percentages, by the travellers.
   void SettlePercentages() {
     const bool handicapped = std::any_of(event_.contestants.begin(), event_.contestants.end(),
                                          [](const Contestant& c) { return c.handicap.value_or(0.0) != 0.0; });
@@ -273,12 +321,16 @@ class EventReader {
       contestant.actualPercentage = contestant.printedPercentage;
       if (contestant.printedPercentage && share > 0.0) {
         const double raw = *contestant.printedPercentage - share * contestant.handicap.value_or(0.0);
+        // Four decimals, without the noise of binary fractions. At the ends of the scale, taking out the handicap may
+        // lead a little beyond what can be scored.
         contestant.actualPercentage = std::clamp(RoundDecimalHalfEven(raw, 4), 0.0, 100.0);
       }
     }
   }
 
-  /// How much of the handicap was added to the printed percentages: 0, 1/2 or 1.
+  /// Each share is tried, and the one whose raw scores are nearest to those of the travellers wins. Printed figures
+  /// differ from travellers by some tenths anyway, so only the sums are compared, and the smaller share stays where two
+  /// are equal. How much of the handicap was added to the printed percentages: 0, 1/2 or 1.
   double HandicapShare() {
     double best = 0.0;
     double bestDifference = -1.0;
@@ -311,6 +363,8 @@ class EventReader {
     return sum;
   }
 
+  // Teams have none. Pairs that are scored by IMPs may have none either, but then nobody: one pair without a result in
+  // a list of results would be stored as if it had not played.
   void RequireAllOrNoPercentages() const {
     if (event_.kind == Event::Kind::Teams) return;
     const bool any = std::any_of(event_.contestants.begin(), event_.contestants.end(),
@@ -325,6 +379,7 @@ class EventReader {
     }
   }
 
+  /// By the pairs, or the single players, of the first session; half a table counts as one, where a pair sat out.
   void CountTables() {
     const auto inFirstSession = std::count_if(event_.contestants.begin(), event_.contestants.end(),
                                               [](const Contestant& c) { return c.session == 1; });
@@ -340,6 +395,7 @@ class EventReader {
 };
 
 /// Two events of one name and day would be one competition; the later ones get a number behind the name.
+/// In the order of the file, so that scoring the file again gives the same names.
 void TellApart(std::vector<Event>& events) {
   for (std::size_t i = 0; i < events.size(); ++i) {
     int same = 1;
@@ -356,12 +412,14 @@ void TellApart(std::vector<Event>& events) {
 }  // namespace
 
 std::vector<Event> ReadUsebio(std::string_view bytes, const std::string& fileName) {
+  // Asked of the bytes, since an empty file has no encoding that could be told.
   if (TidyText(bytes).empty()) {
     throw Error(ErrorNumber::InvalidArgument, "tavi",
                 fileName + ":1: the file is empty; expected a USEBIO result file");
   }
   const XmlDocument document(DecodeXml(bytes, fileName), fileName);
   const std::string& root = document.Root().name;
+  // Such as the web page of the results, saved in place of the file.
   if (root != "USEBIO") document.Refuse(document.Root(), "the root element is " + TidyText(root) + "; expected USEBIO");
   std::vector<Event> events;
   for (const XmlElement* node : document.Root().Children("EVENT"))

@@ -6,6 +6,9 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// What readers ask of a parsed document: leaves by name, with their values checked. A value that cannot be read is
+// refused here, with the line of its element, what it says and an example of what was expected, so that every reader's
+// messages are alike. A missing leaf and an empty one are the same, as writers use them.
 namespace tavi::host {
 
 const XmlElement* XmlElement::Child(std::string_view childName) const {
@@ -33,6 +36,7 @@ std::string TidyText(std::string_view text) {
   for (const char c : text) {
     const auto byte = static_cast<unsigned char>(c);
     const bool blank = byte == ' ' || byte == '\t' || byte == '\r' || byte == '\n';
+    // Never at the beginning; at most one at the end, which trimming takes away.
     if (blank && !tidy.empty() && tidy.back() != ' ') tidy.push_back(' ');
     if (!blank && byte >= 0x20 && byte != 0x7F) tidy.push_back(c);
   }
@@ -41,6 +45,8 @@ std::string TidyText(std::string_view text) {
 
 namespace {
 
+/// No comma, which may divide thousands or decimals; no exponent, "inf" or "nan", which ParseNumber might take. Digits
+/// have to stand before the point.
 /// Digits with at most one point between or behind them.
 bool IsPlainDecimal(std::string_view text) {
   const std::size_t point = text.find('.');
@@ -49,6 +55,8 @@ bool IsPlainDecimal(std::string_view text) {
   return IsFigures(text.substr(0, point)) && (fraction.empty() || IsFigures(fraction));
 }
 
+/// Never month first: no writer of these files does that. The year is the part of four figures, at the beginning or at
+/// the end.
 std::optional<Date> ParseDate(const std::string& text) {
   const std::string unified = ReplaceAll(text, "-", "/");
   const std::vector<std::string> parts = Split(unified, '/');
@@ -67,6 +75,7 @@ std::optional<Date> ParseDate(const std::string& text) {
 }  // namespace
 
 XmlDocument::XmlDocument(std::string_view text, std::string fileName)
+    // fileName_ is declared before the root and so is set when parsing needs it.
     : fileName_(std::move(fileName)), root_(ParseXml(text, fileName_)) {}
 
 void XmlDocument::Refuse(const XmlElement& element, const std::string& reason) const {
@@ -82,6 +91,7 @@ void XmlDocument::RefuseLine(std::size_t line, const std::string& reason) const 
   throw Error(ErrorNumber::InvalidArgument, "tavi", fileName_ + ":" + std::to_string(line) + ": " + reason);
 }
 
+// Of several the first counts.
 std::string XmlDocument::Leaf(const XmlElement& parent, const char* name) const {
   const XmlElement* child = parent.Child(name);
   return child == nullptr ? std::string() : TidyText(child->text);
@@ -100,6 +110,7 @@ std::optional<double> XmlDocument::Number(const XmlElement& parent, const char* 
   return isSigned && text.front() == '-' ? -*number : *number;
 }
 
+// Nine figures always fit; what has more is no number of people, boards or points.
 std::optional<int> XmlDocument::Whole(const XmlElement& parent, const char* name) const {
   const std::string text = Leaf(parent, name);
   if (text.empty()) return std::nullopt;

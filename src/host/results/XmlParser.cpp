@@ -8,6 +8,14 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// A parser for the part of XML that result files use, in one pass and without recursion: open_ is the stack of elements
+// whose end has not come yet, the document itself at its bottom, and an element moves into its parent when it ends. So
+// neither the depth nor the size of a hostile file costs more than the bounds allow, and time grows with the length.
+//
+// It is strict about structure, because a file that was cut off must not pass for an evening with fewer pairs, and
+// lenient about two habits of club programs: an ampersand that nobody escaped ("Smith & Jones") stays what it is, and
+// names of elements and attributes may have any letters beyond ASCII. Nothing outside of the text is ever opened, and
+// no entity but those of characters is expanded.
 namespace tavi::host {
 namespace {
 
@@ -28,6 +36,8 @@ bool IsInName(char c) {
 }
 
 /// The character of "#160" or "#xA0".
+/// A number that is no character, such as a half of a surrogate pair, becomes U+FFFD: one odd letter in a name is no
+/// reason to refuse the evening.
 std::optional<std::string> CharacterOfNumber(std::string_view digits) {
   const bool isHexadecimal = digits.starts_with('x');
   if (isHexadecimal) digits.remove_prefix(1);
@@ -53,6 +63,8 @@ std::optional<std::string> ValueOfEntity(std::string_view name) {
 
 /// Replaces the entities of characters; whatever else follows an ampersand stays as it is.
 std::string Unescaped(std::string_view text) {
+  // So far a semicolon is looked for behind an ampersand; "&#x0010FFFF;" is as long as they get. It keeps a text of
+  // many ampersands from being searched to its end for each.
   constexpr std::size_t kLongestEntity = 12;
   std::string plain;
   while (!text.empty()) {
@@ -68,6 +80,7 @@ std::string Unescaped(std::string_view text) {
   return plain;
 }
 
+/// Those of ASCII but for the blanks, and those from 80 to 9F, with which terminals can be steered as well.
 bool IsControl(char32_t c) {
   const bool isBlank = c == U'\t' || c == U'\n' || c == U'\r';
   return (c < 0x20 && !isBlank) || (c >= 0x7F && c < 0xA0);
@@ -77,6 +90,7 @@ bool IsControl(char32_t c) {
 std::size_t FindControl(std::string_view text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const auto byte = static_cast<unsigned char>(text[at]);
+    // U+0080 to U+009F are C2 80 to C2 9F in UTF-8, and C2 begins no other control character.
     const bool isTwoBytes = byte == 0xC2 && at + 1 < text.size();
     const char32_t c = isTwoBytes ? static_cast<unsigned char>(text[at + 1]) : byte;
     if (isTwoBytes ? IsControl(c) : byte < 0x80 && IsControl(c)) return at;
@@ -84,13 +98,18 @@ std::size_t FindControl(std::string_view text) {
   return std::string_view::npos;
 }
 
+/// at_ is the first byte that has not been read. Every Take function begins where its thing begins and ends behind it,
+/// or refuses the file with the line.
 class Parser {
  public:
   Parser(std::string_view text, const std::string& fileName) : text_(text), fileName_(fileName) {
     open_.emplace_back();
   }
 
+  /// The root element. What stands beside it (text, further elements) is nothing that a result file has; it is passed
+  /// over.
   XmlElement Parse() {
+    // Once over the whole text first; afterwards only what an entity such as "&#27;" has made needs to be looked at.
     RefuseControls(text_, 0);
     while (at_ < text_.size()) {
       if (text_[at_] == '<') {
@@ -124,6 +143,7 @@ class Parser {
     constexpr std::string_view kFigures = "0123456789abcdef";
     const char32_t c = ToCodePoints(text.substr(control, 2)).front();
     const std::string number{kFigures[c / 16], kFigures[c % 16]};
+    // In the file's own text the character has a place; in what was made of an entity only the piece has one.
     const bool isRaw = text.data() == text_.data();
     Refuse(isRaw ? control : begin, "the control character 0x" + number + " is in the text; expected none");
   }
@@ -155,6 +175,7 @@ class Parser {
   }
 
   /// The line in which a byte lies that is not before the one last asked for.
+  /// Counted on from the last place, so that the lines of all elements together cost one walk over the text.
   std::size_t LineAt(std::size_t at) {
     line_ += static_cast<std::size_t>(std::count(text_.begin() + static_cast<std::ptrdiff_t>(lineCountedTo_),
                                                  text_.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
@@ -162,10 +183,13 @@ class Parser {
     return line_;
   }
 
+  /// Text outside of the root and blank pieces between elements are no contents. The pieces of an element's text, which
+  /// comments and entities may divide, are joined.
   void TakeText() {
     const std::size_t end = std::min(text_.find('<', at_), text_.size());
     const std::string_view piece = text_.substr(at_, end - at_);
     if (open_.size() > 1 && piece.find_first_not_of(kBlanks) != std::string_view::npos) {
+      // Looked at before it is stored: names go to lists and terminals.
       const std::string text = Unescaped(piece);
       RefuseControls(text, at_);
       open_.back().text += text;
@@ -173,11 +197,13 @@ class Parser {
     at_ = end;
   }
 
+  /// The order matters: each beginning is tried before those that are a part of it ("<!--" before "<").
   void TakeMarkup() {
     if (Skip("<!--")) {
       SkipTo("-->");
     } else if (Skip("<![CDATA[")) {
       const std::string_view piece = SkipTo("]]>");
+      // Nothing is escaped in such a section: that is what it is for.
       if (open_.size() > 1) open_.back().text += piece;
     } else if (Follows("<!DOCTYPE")) {
       SkipDocumentType();
@@ -190,8 +216,11 @@ class Parser {
     }
   }
 
+  /// A document type only names a file with the rules of the format, which is never fetched. One with definitions of
+  /// its own, between brackets, may define entities out of entities, whose expansion could fill the memory: refused.
   void SkipDocumentType() {
     const std::size_t end = text_.find('>', at_);
+    // Not found is the largest number, so that a bracket somewhere behind the end is none of this type's.
     const std::size_t subset = text_.find('[', at_);
     if (subset < end) {
       at_ = subset;
@@ -216,9 +245,12 @@ class Parser {
     XmlElement element;
     element.name = TakeName("a tag");
     element.line = LineAt(start);
+    // An element costs some hundred bytes of memory, its tag four of the file: a file of 32 MiB could otherwise need
+    // many times as much.
     if (++elements_ > kMaximumElements) {
       Refuse(start, "there are more than " + std::to_string(kMaximumElements) + " elements; no event has so many");
     }
+    // Attributes need a blank before them; "<a b='1'c='2'>" is refused by what comes next.
     bool isApart = SkipBlanks();
     while (isApart && at_ < text_.size() && BeginsName(text_[at_])) {
       TakeAttribute(element);
@@ -234,6 +266,7 @@ class Parser {
   }
 
   void Open(std::size_t start, XmlElement element) {
+    // open_ also counts the document.
     if (open_.size() > kMaximumElementDepth) {
       Refuse(start, "elements lie more than " + std::to_string(kMaximumElementDepth) +
                         " deep; expected 8 or so, as in result files");
@@ -254,6 +287,7 @@ class Parser {
     ++at_;
     const std::size_t end = text_.find(quote, at_);
     if (end == std::string_view::npos) RefuseMarkup(start, "the value of " + name + " has no closing quote");
+    // A line break in an attribute counts as one blank, however it is written.
     std::string value = Unescaped(ReplaceAll(std::string(text_.substr(at_, end - at_)), "\r\n", "\n"));
     RefuseControls(value, start);
     std::ranges::replace_if(value, IsBlank, ' ');

@@ -11,9 +11,21 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// From the bytes of a file to UTF-8. What decides, in this order: a byte-order mark, the zero byte in the first
+// character of UTF-16, the XML declaration, and without all of them UTF-8. The order is that of reliability: marks are
+// written by programs that know, declarations are often copied from another file.
+//
+//   FF FE ...         UTF-16, low byte first (FF FE 00 00 would be UTF-32, which is refused by name)
+//   FE FF ...         UTF-16, high byte first
+//   3C 00 or 00 3C    the "<" of UTF-16 without a mark
+//   EF BB BF ...      UTF-8; the mark is dropped
+//
+// A file that is not what it says is refused with the line of the first wrong byte; one that says nothing, and is no
+// UTF-8, is taken for windows-1252, the encoding of older programs, in which any bytes are text.
 namespace tavi::host {
 namespace {
 
+// With its length, since there are zeros in it.
 constexpr std::string_view kUtf32Mark("\xFF\xFE\0\0", 4);
 
 [[noreturn]] void Refuse(const std::string& fileName, std::size_t line, const std::string& reason) {
@@ -35,6 +47,7 @@ std::string FromWindows1252(std::string_view bytes) {
   return FromCodePoints(characters);
 }
 
+/// A half of a surrogate pair alone is kept as Text.h does; an odd last byte means that the file was cut off.
 std::string FromUtf16Bytes(std::string_view bytes, bool bigEndian, const std::string& fileName) {
   if (bytes.size() % 2 != 0) {
     Refuse(fileName, 1, "the file is UTF-16 but ends in the middle of a character; expected the whole file");
@@ -61,6 +74,8 @@ std::size_t Utf8SequenceLength(std::string_view bytes, std::size_t at) {
     if ((static_cast<unsigned char>(bytes[at + i]) & 0xC0U) != 0x80U) return 0;
   }
   const auto second = static_cast<unsigned char>(bytes[at + 1]);
+  // A longer form than needed, a half of a surrogate pair, and what lies beyond the last character: in a file that came
+  // from elsewhere these are wrong, whereas texts of a club's own file may hold such halves (Text.h).
   const bool overlong = (lead == 0xE0 && second < 0xA0) || (lead == 0xF0 && second < 0x90);
   const bool outside = (lead == 0xED && second >= 0xA0) || (lead == 0xF4 && second >= 0x90);
   return overlong || outside ? 0 : length;
@@ -77,6 +92,8 @@ std::optional<std::size_t> FirstInvalidUtf8(std::string_view bytes) {
 }
 
 /// The encoding that the XML declaration names, in lower case; empty when it names none.
+/// The declaration is ASCII in every encoding that is asked for here, so that it can be read before the text is
+/// decoded.
 std::string DeclaredEncoding(std::string_view bytes) {
   if (!bytes.starts_with("<?xml")) return {};
   const std::string_view declaration = bytes.substr(0, bytes.find("?>"));
@@ -108,6 +125,8 @@ bool LooksLikeUtf16(std::string_view bytes, bool& bigEndian) {
          "the encoding \"" + declared + "\" is not read here; expected UTF-8, UTF-16, ISO-8859-1 or windows-1252");
 }
 
+/// Whatever of these a file calls itself, windows-1252 reads it rightly: it has letters where ISO 8859-1 has only
+/// control characters, the curly apostrophe among them.
 bool IsLatin(const std::string& encoding) {
   static constexpr std::array kNames = {"iso-8859-1", "iso_8859-1", "latin1", "latin-1", "windows-1252", "cp1252"};
   return std::find(kNames.begin(), kNames.end(), encoding) != kNames.end();
@@ -124,6 +143,7 @@ std::string ReadWholeFile(const std::string& path) {
   const auto status = std::filesystem::status(file, code);
   if (!std::filesystem::exists(status)) refuse("there is no such file");
   if (std::filesystem::is_directory(status)) refuse("is a folder; a file was expected");
+  // Before reading, so that a huge file costs nothing. A pipe has no size and is bounded while it is read.
   if (std::filesystem::is_regular_file(status) && std::filesystem::file_size(file, code) > kMaximumResultFileBytes) {
     refuse("is larger than 32 MiB; a file of this kind is not so large");
   }
@@ -131,6 +151,7 @@ std::string ReadWholeFile(const std::string& path) {
   if (!stream) refuse("cannot be opened for reading");
   std::string bytes;
   std::array<char, 65536> buffer{};
+  // The last piece is shorter than the buffer: reading "fails" then, and has read something all the same.
   while (stream.read(buffer.data(), buffer.size()) || stream.gcount() > 0) {
     bytes.append(buffer.data(), static_cast<std::size_t>(stream.gcount()));
     if (bytes.size() > kMaximumResultFileBytes) refuse("is larger than 32 MiB; a file of this kind is not so large");
@@ -140,6 +161,7 @@ std::string ReadWholeFile(const std::string& path) {
 }
 
 std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
+  // Before UTF-16, whose mark is its beginning.
   if (bytes.starts_with(kUtf32Mark)) {
     Refuse(fileName, 1, "the file is UTF-32 by its byte-order mark, which is not read here; expected UTF-8");
   }
@@ -150,6 +172,8 @@ std::string DecodeXml(std::string_view bytes, const std::string& fileName) {
   const bool marked = bytes.starts_with("\xEF\xBB\xBF");
   if (marked) bytes.remove_prefix(3);
   const std::string declared = DeclaredEncoding(bytes);
+  // A mark is believed more than a declaration: an editor that saved the file anew wrote the former and left the
+  // latter.
   if (!marked && IsLatin(declared)) return FromWindows1252(bytes);
   const bool isUtf8 = marked || declared.empty() || declared == "utf-8" || declared == "utf8" || declared == "us-ascii";
   if (!isUtf8) RefuseEncoding(fileName, declared);
