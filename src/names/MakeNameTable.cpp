@@ -32,6 +32,8 @@ class FamilyReader {
  public:
   explicit FamilyReader(bool areSurnames) : areSurnames_(areSurnames) {}
 
+  // A line is a head, its other forms, and perhaps the family's place among the most common ones: "William Will Bill
+  // 2". What follows a # is a remark. Lines are sorted by their heads, so that people find the place of a new one.
   void Read(const std::string& line) {
     ++lineNumber_;
     std::istringstream words(line.substr(0, line.find('#')));
@@ -60,6 +62,7 @@ class FamilyReader {
     return std::from_chars(word.data(), end, family.place).ptr == end;
   }
 
+  // A form belongs to one family only, or a name would have two keys.
   std::string NewForm(const std::string& word) {
     std::string letters = PlainLetters(word);
     if (areSurnames_) letters = WithPlainPrefix(std::move(letters));
@@ -111,6 +114,8 @@ std::vector<std::size_t> Order(const std::vector<std::string>& texts) {
   return numbers;
 }
 
+/// Forms are numbered by families, the most common family first, so that the smaller of two numbers is the more common
+/// form; 16 bits are enough for a number and keep the tables small.
 void WriteTable(std::ostream& out, const std::string& function, const std::vector<Family>& families) {
   std::vector<std::string> letters;
   std::vector<std::string> sounds;
@@ -145,6 +150,7 @@ void MakeTable(const std::string& function, const std::string& text, const std::
   FamilyReader reader(function == "SurnameTable");
   for (std::string line; std::getline(in, line);) reader.Read(line);
   if (reader.families.empty()) throw std::runtime_error(" holds no families");
+  // Families without a place come last, in the order of the text.
   std::ranges::stable_sort(reader.families, {}, &Family::place);
   std::ofstream out(code);
   WriteTable(out, function, reader.families);

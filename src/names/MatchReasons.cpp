@@ -1,3 +1,4 @@
+// The reason comes from the same scores as the weight, part by part, so that the two never say different things.
 #include "names/MatchReasons.h"
 
 #include "names/NameKeys.h"
@@ -20,6 +21,8 @@ std::string Difference(const std::string& part, std::int16_t score) {
   }
 }
 
+/// Keys are equal both for pet forms and for names that sound alike; which of the two it is, the list of families
+/// tells.
 std::string FirstNameDifference(const cPlayerDetails& typed, const cPlayerDetails& member, std::int16_t score) {
   if (score == name_score::kSoundsAlike && IsShortFormOf(typed.FirstName(), member.FirstName()))
     return "first name is short for " + member.FirstName();
@@ -28,6 +31,7 @@ std::string FirstNameDifference(const cPlayerDetails& typed, const cPlayerDetail
   return Difference("first name", score);
 }
 
+/// The score is not symmetric: without initials on the member's side it is that of an abbreviation.
 std::string InitialsDifference(const cPlayerDetails& typed, const cPlayerDetails& member) {
   const std::int16_t score = CompareInitials(typed.Initials(), member.Initials());
   if (score == name_score::kAbbreviation) return member.Initials().empty() ? "initials are missing" : "initials fit";

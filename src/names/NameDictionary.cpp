@@ -1,3 +1,7 @@
+// The family that a name belongs to. Listed names are found by their letters in a sorted list. Any other is compared
+// with two groups of forms, which are small enough for a comparison each: those that one slip of the hand may have made
+// of it, and those with the same skeleton of consonants. The form at the smallest distance wins, if that is within a
+// limit that grows with the number of sounds.
 #include "names/NameDictionary.h"
 
 #include <algorithm>
@@ -73,6 +77,7 @@ std::string_view NameDictionary::HeadOf(std::string_view letters) const {
   if (letters.size() < 2) return {};
   Nearest nearest{table_, letters, SoundsOf(letters)};
   nearest.distance = LargestDistance(nearest.sounds.size());
+  // Slips first: comparing by sound stops counting at the distance of what they have found.
   CompareBySlip(nearest);
   CompareBySound(nearest);
   return nearest.form != kNoForm ? table_.LettersOf(table_.HeadOf(nearest.form)) : std::string_view();

@@ -1,3 +1,7 @@
+// The letters of a name, whatever they are dressed in. A character is taken apart into its canonical parts (é into e
+// and an accent), combining marks are dropped, letters become capitals, and what then is A to Z, or stands for such
+// letters (Ø, ß), is a Latin letter. Everything else that can be seen is kept beside them, for names of other
+// alphabets. Both ways in which Unicode writes an accent come to the same, since both end in the same parts.
 #include "names/NameLetters.h"
 
 #include <algorithm>
@@ -50,6 +54,7 @@ constexpr std::array<MarkRange, 9> kIgnored{{{0x0000, 0x002F},
 
 constexpr char32_t kInvalid = 0xFFFD;
 
+/// The ranges ascend and do not overlap.
 bool IsIn(std::span<const MarkRange> ranges, char32_t character) {
   const auto after = std::upper_bound(ranges.begin(), ranges.end(), character,
                                       [](char32_t value, const MarkRange& range) { return value < range.first; });
@@ -58,6 +63,8 @@ bool IsIn(std::span<const MarkRange> ranges, char32_t character) {
 
 /// Calls `visit` for each character of the canonical decomposition of one.
 template <typename Visitor>
+/// Syllables of Hangul are taken apart by their numbers: each is a lead, a vowel and perhaps a tail, in the order of
+/// all their combinations. Parts of other characters may have parts of their own.
 void Decompose(char32_t character, const Visitor& visit) {
   constexpr char32_t kFirstSyllable = 0xAC00;
   constexpr char32_t kLastSyllable = 0xD7A3;
@@ -86,6 +93,7 @@ std::string_view PlainForm(char32_t letter) {
   return {};
 }
 
+/// Full-width Latin letters stand in one row like the plain ones.
 constexpr char32_t kFullWidthA = 0xFF21;
 
 /// Adds one character that has no decomposition.
@@ -122,6 +130,7 @@ bool BeginsWithBareM(std::string_view letters) {
 NameLetters LettersOf(std::string_view name) {
   NameLetters letters;
   letters.latin.reserve(name.size());
+  // Nearly all names are plain ASCII, which needs no taking apart.
   const bool isPlain =
       std::all_of(name.begin(), name.end(), [](char byte) { return static_cast<signed char>(byte) >= 0; });
   if (isPlain) {
@@ -138,6 +147,7 @@ std::string PlainLetters(std::string_view name) {
   return LettersOf(name).latin;
 }
 
+// MACDONALD, MCDONALD and M'DONALD give MCDONALD, MACKAY gives MCAY, SAINTCLAIR gives STCLAIR.
 std::string WithPlainPrefix(std::string letters) {
   if (letters.starts_with(kMac) && letters.size() >= kMac.size() + kShortestStem) {
     letters.replace(0, kMac.size(), kMc);

@@ -29,6 +29,7 @@ bool OccursInOrder(std::u32string_view part, std::u32string_view whole) {
 
 std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std::string_view Other,
                              std::string_view OtherKey) {
+  // Two empty parts are the same by this first comparison, so "nothing is known" is left for one empty part.
   if (EqualIgnoringCase(Other, Own)) return name_score::kSame;
   if (OtherKey == OwnKey) return name_score::kSoundsAlike;
   if (IsInitialOf(Own, Other)) return name_score::kAbbreviation;
@@ -41,6 +42,7 @@ std::int16_t CompareInitials(std::string_view Own, std::string_view Other) {
   if (own == other) return name_score::kSame;
   if (own.empty()) return name_score::kNothingKnown;
   if (own.size() == other.size()) return name_score::kDifferent;
+  // Initials of one length that differ contradict each other; of different lengths, one person may have left some out.
   const bool occurs = own.size() < other.size() ? OccursInOrder(own, other) : OccursInOrder(other, own);
   return occurs ? name_score::kAbbreviation : name_score::kDifferent;
 }

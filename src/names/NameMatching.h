@@ -16,7 +16,7 @@ inline constexpr std::int16_t kDifferent = 0;
 }  // namespace name_score
 
 /// Compares one name part with its sound-alike key: 4 the same (ignoring case), 3 sounding alike, 2 one is the initial
-/// of the other, 1 nothing is known (one or both empty), 0 different.
+/// of the other, 1 nothing is known (one is empty; two empty ones are the same), 0 different.
 std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std::string_view Other,
                              std::string_view OtherKey);
 

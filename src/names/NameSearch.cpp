@@ -1,3 +1,7 @@
+// Who is meant by a name. FindMember wants one member and takes no risk: the exact name, else the same first name and
+// surname with initials that fit, and then only when there is one. FindNearestMatches offers: the members with the same
+// keys, by how well the names themselves agree. Both ask the database for the rows that come into question, by indexed
+// columns, and compare in memory only those.
 #include "names/NameSearch.h"
 
 #include <algorithm>
@@ -30,6 +34,7 @@ std::int32_t FindByInitials(cDatabase& database, const PlayerNameParts& name) {
 }
 
 /// Active members whose keys equal those of the typed name's parts.
+/// A part that was not typed is no condition: a single word is a first name, and finds everybody of that first name.
 std::string ConditionFor(const cPlayerDetails& typed) {
   std::string condition = "Where Active <> 0";
   if (!typed.FirstName().empty())
@@ -58,6 +63,7 @@ void InsertByWeight(Candidates& candidates, std::shared_ptr<cPlayerDetails> cand
 std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
                                               const std::shared_ptr<const NameKeyService>& nameKeyService) {
   if (row.AtEnd()) throw Error(ErrorNumber::Component, "TaviMembership", "End of Record Set");
+  // Null and missing columns give what is usual for them, as files of older versions have fewer.
   auto player = std::make_shared<cPlayerDetails>(nameKeyService);
   player->MembershipNumber = cDatabase::GetNumericField(row, "MembershipNumber", kNoMember);
   player->SetNameComponents(cDatabase::GetTextField(row, "FirstName"), cDatabase::GetTextField(row, "MiddleInitials"),
@@ -88,6 +94,7 @@ std::int32_t FindMember(cDatabase& database, const std::string& Name, bool Exact
     if (Name.empty()) return kNoMember;
     const PlayerNameParts name = SplitName(Name);
     bool retired = false;
+    // A retired member of exactly this name does not hide an active one whose initials fit.
     const std::int32_t exact = GetMembershipID(database, name.FirstName, name.Initials, name.Surname, retired);
     if (exact != kNoMember && !retired) return exact;
     return ExactMatchRequired ? kNoMember : FindByInitials(database, name);

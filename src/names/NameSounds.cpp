@@ -1,3 +1,14 @@
+// How English readers say a name, by spelling alone. A name is read once from left to right. At each place the first
+// rule is taken whose spelling stands there and whose surroundings fit, so longer spellings stand before their
+// beginnings ("GHT" before "GH", "SCH" before "SC") and special places before "anywhere". Consonants that no rule
+// names sound as themselves. There are three sets of rules:
+//
+//   consonants           anywhere:  PH -> F, KN -> N at the start, GH -> nothing
+//   the first vowel      in full:   EIGH -> 1, OO -> 5, ER before a consonant -> 8R
+//   the last vowel       of a name of more than one syllable: Y, IE, EY -> 2, E -> nothing
+//
+// Vowels between are unclear in speech and written 0. Examples: KNIGHT gives N3T, STEPHEN and STEVEN give STeF0N and
+// STeV0N.
 #include "names/NameSounds.h"
 
 #include <algorithm>
@@ -153,6 +164,7 @@ constexpr std::string_view kVowels = "AEIOUY";
 constexpr char kUnclear = '0';
 constexpr std::size_t kLetters = 26;
 
+/// Y counts as a vowel; at the start before another vowel the reader takes it as a consonant.
 constexpr bool IsVowel(char letter) {
   return kVowels.find(letter) != std::string_view::npos;
 }
@@ -161,6 +173,7 @@ constexpr bool IsFrontVowel(char letter) {
   return letter == 'E' || letter == 'I' || letter == 'Y';
 }
 
+/// `position` and `length` say where the spelling stands in the letters.
 bool Holds(Place place, std::string_view letters, std::size_t position, std::size_t length) {
   const char next = position + length < letters.size() ? letters[position + length] : '\0';
   switch (place) {
@@ -204,6 +217,8 @@ constexpr RuleBook kEndings(kEndingRules);
 
 /// The first rule that fits at a place; null when none does.
 template <std::size_t Count>
+/// Each vowel letter has a rule of its own for the first syllable that holds anywhere, so that set always has one that
+/// fits.
 const SoundRule* RuleAt(const RuleBook<Count>& book, std::string_view letters, std::size_t position) {
   const auto letter = static_cast<std::size_t>(letters[position] - 'A');
   for (std::size_t number = book.starts[letter]; number < book.starts[letter + 1]; ++number) {
@@ -263,6 +278,7 @@ class Reader {
 
   /// In later syllables a run of vowels, with a W or GH that belongs to it, is one unclear vowel.
   void ReadUnclearVowel() {
+    // In "Callaghan" the GH belongs to the vowels around it: KaL0N.
     const std::size_t next = std::min(letters_.find_first_not_of(kVowels, position_), letters_.size());
     position_ = next;
     const std::string_view rest = letters_.substr(position_);
@@ -296,6 +312,8 @@ class Reader {
 };
 
 /// The consonant that stands for all that are easily confused with this one.
+/// Names whose consonants are put together here are compared with each other; the distance of their sounds still tells
+/// them apart.
 constexpr char Confused(char consonant) {
   switch (consonant) {
     case 'V':
@@ -314,6 +332,7 @@ std::string SoundsOf(std::string_view letters) {
   return Reader(letters).Read();
 }
 
+// Consonants that are the same behind each other count once, also across a vowel: LILY gives L.
 std::string SkeletonOf(std::string_view sounds) {
   std::string skeleton;
   if (!sounds.empty() && IsVowelSound(sounds.front())) skeleton.push_back('A');

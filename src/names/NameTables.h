@@ -38,7 +38,7 @@ struct NameTable {
 
 /// First names with their short and pet forms and their spellings.
 NameTable FirstNameTable();
-/// Surnames, their beginnings written in one way (SurnamePrefix.h).
+/// Surnames, their beginnings written in one way (WithPlainPrefix).
 NameTable SurnameTable();
 
 }  // namespace tavi

@@ -4,6 +4,7 @@
 
 namespace tavi {
 
+// Only blanks and tabs: whatever else a text holds belongs to it.
 std::string CollapseWhitespace(std::string_view text, bool TrimEnds) {
   std::string result;
   for (const char character : text) {
@@ -14,6 +15,7 @@ std::string CollapseWhitespace(std::string_view text, bool TrimEnds) {
   return TrimEnds ? Trim(result) : result;
 }
 
+// A text without a word gives one empty one, so that the first name is empty.
 PlayerNameParts SplitName(std::string_view FullName) {
   const std::vector<std::string> words = Split(CollapseWhitespace(FullName, true), ' ');
   PlayerNameParts parts;

@@ -1,3 +1,6 @@
+// How much of each active member's name has to be shown. With the members sorted by first name and surname, whoever has
+// most of the name in common with a member stands next to him; so each is compared with his two neighbours only, and
+// gets the smaller of the two levels (a smaller number means that more is to be shown). The cost is one sorted walk.
 #include "names/NameUniqueness.h"
 
 #include <algorithm>

@@ -1,3 +1,11 @@
+// How unlike two names sound: the cheapest way to make one row of sounds of the other by putting a sound for another,
+// leaving one out or putting one in. What these cost stands in tables: 110 for two consonants that have nothing to do
+// with each other, less for those that are often taken for each other (K and G 60, the vowels of "see" and "sky" 30),
+// 140 for a vowel against a consonant. Sounds that are swallowed in speech cost little where they come or go: an
+// unclear vowel 30, an H 40, a D behind N 55.
+//
+// One row of the table of distances is kept, the usual way of computing this; both names are cut at 40 sounds, so that
+// a comparison takes at most 1,600 steps.
 #include "names/NameSounds.h"
 
 #include <algorithm>
@@ -51,6 +59,7 @@ constexpr std::array kLikenesses{
 constexpr std::size_t kSounds = 128;
 using Matrix = std::array<std::array<unsigned char, kSounds>, kSounds>;
 
+/// Where two likenesses name the same pair of sounds the smaller distance counts.
 constexpr Matrix MakeSubstitutions() {
   Matrix matrix{};
   for (std::size_t left = 0; left < kSounds; ++left) {
@@ -125,11 +134,14 @@ int SoundDistance(std::string_view left, std::string_view right, int limit) {
       row[column + 1] = std::min({substituted, row[column + 1] + missing, row[column] + Missing(right, column)});
       smallest = std::min(smallest, row[column + 1]);
     }
+    // Distances only grow from row to row.
     if (smallest >= limit) return limit;
   }
   return std::min(row[right.size()], limit);
 }
 
+// Behind the first place where the two differ everything must be the same again, with one letter skipped in the longer
+// one, one in both, or two exchanged.
 bool IsOneSlipAway(std::string_view left, std::string_view right) {
   if (left.size() > right.size()) std::swap(left, right);
   if (right.size() - left.size() > 1) return false;

@@ -1,3 +1,6 @@
+// Keys that lie in the file are brought up to date with the key function at hand. Names and keys are compared as the
+// columns hold them, with % and line feeds written in their stored form; a key is made of the name as it is. Only rows
+// that differ are written, so that a file whose keys are right stays as it is.
 #include "names/StoredNameKeys.h"
 
 #include <exception>
@@ -14,6 +17,7 @@ constexpr const char* kFirstNameKey = "FuzzedFirstName";
 constexpr const char* kSurnameKey = "FuzzedLastName";
 constexpr int kMostFailuresInARow = 3;
 
+/// A field that cannot be read is an error here, not an empty text: a key made of nothing would be stored.
 StoredNames NamesOf(const ado::Recordset& row) {
   const auto text = [&row](const char* column) {
     const Value value = row.Get(column);
@@ -49,6 +53,7 @@ RowOutcome RefreshRow(ado::Recordset& row, const NameKeyService& keys, NameKeyRe
     return RowOutcome::Done;
   } catch (const Error& error) {
     row.CancelUpdate();
+    // A file that is read-only refuses every row.
     if (error.Is(ErrorNumber::ProviderPermission)) throw;
     NotePassedOver(result, names, error);
     return ifItFails;

@@ -41,16 +41,19 @@ cPartnership cPartnership::OtherOrder() const {
 std::string cPartnership::FamiliarNames(bool alternate) const {
   const std::string& first = Player1->FamiliarName();
   const std::string& second = Player2->FamiliarName();
+  // "Chris & Chris" is the same the other way round.
   if (alternate && EqualIgnoringCase(first, second)) return {};
   return first + kAnd + second;
 }
 
+// "John & Mary Smith", and in format 10, where the surname comes first, "Smith, John & Mary".
 std::string cPartnership::SharedSurnameName(std::int16_t format) const {
   if (format == name_format::kSurnameFirst) return Player1->Name(format) + kAnd + NameWithoutSurname(*Player2, format);
   return NameWithoutSurname(*Player1, format) + kAnd + Player2->Name(format);
 }
 
 std::string cPartnership::Name(std::int16_t NameFormat, bool TransferSurname, bool Alternate) const {
+  // A pair with a name of its own has no other order of it.
   if (!KnownAs.empty() && NameFormat != name_format::kSurnameFirst) return Alternate ? std::string() : KnownAs;
   if (NameFormat == name_format::kFamiliar) return WithoutStrayAnd(FamiliarNames(Alternate));
   if (Alternate) return OtherOrder().Name(NameFormat, TransferSurname, false);

@@ -1,3 +1,11 @@
+// A player's name record. Names are shown in a format that is asked for, and three of the formats show more of the name
+// when another active member would otherwise be shown alike, as the uniqueness flag says:
+//
+//   flag      format 6, first and last     format 8, first and letter     format 9, familiar
+//   4         John Smith                   John S                         John
+//   3         John Smith                   John S                         John S
+//   2         John Smith                   John Smith                     John Smith
+//   0, 1      John A Smith                 John A Smith                   John A Smith
 #include "names/cPlayerDetails.h"
 
 #include "names/NameMatching.h"
@@ -16,6 +24,7 @@ std::int16_t Adjusted(std::int16_t format, std::int16_t flag) {
   return flag == uniqueness::kSurnameLetter ? name_format::kFirstAndLetter : format;
 }
 
+/// Blanks are left where a part is empty, and collapsed afterwards.
 std::string Text(const PlayerNameParts& name, std::int16_t format) {
   switch (format) {
     case name_format::kFirstNameOnly:
@@ -58,6 +67,7 @@ cPlayerDetails::cPlayerDetails(std::shared_ptr<const NameKeyService> nameKeyServ
   RefreshKeys();
 }
 
+// On every change of the name, so that the keys never belong to another one. The initials have no part in them.
 void cPlayerDetails::RefreshKeys() {
   MakeFuzzedNames(fuzzedFirstName_, fuzzedSurname_, parts_, *nameKeyService_);
 }

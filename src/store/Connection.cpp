@@ -1,3 +1,7 @@
+// The one connection of a store and the count of its uses. Operations call each other, and each opens the file for
+// itself: the first OpenDB of a nest opens it and the last CloseDB closes it, while those between only count. What must
+// not happen is a use that is counted and never given back, for the file would stay open; so every path counts down,
+// also on errors, and an error on the way is never hidden by one of closing.
 #include <algorithm>
 #include <exception>
 #include <limits>
@@ -16,6 +20,7 @@ namespace {
 constexpr const char* kFileName = "ClubMembers.mdb";
 /// No system has longer paths.
 constexpr std::size_t kLongestFolder = 32'767;
+/// Programs read the count as a number of 16 bits.
 constexpr std::int16_t kMostUses = std::numeric_limits<std::int16_t>::max();
 
 /// Counts one use less while another error is on its way, which must stay the one that is seen.
@@ -74,6 +79,7 @@ std::string cDatabase::EBUMembersTable() {
   return "EBUMembershipList";
 }
 
+// The provider's error is told with the file's name under the component's own number, as programs know it.
 void cDatabase::OpenConnection() {
   try {
     connection_ = platform_->databaseProvider->Open(ConnectionText(DatabaseFilePath()));
@@ -123,6 +129,7 @@ void cDatabase::CloseDB(bool ForceClose) {
   closing->Close();
 }
 
+// The use is closed in the open, so that an error of writing the file at its end reaches the caller.
 void cDatabase::Execute(std::string_view CommandString) {
   OpenUse use(*this);
   connection_->Execute(CommandString);

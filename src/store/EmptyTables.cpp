@@ -1,3 +1,6 @@
+// Tables are emptied whichever way they refer to each other. Which one has to come first is not looked up in the
+// relationships but found by trying: a round deletes whatever can be deleted, and another one follows as long as that
+// was something. What then is left is kept by a table that is not among these.
 #include "store/EmptyTables.h"
 
 #include "platform/values/Convert.h"

@@ -1,3 +1,7 @@
+// The layout of a club's file, twice: as a new file gets it, in statements, and as columns that files of earlier
+// versions may lack, which the layout check adds one by one. A column of a later version stands in both, with the same
+// type. An added column's default is written into the rows that are there, while the statements' defaults are for rows
+// to come. Types are the names that the database's SQL has for them; Short has 16 bits, Integer and Long have 32.
 #include "store/Layout.h"
 
 #include <array>
@@ -84,6 +88,7 @@ cDbFieldDef TextColumn(const char* table, const char* field, std::int16_t length
   return column;
 }
 
+/// The literal stands in an UPDATE as it is.
 cDbFieldDef ColumnWithDefault(const char* table, const char* field, const char* type, const char* literal) {
   cDbFieldDef column = Column(table, field, type);
   column.SetDefault = true;
@@ -93,6 +98,7 @@ cDbFieldDef ColumnWithDefault(const char* table, const char* field, const char* 
 
 }  // namespace
 
+// Tables before their indexes, and the row of settings last: it counts on its table's columns.
 void CreateBaseFile(ado::Connection& connection) {
   for (const char* statement : kTableStatements) connection.Execute(statement);
   connection.Execute(kCreateEbuMembersTable);

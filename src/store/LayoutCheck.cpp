@@ -1,3 +1,11 @@
+// What is done at the first opening of a file: the table of the governing body's members is made, missing columns are
+// looked for and queued, obsolete ones too, the person is told, and the queue is applied in one transaction with the
+// conversion of what the old columns hold. A file of the current layout is only read.
+//
+// A column is looked for by a statement that names it: that works with any provider, and counts what cannot be read as
+// missing, so that the attempt to add it says what is wrong. Changes are made one by one within the transaction, and
+// one that is refused leaves the others: a club with a file that cannot take another column goes on with all that it
+// can take.
 #include "store/LayoutCheck.h"
 
 #include <algorithm>
@@ -24,6 +32,7 @@ constexpr const char* kUpdateText =
     "compatible with the latest software version. When you click OK, this update "
     "will take place automatically.";
 
+/// The value is a text that a person may have put into the settings, so it is made a literal here.
 cDbFieldDef TextColumnWithDefault(const char* table, const char* field, std::int16_t length, const std::string& value) {
   cDbFieldDef column;
   column.TableName = table;
@@ -51,6 +60,7 @@ bool Concerns(const cDbFieldDef& change, Action action, std::string_view fieldNa
 
 }  // namespace
 
+// For what is repaired beside the layout: the file opens whether it succeeds or not, and the next check tries again.
 bool LayoutCheck::Attempt(const std::string& step, const std::function<void()>& action) {
   try {
     action();
@@ -61,6 +71,7 @@ bool LayoutCheck::Attempt(const std::string& step, const std::function<void()>& 
   }
 }
 
+// Whatever goes wrong with the statement counts as "is not there".
 void LayoutCheck::CheckColumn(const cDbFieldDef& wanted, bool& changeNeeded) {
   bool exists = true;
   try {
@@ -78,11 +89,13 @@ void LayoutCheck::CheckColumns(const std::vector<cDbFieldDef>& wanted, bool& cha
   for (const cDbFieldDef& column : wanted) CheckColumn(column, changeNeeded);
 }
 
+// A removal does not make old data to be converted.
 void LayoutCheck::RequestColumnRemoval(const std::string& tableName, const std::string& fieldName) {
   bool discarded = false;
   CheckColumn(ObsoleteColumn(tableName, fieldName), discarded);
 }
 
+// A type can only be seen in the list of columns; a statement that names the column does not fail for it.
 void LayoutCheck::CheckTypeOfTemporaryTotal() {
   constexpr auto kDouble = static_cast<std::int32_t>(ado::DataType::Double);
   const auto columns = database_.OpenSchema(ado::SchemaKind::Columns);
@@ -96,6 +109,7 @@ void LayoutCheck::CheckTypeOfTemporaryTotal() {
   }
 }
 
+// The order is that of the messages that people see when changes fail.
 bool LayoutCheck::QueueChanges() {
   bool mainFlag = false;
   CheckColumns(AddedSettingsColumns(), mainFlag);
@@ -166,6 +180,7 @@ void LayoutCheck::ApplyAsOne(bool conversionNeeded) {
   for (const auto& [change, error] : failures_) ShowFailure(database_, change, error, fieldLimitMessageShown_);
 }
 
+// The repair of colours runs at each check, whatever the layout: the mark is the default of the column.
 void LayoutCheck::Run() {
   OpenUse use(database_);
   queue_.clear();
@@ -177,6 +192,7 @@ void LayoutCheck::Run() {
   }
   const bool conversionNeeded = QueueChanges();
   if (!queue_.empty()) {
+    // Outside of the transaction, which others might have to wait for while the person reads.
     database_.GetPlatform().messageBoxes->Show(MessageBoxIcon::Information, kUpdateTitle, kUpdateText);
     ApplyAsOne(conversionNeeded);
   }

@@ -1,3 +1,6 @@
+// Data of an older layout become those of the current one: kinds of competitions from one-letter codes, colours of
+// awards from those of their competitions. Each can be run again without harm, because a check that was stopped is
+// repeated.
 #include "store/LayoutCheck.h"
 
 #include <array>
@@ -69,6 +72,7 @@ void ConvertMasterPointColours(cDatabase& database) {
   database.Execute("Update MasterPoints Set Colour = -1 Where Colour Is Null");
 }
 
+// Row by row over the join, so that an award changes only where its competition has a colour.
 void RepairMasterPointColours(cDatabase& database) {
   OpenUse use(database);
   const auto awards = database.OpenRecordset(

@@ -1,3 +1,7 @@
+// The recovery of a club's data into a fresh file: the tables in an order in which what is referred to comes first,
+// then the rows that had to wait for others, then what an older layout kept in other columns, then what the rooms above
+// keep beside the data (uniqueness flags, keys of names). Everything that went wrong is gathered and shown in one
+// message at the end: a person who has a damaged file wants to know what is lost, once.
 #include "store/Recovery.h"
 
 #include <exception>
@@ -54,6 +58,7 @@ RecoveryReport Recovery::Run(const std::string& oldFile) {
   } catch (const Error& error) {
     report_.failure = error;
   }
+  // Also when nothing was copied: the message then says why.
   ShowProblems(oldFile);
   return std::move(report_);
 }
@@ -132,6 +137,7 @@ void Recovery::ConvertCompetitions() {
   const auto rows = old_->OpenRecordset(kCompetitionsTable, ado::CursorType::ForwardOnly, ado::LockType::Pessimistic,
                                         ado::SourceKind::TableDirect);
   if (!HasField(*rows, "ExternalType")) return;
+  // A file that had the column has its own answer in it.
   const bool isExternalIsNew = !HasField(*rows, "IsExternal");
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const std::string code = cDatabase::GetTextField(*rows, "ExternalType", true);
@@ -151,6 +157,7 @@ void Recovery::Attempt(const std::string& step, const std::function<void()>& act
   }
 }
 
+// Written to the diagnostics log as well, since the box goes away when it is answered.
 void Recovery::ShowProblems(const std::string& oldFile) const {
   std::vector<std::string> parts;
   if (report_.failure) parts.push_back(report_.failure->Description());

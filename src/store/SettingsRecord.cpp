@@ -1,3 +1,7 @@
+// The table Settings, which has one row, and ClubNames, the history of the club's names. Each function opens the file
+// for itself, so that it can be called alone; several in a row share the opening when the caller holds the file open.
+// Counters (certificates, uploads) are counted on in the file before the number is used, so that a number is never
+// given twice, at worst not at all.
 #include <limits>
 
 #include "platform/values/Convert.h"
@@ -17,7 +21,9 @@ constexpr const char* kMethodColumn = "MasterPointMethod";
 constexpr const char* kCountyColumn = "CountyList";
 constexpr const char* kEbuListColumn = "LastGotEBUNos";
 constexpr const char* kUploadDateColumn = "LastUploadDate";
+/// "SABC00042". Greater numbers have more digits.
 constexpr std::size_t kCertificateDigits = 5;
+/// As many as the column takes.
 constexpr std::size_t kLongestPrefix = 4;
 /// 4 December 2000: the answer of both dates while none is stored.
 constexpr Date kNoDateYet{36864.0};
@@ -48,6 +54,7 @@ bool IsWhiteSpace(char character) {
 std::unique_ptr<ado::Recordset> cDatabase::OpenSettingsRow() {
   auto settings = OpenRecordset("Settings", ado::CursorType::Dynamic, true);
   if (!settings->AtEnd()) return settings;
+  // A new file has no row yet.
   settings->AddNew();
   settings->Set(kMethodColumn, std::int16_t{0});
   settings->Set(kCertificateColumn, std::int32_t{0});
@@ -62,6 +69,7 @@ std::string cDatabase::MPCertificatePrefix() {
   return WhileOpen(*this, [&] {
     const auto settings = OpenSettingsRow();
     std::string prefix = GetTextField(*settings, kPrefixColumn);
+    // Derived once; from then on only a new name of the clubchanges it.
     if (prefix.empty()) {
       prefix = DefaultMPPrefix("MP");
       Store(*settings, kPrefixColumn, prefix);
@@ -107,6 +115,8 @@ std::string cDatabase::DefaultMPPrefix(const std::string& DefaultIfNone) {
   return prefix.empty() ? DefaultIfNone : prefix;
 }
 
+// Read by a statement, which does not add the row: asking for it must not change the file. Without a row the reader
+// gives 0.
 std::int16_t cDatabase::MasterPointIssueMethod() {
   return WhileOpen(*this, [&] {
     const auto rows = OpenRecordset("Select MasterPointMethod from Settings");
@@ -156,6 +166,7 @@ void cDatabase::SetLatestClubName(const std::string& name) {
   InTransaction(*this, [&] {
     Execute("Insert into ClubNames (ClubName) Values (" + SQLString(name) + ")");
     const std::string prefix = DefaultMPPrefix("");
+    // A name without plain letters leaves the prefix of the name before.
     if (!prefix.empty()) Store(*OpenSettingsRow(), kPrefixColumn, prefix);
   });
 }

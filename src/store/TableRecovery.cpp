@@ -1,3 +1,14 @@
+// One table of an old file, row by row. A damaged file gives what it has left, so nothing that goes wrong with a value
+// or a row ends the copy:
+//
+//   a value that cannot be read        the row is saved without it
+//   a value that does not fit          a text is shortened, anything else left out
+//   a row that a rule refuses          kept in mind by its place, and tried again when other tables have been copied
+//   a row of which nothing is readable lost
+//   the old table breaks off           what came before is kept, the reason is reported
+//
+// Only trouble with the new file ends everything, as every further row would meet it. Each row is a statement of its
+// own; a recovery that is stopped has saved whole rows, and starts each table anew when it is called again.
 #include "store/TableRecovery.h"
 
 #include <algorithm>
@@ -11,10 +22,12 @@
 namespace tavi {
 namespace {
 
+/// A damaged page can spoil hundreds of rows; further remarks are only counted.
 constexpr std::size_t kMostRemarks = 10;
 constexpr std::size_t kLongestQuotation = 60;
 
 /// How many characters a text column of the store's file takes; 0 when it has no limit.
+/// Asked only when a text was refused, so that looking through the list of columns costs ordinary rows nothing.
 std::size_t WidthOf(cDatabase& database, const std::string& table, const std::string& column) {
   const auto columns = database.OpenSchema(ado::SchemaKind::Columns);
   for (; !columns->AtEnd(); columns->MoveNext()) {
@@ -65,6 +78,8 @@ TableRecovery::TableRecovery(cDatabase& database, ado::Connection& old, CarriedO
   report_.name = specification_.table;
 }
 
+// The old table's count is a statement of a file that may be damaged: it says how many rows should have been there, and
+// is corrected where more are met.
 void TableRecovery::Copy(std::optional<std::int64_t> stated) {
   report_.found = stated.value_or(0);
   if (observer_ != nullptr) observer_->Show(report_.name, 0, report_.found);
@@ -110,6 +125,7 @@ RecoveredTable TableRecovery::Report() {
   return std::move(report_);
 }
 
+// The record sets go after an error too: a later round opens them anew.
 void TableRecovery::Attempt(const std::function<void()>& copying) {
   try {
     copying();
@@ -133,6 +149,7 @@ void TableRecovery::CopyRows() {
   }
 }
 
+// Rows of the new file that a relationship keeps are no reason to lose the old ones, which are added beside them.
 void TableRecovery::DeleteOldRows() {
   const std::string& table = specification_.table;
   try {
@@ -152,6 +169,7 @@ void TableRecovery::OpenRows() {
       old_.OpenRecordset(table, ado::CursorType::ForwardOnly, ado::LockType::Pessimistic, ado::SourceKind::TableDirect);
 }
 
+// What is counted of a row counts only when the row was saved; a lost row is lost as a whole.
 void TableRecovery::CopyRow(std::int64_t place) {
   oldIdentifier_.reset();
   valuesRead_ = 0;
@@ -172,12 +190,15 @@ void TableRecovery::CopyRow(std::int64_t place) {
   if (!specification_.identifier.empty()) EnterIdentifier();
 }
 
+// All columns of the new file are asked for, so that those which the old file has beside them stay behind, and those
+// which it lacks get their defaults.
 TableRecovery::Fate TableRecovery::SaveRow() {
   newRows_->AddNew();
   try {
     for (const ado::Field& field : newRows_->Fields()) {
       if (const std::optional<Value> value = ValueFor(field.name)) Store(field.name, *value);
     }
+    // A row of nothing but unreadable values would be an empty row of the new file.
     const bool isReadable = valuesRead_ > 0 || valuesLost_ == 0;
     if (!isReadable) throw Error(ErrorNumber::ProviderFailure, "Recovery", firstDamage_);
     if (isWaiting_) throw Error(ErrorNumber::ProviderIntegrity, "Recovery", "Its competition was not saved.");
@@ -208,6 +229,7 @@ std::optional<Value> TableRecovery::ReadOld(const std::string& column) {
   }
 }
 
+// The identifier is not carried over: the new file gives its own, and what refers to the row follows by the map.
 std::optional<Value> TableRecovery::ValueFor(const std::string& column) {
   std::optional<Value> value = ReadOld(column);
   if (EqualIgnoringCase(column, specification_.identifier)) {
@@ -245,6 +267,7 @@ void TableRecovery::Store(const std::string& column, const Value& value) {
   }
 }
 
+// Counts as a lost value also when most of the text is saved: somebody should look at it.
 void TableRecovery::StoreShortened(const std::string& column, const std::string& text, const Error& refusal) {
   ++valuesLost_;
   const std::size_t width = WidthOf(database_, specification_.table, column);

@@ -1,3 +1,6 @@
+// Values as SQL literals and out of record sets. A text is stored in one line: carriage return and line feed as %c and
+// %l, and the percent sign itself as %p, so that "50%\r\nnet" is kept as "50%p%c%lnet". What SQLString has written
+// GetTextField reads back as it was, and a search compares with what is written in the same way.
 #include "store/Values.h"
 
 #include <exception>

@@ -1,3 +1,5 @@
+// A change of one column, tried and told of separately: changes are made in a transaction, in which nobody should be
+// asked to press a button.
 #include "store/cDbFieldDef.h"
 
 #include "store/Transaction.h"
@@ -9,6 +11,8 @@ namespace {
 constexpr const char* kErrorTitle = "Error updating database layout";
 constexpr const char* kWarningTitle = "Database Update Warning";
 
+/// A table has room for 255 columns in its life, dropped ones included; making it anew is the only way to get the
+/// places back.
 constexpr const char* kFieldLimitText =
     "Your database has reached the maximum number of field updates. This is "
     "a limitation of Microsoft Access databases. If you have Microsoft Access "
@@ -29,6 +33,8 @@ constexpr const char* kFieldLimitText =
     "database.";
 
 void ShowAddFailure(const MessageBoxes& boxes, const Error& error, bool& fieldLimitMessageShown) {
+  // A full table has this number. Once is enough for all columns that do not fit. That a column of the name is there
+  // already (ProviderBadStatus) is what was wanted, and nothing to be shown.
   if (error.Is(ErrorNumber::ProviderFailure)) {
     if (!fieldLimitMessageShown) boxes.Show(MessageBoxIcon::Critical, kErrorTitle, kFieldLimitText);
     fieldLimitMessageShown = true;
