@@ -1,3 +1,10 @@
+// INSERT, UPDATE and DELETE. What stands in brackets may be left out, "..." may be repeated:
+//
+//   INSERT INTO table [(name, ...)] VALUES (expression, ...) | select
+//   UPDATE sources SET column = expression, ... [WHERE expression]
+//   DELETE [DISTINCTROW] [* | table.*] FROM sources [WHERE expression]
+//
+// Sources are those of SELECT, since Access changes rows of joins too.
 #include "access/sql/parse/Parser.h"
 
 namespace tavi::access::sql {
@@ -9,6 +16,7 @@ void ReadValues(TokenStream& stream, Insert& insert) {
   do insert.values.push_back(ReadExpression(stream));
   while (stream.TakeSymbol(","));
   stream.ExpectSymbol(")");
+  // Without names the table says how many there must be, which is found out when the statement is planned.
   if (!insert.columns.empty() && insert.columns.size() != insert.values.size()) {
     stream.Fail(position, "Number of query values and destination fields are not the same: " +
                               std::to_string(insert.values.size()) + " values, " +
@@ -23,6 +31,7 @@ ExpressionPointer ReadWhere(TokenStream& stream) {
 }
 
 /// The table of DELETE T.* FROM; empty for DELETE FROM and DELETE * FROM.
+/// DELETE T FROM means the same.
 std::string ReadDeletedTable(TokenStream& stream) {
   if (stream.TakeSymbol("*") || stream.Peek().IsWord("FROM")) return {};
   std::string table = stream.ExpectName("FROM or a table name");

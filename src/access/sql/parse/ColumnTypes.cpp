@@ -1,3 +1,7 @@
+// The words for types. Access knows several for each, from its own tables, from its provider and from standard SQL;
+// INTEGER is the 32-bit one, FLOAT the double one. Sizes that are left out:
+//
+//   Text 255 characters, Binary 510 bytes, Decimal 18 digits without decimals
 #include <algorithm>
 
 #include "access/sql/parse/Parser.h"
@@ -5,6 +9,7 @@
 namespace tavi::access::sql {
 namespace {
 
+/// What may stand in brackets behind the word.
 enum class Size { None, Length, Digits, Seed };
 
 struct TypeWord {
@@ -13,6 +18,7 @@ struct TypeWord {
   Size size = Size::None;
 };
 
+// CHAR is a text like all others, of which only what is written is stored.
 constexpr TypeWord kTypeWords[] = {
     {"BIT", ColumnType::Boolean},
     {"YESNO", ColumnType::Boolean},
@@ -69,10 +75,12 @@ constexpr TypeWord kTypeWords[] = {
     {"NUMERIC", ColumnType::Numeric, Size::Digits},
 };
 
+// The most that the file's format has room for.
 constexpr std::int32_t kLongestText = 255;
 constexpr std::int32_t kLongestBinary = 510;
 constexpr std::int32_t kMaximumPrecision = 28;
 
+/// DOUBLE PRECISION is the one type of two words.
 const TypeWord& ReadTypeWord(TokenStream& stream) {
   const auto* word = std::find_if(std::begin(kTypeWords), std::end(kTypeWords),
                                   [&](const TypeWord& known) { return stream.Peek().IsWord(known.word); });
@@ -82,6 +90,7 @@ const TypeWord& ReadTypeWord(TokenStream& stream) {
   return *word;
 }
 
+/// A length that is left out is the greatest. Of texts it counts characters, of bytes bytes.
 void ReadLength(TokenStream& stream, ColumnDesign& column) {
   const std::int32_t highest = column.type == ColumnType::Text ? kLongestText : kLongestBinary;
   column.length = static_cast<std::uint16_t>(highest);
@@ -90,6 +99,7 @@ void ReadLength(TokenStream& stream, ColumnDesign& column) {
   stream.ExpectSymbol(")");
 }
 
+/// The decimals are some of the digits, and cannot be more.
 void ReadDigits(TokenStream& stream, ColumnDesign& column) {
   if (!stream.TakeSymbol("(")) return;
   column.precision = static_cast<std::uint8_t>(stream.ExpectNumber("the number of digits", 1, kMaximumPrecision));

@@ -1,3 +1,18 @@
+// CREATE, ALTER and DROP. What stands in brackets may be left out, "..." may be repeated:
+//
+//   CREATE TABLE name (column or constraint, ...)
+//   CREATE [UNIQUE] INDEX name ON table (name [ASC | DESC], ...) [WITH PRIMARY | DISALLOW NULL | IGNORE NULL, ...]
+//   ALTER TABLE name ADD [COLUMN] column | ADD constraint | ALTER [COLUMN] column
+//   ALTER TABLE name DROP [COLUMN] name | DROP CONSTRAINT name
+//   DROP TABLE name,  DROP INDEX name ON table
+//
+//   column      name type [NOT NULL] [DEFAULT expression] [WITH COMPRESSION] [constraint without columns] ...
+//   constraint  [CONSTRAINT name] PRIMARY KEY (names) | UNIQUE (names)
+//               [CONSTRAINT name] FOREIGN KEY (names) REFERENCES table [(names)] [cascade] ...
+//   cascade     ON UPDATE | DELETE CASCADE | NO ACTION
+//
+// A statement becomes the design of a table, column or index, or a relationship, as the catalogue takes them. Words
+// such as PRIMARY or UNIQUE are no reserved words: a column may bear them as a name, so the token behind them decides.
 #include <algorithm>
 
 #include "access/sql/parse/Parser.h"
@@ -13,6 +28,7 @@ std::optional<IndexDesign> ReadKeyWords(TokenStream& stream) {
   IndexDesign index;
   index.unique = true;
   if (stream.TakeWord("UNIQUE")) return index;
+  // A rule that was taken and then not kept would be worse than none.
   if (stream.Peek().IsWord("CHECK")) {
     stream.Fail(stream.Peek().position, "Validation rules cannot be made by a statement");
   }
@@ -28,6 +44,7 @@ void NameKey(IndexDesign& index, std::string name) {
   index.name = !name.empty() ? std::move(name) : index.primaryKey ? kPrimaryKeyName : index.columns.front().name;
 }
 
+/// Names in brackets may be reserved words, as nothing else can stand there.
 void ReadKeyColumns(TokenStream& stream, IndexDesign& index) {
   stream.ExpectSymbol("(");
   do {
@@ -72,6 +89,7 @@ Relationship ReadReferences(TokenStream& stream, std::vector<std::string> column
   const std::size_t position = stream.Peek().position;
   stream.ExpectWord("REFERENCES");
   relationship.primaryTable = stream.ExpectName("the other table's name");
+  // Without names the primary key of the other table is meant. Which that is only the catalogue knows.
   if (stream.Peek().IsSymbol("(")) relationship.primaryColumns = ReadColumnNames(stream);
   const bool isComplete =
       relationship.primaryColumns.empty() || relationship.primaryColumns.size() == relationship.foreignColumns.size();
@@ -91,6 +109,7 @@ std::optional<Relationship> ReadForeignKey(TokenStream& stream) {
 using Constraint = std::variant<IndexDesign, Relationship>;
 
 /// [CONSTRAINT name] PRIMARY KEY (columns), UNIQUE (columns) or FOREIGN KEY.
+/// The name is read before it is known whose it is.
 Constraint ReadTableConstraint(TokenStream& stream) {
   stream.EnterPart("CONSTRAINT clause");
   std::string name;
@@ -106,6 +125,8 @@ Constraint ReadTableConstraint(TokenStream& stream) {
   return std::move(*index);
 }
 
+/// The expression is parsed so that an error is found now, and kept as its text: that is what the file stores. Access
+/// writes an equal sign before it in its own windows.
 void ReadDefault(TokenStream& stream, ColumnDesign& column) {
   stream.TakeSymbol("=");
   const std::size_t start = stream.Place();
@@ -139,6 +160,7 @@ bool ReadColumnConstraint(TokenStream& stream, const ColumnDesign& column, Colum
 }
 
 /// Name, type and what follows them, up to the comma or the end.
+/// The words behind the type come in any order. NULL says what is so anyway.
 ColumnDesign ReadColumnDesign(TokenStream& stream, ColumnConstraints& constraints) {
   stream.EnterPart("column definition");
   ColumnDesign column;
@@ -159,6 +181,7 @@ ColumnDesign ReadColumnDesign(TokenStream& stream, ColumnConstraints& constraint
   }
 }
 
+/// What begins no constraint begins a column: "Unique Long" is a column of that name, "Unique (A)" a constraint.
 bool BeginsTableConstraint(const TokenStream& stream) {
   const Token& next = stream.Peek(1);
   const bool isKey = stream.Peek().IsWord("PRIMARY") || stream.Peek().IsWord("FOREIGN");
@@ -178,6 +201,8 @@ void MakeNamesUnique(std::vector<IndexDesign>& indexes) {
   }
 }
 
+/// Keys and references of all columns are gathered for the table, whose name the references learn here: they were read
+/// without knowing it.
 Statement ReadCreateTable(TokenStream& stream) {
   CreateTable create;
   stream.EnterPart("CREATE TABLE statement");
@@ -234,6 +259,7 @@ Statement ReadCreateIndex(TokenStream& stream, bool unique) {
   return create;
 }
 
+/// Adding a key is making an index: there is one statement for both from here on.
 Statement ReadAlterAdd(TokenStream& stream, std::string table) {
   if (BeginsTableConstraint(stream)) {
     Constraint constraint = ReadTableConstraint(stream);
@@ -245,6 +271,7 @@ Statement ReadAlterAdd(TokenStream& stream, std::string table) {
   stream.TakeWord("COLUMN");
   ColumnConstraints constraints;
   AddColumn add{std::move(table), ReadColumnDesign(stream, constraints), std::nullopt, std::nullopt};
+  // The statement for a new column has room for one of each.
   if (constraints.indexes.size() > 1 || constraints.relationships.size() > 1) {
     stream.Fail(stream.Peek().position, "A new column can have one key and one reference only");
   }
@@ -266,6 +293,7 @@ Statement ReadAlterColumn(TokenStream& stream, std::string table) {
   return change;
 }
 
+/// Which kind of thing a constraint's name belongs to is found out when the statement runs.
 Statement ReadAlterDrop(TokenStream& stream, std::string table) {
   if (stream.TakeWord("CONSTRAINT"))
     return DropConstraint{std::move(table), stream.ExpectAnyName("a constraint's name")};

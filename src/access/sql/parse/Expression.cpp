@@ -15,9 +15,11 @@ constexpr bool IsInOrder() {
 }
 static_assert(IsInOrder(), "TraitsOf finds an operator by its number");
 
+// Their values come from all rows of a group, so that they are no functions of their arguments.
 constexpr std::array<std::string_view, 11> kAggregates = {"COUNT", "SUM",   "AVG",    "MIN", "MAX", "FIRST",
                                                           "LAST",  "STDEV", "STDEVP", "VAR", "VARP"};
 
+/// Chains are balanced trees: the operands stand at the leaves, in their order.
 void AddOperands(const Expression& expression, Operator chain, std::vector<const Expression*>& operands) {
   if (expression.kind != ExpressionKind::Binary || expression.op != chain) {
     operands.push_back(&expression);
@@ -46,6 +48,7 @@ std::vector<const Expression*> OperandsOf(const Expression& expression, Operator
   return operands;
 }
 
+// No built-in function has the name of one.
 bool IsAggregate(const Expression& expression) {
   if (expression.kind != ExpressionKind::Call || expression.function != nullptr) return false;
   return std::ranges::any_of(kAggregates,

@@ -1,3 +1,14 @@
+// Expressions, by precedence climbing: an operand, then operators as long as they bind tightly enough; the operand on
+// the right of each is read by the same rule with a tighter bound. So one function serves all levels, and how tightly
+// an operator binds stands in one table (kOperators). From the loosest to the tightest:
+//
+//   Imp, Eqv, Xor, Or, And, Not,  = <> < <= > >= Like In Between Is,  &,  + -,  Mod,  \,  * /,  - + as signs,  ^
+//
+// For instance "A Or B And Not C = 1 + 2 * 3" is A Or (B And (Not (C = (1 + (2 * 3))))). Like, In, Between and Is stand
+// behind what they test and are read where a comparison may come next; "Not In" and the like begin with Not.
+//
+// Nodes are made with their depth, which is bounded (TokenStream::Above), and nesting is bounded while reading
+// (TokenStream::Level): neither this program nor a later walk of the tree can exhaust the stack.
 #include <algorithm>
 #include <limits>
 #include <optional>
@@ -9,6 +20,7 @@ namespace tavi::access::sql {
 namespace {
 
 /// The operator between two operands that a token is.
+/// Null for all other tokens. A word between brackets is a name and never an operator.
 const OperatorTraits* FindOperator(const Token& token) {
   for (const OperatorTraits& known : kOperators) {
     if (known.kind == OperatorKind::Prefix) continue;
@@ -22,6 +34,7 @@ Tightness TighterThan(Tightness tightness) {
   return static_cast<Tightness>(static_cast<int>(tightness) + 1);
 }
 
+/// Sub-selects are told from other brackets by their first word.
 bool IsSelect(const TokenStream& stream, std::size_t ahead) {
   return stream.Peek(ahead).IsWord("SELECT");
 }
@@ -62,6 +75,8 @@ class ExpressionReader {
     return Balanced(op.op, position, operands, 0, operands.size());
   }
 
+  // The operands from `from` up to `to` as a tree of as little depth as can be, in their order: of a thousand
+  // conditions ten levels instead of a thousand.
   ExpressionPointer Balanced(Operator op, std::size_t position, std::vector<ExpressionPointer>& operands,
                              std::size_t from, std::size_t to) {
     if (to - from == 1) return std::move(operands[from]);
@@ -70,6 +85,7 @@ class ExpressionReader {
     return Binary(op, position, std::move(left), Balanced(op, position, operands, middle, to));
   }
 
+  // The place of a node is that of its operator.
   ExpressionPointer Binary(Operator op, std::size_t position, ExpressionPointer left, ExpressionPointer right) {
     ExpressionPointer node = MakeExpression(ExpressionKind::Binary, position);
     node->op = op;
@@ -83,6 +99,8 @@ class ExpressionReader {
     node.arguments.push_back(std::move(argument));
   }
 
+  // Not takes a whole comparison, a sign only a power: -2 ^ 2 is -4. A sign before a number that is written out becomes
+  // part of the number.
   ExpressionPointer ReadPrefix() {
     const std::size_t position = stream_.Peek().position;
     if (stream_.TakeWord("NOT")) return Unary(Operator::Not, position, ReadBinary(Tightness::Comparison));
@@ -123,6 +141,7 @@ class ExpressionReader {
            (ahead == 0 && word.IsWord("IS"));
   }
 
+  // The bounds of Between are read tighter than And, which stands between them.
   ExpressionPointer ReadPredicate(ExpressionPointer tested) {
     const std::size_t position = stream_.Peek().position;
     const bool negated = stream_.TakeWord("NOT");
@@ -160,6 +179,7 @@ class ExpressionReader {
     stream_.ExpectSymbol(")");
   }
 
+  // The sub-select has a number in the select around it; its own columns are counted from 1 again.
   void SetSubselect(Expression& node) {
     node.number = stream_.NextNumber();
     node.subselect = ReadSelect(stream_);
@@ -171,6 +191,7 @@ class ExpressionReader {
     return (word.IsWord("ALL") || word.IsWord("ANY") || word.IsWord("SOME")) && stream_.Peek(1).IsSymbol("(");
   }
 
+  // SOME is another word for ANY.
   ExpressionPointer ReadQuantified(ExpressionPointer left, Operator op, std::size_t position) {
     ExpressionPointer node = MakeExpression(ExpressionKind::Quantified, position);
     node->op = op;
@@ -182,6 +203,8 @@ class ExpressionReader {
     return node;
   }
 
+  // The order matters: a name with a bracket behind it is a call, and the words for constants are tried before columns.
+  // What is none of these is a column, so that its error says all that could have stood here.
   ExpressionPointer ReadPrimary() {
     const Token& token = stream_.Peek();
     if (token.kind == TokenKind::Literal) {
@@ -196,6 +219,7 @@ class ExpressionReader {
     return ReadColumn(stream_);
   }
 
+  // Brackets leave no trace but the shape of the tree.
   ExpressionPointer ReadParentheses() {
     const std::size_t position = stream_.Take().position;
     ExpressionPointer inner;
@@ -226,6 +250,7 @@ class ExpressionReader {
     ExpressionPointer call = MakeExpression(ExpressionKind::Call, stream_.Peek().position);
     call->name = stream_.Take().text;
     stream_.ExpectSymbol("(");
+    // Count(*): a star is no expression, so it is taken here alone.
     if (stream_.Peek().IsSymbol("*") && stream_.Peek(1).IsSymbol(")")) {
       call->arguments.push_back(MakeExpression(ExpressionKind::Star, stream_.Take().position));
     } else if (!stream_.Peek().IsSymbol(")")) {
@@ -238,6 +263,8 @@ class ExpressionReader {
     return call;
   }
 
+  // Aggregates are found by the plan and have numbers; all others are looked up once, here, and called through what was
+  // found.
   void CheckCall(Expression& call) {
     const bool isAggregate = IsAggregate(call);
     if (isAggregate) {
@@ -281,6 +308,7 @@ class ExpressionReader {
 
 }  // namespace
 
+// Behind the point every word is a name, as nothing else can stand there.
 ExpressionPointer ReadColumn(TokenStream& stream) {
   ExpressionPointer column = MakeExpression(ExpressionKind::Column, stream.Peek().position);
   column->number = stream.NextNumber();
@@ -292,6 +320,7 @@ ExpressionPointer ReadColumn(TokenStream& stream) {
   return column;
 }
 
+// Notes where the expression ended: an error right behind it says that an operator is missing.
 ExpressionPointer ReadExpression(TokenStream& stream) {
   const std::size_t start = stream.Place();
   ExpressionPointer expression = ExpressionReader(stream).ReadBinary(Tightness::Imp);

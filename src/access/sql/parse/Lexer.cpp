@@ -1,3 +1,11 @@
+// A statement's text cut into tokens, in one pass from left to right. Each token keeps where it began, so that errors
+// of any later step point at the place. Every byte of the text belongs to a token or is a blank, or is refused:
+//
+//   Select  [Last Name]  ,       'O''Neill'  ,       #3/1/2026#  ,       &H1F     From  Members
+//   Name    QuotedName   Symbol  Literal     Symbol  Literal     Symbol  Literal  Name  Name     End
+//
+// The text is UTF-8. Its bytes beyond ASCII can only stand in names and texts, where they are copied as they are, so no
+// character needs to be decoded; places are turned into characters where an error is told.
 #include "access/sql/parse/Lexer.h"
 
 #include <algorithm>
@@ -15,6 +23,7 @@ namespace tavi::access::sql {
 
 namespace {
 
+/// Ends of lines are blanks like others; the language has neither comments nor lines.
 bool IsBlank(char character) {
   return character == ' ' || character == '\t' || character == '\r' || character == '\n' || character == '\f' ||
          character == '\v';
@@ -26,10 +35,12 @@ bool IsNameStart(char character) {
          static_cast<unsigned char>(character) >= 0x80;
 }
 
+/// The $ is for functions that return texts (Left$).
 bool IsNamePart(char character) {
   return IsNameStart(character) || IsDigit(character) || character == '$';
 }
 
+/// Keywords are ASCII, so no table of letters is asked.
 char UpperAscii(char character) {
   return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
 }
@@ -39,6 +50,7 @@ class Lexer {
   explicit Lexer(std::string_view statement) : statement_(statement) {}
 
   std::vector<Token> Run() {
+    // The limit is one of characters, of which there are never more than bytes: so nearly no text is counted.
     if (statement_.size() > kMaximumStatementLength && TextLength(statement_) > kMaximumStatementLength) {
       RaiseSyntax(statement_, 0,
                   "The statement is longer than " + std::to_string(kMaximumStatementLength) + " characters");
@@ -58,6 +70,7 @@ class Lexer {
     while (place_ < statement_.size() && IsBlank(statement_[place_])) ++place_;
   }
 
+  // One character tells the kind, but for the point, which may begin a number, and &, which joins texts.
   void ReadToken() {
     const char character = At();
     if (IsNameStart(character)) return ReadName();
@@ -70,12 +83,14 @@ class Lexer {
     ReadSymbol();
   }
 
+  // Keywords are names here: which of them is meant depends on the place, and is the parser's business.
   void ReadName() {
     const std::size_t start = place_;
     while (IsNamePart(At())) ++place_;
     Add(TokenKind::Name, start, std::string(statement_.substr(start, place_ - start)));
   }
 
+  // There is no way to write the closing sign in such a name; the database refuses such names too.
   void ReadQuotedName(char closing) {
     const std::size_t start = place_;
     const std::size_t end = statement_.find(closing, start + 1);
@@ -88,6 +103,7 @@ class Lexer {
     Add(TokenKind::QuotedName, start, std::string(statement_.substr(start + 1, end - start - 1)));
   }
 
+  // Either quote opens a text, which ends at the same one. A doubled one stands for itself.
   void ReadText(char quote) {
     const std::size_t start = place_++;
     std::string text;
@@ -105,6 +121,7 @@ class Lexer {
     AddLiteral(start, std::move(text));
   }
 
+  // Dates in statements are month first wherever the program runs; those in texts are day first.
   void ReadDate() {
     const std::size_t start = place_;
     const std::size_t end = statement_.find('#', start + 1);
@@ -121,6 +138,7 @@ class Lexer {
     AddLiteral(start, *date);
   }
 
+  // A sign is no part of it: "1-1" has three tokens. An E that no digits follow begins a name.
   void ReadNumber() {
     const std::size_t start = place_;
     bool whole = true;
@@ -138,6 +156,7 @@ class Lexer {
     }
     const std::string_view text = statement_.substr(start, place_ - start);
     std::int32_t number = 0;
+    // Whole numbers of more than 32 bits go on as doubles.
     if (whole && std::from_chars(text.data(), text.data() + text.size(), number).ec == std::errc()) {
       return AddLiteral(start, number);
     }
@@ -179,9 +198,11 @@ class Lexer {
       RaiseSyntax(statement_, start, "Syntax error in number: it has more than 32 bits");
     }
     place_ += 2 + digits.size();
+    // All 32 bits are taken: &HFFFFFFFF is -1.
     AddLiteral(start, static_cast<std::int32_t>(number));
   }
 
+  // Pairs are tried first, as each begins with a single one. The pair != is known only to be refused with advice.
   void ReadSymbol() {
     constexpr std::string_view kPairs[] = {"<=", ">=", "<>", "!="};
     constexpr std::string_view kSingles = "(),;.!+-*/\\^&=<>";
@@ -201,6 +222,7 @@ class Lexer {
     Add(TokenKind::Symbol, place_ - 1, std::string(pair.substr(0, 1)));
   }
 
+  // The place stands behind the token by now, so its length follows.
   void Add(TokenKind kind, std::size_t start, std::string text) {
     tokens_.push_back({kind, start, place_ - start, std::move(text), {}});
   }
@@ -218,6 +240,7 @@ class Lexer {
 constexpr std::size_t kCharactersAround = 24;
 
 /// The statement's characters around a place, on one line, with marks where some are left out.
+/// Blanks take the place of ends of lines, so that a message stays on one.
 std::string TextAround(std::u32string_view before, std::u32string_view after) {
   const std::size_t beforeCount = std::min(before.size(), kCharactersAround);
   const std::size_t afterCount = std::min(after.size(), kCharactersAround);
@@ -242,6 +265,7 @@ std::vector<Token> Tokenize(std::string_view statement) {
   return Lexer(statement).Run();
 }
 
+// People count characters and the text is bytes: what stands before the place is decoded to be counted.
 void RaiseSyntax(std::string_view statement, std::size_t position, const std::string& problem) {
   const std::size_t place = std::min(position, statement.size());
   const std::u32string before = ToCodePoints(statement.substr(0, place));

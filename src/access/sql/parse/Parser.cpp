@@ -1,3 +1,5 @@
+// The first word of a statement says which rule reads it, from behind that word on. Whatever stands between the end of
+// that rule and the end of the text, but for one semicolon, is an error.
 #include "access/sql/parse/Parser.h"
 
 #include "access/sql/parse/TokenStream.h"
@@ -5,12 +7,14 @@
 namespace tavi::access::sql {
 namespace {
 
+/// The words behind it change nothing.
 TransactionControl ReadTransactionControl(TokenStream& stream, TransactionControl::Action action) {
   const bool isNamed = stream.TakeWord("TRANSACTION");
   if (!isNamed && action != TransactionControl::Action::Begin) stream.TakeWord("WORK");
   return {action};
 }
 
+/// SELECT alone is left for its rule, which sub-selects come to as well.
 Statement ParseStatement(TokenStream& stream) {
   if (stream.Peek().IsWord("SELECT")) return std::move(*ReadSelect(stream));
   if (stream.TakeWord("INSERT")) return ReadInsert(stream);

@@ -1,3 +1,16 @@
+// SELECT, and the tables behind FROM. What stands in brackets may be left out, "..." may be repeated:
+//
+//   select    SELECT [ALL | DISTINCT | DISTINCTROW] [TOP n [PERCENT]] item, ... [INTO table]
+//               [FROM sources] [WHERE expression] [GROUP BY expression, ...] [HAVING expression]
+//   selects   select [UNION [ALL] select] ... [ORDER BY expression [ASC | DESC], ...] [WITH OWNERACCESS OPTION]
+//   item      * | table.* | expression [AS name]
+//   sources   joins [, joins] ...
+//   joins     source [INNER | LEFT | RIGHT] JOIN source ON expression ...
+//   source    table [AS] [name] | (selects) [AS] [name] | (sources)
+//
+// Sources become a tree of two by two, from the left: "A, B Left Join C On ..." is each row of A with each of (B Left
+// Join C). A tree node notes how deep it is, so that a statement that would be too deep for later walks is refused
+// here.
 #include <algorithm>
 #include <limits>
 
@@ -6,12 +19,14 @@
 namespace tavi::access::sql {
 namespace {
 
+/// Reads what stands behind FROM and UPDATE, up to the first word that is part of none.
 class SourceReader {
  public:
   explicit SourceReader(TokenStream& stream) : stream_(stream) {}
 
   /// Tables and joins, separated by commas.
   std::unique_ptr<Source> ReadList() {
+    // Brackets lead back here, so this is where nesting is counted.
     const TokenStream::Level level(stream_);
     std::unique_ptr<Source> left = ReadJoins();
     while (stream_.Peek().IsSymbol(",")) {
@@ -22,6 +37,7 @@ class SourceReader {
   }
 
  private:
+  // Joins group from the left unless brackets say otherwise; each has its condition behind it.
   std::unique_ptr<Source> ReadJoins() {
     std::unique_ptr<Source> left = ReadPrimary();
     for (;;) {
@@ -35,6 +51,7 @@ class SourceReader {
     }
   }
 
+  // Nothing when no join begins here. A plain JOIN is an inner one; OUTER says nothing that LEFT and RIGHT do not.
   std::optional<Source::Join> ReadJoinWords() {
     std::optional<Source::Join> kind;
     const Token& word = stream_.Peek();
@@ -42,6 +59,7 @@ class SourceReader {
     if (stream_.TakeWord("INNER")) kind = Source::Join::Inner;
     if (word.IsWord("LEFT")) kind = Source::Join::Left;
     if (word.IsWord("RIGHT")) kind = Source::Join::Right;
+    // Its word is reserved for this message: it would be taken as another name for the table before it.
     if (word.IsWord("FULL")) {
       stream_.Fail(word.position, "Access has no full outer joins: unite a left join and a right join with UNION");
     }
@@ -66,6 +84,7 @@ class SourceReader {
     return join;
   }
 
+  // Brackets hold a sub-select, or sources that are to be joined before others.
   std::unique_ptr<Source> ReadPrimary() {
     const std::size_t position = stream_.Peek().position;
     if (stream_.TakeSymbol("(")) {
@@ -77,6 +96,7 @@ class SourceReader {
     auto source = std::make_unique<Source>();
     source->position = position;
     source->table = stream_.ExpectName("a table name");
+    // Access names a table of another file as "T In 'path'" or "path.T".
     if (stream_.Peek().IsWord("IN") || stream_.Peek().IsSymbol(".")) {
       stream_.Fail(stream_.Peek().position, "Tables of other files cannot be named in a statement");
     }
@@ -90,12 +110,14 @@ class SourceReader {
     source->position = position;
     source->subselect = ReadSelect(stream_);
     source->depth = stream_.Above(source->subselect->depth);
+    // The sub-select has left the name of its own last part behind.
     stream_.EnterPart("FROM clause");
     stream_.ExpectSymbol(")");
     ReadAlias(*source);
     return source;
   }
 
+  // A name without AS must be no reserved word, which begins the next part.
   void ReadAlias(Source& source) {
     if (stream_.TakeWord("AS")) {
       source.alias = stream_.ExpectName("another name for the table");
@@ -114,6 +136,7 @@ class SelectReader {
   /// The select with its unions and the order of the whole.
   std::shared_ptr<Select> ReadAll() {
     const TokenStream::Level level(stream_);
+    // Columns, aggregates and sub-selects are numbered through all selects of a union, which are planned as one.
     const TokenStream::SelectNumbers numbers(stream_);
     std::vector<std::shared_ptr<Select>> chain = {ReadOne()};
     while (stream_.TakeWord("UNION")) {
@@ -121,8 +144,10 @@ class SelectReader {
       chain.push_back(ReadOne());
     }
     std::shared_ptr<Select> first = chain.front();
+    // The order at the end is that of the whole union, not of its last select.
     ReadOrder(*first);
     ReadOwnerOption();
+    // From the last select to the first: each is as deep as all that follow it, and one more.
     for (std::size_t i = chain.size() - 1; i > 0; --i) {
       Deepen(*chain[i - 1], chain[i]->depth);
       chain[i - 1]->unionWith = chain[i];
@@ -165,6 +190,7 @@ class SelectReader {
     select.distinct = stream_.TakeWord("DISTINCT");
     select.distinctRow = !select.distinct && stream_.TakeWord("DISTINCTROW");
     if (!select.distinct && !select.distinctRow) stream_.TakeWord("ALL");
+    // A column may be called Top: only a number behind it makes it the word.
     if (!stream_.Peek().IsWord("TOP") || stream_.Peek(1).kind != TokenKind::Literal) return;
     stream_.Take();
     const std::size_t position = stream_.Peek().position;
@@ -181,6 +207,7 @@ class SelectReader {
       item.expression = MakeExpression(ExpressionKind::Star, stream_.Take().position);
       return item;
     }
+    // Told from a column by the star two tokens on. "T!*" means the same.
     if (isName && (stream_.Peek(1).IsSymbol(".") || stream_.Peek(1).IsSymbol("!")) && stream_.Peek(2).IsSymbol("*")) {
       item.expression = MakeExpression(ExpressionKind::Star, token.position);
       item.expression->qualifier = stream_.ExpectName("a table name");

@@ -1,3 +1,8 @@
+// The tokens with a place among them. The rules of the parser only ask what comes next, take it, or expect it; they
+// never go back, so that a statement is read in one pass, with three tokens ahead at the most.
+//
+// A message is made of where the reader is (the part that was entered last), of what was found and of what was
+// expected.
 #include "access/sql/parse/TokenStream.h"
 
 #include <algorithm>
@@ -7,12 +12,14 @@
 namespace tavi::access::sql {
 namespace {
 
+// Words that begin, join or end parts of a statement. All others may be names: TEXT, DATE, PRIMARY, TOP, COUNT ...
 constexpr std::string_view kReservedWords[] = {
     "ALIKE",       "ALL",   "AND",    "ANY",  "AS",   "ASC",   "BETWEEN", "BY",    "DESC", "DISTINCT",
     "DISTINCTROW", "EQV",   "EXISTS", "FROM", "FULL", "GROUP", "HAVING",  "IMP",   "IN",   "INNER",
     "INTO",        "IS",    "JOIN",   "LEFT", "LIKE", "MOD",   "NOT",     "NULL",  "ON",   "OR",
     "ORDER",       "RIGHT", "SELECT", "SET",  "SOME", "UNION", "VALUES",  "WHERE", "WITH", "XOR"};
 
+/// What was found, for messages: as written, unless it is longer than helps.
 std::string Shown(const Token& token) {
   constexpr std::size_t kLongest = 40;
   if (token.kind == TokenKind::End) return "the statement ends here";
@@ -30,6 +37,7 @@ bool IsReserved(const Token& token) {
 TokenStream::TokenStream(std::string_view statement, FunctionFinder findFunction)
     : statement_(statement), findFunction_(findFunction), tokens_(Tokenize(statement)) {}
 
+// Behind the end there is the end, however far one looks.
 const Token& TokenStream::Peek(std::size_t ahead) const {
   return tokens_[std::min(place_ + ahead, tokens_.size() - 1)];
 }
@@ -60,6 +68,7 @@ void TokenStream::ExpectSymbol(std::string_view symbol) {
   if (!TakeSymbol(symbol)) FailExpecting("'" + std::string(symbol) + "'");
 }
 
+// A word in brackets or back quotes is a name even if it is reserved.
 bool TokenStream::NextIsName() const {
   return Peek().kind == TokenKind::QuotedName || (Peek().kind == TokenKind::Name && !IsReserved(Peek()));
 }
@@ -74,6 +83,7 @@ std::string TokenStream::ExpectAnyName(std::string_view what) {
   return Take().text;
 }
 
+// A range of one number is told as that number.
 std::int32_t TokenStream::ExpectNumber(std::string_view what, std::int32_t lowest, std::int32_t highest) {
   const auto* number = std::get_if<std::int32_t>(&Peek().value);
   if (number == nullptr || *number < lowest || *number > highest) {
@@ -84,11 +94,13 @@ std::int32_t TokenStream::ExpectNumber(std::string_view what, std::int32_t lowes
   return *number;
 }
 
+// Only the expression that ended last matters: the error is about the token right behind it.
 void TokenStream::EndExpression(std::size_t start) {
   expressionStart_ = start;
   expressionEnd_ = place_;
 }
 
+// As it was written, with blanks and quotes: defaults are stored in this form.
 std::string TokenStream::TextSince(std::size_t place) const {
   if (place >= place_) return {};
   const Token& last = tokens_[place_ - 1];
@@ -96,6 +108,8 @@ std::string TokenStream::TextSince(std::size_t place) const {
   return std::string(statement_.substr(start, last.position + last.length - start));
 }
 
+// Where an expression has just ended and a value or a name follows, an operator is missing, which Access says with the
+// expression's text; longer ones than fit a message are left out.
 void TokenStream::FailExpecting(std::string_view expected) const {
   const Token& token = Peek();
   const bool lacksOperator =
@@ -122,11 +136,13 @@ void TokenStream::FailTooDeep() const {
                             " levels deep, split it");
 }
 
+// Refused before anything is counted, as the destructor does not run then.
 TokenStream::Level::Level(TokenStream& stream) : stream_(stream) {
   if (stream_.depth_ >= kMaximumDepth) stream_.FailTooDeep();
   ++stream_.depth_;
 }
 
+// Every node asks this as it is made, so that the sum is never found out by walking the tree.
 std::uint16_t TokenStream::Above(std::uint16_t depth, std::uint16_t other) const {
   const std::uint16_t deeper = std::max(depth, other);
   if (deeper >= kMaximumDepth) FailTooDeep();
