@@ -75,7 +75,7 @@ Data::Data(const std::filesystem::path& folder)
 
 Data::~Data() {
   std::error_code ignored;
-  std::filesystem::remove_all(isTemporary_ ? folder_ : folder_ / "copy", ignored);
+  std::filesystem::remove_all(isTemporary_ ? folder_ : folder_ / ("copy-" + std::to_string(::getpid())), ignored);
 }
 
 FilePair Data::Plain(int rows) {
@@ -108,7 +108,7 @@ FilePair Data::Plain(int rows) {
 }
 
 FilePair Data::Copy(const FilePair& files) {
-  const std::filesystem::path folder = folder_ / "copy";
+  const std::filesystem::path folder = folder_ / ("copy-" + std::to_string(::getpid()));
   std::filesystem::remove_all(folder);
   std::filesystem::create_directories(folder);
   const FilePair copies{folder / files.ours.filename(), folder / files.sqlite.filename()};

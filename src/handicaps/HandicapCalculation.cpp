@@ -83,21 +83,27 @@ cPairMemberNumbers PairOf(const ado::Recordset& row) {
   return cPairMemberNumbers::Create(PlayerOf(row, "Player"), PlayerOf(row, "Partner"));
 }
 
-/// Adds the current result to a list, unless it has no percentage: it was never scored then.
-void AddResult(HandicapResultList& list, const ado::Recordset& row, const cPairMemberNumbers& pair, bool samePair) {
+/// The current result; nothing when it has no percentage: it was never scored then.
+std::optional<PlayerResult> ResultOf(const ado::Recordset& row, const cPairMemberNumbers& pair) {
   const auto percentage = ResultField(row, "ActualPercentage", [](const Value& value) {
     return IsNull(value) ? std::optional<double>() : std::optional<double>(ToDouble(value));
   });
-  if (!percentage) return;
+  if (!percentage) return std::nullopt;
   const Date date = ResultField(row, "Competitions.CompetitionDate",
                                 [](const Value& value) { return IsNull(value) ? Date() : ToDate(value); });
   const std::int32_t competition = ResultField(row, "Competitions.ID", ToInt32);
-  AddResultInOrder(list, cHandiCalcResultData::Create(competition, date, *percentage, pair, samePair));
+  return PlayerResult{competition, date, *percentage, pair};
+}
+
+void AddResult(HandicapResultList& list, const PlayerResult& result, bool samePair) {
+  AddResultInOrder(
+      list, cHandiCalcResultData::Create(result.competition, result.date, result.percentage, result.pair, samePair));
 }
 
 }  // namespace
 
-Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request) {
+Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request,
+                             PlayerFindings* findings) {
   held.LoadHandicalcSettings(database);
   const std::shared_ptr<const HandiCalcSettings> settings = held.Held();
   HandicapRequest asked = request;
@@ -109,17 +115,18 @@ Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const Hand
     unknown.SetPartnershipHandicap(settings->UnknownPlayerHandicap());
     return unknown;
   }
-  HandicapCalculation calculation(database, *settings, std::move(asked));
+  HandicapCalculation calculation(database, *settings, std::move(asked), findings);
   // Deliberately without its CloseDB.
   database.OpenDB();
   return calculation.Run();
 }
 
 HandicapCalculation::HandicapCalculation(cDatabase& database, const HandiCalcSettings& settings,
-                                         HandicapRequest request)
+                                         HandicapRequest request, PlayerFindings* findings)
     : database_(database),
       settings_(settings),
       request_(std::move(request)),
+      findings_(findings),
       pair_(cPairMemberNumbers::Create(request_.PlayerID, request_.PartnerID)) {
   BuildClauses();
 }
@@ -161,6 +168,19 @@ void HandicapCalculation::ReadPairSeed() {
   list2_.Append(pairSeed_->Key(), *pairSeed_);
 }
 
+// Where only the player's average is wanted, and no seed of the pair is in it, it is that of the player's other pairs.
+double HandicapCalculation::ReadAverage(std::int32_t number, HandicapResultList& list) {
+  const bool isOwn = findings_ != nullptr && number != kNoMember && !pairSeed_ && !NeedsLists();
+  if (isOwn) {
+    const auto known = findings_->players.find(number);
+    if (known != findings_->players.end() && known->second.average) return *known->second.average;
+  }
+  ReadPlayer(number, list);
+  const double average = AverageOf(list, number, settings_.UnknownPlayerHandicap());
+  if (isOwn) findings_->players[number].average = average;
+  return average;
+}
+
 void HandicapCalculation::ReadPlayer(std::int32_t number, HandicapResultList& list) {
   if (number == kNoMember) return;
   if (!pairSeed_) ReadPlayerSeed(number, list);
@@ -187,12 +207,23 @@ std::unique_ptr<ado::Recordset> HandicapCalculation::OpenResults(const std::stri
 }
 
 void HandicapCalculation::ReadPlayerResults(std::int32_t number, HandicapResultList& list) {
+  const auto add = [&](const std::vector<PlayerResult>& results) {
+    for (const PlayerResult& result : results) AddResult(list, result, pair_.SameAs(result.pair));
+  };
+  if (findings_ == nullptr) return add(ResultsOf(number));
+  const auto known = findings_->players.find(number);
+  add(known != findings_->players.end() ? known->second.results
+                                        : (findings_->players[number].results = ResultsOf(number)));
+}
+
+std::vector<PlayerResult> HandicapCalculation::ResultsOf(std::int32_t number) {
   const std::string player = std::to_string(number);
   const auto rows = OpenResults("(Player = " + player + " Or Partner = " + player + ") ");
+  std::vector<PlayerResult> results;
   for (; !rows->AtEnd(); rows->MoveNext()) {
-    const cPairMemberNumbers rowPair = PairOf(*rows);
-    AddResult(list, *rows, rowPair, pair_.SameAs(rowPair));
+    if (const auto result = ResultOf(*rows, PairOf(*rows))) results.push_back(*result);
   }
+  return results;
 }
 
 HandicapResultList HandicapCalculation::ReadJointResults() {
@@ -201,7 +232,9 @@ HandicapResultList HandicapCalculation::ReadJointResults() {
   const auto rows = OpenResults("( (Player = " + player + " And Partner = " + partner + ")  Or (Player = " + partner +
                                 " And Partner = " + player + ")) ");
   HandicapResultList joint;
-  for (; !rows->AtEnd(); rows->MoveNext()) AddResult(joint, *rows, pair_, true);
+  for (; !rows->AtEnd(); rows->MoveNext()) {
+    if (const auto result = ResultOf(*rows, pair_)) AddResult(joint, *result, true);
+  }
   return joint;
 }
 
@@ -233,8 +266,13 @@ double HandicapCalculation::Blend(double joint, double gross) {
   return weight * (joint - gross) + gross;
 }
 
+/// False when the players' averages are all that their results are read for.
+bool HandicapCalculation::NeedsLists() const {
+  return settings_.SamePartnerWeighting() != kPlayersAlone && pair_.BothMembers();
+}
+
 double HandicapCalculation::PartnershipHandicap(double gross) {
-  if (settings_.SamePartnerWeighting() == kPlayersAlone || !pair_.BothMembers()) return gross;
+  if (!NeedsLists()) return gross;
   const HandicapResultList joint = JointResults();
   if (joint.IsEmpty()) return gross;
   return Blend(AverageOf(joint, kNotNoMember, settings_.UnknownPlayerHandicap()), gross);
@@ -251,10 +289,8 @@ double HandicapCalculation::AdjustedForRegularPair(double handicap) {
 // The players come before the pair: the partnership is made of their averages before they are rounded.
 Handicaps HandicapCalculation::Run() {
   ReadPairSeed();
-  ReadPlayer(request_.PlayerID, list1_);
-  ReadPlayer(request_.PartnerID, list2_);
-  const double player1 = AverageOf(list1_, request_.PlayerID, settings_.UnknownPlayerHandicap());
-  const double player2 = AverageOf(list2_, request_.PartnerID, settings_.UnknownPlayerHandicap());
+  const double player1 = ReadAverage(request_.PlayerID, list1_);
+  const double player2 = ReadAverage(request_.PartnerID, list2_);
 
   Handicaps handicaps;
   handicaps.SetPlayer1Handicap(Rounded(player1));

@@ -4,6 +4,8 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
+#include <vector>
 
 #include "handicaps/HandiCalcSettings.h"
 #include "handicaps/Handicaps.h"
@@ -28,15 +30,37 @@ struct HandicapRequest {
   bool Individual = false;
 };
 
+/// A result as it was read, whoever's handicap it goes into.
+struct PlayerResult {
+  std::int32_t competition = 0;
+  Date date;
+  double percentage = 0.0;
+  cPairMemberNumbers pair;
+};
+
+/// What a recalculation has found out about players, by number. It changes neither results nor seeds, so that a player
+/// of several partnerships need be asked for only once.
+struct PlayerFindings {
+  struct Player {
+    std::vector<PlayerResult> results;  ///< in the order of the query
+    std::optional<double> average;      ///< of results and the player's own seed
+  };
+  std::unordered_map<std::int32_t, Player> players;
+};
+
 /// The handicaps of a pair or a player. The store is left open once more than before (except for two players of number
-/// -1), so that the next calculation finds it open: hosts rely on it. Errors of the store pass on.
-Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request);
+/// -1), so that the next calculation finds it open: hosts rely on it. Errors of the store pass on. `findings` may be
+/// null; calculations that share them have the same settings and differ in the players alone.
+Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request,
+                             PlayerFindings* findings = nullptr);
 
 /// One calculation, on the open store.
 class HandicapCalculation {
  public:
-  /// `request` has the partner -1 when it is individual. Database and settings must outlive the calculation.
-  HandicapCalculation(cDatabase& database, const HandiCalcSettings& settings, HandicapRequest request);
+  /// `request` has the partner -1 when it is individual. What is passed must outlive the calculation; `findings` may be
+  /// null.
+  HandicapCalculation(cDatabase& database, const HandiCalcSettings& settings, HandicapRequest request,
+                      PlayerFindings* findings);
 
   /// Reads the results and seeds and computes the handicaps, rounded to two decimals. Call it once.
   [[nodiscard]] Handicaps Run();
@@ -48,9 +72,12 @@ class HandicapCalculation {
   [[nodiscard]] std::string ExclusionClause() const;
 
   void ReadPairSeed();
+  [[nodiscard]] double ReadAverage(std::int32_t number, HandicapResultList& list);
   void ReadPlayer(std::int32_t number, HandicapResultList& list);
   void ReadPlayerSeed(std::int32_t number, HandicapResultList& list);
   void ReadPlayerResults(std::int32_t number, HandicapResultList& list);
+  [[nodiscard]] std::vector<PlayerResult> ResultsOf(std::int32_t number);
+  [[nodiscard]] bool NeedsLists() const;
   [[nodiscard]] std::unique_ptr<ado::Recordset> OpenResults(const std::string& condition);
 
   [[nodiscard]] double PartnershipHandicap(double gross);
@@ -63,6 +90,7 @@ class HandicapCalculation {
   cDatabase& database_;
   const HandiCalcSettings& settings_;
   HandicapRequest request_;
+  PlayerFindings* findings_;
   cPairMemberNumbers pair_;
 
   std::string dateClause_;

@@ -40,12 +40,13 @@ HandicapRequest RequestFor(std::int32_t player, std::int32_t partner, bool indiv
 // Partnerships first: their calculation yields the players' handicaps too, which saves most of the members' ones.
 RememberedHandicaps RecalculatePartnerships(cDatabase& database, HeldSettings& held) {
   RememberedHandicaps remembered;
+  PlayerFindings findings;
   const auto rows = database.OpenRecordset("Select * from Partnerships Where Active <> 0", ado::CursorType::Dynamic);
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const std::optional<std::int32_t> lower = NumberIn(*rows, "Partnerships", "LowerPlayer");
     const std::optional<std::int32_t> higher = NumberIn(*rows, "Partnerships", "HigherPlayer");
     if (!lower || !higher) continue;
-    const Handicaps handicaps = CalculateHandicaps(database, held, RequestFor(*lower, *higher, false));
+    const Handicaps handicaps = CalculateHandicaps(database, held, RequestFor(*lower, *higher, false), &findings);
     Store(*rows, handicaps.PartnershipHandicap());
     RememberHandicap(remembered, *lower, handicaps.Player1Handicap());
     RememberHandicap(remembered, *higher, handicaps.Player2Handicap());

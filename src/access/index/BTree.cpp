@@ -106,6 +106,25 @@ std::optional<RowPointer> BTree::FindKey(const IndexKey& key) const {
   return std::nullopt;
 }
 
+// Where entries before the key and behind it are on the leaf, the key is there or nowhere. What goes on behind the
+// leaf, or has longer keys that begin with this one, is left to a cursor.
+std::optional<RowPointer> BTree::Finder::FindKey(const IndexKey& key) {
+  const auto isWithin = [&](const IndexPage& leaf) {
+    return !leaf.IsEmpty() && leaf.Compare(leaf.EntryAt(0), key) < 0 &&
+           leaf.Compare(leaf.EntryAt(leaf.End() - 1), key) >= 0;
+  };
+  if (!leaf_ || !isWithin(leaf_->view))
+    leaf_.emplace(tree_->pages_, FindLeaf(tree_->pages_, tree_->root_, key, nullptr));
+  const std::size_t offset = leaf_->view.LowerBound(key);
+  if (offset >= leaf_->view.End()) return tree_->FindKey(key);
+  EntryBytes bytes;
+  leaf_->view.Decode(leaf_->view.EntryAt(offset), bytes);
+  const RowPointer row = RowOfEntry(bytes);
+  bytes.resize(bytes.size() - format::index::kEntryRowPointerSize);
+  if (bytes == key) return row;
+  return BeginsWith(bytes, key) ? tree_->FindKey(key) : std::nullopt;
+}
+
 // Entries are found by key and row together: a shorter key can come so far only by its row. Such an entry is smaller as
 // a key than what was asked for, although its bytes are not, and is stepped over.
 std::unique_ptr<BTree::Cursor> BTree::SeekFirst(const std::optional<IndexKey>& from) const {

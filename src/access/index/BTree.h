@@ -68,6 +68,20 @@ class BTree {
   /// At the last entry whose key is < `before`, or begins with it when `orBeginsWith`. Nullopt: the last one.
   [[nodiscard]] std::unique_ptr<Cursor> SeekLast(const std::optional<IndexKey>& before, bool orBeginsWith) const;
 
+  /// Looks up one key after the other, as a join does. The leaf of the last one is kept, for the next is often on it.
+  /// Usable as long as a cursor.
+  class Finder {
+   public:
+    /// The tree must outlive it.
+    explicit Finder(const BTree& tree) : tree_(&tree) {}
+    /// As BTree::FindKey.
+    [[nodiscard]] std::optional<RowPointer> FindKey(const IndexKey& key);
+
+   private:
+    const BTree* tree_;
+    std::optional<ReadIndexPage> leaf_;
+  };
+
   /// Frees all pages but the root, which becomes empty (`keepRoot`), or all of them. Goes by the map of owned pages, so
   /// that a damaged tree can be cleared as well.
   void Clear(bool keepRoot);

@@ -16,6 +16,10 @@ namespace tavi::access {
 namespace layout = format::index;
 
 PageHandle IndexPages::Read(PageNumber number) const {
+  return ReadIndexPage(*this, number).handle;
+}
+
+PageHandle IndexPages::ReadUnchecked(PageNumber number) const {
   // Access 97 has pages of 2048 bytes with other places and, for texts, another order of keys.
   if (pager_->IsJet3())
     RaiseFailure("The indexes of Access 97 files cannot be used here. Read the table without them.");
@@ -23,14 +27,13 @@ PageHandle IndexPages::Read(PageNumber number) const {
     RaiseDamage("an index of the table with definition page " + std::to_string(table_) + " leads to page " +
                 std::to_string(number) + ", which is not in the file.");
   }
-  PageHandle page = pager_->Read(number);
-  // Made for its checks; whoever reads the page makes one of his own.
-  const IndexPage view(*page);
-  if (view.Table() != table_) {
-    RaiseDamage("index page " + std::to_string(number) + " belongs to the table with definition page " +
-                std::to_string(view.Table()) + " instead of " + std::to_string(table_) + ".");
-  }
-  return page;
+  return pager_->Read(number);
+}
+
+void IndexPages::RequireOwn(const IndexPage& page) const {
+  if (page.Table() == table_) return;
+  RaiseDamage("index page " + std::to_string(page.Number()) + " belongs to the table with definition page " +
+              std::to_string(page.Table()) + " instead of " + std::to_string(table_) + ".");
 }
 
 Page& IndexPages::Allocate(std::uint8_t level) {

@@ -38,6 +38,11 @@ class IndexPages {
   void Unlink(PageNumber number);
 
  private:
+  friend struct ReadIndexPage;
+
+  [[nodiscard]] PageHandle ReadUnchecked(PageNumber number) const;
+  void RequireOwn(const IndexPage& page) const;
+
   Pager* pager_;
   PageNumber table_;
   RowPointer ownedPages_;
@@ -45,7 +50,10 @@ class IndexPages {
 
 /// One page of an index as it is read: the handle keeps the bytes, `view` reads them.
 struct ReadIndexPage {
-  ReadIndexPage(const IndexPages& pages, PageNumber number) : handle(pages.Read(number)), view(*handle) {}
+  /// Raises as IndexPages::Read.
+  ReadIndexPage(const IndexPages& pages, PageNumber number) : handle(pages.ReadUnchecked(number)), view(*handle) {
+    pages.RequireOwn(view);
+  }
 
   PageHandle handle;
   IndexPage view;

@@ -9,9 +9,11 @@
 // generation and drops every index.
 #include "access/sql/plan/MemoryIndexes.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "access/sql/plan/ValueKey.h"
+#include "platform/values/Error.h"
 
 namespace tavi::access::sql {
 
@@ -34,17 +36,17 @@ void MemoryIndexes::DropWhenStale() {
   generation_ = generation;
 }
 
-// What is built, or due to be built, is free for the plan. A due one that has never been built is given the best of
-// estimates, one row per value, so that the next plan takes it and its worth becomes known.
-MemoryIndexes::Estimate MemoryIndexes::EstimateFor(const Table& table, std::size_t column, double rowCount) const {
+// What is built, or due to be built, is free for the plan. What the worth of a due one is that has never been built
+// some rows of the table tell: an index of a column that holds the same value everywhere would only be in the way.
+MemoryIndexes::Estimate MemoryIndexes::EstimateFor(Table& table, std::size_t column, double rowCount) {
   Estimate estimate{kCostOfEntry * rowCount, std::sqrt(rowCount)};
   const auto found = entries_.find(KeyOf(table, column));
   if (found == entries_.end()) return estimate;
-  const Entry& entry = found->second;
+  Entry& entry = found->second;
   const bool isBuilt = entry.index && pager_->Generation() == generation_;
   const bool isDue = entry.spentWithout >= rowCount;
   if (isBuilt || isDue) estimate.setup = 0;
-  if (isDue) estimate.rowsPerKey = 1;
+  if (isDue && !entry.rowsPerKey) entry.rowsPerKey = SampleRowsPerKey(table, column, rowCount);
   if (entry.rowsPerKey) estimate.rowsPerKey = *entry.rowsPerKey;
   return estimate;
 }
@@ -73,6 +75,41 @@ const HashIndex* MemoryIndexes::Find(Table& table, std::size_t column, bool many
   entry.rowsPerKey = entry.index->RowsPerKey();
   MakeRoom(kMaximumEntries);
   return &*entry.index;
+}
+
+// Stretches of rows from all over the table. Values that a sample shows once stand for as many others as the table is
+// larger, by the square root; those that it shows again are likely to be all that there are of their kind.
+std::optional<double> MemoryIndexes::SampleRowsPerKey(Table& table, std::size_t column, double rowCount) const {
+  constexpr PageNumber kStretches = 16;
+  constexpr int kRowsOfAStretch = 16;
+  constexpr std::uint8_t kBehindLastRow = 255;
+  std::vector<bool> wanted(table.Columns().size(), false);
+  wanted[column] = true;
+  std::map<std::uint64_t, int> seen;  // how often, by hash
+  double rows = 0;
+  try {
+    std::optional<RowPointer> row;
+    for (PageNumber stretch = 0; stretch < kStretches; ++stretch) {
+      const RowPointer place{pager_->PageCount() / kStretches * stretch, kBehindLastRow};
+      row = table.Next(!row || *row < place ? place : *row);
+      for (int i = 0; i < kRowsOfAStretch && row; ++i, row = table.Next(row)) {
+        const Value value = table.Read(*row, wanted)[column];
+        ++rows;
+        if (!IsNull(value)) ++seen[HashOf(value)];
+      }
+      if (!row) break;
+    }
+  } catch (const Error&) {
+    return std::nullopt;  // whoever needs the damaged rows will say so
+  }
+  double values = 0;
+  double distinct = 0;
+  for (const auto& [hash, times] : seen) {
+    values += times;
+    distinct += times == 1 ? std::sqrt(std::max(1.0, rowCount / rows)) : 1.0;
+  }
+  if (values == 0) return 1.0;
+  return std::max(1.0, rowCount * values / rows / distinct);
 }
 
 // Nulls are left out: no look-up asks for them, as nothing equals null.

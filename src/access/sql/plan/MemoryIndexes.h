@@ -30,7 +30,8 @@ class MemoryIndexes {
     double setup = 0;       ///< to be paid once, by the first look-up
     double rowsPerKey = 1;  ///< rows that a look-up gives
   };
-  [[nodiscard]] Estimate EstimateFor(const Table& table, std::size_t column, double rowCount) const;
+  /// Call inside a statement: some rows may be read.
+  [[nodiscard]] Estimate EstimateFor(Table& table, std::size_t column, double rowCount);
 
   /// A column that a plan could have looked up in an index in memory.
   struct Considered {
@@ -38,7 +39,7 @@ class MemoryIndexes {
     std::size_t column;
   };
   /// Tells what a plan costs in which these columns were considered. When plans without an index have cost as much as
-  /// it takes to build it, the next plan is given it, so that it is built at last and its worth is known.
+  /// it takes to build it, the next plan may have it for nothing, if by some rows of the table it is worth anything.
   void NotePlan(const std::vector<Considered>& considered, double cost);
 
   /// The index of a column, built now if need be; null when it does not pay (yet). `manyLookUps` says that this
@@ -69,6 +70,8 @@ class MemoryIndexes {
 
   [[nodiscard]] static Key KeyOf(const Table& table, std::size_t column);
   void DropWhenStale();
+  /// Rows that a look-up is likely to give, by some rows of the table; nothing when they cannot be read.
+  [[nodiscard]] std::optional<double> SampleRowsPerKey(Table& table, std::size_t column, double rowCount) const;
   [[nodiscard]] static HashIndex Build(Table& table, std::size_t column, FunctionReference<void()> beforeRow);
   void MakeRoom(std::size_t entries);
 

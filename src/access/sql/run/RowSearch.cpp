@@ -83,10 +83,6 @@ void IndexRange::SetEnds(const AccessPath& path, std::vector<Value> equals, cons
 void IndexRange::Collect(std::vector<std::uint32_t>& rows) const {
   if (isEmpty_) return;
   const BTree& tree = table_.Tree(index_);
-  if (isOneKey_ && first_) {
-    if (const auto row = tree.FindKey(*first_)) rows.push_back(row->Packed());
-    return;
-  }
   const auto cursor = tree.SeekFirst(first_);
   for (; cursor->Current() != nullptr; cursor->Next()) {
     const IndexEntry& entry = *cursor->Current();
@@ -277,8 +273,14 @@ bool RowSearch::Candidates(const AccessPath& path, std::size_t source, std::vect
 
 bool RowSearch::IndexCandidates(const AccessPath& path, Table& table, std::vector<std::uint32_t>& rows) {
   const IndexRange range(path, table, scope_);
-  if (range.IsUsable()) range.Collect(rows);
-  return range.IsUsable();
+  if (!range.IsUsable()) return false;
+  const IndexKey* key = range.OneKey();
+  if (key == nullptr) {
+    range.Collect(rows);
+  } else if (const auto row = finders_.try_emplace(&path, table.Tree(path.index)).first->second.FindKey(*key)) {
+    rows.push_back(row->Packed());
+  }
+  return true;
 }
 
 // A look-up by hash only finds values of the same family; how values of two families compare, or what error that is,

@@ -16,6 +16,8 @@ class IndexRange {
 
   /// False when a value cannot be looked up in the index (it is of another kind than the column).
   [[nodiscard]] bool IsUsable() const { return isUsable_; }
+  /// The key, where one entry at most can have it; else null.
+  [[nodiscard]] const IndexKey* OneKey() const { return isOneKey_ && first_ && !isEmpty_ ? &*first_ : nullptr; }
   /// Appends the rows of the entries, as packed pointers, in key order.
   void Collect(std::vector<std::uint32_t>& rows) const;
 
@@ -70,6 +72,7 @@ class RowSearch {
   std::vector<std::vector<bool>> wanted_;  // columns to read, by source
   std::vector<bool> wantsAny_;
   std::map<std::pair<std::size_t, std::size_t>, HashIndex> derivedIndexes_;
+  std::map<const AccessPath*, BTree::Finder> finders_;  // of indexes in which one key is looked up after the other
 };
 
 }  // namespace tavi::access::sql
