@@ -10,10 +10,16 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
+// What comes from a program or a statement becomes what a column holds, as Access does it on storing. Whole numbers are
+// rounded to even by the general conversions; money and decimals are made from decimal texts instead, because a double
+// is not exact: 1.00005 as money has to be seen as half-way, which no double is. All errors leave here with the name of
+// the field.
+
 namespace tavi::access {
 
 namespace {
 
+/// Money is a whole number of ten-thousandths in 64 bits, which has 19 digits at most.
 constexpr std::uint8_t kCurrencyScale = 4;
 constexpr std::uint8_t kCurrencyPrecision = 19;
 
@@ -35,7 +41,8 @@ constexpr std::uint8_t kCurrencyPrecision = 19;
       column.name + "' takes " + std::to_string(limit) + ", the value has " + std::to_string(length) + ".");
 }
 
-/// The decimal text of any value that is a number, or of a text that writes one.
+/// The decimal text of any value that is a number, or of a text that writes one. A double gives its text of at most 15
+/// digits, which is what people take its value to be.
 std::string NumberTextOf(const Value& value) {
   if (const auto* amount = std::get_if<Currency>(&value)) return CurrencyText(*amount);
   if (const auto* number = std::get_if<Decimal>(&value)) return DecimalText(*number);
@@ -46,6 +53,7 @@ std::string NumberTextOf(const Value& value) {
   return NumberText(ToDouble(value));
 }
 
+/// True is -1 in whole numbers; a byte has no sign, so it is 255.
 Value ToByteColumn(const Value& value, const ColumnDefinition& column) {
   if (const bool* truth = std::get_if<bool>(&value)) return static_cast<std::uint8_t>(*truth ? 0xFF : 0);
   const std::int16_t number = ToInt16(value);
@@ -53,6 +61,7 @@ Value ToByteColumn(const Value& value, const ColumnDefinition& column) {
   return static_cast<std::uint8_t>(number);
 }
 
+/// Infinite numbers stay what they are; a finite one may not become infinite.
 Value ToSingleColumn(const Value& value, const ColumnDefinition& column) {
   const double number = ToDouble(value);
   if (std::isfinite(number) && std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) {
@@ -74,6 +83,7 @@ Value ToNumericColumn(const Value& value, const ColumnDefinition& column) {
   return *number;
 }
 
+/// As Access stores a Boolean in a text field; in expressions its text is "True".
 Value ToTextColumn(const Value& value) {
   if (const bool* truth = std::get_if<bool>(&value)) return std::string(*truth ? "-1" : "0");
   return ToText(value);
@@ -86,7 +96,7 @@ int HexDigit(char character) {
   return -1;
 }
 
-// With or without braces and hyphens.
+/// With or without braces and hyphens; all 32 digits have to be there.
 Value ToGuidColumn(const Value& value, const ColumnDefinition& column) {
   const auto* text = std::get_if<std::string>(&value);
   if (text == nullptr) RaiseMismatch(column);
@@ -140,6 +150,7 @@ bool Holds(const Value& value) {
   return std::holds_alternative<Type>(value);
 }
 
+/// Most values come in their column's type already: then nothing is made anew.
 bool HasColumnType(const Value& value, const ColumnDefinition& column) {
   switch (column.type) {
     case ColumnType::Boolean:
@@ -171,6 +182,8 @@ bool HasColumnType(const Value& value, const ColumnDefinition& column) {
   }
 }
 
+/// Texts are limited by UTF-16 units, as a column states its length in bytes of these, whether or not a value is stored
+/// compressed. Memo and OLE have a limit of their own, where they are stored.
 void CheckLength(const Value& value, const ColumnDefinition& column) {
   if (const auto* text = std::get_if<std::string>(&value); text != nullptr && column.type == ColumnType::Text) {
     const std::size_t limit = column.length / sizeof(char16_t);
@@ -195,6 +208,7 @@ Value ConvertForColumn(const Value& value, const ColumnDefinition& column) {
     CheckLength(converted, column);
     return converted;
   } catch (const Error& error) {
+    // The general conversions do not know the field.
     if (error.Is(ErrorNumber::TypeMismatch)) RaiseMismatch(column);
     if (error.Is(ErrorNumber::Overflow)) RaiseOutOfRange(column);
     throw;

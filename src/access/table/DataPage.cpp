@@ -6,13 +6,23 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
+// Rows lie at the end of the page, back to back, each ending where the one before it in the directory begins; so the
+// directory alone says where everything is, and a row that changes its length moves all rows below it (those with
+// greater numbers). Row numbers are names that indexes and other rows hold: entries of the directory are never taken
+// out, and a deleted row keeps its entry, without bytes.
+//
+// Free bytes are what lies between the directory and the lowest row, exactly, as Access counts them. Bytes of deleted
+// rows do not count until they are reclaimed. Rows that are deleted here give theirs back at once; other programs leave
+// them, and they are reclaimed when a row needs the room. The cost of a change is one move of at most a page.
+
 namespace tavi::access {
 
 namespace {
 
 namespace data = format::data;
 
-// A page with less room is not offered, however short its rows are.
+// A page with less room is not offered, however short its rows are: it would be looked at again and again for a few
+// more.
 constexpr std::size_t kLeastUsefulRoom = 60;
 
 }  // namespace
@@ -65,9 +75,12 @@ std::uint16_t DataPageReader::StoredEntry(std::size_t row) const {
 
 RowEntry DataPageReader::Entry(std::size_t row) const {
   const std::uint16_t stored = StoredEntry(row);
+  // 13 bits, as a deleted row 0 lies at 4096, the end of the page.
   const std::size_t offset = stored & data::kRowOffsetMask;
   const std::size_t end = row == 0 ? layout_->pageSize : StoredEntry(row - 1) & std::size_t{data::kRowOffsetMask};
   const std::size_t directoryEnd = layout_->rowDirectoryOffset + rowCount_ * data::kRowEntrySize;
+  // Bytes that lie in the directory, past the page or in the row before are nobody's row. Without this a row could be
+  // read twice, or written over its own directory.
   if (offset > end || end > layout_->pageSize || offset < directoryEnd) {
     RaiseDamage("row " + std::to_string(row) + " of page " + std::to_string(page_->Number()) + " lies at bytes " +
                 std::to_string(offset) + " to " + std::to_string(end) + ", which is no place for a row.");
@@ -83,6 +96,7 @@ std::span<const std::uint8_t> DataPageReader::Bytes(const RowEntry& entry) const
 // Changing
 // ---------------------------------------------------------------------------------------------------------------------
 
+// All entries are looked at before the first change, so that damage is met while the page is as it was.
 DataPageEditor::DataPageEditor(Page& page) : page_(&page) {
   const DataPageReader reader(page, Jet4DataPageLayout());
   for (std::size_t row = 0; row < reader.RowCount(); ++row) static_cast<void>(reader.Entry(row));
@@ -103,6 +117,7 @@ std::size_t DataPageEditor::RowCount() const {
   return page_->U16(data::kRowCountOffset);
 }
 
+// Offsets never grow from one row to the next, so the last row is the lowest.
 std::size_t DataPageEditor::LowestOffset() const {
   const std::size_t count = RowCount();
   return count == 0 ? kPageSize : Entry(count - 1).offset;
@@ -121,12 +136,14 @@ std::size_t DataPageEditor::ReclaimableBytes() const {
   return bytes;
 }
 
+// A row number is one byte: after 255 entries a page takes no more rows, however many of them are deleted.
 bool DataPageEditor::Takes(std::size_t size) const {
   if (RowCount() >= data::kMaximumRowCount) return false;
   const std::size_t needed = size + data::kRowEntrySize;
   return needed <= FreeBytes() || needed <= FreeBytes() + ReclaimableBytes();
 }
 
+// A new row gets an entry of its own; those of deleted rows are not used again.
 std::uint8_t DataPageEditor::Append(std::span<const std::uint8_t> bytes, std::uint16_t flags) {
   if (bytes.size() + data::kRowEntrySize > FreeBytes()) ReclaimDeleted();
   const std::size_t row = RowCount();
@@ -138,12 +155,14 @@ std::uint8_t DataPageEditor::Append(std::span<const std::uint8_t> bytes, std::ui
   return static_cast<std::uint8_t>(row);
 }
 
+// The row's own bytes count as room; the directory entry is there already.
 bool DataPageEditor::TakesInstead(std::uint8_t row, std::size_t size) const {
   const std::size_t room = Entry(row).length + FreeBytes();
   return size <= room || size <= room + ReclaimableBytes();
 }
 
 void DataPageEditor::Replace(std::uint8_t row, std::span<const std::uint8_t> bytes, std::uint16_t flags) {
+  // Only when it has to be: reclaiming moves nearly the whole page, and each byte that moves may go to the log.
   if (bytes.size() > Entry(row).length + FreeBytes()) ReclaimDeleted();
   Resize(row, bytes.size(), flags);
   page_->Put(Entry(row).offset, bytes);
@@ -156,12 +175,13 @@ void DataPageEditor::Delete(std::uint8_t row) {
 }
 
 // Moves the row's first byte so that it has `size` bytes, and the rows below with it. The content of a row that grows
-// is the caller's business.
+// is the caller's business. The row's end stays where it is, so nothing above it changes.
 void DataPageEditor::Resize(std::size_t row, std::size_t size, std::uint16_t flags) {
   const RowEntry entry = Entry(row);
   const std::size_t lowest = LowestOffset();
   const std::size_t newOffset = entry.offset + entry.length - size;
   page_->Put(newOffset - (entry.offset - lowest), page_->Slice(lowest, entry.offset - lowest));
+  // From the lowest row up: where a row ends is seen from the entry before it, which must not have moved yet.
   for (std::size_t below = RowCount() - 1; below > row; --below) {
     const RowEntry other = Entry(below);
     SetEntry(below, other.offset + newOffset - entry.offset, other.flags);
@@ -183,6 +203,7 @@ void DataPageEditor::UpdateFreeBytes() {
   page_->SetU16(data::kFreeBytesOffset, static_cast<std::uint16_t>(FreeBytes()));
 }
 
+// Bodies of moved rows count as alive: their rows lie on other pages.
 bool DataPageEditor::HasOnlyDeletedRows() const {
   for (std::size_t row = 0; row < RowCount(); ++row) {
     if (!Entry(row).IsDeleted()) return false;
@@ -196,10 +217,12 @@ bool DataPageEditor::HasRoomForTypicalRow() const {
   std::size_t bytes = 0;
   for (std::size_t row = 0; row < RowCount(); ++row) {
     const RowEntry entry = Entry(row);
+    // A moved row is 4 bytes here, or what is left of it; neither says how long rows are.
     if (entry.IsDeleted() || entry.IsMoved()) continue;
     ++rows;
     bytes += entry.length;
   }
+  // With the directory entry that a new row needs.
   const std::size_t typical = rows == 0 ? 0 : bytes / rows + data::kRowEntrySize;
   return FreeBytes() >= std::max(kLeastUsefulRoom, typical);
 }

@@ -9,19 +9,28 @@
 #include "access/table/FormatVersion.h"
 #include "access/table/TableDefinition.h"
 
+// A definition that is longer than a page goes on in further ones, linked from each to the next. It is always read and
+// written whole: records and names lie across the borders of pages, and a change of one column moves all that is behind
+// it. Only the counters that change with each row (rows, automatic number, statistics of indexes) are read and written
+// in place; they lie on the first page always: the header has 63 bytes and a table at most 32 indexes with a slot of
+// 12.
+
 namespace tavi::access {
 
 namespace {
 
 namespace table = format::table;
 
-// 255 columns and 32 indexes with the longest names take 14 pages (Jet 4), 28 (Jet 3).
+// 255 columns and 32 indexes with the longest names take 14 pages (Jet 4), 28 (Jet 3). More are links in a circle, or
+// lead astray.
 constexpr std::size_t kMaximumPages = 64;
 
 const DefinitionLayout& LayoutOf(const Pager& pager) {
   return pager.IsJet3() ? Jet3DefinitionLayout() : Jet4DefinitionLayout();
 }
 
+// The first page whole, of the others what lies behind the page header, so that all offsets count from the start of the
+// first page.
 std::vector<std::uint8_t> ReadBytes(Pager& pager, const std::vector<PageNumber>& pages) {
   const std::size_t pageSize = LayoutOf(pager).pageSize;
   std::vector<std::uint8_t> bytes;
@@ -38,12 +47,14 @@ bool IsDefinitionPage(Pager& pager, PageNumber page) {
   return pager.Read(page)->U8(format::kPageTypeOffset) == format::page_type::kTableDefinition;
 }
 
+// Jet 4 only, as nothing else is written.
 std::size_t PagesNeeded(std::size_t length) {
   constexpr std::size_t kPerFurtherPage = kPageSize - table::kPageHeaderSize;
   return length <= kPageSize ? 1 : 1 + (length - kPageSize + kPerFurtherPage - 1) / kPerFurtherPage;
 }
 
-// Makes the list as long as it must be, with pages taken from the file or given back to it.
+// Makes the list as long as it must be, with pages taken from the file or given back to it. A page that goes gets the
+// type that Access gives it, so that nobody who still has its number takes it for a definition.
 void FitPages(Pager& pager, std::vector<PageNumber>& pages, std::size_t needed) {
   PageAllocator allocator(pager);
   while (pages.size() < needed) pages.push_back(allocator.Allocate().Number());
@@ -58,8 +69,10 @@ void WriteBytes(Pager& pager, const std::vector<PageNumber>& pages, std::span<co
   for (std::size_t i = 0; i < pages.size(); ++i) {
     const std::size_t begin = i == 0 ? 0 : table::kPageHeaderSize;
     const std::size_t length = std::min(bytes.size(), kPageSize - begin);
+    // The free bytes are stated without a reserve of 8, as Access does; never less than 0.
     const std::size_t unused = kPageSize - begin - length;
     Page& page = pager.Write(pages[i]);
+    // What a longer definition left behind it must not stay: names of dropped columns, say.
     page.Fill(0, kPageSize, 0);
     page.Put(begin, bytes.first(length));
     page.SetU8(format::kPageTypeOffset, format::page_type::kTableDefinition);
@@ -72,6 +85,7 @@ void WriteBytes(Pager& pager, const std::vector<PageNumber>& pages, std::span<co
 }
 
 std::size_t SlotOffset(const DefinitionLayout& layout, const TableDefinition& definition, std::size_t realIndex) {
+  // A definition that was read before somebody dropped the index.
   if (realIndex >= definition.realIndexes.size()) {
     RaiseFailure("The table definition on page " + std::to_string(definition.page) + " has no index number " +
                  std::to_string(realIndex) + ".");
@@ -81,6 +95,8 @@ std::size_t SlotOffset(const DefinitionLayout& layout, const TableDefinition& de
 
 }  // namespace
 
+// The type of each page is checked before it is believed: a freed page keeps its content, the link to the next one
+// included.
 std::vector<PageNumber> TableDefinitionPages(Pager& pager, PageNumber page) {
   std::vector<PageNumber> pages;
   for (PageNumber next = page; pages.empty() || next != 0;) {

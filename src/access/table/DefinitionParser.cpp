@@ -9,12 +9,22 @@
 #include "access/table/TextEncoding.h"
 #include "platform/values/CodePages.h"
 
+// A definition is a run of lists whose lengths stand in its header, so each list is found only by reading those before
+// it. What is read is checked in three steps: each count against the bytes that there are, before anything is made of
+// it; each field against the end of its record; and at the end what the parts say of each other (CheckColumns,
+// CheckIndexes). Everybody above takes a definition that came through here for consistent: a column's number is below
+// the counter and nobody else's, an index uses columns that exist.
+//
+// Jet 3 and Jet 4 differ in places and sizes only (DefinitionLayout), apart from names, which Jet 3 has in the code
+// page of its file.
+
 namespace tavi::access {
 
 void DefinitionReader::Raise(const std::string& what) const {
   RaiseDamage("the table definition on page " + std::to_string(page_) + ": " + what);
 }
 
+// Without a sum that could overflow: both numbers may come from a damaged file.
 void DefinitionReader::Check(std::size_t offset, std::size_t size, const char* field) const {
   if (offset <= bytes_.size() && size <= bytes_.size() - offset) return;
   Raise(std::string(field) + " at byte " + std::to_string(offset) + " lies past the end, after " +
@@ -40,6 +50,8 @@ RowPointer DefinitionReader::Pointer(std::size_t offset, const char* field) cons
   return RowPointer::FromPacked(U32(offset, field));
 }
 
+// The record is a reader of its own, whose end is the end of the record: a field past it is noticed even where other
+// records follow.
 DefinitionReader DefinitionReader::Record(std::size_t size, const char* what) {
   Check(position_, size, what);
   const DefinitionReader record(bytes_.subspan(position_, size), page_);
@@ -60,7 +72,8 @@ struct RecordCounts {
   std::size_t logicalIndexes;
 };
 
-// Records are far smaller than the definition, so that a hostile count is found before anything is allocated for it.
+/// Records are far smaller than the definition, so that a hostile count is found before anything is allocated for it.
+/// The count may still be wrong; then a record or a name lies past the end.
 std::size_t CheckedCount(const DefinitionReader& reader, std::size_t count, std::size_t size, const char* what) {
   if (count > reader.Bytes().size() / size) {
     reader.Raise("it is said to have " + std::to_string(count) + " " + what + ", more than its " +
@@ -69,6 +82,8 @@ std::size_t CheckedCount(const DefinitionReader& reader, std::size_t count, std:
   return count;
 }
 
+/// The counters for rows and automatic numbers are not read here: they change with each row, and a definition is kept
+/// longer than that.
 RecordCounts ReadHeader(const DefinitionReader& reader, const DefinitionLayout& layout, TableDefinition& definition) {
   const DefinitionLayout::Header& header = layout.header;
   definition.isSystem = reader.U8(header.type, "the table type") == format::table::kTypeSystem;
@@ -89,6 +104,7 @@ ColumnDefinition ReadColumn(const DefinitionReader& record, const DefinitionLayo
   column.id = record.U16(layout.id, kField);
   column.variableIndex = record.U16(layout.variableIndex, kField);
   column.ordinal = record.U16(layout.ordinal, kField);
+  // The same bytes: precision and scale of a Numeric, the sort order of all others.
   if (column.type == ColumnType::Numeric) {
     column.precision = record.U8(layout.precision, kField);
     column.scale = record.U8(layout.scale, kField);
@@ -100,11 +116,13 @@ ColumnDefinition ReadColumn(const DefinitionReader& record, const DefinitionLayo
   if (layout.extendedFlags != DefinitionLayout::kNotStored) {
     column.extendedFlags = record.U8(layout.extendedFlags, kField);
   }
+  // Of a variable column the field is garbage in files of Access.
   column.fixedOffset = column.IsFixed() ? record.U16(layout.fixedOffset, kField) : std::uint16_t{0};
   column.length = record.U16(layout.length, kField);
   return column;
 }
 
+/// The length counts bytes, not characters.
 std::string ReadName(DefinitionReader& reader, const DefinitionLayout& layout, const FormatVersion& version,
                      const char* what) {
   const DefinitionReader prefix = reader.Record(layout.nameLengthSize, what);
@@ -120,6 +138,7 @@ RealIndexDefinition ReadRealIndex(const DefinitionReader& record, const Definiti
   for (std::size_t i = 0; i < real_index::kMaximumColumnCount; ++i) {
     const std::size_t place = layout.columns + i * real_index::kColumnSize;
     const std::uint16_t id = record.U16(place, kField);
+    // Unused places have the number FFFF; the byte for the order is garbage there.
     if (id == real_index::kNoColumn) continue;
     const std::uint8_t order = record.U8(place + real_index::kColumnOrderOffset, kField);
     index.columns.push_back({id, order == real_index::kAscending});
@@ -133,7 +152,8 @@ RealIndexDefinition ReadRealIndex(const DefinitionReader& record, const Definiti
   return index;
 }
 
-// Bytes beyond the known values are damage of no consequence: the index then counts as an ordinary one.
+/// Bytes beyond the known values are damage of no consequence: the index then counts as an ordinary one, and its
+/// entries are kept like those of any other.
 template <typename Kind>
 Kind KnownKind(std::uint8_t stored, Kind last) {
   return stored <= static_cast<std::uint8_t>(last) ? static_cast<Kind>(stored) : Kind{};
@@ -153,6 +173,8 @@ LogicalIndexDefinition ReadLogicalIndex(const DefinitionReader& record, const De
   return index;
 }
 
+/// The only list without a count: it ends with FFFF, which is no column's number. Files of Access have one record for
+/// each Memo and OLE column, in some of which the maps are missing.
 std::vector<LongValueMaps> ReadLongValueMaps(DefinitionReader& reader) {
   namespace maps = format::long_value_maps;
   constexpr const char* kField = "the maps of a long-value column";
@@ -165,7 +187,8 @@ std::vector<LongValueMaps> ReadLongValueMaps(DefinitionReader& reader) {
   return all;
 }
 
-// What everybody above relies on: numbers that are unique and below their counters, fixed places inside of a row.
+/// What everybody above relies on: numbers that are unique and below their counters, fixed places inside of a row. Rows
+/// index their masks and offset tables with these numbers, without asking again.
 void CheckColumns(const DefinitionReader& reader, const TableDefinition& definition) {
   std::vector<bool> ids(definition.columnIdCounter);
   std::vector<bool> slots(definition.variableColumnCounter);
@@ -177,6 +200,7 @@ void CheckColumns(const DefinitionReader& reader, const TableDefinition& definit
     }
     ids[column.id] = true;
     if (column.IsFixed()) {
+      // Overlaps are not looked for: a Boolean states the place 0 and has no bytes there.
       if (std::size_t{column.fixedOffset} + column.length > kPageSize) {
         reader.Raise(name + "the place " + std::to_string(column.fixedOffset) + " and the length " +
                      std::to_string(column.length) + ", more than a row has.");
@@ -190,6 +214,7 @@ void CheckColumns(const DefinitionReader& reader, const TableDefinition& definit
   }
 }
 
+/// Several named indexes may share one tree; none may name a tree that is not there.
 void CheckIndexes(const DefinitionReader& reader, const TableDefinition& definition) {
   for (const RealIndexDefinition& index : definition.realIndexes) {
     for (const IndexColumn& column : index.columns) {
@@ -215,14 +240,17 @@ TableDefinition ParseTableDefinition(std::span<const std::uint8_t> bytes, PageNu
         .Raise("its length is stated as " + std::to_string(length) + ", its pages have " +
                std::to_string(bytes.size()) + " bytes.");
   }
+  // Cut to the length that the definition states: the rest of its last page is what an earlier, longer one left.
   DefinitionReader reader(bytes.first(length), page);
   TableDefinition definition;
   definition.page = page;
   const RecordCounts counts = ReadHeader(reader, layout, definition);
+  // The slots hold statistics (ParseCounters); the records of columns begin behind them.
   reader.MoveTo(layout.header.size + counts.realIndexes * layout.indexSlot.size);
   for (std::size_t i = 0; i < counts.columns; ++i) {
     definition.columns.push_back(ReadColumn(reader.Record(layout.column.size, "a column"), layout.column));
   }
+  // All records come before all names, in the same order.
   for (ColumnDefinition& column : definition.columns) column.name = ReadName(reader, layout, version, "a column name");
   for (std::size_t i = 0; i < counts.realIndexes; ++i) {
     definition.realIndexes.push_back(ReadRealIndex(reader.Record(layout.realIndex.size, "an index"), layout.realIndex));
@@ -240,6 +268,7 @@ TableDefinition ParseTableDefinition(std::span<const std::uint8_t> bytes, PageNu
   return definition;
 }
 
+// For a definition that is written anew and keeps its counters, hence only of Jet 4, which alone is written.
 DefinitionCounters ParseCounters(std::span<const std::uint8_t> bytes, PageNumber page) {
   const DefinitionLayout& layout = Jet4DefinitionLayout();
   const DefinitionReader reader(bytes, page);

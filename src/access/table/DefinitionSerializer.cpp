@@ -5,6 +5,11 @@
 #include "access/table/DefinitionBytes.h"
 #include "access/table/TextEncoding.h"
 
+// The counterpart of DefinitionParser.cpp: the lists in the same order, for Jet 4. Fields that Access leaves to chance
+// (unused bytes, the fixed place of a variable column, the order of unused index columns) are written as 0, so that
+// equal definitions have equal bytes. The lists come sorted already, columns by ordinal and name, named indexes by
+// name: whoever changes a definition keeps them so.
+
 namespace tavi::access {
 
 namespace {
@@ -26,6 +31,7 @@ class DefinitionWriter {
   }
   std::vector<std::uint8_t> Finish() {
     PutLittle(Record(table::kTerminatorSize), 0, table::kTerminator);
+    // Known only now; it counts the terminator.
     PutLittle(std::span(bytes_), table::kLengthOffset, static_cast<std::uint32_t>(bytes_.size()));
     return std::move(bytes_);
   }
@@ -42,6 +48,7 @@ void PutHeader(Record header, const TableDefinition& definition, const Definitio
   PutLittle(header, table::kConstantOffset, table::kConstant);
   PutLittle(header, table::kRowCountOffset, counters.rows);
   PutLittle(header, table::kLastAutonumberOffset, static_cast<std::uint32_t>(counters.lastAutoNumber));
+  // 1 in every table of Access, with an automatic number or without; where it is missing Access numbers no new rows.
   PutLittle(header, table::kAutonumberIncrementOffset, std::uint32_t{1});
   header[table::kTypeOffset] = definition.isSystem ? table::kTypeSystem : table::kTypeUser;
   PutLittle(header, table::kColumnIdCounterOffset, definition.columnIdCounter);
@@ -75,6 +82,7 @@ void PutColumn(Record record, const ColumnDefinition& column) {
   PutLittle(record, layout::kLengthOffset, column.length);
 }
 
+/// Bits whose meaning is not known here are kept as they were read; the three that are known follow the definition.
 std::uint8_t StoredFlags(const RealIndexDefinition& index) {
   namespace layout = format::real_index;
   constexpr unsigned kStated = layout::kFlagUnique | layout::kFlagIgnoreNulls | layout::kFlagRequired;
@@ -90,6 +98,7 @@ void PutRealIndex(Record record, const RealIndexDefinition& index) {
   PutLittle(record, layout::kConstantOffset, layout::kConstant);
   for (std::size_t i = 0; i < layout::kMaximumColumnCount; ++i) {
     const std::size_t place = layout::kColumnsOffset + i * layout::kColumnSize;
+    // A definition always has ten places for columns.
     PutLittle(record, place, i < index.columns.size() ? index.columns[i].columnId : layout::kNoColumn);
     const bool ascending = i < index.columns.size() && index.columns[i].ascending;
     record[place + layout::kColumnOrderOffset] = ascending ? layout::kAscending : layout::kDescending;

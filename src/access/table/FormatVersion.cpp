@@ -6,10 +6,15 @@
 #include "access/file/Format.h"
 #include "access/file/Page.h"
 
+// The two versions of the format have the same parts in the same order; only places and sizes differ. So there is one
+// parser, and a table of places for each version. Names of the constants are those of Format.h: a place is changed
+// there.
+
 namespace tavi::access {
 
 FormatVersion FormatVersionOf(Pager& pager) {
   if (!pager.IsJet3()) return {};
+  // The code page lies in the masked part of page 0, which is handed out as it is stored; so a copy is unmasked.
   Page header = *pager.Read(format::kHeaderPage);
   ToggleHeaderMask(header);
   return {true, header.U16(format::header::kCodePageOffset)};
@@ -49,6 +54,7 @@ const DefinitionLayout& Jet3DefinitionLayout() {
   namespace column = format::jet3::column;
   namespace real_index = format::jet3::real_index;
   namespace logical_index = format::jet3::logical_index;
+  // Jet 3 keeps no version of a sort order and no compression of texts.
   constexpr std::size_t kNotStored = DefinitionLayout::kNotStored;
   static constexpr DefinitionLayout kLayout = {
       format::jet3::kPageSize,

@@ -14,6 +14,14 @@
 #include "access/table/TextEncoding.h"
 #include "access/table/ValueCodec.h"
 
+// A long value is in its row, in one row of a shared page, or in a chain of pages of its own, by its length before
+// compression. Access decides so, and values that are stored here are what it would have stored. Compression follows
+// the form: in the row always where it can be, in one row by the column's flag, in a chain never.
+//
+// Reading trusts nothing: the stated length is held against the file before memory is taken, each part must be on a
+// page of long values, and a chain that comes back to one of its parts is refused. Removing frees only what the
+// column's own map says to be its own, as all pages of long values name the same owner.
+
 namespace tavi::access {
 
 namespace {
@@ -24,6 +32,7 @@ namespace data = format::data;
 using Stored = std::span<const std::uint8_t>;
 using Form = PreparedLongValue::Form;
 
+/// What the row holds of a value, without data that follow.
 struct Descriptor {
   std::uint32_t form = 0;
   std::size_t length = 0;
@@ -37,6 +46,7 @@ std::optional<Descriptor> ReadDescriptor(Stored stored) {
                     RowPointer::FromPacked(GetLittle<std::uint32_t>(stored, long_value::kPointerOffset))};
 }
 
+/// The stamp at its end stays zero, as on the first page of a chain: equal is what readers want.
 Bytes MakeDescriptor(std::uint32_t form, std::size_t length, RowPointer first) {
   Bytes bytes(long_value::kDescriptorSize);
   PutLittle(std::span(bytes), long_value::kLengthOffset, form | static_cast<std::uint32_t>(length));
@@ -48,6 +58,7 @@ Bytes MakeDescriptor(std::uint32_t form, std::size_t length, RowPointer first) {
   RaiseDamage("the long value of the field '" + column.name + "' " + what);
 }
 
+/// Readers accept more in one row (4,080 bytes) than is ever stored so.
 Form FormFor(std::size_t uncompressedSize) {
   if (uncompressedSize <= long_value::kMaximumInlineSize) return Form::Inline;
   return uncompressedSize <= long_value::kMaximumSingleSize ? Form::Single : Form::Chain;
@@ -67,6 +78,7 @@ PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& c
   PreparedLongValue prepared;
   const auto* text = std::get_if<std::string>(&value);
   if (column.type == ColumnType::Memo && text != nullptr) {
+    // By the length of the plain form, even where the compressed one would be short enough for the row.
     prepared.form = FormFor(Utf16Length(*text) * sizeof(char16_t));
     const bool compress = prepared.form == Form::Inline || (prepared.form == Form::Single && column.IsCompressed());
     prepared.data = EncodeText(*text, compress);
@@ -78,6 +90,7 @@ PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& c
                 "Data type mismatch in criteria expression. The value for the field '" + column.name +
                     "' is not of the field's type.");
   }
+  // The length has 30 bits; the others hold the form.
   if (prepared.data.size() > long_value::kLengthMask) {
     RaiseFailure("The value for the field '" + column.name + "' has " + std::to_string(prepared.data.size()) +
                  " bytes; a field can hold " + std::to_string(long_value::kLengthMask) +
@@ -103,6 +116,7 @@ Value LongValues::Read(Stored stored, const ColumnDefinition& column) const {
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
   if (descriptor && descriptor->form == long_value::kFormInline) {
     const Stored inlined = stored.subspan(long_value::kDescriptorSize);
+    // A row may have more bytes behind the value, never fewer.
     if (descriptor->length > inlined.size()) RaiseBadValue(column, "is cut off in its row.");
     return DecodeValue(inlined.first(descriptor->length), column, version_);
   }
@@ -110,12 +124,14 @@ Value LongValues::Read(Stored stored, const ColumnDefinition& column) const {
 }
 
 Bytes LongValues::ReadBytes(Stored stored, const ColumnDefinition& column) const {
+  // Not null, and without a descriptor: an empty value.
   if (stored.empty()) return {};
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
   if (!descriptor) RaiseBadValue(column, "has a descriptor of only " + std::to_string(stored.size()) + " bytes.");
   if (descriptor->form == long_value::kFormChain) return ReadChain(descriptor->first, descriptor->length, column);
   if (descriptor->form != long_value::kFormSingle) RaiseBadValue(column, "has an unknown form.");
   const auto row = RowFinder(*pager_, data::kOwnerLongValues).Find(descriptor->first);
+  // A row may be longer than the value; the descriptor says what counts.
   if (!row || row->bytes.size() < descriptor->length) {
     RaiseBadValue(column, "should have " + std::to_string(descriptor->length) + " bytes in " +
                               NameOf(descriptor->first) + ", which are not there.");
@@ -124,6 +140,8 @@ Bytes LongValues::ReadBytes(Stored stored, const ColumnDefinition& column) const
   return {bytes.begin(), bytes.end()};
 }
 
+// The parts are put together in the order of their pointers. The length says where to stop, not the pointer of the last
+// part, which nobody looks at.
 Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDefinition& column) const {
   if (length > std::size_t{pager_->PageCount()} * kPageSize) {
     RaiseBadValue(column, "is said to have " + std::to_string(length) + " bytes, more than the file.");
@@ -133,6 +151,7 @@ Bytes LongValues::ReadChain(RowPointer first, std::size_t length, const ColumnDe
   value.reserve(length);
   std::unordered_set<std::uint32_t> taken;
   for (RowPointer place = first; value.size() < length;) {
+    // A part that comes again is not this value's own, even if the length would come out right.
     if (!taken.insert(place.Packed()).second)
       RaiseBadValue(column, "has parts that lead in a circle to " + NameOf(place) + ".");
     const auto row = place.IsNone() ? std::nullopt : finder.Find(place);
@@ -166,7 +185,8 @@ Bytes LongValues::Store(const PreparedLongValue& value, const LongValueMaps& map
   }
 }
 
-// The stamp stays zero, on the first page as in the descriptor.
+// All pages come first, as each part names the next one. The stamp stays zero, on the first page as in the descriptor.
+// Each page but the last is full; the last one is not offered for other rows either.
 RowPointer LongValues::StoreChain(Stored bytes, const LongValueMaps& maps) {
   RowSpace space = SpaceOf(*pager_, maps);
   std::vector<PageNumber> pages;
@@ -175,6 +195,7 @@ RowPointer LongValues::StoreChain(Stored bytes, const LongValueMaps& maps) {
   }
   for (std::size_t i = 0; i < pages.size(); ++i) {
     const Stored part = bytes.subspan(i * long_value::kChainDataSize);
+    // Row 0 of the next page; every page of a chain has just that one row.
     const RowPointer next = {i + 1 < pages.size() ? pages[i + 1] : 0, 0};
     Bytes row(long_value::kChainPointerSize);
     PutLittle(std::span(row), 0, next.Packed());
@@ -185,6 +206,8 @@ RowPointer LongValues::StoreChain(Stored bytes, const LongValueMaps& maps) {
   return {pages.front(), 0};
 }
 
+// A part is deleted after its pointer was read. A chain in a circle ends by itself, at a part that is gone already; a
+// part that belongs to somebody else ends it, too.
 void LongValues::Remove(Stored stored, const LongValueMaps& maps) {
   const std::optional<Descriptor> descriptor = ReadDescriptor(stored);
   if (!descriptor || descriptor->form == long_value::kFormInline) return;

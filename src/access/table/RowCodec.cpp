@@ -9,12 +9,19 @@
 #include "access/file/Format.h"
 #include "access/table/ValueCodec.h"
 
+// A row is always written as the definition is at that moment: with a place for every fixed column, an offset for every
+// variable one that the table ever had, and a bit for every number given out. So a dropped column still costs a row its
+// fixed place, or two bytes of offset, and all rows of one age have their values in the same places. A row that changes
+// is laid out anew, whatever its age.
+
 namespace tavi::access {
 
 namespace {
 
 namespace row_layout = format::row;
 
+/// Behind the last fixed column that there is now. What dropped columns before it had is left zero; the place of those
+/// behind it may be used again, as Access does.
 std::size_t FixedAreaEnd(const TableDefinition& definition) {
   std::size_t end = row_layout::kFixedAreaOffset;
   for (const ColumnDefinition& column : definition.columns) {
@@ -30,6 +37,7 @@ void AppendWord(Bytes& bytes, std::size_t word) {
   bytes.push_back(static_cast<std::uint8_t>(word >> 8U));
 }
 
+/// A Boolean's value is its bit.
 bool MaskBitOf(const Value& value) {
   if (const bool* truth = std::get_if<bool>(&value)) return *truth;
   return !IsNull(value);
@@ -55,6 +63,7 @@ class RowWriter {
   }
 
  private:
+  // The area is zero already, and a null leaves it so.
   void PutFixed() {
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
       const ColumnDefinition& column = definition_.columns[i];
@@ -71,12 +80,14 @@ class RowWriter {
       offsets.push_back(row_.size());
       row_.insert(row_.end(), value.begin(), value.end());
     }
-    // Longer ones are refused in the end, but offsets must fit in a word before.
+    // The end of the data. In a row of more than 65,535 bytes offsets are cut; it is refused by its length in the end.
     AppendWord(row_, row_.size());
     for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) AppendWord(row_, *offset);
     AppendWord(row_, stored.size());
   }
 
+  // By their place in the offset table, not in the order of the definition. Places of dropped columns and nulls stay
+  // empty: start and end of the value are the same.
   [[nodiscard]] std::vector<Bytes> StoredByIndex() const {
     std::vector<Bytes> stored(definition_.variableColumnCounter);
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
@@ -91,10 +102,12 @@ class RowWriter {
     Bytes mask((definition_.columnIdCounter + format::kBitsPerByte - 1) / format::kBitsPerByte);
     for (std::size_t i = 0; i < definition_.columns.size(); ++i) {
       if (!MaskBitOf(values_[i])) continue;
+      // The bit goes by the column's number; those of dropped columns stay 0.
       const std::uint16_t id = definition_.columns[i].id;
       mask.at(id / format::kBitsPerByte) |= static_cast<std::uint8_t>(1U << (id % format::kBitsPerByte));
     }
-    // A row must be able to hold the pointer that it leaves behind when it moves.
+    // A row must be able to hold the pointer that it leaves behind when it moves. Only a row without variable columns
+    // can be so short, and in it nothing says where the fixed area ends.
     if (row_.size() + mask.size() < row_layout::kMinimumSize) row_.resize(row_layout::kMinimumSize - mask.size());
     row_.insert(row_.end(), mask.begin(), mask.end());
   }

@@ -7,10 +7,19 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
+// A row is known by the place where it was first stored: index entries and other rows hold that, so it stays the row's
+// name for life. A row that no longer fits there lies elsewhere, and its place holds a pointer; the place of its body
+// is nobody's name, and a walk over the table passes it over. A body never moves on by itself: the pointer is changed
+// instead, so one step always ends it.
+//
+// Whose a page is, is asked each time. Pages are given back and used again, and keep their content meanwhile.
+
 namespace tavi::access {
 
 namespace {
 
+/// The flags are looked at together: both set mean deleted, one alone moved or moved here. A test of one bit would take
+/// a deleted row for a moved one.
 bool IsRowOfItsOwn(const RowEntry& entry) {
   return !entry.IsDeleted() && !entry.IsMovedTarget();
 }
@@ -20,6 +29,7 @@ bool IsRowOfItsOwn(const RowEntry& entry) {
 std::optional<FoundRow> RowFinder::Find(RowPointer row) const {
   if (row.page == 0 || row.page >= pager_->PageCount()) return std::nullopt;
   PageHandle page = pager_->Read(row.page);
+  // No error: the page went back to the file when its last row was deleted, and somebody else has it by now.
   if (!DataPageReader::IsOwnedBy(*page, owner_)) return std::nullopt;
   const DataPageReader reader(*page, DataPageLayoutOf(*pager_));
   if (row.row >= reader.RowCount()) return std::nullopt;
@@ -30,6 +40,8 @@ std::optional<FoundRow> RowFinder::Find(RowPointer row) const {
   return FoundRow{row, std::move(page), bytes};
 }
 
+// Where the pointer does not lead to a body, the row's bytes are lost, and that is damage. Bytes behind the pointer are
+// what is left of the old row.
 FoundRow RowFinder::FollowMoved(RowPointer row, std::span<const std::uint8_t> pointer) const {
   const std::string name = "row " + std::to_string(row.row) + " of page " + std::to_string(row.page);
   if (pointer.size() < format::row::kRowPointerSize) RaiseDamage(name + " was moved, but does not say where to.");
@@ -50,6 +62,7 @@ bool RowFinder::IsRow(const Page& page, std::size_t row) const {
   return IsRowOfItsOwn(DataPageReader(page, DataPageLayoutOf(*pager_)).Entry(row));
 }
 
+// The page is held by the caller, who asks for one row after the other; each costs a look at its directory entry.
 std::optional<std::uint8_t> RowFinder::NextOnPage(const Page& page, std::size_t from) const {
   const DataPageReader reader(page, DataPageLayoutOf(*pager_));
   for (std::size_t row = from; row < reader.RowCount(); ++row) {

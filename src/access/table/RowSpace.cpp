@@ -6,17 +6,26 @@
 #include "access/file/UsageMap.h"
 #include "access/table/DataPage.h"
 
+// Two maps belong to an owner: the pages that it has, and among them those that are worth trying for another row. The
+// second one is advice. A page is offered while there is room for a row as long as those on it, and withdrawn when an
+// attempt shows that there is not; a page that is wrongly offered costs one look, one wrongly withheld only room. So
+// inserting a row looks at few pages, whatever the size of the table: the one of the last insertion, some candidates,
+// then a new page.
+
 namespace tavi::access {
 
 namespace {
 
-// Pages with room that are looked at before the file is made longer.
+// Pages with room that are looked at before the file is made longer. Long rows that fit on none would otherwise be
+// tried against each page of a large table.
 constexpr int kMostCandidates = 16;
 
 }  // namespace
 
 RowPointer RowSpace::Insert(std::span<const std::uint8_t> bytes, std::uint16_t flags, PageNumber hint) {
   const UsageMap withRoom(*pager_, freeSpacePages_);
+  // Rows that are stored one after the other then lie together, which costs fewer pages in the log, and less when they
+  // are read again.
   if (hint != 0 && withRoom.Contains(hint)) {
     if (const auto row = InsertOn(hint, bytes, flags)) return *row;
   }
@@ -33,7 +42,8 @@ RowPointer RowSpace::Insert(std::span<const std::uint8_t> bytes, std::uint16_t f
 }
 
 // A page that another program lists although it is not the owner's is passed over. All long values name one owner on
-// their pages, so that of them only the map tells whose a page is.
+// their pages, so that of them only the map tells whose a page is. Nothing is changed on a page that does not take the
+// row, but for the offer.
 std::optional<RowPointer> RowSpace::InsertOn(PageNumber number, std::span<const std::uint8_t> bytes,
                                              std::uint16_t flags) {
   Page& page = pager_->Write(number);
@@ -44,6 +54,7 @@ std::optional<RowPointer> RowSpace::InsertOn(PageNumber number, std::span<const 
   }
   DataPageEditor editor(page);
   if (!editor.Takes(bytes.size())) {
+    // Too long for this page need not mean that the page is full.
     if (!editor.HasRoomForTypicalRow()) Offer(number, false);
     return std::nullopt;
   }
@@ -52,6 +63,7 @@ std::optional<RowPointer> RowSpace::InsertOn(PageNumber number, std::span<const 
   return row;
 }
 
+// The page stays on offer or goes by the room that is left: a shorter row makes room for others.
 bool RowSpace::TryReplace(RowPointer row, std::span<const std::uint8_t> bytes, std::uint16_t flags) {
   DataPageEditor editor(pager_->Write(row.page));
   if (!editor.TakesInstead(row.row, bytes.size())) return false;
@@ -60,6 +72,7 @@ bool RowSpace::TryReplace(RowPointer row, std::span<const std::uint8_t> bytes, s
   return true;
 }
 
+// A page without live rows goes back to the file at once, as its row numbers are nobody's names any more.
 void RowSpace::Delete(RowPointer row) {
   DataPageEditor editor(pager_->Write(row.page));
   editor.Delete(row.row);
@@ -73,6 +86,8 @@ void RowSpace::Delete(RowPointer row) {
 Page& RowSpace::AddPage() {
   Page& page = PageAllocator(*pager_).Allocate();
   DataPageEditor::Format(page, owner_);
+  // Only owned, not offered: pages of a chain of long values are full by what they are, and other programs must not put
+  // rows there.
   UsageMap(*pager_, ownedPages_).Add(page.Number());
   return page;
 }
@@ -82,6 +97,8 @@ bool RowSpace::Owns(PageNumber page) const {
          DataPageReader::IsOwnedBy(*pager_->Read(page), owner_);
 }
 
+// The maps first, whatever the page is: what is not ours is to be gone from them. The type byte is changed as Access
+// does it, so that a number of the page that is left somewhere leads to no data page.
 void RowSpace::ReleasePage(PageNumber page) {
   const bool isOurs = Owns(page);
   UsageMap(*pager_, ownedPages_).Remove(page);
@@ -93,6 +110,7 @@ void RowSpace::ReleasePage(PageNumber page) {
 
 void RowSpace::ReleaseAll() {
   for (const PageNumber page : UsageMap(*pager_, ownedPages_).Pages()) ReleasePage(page);
+  // What is offered without being owned is withdrawn, too.
   UsageMap withRoom(*pager_, freeSpacePages_);
   for (const PageNumber page : withRoom.Pages()) withRoom.Remove(page);
 }

@@ -7,6 +7,12 @@
 #include "access/file/Format.h"
 #include "access/table/ValueCodec.h"
 
+// A row is read from both ends: the fixed columns from its start, everything else from its end, where the null mask and
+// the offsets are. How many of each there are the row says itself, as it was when it was written: the table may have
+// got columns since. A column that is asked for goes through the same questions in turn: did the row know it (its
+// number against the row's count), has it a value (its bit), where is it. No number of the row is used before it was
+// held against the row's length.
+
 namespace tavi::access {
 
 namespace {
@@ -21,6 +27,8 @@ struct Trailer {
   std::size_t firstOffset = 0;  // of column 0; the others lie below, the end of the data last
 };
 
+/// Every part's size depends on the one behind it, so the trailer is taken apart from the end. A row has a jump for
+/// each 256 bytes before its last one.
 std::optional<Trailer> FindTrailer(std::span<const std::uint8_t> row, std::size_t maskSize) {
   if (row.size() < maskSize + jet3_row::kVariableCountSize + jet3_row::kColumnCountSize) return std::nullopt;
   Trailer trailer;
@@ -37,6 +45,8 @@ std::optional<Trailer> FindTrailer(std::span<const std::uint8_t> row, std::size_
   return trailer;
 }
 
+/// Offsets grow with the column, so 256 is added for each jump whose column is not behind this one. Also asked for the
+/// column behind the last, whose offset is the end of the data.
 std::size_t OffsetOf(std::span<const std::uint8_t> row, const Trailer& trailer, std::size_t variableIndex) {
   std::size_t offset = row[trailer.firstOffset - variableIndex];
   for (std::size_t i = 0; i < trailer.jumpCount; ++i) {
@@ -71,6 +81,7 @@ RowView::RowView(std::span<const std::uint8_t> bytes, const FormatVersion& versi
   if (bytes_.size() >= countSize) {
     columnCount_ = version_.isJet3 ? bytes_[0] : GetLittle<std::uint16_t>(bytes_, row_layout::kColumnCountOffset);
   }
+  // No table without columns has rows; a stretch of zeros would look like such a row.
   if (columnCount_ == 0) Raise("it says that it has no columns.");
   maskSize_ = (columnCount_ + format::kBitsPerByte - 1) / format::kBitsPerByte;
   if (bytes_.size() < countSize + maskSize_) {
@@ -84,6 +95,7 @@ void RowView::Raise(const std::string& what) const {
 }
 
 bool RowView::MaskBit(std::uint16_t columnId) const {
+  // The column came later: null, or False.
   if (columnId >= columnCount_) return false;
   const std::size_t mask = bytes_.size() - maskSize_;
   const unsigned byte = bytes_[mask + columnId / format::kBitsPerByte];
@@ -93,6 +105,7 @@ bool RowView::MaskBit(std::uint16_t columnId) const {
 bool RowView::IsNull(const ColumnDefinition& column) const {
   if (column.type == ColumnType::Boolean) return false;
   if (!MaskBit(column.id)) return true;
+  // Likewise for a variable column that the row has no offset for.
   return !column.IsFixed() && column.variableIndex >= VariableCount();
 }
 
@@ -109,6 +122,7 @@ Value RowView::Get(const ColumnDefinition& column) const {
 std::span<const std::uint8_t> RowView::FixedBytes(const ColumnDefinition& column) const {
   const std::size_t area = version_.isJet3 ? format::jet3::row::kFixedAreaOffset : row_layout::kFixedAreaOffset;
   const std::size_t begin = area + column.fixedOffset;
+  // The type decides where it can: the length of a column is a number like any other in a damaged definition.
   const std::size_t size = SizeOfType(column.type).value_or(column.length);
   const std::size_t end = bytes_.size() - maskSize_;
   if (begin > end || size > end - begin) {
@@ -142,10 +156,13 @@ std::span<const std::uint8_t> RowView::VariableBytes(const ColumnDefinition& col
       Raise("its " + std::to_string(count) + " variable fields do not fit into " + std::to_string(bytes_.size()) +
             " bytes.");
     }
+    // Offsets stand in reverse: that of column 0 just before the count, and before each the one of the next column.
+    // Before the last there is the end of the data, so that "the next offset" is always right.
     const std::size_t place = limit - row_layout::kVariableCountSize - row_layout::kVariableOffsetSize -
                               column.variableIndex * row_layout::kVariableOffsetSize;
     begin = GetLittle<std::uint16_t>(bytes_, place);
     end = GetLittle<std::uint16_t>(bytes_, place - row_layout::kVariableOffsetSize);
+    // Values end where the trailer begins. There may be padding between.
     limit -= trailer;
   }
   if (begin > end || end > limit) {

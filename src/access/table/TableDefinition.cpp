@@ -7,10 +7,12 @@
 
 namespace tavi::access {
 
+// By the flag, not by the type: files of Access have numbers in the variable part, and texts of fixed length.
 bool ColumnDefinition::IsFixed() const {
   return (flags & format::column_flag::kFixed) != 0;
 }
 
+// The flag alone does not say it: it can stand on columns of other types, too.
 bool ColumnDefinition::IsAutoNumber() const {
   return type == ColumnType::Long && (flags & format::column_flag::kAutonumber) != 0;
 }
@@ -32,6 +34,7 @@ const ColumnDefinition* TableDefinition::FindColumn(std::uint16_t id) const {
   return found == columns.end() ? nullptr : &*found;
 }
 
+// Names of columns are told apart without regard to case, as in statements.
 const ColumnDefinition* TableDefinition::FindColumn(std::string_view name) const {
   const auto found = std::ranges::find_if(
       columns, [name](const ColumnDefinition& column) { return EqualIgnoringCase(column.name, name); });

@@ -9,6 +9,14 @@
 #include "access/file/PageAllocator.h"
 #include "access/table/TableRows.h"
 
+// Storing and changing rows, in an order that leaves nothing behind when a row is refused. First the row is laid out as
+// it will be, with long values only measured: all that can be wrong with values (types, lengths, a row that is too
+// long) shows there, and no page has been touched. Then long values are stored, which tells their places, and the row
+// is laid out again with these; its length is the same. Only then it goes to a page.
+//
+// A row that is changed keeps its place as its name. If its page cannot take it any more, the body goes elsewhere and
+// the place holds a pointer; entries of indexes need not be touched.
+
 namespace tavi::access {
 
 namespace {
@@ -28,7 +36,8 @@ struct LongValuePlan {
   std::vector<Bytes> inRow;  // what the row will hold; until a value is stored as many bytes as that will be
 };
 
-// Floating-point values are the same when their bits are.
+// Floating-point values are the same when their bits are: -0 is equal to 0, and stored differently; a value that is
+// equal to nothing, not to itself, would be written again each time.
 bool IsSameStored(const Value& left, const Value& right) {
   if (left.index() != right.index()) return false;
   if (const auto* number = std::get_if<double>(&left)) {
@@ -62,6 +71,7 @@ const LongValueMaps* FindMaps(const TableDefinition& definition, std::uint16_t c
   return found == definition.longValueMaps.end() ? nullptr : &*found;
 }
 
+// A column can have a record with one map or none: in files of Access, and where a column is new here.
 bool IsComplete(const LongValueMaps& maps) {
   return !maps.ownedPages.IsNone() && !maps.freeSpacePages.IsNone();
 }
@@ -103,11 +113,14 @@ void TableRows::Update(RowPointer row, const RowValues& values) {
   std::vector<std::size_t> replaced;
   for (std::size_t i = 0; i < values.size(); ++i) {
     const ColumnDefinition& column = definition_->columns[i];
+    // Long values are compared as well, which reads them: a value that did not change keeps its place, and a program
+    // that writes back all fields of a record costs nothing.
     const bool isSame = IsSameStored(ReadValue(view, column, row), values[i]);
     isChanged = isChanged || !isSame;
     if (!column.IsLongValue()) continue;
     if (!isSame) replaced.push_back(i);
     if (IsNull(values[i])) continue;
+    // The descriptor is taken over as it stands.
     if (isSame) {
       const Stored kept = view.Stored(column);
       plan.inRow[i].assign(kept.begin(), kept.end());
@@ -119,6 +132,8 @@ void TableRows::Update(RowPointer row, const RowValues& values) {
   Bytes bytes = EncodeRow(*definition_, values, plan.inRow);
   for (const std::size_t i : replaced) {
     const ColumnDefinition& column = definition_->columns[i];
+    // The new value comes before the old one goes, so that the old one's pages are not taken for the new one while the
+    // row still refers to them. `view` shows the row as it was read, whatever is written meanwhile.
     if (plan.toStore[i]) plan.inRow[i] = StoreLongValue(*plan.toStore[i], column.id);
     if (!view.IsNull(column) && LongValues::IsElsewhere(view.Stored(column))) {
       LongValues(*pager_, Version()).Remove(view.Stored(column), MapsOf(column.id));
@@ -128,7 +143,8 @@ void TableRows::Update(RowPointer row, const RowValues& values) {
   ReplaceBytes(row, found.body, bytes);
 }
 
-// In its own place, or back there if it was moved; else where it was moved to; else somewhere new.
+// In its own place, or back there if it was moved; else where it was moved to; else somewhere new. So there is never a
+// pointer to a pointer, and a row that shrinks comes home. The old body goes last.
 void TableRows::ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes) {
   RowSpace space = Space();
   const bool wasMoved = body != row;
@@ -138,6 +154,8 @@ void TableRows::ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes
   }
   if (wasMoved && space.TryReplace(body, bytes, data::kRowMovedTarget)) return;
   const RowPointer next = space.Insert(bytes, data::kRowMovedTarget, lastInserted_);
+  // Every row has 4 bytes at least, so there is room for the pointer, unless another program wrote a shorter one on a
+  // page without any room.
   if (!space.TryReplace(row, PointerBytes(next), data::kRowMoved)) {
     RaiseDamage("row " + std::to_string(row.row) + " of page " + std::to_string(row.page) +
                 " is too short to say where it was moved to.");
@@ -145,6 +163,7 @@ void TableRows::ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes
   if (wasMoved) space.Delete(body);
 }
 
+// What the row owns goes before the row itself, which is the only way to it.
 void TableRows::Delete(RowPointer row) {
   const FoundRow found = Require(row);
   const RowView view(found.bytes, Version(), row);
@@ -185,10 +204,13 @@ LongValueMaps TableRows::MapsOf(std::uint16_t columnId) const {
   return storedMaps == nullptr ? LongValueMaps{columnId, {}, {}} : *storedMaps;
 }
 
+// A column's maps are made when it first needs a page: most Memo columns of a table hold short texts, which lie in the
+// row. The definition in the file is read again and written whole, as others may have changed it since ours was read.
 LongValueMaps TableRows::MapsForStoring(std::uint16_t columnId) {
   LongValueMaps maps = MapsOf(columnId);
   if (IsComplete(maps)) return maps;
   PageAllocator allocator(*pager_);
+  // Beside the maps of the table, where there is room.
   const PageNumber near = definition_->ownedPages.page;
   if (maps.ownedPages.IsNone()) maps.ownedPages = allocator.AddUsageMap(near);
   if (maps.freeSpacePages.IsNone()) maps.freeSpacePages = allocator.AddUsageMap(near);
@@ -209,6 +231,7 @@ LongValueMaps TableRows::MapsForStoring(std::uint16_t columnId) {
 
 Bytes TableRows::StoreLongValue(const PreparedLongValue& value, std::uint16_t columnId) {
   const bool isInline = value.form == PreparedLongValue::Form::Inline;
+  // An inline value needs no maps, so none are made for it.
   return LongValues(*pager_, Version()).Store(value, isInline ? LongValueMaps{} : MapsForStoring(columnId));
 }
 

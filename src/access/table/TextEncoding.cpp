@@ -6,6 +6,10 @@
 #include "access/file/Format.h"
 #include "platform/values/Text.h"
 
+// Most texts are ASCII, which is the same in UTF-8 and in compressed form and is copied as it is; each function looks
+// for that first, and goes by UTF-16 only when it has to. Compressed values with a switch of mode were seen in memos
+// alone; they are read, and never written.
+
 namespace tavi::access {
 
 namespace {
@@ -17,6 +21,7 @@ constexpr std::size_t kUnitSize = 2;
 
 using Stored = std::span<const std::uint8_t>;
 
+/// FF FE is the mark of the compressed form here, not a byte-order mark.
 bool IsMarkedCompressed(Stored stored) {
   return stored.size() >= text_layout::kCompressedMark.size() && stored[0] == text_layout::kCompressedMark[0] &&
          stored[1] == text_layout::kCompressedMark[1];
@@ -30,12 +35,14 @@ bool IsAscii(std::string_view text) {
   return std::ranges::all_of(text, [](char byte) { return static_cast<std::uint8_t>(byte) < kFirstNonAscii; });
 }
 
+/// An odd byte at the end is half a unit, and dropped.
 void AppendUnits(std::u16string& units, Stored plain) {
   for (std::size_t i = 0; i + 1 < plain.size(); i += kUnitSize) {
     units.push_back(GetLittle<char16_t>(plain, i));
   }
 }
 
+/// The characters 80 to FF take two bytes in UTF-8: 110000xx 10xxxxxx.
 void AppendLatin(std::string& text, Stored bytes) {
   for (const std::uint8_t byte : bytes) {
     if (byte < kFirstNonAscii) {
@@ -47,6 +54,8 @@ void AppendLatin(std::string& text, Stored bytes) {
   }
 }
 
+/// In turn one byte for each character and two. A 00 ends a segment of either kind, which is why a plain one holds no
+/// character with a 00 byte in it. The value may end in either mode.
 std::string DecodeSegments(Stored body) {
   std::u16string units;
   bool isCompressed = true;
@@ -66,6 +75,7 @@ std::string DecodeSegments(Stored body) {
   return FromUtf16(units);
 }
 
+/// Without a switch there is one segment, whose characters are those of Latin-1.
 std::string DecodeCompressed(Stored body) {
   if (std::ranges::find(body, text_layout::kModeSwitch) != body.end()) return DecodeSegments(body);
   if (IsAscii(body)) return {body.begin(), body.end()};
@@ -86,6 +96,7 @@ std::string DecodePlainText(Stored stored) {
   std::string text;
   text.reserve(stored.size() / kUnitSize);
   for (std::size_t i = 0; i + 1 < stored.size(); i += kUnitSize) {
+    // The first character beyond ASCII: all of it goes by UTF-16 then, as pairs of units may follow.
     if (stored[i + 1] != 0 || stored[i] >= kFirstNonAscii) {
       std::u16string units;
       units.reserve(stored.size() / kUnitSize);
@@ -114,6 +125,7 @@ Bytes EncodePlainText(std::string_view text) {
 
 bool IsCompressible(std::string_view text) {
   if (IsAscii(text)) {
+    // A NUL is the switch of mode in the compressed form, so a text with one stays plain.
     return text.size() >= text_layout::kMinimumCompressedLength && text.find('\0') == std::string_view::npos;
   }
   const std::u16string units = ToUtf16(text);

@@ -11,6 +11,13 @@
 #include "access/table/TextEncoding.h"
 #include "platform/values/CodePages.h"
 
+// What a value is in a row, type by type. Both ways stand side by side, so that the one is seen to undo the other.
+// Nothing is converted here: a value of another type than its column's is refused (see ConvertForColumn for bringing it
+// there), because a silent conversion would store what nobody checked.
+//
+// Whether a column has a fixed place in the row is the column's own matter (its flag), not its type's: there are texts
+// of fixed length and numbers of variable place. Only the length of the bytes follows from the type.
+
 namespace tavi::access {
 
 namespace {
@@ -26,7 +33,8 @@ double GetDouble(Stored stored) {
   return std::bit_cast<double>(GetLittle<std::uint64_t>(stored, 0));
 }
 
-// Stored bytes are swapped in the first three groups against the printed order; the same map leads back.
+/// Stored bytes are swapped in the first three groups against the printed order; the same map leads back.
+/// {0FC49B7B-E656-4228-...} is stored as 7B 9B C4 0F 56 E6 28 42 ...
 constexpr std::array<std::size_t, kGuidSize> kGuidOrder = {3, 2, 1, 0, 5, 4, 7, 6, 8, 9, 10, 11, 12, 13, 14, 15};
 
 Guid DecodeGuid(Stored stored) {
@@ -35,6 +43,7 @@ Guid DecodeGuid(Stored stored) {
   return guid;
 }
 
+/// Four words, the most significant first, each of them little-endian: neither order of 16 bytes.
 Decimal DecodeNumeric(Stored stored, std::uint8_t scale) {
   std::array<std::uint64_t, numeric::kWordCount> words{};
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -48,6 +57,7 @@ Decimal DecodeNumeric(Stored stored, std::uint8_t scale) {
   return number;
 }
 
+/// A text of fixed length is never compressed, so FF FE at its start are characters like others.
 std::string DecodeTextColumn(Stored stored, const ColumnDefinition& column, const FormatVersion& version) {
   if (version.isJet3) return DecodeCodePage(stored, version.codePage);
   return column.IsFixed() ? DecodePlainText(stored) : DecodeText(stored);
@@ -70,6 +80,7 @@ Bytes EncodeNumeric(const Decimal& number) {
   const std::array<std::uint64_t, numeric::kWordCount> words = {number.high >> 32U, number.high, number.low >> 32U,
                                                                 number.low};
   Bytes bytes(numeric::kSize);
+  // Zero has no sign, so that equal numbers have equal bytes and equal keys.
   const bool isZero = number.high == 0 && number.low == 0;
   bytes[0] = number.negative && !isZero ? numeric::kNegative : numeric::kPositive;
   for (std::size_t i = 0; i < words.size(); ++i) {
@@ -79,6 +90,8 @@ Bytes EncodeNumeric(const Decimal& number) {
   return bytes;
 }
 
+/// A text of fixed length is filled up with blanks, which are read with it. Its length was checked before
+/// (ConvertForColumn); the last step is for an odd number of bytes in a damaged definition.
 Bytes EncodeTextColumn(const std::string& text, const ColumnDefinition& column) {
   if (!column.IsFixed()) return EncodeText(text, column.IsCompressed());
   Bytes bytes = EncodePlainText(text);
@@ -101,6 +114,7 @@ Bytes EncodeBinary(Bytes bytes, const ColumnDefinition& column) {
                   "' is not of the field's type.");
 }
 
+/// The error that programs know for a value of a wrong type; it names the field.
 template <typename Type>
 const Type& Require(const Value& value, const ColumnDefinition& column) {
   const Type* held = std::get_if<Type>(&value);
@@ -136,6 +150,7 @@ std::optional<std::size_t> SizeOfType(ColumnType type) {
 
 Value DecodeValue(Stored stored, const ColumnDefinition& column, const FormatVersion& version) {
   const std::size_t size = SizeOfType(column.type).value_or(0);
+  // Only for types of a fixed size. A variable one is what its offsets say, which RowView has checked.
   if (stored.size() < size) {
     RaiseDamage("the value of the field '" + column.name + "' has " + std::to_string(stored.size()) +
                 " bytes instead of " + std::to_string(size) + ".");
