@@ -19,12 +19,19 @@
 #include "platform/values/Error.h"
 #include "util/Paths.h"
 
+// The words of the command. Each subcommand is added by a function of its own, which names its options and stores what
+// is to be done as an action; nothing is done while arguments are read, so that a wrong one at the end of a line leaves
+// everything as it was. Afterwards, in this order: the streams and the outside world are put into a Context, what a
+// stopped command left is cleared, the action runs, and the output is seen to its end, whose failure is the command's.
+//
+// The library for command lines is included here and nowhere else, because compiling it takes long.
 namespace tavi::host {
 namespace {
 
 using Action = std::function<int(const Context&)>;
 
-/// The options that every subcommand takes, and the subcommand that was chosen.
+/// What was read from the arguments, of whatever subcommand, and what is to be done. The library keeps references to
+/// the members, and actions too: it stays where it is until the end.
 struct Choices {
   std::string folder;
   std::string today;
@@ -45,6 +52,7 @@ struct Choices {
   Action action;
 };
 
+// The subcommands. Their callbacks run when all arguments have been read and checked.
 void AddNew(CLI::App& app, Choices& choices) {
   CLI::App* command = app.add_subcommand("new", "Make a club's empty file ClubMembers.mdb in the folder");
   CLI::Option* name = command->add_option("--name", choices.name, "The club's name");
@@ -55,6 +63,7 @@ void AddNew(CLI::App& app, Choices& choices) {
   });
 }
 
+/// `members import` and `pairs import` differ only in what is imported. Returns the subcommand for further options.
 CLI::App* AddImport(CLI::App& parent, Choices& choices, const char* what,
                     int (*import)(const Context&, const ImportRequest&)) {
   CLI::App* command = parent.add_subcommand("import", std::string("Bring in ") + what + " from a comma-separated file");
@@ -67,6 +76,8 @@ CLI::App* AddImport(CLI::App& parent, Choices& choices, const char* what,
   return command;
 }
 
+/// Without a subcommand of its own `members` lists; with one its callback is called as well, and must not replace the
+/// action that is there already.
 void AddMembers(CLI::App& app, Choices& choices) {
   CLI::App* command = app.add_subcommand("members", "List the members, or bring them in");
   command->add_flag("--all", choices.all, "Retired members too");
@@ -96,6 +107,7 @@ void AddScore(CLI::App& app, Choices& choices) {
 }
 
 void AddFind(CLI::App& app, Choices& choices) {
+  // A name may stand there in several words, without quotes.
   CLI::App* command = app.add_subcommand("find", "Find members by an exact or misspelt name");
   command->add_option("NAME", choices.files, "The name, in one argument or several")->required();
   command->callback([&choices] {
@@ -183,6 +195,7 @@ void AddCompact(CLI::App& app, Choices& choices) {
       [&choices] { choices.action = [&choices](const Context& context) { return Compact(context, choices.file); }; });
 }
 
+/// An error of use, not of work: it is found out after parsing only because the library knows no dates.
 std::optional<Date> TodayOf(const Choices& choices) {
   if (choices.today.empty()) return std::nullopt;
   const std::optional<Date> today = Date::FromIso(choices.today);
@@ -192,6 +205,7 @@ std::optional<Date> TodayOf(const Choices& choices) {
 
 /// Copies of members' data that a stopped command left go with the next one that uses the club, whichever it is.
 void ClearLeftBehind(const CLI::App& app, const Context& context) {
+  // Those that make a club's file clear it themselves, under their own lock; the others are about any file, or none.
   constexpr std::array kUsers{"members", "pairs", "score", "find", "handicaps", "info", "rpc", "sql"};
   if (std::ranges::none_of(kUsers, [&](const char* name) { return app.got_subcommand(name); })) return;
   try {
@@ -202,6 +216,8 @@ void ClearLeftBehind(const CLI::App& app, const Context& context) {
   }
 }
 
+/// Reads the arguments and carries them out. Every error of a command ends here as one message on standard error, which
+/// begins with the command's name and has what a file's text may hold made printable.
 int Run(std::vector<std::string> arguments, const Terminal& terminal) {
   std::ostream& error = terminal.error;
   Choices choices;
@@ -209,6 +225,7 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
                "tavi");
   // A slash begins a path on every system.
   app.allow_windows_style_options(false);
+  // Exactly one; and options of the command itself may also stand behind it, where people add them.
   app.require_subcommand(1);
   app.fallthrough();
   app.add_option("--db", choices.folder, "The club's folder or file (else the one set for this machine)")
@@ -236,14 +253,17 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
     add(app, choices);
   }
   try {
+    // The library takes its arguments from the end of the list.
     std::reverse(arguments.begin(), arguments.end());
     app.parse(arguments);
     Context context{terminal.in, terminal.out, error};
     context.inputIsTerminal = terminal.inputIsTerminal;
+    // What was asked for; else tables for people and lines for programs.
     context.format = choices.json                ? OutputFormat::JsonText
                      : choices.csv               ? OutputFormat::Csv
                      : terminal.outputIsTerminal ? OutputFormat::Table
                                                  : OutputFormat::Tabs;
+    // Bars go to standard error, so that they never mix with results in a pipe.
     context.showProgress = terminal.errorIsTerminal;
     context.folder = choices.folder;
     PlatformOptions options{TodayOf(choices), std::make_shared<ConsoleMessageBoxes>(error)};
@@ -252,6 +272,7 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
     ClearLeftBehind(app, context);
     return choices.action(context);
   } catch (const CLI::ParseError& problem) {
+    // Help is such an "error" with the code 0; the library's other codes mean the same to a caller.
     return app.exit(problem, terminal.out, error) == 0 ? kSucceeded : kWrongUse;
   } catch (const Error& problem) {
     error << "tavi: " << PrintableLines(problem.Description()) << '\n';
@@ -265,12 +286,15 @@ int Run(std::vector<std::string> arguments, const Terminal& terminal) {
 
 /// The exit code of a run that would end with `code`, once all output is where it belongs.
 int FinishOutput(const Terminal& terminal, int code) {
+  // What is buffered has not been written yet, and only now it shows whether it can be.
   terminal.out.flush();
   if (terminal.out) return code;
   const std::error_code reason = terminal.outputFailure ? terminal.outputFailure() : std::error_code();
+  // Quietly, as other programs die of it: the reader has seen enough (`tavi members | head`).
   if (reason == std::errc::broken_pipe) return kReaderHasEnded;
   terminal.error << "tavi: the output could not be written" << (reason ? ": " + reason.message() : "")
                  << "; what there is of it is not complete\n";
+  // A code that says more, such as that of a damaged file, stays.
   return code == kSucceeded ? kFailed : code;
 }
 

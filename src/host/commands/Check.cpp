@@ -11,9 +11,13 @@
 #include "platform/values/Error.h"
 #include "util/Paths.h"
 
+// `tavi check`: first the file as such, whoever's it is; where that is sound, and the file is a club's, also what
+// searches and handicaps would pass over. The file is opened for reading only, and its exit codes tell damage (1) from
+// a file that could not be looked at (2), because the two call for different help.
 namespace tavi::host {
 namespace {
 
+/// As it stands in JSON; programs compare it.
 const char* NameOf(access::CheckPart part) {
   switch (part) {
     case access::CheckPart::File:
@@ -35,7 +39,9 @@ access::CheckResult RunCheck(const Context& context, access::Database& database,
   return access::CheckFile(database, strict ? access::CheckKind::Strict : access::CheckKind::Ordinary, bar.Progress());
 }
 
-/// What the owner of the file can do.
+/// What the owner of the file can do, by what is wrong: the mildest advice that covers all findings. Rows that refer to
+/// missing ones are a matter of contents; indexes and counters are made anew by compacting; of anything else a copy is
+/// to be kept, as each further change may cost more.
 std::string Advice(const access::CheckResult& result) {
   if (result.findings.empty()) return "";
   const auto count = [&](access::CheckPart part) {
@@ -44,6 +50,7 @@ std::string Advice(const access::CheckResult& result) {
   if (static_cast<std::size_t>(count(access::CheckPart::Relationship)) == result.findings.size())
     return "Every table is whole, but rows refer to others that are missing. Add the missing rows, or delete or change "
            "those that refer to them, with 'tavi sql'.";
+  // Compacting reads the rows, so it only helps where these are whole.
   const bool rowsAreWhole = count(access::CheckPart::File) == 0 && count(access::CheckPart::Rows) == 0;
   if (rowsAreWhole)
     return "The rows are whole; only indexes or counters are wrong. Keep a copy of the file and run 'tavi compact' on "
@@ -128,6 +135,7 @@ int Check(const Context& context, const CheckRequest& request) {
   std::unique_ptr<access::Database> database;
   access::CheckResult result;
   try {
+    // Both in one: what keeps a file from being opened, and what ends the walk through it, are no findings.
     database = OpenToRead(context, file);
     result = RunCheck(context, *database, request.strict);
   } catch (const Error& problem) {

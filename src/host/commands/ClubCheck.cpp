@@ -12,12 +12,16 @@
 #include "platform/values/Error.h"
 #include "store/cDatabase.h"
 
+// What a club's own programs would stumble over in a file that is sound: names whose keys are of another version, and
+// rows without the numbers that handicaps are made of. Both walk tables with the engine itself, one row at a time and
+// only the columns that are needed, so that each value is seen as it is stored.
 namespace tavi::host {
 namespace {
 
 /// Positions of first name, last name and their keys.
 using Places = std::array<std::size_t, 4>;
 
+/// Nothing for a table without these columns: another program's, or one of an early version.
 std::optional<Places> FindPlaces(const access::Table& members) {
   constexpr std::array<const char*, 4> kNames{"FirstName", "LastName", "FuzzedFirstName", "FuzzedLastName"};
   Places places{};
@@ -29,6 +33,7 @@ std::optional<Places> FindPlaces(const access::Table& members) {
   return places;
 }
 
+/// A null is no name, and no key.
 std::string TextOf(const Value& value) {
   const std::string* text = std::get_if<std::string>(&value);
   return text == nullptr ? std::string() : *text;
@@ -37,6 +42,7 @@ std::string TextOf(const Value& value) {
 }  // namespace
 
 NameKeyCount CountNameKeys(access::Database& database, const NameKeyService& keys) {
+  // One statement, so that all rows are read as the file is at one moment.
   const access::ReadStatement statement(database.GetPager());
   NameKeyCount count;
   const std::shared_ptr<access::Table> members = database.FindTable("Members");
@@ -50,6 +56,7 @@ NameKeyCount CountNameKeys(access::Database& database, const NameKeyService& key
     const StoredNames names{TextOf(values[firstName]), TextOf(values[lastName]), TextOf(values[firstKey]),
                             TextOf(values[lastKey])};
     ++count.members;
+    // Compared with what the first open of the file would store.
     if (WithFreshKeys(names, keys) != names) ++count.stale;
   }
   return count;
@@ -57,6 +64,7 @@ NameKeyCount CountNameKeys(access::Database& database, const NameKeyService& key
 
 namespace {
 
+// Whoever mends the file calls the check again.
 constexpr std::size_t kMostRows = 100;
 
 /// The values of some columns of a row, in the order in which they were asked for.
@@ -72,6 +80,7 @@ void VisitRows(access::Database& database, const char* tableName, const ColumnNa
   std::vector<std::size_t> places;
   for (const char* column : columns) {
     const std::optional<std::size_t> place = table->FindColumn(column);
+    // Without one of its columns it is no club's table.
     if (!place) return;
     places.push_back(*place);
     wanted[*place] = true;
@@ -85,6 +94,8 @@ void VisitRows(access::Database& database, const char* tableName, const ColumnNa
 }
 
 /// What is wrong with a value that should be a number; empty when it is one.
+/// Both kinds matter in another way: a null is passed over where handicaps are made, a value that does not convert is
+/// an error there.
 template <typename Read>
 std::string Lack(const Value& value, const Read& read) {
   if (IsNull(value)) return "no";
@@ -100,6 +111,7 @@ std::string Shown(const Value& value) {
   return IsNull(value) ? "(none)" : ToText(value);
 }
 
+/// Counts what is beyond the bound, so that the message is honest about it.
 void Add(MissingNumbers& missing, const std::string& text) {
   if (missing.rows.size() < kMostRows) {
     missing.rows.push_back(text);
@@ -114,6 +126,7 @@ MissingNumbers FindMissingNumbers(access::Database& database) {
   const access::ReadStatement statement(database.GetPager());
   MissingNumbers missing;
   VisitRows(database, "Results", {"ActualPercentage", "Player", "Partner", "Competition"}, [&](const Values& row) {
+    // The percentage is the first of the columns asked for; the others say whose row it is.
     const std::string lack = Lack(row[0], ToDouble);
     if (lack.empty()) return;
     Add(missing, "Results: player " + Shown(row[1]) + " with partner " + Shown(row[2]) + " in competition " +
@@ -145,6 +158,8 @@ auto FieldIn(const ado::Recordset& row, const char* column, const Read& read) {
 std::vector<IncompletePair> IncompletePairs(const Context& context, const std::string& file) {
   const std::unique_ptr<ado::Connection> connection = Connect(context, file);
   const std::unique_ptr<ado::Recordset> rows = connection->OpenRecordset(
+      // Walks leave these pairs out, so they are asked for by a statement. As in walks, a null HigherFirst means the
+      // higher number first.
       "Select LowerPlayer, HigherPlayer, HigherFirst, Handicap, KnownAs, Active From Partnerships "
       "Where LowerPlayer Is Null Or HigherPlayer Is Null",
       ado::CursorType::ForwardOnly, ado::LockType::ReadOnly, ado::SourceKind::CommandText);

@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* kClubFileName = "ClubMembers.mdb";
 
+// What cannot be looked at counts as no file, and the folder is tried.
 bool IsFile(const std::string& path) {
   std::error_code ignored;
   return std::filesystem::is_regular_file(PathOf(path), ignored);
@@ -19,9 +20,12 @@ bool IsFile(const std::string& path) {
 
 /// The folder of a club that was named by its folder or its file.
 std::string FolderOf(const std::string& name) {
+  // A folder need not exist yet: `tavi new` makes it.
   std::string path = AbsolutePath(name);
   if (!IsFile(name)) return path;
   const PathParts parts = SplitPath(path);
+  // The component looks for a file of this name and no other in its folder; opening another file would not be what was
+  // asked for.
   if (EqualIgnoringCase(parts.name, kClubFileName)) return parts.folder;
   throw Error(ErrorNumber::InvalidArgument, "tavi",
               "\"" + name + "\" is no club's folder, and a club's file is called " + kClubFileName +
@@ -32,6 +36,8 @@ std::string FolderOf(const std::string& name) {
 
 void Context::Write(const Table& table) const {
   table.Write(out, format);
+  // Only comma-separated lines are changed for spreadsheets. The note goes to standard error, so that it is no part of
+  // the list.
   const std::size_t formulas = format == OutputFormat::Csv ? table.FormulaCount() : 0;
   if (formulas == 0) return;
   error << "note: " << formulas << (formulas == 1 ? " text begins" : " texts begin") << " like a formula and "

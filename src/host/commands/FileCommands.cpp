@@ -13,11 +13,14 @@
 #include "store/cDatabase.h"
 #include "util/Paths.h"
 
+// Commands on the file as such, whoever's it is, and how commands open one. Info and dump only read; compact replaces
+// the file, which the engine does as a whole (access/catalog/Compact.h).
 namespace tavi::host {
 
 std::unique_ptr<access::Database> OpenToRead(const Context& context, const std::string& file) {
   access::PagerOptions options;
   options.readOnly = true;
+  // What the engine has to say without an error.
   options.report = [&context](const std::string& note) { context.error << "tavi: " << PrintableLines(note) << '\n'; };
   return std::make_unique<access::Database>(access::Pager::Open(access::NativeFileSystem(), NativePath(file), options));
 }
@@ -28,6 +31,7 @@ std::unique_ptr<ado::Connection> Connect(const Context& context, const std::stri
 
 namespace {
 
+/// The first field of the first row; null when there is none.
 Value OneValue(ado::Connection& connection, const std::string& statement) {
   const std::unique_ptr<ado::Recordset> rows = connection.OpenRecordset(
       statement, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly, ado::SourceKind::CommandText);
@@ -36,6 +40,7 @@ Value OneValue(ado::Connection& connection, const std::string& statement) {
 
 }  // namespace
 
+// All questions over one connection, so that the figures are of one opening of the file.
 int ShowInfo(const Context& context) {
   const std::string file = context.ClubFile();
   const std::unique_ptr<ado::Connection> connection = Connect(context, file);
@@ -47,6 +52,7 @@ int ShowInfo(const Context& context) {
   table.Add({std::string("File"), path});
   table.Add({std::string("Bytes"), static_cast<std::int64_t>(std::filesystem::file_size(PathOf(path)))});
   table.Add({std::string("Club"),
+             // The row with the greatest number is the name in use.
              CellOf(OneValue(*connection, "Select Top 1 ClubName From ClubNames Order By ClubID Desc"))});
   table.Add({std::string("Members"), count("Members")});
   table.Add({std::string("Active members"), count("Members Where Active <> 0")});
@@ -71,6 +77,7 @@ namespace fs = std::filesystem;
   throw Error(ErrorNumber::InvalidArgument, "tavi", "the folder " + folder + " " + why);
 }
 
+/// A folder that is there must be empty; one that is not is made.
 void MakeFolder(const std::string& folder) {
   std::error_code code = MakeFolders(folder);
   if (code) RefuseFolder(folder, "cannot be made: " + ReasonOf(code));
@@ -85,6 +92,7 @@ void MakeFolder(const std::string& folder) {
 void WriteFile(const fs::path& path, const std::string& text) {
   std::ofstream stream(path, std::ios::binary);
   stream << text;
+  // Closing writes the rest, and only then it shows whether all of it could be.
   stream.close();
   if (!stream)
     throw Error(ErrorNumber::InvalidArgument, "tavi", TextOf(path) + " cannot be written; is the disk full?");
@@ -93,6 +101,7 @@ void WriteFile(const fs::path& path, const std::string& text) {
 }  // namespace
 
 int Dump(const Context& context, const std::string& file, const std::string& folder) {
+  // The file first: a wrong name must not leave an empty folder.
   const std::unique_ptr<access::Database> database = OpenToRead(context, file);
   const std::string target = AbsolutePath(NativePath(folder));
   MakeFolder(target);
@@ -106,6 +115,7 @@ int Compact(const Context& context, const std::string& file) {
   const std::string path = NativePath(file.empty() ? context.AccessFile() : file);
   access::CompactResult result;
   {
+    // The bar is gone before the table is written.
     CheckProgressBar bar(context);
     result = access::CompactFile(access::NativeFileSystem(), path, bar.Progress());
   }

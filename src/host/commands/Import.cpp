@@ -9,10 +9,13 @@
 #include "host/text/Terminal.h"
 #include "store/Transaction.h"
 
+// The commands around an import (host/imports): read and check the file, plan, apply, tell. The order is such that
+// every refusal comes before the first change, and that a dry run and a real one make the same plan.
 namespace tavi::host {
 namespace {
 
 /// A store on the club's folder, open.
+/// Opened at once: what the first open of an older file changes is done before the plan looks at it.
 std::unique_ptr<cDatabase> OpenStore(const Context& context) {
   std::unique_ptr<cDatabase> store = MakeStore(context.platform);
   store->SetDatabaseFolder(context.ClubFolder());
@@ -26,10 +29,12 @@ Cell NumbersOf(const RecordChange& change) {
   return std::to_string(change.members.front()) + " & " + std::to_string(change.members.back());
 }
 
+/// An empty field is shown as nothing, in JSON as null.
 Cell TextOrNothing(const std::string& text) {
   return text.empty() ? Cell() : Cell(text);
 }
 
+/// A dry run: a line for each field, as it is and as it would be. The sums go to standard error, apart from the list.
 void WriteChanges(const Context& context, const ImportPlan& plan) {
   Table table({"Number", "Name", "Change", "Field", "Old", "New"});
   for (const RecordChange& change : plan.changes) {
@@ -62,6 +67,7 @@ void WriteRemarks(const Context& context, const std::string& path, const ImportP
 }
 
 /// Plans an import and applies it as one transaction, or only shows the plan.
+/// The reports are written when the file is closed: what they say has been stored is in the file then.
 template <typename Import, typename File, typename Planner>
 int Run(const Context& context, const ImportRequest& request, const File& file, const Planner& plan) {
   const std::unique_ptr<cDatabase> store = OpenStore(context);
@@ -77,6 +83,7 @@ int Run(const Context& context, const ImportRequest& request, const File& file, 
     importer.Apply(planned, [&](std::size_t done, const std::string& name) { progress.Show(done, name); });
     transaction.Commit();
   }
+  // Closed in any case, a dry run's as well; an error of closing is the command's.
   store->CloseDB(true);
   WriteRemarks(context, request.file, planned, file.passedOver);
   if (request.dryRun) {
@@ -90,6 +97,7 @@ int Run(const Context& context, const ImportRequest& request, const File& file, 
 }  // namespace
 
 int ImportMembers(const Context& context, const ImportRequest& request) {
+  // Read whole before the club is opened.
   const MemberFile file = ReadMemberFile(request.file, request.ignoreUnknown);
   return Run<MemberImport>(context, request, file,
                            [&](MemberImport& importer) { return importer.Plan(file, request.allowNamesakes); });

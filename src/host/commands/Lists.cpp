@@ -11,11 +11,16 @@
 #include "names/MemberValues.h"
 #include "names/NameText.h"
 
+// Lists of members and pairs, made with the operations that every program has, and nothing else where they do. A walk
+// (GetFirst..., GetNext...) is first made to its end, and what else is to be shown of each is asked for afterwards:
+// walks close the file at their beginning and end, and around the many small questions OpenDatabase and CloseDatabase
+// keep it open, which otherwise would be opened and closed for each.
 namespace tavi::host {
 namespace {
 
 constexpr int kHandicapPlaces = 2;
 
+// What the operations pass back of a pair.
 struct WalkedPair {
   std::int32_t firstNumber = 0;
   std::string firstName;
@@ -37,6 +42,7 @@ void WalkMembers(MembershipDatabase& club, std::int16_t nameFormat, const Visito
   }
 }
 
+/// The pairs of a walk, in its order. Its handicap is not used: IsRegularPair answers it with the rest.
 std::vector<WalkedPair> WalkPairs(MembershipDatabase& club) {
   std::vector<WalkedPair> pairs;
   WalkedPair pair;
@@ -55,6 +61,7 @@ Decimals Handicap(double value) {
 }
 
 /// A membership number; nothing for a row that has none.
+/// Shown as nothing rather than as the number that stands for nobody.
 Cell Number(std::int32_t number) {
   return number == kNoMember ? Cell() : Cell(std::int64_t{number});
 }
@@ -69,6 +76,7 @@ struct ShownPair {
   Cell handicap;
 };
 
+/// The names that can be found out for what is known of the pair.
 ShownPair Shown(MembershipDatabase& club, const IncompletePair& pair) {
   const auto nameOf = [&club](const std::optional<std::int32_t>& number) {
     return number ? club.GetMemberName(*number, name_format::kFirstAndLast) : std::string();
@@ -91,6 +99,7 @@ void AddMatch(MembershipDatabase& club, const Context& context, const std::strin
   std::string nationalNumber;
   const std::string name = club.GetNameAndEBUNumber(number, name_format::kFirstAndLast, nationalNumber);
   MemberName parts;
+  // The weight is of the parts of the name as they are stored, not of the name as it is shown.
   nationalNumber = club.GetEBUNoAndNames(number, parts.first, parts.initials, parts.last);
   const NameMatch match = CompareNames(context.platform->nameKeyService, typed, parts);
   table.Add({std::int64_t{number}, name, nationalNumber, Handicap(club.GetHandicap(number)), std::int64_t{match.weight},
@@ -110,6 +119,7 @@ int ListMembers(const Context& context, bool all) {
   };
   std::vector<Member> members;
   WalkMembers(*club, name_format::kSurnameFirst, [&](std::int32_t number, const std::string& name, double handicap) {
+    // Retired tells of the member where the walk is, so it is asked on the way.
     members.push_back({number, name, handicap, club->Retired()});
   });
   Table table({"Number", "Name", "EBU number", "Handicap", "Active"});
@@ -139,6 +149,7 @@ int ListPairs(const Context& context, bool all) {
     table.Add({std::int64_t{pair.firstNumber}, pair.firstName, std::int64_t{pair.secondNumber}, pair.secondName,
                pair.pairName, active ? Cell(Handicap(handicap)) : Cell(), active});
   }
+  // Those without a number stand at the end: walks pass them over, and nobody would know of them.
   for (const IncompletePair& pair : IncompletePairs(context, club->DatabaseFileName())) {
     if (!pair.active && !all) continue;
     const ShownPair shown = Shown(*club, pair);
@@ -153,6 +164,7 @@ int ListPairs(const Context& context, bool all) {
 int ListHandicaps(const Context& context, bool recalculate) {
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
   if (recalculate) {
+    // Closed before the lists are made: what they show is in the file.
     club->RecalculateAllHandicaps();
     club->CloseDatabase();
   }
@@ -182,9 +194,11 @@ int ListHandicaps(const Context& context, bool recalculate) {
 int FindByName(const Context& context, const std::string& name) {
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
   Table table({"Number", "Name", "EBU number", "Handicap", "Weight", "Match"});
+  // The exact one stands first, and only once.
   const std::int32_t exact = club->FindMember(name);
   if (exact >= 0) AddMatch(*club, context, name, exact, table);
   const MatchList matches = club->FindNearestMatches(name);
+  // From 0, holding one 0, the list means nobody.
   if (matches.LowerBound == 1) {
     for (const std::int32_t number : matches.Numbers) {
       if (number != exact) AddMatch(*club, context, name, number, table);
@@ -199,6 +213,7 @@ int FindByName(const Context& context, const std::string& name) {
 
 namespace {
 
+/// The word before the tab: which of a person's names the line is.
 std::optional<NameKeyMode> ModeOf(std::string_view word) {
   if (word == "first") return NameKeyMode::FirstName;
   if (word == "last") return NameKeyMode::Surname;
@@ -210,6 +225,7 @@ std::optional<NameKeyMode> ModeOf(std::string_view word) {
 int WriteKeys(const Context& context) {
   std::string line;
   for (std::size_t number = 1; std::getline(context.in, line); ++number) {
+    // Lists from Windows end their lines with CR LF.
     if (line.ends_with('\r')) line.pop_back();
     const std::size_t tab = line.find('\t');
     const std::optional<NameKeyMode> mode = ModeOf(std::string_view(line).substr(0, tab));

@@ -15,10 +15,13 @@
 #include "platform/values/Error.h"
 #include "util/Paths.h"
 
+// `tavi new` and `tavi sample`. Making a club can be called again wherever it was stopped: a file that is there is
+// looked at, and one that is just what would be made counts as made. Nothing marks that; see ClubDraft.
 namespace tavi::host {
 
 namespace {
 
+// Where a club's records are. The other tables may have rows in a new file, too.
 constexpr std::array kTablesOfRecords = {"Members",      "Partnerships", "Competitions",
                                          "MasterPoints", "Results",      "ClubPolicies"};
 
@@ -32,6 +35,7 @@ std::string ColumnOf(ado::Connection& connection, const std::string& statement) 
   return lines;
 }
 
+/// True for a file with this name and number and no records. A file without a name fits an identity without one.
 bool IsNewClub(const Context& context, const std::string& file, const ClubIdentity& identity) {
   try {
     const auto connection = Connect(context, file);
@@ -53,6 +57,7 @@ bool IsNewClub(const Context& context, const std::string& file, const ClubIdenti
 void MakeClub(const Context& context, const ClubIdentity& identity) {
   const std::string file = NativePath(context.ClubFile());
   if (std::filesystem::exists(PathOf(file))) {
+    // A run that was stopped right after its last step has left the folder.
     WorkFolder::ClearLeftBehind(file);
     if (IsNewClub(context, file, identity)) return;
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
@@ -84,6 +89,7 @@ constexpr const char* kCommand = "./run";
 #endif
 
 /// A folder that is not there yet.
+/// In the folder from which the command was called; an earlier sample stays.
 std::string NewFolder() {
   const std::string stem = TextOf(std::filesystem::current_path() / "sample-club");
   std::string folder = stem;
@@ -91,6 +97,7 @@ std::string NewFolder() {
   return folder;
 }
 
+/// The evenings of a season, in the order of their names.
 std::vector<std::string> ResultFiles(const std::string& from) {
   std::vector<std::string> files;
   const std::string folder = JoinPath(from, "evenings");
@@ -108,9 +115,11 @@ std::vector<std::string> ResultFiles(const std::string& from) {
 }  // namespace
 
 int MakeSample(Context context, const std::string& from) {
+  // Looked for first: without them nothing is made.
   const std::vector<std::string> files = ResultFiles(from);
   if (context.folder.empty()) context.folder = NewFolder();
   std::ostringstream unshown;
+  // The steps write tables of their own, which nobody wants here; notes and errors are still seen.
   Context quiet{context.in, unshown, context.error};
   quiet.showProgress = context.showProgress;
   quiet.folder = context.folder;
@@ -121,6 +130,7 @@ int MakeSample(Context context, const std::string& from) {
   const std::unique_ptr<MembershipDatabase> club = context.OpenClub();
   const std::vector<ScoredFile> scored = ScoreFiles(context, *club, files);
   for (const ScoredFile& file : scored) {
+    // A sample of which a part is missing would be no sample.
     if (!file.error.empty()) throw Error(ErrorNumber::InvalidArgument, "tavi", file.error);
   }
   for (const ScoredEvent& event : scored.back().events) WriteRanking(context, event);
@@ -129,6 +139,7 @@ int MakeSample(Context context, const std::string& from) {
                 << files.size() << " evenings scored. The club's file is\n  " << NativePath(context.ClubFile())
                 << "\nLook further with\n  " << kCommand << " --db " << context.folder << " handicaps\n";
   } else {
+    // Beside the output, which is the ranking alone for a program.
     context.error << NativePath(context.ClubFile()) << '\n';
   }
   return kSucceeded;

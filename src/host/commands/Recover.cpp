@@ -18,6 +18,13 @@
 #include "store/Recovery.h"
 #include "util/Paths.h"
 
+// `tavi recover`. The old file may be damaged in any way, and reading it must not make that worse; the club's file may
+// be all that is left if the recovery fails. So the old file is copied into the work folder, with its log, and the copy
+// is read; and what is saved goes into a draft of the club's file, which takes the place of the file in one step. The
+// rules of what is saved, and how, are the store's (store/Recovery.h).
+//
+// A draft begins with a copy of the club's file, so that its tables of other programs stay; where that file is damaged
+// or no club's, with an empty one.
 namespace tavi::host {
 namespace {
 
@@ -27,6 +34,7 @@ namespace fs = std::filesystem;
 class MessagesBesideTheReport : public MessageBoxes {
  public:
   explicit MessagesBesideTheReport(std::shared_ptr<const MessageBoxes> boxes) : boxes_(std::move(boxes)) {}
+  // The report lists table by table what that message says in a sentence.
   void Show(MessageBoxIcon icon, const std::string& title, const std::string& text) const override {
     if (title != kRecoveryErrorTitle) boxes_->Show(icon, title, text);
   }
@@ -44,6 +52,7 @@ class ProgressOfTables : public RecoveryObserver {
       bar_.emplace(context_.error, context_.showProgress, static_cast<std::size_t>(stated));
       table_ = table;
     }
+    // A damaged file may state fewer rows than it holds.
     bar_->Show(static_cast<std::size_t>(std::min(done, stated)), table);
   }
 
@@ -57,6 +66,7 @@ class ProgressOfTables : public RecoveryObserver {
   throw Error(ErrorNumber::InvalidArgument, "tavi", why);
 }
 
+/// Asked of the system, which knows links and other spellings. Files that are not there are no equals.
 void RefuseOwnFile(const RecoverRequest& request, const std::string& clubFile) {
   std::error_code ignored;
   if (fs::equivalent(PathOf(NativePath(request.oldFile)), PathOf(clubFile), ignored)) {
@@ -71,6 +81,7 @@ void RefuseOwnFile(const RecoverRequest& request, const std::string& clubFile) {
          "with --db FOLDER.");
 }
 
+/// What a person should know of a table, a line each; nothing for one that came over whole.
 std::vector<std::string> DamageOf(const RecoveredTable& table) {
   std::vector<std::string> damage;
   if (!table.isInOldFile) return {"The old file has no such table."};
@@ -80,6 +91,7 @@ std::vector<std::string> DamageOf(const RecoveredTable& table) {
   return damage;
 }
 
+/// A row for each table; `withDamage` where the output has no room beneath the table for it.
 Table Figures(const RecoveryReport& report, bool withDamage) {
   std::vector<std::string> columns{"Table", "Found", "Saved", "Lost", "Values lost"};
   if (withDamage) columns.emplace_back("Damage");
@@ -129,6 +141,7 @@ void Write(const Context& context, const RecoveryReport& report) {
 }
 
 /// Names the file that the person knows in place of the copy that was worked on.
+/// The copy is gone when the person reads the message.
 class Naming {
  public:
   Naming(std::string copy, std::string original) : copy_(std::move(copy)), original_(std::move(original)) {}
@@ -153,15 +166,18 @@ class Naming {
 RecoveryReport RunRecovery(const ClubDraft& draft, const TemporaryCopy& copy, const std::string& oldFile) {
   const Context& context = draft.Inside();
   auto platform = std::make_shared<Platform>(*context.platform);
+  // A store of its own, with all of the outside world as it is but the boxes.
   platform->messageBoxes = std::make_shared<MessagesBesideTheReport>(context.platform->messageBoxes);
   const std::unique_ptr<cDatabase> store = MakeStore(std::move(platform));
   store->SetDatabaseFolder(context.ClubFolder());
   ProgressOfTables progress(context);
   Recovery recovery(*store, &progress);
+  // Random automatic numbers are negative as often as not; rows that have them are rows like others.
   recovery.AcceptNegativeIdentifiers();
   RecoveryReport report = recovery.Run(copy.Path());
   const Naming naming(copy.Path(), oldFile);
   if (report.failure) throw naming.Of(*report.failure);
+  // One table is enough, for a damaged file may have lost the others.
   if (std::ranges::none_of(report.tables, &RecoveredTable::isInOldFile))
     Refuse(oldFile + " is no club's file: it has none of a club's tables. Nothing was changed.");
   naming.Apply(report);
@@ -181,8 +197,11 @@ void RequireHandicapSettings(const ClubDraft& draft) {
 
 /// The club's file changes when all is recovered, in one step. Where it must not change it may hold what is recovered
 /// already: so a run that was stopped behind that step can be repeated.
+/// The steps: what may be done, the copy of the old file, the draft's beginning, the recovery into it, and the place.
+/// Only the last one changes anything that stays.
 RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const RecoverRequest& request,
                            const std::string& clubFile) {
+  // Decided before anything is begun, though a refusal waits until it is known whether the file is not just like that.
   const bool mayChange = request.replace || !draft.CurrentHoldsData();
   const TemporaryCopy copy(draft.Folder(), PathOf(NativePath(request.oldFile)));
   if (copy.IsLogLeftOut()) {
@@ -194,6 +213,8 @@ RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const Recov
   if (!isKept) draft.BeginEmpty({});
   RecoveryReport report = RunRecovery(draft, copy, request.oldFile);
   RequireHandicapSettings(draft);
+  // A run that was stopped behind its last step has left exactly this; refusing it would be wrong, and so would be to
+  // do it once more to a file that has been changed since.
   if (!mayChange && !draft.IsLikeCurrent()) RefuseToReplace(clubFile);
   if (mayChange) draft.TakePlace();
   if (!draft.IsFirst() && !isKept) {
@@ -207,6 +228,7 @@ RecoveryReport RecoverInto(const Context& context, ClubDraft& draft, const Recov
 int Recover(const Context& context, const RecoverRequest& request) {
   try {
     const std::string clubFile = NativePath(context.ClubFile());
+    // Before the draft, which keeps the club's file for itself.
     RefuseOwnFile(request, clubFile);
     ClubDraft draft(context);
     const RecoveryReport report = RecoverInto(context, draft, request, clubFile);

@@ -10,6 +10,9 @@
 #include "host/text/Terminal.h"
 #include "platform/values/Error.h"
 
+// `tavi score`: each result file is read, checked and matched with the members as a whole, then stored as a whole. A
+// file that is refused does not keep the others from being stored. The club's file is closed after each, so that an
+// evening is in the file itself, and not only in its log, before the next one is begun.
 namespace tavi::host {
 namespace {
 
@@ -24,6 +27,8 @@ double TotalAwards(const Contestant& contestant) {
                          [](double sum, const Award& award) { return sum + award.points; });
 }
 
+/// The columns depend on the event: sessions and directions where there are several, scores where there are no
+/// percentages, handicaps where the event counts for them.
 Table RankingTable(const ScoredEvent& scored) {
   const Event& event = scored.event;
   std::vector<std::string> columns = {"Place", "Number"};
@@ -41,6 +46,7 @@ Table RankingTable(const ScoredEvent& scored) {
     std::vector<Cell> row;
     if (event.sessions > 1) row.emplace_back(std::int64_t{contestant.session});
     row.push_back(contestant.place ? Cell(std::to_string(*contestant.place) + (contestant.tied ? "=" : "")) : Cell());
+    // "B7": the number with its section, as tables in a club have it.
     row.emplace_back((contestant.section.empty() ? "" : contestant.section) + contestant.number);
     if (event.winners == 2) row.emplace_back(contestant.direction);
     row.emplace_back(entry.name);
@@ -57,6 +63,8 @@ Table RankingTable(const ScoredEvent& scored) {
   return table;
 }
 
+/// Everything of a file is prepared before anything of it is stored: an event that is refused refuses them all. What
+/// was reached is left in `file`, also when an error passes on.
 void ScoreOne(MembershipDatabase& club, MemberDirectory& directory, ScoredFile& file) {
   EveningScorer scorer(club, directory);
   std::vector<ScoredEvent> prepared;
@@ -68,6 +76,8 @@ void ScoreOne(MembershipDatabase& club, MemberDirectory& directory, ScoredFile& 
 }
 
 /// Closes the club's file after a result file, which writes what its log holds.
+/// An evening whose file could not be closed is stored all the same, in the log; both have to be said, or somebody
+/// would look for the full disk too late, or enter the evening twice.
 void CloseAfter(MembershipDatabase& club, ScoredFile& file) {
   try {
     club.CloseDatabase();
@@ -86,6 +96,7 @@ void WriteRemarks(const Context& context, const ScoredEvent& scored) {
   }
 }
 
+/// Several files: a line for each event, and one for each file that was refused.
 void WriteSummary(const Context& context, const std::vector<ScoredFile>& files) {
   Table table({"File", "Date", "Event", "Contestants", "Stored"});
   for (const ScoredFile& file : files) {
@@ -120,10 +131,12 @@ void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
 
 std::vector<ScoredFile> ScoreFiles(const Context& context, MembershipDatabase& club,
                                    const std::vector<std::string>& paths) {
+  // One for all files: the members are walked once.
   MemberDirectory directory(club);
   ProgressBar progress(context.error, context.showProgress && paths.size() > 1, paths.size());
   std::vector<ScoredFile> files;
   for (const std::string& path : paths) {
+    // Shown before the work on a file, as that is what one waits for.
     progress.Show(files.size(), path);
     ScoredFile file;
     file.path = path;

@@ -10,6 +10,12 @@
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
 
+// A copy of an old file that can be opened, whatever is wrong with it. Only that is mended here: an opening refuses a
+// file that does not begin as an Access file, that does not end at a page, or beside which another file's log lies.
+// Damage further inside is the recovery's, which goes past it.
+//
+// The order: the file and its log are copied, the first page is replaced, the end is filled up, the log is brought in.
+// The log is last, because bringing it in means opening the file.
 namespace tavi::host {
 namespace {
 
@@ -33,10 +39,12 @@ std::string FirstBytes(const fs::path& file, std::size_t count) {
   return bytes;
 }
 
+/// For what the system refuses; names the file that was asked for.
 [[noreturn]] void Raise(const fs::path& file, const std::string& why) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", TextOf(file) + " cannot be read: " + why);
 }
 
+/// A file that was cut off in the middle of a page keeps the rows of what is left of it.
 void FillUpLastPage(const fs::path& file) {
   const std::uintmax_t beyond = fs::file_size(file) % access::kPageSize;
   if (beyond == 0) return;
@@ -50,11 +58,13 @@ void FillUpLastPage(const fs::path& file) {
 TemporaryCopy::TemporaryCopy(const WorkFolder& folder, const fs::path& original)
     : folder_(folder), file_(PathOf(folder.File("old.mdb"))) {
   std::error_code ignored;
+  // A folder or a device would be copied for ever, or not at all.
   if (!fs::is_regular_file(original, ignored)) Raise(original, "there is no such file");
   try {
     Copy(original);
     BringLogIn();
   } catch (const fs::filesystem_error& error) {
+    // Its own text names places in the work folder, which nobody knows; the reason is enough.
     Raise(original, ReasonOf(error.code()));
   }
 }
@@ -66,6 +76,7 @@ void TemporaryCopy::BringLogIn() {
   try {
     access::Pager::Open(access::NativeFileSystem(), Path(), {})->Close();
   } catch (const Error&) {
+    // The engine's name for a log that it has set aside.
     isLogLeftOut_ = fs::exists(PathOf(Path() + kLogSuffix + "-setaside-1"));
   }
 }
@@ -87,6 +98,8 @@ void TemporaryCopy::Copy(const fs::path& original) const {
   FillUpLastPage(file_);
 }
 
+// The first page says which version and sort order the file has; a new file's says what files of this kind have. The
+// tables are found from a page with a fixed number, whatever the first one says.
 void TemporaryCopy::ReplaceFirstPage() const {
   const std::string sound = folder_.File("header.mdb");
   CreateEmptyDatabase(sound, Date{});

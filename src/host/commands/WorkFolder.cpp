@@ -6,6 +6,15 @@
 #include "host/text/PathText.h"
 #include "platform/values/Error.h"
 
+// The life of a work folder. It is made private before anything lies in it, then a lock file is made in it and locked;
+// the system drops the lock with the process, however that ends. So of a folder that is there exactly one is true:
+//
+//   its lock is held       a run is working in it: nothing is touched
+//   its lock is free       a run was stopped: what lies in it is removed, and the folder with it or used again
+//   it has no lock file    it is empty, or a run is just making it
+//
+// Two runs may clear and make the folder at the same moment; so after the lock has been taken it is asked whether the
+// file that was locked is still the one of this name, and if not, all is begun again.
 namespace tavi::host {
 namespace {
 
@@ -21,12 +30,14 @@ constexpr int kMostAttempts = 5;
   throw Error(ErrorNumber::InvalidArgument, "tavi", why);
 }
 
+/// For what is only tidied up: a file that stays is met by the next run.
 void RemoveQuietly(const std::string& path) {
   std::error_code ignored;
   fs::remove(PathOf(path), ignored);
 }
 
 /// Removes what a folder holds, but for its lock.
+/// The lock goes last: as long as there is anything, there is a lock to tell whose it is.
 void EmptyFolder(const std::string& folder) {
   std::error_code ignored;
   for (const std::string& name : NamesIn(folder, ignored)) {
@@ -35,6 +46,7 @@ void EmptyFolder(const std::string& folder) {
 }
 
 /// True for a folder that is there and this user's own; no link to another one.
+/// Somebody else's folder of this name must not be emptied, and a link would lead the removal elsewhere.
 bool IsOwnFolder(const std::string& path) {
   std::error_code ignored;
   return fs::is_directory(fs::symlink_status(PathOf(path), ignored)) && !MakePrivateFolder(path);
@@ -57,6 +69,7 @@ bool ClearUnlessInUse(access::FileSystem& fileSystem, const std::string& folder)
 
 WorkFolder::OuterFolders::OuterFolders(access::FileSystem& fileSystem, const std::string& folder) {
   std::error_code ignored;
+  // Outwards until one is there: just those are to be made, and to be taken away again when nothing comes of it.
   for (std::string missing = folder; !missing.empty() && !fs::exists(PathOf(missing), ignored);) {
     made_.push_back(missing);
     std::string outer = SplitPath(missing).folder;
@@ -67,12 +80,14 @@ WorkFolder::OuterFolders::OuterFolders(access::FileSystem& fileSystem, const std
     for (const std::string& made : made_) RemoveQuietly(made);
     RefuseFolder("the folder " + folder + " cannot be made: " + ReasonOf(code));
   }
+  // The entry of a new folder is in the one around it, which has to reach the disk as the file will.
   for (const std::string& made : made_) fileSystem.SyncFolderOf(made);
 }
 
 WorkFolder::OuterFolders::~OuterFolders() {
   for (const std::string& made : made_) {
     std::error_code unknown;
+    // From the inside out: one that holds anything, such as the new club, keeps those around it, too.
     if (!NamesIn(made, unknown).empty() || unknown) return;
     RemoveQuietly(made);
   }
@@ -90,6 +105,7 @@ WorkFolder::WorkFolder(const std::string& clubFile)
 }
 
 WorkFolder::~WorkFolder() {
+  // The lock is given back last: as long as anything is in the folder, another run can tell that it is in use.
   EmptyFolder(path_);
   RemoveQuietly(File(kLockName));
   RemoveQuietly(path_);
@@ -126,6 +142,8 @@ bool WorkFolder::Enter() {
     using Mode = access::FileSystem::OpenMode;
     lock_ = fileSystem_->Open(lockPath, fileSystem_->Exists(lockPath) ? Mode::ReadWrite : Mode::CreateNew);
   } catch (const Error& error) {
+    // The folder has gone, or the lock has come, between two calls: another run was quicker, which a second look
+    // settles.
     if (!fs::exists(PathOf(path_)) || fileSystem_->Exists(lockPath)) return false;
     // Where there is no room for the lock the folder is not needed; of another run it is not empty.
     RemoveQuietly(path_);
