@@ -1,3 +1,5 @@
+// Awards. Each is a row for one player: of a member by the number, of a visitor by the name with the number -1. An
+// award is never changed; a correction deletes and inserts.
 #include "competitions/MasterPoints.h"
 
 #include "competitions/Competition.h"
@@ -17,6 +19,7 @@ std::string KeptName(std::int32_t memberNumber, const std::string& name) {
   return memberNumber == kNoMember ? name : std::string();
 }
 
+/// Judged before the first row is stored, so that a name that is too long does not leave one player's award alone.
 void RequireName(std::int32_t memberNumber, const std::string& name, const char* what) {
   RequireLength(cDatabase::StoredText(KeptName(memberNumber, name)), kLongestName, what);
 }
@@ -42,6 +45,7 @@ void AddMasterPoints(cDatabase& database, const MasterPointAward& award, const C
       throw;
     }
   };
+  // Only the competition says whether there is a second player.
   bool isIndividual = false;
   run([&] { isIndividual = ReadCompetitionAttributes(database, award.CompetitionID).Individual; });
   if (!isIndividual) RequireName(players.Player2ID, players.P2Name, "the second player's name");
@@ -63,6 +67,8 @@ void InsertMasterPointsRow(cDatabase& database, const MasterPointAward& award, s
       NumberText(RequireNumber(award.MasterPoints, kPoints)) + ", " + std::to_string(award.Colour) + ", 0, 1)");
 }
 
+// Visitors' awards are those with any number below 0. Who has neither number nor name cannot be told from others of
+// that kind, so nothing is deleted for him.
 void ClearCompetitorMasterPoints(cDatabase& database, std::int32_t CompetitionID, std::int32_t MemberID,
                                  const std::string& Name) {
   const std::string statement =

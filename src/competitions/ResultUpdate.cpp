@@ -1,3 +1,10 @@
+// An evening's results on their way into the file. A scoring program registers the competition, notes each competitor's
+// result, passes the awards, and ends the update; and it may do all of that again after a correction:
+//
+//   SetCompetitionEx      the competition's row; its results go, its awards are marked (RecordUpdated = 0)
+//   NoteCompetitorResult  a result; handicaps; the competitor's awards go
+//   AddMasterPoints       an award, unmarked
+//   EndResultUpdate       what is still marked goes: nobody passed it again
 #include "competitions/ResultUpdate.h"
 
 #include "competitions/Competition.h"
@@ -23,11 +30,13 @@ std::int16_t TruthNumber(bool truth) {
   return truth ? std::int16_t{-1} : std::int16_t{0};
 }
 
+/// A competition is known by its name and its day.
 std::string SelectOf(const CompetitionRegistration& registration) {
   return "Select * from Competitions Where CompetitionName = " + cDatabase::SQLString(registration.CompName) +
          " And CompetitionDate = " + cDatabase::SQLDate(registration.CompDate);
 }
 
+/// Stored twice: the first time makes the identifier, and the caller then stores the attributes on the same row.
 std::int32_t AddCompetition(ado::Recordset& rows, const CompetitionRegistration& registration) {
   rows.AddNew();
   rows.Set("CompetitionName", registration.CompName);
@@ -46,6 +55,7 @@ std::int32_t PrepareForReplacement(cDatabase& database, const ado::Recordset& ro
   return identifier;
 }
 
+/// A competition that is registered again gets the attributes of this time, all of them.
 void StoreAttributes(ado::Recordset& row, const CompetitionRegistration& registration) {
   row.Set("Individual", TruthNumber(registration.Individual));
   row.Set("ScoringMethod", registration.ScoringMethod);
@@ -79,6 +89,7 @@ void InsertResult(cDatabase& database, const CompetitorResult& result) {
                    cDatabase::SQLNumber(result.NetPercent, kNet) + ")");
 }
 
+/// -1 is nobody's record.
 void StoreCalculated(cDatabase& database, const Competitors& players, const Handicaps& handicaps, bool isRegularPair) {
   if (isRegularPair) {
     StorePairHandicap(database, players.Player1ID, players.Player2ID, handicaps.PartnershipHandicap());
@@ -88,6 +99,7 @@ void StoreCalculated(cDatabase& database, const Competitors& players, const Hand
 }
 
 /// True when the pair has a record, active or not.
+/// An inactive pair's handicap is refreshed as well, for it plays after all.
 bool HasPartnershipRecord(cDatabase& database, const Competitors& pair) {
   std::string name;
   double handicap = 0.0;
@@ -107,6 +119,7 @@ void ReadCompetitionColour(cDatabase& database, std::int32_t competition) {
 }
 
 /// Notes the result and awards the points, with the first name and the second number exchanged.
+/// This is what scoring programs that still call UpdateResult have always got.
 void NoteAndAward(ResultUpdate& update, cDatabase& database, const CompetitorResult& result, std::int16_t points) {
   update.NoteCompetitorResult(database, result);
   if (points <= 0) return;
@@ -120,6 +133,7 @@ void NoteAndAward(ResultUpdate& update, cDatabase& database, const CompetitorRes
 std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const CompetitionRegistration& registration) {
   currentCompetitionInHandicaps_ = registration.IncludeInHandicaps;
   held_.LoadHandicalcSettings(database);
+  // Before the file is opened: what does not fit its column must not leave a competition without results.
   RequireLength(registration.CompName, kLongestName, "the competition's name");
   RequireLength(registration.Gov, kLongestBody, "the governing body");
   const std::string select = SelectOf(registration);
@@ -132,6 +146,7 @@ std::int32_t ResultUpdate::SetCompetitionEx(cDatabase& database, const Competiti
   return identifier;
 }
 
+// In this order: the handicaps are calculated with the result that has just been stored.
 void ResultUpdate::NoteCompetitorResult(cDatabase& database, const CompetitorResult& result) {
   RequireNumbers(result);
   InTransaction(database, [&] {
@@ -169,6 +184,7 @@ void ResultUpdate::RefreshHandicaps(cDatabase& database, const CompetitorResult&
   StoreCalculated(database, players, handicaps, isRegularPair);
 }
 
+// The numbers are judged before the loop, which would repeat a refusal for ever.
 void ResultUpdate::UpdateResult(cDatabase& database, const CompetitorResult& result, std::int16_t MasterPoints) {
   RequireNumbers(result);
   OpenUse use(database);

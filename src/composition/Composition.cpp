@@ -1,3 +1,7 @@
+// The platform of this machine: the parts that are the same everywhere (clock, engine) are made here, those that each
+// system has in its own way by SetSystemParts, of which the build links one. What the engine must not know of the
+// component is handed to it as functions: how its paths are written, whom to ask whether a statement is to be given up,
+// where to log.
 #include "composition/Composition.h"
 
 #include "access/catalog/Database.h"
@@ -15,6 +19,7 @@ std::string ToNativePath(const std::string& path) {
   return NativePath(path);
 }
 
+/// A clock that stands still gives commands and tests the same answers on every day.
 std::shared_ptr<const Clock> MakeClock(const PlatformOptions& options) {
   if (options.now) return std::make_shared<FixedClock>(*options.now);
   return std::make_shared<SystemClock>();
@@ -36,6 +41,7 @@ std::shared_ptr<const Platform> MakePlatform(const PlatformOptions& options) {
   auto platform = std::make_shared<Platform>();
   platform->clock = MakeClock(options);
   platform->databaseProvider = MakeProvider(options, platform->clock);
+  // Before what the caller wants instead of the system's.
   SetSystemParts(*platform);
   if (options.messageBoxes) platform->messageBoxes = options.messageBoxes;
   return platform;

@@ -7,6 +7,8 @@
 
 namespace tavi {
 
+// Without a desktop messages go to standard error, where they do not mix with what a command answers. There is no
+// registry: settings come from the settings file alone.
 void SetSystemParts(Platform& platform) {
   platform.messageBoxes = std::make_shared<ConsoleMessageBoxes>(std::cerr);
   platform.nameKeyService = std::make_shared<OwnNameKeys>();

@@ -1,4 +1,8 @@
-// Every operation takes the calling thread's store and calls into the room that it belongs to.
+// The public class. No rule of the club stands here: an operation finds the thread's store, turns its arguments into
+// the types of the room that it belongs to, calls it, and turns back what comes.
+//
+// The store is held for the length of the call by the shared pointer that ThreadStore gives: what a host does
+// meanwhile, such as from a message box, may take it out of the thread's slot.
 
 #include "facade/MembershipDatabase.h"
 
@@ -20,6 +24,7 @@
 namespace tavi {
 
 /// What the operations of one public object keep between calls.
+// In this order: results and settings belong together, and the results refer to the settings.
 class MembershipDatabase::State {
  public:
   HeldSettings handicapSettings;
@@ -29,6 +34,7 @@ class MembershipDatabase::State {
 
 namespace {
 
+/// A caller's variables are only written when there is a row.
 bool PassBack(bool found, const WalkedPartnership& walked, std::int32_t& P1Number, std::string& P1Name,
               std::int32_t& P2Number, std::string& P2Name, std::string& PartnershipName, std::string& AlternateName) {
   if (!found) return false;
@@ -43,6 +49,7 @@ bool PassBack(bool found, const WalkedPartnership& walked, std::int32_t& P1Numbe
 
 }  // namespace
 
+// A new object gives its thread a new store: all objects of the thread use it from then on.
 MembershipDatabase::MembershipDatabase(std::shared_ptr<const Platform> platform) : state_(std::make_unique<State>()) {
   SetThreadStore(MakeStore(std::move(platform)));
   FindDatabaseFolder(*ThreadStore());
@@ -147,6 +154,7 @@ std::int32_t MembershipDatabase::FindMember(const std::string& Name, bool ExactM
   return tavi::FindMember(*ThreadStore(), Name, ExactMatchRequired);
 }
 
+// The list's positions count from 1; without a match it stays as a new one is.
 MatchList MembershipDatabase::FindNearestMatches(const std::string& Name) {
   std::vector<std::int32_t> numbers = tavi::FindNearestMatches(*ThreadStore(), Name);
   if (numbers.empty()) return {};
@@ -175,6 +183,7 @@ bool MembershipDatabase::GetNextEBURecord(std::string& EBUNumber, std::string& N
   return state_->walk.GetNextEBURecord(*ThreadStore(), EBUNumber, Name, NameFormat);
 }
 
+// ParScore stays as the caller has it.
 bool MembershipDatabase::GetFirstPartnership(std::int32_t& P1Number, std::string& P1Name, std::int32_t& P2Number,
                                              std::string& P2Name, std::string& PartnershipName,
                                              std::string& AlternateName, double& /*ParScore*/,
@@ -240,6 +249,7 @@ std::string MembershipDatabase::GetPairName(std::int32_t Player1ID, const std::s
                            TransferSurname, AlternateName);
 }
 
+// By name and not by position: fourteen arguments, many of one type, are easily exchanged.
 std::int32_t MembershipDatabase::SetCompetitionEx(const std::string& CompName, Date CompDate, bool Individual,
                                                   std::int16_t ScoringMethod, std::int16_t ButlerType, bool IsSwiss,
                                                   bool QualiFinal, std::int16_t MasterPointsLevel,
@@ -289,6 +299,7 @@ void MembershipDatabase::AddMasterPoints(std::int32_t CompetitionID, std::int16_
                         {Player1ID, P1Name, Player2ID, P2Name});
 }
 
+// Whether the competition is an individual one the file says, not the caller.
 void MembershipDatabase::UpdateResult(std::int32_t CompetitionID, bool /*Individual*/, std::int32_t Player1ID,
                                       const std::string& P1Name, std::int32_t Player2ID, const std::string& P2Name,
                                       double ActualPercent, double NetPercent, std::int16_t MasterPoints,

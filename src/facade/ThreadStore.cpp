@@ -1,3 +1,5 @@
+// Where a club's file is found when nobody says: below the documents folder, unless a setting names a folder, of the
+// machine or of the user, which comes last and wins. An object can be made on any machine, so nothing here fails.
 #include "facade/ThreadStore.h"
 
 #include <exception>

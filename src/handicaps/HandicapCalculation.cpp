@@ -1,3 +1,18 @@
+// The handicap of a pair and its players. A player's is the mean of the percentages that he has scored, with whomever
+// he played: of results in competitions that count (match points, and marked for handicaps), of the last MaxWeeks
+// weeks, the latest MaxResults of them. A seed, a starting handicap with a date, counts like one more result as long as
+// there are not more than MaxResults entries; where that is 0, for all results, none counts. Without any entry it is
+// 50.
+//
+// The pair's is first the mean of the two (gross); then what the two have scored together counts by the weighting w:
+//
+//   gross + (w - 50) / 50 * (joint - gross)      w = 50: gross alone; 75: half way; 100: joint alone
+//
+// and a regular pair's is adjusted at the end by the club's factor and addition. Rounding comes last, for each value by
+// itself: the pair's is made of the averages as they are.
+//
+// Example: results 56 and 48 of one player, 50 of the other, 54 and 56 together. With w = 75 the players have 53.5 and
+// 53.33 (each has the joint ones in his list, too), gross is 53.42, joint 55, the pair has 54.21.
 #include "handicaps/HandicapCalculation.h"
 
 #include <algorithm>
@@ -15,9 +30,11 @@ namespace tavi {
 namespace {
 
 constexpr std::int32_t kSeedIdentifier = 0;
+/// Any number but -1: an average of joint results is never that of somebody unknown.
 constexpr std::int32_t kNotNoMember = 0;
 constexpr int kDecimals = 2;
 constexpr double kWeightingRange = kJointResultsAlone - kPlayersAlone;
+/// Scoring method 0 is match points; other methods give no percentages that could be compared.
 constexpr const char* kCountingCompetitions = "IncludeInHandicapCalculations <> 0 And ScoringMethod = 0";
 
 /// The same time of day some weeks earlier. The days of a date count backwards from day 0, its time of day never does.
@@ -29,6 +46,7 @@ Date WeeksBefore(Date date, std::int32_t weeks) {
 }
 
 /// The seed of the current row, when there is one: a handicap above 0 with a date.
+/// An individual seed is named by the player's number in messages, the higher one of the pair (player, -1).
 std::optional<cHandiCalcResultData> SeedOf(const ado::Recordset& row, const cPairMemberNumbers& pair, bool isOfPair) {
   if (row.AtEnd()) return std::nullopt;
   const double seed = cDatabase::GetNonIntegerField(row, "HandicalcSeed");
@@ -102,6 +120,7 @@ void AddResult(HandicapResultList& list, const PlayerResult& result, bool samePa
 
 }  // namespace
 
+// Two visitors have nothing to be calculated from, and the file is not left open for them.
 Handicaps CalculateHandicaps(cDatabase& database, HeldSettings& held, const HandicapRequest& request,
                              PlayerFindings* findings) {
   held.LoadHandicalcSettings(database);
@@ -140,6 +159,8 @@ void HandicapCalculation::BuildClauses() {
   exclusionClause_ = ExclusionClause();
 }
 
+// The span ends with the day of the competition, so that scoring an old competition again takes what counted then. As
+// of today (the marker) it has no end.
 std::string HandicapCalculation::DateClause() const {
   std::string upTo = IsMarker() ? "" : " And CompetitionDate <= " + cDatabase::SQLDate(request_.CompetitionDate);
   if (settings_.MaxWeeks() < 1) return upTo;
@@ -196,6 +217,8 @@ void HandicapCalculation::ReadPlayerSeed(std::int32_t number, HandicapResultList
   if (seed) list.Append(seed->Key(), *seed);
 }
 
+// TOP gives the rows that tie with the last one too, so that of one day all results count or none; there may be more
+// than MaxResults.
 std::unique_ptr<ado::Recordset> HandicapCalculation::OpenResults(const std::string& condition) {
   return database_.OpenRecordset("Select " + topClause_ +
                                  "ActualPercentage, Player, Partner, Competitions.ID, Competitions.CompetitionDate "
@@ -206,6 +229,7 @@ std::unique_ptr<ado::Recordset> HandicapCalculation::OpenResults(const std::stri
                                  " Order By Competitions.CompetitionDate Desc");
 }
 
+// A result is one row for both players; whichever of the two places a player stands in, it is his.
 void HandicapCalculation::ReadPlayerResults(std::int32_t number, HandicapResultList& list) {
   const auto add = [&](const std::vector<PlayerResult>& results) {
     for (const PlayerResult& result : results) AddResult(list, result, pair_.SameAs(result.pair));
@@ -278,6 +302,7 @@ double HandicapCalculation::PartnershipHandicap(double gross) {
   return Blend(AverageOf(joint, kNotNoMember, settings_.UnknownPlayerHandicap()), gross);
 }
 
+// Asked only when the adjustment changes anything, which saves a query for each pair.
 double HandicapCalculation::AdjustedForRegularPair(double handicap) {
   if (!settings_.IncludesRegularPairAdjustment()) return handicap;
   std::string alias;
@@ -300,6 +325,7 @@ Handicaps HandicapCalculation::Run() {
     return handicaps;
   }
   handicaps.SetPlayer2Handicap(Rounded(player2));
+  // Halved before they are added, so that two enormous averages do not overflow in between.
   const double partnership = AdjustedForRegularPair(PartnershipHandicap(player1 / 2.0 + player2 / 2.0));
   handicaps.SetPartnershipHandicap(Rounded(partnership));
   return handicaps;

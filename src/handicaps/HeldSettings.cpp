@@ -1,3 +1,5 @@
+// The club's handicap settings, one row of a table, as one public object holds them. They are read once and then
+// believed: another program's change shows in objects that are made after it.
 #include "handicaps/HeldSettings.h"
 
 #include <string>
@@ -19,6 +21,7 @@ void ReadRow(const ado::Recordset& row, HandiCalcSettings& settings) {
   settings.SetDisabled(cDatabase::GetBooleanField(row, "Disabled"));
 }
 
+/// Disabled is 0: storing settings switches the calculation on.
 std::string InsertStatement(const HandiCalcSettings& settings) {
   return "Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
          "RegularPairAdd, UnknownPlayerHandicap, Disabled) Values (" +
@@ -37,6 +40,7 @@ void HeldSettings::LoadHandicalcSettings(cDatabase& database) {
   auto settings = std::make_shared<HandiCalcSettings>();
   WhileOpen(database, [&] {
     const auto row = database.OpenRecordset("HandicalcSettings", ado::CursorType::ForwardOnly, true);
+    // A file without the row has the defaults.
     if (!row->AtEnd()) ReadRow(*row, *settings);
     held_ = std::move(settings);
   });

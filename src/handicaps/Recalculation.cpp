@@ -1,3 +1,5 @@
+// All handicaps of a club, as of today. The rows are changed through the record set that finds them. Each row is stored
+// by itself, and on an error those before stay: they are right as of today, and calling again does the rest.
 #include "handicaps/HandicapCalculation.h"
 
 #include <optional>
@@ -61,6 +63,7 @@ void RecalculateMembers(cDatabase& database, HeldSettings& held, const Remembere
     if (!number) continue;
     const double* known = remembered.Find(KeyOf(*number));
     double handicap = known == nullptr ? 0.0 : *known;
+    // 0 is also what a member without a partnership has in the list of remembered ones.
     if (handicap == 0.0) {
       handicap = CalculateHandicaps(database, held, RequestFor(*number, kNoMember, true)).Player1Handicap();
     }

@@ -1,3 +1,5 @@
+// Lists of addresses. The record sets are closed before the file's use is, and closing is in the open, so that an error
+// of writing the file reaches the caller; where an error passes before, both close themselves.
 #include "members/AddressLists.h"
 
 #include "members/Members.h"
@@ -8,6 +10,7 @@
 namespace tavi {
 namespace {
 
+/// The number is one in this table, and a text for callers, as it is with members.
 void AddDetails(const ado::Recordset& row, std::vector<EBUMembershipDetails>& found) {
   EBUMembershipDetails details;
   details.SetEBUNumber(std::to_string(cDatabase::GetNumericField(row, "EBUNumber", 0)));

@@ -1,3 +1,6 @@
+// Reading and changing members' records, a statement or two for each. Each function opens the file for itself, so that
+// it can be called alone; within a caller's OpenUse that only counts. Readers answer what stands for nothing known (50,
+// 0, an empty text) where there is no row, as callers ask for numbers of visitors too.
 #include "members/Members.h"
 
 #include <algorithm>
@@ -27,6 +30,7 @@ std::int16_t UniquenessFlagOf(const ado::Recordset& row) {
                                                             std::numeric_limits<std::int16_t>::max()));
 }
 
+/// A null counts as no handicap.
 double ReadHandicap(cDatabase& database, const std::string& statement) {
   return WhileOpen(database, [&] {
     const auto row = database.OpenRecordset(statement);
@@ -34,6 +38,7 @@ double ReadHandicap(cDatabase& database, const std::string& statement) {
   });
 }
 
+/// A number without a row changes nothing, and is no error: -1 stands for somebody who is no member.
 void UpdateMembersHandicap(cDatabase& database, double handicap, const std::string& where) {
   database.Execute("Update Members Set Handicap = " + cDatabase::SQLNumber(handicap, "the handicap") + " " + where);
 }
@@ -44,6 +49,7 @@ std::string NumberIs(std::int32_t memberNumber) {
   return "MembershipNumber = " + std::to_string(memberNumber);
 }
 
+// Whether retired or not.
 bool MemberExists(cDatabase& database, std::int32_t memberNumber) {
   return WhileOpen(database, [&] {
     const auto row = database.OpenRecordset("Select count(*) From Members " + WhereNumberIs(memberNumber));
@@ -74,6 +80,7 @@ std::string GetFullName(cDatabase& database, std::int32_t memberNumber) {
   return ReplaceAll(Trim(name.FirstName + " " + name.Initials + " " + name.Surname), "  ", " ");
 }
 
+// With the stored flag in place of the one that ReadMemberRow gives, or nobody would see what the flags say.
 std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32_t memberNumber) {
   return WhileOpen(database, [&]() -> std::shared_ptr<cPlayerDetails> {
     const auto row = database.OpenRecordset("Select " + std::string(kMemberRowColumns) + " From Members " +
@@ -108,6 +115,7 @@ void SetEBUNumber(cDatabase& database, std::int32_t MemberNo, const std::string&
 
 std::int32_t EnteredNumberToClubNumber(cDatabase& database, std::int32_t EnteredNumber) {
   return WhileOpen(database, [&] {
+    // EBU numbers are texts: one that is stored with leading zeros is not found.
     const std::string select = "Select MembershipNumber from Members where ";
     if (!database.OpenRecordset(select + NumberIs(EnteredNumber))->AtEnd()) return EnteredNumber;
     const auto row = database.OpenRecordset(select + "EBUNumber = '" + std::to_string(EnteredNumber) + "'");

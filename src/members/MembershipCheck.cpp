@@ -1,3 +1,6 @@
+// A number and a name from a scoring program are checked against the members, and a newcomer is enrolled. The name is
+// asked first: whoever bears exactly this name is meant, even where the number is another member's. Only a name that is
+// nobody's, or that of the number's owner, leaves the number to decide.
 #include "members/MembershipCheck.h"
 
 #include "members/Members.h"
@@ -30,6 +33,7 @@ Date NextFixedDay(Date fixedDay, Date today) {
   return thisYear <= today ? thisYear.AddYears(1) : thisYear;
 }
 
+/// What the policy says is read before the member is added, so that a policy which cannot be read enrols nobody.
 void Enrol(cDatabase& store, std::int32_t number, const PlayerNameParts& name, double handicap) {
   const SubscriptionTerms terms = GetStandardSubscriptionTerms(store);
   MemberDetails member;
@@ -54,6 +58,7 @@ SubscriptionTerms GetStandardSubscriptionTerms(cDatabase& store) {
       store.OpenRecordset("Select * from ClubPolicies Where MemberType = " + cDatabase::SQLString(kStandardMember));
   if (!rows->AtEnd()) {
     if (PolicyField(*rows, "SpecificDate", ToBoolean)) {
+      // Without a stored day it is the day a year from today, which is then taken like a fixed day.
       terms.NextDue = PolicyField(*rows, "SubsDueDate", [&terms, today](const Value& day) {
         return NextFixedDay(IsNull(day) ? terms.NextDue : ToDate(day), today);
       });

@@ -1,3 +1,5 @@
+// New members. All of a member is stored or nothing, by one transaction: the row, then what the insert has no place
+// for, then the flags of those who bear the same first name, since a namesake makes their names longer too.
 #include "members/NewMembers.h"
 
 #include <array>
@@ -13,6 +15,7 @@
 namespace tavi {
 namespace {
 
+/// In per cent; what is below counts as none given.
 constexpr double kLowestHandicap = 1.0;
 
 // The keys are made first: an error of the key service must come before anything is stored.
@@ -22,6 +25,7 @@ std::string InsertStatement(std::int32_t number, const MemberDetails& details, c
   MakeFuzzedNames(fuzzedFirstName, fuzzedLastName, {details.FirstName, details.Initials, details.LastName},
                   nameKeyService);
   const auto text = [](const std::string& value) { return cDatabase::SQLString(value); };
+  // In the order of the columns in the statement below.
   const std::array<std::string, 25> values{std::to_string(number),
                                            text(""),  // EBUNumber
                                            text(details.Title),
@@ -64,6 +68,7 @@ Error NameIsTaken(const MemberDetails& details, bool retired) {
 
 }  // namespace
 
+// Numbers of retired members count, because results and awards still refer to them; gaps are not filled.
 std::int32_t NextAvailableMemberNo(cDatabase& database) {
   return WhileOpen(database, [&] {
     const auto row =
@@ -82,6 +87,7 @@ std::int32_t NextAvailableMemberNo(cDatabase& database) {
 std::int32_t AddMember(cDatabase& database, const MemberDetails& details) {
   return InTransaction(database, [&] {
     const std::int32_t number = details.RequiredID == kNoMember ? NextAvailableMemberNo(database) : details.RequiredID;
+    // Before the first statement, although it is stored by the second.
     RequireNumber(details.Handicap, "the handicap");
     database.Execute(InsertStatement(number, details, *database.GetPlatform().nameKeyService));
     // The insert has no column for it, as programs know the statement.
@@ -107,6 +113,7 @@ std::int32_t AddNewMember(cDatabase& database, const std::string& FirstName, con
 
   return WhileOpen(database, [&] {
     bool retired = false;
+    // Names of retired members are taken too: whoever comes back has a record already.
     if (GetMembershipID(database, FirstName, Initials, LastName, retired) != kNoMember) {
       throw NameIsTaken(details, retired);
     }

@@ -1,3 +1,6 @@
+// Pairs of members. The row of a pair is found by its two numbers in ascending order, whoever is named first;
+// HigherFirst says in which order the pair was entered, which is how its name is shown. A pair that is given up stays
+// with Active = 0, and comes back with a new handicap and name.
 #include "members/Partnerships.h"
 
 #include <algorithm>
@@ -20,11 +23,13 @@ std::string ReactivateStatement(std::int32_t P1, std::int32_t P2, double handica
          ", KnownAs = " + cDatabase::SQLString(knownAs) + " Where " + PairWhereClause(P1, P2);
 }
 
+/// Numbers without a row change nothing.
 void UpdatePairHandicap(cDatabase& database, double handicap, const std::string& condition) {
   database.Execute("Update Partnerships Set Handicap = " + cDatabase::SQLNumber(handicap, "the pair's handicap") +
                    " Where " + condition);
 }
 
+/// A member's stored name counts, not the given one.
 std::shared_ptr<cPlayerDetails> PlayerOf(cDatabase& database, const NamedPlayer& named) {
   if (named.MemberNo != kNoMember) {
     if (auto member = FindActiveMember(database, named.MemberNo)) return member;
@@ -64,6 +69,7 @@ void MakeRegularPartnership(cDatabase& database, std::int32_t P1, std::int32_t P
     // Behind the handicaps, whose errors come first.
     if (P1 == P2) throw Error(ErrorNumber::Component, kStoreSource, "You cannot partner a player with themself.");
 
+    // What the row says is not needed, only whether it is there and active.
     std::string storedName;
     double storedHandicap = 0.0;
     bool inactive = false;
@@ -81,6 +87,7 @@ void AddRegularPair(cDatabase& database, std::int32_t Player1MembershipNo, std::
   MakeRegularPartnership(database, Player1MembershipNo, Player2MembershipNo, kMeanOfPlayers, false, "");
 }
 
+// The results are set in any case, so that a caller's variables never keep those of the pair before.
 bool IsRegularPair(cDatabase& database, std::int32_t Player1No, std::int32_t Player2No, std::string& PairAlias,
                    double& ParScore) {
   bool inactive = false;

@@ -1,3 +1,11 @@
+// A walk holds a record set of the store's file open between calls, and one use of the file with it. It ends at its
+// last row, at EndGet and when another one begins; only then the file may be closed. Each call reads the row that the
+// cursor is on and moves behind it at its very end, so that an error of reading leaves the walk where it was and the
+// call can be made again.
+//
+// The walk of the partnerships tidies up as it goes: a pair one of whose players is no active member any more is passed
+// over, and that player is retired from all his pairs when the walk has ended. Not at once: the walk still reads that
+// table.
 #include "members/Walk.h"
 
 #include <limits>
@@ -50,6 +58,7 @@ void RetiredPlayers::Add(std::int32_t memberNumber) {
   }
 }
 
+// Also where a player has become active again meanwhile.
 void RetiredPlayers::RetireFromPartnerships(cDatabase& store) const {
   for (std::int32_t position = 1; position <= list_.Count(); ++position) {
     DeletePairsOf(store, list_.Item(static_cast<std::int16_t>(position)));
@@ -57,6 +66,7 @@ void RetiredPlayers::RetireFromPartnerships(cDatabase& store) const {
   for (const std::int32_t number : beyondList_) DeletePairsOf(store, number);
 }
 
+// All members are walked as a table, active ones by a statement.
 bool Walk::GetFirstMember(cDatabase& store, bool includeInactive, std::int32_t& Number, std::string& Name,
                           double& ParScore, std::int16_t NameFormat) {
   EndGet(store);
@@ -74,6 +84,7 @@ bool Walk::GetFirstEBURecord(cDatabase& store, std::string& EBUNumber, std::stri
   return GetNextEBURecord(store, EBUNumber, Name, std::to_string(NameFormat));
 }
 
+// Which file the remembered players are of is kept with them.
 bool Walk::GetFirstPartnership(cDatabase& store, bool includeInactive, WalkedPartnership& partnership,
                                std::int16_t NameFormat) {
   EndGet(store);
@@ -100,6 +111,7 @@ bool Walk::GetNextMember(cDatabase& store, bool includeInactive, std::int32_t& N
   Number = player->MembershipNumber;
   ParScore = player->Handicap;
   Name = player->Name(NameFormat);
+  // The statement's rows have no such column, and need none: they are active.
   retired_ = includeInactive && !ToBoolean(cursor_->Get("Active"));
   cursor_->MoveNext();
   return true;
@@ -117,6 +129,7 @@ bool Walk::GetNextEBURecord(cDatabase& store, std::string& EBUNumber, std::strin
   return true;
 }
 
+// Both players of a pair that is passed over are looked at, since each of them may have retired.
 bool Walk::GetNextPartnership(cDatabase& store, WalkedPartnership& partnership, std::int16_t NameFormat) {
   while (HasRow(store)) {
     const std::int32_t lowerNumber = PlayerNumber(*cursor_, "LowerPlayer");
@@ -137,6 +150,7 @@ void Walk::Remember(std::int32_t retiredPlayer) {
   if (retiredPlayers_ && retiredPlayer != kNoMember) retiredPlayers_->Add(retiredPlayer);
 }
 
+// A row that does not say who comes first has the higher number first.
 void Walk::ReadPartnership(const std::shared_ptr<cPlayerDetails>& lower, const std::shared_ptr<cPlayerDetails>& higher,
                            WalkedPartnership& partnership, std::int16_t NameFormat) const {
   const Value higherFirst = cursor_->Get("HigherFirst");

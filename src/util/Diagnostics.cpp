@@ -13,6 +13,7 @@ constexpr std::string_view kLogFile = "C:\\Diagnostics\\Tallyman.txt";
 
 void WriteDiagnostic(std::string_view message) noexcept {
   try {
+    // In one piece with its line end, so that lines of several programs do not mix.
     AppendToNativeFile(kLogFile, std::string(message) + "\r\n");
   } catch (...) {
     return;

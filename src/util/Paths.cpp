@@ -1,3 +1,9 @@
+// Paths. The component's own have the form that its callers know, of Windows: they go into settings, messages and the
+// connection string unchanged on every system. Only where the disk is touched a path is translated (NativePath), by
+//
+//   C:\Club\ClubMembers.mdb    ->  ROOT/c/Club/ClubMembers.mdb
+//   \Club\Notes.txt            ->  /Club/Notes.txt
+//   /srv/club/ClubMembers.mdb  ->  the same
 #include "util/Paths.h"
 
 #include <algorithm>
@@ -80,6 +86,7 @@ bool FileExists(std::string_view path) noexcept {
   return IsNativeFile(path);
 }
 
+// By the text first, which also serves for a file that is still to be made.
 bool IsSameFile(std::string_view path, std::string_view other) {
   return EqualIgnoringCase(ReplaceAll(path, "\\", "/"), ReplaceAll(other, "\\", "/")) || IsSameNativeFile(path, other);
 }
@@ -94,6 +101,7 @@ std::string ParentPath(std::string_view path) {
   return isDriveAlone ? std::string() : std::string(path.substr(0, end));
 }
 
+// The root is only asked for when there is a drive, for it looks at the environment.
 std::string NativePath(std::string_view path) {
   if (kHasDrives) return std::string(path);
   return NativePath(path, HasDrive(path) ? DrivesRoot() : std::string());
@@ -105,6 +113,7 @@ std::string NativePath(std::string_view path, std::string_view drivesRoot) {
     constexpr char kLowerCaseBit = 0x20;
     native = std::string(drivesRoot) + "/" + static_cast<char>(path[0] | kLowerCaseBit);
     path.remove_prefix(2);
+    // "C:Club" has no folder of its own on that drive to start from; it begins at its root.
     if (!path.empty() && path[0] != '\\' && path[0] != '/') native += '/';
   }
   native += path;

@@ -1,3 +1,5 @@
+// The calls of NativeFiles.h on POSIX systems. None of them raises an error: what is asked here (is the settings file
+// there, can a line be logged) must never stop an operation of the component.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,13 +13,17 @@
 namespace tavi {
 namespace {
 
+/// Less what the user's mask takes away.
 constexpr mode_t kFolderRights = 0777;
 constexpr mode_t kFileRights = 0666;
 
+/// The system would take the path to end there, and name another file.
 bool CanBePath(std::string_view path) {
   return path.find('\0') == std::string_view::npos;
 }
 
+/// One call of write, which is what keeps appended lines of several programs apart; a part that was written before the
+/// disk was full counts as not written. A limit on the size of files must not end the program by its signal.
 bool WriteThrough(std::string_view path, int flags, std::string_view text) noexcept {
   try {
     if (!CanBePath(path)) return false;
@@ -61,6 +67,7 @@ bool MakeNativeFolder(std::string_view path) noexcept {
   }
 }
 
+// O_EXCL makes sure of it in one step with the look whether it is there.
 bool MakeNativeFile(std::string_view path, std::string_view text) noexcept {
   return WriteThrough(path, O_EXCL, text);
 }
@@ -72,6 +79,7 @@ std::optional<std::string> ReadNativeFile(std::string_view path, std::size_t mos
     if (file < 0) return std::nullopt;
     // One byte more, to see whether the file is larger.
     std::string content(most + 1, '\0');
+    // A read may give less than was asked for.
     std::size_t size = 0;
     ssize_t count = 1;
     while (count > 0 && size < content.size()) {

@@ -1,3 +1,6 @@
+// Settings that are kept for a machine stand in an XML file, which takes over from the registry one value after the
+// other: what only the registry has is copied when it is first asked for. Asking must work whatever state the file is
+// in, so reading it never fails; writing it does, because a setting that is not stored is worth knowing of.
 #include "util/SettingsStore.h"
 
 #include <algorithm>
@@ -29,6 +32,7 @@ std::string Escaped(std::string_view value) {
   return ReplaceAll(ReplaceAll(ReplaceAll(value, "&", "&amp;"), "<", "&lt;"), ">", "&gt;");
 }
 
+/// In the opposite order of Escaped, so that "&amp;lt;" becomes "&lt;" and not "<".
 std::string Unescaped(std::string_view value) {
   return ReplaceAll(ReplaceAll(ReplaceAll(value, "&lt;", "<"), "&gt;", ">"), "&amp;", "&");
 }
@@ -53,6 +57,8 @@ void RequireXmlText(const std::string& valueName, const std::string& value) {
 }
 
 /// True for an empty text and an XML document without a root: nobody's settings are lost with it.
+/// Passes over a byte order mark, blanks, comments and declarations. A text that breaks off within one of these is
+/// somebody's file that was damaged, and is left alone.
 bool HoldsNoElement(std::string_view text) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
@@ -114,6 +120,7 @@ bool IsFound(const std::string& valueName, const std::optional<std::string>& val
 
 void SettingsFile::MakeSure(const Platform& platform) {
   const std::string folder = SettingsFolder(*platform.shellFolders);
+  // A system without such a folder is told by SettingsPath, which names what is missing.
   if (folder.empty()) return;
   const std::string path = SettingsPath(*platform.shellFolders);
   MakeNativeFolder(folder);

@@ -13,6 +13,7 @@ std::string PaddedNumber(std::int32_t number, std::size_t digits) {
   return text;
 }
 
+// With all eight digits, as error numbers are looked up: "0x80040E14".
 std::string HexadecimalNumber(std::int32_t number) {
   const auto bits = static_cast<std::uint32_t>(number);
   const std::array<std::uint8_t, 4> bytes{static_cast<std::uint8_t>(bits >> 24U),

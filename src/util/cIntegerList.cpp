@@ -1,3 +1,5 @@
+// A sorted vector without repetitions, in which looking up is a search by halves. Values, positions and the count are
+// numbers of 16 bits for callers, so whatever would leave that range is an error and never wraps round.
 #include "util/cIntegerList.h"
 
 #include <algorithm>
@@ -24,6 +26,8 @@ bool BeginsWithDigit(const std::string& text) {
 
 }  // namespace
 
+// "1-3, 5" and "1&2&3&5" give the same: what ToPrettyString and ToString write can be read back. A number out of range
+// is an error after what stands before it has been taken.
 void cIntegerList::SetTo(const std::string& InitString) {
   Clear();
   const std::string text = ReplaceAll(InitString, "&", ",");
@@ -39,6 +43,7 @@ void cIntegerList::SetTo(const std::string& InitString) {
   }
 }
 
+// Cuts the number and the blanks around it from the text, so that a minus for a range is next. Without figures it is 0.
 std::int16_t cIntegerList::ParseLeadingNumber(std::string& text) {
   text = Trim(text);
   std::int16_t value = 0;
@@ -50,10 +55,12 @@ std::int16_t cIntegerList::ParseLeadingNumber(std::string& text) {
   return value;
 }
 
+// A copy of the other one's values: it may be this list.
 void cIntegerList::MergeIn(const cIntegerList& other) {
   for (const std::int16_t value : std::vector<std::int16_t>(other.values_)) Add(value);
 }
 
+// A full list has 65,536 values, more than its count can say.
 std::int16_t cIntegerList::Count() const {
   return Checked(static_cast<std::int32_t>(values_.size()));
 }
@@ -96,6 +103,8 @@ std::string cIntegerList::ToString() const {
   return text;
 }
 
+// A run of one value is written alone, of two or more as a range: "1-2, 4". Negative values stand first, so a list that
+// has any gives an empty text.
 std::string cIntegerList::ToPrettyString() const {
   std::string text;
   for (std::size_t i = 0; i < values_.size() && values_[i] >= 0;) {
@@ -114,6 +123,8 @@ cIntegerList cIntegerList::AllItemsUpTo(std::int16_t MaxValue) const {
   return list;
 }
 
+// The difference of two 16-bit numbers needs more bits. Of two values as near as each other the first, smaller one is
+// taken.
 std::int16_t cIntegerList::NearestTo(std::int16_t Sought) const {
   const auto distance = [Sought](std::int16_t value) { return std::abs(std::int32_t{value} - Sought); };
   const auto nearest = std::min_element(values_.begin(), values_.end(), [&](std::int16_t left, std::int16_t right) {
@@ -126,6 +137,8 @@ void cIntegerList::SetToAllIntegersUpTo(std::int16_t n) {
   for (std::int16_t value = n; value >= 1; --value) Add(value);
 }
 
+// The value behind the last one is computed as well and checked: counting past the end of the range is an error,
+// although all values are in the list then.
 void cIntegerList::AddAllIntegersBetween(std::int16_t FirstVal, std::int16_t LastVal) {
   const std::int32_t step = FirstVal <= LastVal ? 1 : -1;
   std::int16_t value = FirstVal;
@@ -136,6 +149,7 @@ void cIntegerList::AddAllIntegersBetween(std::int16_t FirstVal, std::int16_t Las
   static_cast<void>(Checked(value + step));
 }
 
+// Without repetitions the ends say how many values there must be.
 bool cIntegerList::IsContiguous() const {
   return values_.empty() || static_cast<std::size_t>(values_.back() - values_.front()) + 1 == values_.size();
 }

@@ -1,3 +1,5 @@
+// The proof that table and classes agree: assertions about types, which are compiled and never run. A declaration that
+// differs from its row of the table fails with a sentence that names the two.
 #include <set>
 
 #include "facade/operations/Writers.h"
@@ -29,6 +31,7 @@ void WriteAgreement(std::ostream& out, const std::string& className, const Opera
 }
 
 /// That what may be left out may be left out in C++ too.
+/// As an expression that the compiler tries with the needed arguments alone.
 void WriteShortCall(std::ostream& out, const std::string& className, const Operation& operation) {
   std::vector<std::string> parameters{className + " object"};
   std::vector<std::string> names;
@@ -52,6 +55,7 @@ void TakeErrorNumbers(const std::string& text, std::set<std::string>& numbers) {
 }
 
 /// A number that is not among those of the system is a warning, which ends the build.
+/// As cases of a switch over the error numbers, which the compiler checks.
 void WriteErrorNumbers(std::ostream& out, const std::vector<Class>& classes) {
   std::set<std::string> numbers;
   for (const Class& one : classes) {

@@ -1,3 +1,6 @@
+// What automation needs of the table, for two readers: the members of an interface in the interface description, from
+// which the type library is made, and the C++ class that implements them. The compiler holds the two together, for the
+// class overrides what the description's header declares.
 #include <algorithm>
 #include <iomanip>
 
@@ -28,6 +31,7 @@ std::string Attributes(const Argument& argument) {
   return "[in, defaultvalue(" + (argument.standard == "False" ? "0" : argument.standard) + ")]";
 }
 
+/// The compiler of descriptions writes no default of a double; the macro marks the place for a script of the build.
 std::string DescribedArgument(const Argument& argument) {
   const bool hasDoubleDefault = argument.type == FindType("double") && !argument.standard.empty();
   if (hasDoubleDefault) return "DOUBLE_WITH_DEFAULT(\"" + argument.standard + "\", " + argument.name + ")";
@@ -81,6 +85,8 @@ std::string Statement(const Operation& operation) {
   return operation.result == nullptr ? expression + ";" : "Return(result, " + expression + ");";
 }
 
+/// Answer is told of all variables that are passed back: it refuses a call without one of them, and clears the result's
+/// first.
 void WriteFunction(std::ostream& out, const Operation& operation) {
   std::vector<std::string> parameters;
   std::vector<std::string> passedBack;

@@ -1,3 +1,9 @@
+// The operations of the JSON-RPC server, as C++: for each a function that reads its arguments from JSON, calls the
+// class and writes what comes back, the list of its arguments, and a row of the table by which the server finds it.
+// Classes other than the MembershipDatabase itself have no objects that a client could hold; theirs are values:
+//
+//   Handicaps                 {"PartnershipHandicap": 52.5, ...}, written by WriteJson
+//   a method of such a value  "HandiCalcSettings.AdjustRegularPair", with the value as its first argument
 #include <algorithm>
 
 #include "facade/operations/Writers.h"
@@ -16,6 +22,7 @@ bool IsPassedBack(const Argument& argument) {
   return argument.direction != Direction::In;
 }
 
+/// The names that automation gives to the halves of a property.
 std::string PropertyName(const Operation& operation) {
   if (operation.kind == Kind::Method) return operation.name;
   return (IsWriting(operation) ? "put_" : "get_") + operation.name;
@@ -55,6 +62,7 @@ std::string TypeWord(const Type* type) {
 }
 
 /// What stands for an argument that is left out, as JSON in quotes.
+/// What is passed back may always be left out; then the operation gets an empty value to fill.
 std::string StandardText(const Argument& argument) {
   if (argument.standard.empty()) return IsPassedBack(argument) ? "\"null\"" : "nullptr";
   if (argument.standard == "empty") return R"("\"\"")";
@@ -63,6 +71,7 @@ std::string StandardText(const Argument& argument) {
   return "\"" + argument.standard + "\"";
 }
 
+/// Settings that are stored are kept by the object, so it gets an owner of them.
 std::string CppType(const Call& call, const Argument& argument) {
   const bool isStored = argument.type == FindType("HandiCalcSettings") && !call.isOfAValue;
   return isStored ? "std::shared_ptr<HandiCalcSettings>" : argument.type->cpp;
@@ -79,6 +88,7 @@ std::string Expression(const Call& call) {
   return object + "." + operation.name + (arguments.empty() ? "" : " = " + arguments);
 }
 
+/// The names of unused parameters are written as comments: warnings are errors in what is made, too.
 void WriteFunction(std::ostream& out, const Call& call) {
   const std::vector<Argument> arguments = ArgumentsOf(call);
   const bool hasArguments = !arguments.empty();

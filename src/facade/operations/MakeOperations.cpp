@@ -20,6 +20,7 @@
 namespace tavi::operations {
 namespace {
 
+/// Read before the page is opened for writing, which empties it.
 std::string BeginningOfPage(const std::string& page) {
   std::ifstream in(page);
   std::string text;
@@ -54,6 +55,7 @@ void Write(std::ostream& out, const Order& order, const std::vector<Class>& clas
 void Make(const Order& order) {
   std::ifstream in(order.table);
   if (!in) throw std::runtime_error(" cannot be read");
+  // Everything is written in memory first, so that a table with a slip leaves the old file as it is.
   std::ostringstream text;
   Write(text, order, ReadTable(in));
   std::ofstream out(order.result);
@@ -67,6 +69,7 @@ void Make(const Order& order) {
 
 int main(int count, char** arguments) {
   std::vector<std::string> words(arguments + 1, arguments + count);
+  // Without a class.
   if (words.size() == 3) words.insert(words.begin() + 1, "");
   if (words.size() != 4) {
     std::cerr << "usage: make_operations page|agreement|json-rpc TABLE RESULT\n"

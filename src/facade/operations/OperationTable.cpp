@@ -1,3 +1,9 @@
+// The table is read line by line into paragraphs, and a paragraph into an operation or the head of a class. Everything
+// that is wrong is refused with its line, because what is made of the table is code: a slip that went through would
+// come out as a compiler's message about a file that nobody wrote.
+//
+// A property that is both read and written, in one paragraph, becomes two operations of one number, as the type library
+// has them.
 #include "facade/operations/OperationTable.h"
 
 #include <algorithm>
@@ -9,6 +15,8 @@
 namespace tavi::operations {
 namespace {
 
+/// The columns are those of Type: the word, C++, automation, and what converts an argument. A conversion of null means
+/// that no argument has the type: it is for results alone.
 constexpr Type kTypes[] = {
     {"boolean", "bool", "VARIANT_BOOL", "ToBool"},
     {"16-bit", "std::int16_t", "short", ""},
@@ -38,6 +46,7 @@ std::string CutBefore(std::string& text, const std::string& separator) {
   return before;
 }
 
+/// Letters and figures only, as all the languages that operations are called from take them.
 bool IsName(const std::string& text) {
   const auto isPart = [](unsigned char character) { return std::isalnum(character) != 0; };
   return !text.empty() && std::isalpha(static_cast<unsigned char>(text.front())) != 0 &&
@@ -47,6 +56,8 @@ bool IsName(const std::string& text) {
 /// Takes the lines of a table one after the other.
 class TableReader {
  public:
+  // A blank line ends a paragraph. Fields begin with two blanks, lines that go on with four or more, so that neither
+  // can be taken for the other.
   void Read(const std::string& line) {
     ++lineNumber_;
     if (line.starts_with("#")) return;
@@ -96,6 +107,7 @@ class TableReader {
     classes_.push_back({std::move(name), std::move(head), {}});
   }
 
+  // The halves of a property share help, errors and tests when they stand in one paragraph.
   void TakeOperation() {
     if (classes_.empty()) Refuse("an operation stands before the first class");
     Operation operation;
@@ -127,6 +139,7 @@ class TableReader {
       operation.name = CutBefore(rest, "(");
       std::string arguments = CutBefore(rest, ")");
       if (arguments.empty()) Refuse("there is nothing in the brackets");
+      // Nothing that stands for a left-out argument has a comma in it.
       while (!arguments.empty()) operation.arguments.push_back(ArgumentOf(CutBefore(arguments, ",")));
       if (rest.starts_with(":")) rest = Trimmed(rest.substr(1));
     }
@@ -143,6 +156,7 @@ class TableReader {
     Refuse("\"" + word + "\" is no kind of operation");
   }
 
+  // "out Name: text = empty": direction, name, type, and what stands for it when it is left out.
   [[nodiscard]] Argument ArgumentOf(std::string text) const {
     Argument argument;
     std::string name = CutBefore(text, ":");
@@ -176,6 +190,8 @@ class TableReader {
     if (operation.errors.empty()) Refuse(operation.name + " does not say what it raises (none is an answer)");
   }
 
+  // What is said once for both halves of a property is taken over from the first one. Operations that can meet an error
+  // of the database are all proved by the test that lets each call of the provider fail once, so nobody need name it.
   void Add(Operation operation) {
     std::vector<Operation>& all = classes_.back().operations;
     for (const Operation& other : all) {
@@ -197,6 +213,7 @@ class TableReader {
   }
 
   /// Whether a letter that stands for errors is among them.
+  // "D" alone or before a comma, but neither in a word nor before a figure.
   static bool Names(const std::string& errors, char letter) {
     const std::string padded = " " + errors + " ";
     for (std::size_t i = 1; i + 1 < padded.size(); ++i) {

@@ -21,6 +21,7 @@ std::string TypeWord(const Type* type) {
   return type->word;
 }
 
+/// "`Name` text out", "`Handicap` double in optional (none)".
 std::string ArgumentText(const Argument& argument) {
   const std::string text =
       "`" + argument.name + "` " + TypeWord(argument.type) + " " + DirectionWord(argument.direction);
