@@ -1,3 +1,8 @@
+// A connection: each call goes to the engine's session, under a guard (AsProvider) that gives every error the engine's
+// source, so that programs know where it comes from.
+//
+// Connection and record sets share the open file. Whichever goes last gives it back; but closing the connection, or its
+// end, closes the file at once, and record sets that are still about then say so instead of reading on.
 #include "access/provider/AccessConnection.h"
 
 #include "platform/values/Text.h"
@@ -16,6 +21,8 @@ std::string BareName(std::string_view commandText) {
   return name;
 }
 
+/// A record set may be opened on the bare name of a table. The length and the word Select are asked first, as looking
+/// in the catalogue is what each statement of a program would pay otherwise.
 bool IsTableName(sql::Session& session, std::string_view commandText) {
   if (commandText.size() > kLongestTableName || EqualIgnoringCase(FirstCharacters(commandText, 7), "select ")) {
     return false;
@@ -37,6 +44,8 @@ void OpenFile::Flush() {
   if (!isClosed_) database_.GetPager().Flush();
 }
 
+// Counts as closed before it is tried, so that an error of closing is told once; what could not be written is in the
+// log.
 void OpenFile::Close() {
   if (isClosed_) return;
   isClosed_ = true;
@@ -55,6 +64,8 @@ std::int64_t AccessConnection::Execute(std::string_view commandText) {
   return AsProvider([&] { return file_->Session().Run(commandText).affected; });
 }
 
+// The kind of cursor is not asked: every record set here can go both ways. A statement that changes rows is run, and
+// only then found to have none to show.
 std::unique_ptr<ado::Recordset> AccessConnection::OpenRecordset(std::string_view source, ado::CursorType /*cursorType*/,
                                                                 ado::LockType lockType, ado::SourceKind sourceKind) {
   return AsProvider([&]() -> std::unique_ptr<ado::Recordset> {
@@ -72,6 +83,7 @@ std::unique_ptr<ado::Recordset> AccessConnection::OpenRecordset(std::string_view
 
 std::unique_ptr<ado::Recordset> AccessConnection::OpenSchema(ado::SchemaKind kind) {
   return AsProvider([&]() -> std::unique_ptr<ado::Recordset> {
+    // A list that describes the file is made at once and can be read only.
     return std::make_unique<AccessRecordset>(file_, ListSchema(file_->GetDatabase(), kind), true);
   });
 }

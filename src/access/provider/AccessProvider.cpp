@@ -1,3 +1,9 @@
+// From a connection string to an open file. Programs write the strings that they wrote for Access:
+//
+//   Provider=Microsoft.Jet.OLEDB.4.0;Data Source="C:\Club;Files\ClubMembers.mdb";Mode=Read
+//
+// so a value with semicolons stands in quotes, items that concern other providers' features are passed over, and of an
+// item that is there twice the last counts.
 #include "access/provider/AccessProvider.h"
 
 #include "access/file/EngineError.h"
@@ -9,6 +15,7 @@ namespace tavi::access {
 
 namespace {
 
+// Beginnings of names: versions behind them differ and make no difference here.
 constexpr std::string_view kProviders[] = {"Microsoft.Jet.OLEDB", "Microsoft.ACE.OLEDB"};
 
 /// Takes the value at `position`, quoted (a quote in it is doubled) or up to the next semicolon, and moves behind its
@@ -27,6 +34,7 @@ std::string TakeValue(std::string_view text, std::size_t& position) {
       if (!isDoubled) break;
       value += quote;
     }
+    // What stands between the closing quote and the semicolon is dropped.
     position = std::min(text.find(';', position), text.size());
     return value;
   }
@@ -53,6 +61,7 @@ ConnectionString ParseConnectionString(std::string_view text) {
   while (position < text.size()) {
     const std::size_t equals = text.find('=', position);
     if (equals == std::string_view::npos) {
+      // A semicolon or blanks at the end are no item.
       if (Trim(text.substr(position)).empty()) break;
       RaiseFailure("The connection string has an item without '=': '" + std::string(text.substr(position)) + "'.");
     }
@@ -62,6 +71,7 @@ ConnectionString ParseConnectionString(std::string_view text) {
     ++position;
     if (EqualIgnoringCase(name, "Provider")) CheckProvider(value);
     if (EqualIgnoringCase(name, "Data Source")) result.dataSource = value;
+    // All other modes open for reading and writing.
     if (EqualIgnoringCase(name, "Mode")) result.readOnly = EqualIgnoringCase(value, "Read");
     if (EqualIgnoringCase(name, "Flush") && EqualIgnoringCase(value, "Each")) result.flush = FlushTime::EachStatement;
   }
@@ -71,10 +81,12 @@ ConnectionString ParseConnectionString(std::string_view text) {
 
 namespace {
 
+/// Opens each connection with a pager of its own. What connections of one provider share is who waits for whom.
 class AccessProvider final : public ado::Provider {
  public:
   AccessProvider(std::shared_ptr<FileSystem> fileSystem, std::shared_ptr<const Clock> clock, ProviderOptions options)
       : fileSystem_(std::move(fileSystem)), clock_(std::move(clock)), options_(std::move(options)) {
+    // Connections of one provider would otherwise not see that they wait for each other for ever.
     if (!options_.pager.writingThreads) options_.pager.writingThreads = std::make_shared<WritingThreads>();
   }
 
@@ -82,6 +94,7 @@ class AccessProvider final : public ado::Provider {
     return AsProvider([&]() -> std::unique_ptr<ado::Connection> {
       const ConnectionString wanted = ParseConnectionString(connectionString);
       PagerOptions pagerOptions = options_.pager;
+      // The string can ask for less than the options allow, and for more care, never the other way round.
       pagerOptions.readOnly = pagerOptions.readOnly || wanted.readOnly;
       if (wanted.flush == FlushTime::EachStatement) pagerOptions.flush = wanted.flush;
       const std::string path = options_.nativePath ? options_.nativePath(wanted.dataSource) : wanted.dataSource;

@@ -1,3 +1,6 @@
+// A record set on a result set of the engine: names become positions, and each call asks first whether record set and
+// connection are still open. What can be changed is the result set's to say; one that was opened for reading only
+// refuses before it is asked.
 #include "access/provider/AccessConnection.h"
 #include "access/sql/plan/ExecutionErrors.h"
 
@@ -8,12 +11,15 @@ AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, std::unique_ptr
   for (const sql::ResultColumn& column : rows_->Columns()) fields_.push_back({column.name, column.type});
 }
 
+// The file may have been closed under a record set that a program still holds.
 sql::ResultSet& AccessRecordset::Rows() const {
   if (!rows_) RaiseFailure("The record set is closed. Open it again.");
   if (file_->IsClosed()) RaiseFailure("The connection of the record set is closed. Open both again.");
   return *rows_;
 }
 
+// Fields may be named with their table, in any case of letters; the result set knows how. Only names that were found
+// are remembered, so that a wrong one does not fill the list.
 std::size_t AccessRecordset::PositionOf(std::string_view fieldName) const {
   const std::string name(fieldName);
   const auto known = positions_.find(name);
@@ -46,6 +52,7 @@ Value AccessRecordset::Get(std::string_view fieldName) const {
   });
 }
 
+// Asked where a change begins; without it Update has nothing to store.
 void AccessRecordset::RefuseReadOnly() const {
   if (isReadOnly_) throw sql::NotUpdatableError("as it was opened for reading only");
 }

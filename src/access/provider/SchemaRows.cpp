@@ -1,3 +1,6 @@
+// The lists by which programs find out what a file holds. They are made of the catalogue when asked for and stay as
+// they were then. Rows come by name of table, then of column or index, whatever their order in the file; the numbers in
+// ORDINAL_POSITION tell the file's own order. Types are the numbers that ADO has for them.
 #include <algorithm>
 
 #include "access/file/Format.h"
@@ -13,9 +16,11 @@ namespace {
 
 using ado::DataType;
 
+// What programs expect in COLLATION.
 constexpr std::int16_t kAscending = 1;
 constexpr std::int16_t kDescending = 2;
 
+/// Columns of a list belong to no table.
 std::vector<sql::ResultColumn> Named(std::initializer_list<std::pair<const char*, DataType>> columns) {
   std::vector<sql::ResultColumn> named;
   for (const auto& [name, type] : columns) named.push_back({name, "", "", type});
@@ -44,6 +49,8 @@ std::int32_t SchemaType(const ColumnDefinition& column) {
   return static_cast<std::int32_t>(type == DataType::LongVarBinary ? DataType::Binary : type);
 }
 
+/// In characters for texts, of which a column's record has two bytes each; 0 where there is no limit, null where there
+/// is no length.
 Value MaximumLength(const ColumnDefinition& column) {
   switch (column.type) {
     case ColumnType::Text:
@@ -59,6 +66,7 @@ Value MaximumLength(const ColumnDefinition& column) {
   }
 }
 
+/// The values in the order of the columns in ListColumns.
 RowValues ColumnRow(const Table& table, std::size_t position) {
   const Column& column = table.Columns()[position];
   const bool hasDefault = !column.defaultExpression.empty();
@@ -96,10 +104,12 @@ std::unique_ptr<sql::ResultSet> ListColumns(Database& database) {
 
 /// As the table states it; null when it cannot be read, or is more than the file has room for.
 Value StatedRowCount(Database& database, const CatalogEntry& entry) {
+  // The rows of a link are in another file, which is not opened.
   if (entry.isLinked) return Null{};
   try {
     const auto table = database.FindTable(entry.name);
     const std::uint64_t count = table ? table->RowCount() : 0;
+    // A damaged counter may say anything; it must not be shown as a number of rows.
     const std::uint64_t room = std::uint64_t{database.GetPager().PageCount()} * format::data::kMaximumRowCount;
     if (!table || count > room) return Null{};
     return static_cast<std::int32_t>(count);
@@ -108,6 +118,7 @@ Value StatedRowCount(Database& database, const CatalogEntry& entry) {
   }
 }
 
+/// System tables and links are listed here alone: nothing else can be asked of them by these lists.
 std::unique_ptr<sql::ResultSet> ListTables(Database& database) {
   std::vector<CatalogEntry> entries = database.Tables();
   std::sort(entries.begin(), entries.end(), [](const CatalogEntry& left, const CatalogEntry& right) {
@@ -123,6 +134,7 @@ std::unique_ptr<sql::ResultSet> ListTables(Database& database) {
       std::move(rows));
 }
 
+/// A row for each column of an index, so that an index without columns has none.
 void AddIndexRows(const Table& table, std::vector<RowValues>& rows) {
   std::vector<const Index*> indexes;
   for (const Index& index : table.Indexes()) indexes.push_back(&index);
@@ -153,6 +165,7 @@ std::unique_ptr<sql::ResultSet> ListIndexes(Database& database) {
 }  // namespace
 
 std::unique_ptr<sql::ResultSet> ListSchema(Database& database, ado::SchemaKind kind) {
+  // One statement for the whole list, which is then of one moment.
   const ReadStatement reading(database.GetPager());
   switch (kind) {
     case ado::SchemaKind::Columns:

@@ -1,3 +1,10 @@
+// Operators on values: the types of both sides decide which arithmetic is used, the most exact that fits.
+//
+//   whole and whole          64 bits, then Long where it fits, else Double
+//   amount with such         ten-thousandths in 64 bits, exact
+//   date with number         Double, then a date again
+//   text and text, for +     joined
+//   all else                 Double, texts by the number that they write
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -11,6 +18,7 @@ namespace {
 
 constexpr std::int64_t kCurrencyUnit = 10000;
 
+/// Nothing for values that are no whole numbers by type, whatever they are worth.
 std::optional<std::int64_t> WholeOf(const Value& value) {
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
   if (const auto* number = std::get_if<std::int16_t>(&value)) return *number;
@@ -29,6 +37,7 @@ bool IsCurrency(const Value& value) {
   return std::holds_alternative<Currency>(value);
 }
 
+/// Sums and products of 32-bit numbers always fit 64 bits, so nothing is lost before it is decided.
 Value LongOrDouble(std::int64_t number) {
   if (number >= std::numeric_limits<std::int32_t>::min() && number <= std::numeric_limits<std::int32_t>::max()) {
     return static_cast<std::int32_t>(number);
@@ -48,6 +57,11 @@ std::int64_t TenThousandthsOf(const Value& value) {
 }
 
 /// left * right / 10000, rounded to even, without numbers of more than 64 bits.
+/// The product itself may need 128 bits, which not every compiler has. With left = 10000 w + p and right = 10000 v + q
+///
+///   left right / 10000 = w right + p v + p q / 10000
+///
+/// where each term has room unless the result has none, and only the last one leaves a rest to be rounded.
 std::int64_t MultipliedAmounts(std::int64_t left, std::int64_t right) {
   const std::int64_t leftWhole = left / kCurrencyUnit;
   const std::int64_t leftPart = left % kCurrencyUnit;
@@ -76,6 +90,7 @@ Value CalculateCurrency(Operator op, std::int64_t left, std::int64_t right) {
   return Currency{result};
 }
 
+/// An infinite result is an overflow, never a value: files have no place for it.
 Value CalculateDouble(Operator op, double left, double right) {
   if (op == Operator::Add) return Finite(left + right);
   if (op == Operator::Subtract) return Finite(left - right);
@@ -92,6 +107,7 @@ Value CalculateSum(Operator op, const Value& left, const Value& right) {
     return CalculateCurrency(op, TenThousandthsOf(left), TenThousandthsOf(right));
   }
   const Value result = CalculateDouble(op, NumberOf(left), NumberOf(right));
+  // A date and a number make a date, a date less a number too; two dates differ by a number of days.
   const bool isDate =
       op == Operator::Add ? IsDate(left) != IsDate(right) : op == Operator::Subtract && IsDate(left) && !IsDate(right);
   return isDate ? Value(DateOfNumber(std::get<double>(result))) : result;
@@ -106,6 +122,7 @@ Value Divided(double left, double right) {
   return Finite(left / right);
 }
 
+/// The one quotient of 32-bit numbers that has 33 bits is -2147483648 \ -1.
 Value CalculateLong(Operator op, std::int64_t left, std::int64_t right) {
   if (right == 0) RaiseDivisionByZero();
   const std::int64_t result = op == Operator::Modulo ? left % right : left / right;
@@ -116,10 +133,13 @@ Value CalculateLong(Operator op, std::int64_t left, std::int64_t right) {
 Value Raised(double base, double exponent) {
   if (base == 0.0 && exponent < 0.0) RaiseDivisionByZero();
   const double result = std::pow(base, exponent);
+  // Such as the square root of a negative number written as a power.
   if (std::isnan(result)) RaiseInvalidCall("a negative number has no such power");
   return Finite(result);
 }
 
+/// A Null is an empty text here, where + would make the whole Null: people join the parts of names, some of which are
+/// empty.
 Value Joined(const Value& left, const Value& right) {
   if (IsNull(left) && IsNull(right)) return Null{};
   std::string text = IsNull(left) ? std::string() : TextOf(left);
@@ -152,6 +172,7 @@ Value Negated(const Value& value) {
   if (IsCurrency(value)) return CalculateCurrency(Operator::Subtract, 0, TenThousandthsOf(value));
   if (const auto* number = std::get_if<Decimal>(&value)) {
     Decimal result = *number;
+    // There is no -0.
     result.negative = !result.negative && (result.high != 0 || result.low != 0);
     return result;
   }

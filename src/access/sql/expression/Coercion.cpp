@@ -1,3 +1,7 @@
+// How values become others in expressions, one function for each type that is asked for. A text that writes a number
+// counts as one, a date as its days, truth values as -1 and 0. What has no such reading is a type conflict, in the one
+// sentence that Access has for all of them. Values for columns are converted elsewhere, by the rules for storing
+// (ConvertForColumn).
 #include "access/sql/expression/Coercion.h"
 
 #include <cmath>
@@ -34,6 +38,8 @@ void RaiseInvalidCall(std::string_view reason) {
   Raise(ErrorNumber::InvalidArgument, "Invalid procedure call", reason);
 }
 
+// Bytes and identifiers have no reading as a number. Null is answered by callers; one that comes here all the same is a
+// conflict.
 double NumberOf(const Value& value) {
   if (const auto* text = std::get_if<std::string>(&value)) {
     const std::optional<double> number = ParseNumber(*text);
@@ -46,15 +52,18 @@ double NumberOf(const Value& value) {
   return ToDouble(value);
 }
 
+// The most frequent case needs no way over doubles.
 std::int32_t LongOf(const Value& value) {
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
   const double rounded = RoundHalfEven(NumberOf(value), 0);
   constexpr double kLowest = std::numeric_limits<std::int32_t>::min();
   constexpr double kHighest = std::numeric_limits<std::int32_t>::max();
+  // Written so that what is no number fails as well.
   if (!(rounded >= kLowest && rounded <= kHighest)) RaiseOverflow("a whole number of 32 bits was expected");
   return static_cast<std::int32_t>(rounded);
 }
 
+// A truth value is the number that Access joins to texts, not a word.
 std::string TextOf(const Value& value) {
   if (const auto* text = std::get_if<std::string>(&value)) return *text;
   if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "-1" : "0";
@@ -68,6 +77,7 @@ Date DateOfNumber(double days) {
   return date;
 }
 
+// A text that is no date may still be a number of days.
 Date DateOf(const Value& value) {
   if (const auto* date = std::get_if<Date>(&value)) return *date;
   if (const auto* text = std::get_if<std::string>(&value)) {

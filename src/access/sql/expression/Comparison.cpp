@@ -1,3 +1,9 @@
+// Comparing values. Those of one family can be compared, in a way of its own for each; across families there is no
+// order but that of ORDER BY, which puts one family behind the other so that any column can be sorted.
+//
+// Numbers are compared exactly where both sides are exact: whole numbers and amounts in ten-thousandths, decimals digit
+// by digit. Doubles, singles and dates make the comparison one of doubles. Texts go by the file's sort order, without
+// case, so that "=" finds what an index finds.
 #include <algorithm>
 #include <cmath>
 #include <compare>
@@ -24,6 +30,7 @@ int CompareDoubles(double left, double right) {
 }
 
 /// The value in ten-thousandths, for whole numbers and amounts.
+/// Nothing for decimals, whose 28 digits have no room in 64 bits.
 std::optional<std::int64_t> ExactAmountOf(const Value& value) {
   constexpr std::int64_t kUnit = 10000;
   if (const auto* number = std::get_if<std::int32_t>(&value)) return *number * kUnit;
@@ -44,10 +51,12 @@ bool IsReal(const Value& value) {
 int CompareDigits(std::string_view left, std::string_view right) {
   const std::size_t leftWhole = std::min(left.find('.'), left.size());
   const std::size_t rightWhole = std::min(right.find('.'), right.size());
+  // More digits before the point are more; with as many, the texts sort like the numbers.
   if (leftWhole != rightWhole) return Sign(leftWhole, rightWhole);
   return Sign(left, right);
 }
 
+/// Of two negative numbers the greater magnitude is the lesser number.
 int CompareDecimalTexts(std::string_view left, std::string_view right) {
   if (left == "-0") left.remove_prefix(1);
   if (right == "-0") right.remove_prefix(1);
@@ -92,12 +101,14 @@ ValueFamily FamilyOf(const Value& value) {
 }
 
 int CompareValues(const Value& left, const Value& right) {
+  // Most keys are Longs: they are compared before anything else is asked.
   const auto* leftLong = std::get_if<std::int32_t>(&left);
   const auto* rightLong = std::get_if<std::int32_t>(&right);
   if (leftLong != nullptr && rightLong != nullptr) return Sign(*leftLong, *rightLong);
   const ValueFamily family = FamilyOf(left);
   const ValueFamily other = FamilyOf(right);
   if (family == other) return CompareSameFamily(family, left, right);
+  // Identifiers have no literals of their own in statements, so texts are compared with how they are written.
   if (family == ValueFamily::Guid && other == ValueFamily::Text)
     return CompareIgnoringCase(TextOf(left), TextOf(right));
   if (family == ValueFamily::Text && other == ValueFamily::Guid)

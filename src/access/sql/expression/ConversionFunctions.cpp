@@ -1,3 +1,6 @@
+// Conversions by name: CInt and its kin, Str, Val, Hex, Oct, Format. Those with a C refuse Null, since their type has
+// no place for it; the others hand it on. Whole numbers are rounded to the nearest, halves to even, as everywhere in
+// expressions; what does not fit the type is an overflow and never cut.
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -52,6 +55,7 @@ Value CSng(Arguments arguments, const Scope&) {
 Value ExactAmount(const std::string& text) {
   constexpr std::uint8_t kPrecision = 19;
   constexpr std::uint8_t kScale = 4;
+  // Raises the conflict for what is no number; the value itself would have lost digits.
   static_cast<void>(NumberOf(text));
   const std::optional<Decimal> number = ParseDecimal(Trim(text), kPrecision, kScale);
   const std::optional<Currency> amount = number ? ToCurrency(*number) : std::nullopt;
@@ -65,12 +69,14 @@ Value CCur(Arguments arguments, const Scope&) {
   if (const auto* text = std::get_if<std::string>(&arguments.front())) return ExactAmount(*text);
   if (const auto* number = std::get_if<Decimal>(&arguments.front())) return ExactAmount(DecimalText(*number));
   constexpr double kUnit = 10000.0;
+  // 2 to the power of 63: the first number that an amount cannot hold.
   constexpr double kLimit = 9.2233720368547758e18;
   const double amount = RoundHalfEven(NumberOf(arguments[0]) * kUnit, 0);
   if (!(std::abs(amount) < kLimit)) RaiseOverflow("the amount is too large");
   return Currency{static_cast<std::int64_t>(amount)};
 }
 
+/// Texts are "True" and "False" in any case, or numbers.
 Value CBool(Arguments arguments, const Scope&) {
   if (const auto* text = std::get_if<std::string>(&arguments.front())) {
     try {
@@ -101,6 +107,8 @@ Value Val(Arguments arguments, const Scope&) {
     return static_cast<double>(static_cast<std::int32_t>(number));
   }
   if (text.starts_with('+')) text.erase(0, 1);
+  // The library would read "inf" and "nan" as numbers; here only what begins with a digit or a point, behind a sign, is
+  // one.
   const bool beginsNumber = text.find_first_of("0123456789.") == (text.starts_with('-') ? 1U : 0U);
   double number = 0;
   const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
@@ -109,6 +117,7 @@ Value Val(Arguments arguments, const Scope&) {
   return number;
 }
 
+/// Negative numbers have the digits of their 32 bits: Hex(-1) is FFFFFFFF.
 Value InBase(const Value& value, int base) {
   std::array<char, 40> buffer{};
   const auto number = static_cast<std::uint32_t>(LongOf(value));
@@ -127,6 +136,7 @@ Value Oct(Arguments arguments, const Scope&) {
   return InBase(arguments[0], 8);
 }
 
+/// Further arguments, about weeks, are taken and change nothing.
 Value Format(Arguments arguments, const Scope&) {
   return FormatText(arguments[0], arguments.size() > 1 ? TextOf(arguments[1]) : std::string());
 }

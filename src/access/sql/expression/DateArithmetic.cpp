@@ -1,3 +1,11 @@
+// Calendar arithmetic on whole numbers: a date is a day number and a second of the day, so that nothing is rounded on
+// the way. Three kinds of sums:
+//
+//   adding      months and years move the month and cut the day where it is too short; all else adds seconds
+//   counting    how many borders of the interval lie between two dates: from 23:59 to 00:01 is one day and one hour
+//   weeks       counted from the weekday that begins them; three rules say which is the first of a year
+//
+// Years 100 to 9999 are all that the file's dates are good for; whatever leads out of them is an overflow.
 #include "access/sql/expression/DateArithmetic.h"
 
 #include <algorithm>
@@ -17,6 +25,7 @@ constexpr int kDaysOfWeek = 7;
 constexpr std::int64_t kSecondsPerHour = 3600;
 constexpr std::int64_t kSecondsPerMinute = 60;
 
+/// The texts that DateAdd, DateDiff and DatePart take.
 struct IntervalName {
   std::string_view text;
   Interval interval;
@@ -28,6 +37,8 @@ constexpr IntervalName kNames[] = {{"yyyy", Interval::Year},   {"q", Interval::Q
 
 }  // namespace
 
+// Days before 30 December 1899 are negative; the language's own division would round towards zero, and so into the
+// wrong unit.
 std::int64_t FloorDivide(std::int64_t number, std::int64_t divisor) {
   return number / divisor - (number % divisor < 0 ? 1 : 0);
 }
@@ -46,8 +57,10 @@ Date DateOfParts(std::int64_t day, std::int64_t second) {
 std::int64_t DayNumberOf(std::int64_t year, std::int64_t month, std::int64_t day) {
   const bool isNear =
       year > -kFarAway && year < kFarAway && month > -kFarAway && month < kFarAway && day > -kFarAway && day < kFarAway;
+  // Year 0 stands for a year far away, which the next line refuses.
   const std::int64_t shiftedYear = isNear ? year + FloorDivide(month - 1, 12) : 0;
   if (shiftedYear < kFirstYear || shiftedYear > kLastYear) RaiseOverflow("The date lies outside the years 100 to 9999");
+  // Month 13 is January of the next year, 0 December of the last: the rest of the division is never negative.
   const int shiftedMonth = static_cast<int>(month - 1 - FloorDivide(month - 1, 12) * 12) + 1;
   const std::int64_t result =
       Date::FromCivil(static_cast<int>(shiftedYear), shiftedMonth, 1).DayNumber() + std::int64_t{day} - 1;
@@ -57,6 +70,7 @@ std::int64_t DayNumberOf(std::int64_t year, std::int64_t month, std::int64_t day
 
 namespace {
 
+/// The first day of the target month always exists; from there the day is found again or cut to the month's last.
 Date AddMonths(std::int64_t count, Date date) {
   const CivilDay civil = date.Civil();
   const std::int64_t first = DayNumberOf(civil.year, std::int64_t{civil.month} + count, 1);
@@ -76,6 +90,7 @@ std::int64_t Seconds(Date date) {
   return parts.day * std::int64_t{kSecondsOfDay} + parts.second;
 }
 
+/// Borders between units are what counts: the units since day 0 up to each date, whole ones, subtracted.
 std::int64_t CountUnits(Date from, Date to, std::int64_t seconds) {
   return FloorDivide(Seconds(to), seconds) - FloorDivide(Seconds(from), seconds);
 }
@@ -86,6 +101,7 @@ std::int64_t WeekNumber(std::int64_t day, int firstDay) {
 }
 
 /// The day on which week 1 of a year begins.
+/// May lie in the old year, when the week with 1 January begins there.
 std::int64_t StartOfFirstWeek(int year, int firstDay, FirstWeek firstWeek) {
   const std::int64_t january = DayNumberOf(year, 1, 1);
   const int before = WeekdayFrom(january, firstDay) - 1;  // days of that week in the old year
@@ -96,6 +112,8 @@ std::int64_t StartOfFirstWeek(int year, int firstDay, FirstWeek firstWeek) {
   return before <= allowed ? start : start + kDaysOfWeek;
 }
 
+/// Days before the first week belong to the last week of the old year; the last days of December may belong to the
+/// first week of the new year, but not where weeks begin anew with 1 January.
 std::int32_t WeekOfYear(std::int64_t day, int year, int firstDay, FirstWeek firstWeek) {
   std::int64_t start = StartOfFirstWeek(year, firstDay, firstWeek);
   if (day < start) {
@@ -116,6 +134,7 @@ Interval IntervalOf(std::string_view text) {
   RaiseInvalidCall("an interval is one of yyyy, q, m, y, d, w, ww, h, n, s");
 }
 
+// The bound keeps the products below within 64 bits: a date that is so far away is none.
 Date AddInterval(Interval interval, double count, Date date) {
   constexpr double kMostIntervals = 4e11;  // more seconds than there are
   if (!(std::abs(count) < kMostIntervals)) RaiseOverflow("the date lies outside the years 100 to 9999");

@@ -1,3 +1,6 @@
+// Functions of dates. They read their arguments and ask DateArithmetic. A text among them is read day first, a number
+// is a day count. Weeks begin on Sunday and names are English unless the arguments say otherwise, since what a
+// statement means must not depend on the machine's country.
 #include <cmath>
 #include <string>
 
@@ -24,6 +27,7 @@ Value Today(Arguments, const Scope& scope) {
 Value Now(Arguments, const Scope& scope) {
   return scope.Now();
 }
+/// A time alone is a date of day 0, as files hold it.
 Value TimeNow(Arguments, const Scope& scope) {
   return DateOfParts(0, scope.Now().SecondOfDay());
 }
@@ -54,6 +58,7 @@ int FirstDayOf(Arguments arguments, std::size_t index) {
   return day == 0 ? 1 : day;
 }
 
+/// 0 would be the system's choice; here it is the rule with 1 January.
 FirstWeek FirstWeekOf(Arguments arguments, std::size_t index) {
   const std::int32_t week = index < arguments.size() ? LongOf(arguments[index]) : 1;
   if (week < 0 || week > 3) RaiseInvalidCall("the first week of a year is 1, 2 or 3");
@@ -64,6 +69,7 @@ Value Weekday(Arguments arguments, const Scope&) {
   return WeekdayFrom(PartsOf(DateOf(arguments[0])).day, FirstDayOf(arguments, 1));
 }
 
+/// Short names are the first three letters.
 std::string Name(std::string_view whole, Arguments arguments) {
   const bool isShort = arguments.size() > 1 && TruthOf(arguments[1]) == Truth::True;
   return std::string(isShort ? whole.substr(0, 3) : whole);
@@ -72,6 +78,7 @@ std::string Name(std::string_view whole, Arguments arguments) {
 Value NameOfWeekday(Arguments arguments, const Scope&) {
   const std::int32_t number = LongOf(arguments[0]);
   if (number < 1 || number > 7) RaiseInvalidCall("days of the week are 1 to 7");
+  // The number counts from the first day of the week, the names from Sunday.
   return Name(WeekdayName((number + FirstDayOf(arguments, 2) - 2) % 7 + 1), arguments);
 }
 
@@ -81,11 +88,14 @@ Value NameOfMonth(Arguments arguments, const Scope&) {
   return Name(MonthName(number), arguments);
 }
 
+/// Months and days may lie outside their ranges: DateSerial(2026, 3, 0) is the last day of February.
 Value DateSerial(Arguments arguments, const Scope&) {
+  // Years 0 to 29 are those from 2000 on, 30 to 99 those from 1930 on.
   const int year = FullYear(LongOf(arguments[0]));
   return DateOfParts(DayNumberOf(year, LongOf(arguments[1]), LongOf(arguments[2])), 0);
 }
 
+/// Minutes and seconds may run over, or be negative: TimeSerial(12, -15, 0) is 11:45.
 Value TimeSerial(Arguments arguments, const Scope&) {
   const std::int64_t minutes = std::int64_t{LongOf(arguments[0])} * 60 + LongOf(arguments[1]);
   return DateOfParts(0, minutes * 60 + LongOf(arguments[2]));
@@ -98,6 +108,7 @@ Value TimeValue(Arguments arguments, const Scope&) {
   return DateOfParts(0, SecondOf(arguments[0]));
 }
 
+/// Fractions of an interval are cut.
 Value DateAdd(Arguments arguments, const Scope&) {
   return AddInterval(IntervalOf(TextOf(arguments[0])), std::trunc(NumberOf(arguments[1])), DateOf(arguments[2]));
 }
@@ -105,6 +116,7 @@ Value DateAdd(Arguments arguments, const Scope&) {
 Value DateDiff(Arguments arguments, const Scope&) {
   const std::int64_t difference = CountIntervals(IntervalOf(TextOf(arguments[0])), DateOf(arguments[1]),
                                                  DateOf(arguments[2]), FirstDayOf(arguments, 3));
+  // Does not matter for counting; a wrong one is refused all the same.
   FirstWeekOf(arguments, 4);
   return LongOf(static_cast<double>(difference));
 }

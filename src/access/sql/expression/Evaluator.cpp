@@ -1,3 +1,13 @@
+// The value of an expression, by walking its tree for each row. Conditions are walked as truth values of three kinds,
+// all else as values; each kind of walk calls the other where the tree changes from one to the other. Null means that
+// something is not known, so what depends on it is not known either, unless it comes out the same whatever stood in its
+// place:
+//
+//   Null And False = False      Null Or True = True       Null = Null is Null      Null In (1, 2) is Null
+//   Null And True  = Null       Null Or False = Null      Not Null is Null         2 In (1, 2, Null) = True
+//
+// The depth of a tree is bounded by the parser, so walks may recurse. Operands are looked at where they are (Operand),
+// as copying a text costs more than comparing it.
 #include "access/sql/expression/Evaluator.h"
 
 #include <array>
@@ -15,6 +25,7 @@ namespace {
 Truth EvaluateTruth(const Expression& expression, const Scope& scope);
 
 /// The value of an expression, copied only where it must be.
+/// A literal is read in the tree and a column in the current row; both stay where they are while the operator runs.
 class Operand {
  public:
   Operand(const Expression& expression, const Scope& scope) {
@@ -45,6 +56,7 @@ Truth NotIf(bool negated, Truth truth) {
   return negated ? Not(truth) : truth;
 }
 
+/// Raises a type conflict for values that have no order between them, such as a text and a number.
 Truth Compare(Operator op, const Value& left, const Value& right) {
   if (IsNull(left) || IsNull(right)) return Truth::Unknown;
   const int order = CompareValues(left, right);
@@ -69,10 +81,13 @@ Truth And(Truth left, Truth right) {
   return left == Truth::True && right == Truth::True ? Truth::True : Truth::Unknown;
 }
 
+/// The same rule seen from the other side, so that Null is treated in one place.
 Truth Or(Truth left, Truth right) {
   return Not(And(Not(left), Not(right)));
 }
 
+/// What the left side decides is not asked on the right: "Number <> 0 And 1 / Number > 2" must not divide by zero. Imp
+/// is "not the left, or the right"; Xor and Eqv need both sides to be known.
 Truth EvaluateLogical(const Expression& expression, const Scope& scope) {
   const Truth left = EvaluateTruth(*expression.arguments[0], scope);
   if (expression.op == Operator::And && left == Truth::False) return left;
@@ -85,6 +100,7 @@ Truth EvaluateLogical(const Expression& expression, const Scope& scope) {
   return FromBool((left == right) == (expression.op == Operator::Eqv));
 }
 
+/// The bounds may stand in either order. With one of them Null the other may still say that the value is outside.
 Truth EvaluateBetween(const Expression& expression, const Scope& scope) {
   const Operand tested(*expression.arguments[0], scope);
   const Operand one(*expression.arguments[1], scope);
@@ -96,6 +112,8 @@ Truth EvaluateBetween(const Expression& expression, const Scope& scope) {
                                        Compare(Operator::LessOrEqual, tested.Get(), high)));
 }
 
+/// One equal value decides; without one, a Null among the values leaves it open. The scope is asked first, as it may
+/// have the rows of a sub-select that is the same for all rows in a table of its own.
 Truth EvaluateIn(const Expression& expression, const Scope& scope) {
   const Operand tested(*expression.arguments[0], scope);
   Truth found = Truth::False;
@@ -112,6 +130,7 @@ Truth EvaluateIn(const Expression& expression, const Scope& scope) {
   return NotIf(expression.negated, found);
 }
 
+/// The pattern is taken apart for each row, as it may be another one in each.
 Truth EvaluateLike(const Expression& expression, const Scope& scope) {
   const Operand tested(*expression.arguments[0], scope);
   const Operand pattern(*expression.arguments[1], scope);
@@ -131,6 +150,7 @@ Truth EvaluateQuantified(const Expression& expression, const Scope& scope) {
   return result;
 }
 
+/// Anything else than a condition is a value that is taken for one: a number that is not 0 is true.
 Truth EvaluateTruth(const Expression& expression, const Scope& scope) {
   switch (expression.kind) {
     case ExpressionKind::Unary:
@@ -148,6 +168,7 @@ Truth EvaluateTruth(const Expression& expression, const Scope& scope) {
     case ExpressionKind::In:
       return EvaluateIn(expression, scope);
     case ExpressionKind::Exists:
+      // One row is enough to know.
       return FromBool(scope.SubselectValues(expression, 1).empty() == expression.negated);
     case ExpressionKind::IsNull:
       return FromBool(IsNull(Operand(*expression.arguments[0], scope).Get()) != expression.negated);
@@ -162,6 +183,7 @@ Truth EvaluateTruth(const Expression& expression, const Scope& scope) {
 }
 
 Value EvaluateSubselect(const Expression& expression, const Scope& scope) {
+  // Two rows are enough to see that there are too many.
   std::vector<Value> values = scope.SubselectValues(expression, 2);
   if (values.size() > 1) RaiseFailure("At most one record can be returned by this subquery.");
   return values.empty() ? Value() : std::move(values.front());
@@ -186,11 +208,13 @@ Value EvaluateCall(const Expression& expression, const Scope& scope) {
     throw Error(ErrorNumber::ProviderSyntax, kErrorSource,
                 "Undefined function '" + expression.name + "' in expression.");
   }
+  // These evaluate what they choose themselves: IIf(Number = 0, 0, 1 / Number).
   if (function->lazyCall != nullptr) return function->lazyCall(expression.arguments, scope, Evaluate);
   std::vector<Value> arguments;
   arguments.reserve(expression.arguments.size());
   for (const ExpressionPointer& argument : expression.arguments) {
     arguments.push_back(Evaluate(*argument, scope));
+    // The first Null answers for the whole call; arguments behind it are not evaluated.
     if (!IsNull(arguments.back()) || function->nulls == Function::Nulls::Pass) continue;
     if (function->nulls == Function::Nulls::Propagate) return Null{};
     throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,

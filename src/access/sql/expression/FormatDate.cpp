@@ -1,3 +1,9 @@
+// Dates by patterns. A pattern is cut into pieces: runs of one letter, which are fields by letter and length, markers
+// such as AM/PM, and everything else, which stands for itself:
+//
+//   "d mmm yyyy, h:nn AM/PM"   of 5 March 2026, 14:07   is   5 Mar 2026, 2:07 PM
+//
+// The pieces are walked twice: a marker anywhere makes the hours those of twelve, also before it.
 #include <algorithm>
 
 #include "access/sql/expression/DateArithmetic.h"
@@ -27,9 +33,11 @@ struct DatePiece {
   std::size_t length = 1;  ///< in the pattern
 };
 
+/// Letters that are no fields stand for themselves.
 DatePiece PieceAt(std::string_view pattern, std::size_t place) {
   const char letter = LowerAscii(pattern[place]);
   if (letter == '\\') return {DatePiece::Kind::Text, pattern.substr(place + 1, 1), 2};
+  // A quote that is not closed reaches to the end.
   if (letter == '"') {
     const std::size_t end = std::min(pattern.find('"', place + 1), pattern.size());
     return {DatePiece::Kind::Text, pattern.substr(place + 1, end - place - 1), end - place + 1};
@@ -66,6 +74,7 @@ class DateFormatter {
         text += HalfOfDay(piece.text);
       } else {
         text += Field(LowerAscii(piece.text.front()), piece.text.size());
+        // Text between them, such as a colon, does not part hours from the m behind them.
         followsHours_ = LowerAscii(piece.text.front()) == 'h';
       }
     }
@@ -80,6 +89,7 @@ class DateFormatter {
     return std::string(second_ < kNoon ? marker.substr(0, slash) : marker.substr(slash + 1));
   }
 
+  // Lengths beyond the longest known one are those of the longest, but for t, which stands for itself then.
   [[nodiscard]] std::string Field(char letter, std::size_t length) const {
     switch (letter) {
       case 'd':
@@ -88,6 +98,7 @@ class DateFormatter {
         return std::to_string(
             PartOfDate(length > 1 ? Interval::Week : Interval::Weekday, date_, kSunday, FirstWeek::WithFirstOfJanuary));
       case 'm':
+        // The letter of months stands for minutes behind hours: "hh:mm".
         return followsHours_ && length <= 2 ? Padded(second_ / 60 % 60, length) : MonthField(length);
       case 'q':
         return std::to_string((civil_.month - 1) / 3 + 1);
@@ -96,6 +107,7 @@ class DateFormatter {
           return std::to_string(PartOfDate(Interval::DayOfYear, date_, kSunday, FirstWeek::WithFirstOfJanuary));
         return length == 2 ? Padded(civil_.year % 100, 2) : Padded(civil_.year, 4);
       case 'h':
+        // 12, 1, 2 ... 11: there is no hour 0 on a clock.
         return Padded(isHalved_ ? (second_ / 3600 + 11) % 12 + 1 : second_ / 3600, std::min<std::size_t>(length, 2));
       case 'n':
         return Padded(second_ / 60 % 60, std::min<std::size_t>(length, 2));

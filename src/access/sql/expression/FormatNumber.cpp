@@ -1,3 +1,13 @@
+// Numbers by patterns. A number is its digits and the place of its point, a pattern the places that take them:
+//
+//   "#,##0.0" of 1234.56     digits 123456, point behind 4; rounded to one decimal: 12346, point behind 4
+//     places # # # 0         thousands to ones: 1 2 3 4. In groups, because a comma stands between places
+//     place 0                one decimal
+//     result                 1,234.6
+//
+// Working with digits and not with the number keeps amounts exact, rounds what people see (0.5 up, 1.005 too), and
+// shifts by powers of ten without error. Steps: choose the section for the sign, read it into places, shift and round,
+// put the digits into the places.
 #include <algorithm>
 #include <cmath>
 #include <vector>
@@ -14,6 +24,7 @@ namespace {
 class Digits {
  public:
   explicit Digits(const Value& number) {
+    // Amounts and decimals have more digits than a double holds.
     if (std::holds_alternative<Currency>(number) || std::holds_alternative<Decimal>(number)) {
       ReadPlain(TextOf(number));
     } else {
@@ -27,6 +38,8 @@ class Digits {
   void Shift(int places) { point_ += IsZero() ? 0 : places; }
 
   /// Rounds to a number of decimals.
+  // Halves go away from zero. Of a number whose first digit lies two places or more behind the last one that is kept
+  // nothing is left.
   void Round(int decimals) {
     const int kept = point_ + decimals;
     if (kept >= static_cast<int>(digits_.size())) return;
@@ -65,6 +78,7 @@ class Digits {
     point_ = read.exponent + 1;
   }
 
+  // Carries over nines: 99.9 becomes 100, which has a digit more before the point.
   void Increment() {
     std::size_t place = digits_.size();
     while (place > 0 && digits_[place - 1] == '9') digits_[--place] = '0';
@@ -76,6 +90,7 @@ class Digits {
     }
   }
 
+  // Zeros at either end say nothing: the point moves with those that go from the front.
   void Normalize() {
     digits_.erase(digits_.find_last_not_of('0') + 1);
     const std::size_t zeros = std::min(digits_.find_first_not_of('0'), digits_.size());
@@ -106,6 +121,7 @@ struct Layout {
 
 using Piece = Layout::Piece;
 
+/// Reads one section from left to right. What a comma means is only known at the next digit place, or when none comes.
 class LayoutReader {
  public:
   explicit LayoutReader(std::string_view pattern) : pattern_(pattern) {}
@@ -149,6 +165,7 @@ class LayoutReader {
     if (commas_ > 0) layout_.groups = true;
     commas_ = 0;
     ++layout_.wholePlaces;
+    // Behind a 0 every place is filled: "0##" has three digits at least.
     if (kind == Piece::Kind::Zero || layout_.minimumWhole > 0) ++layout_.minimumWhole;
   }
 
@@ -171,6 +188,7 @@ class LayoutReader {
     layout_.scientific = true;
   }
 
+  // A quote that is not closed reaches to the end.
   void ReadQuoted(char quote) {
     ++place_;
     const std::size_t end =
@@ -186,6 +204,7 @@ class LayoutReader {
   Layout layout_;
 };
 
+/// The sign of a positive exponent is written for E+ only.
 std::string ExponentText(const Piece& piece, int exponent) {
   std::string digits = std::to_string(std::abs(exponent));
   const auto wanted = static_cast<std::size_t>(piece.exponentDigits);
@@ -199,6 +218,7 @@ std::string WholeText(const Layout& layout, const Digits& digits, int placesLeft
   const int shown = std::max(digits.WholeCount(), layout.minimumWhole);
   const int highest = isFirst ? std::max(shown, placesLeft) - 1 : placesLeft - 1;
   for (int power = highest; power >= placesLeft - 1; --power) {
+    // A # for which there is no digit is left out, and its comma with it.
     if (power >= shown) continue;
     text.push_back(digits.At(power));
     if (layout.groups && power > 0 && power % 3 == 0) text.push_back(',');
@@ -206,6 +226,8 @@ std::string WholeText(const Layout& layout, const Digits& digits, int placesLeft
   return text;
 }
 
+/// Walks the pieces from left to right; `placesLeft` counts the whole places that are still to come, the current one
+/// included.
 std::string Render(const Layout& layout, const Digits& digits, int exponent) {
   std::string text;
   int placesLeft = layout.wholePlaces;
@@ -217,6 +239,7 @@ std::string Render(const Layout& layout, const Digits& digits, int exponent) {
         text += piece.text;
         break;
       case Piece::Kind::Point:
+        // A pattern that begins with the point still shows whole digits, where there are any.
         if (layout.wholePlaces == 0) text += WholeText(layout, digits, 1, true);
         hasPoint = true;
         text.push_back('.');
@@ -236,6 +259,7 @@ std::string Render(const Layout& layout, const Digits& digits, int exponent) {
   return text;
 }
 
+/// The sections of a pattern. Semicolons in quotes or behind a backslash are characters like others.
 std::vector<std::string_view> Sections(std::string_view pattern) {
   std::vector<std::string_view> sections;
   bool isQuoted = false;
@@ -257,6 +281,7 @@ std::string FormatNumber(const Value& number, std::string_view pattern) {
   const std::vector<std::string_view> sections = Sections(pattern);
   const double amount = NumberOf(number);
   const std::size_t wanted = amount < 0.0 ? 1 : amount == 0.0 ? 2 : 0;
+  // A section that is missing or empty leaves its numbers to the first one, which gives negative ones their sign.
   const bool hasOwn = wanted < sections.size() && !sections[wanted].empty();
   const Layout layout = LayoutReader(hasOwn ? sections[wanted] : sections[0]).Read();
   Digits digits(number);
@@ -273,6 +298,7 @@ std::string FormatNumber(const Value& number, std::string_view pattern) {
   } else {
     digits.Round(layout.decimals);
   }
+  // What is rounded to zero has no sign.
   const bool needsSign = amount < 0.0 && !(hasOwn && wanted == 1) && !digits.IsZero();
   return (needsSign ? "-" : "") + Render(layout, digits, exponent);
 }

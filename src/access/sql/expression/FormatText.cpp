@@ -1,3 +1,11 @@
+// The function Format: what a pattern is for is told by its characters and by the value.
+//
+//   a named pattern                   the pattern that it stands for, once more from the start
+//   @ & < > !                         characters of the value's text
+//   0 #, or no letters of dates       a number; texts that are none stay as they are
+//   d m y h n s and so on             a date
+//
+// A date goes by a pattern of dates first, since "dd/mm/yyyy" and "0.00" both can be meant for it.
 #include "access/sql/expression/FormatText.h"
 
 #include <algorithm>
@@ -15,6 +23,7 @@ struct NamedPattern {
   std::string_view name;
   std::string_view pattern;
 };
+// Words among them stand letter by letter behind backslashes, since y, s, n and others are letters of dates.
 constexpr NamedPattern kNamedPatterns[] = {
     {"Fixed", "0.00"},
     {"Standard", "#,##0.00"},
@@ -55,6 +64,7 @@ std::string FormatCharacters(const std::string& text, std::string_view pattern) 
   const bool fromLeft = HoldsAny(pattern, "!");
   const bool isUpper = HoldsAny(pattern, ">");
   const bool isLower = HoldsAny(pattern, "<");
+  // Places that are still to be filled, the current one included.
   auto open = static_cast<std::size_t>(
       std::count_if(places.begin(), places.end(), [](char32_t one) { return one == U'@' || one == U'&'; }));
   const std::size_t placeCount = open;
@@ -67,6 +77,8 @@ std::string FormatCharacters(const std::string& text, std::string_view pattern) 
       continue;
     }
     const std::size_t left = characters.size() - next;
+    // From the right the first places stay empty when there are fewer characters than places, from the left the last
+    // ones.
     const bool isEmpty = fromLeft ? left == 0 : open > left;
     if (isEmpty && place == U'@') result.push_back(U' ');
     if (!isEmpty) {
@@ -84,6 +96,7 @@ std::string FormatCharacters(const std::string& text, std::string_view pattern) 
   return isLower ? LowerCase(FromCodePoints(result)) : FromCodePoints(result);
 }
 
+/// Nothing for a text that writes neither a date nor a number.
 std::optional<Date> DateIn(const Value& value) {
   if (const auto* text = std::get_if<std::string>(&value)) {
     if (const std::optional<Date> date = ParseDateText(*text, DateOrder::DayFirst)) return date;

@@ -1,3 +1,5 @@
+// All built-in functions, sorted by name when the first is looked for; a look-up is a binary search, and takes place
+// while a statement is parsed, never for a row.
 #include "access/sql/expression/Functions.h"
 
 #include <algorithm>

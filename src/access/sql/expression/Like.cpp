@@ -1,3 +1,7 @@
+// Patterns of Like as a row of pieces, of which each takes one character, or any number (AnyRun). Matching is that of
+// Wildcards.h, which goes back to the last run only, so that it takes time by the text's length times the pattern's at
+// worst. Case is taken out of single characters as they are read, and tried both ways in sets, where a range may hold
+// either.
 #include <algorithm>
 
 #include "access/file/EngineError.h"
@@ -31,10 +35,12 @@ std::size_t LikePattern::ReadSet(std::u32string_view pattern, std::size_t place)
   if (end == std::u32string_view::npos) RaiseFailure("Invalid pattern string: a '[' lacks its ']'.");
   Piece piece;
   piece.kind = Piece::Kind::Set;
+  // [!] is the set of one exclamation mark.
   piece.excluded = pattern[place] == U'!' && end > place + 1;
   for (std::size_t i = piece.excluded ? place + 1 : place; i < end; ++i) {
     char32_t last = pattern[i];
     const char32_t first = pattern[i];
+    // A hyphen at either end of a set is a character like others.
     if (i + 2 < end && pattern[i + 1] == U'-') {
       last = pattern[i + 2];
       i += 2;
@@ -42,6 +48,7 @@ std::size_t LikePattern::ReadSet(std::u32string_view pattern, std::size_t place)
     if (last < first) RaiseFailure("Invalid pattern string: the range in '[...]' ends before it starts.");
     piece.ranges.emplace_back(first, last);
   }
+  // [] matches the empty text: it leaves no piece.
   if (!piece.ranges.empty()) pieces_.push_back(std::move(piece));
   return end + 1;
 }

@@ -1,3 +1,5 @@
+// Functions that choose, and those that ask what a value is. The first kind gets its arguments unevaluated, so that an
+// error in what is not chosen is none: IIf(Number = 0, Null, 1 / Number).
 #include "access/sql/expression/Coercion.h"
 #include "access/sql/expression/Functions.h"
 #include "platform/values/Convert.h"
@@ -29,6 +31,7 @@ Value Choose(LazyArguments arguments, const Scope& scope, Function::Evaluation e
   Value choice = evaluate(*arguments[0], scope);
   if (IsNull(choice)) return choice;
   const double number = NumberOf(choice);
+  // The first argument is the number itself, so there is one choice less than there are arguments. Fractions are cut.
   if (!(number >= 1.0 && number < static_cast<double>(arguments.size()))) return Null{};
   return evaluate(*arguments[static_cast<std::size_t>(number)], scope);
 }
@@ -44,6 +47,7 @@ Value TestNull(Arguments arguments, const Scope&) {
   return IsNull(arguments[0]);
 }
 
+/// Numbers are no dates here, although they can be turned into some.
 Value IsDate(Arguments arguments, const Scope&) {
   if (std::holds_alternative<Date>(arguments[0])) return true;
   const auto* text = std::get_if<std::string>(&arguments.front());

@@ -1,3 +1,6 @@
+// Functions of numbers. Abs, Int, Fix and Round give back the type that they got wherever it is exact, so that amounts
+// stay amounts; all others calculate in doubles. Arguments outside what a function is defined for are refused, and no
+// result is infinite.
 #include <cmath>
 #include <cstdlib>
 #include <limits>
@@ -13,6 +16,7 @@ namespace {
 
 using Arguments = std::span<const Value>;
 
+/// By type. A truth value counts as -1 or 0.
 bool IsWhole(const Value& value) {
   return std::holds_alternative<std::int32_t>(value) || std::holds_alternative<std::int16_t>(value) ||
          std::holds_alternative<std::uint8_t>(value) || std::holds_alternative<bool>(value);
@@ -35,6 +39,8 @@ Value Cut(const Value& value, double (*cut)(double)) {
   if (IsWhole(value)) return value;
   if (const auto* amount = std::get_if<Currency>(&value)) {
     const std::int64_t fraction = amount->tenThousandths % kUnit;
+    // The remainder has the sign of the amount: what is cut off goes towards zero, and Int goes on to the next lower
+    // unit.
     const bool goesDown = fraction < 0 && cut(-0.5) < 0.0;
     std::int64_t result = amount->tenThousandths - fraction;
     if (goesDown && __builtin_sub_overflow(result, kUnit, &result)) RaiseOverflow();
@@ -59,6 +65,7 @@ Value Round(Arguments arguments, const Scope&) {
   if (decimals < 0 || decimals > kMostDecimals) RaiseInvalidCall("Round takes 0 to 22 decimals");
   if (IsWhole(value)) return value;
   if (const auto* amount = std::get_if<Currency>(&value)) {
+    // In ten-thousandths: with two decimals the unit is 100. More than four decimals leave an amount as it is.
     std::int64_t unit = 10000;
     for (std::int32_t i = 0; i < decimals && unit > 1; ++i) unit /= 10;
     const std::int64_t rest = amount->tenThousandths % unit;
@@ -77,6 +84,7 @@ Value Sqr(Arguments arguments, const Scope&) {
   return std::sqrt(number);
 }
 
+/// The natural logarithm.
 Value Log(Arguments arguments, const Scope&) {
   const double number = NumberOf(arguments[0]);
   if (number <= 0.0) RaiseInvalidCall("only positive numbers have a logarithm");
@@ -99,6 +107,7 @@ Value Atn(Arguments arguments, const Scope&) {
   return std::atan(NumberOf(arguments[0]));
 }
 
+/// Below 1, as the greatest number of 32 bits is one less than the steps.
 double RandomFrom(std::uint_fast32_t bits) {
   constexpr double kSteps = 4294967296.0;  // 2^32
   return static_cast<double>(bits) / kSteps;

@@ -15,6 +15,7 @@ namespace {
 
 using Arguments = std::span<const Value>;
 
+/// Code points, so that a place is one of a character whatever its bytes are.
 std::u32string Characters(const Value& value) {
   return ToCodePoints(TextOf(value));
 }
@@ -37,10 +38,12 @@ std::int32_t AsLong(std::size_t number) {
   return static_cast<std::int32_t>(std::min<std::size_t>(number, std::numeric_limits<std::int32_t>::max()));
 }
 
+/// Texts that a statement makes are bounded: a few nested calls could ask for more memory than there is.
 void CheckLength(std::size_t length) {
   if (length > kMaximumTextLength) RaiseOverflow("the text is too long");
 }
 
+/// Without the argument texts are compared as the database does.
 bool IsBinary(Arguments arguments, std::size_t index) {
   if (index >= arguments.size()) return false;
   const std::int32_t comparison = LongOf(arguments[index]);
@@ -48,6 +51,7 @@ bool IsBinary(Arguments arguments, std::size_t index) {
   return comparison == 0;
 }
 
+/// Character by character, so that a place in this form is the same place in the text.
 std::u32string SearchForm(const std::u32string& text, bool binary) {
   std::u32string form = text;
   if (!binary) std::transform(form.begin(), form.end(), form.begin(), [](char32_t one) { return UpperCase(one); });
@@ -62,12 +66,14 @@ Value Left(Arguments arguments, const Scope&) {
   return FirstCharacters(TextOf(arguments[0]), CountOf(arguments[1]));
 }
 
+/// More characters than there are give the whole text.
 Value Right(Arguments arguments, const Scope&) {
   const std::u32string text = Characters(arguments[0]);
   const std::size_t count = std::min(CountOf(arguments[1]), text.size());
   return FromCodePoints(std::u32string_view(text).substr(text.size() - count));
 }
 
+/// A place behind the end gives an empty text.
 Value Mid(Arguments arguments, const Scope&) {
   const std::u32string text = Characters(arguments[0]);
   const std::size_t place = std::min(PlaceOf(arguments[1]), text.size());
@@ -100,10 +106,12 @@ Value RTrim(Arguments arguments, const Scope&) {
 Value InStr(Arguments arguments, const Scope&) {
   const bool hasStart = arguments.size() > 2;
   const std::size_t start = hasStart ? PlaceOf(arguments[0]) : 0;
+  // Two arguments are texts; with a third the start stands before them.
   const Arguments texts = arguments.subspan(hasStart ? 1 : 0);
   const bool binary = IsBinary(arguments, 3);
   const std::u32string text = SearchForm(Characters(texts[0]), binary);
   const std::u32string wanted = SearchForm(Characters(texts[1]), binary);
+  // Nothing is found behind the end, an empty text neither.
   if (start >= text.size()) return 0;
   const std::size_t place = text.find(wanted, start);
   return place == std::u32string::npos ? 0 : AsLong(place + 1);
@@ -115,6 +123,7 @@ Value InStrRev(Arguments arguments, const Scope&) {
   const std::u32string text = SearchForm(Characters(arguments[0]), binary);
   const std::u32string wanted = SearchForm(Characters(arguments[1]), binary);
   std::size_t end = text.size();
+  // What is found must end at the start at the latest, so the search begins that much further left.
   if (arguments.size() > 2 && LongOf(arguments[2]) != -1) end = PlaceOf(arguments[2]) + 1;
   if (text.empty() || end > text.size() || wanted.size() > end) return 0;
   const std::size_t place = text.rfind(wanted, wanted.empty() ? end - 1 : end - wanted.size());
@@ -123,6 +132,7 @@ Value InStrRev(Arguments arguments, const Scope&) {
 
 /// Replace(text, wanted, other [, start [, count [, comparison]]]): the text from `start` on, at most `count` times.
 Value Replace(Arguments arguments, const Scope&) {
+  // Optional arguments are told by how many there are, as none can be left out in the middle.
   const std::size_t start = arguments.size() > 3 ? PlaceOf(arguments[3]) : 0;
   const std::int32_t most = arguments.size() > 4 ? LongOf(arguments[4]) : -1;
   if (most < -1) RaiseInvalidCall("the number of replacements is negative");
@@ -132,6 +142,7 @@ Value Replace(Arguments arguments, const Scope&) {
   const std::u32string form = SearchForm(text, binary);
   const std::u32string wanted = SearchForm(Characters(arguments[1]), binary);
   const std::string other = TextOf(arguments[2]);
+  // An empty text would be found for ever.
   if (wanted.empty()) return FromCodePoints(text);
   std::string result;
   std::size_t done = 0;
@@ -151,6 +162,7 @@ Value Space(Arguments arguments, const Scope&) {
   return std::string(count, ' ');
 }
 
+/// Codes are those of the Western code page: Chr(128) is the euro sign.
 char32_t CharacterOfCode(const Value& code) {
   const std::int32_t number = LongOf(code);
   constexpr std::int32_t kLastCode = 255;
@@ -169,11 +181,13 @@ Value String(Arguments arguments, const Scope&) {
   const std::size_t count = CountOf(arguments[0]);
   const bool isText = std::holds_alternative<std::string>(arguments[1]);
   const char32_t character = isText ? FirstCharacter(arguments[1]) : CharacterOfCode(arguments[1]);
+  // A character has up to four bytes in a text.
   constexpr std::size_t kMostBytes = 4;
   CheckLength(count * kMostBytes);
   return FromCodePoints(std::u32string(count, character));
 }
 
+/// Without the argument by the file's sort order, in which a hyphen counts only when all else is equal.
 Value StrComp(Arguments arguments, const Scope&) {
   const std::string left = TextOf(arguments[0]);
   const std::string right = TextOf(arguments[1]);
@@ -208,6 +222,7 @@ Value ChrW(Arguments arguments, const Scope&) {
   return FromCodePoints(std::u32string(1, static_cast<char32_t>(code)));
 }
 
+/// Words begin behind blanks alone: "O'neill", "Smith-jones".
 std::string ProperCase(const std::string& text) {
   std::u32string characters = ToCodePoints(text);
   bool beginsWord = true;
