@@ -10,8 +10,17 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
+// Page 0 says what kind of file this is. Its first 24 bytes are plain, the next 128 (in Jet 3: 126) are masked with the
+// key stream of a fixed key, everything behind is plain again. So the name of the engine and the version are looked at
+// first, which also say how much is masked; then the mask goes, and with it come the page key and the password field.
+//
+// A password of Access protects nothing, as pages are not changed by it, but whoever set one does not want the file
+// opened without it. It is found by the field alone: with no password the field holds its own mask, the whole days of
+// the creation date, ten times over (in Jet 3: zeros). Example: 42329 days, 59 A5 00 00 59 A5 00 00 ...
+
 namespace tavi::access {
 
+// Key and stream begin anew with each call, as each page of an encoded file has a key of its own.
 void ApplyRc4(std::uint32_t key, std::span<std::uint8_t> bytes) {
   constexpr unsigned kStateSize = 256;
   constexpr unsigned kKeySize = 4;
@@ -43,11 +52,13 @@ constexpr std::size_t kDateMaskSize = 4;
   RaiseFailure("Unrecognized database format '" + path + "'. " + reason);
 }
 
+/// Up to the zero that fills the field.
 std::string EngineName(const Page& page) {
   const auto field = page.Slice(header::kEngineNameOffset, header::kEngineNameSize);
   return {field.begin(), std::find(field.begin(), field.end(), std::uint8_t{0})};
 }
 
+/// By name before version, so that files of Access 2007 and of Money, which resemble ours, are told what they are.
 void CheckEngine(const Page& page, const std::string& path) {
   const std::string name = EngineName(page);
   if (name == header::kEngineNameAce) {
@@ -74,6 +85,7 @@ std::uint32_t DateMask(const Page& page) {
   const std::uint64_t high = page.U32(header::kCreationDateOffset + 4);
   const auto days = std::bit_cast<double>((high << 32U) | low);
   constexpr double kLimit = 2147483647.0;
+  // The conversion to an integer is not defined for these.
   if (!std::isfinite(days) || std::fabs(days) > kLimit) return 0;
   return static_cast<std::uint32_t>(static_cast<std::int32_t>(days));
 }
@@ -102,6 +114,7 @@ DatabaseHeader DecodeHeader(std::span<const std::uint8_t> start, std::uint64_t f
     RaiseUnrecognized(path, "Its " + std::to_string(fileSize) + " bytes are less than a page of an Access database.");
   }
   Page page(format::kHeaderPage);
+  // A file of Jet 3 may end behind its first 2,048 bytes; what is not there stays zero.
   page.Put(0, start.first(std::min(start.size(), kPageSize)));
   CheckEngine(page, path);
 

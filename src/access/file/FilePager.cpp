@@ -8,6 +8,16 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
+// Opening, statements and pages; what concerns the log and checkpoints is in FilePagerLog.cpp. The order of steps is
+// what keeps the rules of Pager.h. A writer takes the writer's byte first, then looks whether another database program
+// is there, then reads what others have committed, and only then changes anything, in memory. Storing appends to the
+// log, then makes the changed pages the cached ones, then gives the byte back. An error on the way leaves either the
+// state before or the state after, never something between.
+//
+// A page comes from the first of four places that has it: the changes of the open statement or transaction, the cache,
+// the log, the file. Only the first is private; the cache is right as long as it is refreshed at the beginning of each
+// statement.
+
 namespace tavi::access {
 
 // ---------------------------------------------------------------------------------------------------------------------
@@ -40,9 +50,11 @@ FilePager::~FilePager() {
 }
 
 void FilePager::Start(const LockDeadline& deadline) {
+  // From here on nobody can take the file for himself alone.
   lock_.AcquireOpen(deadline);
   // Whoever had the file alone may have put another one into its place while we waited.
   if (!file_->IsStillAt(canonical_)) throw FileWasReplaced();
+  // The header may stand in the log, and a checkpoint may be writing it: so it is read in a statement, like any page.
   EnterRead(deadline);
   try {
     ReadHeader();
@@ -51,6 +63,7 @@ void FilePager::Start(const LockDeadline& deadline) {
     throw;
   }
   EndRead();
+  // Before the log is brought in, so that no other database program opens the file in between.
   if (!readOnly_) lockFile_.Try();
   RecoverWhenAlone(deadline);
   if (options_.alone) StayAlone(deadline);
@@ -58,6 +71,8 @@ void FilePager::Start(const LockDeadline& deadline) {
 
 void FilePager::ReadHeader() {
   Page first(format::kHeaderPage);
+  // With statements in the log the file has as many pages as the last of them says; it may be longer than what has been
+  // written.
   const std::uint64_t size = log_.HasStatements() ? std::uint64_t{log_.PageCount()} * kPageSize : fileSize_;
   const auto stored = first.AllMutable().first(static_cast<std::size_t>(std::min<std::uint64_t>(size, kPageSize)));
   if (const LoggedPage* logged = log_.Find(format::kHeaderPage)) {
@@ -66,8 +81,10 @@ void FilePager::ReadHeader() {
     file_->ReadAt(0, stored);
   }
   header_ = DecodeHeader(stored, size, path_);
+  // Files of Access 97 are never written, whatever their permissions.
   if (header_.isJet3) readOnly_ = true;
   const std::uint64_t largest = std::uint64_t{format::kMaximumPageCount} * header_.pageSize;
+  // A file that ends in the middle of a page was cut off, by a copy that was interrupted or by a full disk.
   if (size % header_.pageSize != 0 || size > largest) {
     RaiseFailure("Unrecognized database format '" + path_ + "'. Its length of " + std::to_string(size) + " bytes is " +
                  (size > largest ? "more than an Access database can have."
@@ -76,22 +93,26 @@ void FilePager::ReadHeader() {
   pageCount_ = static_cast<PageNumber>(size / header_.pageSize);
 }
 
-// Brings a log that a crash left behind into the file. Where others have the file open it is their log.
+// Brings a log that a crash left behind into the file. Where others have the file open it is their log, and they bring
+// it in. They are not waited for: what is in the log is seen all the same.
 void FilePager::RecoverWhenAlone(const LockDeadline& deadline) {
   if (readOnly_ || !log_.HasFile() || lockFile_.FindUse()) return;
   if (!lock_.TryBecomeAlone()) return;
   try {
     const SoleUse use(lock_, deadline);
+    // Read again, as somebody may have brought it in while we were not alone.
     if (!Refresh()) SetLogAside(true);
     if (log_.HasFile()) Checkpoint(true);
   } catch (const Error& error) {
     // The file can be used all the same: its pages are looked for in the log first.
+    // The next statement reads log and file anew, whatever the time of the file says.
     stamp_.reset();
     Report("The log of '" + path_ + "' could not be brought into the file yet: " + error.Description());
   }
   lock_.LeaveAlone();
 }
 
+// For the user who must not be disturbed (compacting): the open byte stays exclusive until Close.
 void FilePager::StayAlone(const LockDeadline& deadline) {
   if (readOnly_) RaiseReadOnly();
   RefuseForeignUse();
@@ -101,6 +122,8 @@ void FilePager::StayAlone(const LockDeadline& deadline) {
   if (log_.HasFile()) Checkpoint(true);
 }
 
+// Such a program keeps pages in memory of its own and knows nothing of the log: either could overwrite what the other
+// has stored.
 void FilePager::RefuseForeignUse() const {
   const auto foreign = lockFile_.FindUse();
   if (!foreign) return;
@@ -139,6 +162,7 @@ void FilePager::EnterRead(const LockDeadline& deadline) {
   if (!lock_.HoldsWriter()) {
     lock_.AcquireShared(deadline);
     try {
+      // A failed flush in the background is told to whoever comes next, in reading too: what he sees may not survive.
       RaiseFailedFlush();
       RefreshForReading(deadline);
     } catch (...) {
@@ -159,6 +183,7 @@ void FilePager::BeginWrite() {
   if (state_ != State::Idle)
     RaiseFailure("A write statement was begun on '" + path_ + "' inside another or after Close.");
   if (readOnly_) RaiseReadOnly();
+  // Within a transaction this pager is the writer already.
   if (transactions_ == 0) BecomeWriter();
   changes_.BeginLevel(pageCount_);
   state_ = State::Writing;
@@ -166,6 +191,7 @@ void FilePager::BeginWrite() {
 
 void FilePager::Commit() {
   if (state_ != State::Writing) RaiseFailure("Commit was called on '" + path_ + "' outside of a write statement.");
+  // The end of a statement in a transaction writes nothing: the log gets the transaction as one.
   if (transactions_ == 0) return Store();
   changes_.KeepLevel();
   state_ = State::Idle;
@@ -192,7 +218,8 @@ void FilePager::CommitTransaction() {
     --transactions_;
     return;
   }
-  // Much may have happened since it was begun.
+  // Much may have happened since it was begun: under systems that keep nobody from opening the file another program may
+  // be using it, or have written it.
   if (!changes_.IsEmpty()) RefuseForeignChange();
   Store();
 }
@@ -221,6 +248,7 @@ void FilePager::RefuseForeignChange() const {
                "begin it again.");
 }
 
+// Everything that can refuse a change is asked here, before the first page is changed.
 void FilePager::BecomeWriter() {
   const LockDeadline deadline = NewDeadline();
   lock_.AcquireWriter(deadline);
@@ -236,7 +264,9 @@ void FilePager::BecomeWriter() {
   }
 }
 
-// Ends what is open, a write statement or the only transaction, once its changes are in the log.
+// Ends what is open, a write statement or the only transaction, once its changes are in the log. Before the log has
+// them an error leaves everything open, to be tried again or rolled back; behind it they are stored, and the error of a
+// checkpoint that failed is told without taking them back.
 void FilePager::Store() {
   const bool any = !changes_.IsEmpty();
   if (any) RequireSoundLog(NewDeadline());
@@ -254,6 +284,7 @@ void FilePager::Store() {
   lock_.ReleaseWriter();
 }
 
+// The pages go back to what they were; caches of what pages say cannot know that, hence the new generation.
 void FilePager::Undo() {
   const PageChanges::Undone undone = changes_.UndoLevel();
   pageCount_ = undone.pageCount;
@@ -276,6 +307,7 @@ void FilePager::RequireStatement(PageNumber number) const {
 
 PageHandle FilePager::Read(PageNumber number) {
   RequireStatement(number);
+  // Most statements read only, and are spared the look-up.
   if (!changes_.IsEmpty()) {
     if (PageHandle changed = changes_.Read(number)) return changed;
   }
@@ -287,10 +319,13 @@ PageHandle FilePager::ReadCommitted(PageNumber number) {
   const auto page = std::make_shared<Page>(number);
   ReadStored(number, *page);
   ToggleEncoding(*page);
+  // In the plain form: an encoded page is decoded once for all who read it.
   cache_.Put(page);
   return page;
 }
 
+// A page that is in the log is not read from the file alone: the file has it as it was at the last checkpoint, if at
+// all.
 void FilePager::ReadStored(PageNumber number, Page& target) {
   if (const LoggedPage* logged = log_.Find(number)) return log_.ReadPage(number, *logged, *file_, target.AllMutable());
   if (number >= FilePageCount()) RaiseDamage("page " + std::to_string(number) + " of '" + path_ + "' is missing.");
@@ -308,12 +343,14 @@ Page& FilePager::Write(PageNumber number) {
   if (state_ != State::Writing)
     RaiseFailure("Page " + std::to_string(number) + " was to be changed in a read statement.");
   if (Page* changed = changes_.Write(number)) return *changed;
+  // The committed content is kept beside the copy: it tells at the end what has changed, and whether anything has.
   return changes_.Add(number, ReadCommitted(number));
 }
 
 Page& FilePager::WriteNew(PageNumber number) {
   if (state_ != State::Writing)
     RaiseFailure("Page " + std::to_string(number) + " was to be written outside of a write statement.");
+  // The file grows by one page at a time, so that there are never pages in it that nobody has written.
   if (number > pageCount_ || number >= format::kMaximumPageCount) {
     RaiseFailure("Page " + std::to_string(number) + " cannot be added to '" + path_ + "', which has " +
                  std::to_string(pageCount_) + " pages.");

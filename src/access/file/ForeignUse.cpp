@@ -9,6 +9,11 @@
 #include "access/file/Format.h"
 #include "platform/values/Error.h"
 
+// The lock file of Access beside a database: NAME.ldb with 64 bytes for each user. Its bytes are left behind when a
+// program dies, its locks are not; so who is there is asked of the locks, and the bytes only give the names. Example,
+// the first slot of user Admin on the computer SCORER:
+//   53 43 4f 52 45 52 00 ... (32 bytes)  41 64 6d 69 6e 00 ... (32 bytes)
+
 namespace tavi::access {
 
 namespace {
@@ -21,6 +26,7 @@ constexpr std::size_t kUsersNamed = 5;
 
 using Slot = std::array<std::uint8_t, kSlotSize>;
 
+/// The extension is replaced, whatever it is; a point in a folder's name is none.
 std::string PathOfLockFile(const std::string& databasePath) {
   const std::size_t nameStart = databasePath.find_last_of("/\\") + 1;  // 0 when there is no folder
   const std::size_t dot = databasePath.find_last_of('.');
@@ -28,7 +34,8 @@ std::string PathOfLockFile(const std::string& databasePath) {
   return (hasExtension ? databasePath.substr(0, dot) : databasePath) + ".ldb";
 }
 
-// The name up to its zero, without the blanks that fill it up; what is not printable becomes a question mark.
+/// The name up to its zero, without the blanks that fill it up; what is not printable becomes a question mark, as the
+/// name is shown in messages, and the file may hold anything.
 std::string NameIn(std::span<const std::uint8_t> field) {
   std::string name(field.begin(), std::find(field.begin(), field.end(), std::uint8_t{0}));
   name.erase(name.find_last_not_of(' ') + 1);
@@ -37,6 +44,7 @@ std::string NameIn(std::span<const std::uint8_t> field) {
   return name;
 }
 
+/// Of an entry without a computer nothing can be said.
 std::string UserIn(const Slot& slot) {
   const std::string computer = NameIn(std::span(slot).first<kNameSize>());
   const std::string user = NameIn(std::span(slot).last<kNameSize>());
@@ -44,6 +52,7 @@ std::string UserIn(const Slot& slot) {
   return (user.empty() ? "somebody" : "user " + user) + " on computer " + computer;
 }
 
+/// Those whose place is locked; where none is, although the file has locks, all who are named.
 std::vector<std::string> UsersIn(File& file) {
   std::vector<std::string> present;
   std::vector<std::string> named;
@@ -74,6 +83,7 @@ std::optional<ForeignUse> FindForeignUse(FileSystem& fileSystem, const std::stri
   if (!fileSystem.Exists(use.lockPath)) return std::nullopt;
   try {
     const auto file = fileSystem.Open(use.lockPath, FileSystem::OpenMode::ReadOnly);
+    // Left behind by a program that died, or by nobody who is still there.
     if (!file->IsLockedByOther(0, kWholeFile)) return std::nullopt;
     use.users = UsersIn(*file);
     return use;
@@ -87,6 +97,7 @@ std::optional<ForeignUse> FindForeignUse(FileSystem& fileSystem, const std::stri
 LockFileHold::LockFileHold(FileSystem& fileSystem, const std::string& databasePath)
     : fileSystem_(fileSystem), databasePath_(databasePath), path_(PathOfLockFile(databasePath)) {}
 
+// Tried again before each change: who had it open for writing may have gone.
 void LockFileHold::Try() {
   if (file_ == nullptr) file_ = fileSystem_.HoldUnwritten(path_);
 }

@@ -11,6 +11,11 @@
 #include <limits>
 #include <sstream>
 
+// The system shows for each process which files it has open (/proc/N/fd), and for each of these which locks are on it
+// (/proc/N/fdinfo). So all processes are gone through, as far as they may be looked into. That takes milliseconds, and
+// is done only for the message of a wait that has failed. What cannot be read belongs to somebody else, and is passed
+// over.
+
 namespace tavi::access {
 
 namespace {
@@ -21,6 +26,7 @@ bool IsNumber(const std::string& text) {
   return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
+/// By device and number, as the other process may have it open under another name.
 bool IsSameFile(const fs::path& descriptor, const struct stat& wanted) {
   struct stat status {};
   return ::stat(descriptor.c_str(), &status) == 0 && status.st_dev == wanted.st_dev && status.st_ino == wanted.st_ino;
@@ -57,6 +63,7 @@ bool HoldsLock(const fs::path& process, bool isOwn, const LockRange& range, cons
   std::error_code unreadable;
   for (const auto& entry : fs::directory_iterator(process / "fd", unreadable)) {
     const std::string descriptor = entry.path().filename();
+    // The asking connection's own locks are not what it waits for.
     if (isOwn && descriptor == std::to_string(range.descriptor)) continue;
     if (IsSameFile(entry.path(), file) && HoldsLock(process, descriptor, range, wanted)) return true;
   }

@@ -8,13 +8,19 @@
 #include "access/file/Format.h"
 #include "access/file/LogLayout.h"
 
+// Nothing of a log is believed before its checksum was right, and nothing is taken from it before it is known to lie in
+// the log: it may have been torn in the middle of a number. The header of a statement says how long it is, so it is
+// looked at first, and must follow the statement before (its chain) and fit what is left of the log. Then the statement
+// is read once, in large pieces, and summed on the way. What is kept are places: images and deltas stay in the log
+// until somebody asks for their page.
+
 namespace tavi::access {
 
 using namespace log_layout;
 
 namespace {
 
-// More than nearly all records have, so that they are read at once.
+// More than nearly all records have, so that they are read at once, without asking for their length first.
 constexpr std::size_t kRecordGuess = 256;
 
 // Reads a stretch of a file from its start to its end in large pieces, and sums what is taken piece by piece.
@@ -26,6 +32,7 @@ class SummingReader {
   [[nodiscard]] std::uint64_t Offset() const { return offset_; }
   [[nodiscard]] std::uint64_t Sum() const { return checksum_; }
   /// The next bytes, of which so many are left; valid until the next call.
+  // A piece that is cut by the end of the chunk is read again with the next one, so that it lies in one run.
   std::span<const std::uint8_t> Peek(std::size_t count) {
     if (chunk_.size() - at_ < count) {
       chunk_.resize(static_cast<std::size_t>(std::min<std::uint64_t>(std::max(kChunkSize, count), end_ - offset_)));
@@ -65,6 +72,8 @@ std::optional<Header> ParseHeader(std::span<const std::uint8_t> bytes, std::uint
   const Header header{magic == kDeltasMagic, GetLittle<std::uint32_t>(bytes, kStatementCountOffset),
                       GetLittle<std::uint32_t>(bytes, kStatementPageCountOffset),
                       GetLittle<std::uint32_t>(bytes, kStatementRecordsSizeOffset)};
+  // Old bytes of an earlier log can stand here, and random ones. The chain begins with the log's salt, so those of
+  // another log do not fit.
   const bool isPlausible = (magic == kDeltasMagic || magic == kWholePagesMagic) &&
                            GetLittle<std::uint64_t>(bytes, kStatementChainOffset) == chain && header.count > 0 &&
                            header.count <= header.pageCount && header.pageCount <= format::kMaximumPageCount &&
@@ -81,7 +90,8 @@ PageSums GetSums(std::span<const std::uint8_t> bytes) {
   return sums;
 }
 
-// A statement of whole pages, from its directory on.
+/// A statement of whole pages, from its directory on. Each image is summed by itself, which is why it is taken by
+/// itself.
 void TakeWholePages(SummingReader& reader, std::uint32_t count, std::vector<LogEntry>& entries) {
   entries.resize(count);
   const auto directory = reader.Take(count * kEntrySize);
@@ -103,7 +113,8 @@ struct Record {
   std::size_t size = 0;
 };
 
-// A record of which at least the fixed part is there, at an offset of the log.
+/// A record of which at least the fixed part is there, at an offset of the log. What its numbers say is for the caller
+/// to judge.
 Record ParseRecord(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
   Record record;
   LogEntry& entry = record.entry;
@@ -120,7 +131,8 @@ Record ParseRecord(std::span<const std::uint8_t> bytes, std::uint64_t offset) {
   return record;
 }
 
-// The records of a statement with deltas. False when they do not fill their place, or do not make sense.
+/// The records of a statement with deltas. False when they do not fill their place, or do not make sense: they must
+/// ascend, so that a page is told once, and a page's sums are only there where it is logged for the first time.
 bool TakeRecords(SummingReader& reader, std::uint32_t count, std::uint64_t end, std::vector<LogEntry>& entries) {
   for (std::uint32_t i = 0; i < count; ++i) {
     if (end - reader.Offset() < kRecordHeadSize) return false;
@@ -155,6 +167,7 @@ std::optional<LogStatement> ReadLogStatement(File& log, std::uint64_t offset, st
     return std::nullopt;
   }
   statement.checksum = reader.Sum();
+  // The last 8 bytes, which are not part of what they sum.
   if (GetLittle<std::uint64_t>(reader.Peek(kChecksumSize), 0) != statement.checksum) return std::nullopt;
   return statement;
 }
@@ -163,6 +176,7 @@ LoggedDelta ReadLoggedDelta(File& log, std::uint64_t offset, std::uint64_t end) 
   std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min<std::uint64_t>(kRecordGuess, end - offset)));
   log.ReadAt(offset, bytes);
   const Record record = ParseRecord(bytes, offset);
+  // A second read for the rest of a long record. That it lies in the log was seen when the statement was read.
   if (const std::size_t known = bytes.size(); known < record.size) {
     bytes.resize(record.size);
     log.ReadAt(offset + known, std::span(bytes).subspan(known));
@@ -171,6 +185,7 @@ LoggedDelta ReadLoggedDelta(File& log, std::uint64_t offset, std::uint64_t end) 
   return {record.entry.previous, {delta.begin(), delta.end()}};
 }
 
+// Folded to 32 bits, which is enough to see that a delta met the right base.
 std::uint32_t SumOfPage(std::span<const std::uint8_t, kPageSize> page) {
   const std::uint64_t checksum = Checksum(0, page);
   return static_cast<std::uint32_t>(checksum ^ (checksum >> 32U));

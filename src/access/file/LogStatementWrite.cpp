@@ -6,6 +6,11 @@
 #include "access/file/LogLayout.h"
 #include "access/file/LogStatement.h"
 
+// A statement is put together in pieces of the size of a chunk and summed as it goes; its checksum is the last of its
+// bytes. Without the right one the statement does not exist for anybody who reads the log, so a crash in the middle
+// leaves what was there before. The form is chosen by the entries: whole pages alone are written with their directory
+// in front, the only form that logs of version 2 have.
+
 namespace tavi::access {
 
 using namespace log_layout;
@@ -36,6 +41,7 @@ class SummingWriter {
   }
 
  private:
+  // Pieces keep their order; one that is as long as a chunk goes to the file at once, without being copied.
   void PutUnsummed(std::span<const std::uint8_t> bytes) {
     if (chunk_.size() + bytes.size() > kChunkSize) Flush();
     if (bytes.size() >= kChunkSize) {
@@ -63,6 +69,7 @@ void PutSums(std::span<std::uint8_t> target, const PageSums& sums) {
     PutLittle<std::uint32_t>(target, sector * kSumSize, sums.sectors[sector]);
 }
 
+// Bytes that have no meaning are 0, and are summed like the rest.
 std::array<std::uint8_t, kStatementHeaderSize> HeaderOf(std::uint32_t magic, std::size_t count, PageNumber pageCount,
                                                         std::uint64_t recordsSize, std::uint64_t chain) {
   std::array<std::uint8_t, kStatementHeaderSize> header{};
@@ -97,6 +104,8 @@ LogStatement WriteWholePages(File& log, std::uint64_t offset, std::uint64_t chai
   return written;
 }
 
+// The sums of the file's page are told once, when the page is logged for the first time, and only where the file has
+// it.
 std::uint64_t HeadSize(const NewLogEntry& entry) {
   return kRecordHeadSize + (entry.isFirst && entry.before.isInDatabase ? kSumsSize : 0);
 }
@@ -120,6 +129,7 @@ std::vector<std::uint8_t> HeadOf(const NewLogEntry& entry) {
 
 LogStatement WriteDeltas(File& log, std::uint64_t offset, std::uint64_t chain, PageNumber pageCount,
                          std::span<const NewLogEntry> entries, const PageSource& page) {
+  // The length comes before the records, so they are counted before the first is written.
   std::uint64_t recordsSize = 0;
   for (const NewLogEntry& entry : entries)
     recordsSize += HeadSize(entry) + (entry.isWhole ? kPageSize : entry.delta.size());

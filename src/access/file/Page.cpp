@@ -8,6 +8,7 @@
 
 namespace tavi::access {
 
+// Apart from the check, which is in every reader: raising is rare, and its text would make the readers long.
 void Page::RaisePastTheEnd(std::size_t offset, std::size_t length) const {
   RaiseDamage("on page " + std::to_string(number_) + " " + std::to_string(length) + " bytes at offset " +
               std::to_string(offset) + " would lie past the end of the page.");
@@ -23,6 +24,7 @@ void Page::SetU16(std::size_t offset, std::uint16_t value) {
   PutLittle(std::span(bytes_), offset, value);
 }
 
+// The upper byte of the value is dropped; the caller knows that there is none.
 void Page::SetU24(std::size_t offset, std::uint32_t value) {
   Check(offset, 3);
   PutLittle(std::span(bytes_), offset, static_cast<std::uint16_t>(value));
@@ -34,6 +36,7 @@ void Page::SetU32(std::size_t offset, std::uint32_t value) {
   PutLittle(std::span(bytes_), offset, value);
 }
 
+// The source may overlap with the place: entries and rows move within their page.
 void Page::Put(std::size_t offset, std::span<const std::uint8_t> source) {
   Check(offset, source.size());
   if (!source.empty()) std::memmove(bytes_.data() + offset, source.data(), source.size());

@@ -7,6 +7,15 @@
 #include "access/file/Bytes.h"
 #include "access/file/LogStatement.h"
 
+// Most statements change few bytes of a page: a row is put in, which pushes others, a count goes up. A delta tells the
+// bytes that differ, and of stretches that have only moved where they came from. It is found without looking at how a
+// page is built: pages are compared in blocks of 32 bytes, blocks that differ and touch each other are a stretch, and
+// in a long stretch one piece is looked for in the old page, up to 512 bytes away in either direction. So an entry that
+// is put into a full index page takes a few hundred bytes, mostly of its mask, and not two thousand.
+//
+// It need not be the shortest delta: a page that has changed too much is logged whole. The cost is a comparison of the
+// page, and for long stretches two searches of 1,024 places each.
+
 namespace tavi::access {
 
 namespace {
@@ -19,7 +28,7 @@ constexpr std::uint16_t kMoved = 0x8000;
 
 // Differences nearer to each other than this are looked at together.
 constexpr std::size_t kBlock = 32;
-// Equal bytes that are cheaper said again than left out.
+// Equal bytes that are cheaper said again than left out: a new piece costs 4 bytes of its own.
 constexpr std::size_t kShortGap = kPieceHeadSize;
 // A shorter stretch is not worth looking for elsewhere; rows and index entries move by less than the reach.
 constexpr std::size_t kShortestSearched = 48;
@@ -31,6 +40,7 @@ struct Stretch {
   std::size_t end;
 };
 
+/// A stretch of the new page whose bytes stood at `from` in the old one.
 struct Move {
   Stretch to;
   std::size_t from;
@@ -61,8 +71,9 @@ void PutBytes(Content before, Content after, Stretch stretch, std::vector<std::u
   }
 }
 
-// Where the bytes of a place stand in the page as it was, such that as many as can be of the stretch around them stand
-// there too.
+/// Where the bytes of a place stand in the page as it was, such that as many as can be of the stretch around them stand
+/// there too. 16 bytes have to be the same before it is looked further; `needle` itself is left out, as bytes that have
+/// not moved are no news.
 std::optional<Move> FindMove(Content before, Content after, Stretch stretch, std::size_t needle) {
   std::optional<Move> best;
   const std::size_t first = needle - std::min(needle, kReach);
@@ -81,6 +92,7 @@ std::optional<Move> FindMove(Content before, Content after, Stretch stretch, std
   return best;
 }
 
+/// What is told by bytes: the parts of the stretch before and behind the one that moved.
 std::vector<std::uint8_t> WithMove(Content before, Content after, Stretch stretch, const Move& move) {
   std::vector<std::uint8_t> delta;
   PutBytes(before, after, {stretch.begin, move.to.begin}, delta);
@@ -94,6 +106,7 @@ std::vector<std::uint8_t> WithMove(Content before, Content after, Stretch stretc
 // What was put in pushes what follows it up, what was taken out lets it come down; so it is looked for from the end of
 // the stretch, and from its beginning.
 void PutStretch(Content before, Content after, Stretch stretch, std::vector<std::uint8_t>& delta) {
+  // Blocks are wider than what differs in them. Some byte does, so this ends.
   while (before[stretch.begin] == after[stretch.begin]) ++stretch.begin;
   while (before[stretch.end - 1] == after[stretch.end - 1]) --stretch.end;
   std::vector<std::uint8_t> shortest;
@@ -116,7 +129,8 @@ struct Piece {
   std::span<const std::uint8_t> content;
 };
 
-// The piece at the start of the bytes, which are cut off there; nothing when none stands there that lies in the page.
+/// The piece at the start of the bytes, which are cut off there; nothing when none stands there that lies in the page.
+/// Deltas come from files, so every number is held against the page and against the bytes that are left.
 std::optional<Piece> TakePiece(std::span<const std::uint8_t>& delta) {
   if (delta.size() < kPieceHeadSize) return std::nullopt;
   const auto word = GetLittle<std::uint16_t>(delta, 2);
@@ -132,6 +146,7 @@ std::optional<Piece> TakePiece(std::span<const std::uint8_t>& delta) {
 
 }  // namespace
 
+// Blocks first: memcmp of 32 bytes passes over what is equal, nearly all of a page, many times as fast as byte by byte.
 std::vector<std::uint8_t> DeltaBetween(Content before, Content after) {
   std::vector<std::uint8_t> delta;
   const auto differs = [&](std::size_t at) { return std::memcmp(&before[at], &after[at], kBlock) != 0; };
@@ -153,6 +168,7 @@ bool IsDelta(std::span<const std::uint8_t> bytes) {
 
 void ApplyDelta(std::span<const std::uint8_t> delta, std::span<std::uint8_t, kPageSize> page) {
   std::array<std::uint8_t, kPageSize> before{};
+  // Moved pieces are taken from the page as it was: pieces before them may have been written over their source.
   std::copy(page.begin(), page.end(), before.begin());
   while (const std::optional<Piece> piece = TakePiece(delta)) {
     std::span<const std::uint8_t> content = piece->content;

@@ -12,11 +12,12 @@ namespace tavi::access {
 
 namespace {
 
-// Pages that are written at once.
+// Pages that are written at once, 256 KB.
 constexpr std::size_t kPagesPerWrite = 64;
 // A file is replaced when it is compacted, which nobody does twice in a moment.
 constexpr int kMostAttempts = 5;
 
+/// Page 0 is never encoded; the others with the key XOR their number.
 void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseKey) {
   std::vector<std::uint8_t> chunk;
   chunk.reserve(kPagesPerWrite * kPageSize);
@@ -36,6 +37,7 @@ void WritePages(File& file, std::span<const Page> pages, std::uint32_t databaseK
 std::unique_ptr<Pager> Pager::Open(const std::shared_ptr<FileSystem>& fileSystem, const std::string& path,
                                    const PagerOptions& options) {
   if (!fileSystem->Exists(path)) RaiseFailure("Could not find file '" + path + "'.");
+  // One deadline for all attempts.
   const LockDeadline deadline(*fileSystem, options.lockTimeout);
   for (int attempt = 1;; ++attempt) {
     try {
@@ -54,11 +56,14 @@ void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<co
                  " pages.");
   }
   if (fileSystem.Exists(path)) RaiseFailure("Database '" + path + "' already exists.");
+  // Says that the pages begin like a database, and gives the key, before there is a file.
   const DatabaseHeader header = DecodeHeader(pages.front().All(), pages.size() * kPageSize, path);
   auto file = fileSystem.Open(path, FileSystem::OpenMode::CreateNew);
   try {
+    // While the file is empty: nobody reads what he may not, not even for a moment.
     if (!permissionsOf.empty()) fileSystem.CopyPermissions(permissionsOf, path);
     WritePages(*file, pages, header.databaseKey);
+    // First the content, then its name: a file that is found after a power cut is whole.
     file->Sync();
     file.reset();
     fileSystem.SyncFolderOf(path);

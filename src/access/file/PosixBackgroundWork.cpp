@@ -7,6 +7,10 @@
 
 #include "access/file/FileSystem.h"
 
+// One thread for each connection that writes, begun when the first work is asked for and kept until the end. It sleeps
+// until work is asked for, then as long again as the delay, so that all statements of that time are flushed by one. The
+// mutex is never held while the work is done, so asking never waits for the disk.
+
 namespace tavi::access {
 
 namespace {
@@ -32,6 +36,7 @@ class PosixBackgroundWork final : public BackgroundWork {
   PosixBackgroundWork(std::chrono::milliseconds delay, std::function<void()> work)
       : delay_(delay), work_(std::move(work)) {}
 
+  // What was asked for and has not begun is dropped; who needs it done does it himself before (LogFlush::Now).
   ~PosixBackgroundWork() override {
     if (!thread_.joinable()) return;
     {
@@ -54,6 +59,7 @@ class PosixBackgroundWork final : public BackgroundWork {
     news_.notify_all();
   }
 
+  // What is dropped here may leave the thread in its delay; it finds nothing to do then.
   void Settle() override {
     std::unique_lock lock(mutex_);
     isAsked_ = false;

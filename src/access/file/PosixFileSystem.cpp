@@ -17,6 +17,13 @@
 #include "access/file/LockOwner.h"
 #include "platform/FileSizeSignal.h"
 
+// Every call of the system is tried again when a signal interrupts it, and goes on where less was read or written than
+// was asked. Errors carry the system's own words, the file and, where there is one, the byte: they are what somebody
+// sees who has a full disk.
+//
+// Permissions are judged by the bits of file and folder, not only by whether a call succeeds: the administrator may
+// write anything, and would write files that are marked as read-only for everybody.
+
 namespace tavi::access {
 
 namespace {
@@ -41,6 +48,7 @@ std::string FolderOf(const std::string& path) {
   return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+/// The read-only attribute of Access, as far as there is one here: a file that nobody may write.
 bool HasWriteBit(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 && (status.st_mode & kAnyWrite) != 0;
@@ -58,6 +66,7 @@ auto Retry(Call call) {
   return result;
 }
 
+/// Closing is not looked at: what counts was flushed before, and a flush tells of errors.
 class Descriptor {
  public:
   explicit Descriptor(int value) : value_(value) {}
@@ -101,6 +110,7 @@ class PosixFile final : public File {
             [&] { return ::pwrite(descriptor_.Value(), source.data(), source.size(), static_cast<off_t>(offset)); });
       });
       if (count < 0) RaiseSystemError("write", path_, errno, AtByte(offset));
+      // Nothing was written without an error, which only a full device does; going on would never end.
       if (count == 0) RaiseSystemError("write", path_, ENOSPC, AtByte(offset));
       offset += static_cast<std::uint64_t>(count);
       source = source.subspan(static_cast<std::size_t>(count));
@@ -137,6 +147,7 @@ class PosixFile final : public File {
     return {static_cast<std::uint64_t>(status.st_ino), static_cast<std::uint64_t>(status.st_nlink)};
   }
 
+  // By device and number: a file that was replaced has the same name and another number.
   bool IsStillAt(const std::string& path) override {
     const struct stat own = Status();
     struct stat named {};
@@ -144,6 +155,8 @@ class PosixFile final : public File {
   }
 
   std::unique_ptr<File> OpenAgain() override {
+    // By the opened file, not by its name, which may belong to another one by now. The new opener has locks of its own,
+    // and its flush does not wait for the other's calls.
     const std::string self = "/proc/self/fd/" + std::to_string(descriptor_.Value());
     Descriptor again(Retry([&] { return ::open(self.c_str(), (isReadOnly_ ? O_RDONLY : O_RDWR) | O_CLOEXEC); }));
     // Where the system does not show open files the same opener serves twice; calls of several threads are allowed.
@@ -157,6 +170,7 @@ class PosixFile final : public File {
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     struct flock range = Range(offset, length, kind == LockKind::Shared ? F_RDLCK : F_WRLCK);
     if (Retry([&] { return ::fcntl(descriptor_.Value(), F_OFD_SETLK, &range); }) == 0) return true;
+    // Both mean that somebody else holds it; anything else (a file system without locks) is an error.
     if (errno == EAGAIN || errno == EACCES) return false;
     RaiseSystemError("lock", path_, errno);
   }
@@ -197,6 +211,7 @@ class PosixFile final : public File {
     return range;
   }
 
+  // Asks as if for an exclusive lock, which any lock of another opener would prevent. Own locks are not met.
   struct flock FirstConflict(std::uint64_t offset, std::uint64_t length) {
     struct flock range = Range(offset, length, F_WRLCK);
     if (Retry([&] { return ::fcntl(descriptor_.Value(), F_OFD_GETLK, &range); }) != 0) {
@@ -227,6 +242,8 @@ class PosixFileSystem final : public FileSystem {
     struct stat status {};
     if (::fstat(descriptor.Value(), &status) != 0) RaiseSystemError("examine", path, errno);
     if (!S_ISREG(status.st_mode)) RaiseFailure("Could not open '" + path + "': it is not a file.");
+    // A shared lock of the whole file, held as long as the file is open: programs that lock it as a whole are seen
+    // here, and see us. Ours share it.
     if (HoldsWholeFileLocksApart(descriptor.Value()) && ::flock(descriptor.Value(), LOCK_SH | LOCK_NB) != 0 &&
         errno == EWOULDBLOCK) {
       RaiseFailure("Could not use '" + path + "'; file already in use. Another program has locked it as a whole.");
@@ -259,6 +276,8 @@ class PosixFileSystem final : public FileSystem {
     if (::rename(from.c_str(), to.c_str()) != 0) RaiseSystemError("rename", from, errno);
   }
 
+  // By a descriptor, so that both changes meet the same file. The group first: changing it may take permission bits
+  // away.
   void CopyPermissions(const std::string& from, const std::string& to) override {
     struct stat status {};
     if (::stat(from.c_str(), &status) != 0) return;
@@ -270,6 +289,8 @@ class PosixFileSystem final : public FileSystem {
     static_cast<void>(::fchmod(target.Value(), mode & kPermissionBits));
   }
 
+  // A new name is in the folder, which is a file of its own to the system: without this a power cut may leave the
+  // content without a name.
   void SyncFolderOf(const std::string& path) override {
     const std::string folder = FolderOf(path);
     const Descriptor descriptor(Retry([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); }));

@@ -6,6 +6,11 @@
 
 #include "access/file/EngineError.h"
 
+// Locks are tried, never waited for by the system: a wait in the system could not be ended by the deadline, nor by
+// seeing that it is hopeless. Between attempts the thread pauses a little longer each time, up to 10 ms, so that a
+// short wait costs next to nothing and a long one no processor. Whoever waits for readers to leave closes the gate
+// first: else new readers could come in for ever.
+
 namespace tavi::access {
 
 namespace {
@@ -17,9 +22,11 @@ constexpr milliseconds kLongest = std::chrono::hours(24 * 365);
 
 }  // namespace
 
+// A timeout of any size comes from a connection string.
 LockDeadline::LockDeadline(FileSystem& fileSystem, milliseconds timeout)
     : timeout_(std::clamp(timeout, milliseconds{0}, kLongest)), end_(fileSystem.Now() + timeout_) {}
 
+// Rounded up, so that a wait of less than a millisecond is not taken for none.
 milliseconds LockDeadline::Left(FileSystem& fileSystem) const {
   return std::max(milliseconds{0}, std::chrono::ceil<milliseconds>(end_ - fileSystem.Now()));
 }
@@ -44,6 +51,9 @@ WritingThreads::Wait::~Wait() {
   threads_.waiting_.erase(std::this_thread::get_id());
 }
 
+// Goes from the file that is wanted to the thread that may write it, from there to the file that this thread waits for,
+// and so on. Where it comes back to the asking thread nobody in the circle can go on. A holder in another process is
+// not listed; the deadline ends such a wait.
 bool WritingThreads::Wait::IsHopeless() const {
   const std::lock_guard guard(threads_.mutex_);
   const std::thread::id self = std::this_thread::get_id();
@@ -70,6 +80,7 @@ constexpr std::uint64_t kStatement = kGate + 1;
 constexpr std::uint64_t kOpen = kGate + 2;
 constexpr std::uint64_t kWriter = kGate + 3;
 constexpr std::uint64_t kOneByte = 1;
+// The two bytes lie next to each other, to be locked in one call.
 constexpr std::uint64_t kGateAndStatement = 2;
 
 // Pauses between attempts in milliseconds; the last one is repeated. The first attempts only let others run.
@@ -95,6 +106,8 @@ void StatementLock::AcquireOpen(const LockDeadline& deadline) {
   if (!WaitUntil(deadline, enter)) RaiseInUse(deadline, kOpen, kOneByte);
 }
 
+// Both bytes at once, then the gate is given back: a reader never holds the gate while it waits for the statement's
+// byte.
 void StatementLock::AcquireShared(const LockDeadline& deadline) {
   const auto enter = [&] { return file_.TryLock(kGate, kGateAndStatement, LockKind::Shared); };
   if (!WaitUntil(deadline, enter)) RaiseInUse(deadline, kGate, kGateAndStatement);
@@ -111,6 +124,7 @@ void StatementLock::Release() noexcept {
 
 void StatementLock::AcquireWriter(const LockDeadline& deadline) {
   const auto become = [&] { return file_.TryLock(kWriter, kOneByte, LockKind::Exclusive); };
+  // The wait is listed only when there is one.
   if (!become()) {
     const WritingThreads::Wait wait(*threads_, canonical_);
     const auto becomeUnlessHopeless = [&] {
@@ -124,6 +138,7 @@ void StatementLock::AcquireWriter(const LockDeadline& deadline) {
     };
     if (!WaitUntil(deadline, becomeUnlessHopeless)) RaiseInUse(deadline, kWriter, kOneByte);
   }
+  // Behind the byte, and taken off the list before it: so the list never names two holders, nor one who has let go.
   threads_->Hold(canonical_);
   holdsWriter_ = true;
 }
@@ -142,6 +157,7 @@ void StatementLock::ReleaseWriter() noexcept {
 
 bool StatementLock::TryAcquireExclusive(const LockDeadline& deadline) {
   if (file_.TryLock(kGate, kGateAndStatement, LockKind::Exclusive)) return true;
+  // Somebody is reading: nobody else comes in from here on, and those who are in leave when their statements end.
   const auto closeGate = [&] { return file_.TryLock(kGate, kOneByte, LockKind::Exclusive); };
   const auto seeLastReaderOff = [&] { return file_.TryLock(kStatement, kOneByte, LockKind::Exclusive); };
   try {
@@ -158,6 +174,7 @@ void StatementLock::AcquireExclusive(const LockDeadline& deadline) {
   if (!TryAcquireExclusive(deadline)) RaiseInUse(deadline, kGate, kGateAndStatement);
 }
 
+// The shared lock that every open pager has on this byte is converted, which works only for the last one.
 bool StatementLock::TryBecomeAlone() {
   return file_.TryLock(kOpen, kOneByte, LockKind::Exclusive);
 }
@@ -173,6 +190,7 @@ void StatementLock::LeaveAlone() {
 bool StatementLock::WaitUntil(const LockDeadline& deadline, const std::function<bool()>& attempt) {
   for (std::size_t round = 0; !attempt(); ++round) {
     const std::chrono::milliseconds left = deadline.Left(fileSystem_);
+    // There are two attempts at least, even with a timeout of 0, and a moment between them in which the holder can run.
     if (left.count() == 0 && round >= 1) return false;
     fileSystem_.Pause(std::min(left, std::chrono::milliseconds{kPauses[std::min(round, kPauses.size() - 1)]}));
   }
@@ -180,6 +198,7 @@ bool StatementLock::WaitUntil(const LockDeadline& deadline, const std::function<
 }
 
 void StatementLock::RaiseInUse(const LockDeadline& deadline, std::uint64_t offset, std::uint64_t length) {
+  // Looked for now, when the wait has failed: it may cost a walk over all processes.
   const std::string holder = file_.LockHolder(offset, length);
   RaiseFailure("Could not use '" + path_ + "'; file already in use" + (holder.empty() ? "" : " by " + holder) +
                ". It stayed locked for " + std::to_string(deadline.Timeout().count()) +
@@ -187,6 +206,7 @@ void StatementLock::RaiseInUse(const LockDeadline& deadline, std::uint64_t offse
 }
 
 SoleUse::SoleUse(StatementLock& lock, const LockDeadline& deadline) : lock_(lock), ownsWriter_(!lock.HoldsWriter()) {
+  // In the order that the header gives, so that two who want the whole file do not wait for each other.
   if (ownsWriter_) lock_.AcquireWriter(deadline);
   try {
     lock_.AcquireExclusive(deadline);

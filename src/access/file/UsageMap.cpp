@@ -7,6 +7,14 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 
+// A set of pages as Access stores it. Small tables have an inline map, one row of 69 bytes with 512 bits from a start
+// page on; it is moved, then lengthened, then turned into references as pages come that it does not reach; all three
+// are seen in files of Access. Nothing is kept in memory: each call finds its row and bit anew, which is two pages of
+// the cache, so that a map is right after a rollback and after what others commit.
+//
+// Members past the end of the file are left out when pages are asked for: such bits stand in files of other programs,
+// and mean nothing until the file is so long.
+
 namespace tavi::access {
 
 namespace {
@@ -15,7 +23,9 @@ namespace usage = format::usage;
 
 constexpr std::uint64_t kEverywhere = std::numeric_limits<PageNumber>::max();
 
-// Calls visit(bitmap, first page) for each bitmap of the map from page `from` on, until it returns false.
+/// Calls visit(bitmap, first page) for each bitmap of the map from page `from` on, until it returns false. An inline
+/// map is one bitmap, which is visited whatever `from` is. Bitmap pages that are not there stand for bits that are all
+/// 0.
 template <typename Visit>
 void ForEachBitmap(Pager& pager, RowPointer map, PageNumber from, Visit visit) {
   if (map.IsNone()) return;
@@ -41,10 +51,12 @@ void ForEachBitmap(Pager& pager, RowPointer map, PageNumber from, Visit visit) {
 
 bool UsageMap::Contains(PageNumber page) const {
   if (row_.IsNone()) return false;
+  // What the map does not reach is no member.
   const std::optional<BitPlace> place = LocateBit(*pager_, row_, page);
   return place && (pager_->Read(place->page)->U8(place->offset) & place->mask) != 0;
 }
 
+// Skips whole bitmap pages before `from`, so a walk over a large table looks at each only once.
 std::optional<PageNumber> UsageMap::Next(PageNumber from) const {
   std::optional<PageNumber> found;
   const PageNumber limit = pager_->PageCount();
@@ -90,6 +102,7 @@ void UsageMap::Add(PageNumber page) {
   if (page >= format::kMaximumPageCount) {
     RaiseFailure("Page " + std::to_string(page) + " lies past the 2 GB that a database can have.");
   }
+  // Nearly always the bit is there already.
   if (!LocateBit(*pager_, row_, page)) Reach(page);
   SetBit(page, true);
 }
@@ -106,7 +119,8 @@ void UsageMap::SetBit(PageNumber page, bool member) {
   target.SetU8(place->offset, static_cast<std::uint8_t>(member ? old | place->mask : old & ~unsigned{place->mask}));
 }
 
-// Makes a bit for a page that the map does not cover.
+// Makes a bit for a page that the map does not cover. The conversion can reach it already, by a member in the same
+// stretch.
 void UsageMap::Reach(PageNumber page) {
   const PageHandle holder = pager_->Read(row_.page);
   const MapRow place = FindMapRow(*holder, row_.row, MapLayoutOf(*pager_));
@@ -117,11 +131,13 @@ void UsageMap::Reach(PageNumber page) {
   if (!LocateBit(*pager_, row_, page)) AddBitmapPage(page / usage::kPagesPerBitmap);
 }
 
-// Moves the start of an inline map, and makes the row longer if need be; false when both are not enough.
+// Moves the start of an inline map, and makes the row longer if need be; false when both are not enough. Members past
+// the end of the file count here: their bits are moved along.
 bool UsageMap::RewriteInline(PageNumber page) {
   const std::vector<PageNumber> members = MembersBelow(kEverywhere);
   const PageNumber lowest = members.empty() ? page : std::min(page, members.front());
   const PageNumber highest = members.empty() ? page : std::max(page, members.back());
+  // Access begins a map at a multiple of 8, so that bytes of the map are whole.
   const PageNumber start = lowest - lowest % usage::kInlineStartStep;
   const std::size_t needed = usage::kInlineBitmapOffset + (highest - start) / format::kBitsPerByte + 1;
 
@@ -130,16 +146,20 @@ bool UsageMap::RewriteInline(PageNumber page) {
   if (needed > place.length) {
     const std::size_t steps = (needed - place.length + usage::kLengthenStep - 1) / usage::kLengthenStep;
     const std::size_t growth = steps * usage::kLengthenStep;
+    // Neither longer rows nor other steps are seen in files of Access.
     if (place.length + growth > usage::kLongestInlineRow || growth > FreeBytesOfMapPage(holder)) return false;
     LengthenMapRow(holder, row_.row, growth, 0);
     place = FindMapRow(holder, row_.row, MapLayoutOf(*pager_));
   }
+  // All bits are set again, since their places depend on the start.
   holder.SetU32(place.offset + usage::kInlineStartOffset, start);
   holder.Fill(place.offset + usage::kInlineBitmapOffset, place.BitmapSize(), 0);
   for (const PageNumber member : members) SetBit(member, true);
   return true;
 }
 
+// The row keeps its length: 69 bytes hold 17 references, just what 524,288 pages need. Bitmap pages are made for
+// stretches that have members, and for no others.
 void UsageMap::ConvertToReferences() {
   // What lies past the largest possible file is damage and is not taken along.
   const std::vector<PageNumber> members = MembersBelow(format::kMaximumPageCount);
@@ -153,6 +173,8 @@ void UsageMap::ConvertToReferences() {
   }
 }
 
+// The page comes from the allocator like any other, and belongs to this map alone. It is all 0, so nobody is a member
+// yet.
 void UsageMap::AddBitmapPage(std::uint32_t index) {
   Page& bitmap = PageAllocator(*pager_).Allocate();
   bitmap.SetU8(format::kPageTypeOffset, format::page_type::kUsageBitmap);

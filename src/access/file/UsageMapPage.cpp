@@ -6,6 +6,13 @@
 #include "access/file/Format.h"
 #include "access/file/UsageMap.h"
 
+// Rows of usage-map pages. They look like data pages, but their rows are changed where they lie and never move to other
+// pages, as definitions and index records name them by page and row. A deleted row keeps its bytes and is used again
+// for the next map: so the pages that hold maps do not multiply when tables are made and dropped.
+//
+// Places are checked here, and only here: every bit that is read or written comes from a row whose offset and length
+// lie on its page.
+
 namespace tavi::access {
 
 namespace {
@@ -13,6 +20,7 @@ namespace {
 namespace data = format::data;
 namespace usage = format::usage;
 
+// Jet 3 differs in the size of pages and the places on them; its maps are only read.
 constexpr MapLayout kJet4Layout = {kPageSize, data::kRowCountOffset, data::kRowDirectoryOffset, usage::kBitmapSize,
                                    usage::kPagesPerBitmap};
 constexpr MapLayout kJet3Layout = {format::jet3::kPageSize, format::jet3::data::kRowCountOffset,
@@ -38,6 +46,8 @@ unsigned FlagsIn(std::uint16_t entry) {
   return entry & data::kRowFlagsMask;
 }
 
+/// A row number is one byte, so more rows than 255 are damage; offsets of rows that are not there would be read as
+/// such.
 std::size_t CountRows(const Page& page) {
   const std::size_t count = page.U16(data::kRowCountOffset);
   if (count > data::kMaximumRowCount) {
@@ -55,7 +65,8 @@ void SetFreeBytes(Page& page) {
   page.SetU16(data::kFreeBytesOffset, static_cast<std::uint16_t>(FreeBytesOfMapPage(page)));
 }
 
-// Start and length of a row, without regard to its flags.
+/// Start and length of a row, without regard to its flags. It ends where the row before it begins, and must not lie in
+/// the directory, of which the entries up to its own are counted.
 MapRow Extent(const Page& page, std::size_t row, const MapLayout& layout) {
   const std::size_t offset = OffsetIn(Entry(page, row, layout));
   const std::size_t end = row == 0 ? layout.pageSize : OffsetIn(Entry(page, row - 1, layout));
@@ -67,7 +78,8 @@ MapRow Extent(const Page& page, std::size_t row, const MapLayout& layout) {
   return {offset, end - offset};
 }
 
-// A deleted row whose bytes are still there, to be used again; nothing when there is none.
+/// A deleted row whose bytes are still there, to be used again; nothing when there is none. Other programs may have
+/// reclaimed them.
 std::optional<std::uint8_t> FindDeletedRow(const Page& page) {
   const std::size_t count = CountRows(page);
   for (std::size_t row = 0; row < count; ++row) {
@@ -95,6 +107,7 @@ std::size_t MapRow::ReferenceOffset(std::uint32_t index) const {
   return offset + usage::kReferencesOffset + index * usage::kReferenceSize;
 }
 
+// At least one byte of bitmap, so that its size never wraps below zero.
 MapRow FindMapRow(const Page& page, std::uint8_t row, const MapLayout& layout) {
   const std::size_t count = page.U16(layout.rowCountOffset);
   if (page.U8(format::kPageTypeOffset) != format::page_type::kData || row >= count) {
@@ -120,6 +133,7 @@ std::optional<BitPlace> LocateBit(Pager& pager, RowPointer map, PageNumber numbe
   const MapLayout& layout = MapLayoutOf(pager);
   const PageHandle page = pager.Read(map.page);
   const MapRow place = FindMapRow(*page, map.row, layout);
+  // The same counting for both kinds: bits from the least significant one up.
   const auto bitPlace = [](PageNumber holder, std::size_t bitmapOffset, std::size_t bit) {
     return BitPlace{holder, bitmapOffset + bit / format::kBitsPerByte,
                     static_cast<std::uint8_t>(1U << (bit % format::kBitsPerByte))};
@@ -133,6 +147,7 @@ std::optional<BitPlace> LocateBit(Pager& pager, RowPointer map, PageNumber numbe
   if (index >= place.ReferenceCount()) return std::nullopt;
   const PageNumber bitmapPage = page->U32(place.ReferenceOffset(index));
   if (bitmapPage == 0) return std::nullopt;
+  // Read for its check: whoever sets the bit writes to the page that the row names.
   static_cast<void>(ReadBitmapPage(pager, map, bitmapPage));
   return bitPlace(bitmapPage, usage::kBitmapOffset, number % layout.pagesPerBitmap);
 }
@@ -148,9 +163,11 @@ PageHandle ReadBitmapPage(Pager& pager, RowPointer map, PageNumber number) {
 
 std::optional<PageNumber> FirstMember(std::span<const std::uint8_t> bitmap, std::uint64_t start, std::uint64_t from,
                                       std::uint64_t limit) {
+  // In 64 bits, as a start page near the largest number plus the bitmap's bits has more than 32.
   const std::uint64_t end = std::min(limit, start + bitmap.size() * format::kBitsPerByte);
   for (std::uint64_t number = std::max(from, start); number < end;) {
     const auto index = static_cast<std::size_t>((number - start) / format::kBitsPerByte);
+    // A byte at a time: bytes of 0 are passed over, in others the lowest bit that is left is the member.
     const auto rest = static_cast<std::uint8_t>(bitmap[index] >> ((number - start) % format::kBitsPerByte));
     if (rest != 0) {
       number += static_cast<std::uint64_t>(std::countr_zero(rest));
@@ -176,6 +193,7 @@ void MakeMapPage(Page& page) {
   SetFreeBytes(page);
 }
 
+// Asked of any page that is near, so everything is looked at that makes it a usable map page; page 1 has another owner.
 bool TakesMapRow(const Page& page) {
   if (page.U8(format::kPageTypeOffset) != format::page_type::kData) return false;
   if (page.U32(data::kOwnerOffset) != data::kOwnerUsageMaps) return false;
@@ -186,6 +204,7 @@ bool TakesMapRow(const Page& page) {
   return hasRoom || FindDeletedRow(page).has_value();
 }
 
+// An empty inline map is all zeros: kind 0, start 0, no bits.
 std::uint8_t AddMapRow(Page& page) {
   if (const std::optional<std::uint8_t> deleted = FindDeletedRow(page)) {
     const MapRow place = Extent(page, *deleted, kJet4Layout);
@@ -202,6 +221,8 @@ std::uint8_t AddMapRow(Page& page) {
   return static_cast<std::uint8_t>(count);
 }
 
+// The row and all below it move down by so many bytes, and the new ones appear at the end of the row, behind its last
+// bits. Rows that are not there where their entries say would be torn; they are damage.
 void LengthenMapRow(Page& page, std::uint8_t row, std::size_t bytes, std::uint8_t fill) {
   const std::size_t count = CountRows(page);
   const MapRow place = FindMapRow(page, row, kJet4Layout);
@@ -218,6 +239,7 @@ void LengthenMapRow(Page& page, std::uint8_t row, std::size_t bytes, std::uint8_
   SetFreeBytes(page);
 }
 
+// Only the flags change. The free bytes stay as they are: bytes of deleted rows do not count as free.
 void DeleteMapRow(Page& page, std::uint8_t row) {
   const MapRow place = FindMapRow(page, row, kJet4Layout);
   SetEntry(page, row, place.offset, data::kRowDeleted);

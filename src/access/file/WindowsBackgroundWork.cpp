@@ -29,7 +29,8 @@ class Handle {
   HANDLE value_;
 };
 
-/// What the thread and its owner share.
+/// What the thread and its owner share. `asked` lets one wait end and is reset by it; `ending` and `idle` stay as they
+/// are set.
 struct Shared {
   std::chrono::milliseconds delay;
   std::function<void()> work;
@@ -41,6 +42,8 @@ struct Shared {
   bool isEnding = false;
 };
 
+/// Taking the request and becoming busy is one step under the mutex: who settles in between sees either no request or
+/// somebody busy.
 void WorkWhenAsked(Shared& shared) {
   {
     const std::lock_guard lock(shared.mutex);
@@ -51,6 +54,7 @@ void WorkWhenAsked(Shared& shared) {
   ::SetEvent(shared.idle.Value());
 }
 
+/// The delay is a wait for the end, so that ending never takes as long as the delay.
 void Run(Shared& shared) {
   const std::array<HANDLE, 2> news = {shared.ending.Value(), shared.asked.Value()};
   while (::WaitForMultipleObjects(2, news.data(), FALSE, INFINITE) == WAIT_OBJECT_0 + 1) {
@@ -61,6 +65,8 @@ void Run(Shared& shared) {
 
 DWORD WINAPI ThreadMain(void* argument);
 
+/// The library or program that holds this code, by the address of a function in it; a reference is taken unless the
+/// flags say otherwise.
 HMODULE OwnModule(DWORD flags) {
   HMODULE module = nullptr;
   ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | flags, reinterpret_cast<LPCWSTR>(&ThreadMain), &module);
@@ -84,6 +90,7 @@ class WindowsBackgroundWork final : public BackgroundWork {
     shared_->work = std::move(work);
   }
 
+  // Waits for work that is being done, not for the thread, which goes by itself.
   ~WindowsBackgroundWork() override {
     {
       const std::lock_guard lock(shared_->mutex);
@@ -111,6 +118,7 @@ class WindowsBackgroundWork final : public BackgroundWork {
 
  private:
   void Begin() {
+    // The reference for the thread: the module must not be unloaded under it.
     const HMODULE module = OwnModule(0);
     auto argument = std::make_unique<std::shared_ptr<Shared>>(shared_);
     thread_ = std::make_unique<Handle>(::CreateThread(nullptr, 0, &ThreadMain, argument.get(), 0, nullptr));
@@ -118,6 +126,7 @@ class WindowsBackgroundWork final : public BackgroundWork {
       static_cast<void>(argument.release());
       return;
     }
+    // Before anything that may set another one.
     const DWORD code = ::GetLastError();
     thread_.reset();
     if (module != nullptr) ::FreeLibrary(module);

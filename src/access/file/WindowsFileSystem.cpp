@@ -14,6 +14,11 @@
 #include "access/file/WindowsRangeLocks.h"
 #include "platform/values/WideText.h"
 
+// Handles are opened with all sharing, so that a file can be renamed, replaced or removed while others have it open, as
+// under other systems; only HoldUnwritten shares less, on purpose. Each read and write says its place itself, so that a
+// handle has no position that two calls could fight for. Times are counted in steps of 100 nanoseconds since 1601; they
+// are handed out as nanoseconds since 1970.
+
 namespace tavi::access {
 
 namespace {
@@ -22,6 +27,7 @@ using windows::SystemErrorText;
 using windows::ToWidePath;
 
 constexpr DWORD kShareEverything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+// The system counts bytes of a transfer in 32 bits.
 constexpr DWORD kLargestTransfer = DWORD{1} << 30U;
 
 [[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, DWORD code,
@@ -36,6 +42,7 @@ std::string AtByte(std::uint64_t offset) {
   return " at byte " + std::to_string(offset);
 }
 
+/// With its last slash, which a drive needs ("C:\"); of a name on a drive without a folder the drive's current one.
 std::string FolderOf(const std::string& path) {
   const std::size_t slash = path.find_last_of("\\/");
   if (slash == std::string::npos) return path.size() > 1 && path[1] == ':' ? path.substr(0, 2) + "." : ".";
@@ -64,6 +71,7 @@ class Handle {
   HANDLE value_;
 };
 
+/// The path in the long form that has no limit of 260 characters.
 Handle OpenHandle(const std::string& path, DWORD access, DWORD disposition, DWORD flags) {
   return Handle(
       ::CreateFileW(ToWidePath(path).c_str(), access, kShareEverything, nullptr, disposition, flags, nullptr));
@@ -103,6 +111,7 @@ class WindowsFile final : public File {
       : handle_(std::move(handle)), path_(path), isReadOnly_(isReadOnly), locks_(handle_.Value(), std::move(path)) {}
 
   void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
+    // The end of the file is an error to the system or a short read, as the case may be; both give no bytes.
     while (!target.empty()) {
       OVERLAPPED position = At(offset);
       DWORD count = 0;
@@ -160,6 +169,7 @@ class WindowsFile final : public File {
     return (times.LastWriteTime.QuadPart - kTicksTo1970) * kNanosecondsPerTick;
   }
 
+  // By the handle, as the name may belong to another file by now.
   std::unique_ptr<File> OpenAgain() override {
     const DWORD access = isReadOnly_ ? GENERIC_READ : GENERIC_READ | GENERIC_WRITE;
     Handle again(::ReOpenFile(handle_.Value(), access, kShareEverything, 0));
@@ -213,6 +223,7 @@ class WindowsFileSystem final : public FileSystem {
  public:
   std::unique_ptr<File> Open(const std::string& path, OpenMode mode) override {
     const std::string operation = mode == OpenMode::CreateNew ? "create" : "open";
+    // The system would take the path up to there, and open another file.
     if (path.find('\0') != std::string::npos) RaiseSystemError(operation, path, ERROR_INVALID_NAME);
     if (mode == OpenMode::ReadWrite && HasReadOnlyAttribute(path))
       RaiseSystemError(operation, path, ERROR_ACCESS_DENIED);
@@ -220,6 +231,7 @@ class WindowsFileSystem final : public FileSystem {
     Handle handle =
         OpenHandle(path, access, mode == OpenMode::CreateNew ? CREATE_NEW : OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     if (!handle.IsOpen()) RaiseSystemError(operation, path, ::GetLastError());
+    // A device such as CON opens like a file.
     if (::GetFileType(handle.Value()) != FILE_TYPE_DISK) {
       RaiseFailure("Could not open '" + path + "': it is not a file.");
     }
@@ -239,11 +251,15 @@ class WindowsFileSystem final : public FileSystem {
 
   bool IsWritable(const std::string& path) override {
     if (HasReadOnlyAttribute(path)) return false;
+    // Tried, because permissions have too many sources to be calculated. Who has the file open alone is no matter of
+    // permission.
     const Handle file = OpenHandle(path, GENERIC_WRITE, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL);
     if (!file.IsOpen() && ::GetLastError() != ERROR_SHARING_VIOLATION) return false;
     return OpenHandle(FolderOf(path), FILE_ADD_FILE, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS).IsOpen();
   }
 
+  // What the system calls the file, whatever links, short names and letters of either case led there. When the buffer
+  // is too small the length that is needed comes back.
   std::string CanonicalPath(const std::string& path) override {
     const Handle file = OpenHandle(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
     if (!file.IsOpen()) return path;
@@ -263,6 +279,7 @@ class WindowsFileSystem final : public FileSystem {
   }
 
   void Rename(const std::string& from, const std::string& to) override {
+    // The new name is on the disk when the call returns.
     constexpr DWORD kFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     if (::MoveFileExW(ToWidePath(from).c_str(), ToWidePath(to).c_str(), kFlags) == 0) {
       RaiseSystemError("rename", from, ::GetLastError());
@@ -294,6 +311,7 @@ class WindowsFileSystem final : public FileSystem {
                                        FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
   }
 
+  // For messages and comparisons: \\?\C:\... is C:\..., and \\?\UNC\server\share is \\server\share.
   static std::wstring WithoutUnlimitedPrefix(const std::wstring& path) {
     constexpr std::wstring_view kShare = L"\\\\?\\UNC\\";
     constexpr std::wstring_view kLocal = L"\\\\?\\";

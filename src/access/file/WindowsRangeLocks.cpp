@@ -9,6 +9,14 @@
 #include "access/file/EngineError.h"
 #include "platform/values/WideText.h"
 
+// A byte of ours stands for 256 places. Who shares it holds one of them, exclusively for the system; who excludes
+// others holds all: his own one, those before it and those behind it, in three calls. So a shared lock becomes an
+// exclusive one by taking the rest, and goes back by giving the rest up, and at no moment is the byte free in between.
+// The system's own shared locks are never used for these bytes.
+//
+// Example, the first byte of ours (2^31) and place 7: one lock of 1 at 2^32 + 7; exclusive, further locks of 7 at 2^32
+// and of 248 at 2^32 + 8. The system gives back only what was locked in one call, so what is held is kept in a list.
+
 namespace tavi::access {
 
 namespace {
@@ -16,6 +24,7 @@ namespace {
 using LockKind = File::LockKind;
 
 constexpr std::uint64_t kFirstOwnByte = std::uint64_t{1} << 31U;
+// More than the four that are used.
 constexpr std::uint64_t kOwnBytes = 16;
 constexpr std::uint64_t kFirstPlace = std::uint64_t{1} << 32U;
 constexpr std::uint64_t kPlaces = 256;
@@ -26,10 +35,12 @@ bool IsOwnByte(std::uint64_t offset, std::uint64_t length) {
   return offset >= kFirstOwnByte && length <= kOwnBytes && offset + length <= kFirstOwnByte + kOwnBytes;
 }
 
+/// The places of different bytes lie one after the other, beyond anything that another program locks.
 std::uint64_t PlacesOf(std::uint64_t offset) {
   return kFirstPlace + (offset - kFirstOwnByte) * kPlaces;
 }
 
+/// Any place: openers know nothing of each other, and would all try the same one first.
 std::uint64_t SomePlace() {
   thread_local std::minstd_rand random{std::random_device{}()};
   return random() % kPlaces;
@@ -54,6 +65,7 @@ OVERLAPPED At(std::uint64_t offset) {
 
 bool WindowsRangeLocks::TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) {
   if (!IsOwnByte(offset, length)) return TryLockRange(offset, length, kind);
+  // All or none: what was taken before a failure goes back to what it was.
   const std::vector<Held> before = held_;
   for (std::uint64_t i = 0; i < length; ++i) {
     if (TryLockByte(offset + i, kind)) continue;
@@ -121,6 +133,7 @@ bool WindowsRangeLocks::IsLockedByOther(std::uint64_t offset, std::uint64_t leng
   return false;
 }
 
+// From nothing, from shared or from exclusive to what is wanted. A failure leaves what was held.
 bool WindowsRangeLocks::TryLockByte(std::uint64_t offset, LockKind kind) {
   Held* held = Find(offset);
   if (held == nullptr) {
@@ -141,6 +154,8 @@ bool WindowsRangeLocks::TryLockByte(std::uint64_t offset, LockKind kind) {
   return true;
 }
 
+// False when everything is taken, by an exclusive lock, or by bad luck with nearly 256 others; the caller tries again
+// later.
 bool WindowsRangeLocks::TryShare(std::uint64_t offset) {
   for (int attempt = 0; attempt < kTries; ++attempt) {
     const std::uint64_t place = SomePlace();
@@ -151,6 +166,7 @@ bool WindowsRangeLocks::TryShare(std::uint64_t offset) {
   return false;
 }
 
+// Two calls, as one over the whole would meet the own place, which the system counts as somebody else's lock.
 bool WindowsRangeLocks::TryLockOtherPlaces(std::uint64_t offset, std::uint64_t place) {
   const std::uint64_t first = PlacesOf(offset);
   if (place > 0 && !TryNative(first, place, LockKind::Exclusive)) return false;
@@ -165,6 +181,8 @@ void WindowsRangeLocks::UnlockOtherPlaces(std::uint64_t offset, std::uint64_t pl
   if (place + 1 < kPlaces) UnlockNative(first + place + 1, kPlaces - place - 1);
 }
 
+// Bytes that other programs lock too are locked as they do it. A change of the kind gives the lock up in between, and
+// another program may come first; then the old kind is tried, and if that fails nothing is held.
 bool WindowsRangeLocks::TryLockRange(std::uint64_t offset, std::uint64_t length, LockKind kind) {
   const auto own = std::find_if(held_.begin(), held_.end(),
                                 [&](const Held& held) { return held.offset == offset && held.length == length; });
@@ -200,6 +218,7 @@ bool WindowsRangeLocks::TryNative(std::uint64_t offset, std::uint64_t length, Lo
   const DWORD flags = LOCKFILE_FAIL_IMMEDIATELY | (kind == LockKind::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
   if (::LockFileEx(file_, flags, 0, Low(length), High(length), &position) != 0) return true;
   const DWORD code = ::GetLastError();
+  // Both mean that somebody else holds it.
   if (code == ERROR_LOCK_VIOLATION || code == ERROR_IO_PENDING) return false;
   Fail("lock", code);
 }

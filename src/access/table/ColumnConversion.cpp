@@ -23,6 +23,7 @@ namespace {
 constexpr std::uint8_t kCurrencyScale = 4;
 constexpr std::uint8_t kCurrencyPrecision = 19;
 
+/// The first sentence of each of these errors is the one that programs know from Access; what follows is for people.
 [[noreturn]] void RaiseMismatch(const ColumnDefinition& column) {
   throw Error(ErrorNumber::ProviderTypeConflict, kErrorSource,
               "Data type mismatch in criteria expression. The value given does not convert to the type of the field '" +
@@ -70,6 +71,7 @@ Value ToSingleColumn(const Value& value, const ColumnDefinition& column) {
   return static_cast<float>(number);
 }
 
+// Too many digits, and 19 digits that 64 bits do not hold, are the same error.
 Value ToCurrencyColumn(const Value& value, const ColumnDefinition& column) {
   const auto number = ParseDecimal(NumberTextOf(value), kCurrencyPrecision, kCurrencyScale);
   const auto amount = number ? ToCurrency(*number) : std::nullopt;
@@ -77,6 +79,7 @@ Value ToCurrencyColumn(const Value& value, const ColumnDefinition& column) {
   return *amount;
 }
 
+// A Numeric of another scale comes this way as well: its digits are rounded at the column's scale, and counted.
 Value ToNumericColumn(const Value& value, const ColumnDefinition& column) {
   const auto number = ParseDecimal(NumberTextOf(value), column.precision, column.scale);
   if (!number) RaiseOutOfRange(column);
@@ -114,6 +117,8 @@ Value ToGuidColumn(const Value& value, const ColumnDefinition& column) {
   return guid;
 }
 
+// Whole numbers of 16 and 32 bits, dates and Booleans follow the general conversions, which round halves to even; their
+// overflow becomes the column's error below. Bytes of any kind are never made of other values.
 Value Converted(const Value& value, const ColumnDefinition& column) {
   switch (column.type) {
     case ColumnType::Boolean:
@@ -197,6 +202,8 @@ void CheckLength(const Value& value, const ColumnDefinition& column) {
 
 }  // namespace
 
+// Null goes into every column here; whether a column must have a value is asked where rows are checked. A Boolean
+// column knows no null: it becomes False.
 Value ConvertForColumn(const Value& value, const ColumnDefinition& column) {
   if (IsNull(value)) return column.type == ColumnType::Boolean ? Value{false} : Value{};
   if (HasColumnType(value, column)) {

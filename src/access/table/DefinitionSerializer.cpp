@@ -24,6 +24,7 @@ class DefinitionWriter {
     bytes_.resize(bytes_.size() + size);
     return std::span(bytes_).last(size);
   }
+  // A name has a length in bytes of two, and characters of UTF-16, never compressed.
   void Name(const std::string& name) {
     const Bytes stored = EncodePlainText(name);
     PutLittle(Record(table::kNameLengthSize), 0, static_cast<std::uint16_t>(stored.size()));
@@ -42,6 +43,7 @@ class DefinitionWriter {
 
 using Record = std::span<std::uint8_t>;
 
+// The page header's free bytes and next page are left out: they belong to the pages, which DefinitionPages.cpp knows.
 void PutHeader(Record header, const TableDefinition& definition, const DefinitionCounters& counters) {
   header[format::kPageTypeOffset] = format::page_type::kTableDefinition;
   header[format::kPageMarkOffset] = format::kPageMark;
@@ -60,6 +62,7 @@ void PutHeader(Record header, const TableDefinition& definition, const Definitio
   PutLittle(header, table::kFreeSpacePagesOffset, definition.freeSpacePages.Packed());
 }
 
+// A variable column has no fixed place; Access leaves any bytes there, here it is 0.
 void PutColumn(Record record, const ColumnDefinition& column) {
   namespace layout = format::column;
   // The sort order is the LCID [2], an unused byte and the version.
@@ -108,6 +111,7 @@ void PutRealIndex(Record record, const RealIndexDefinition& index) {
   record[layout::kFlagsOffset] = StoredFlags(index);
 }
 
+// Cascades are kept as they were read: 4 where the index is no side of a relationship.
 void PutLogicalIndex(Record record, const LogicalIndexDefinition& index) {
   namespace layout = format::logical_index;
   PutLittle(record, layout::kConstantOffset, table::kConstant);
@@ -135,6 +139,7 @@ std::vector<std::uint8_t> SerializeTableDefinition(const TableDefinition& defini
   DefinitionWriter writer;
   PutHeader(writer.Record(table::kHeaderSize), definition, counters);
   for (std::size_t i = 0; i < definition.realIndexes.size(); ++i) {
+    // An index that was added has no statistics yet; they begin at zero, as for an index that is made empty.
     const IndexStatistics statistics = i < counters.indexes.size() ? counters.indexes[i] : IndexStatistics{};
     const Record slot = writer.Record(format::index_slot::kSize);
     PutLittle(slot, format::index_slot::kEntryCountOffset, statistics.entries);

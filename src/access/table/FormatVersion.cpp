@@ -20,6 +20,7 @@ FormatVersion FormatVersionOf(Pager& pager) {
   return {true, header.U16(format::header::kCodePageOffset)};
 }
 
+// Offsets of the header count from the start of the definition, all others from the start of their record.
 const DefinitionLayout& Jet4DefinitionLayout() {
   namespace table = format::table;
   namespace index_slot = format::index_slot;
@@ -62,6 +63,7 @@ const DefinitionLayout& Jet3DefinitionLayout() {
        table::kColumnIdCounterOffset, table::kVariableCountOffset, table::kColumnCountOffset,
        table::kLogicalIndexCountOffset, table::kRealIndexCountOffset, table::kOwnedPagesOffset,
        table::kFreeSpacePagesOffset, table::kHeaderSize},
+      // The slot of Jet 3 has the two counters of Jet 4, without the unused number behind them.
       {0, sizeof(std::uint32_t), index_slot::kSize},
       {column::kTypeOffset, column::kIdOffset, column::kVariableIndexOffset, column::kOrdinalOffset,
        column::kSortOrderOffset, kNotStored, column::kPrecisionOffset, column::kScaleOffset, column::kFlagsOffset,

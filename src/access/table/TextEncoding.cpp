@@ -92,6 +92,7 @@ std::string DecodeText(Stored stored) {
   return DecodePlainText(stored);
 }
 
+// One pass for the usual case: as long as only ASCII comes, bytes are taken over, one of two.
 std::string DecodePlainText(Stored stored) {
   std::string text;
   text.reserve(stored.size() / kUnitSize);
@@ -108,6 +109,8 @@ std::string DecodePlainText(Stored stored) {
   return text;
 }
 
+// Nothing marks the plain form: a text that begins with U+FEFF has the bytes FF FE there, and is read as a compressed
+// one.
 Bytes EncodePlainText(std::string_view text) {
   Bytes bytes;
   bytes.reserve(text.size() * kUnitSize);
@@ -133,6 +136,8 @@ bool IsCompressible(std::string_view text) {
          std::ranges::all_of(units, [](char16_t unit) { return unit >= 0x01 && unit <= 0xFF; });
 }
 
+// All in one segment, or not compressed at all: a switch of mode is never written. Short texts stay plain, as the mark
+// would take what is saved.
 Bytes EncodeText(std::string_view text, bool compress) {
   if (!compress || !IsCompressible(text)) return EncodePlainText(text);
   Bytes bytes(text_layout::kCompressedMark.begin(), text_layout::kCompressedMark.end());
@@ -144,6 +149,7 @@ Bytes EncodeText(std::string_view text, bool compress) {
   return bytes;
 }
 
+// A character beyond FFFF counts twice, as Access counts it.
 std::size_t Utf16Length(std::string_view text) {
   return IsAscii(text) ? text.size() : ToUtf16(text).size();
 }

@@ -82,6 +82,7 @@ Bytes EncodeNumeric(const Decimal& number) {
   Bytes bytes(numeric::kSize);
   // Zero has no sign, so that equal numbers have equal bytes and equal keys.
   const bool isZero = number.high == 0 && number.low == 0;
+  // The value itself is not scaled here: it comes with the scale of its column.
   bytes[0] = number.negative && !isZero ? numeric::kNegative : numeric::kPositive;
   for (std::size_t i = 0; i < words.size(); ++i) {
     PutLittle(std::span(bytes), numeric::kMagnitudeOffset + i * sizeof(std::uint32_t),
@@ -103,6 +104,7 @@ Bytes EncodeTextColumn(const std::string& text, const ColumnDefinition& column) 
   return bytes;
 }
 
+/// Bytes of a fixed length are filled up with zeros; the column's length was checked before.
 Bytes EncodeBinary(Bytes bytes, const ColumnDefinition& column) {
   if (column.IsFixed()) bytes.resize(column.length);
   return bytes;
@@ -124,6 +126,8 @@ const Type& Require(const Value& value, const ColumnDefinition& column) {
 
 }  // namespace
 
+// Where the type does not decide, a fixed column has its own length, and a variable one what its offsets say. A Boolean
+// has no bytes at all.
 std::optional<std::size_t> SizeOfType(ColumnType type) {
   switch (type) {
     case ColumnType::Byte:
@@ -148,6 +152,8 @@ std::optional<std::size_t> SizeOfType(ColumnType type) {
   }
 }
 
+// What is of no known type is handed out as bytes, so that a row can be read, copied and compared without being
+// understood.
 Value DecodeValue(Stored stored, const ColumnDefinition& column, const FormatVersion& version) {
   const std::size_t size = SizeOfType(column.type).value_or(0);
   // Only for types of a fixed size. A variable one is what its offsets say, which RowView has checked.
@@ -183,6 +189,8 @@ Value DecodeValue(Stored stored, const ColumnDefinition& column, const FormatVer
   }
 }
 
+// The lists of types in both functions are alike on purpose; a type that is missing here falls under the bytes, where a
+// value of another kind is refused.
 Bytes EncodeValue(const Value& value, const ColumnDefinition& column) {
   switch (column.type) {
     case ColumnType::Byte:
