@@ -14,6 +14,7 @@ namespace {
   throw Error(number, kErrorSource, description);
 }
 
+/// Names stand between single quotes, as in messages of Access.
 std::string Quoted(std::string_view name) {
   return "'" + std::string(name) + "'";
 }
@@ -38,6 +39,7 @@ void RaiseNullKey(const std::string& table, const std::string& index) {
                                             ", index " + Quoted(index) + ".)");
 }
 
+// Found before the tree is asked to take the key, so that nothing has been changed.
 void RaiseLongKey(const std::string& table, const std::string& index) {
   Raise(ErrorNumber::ProviderFailure, "The values are too long for the index " + Quoted(index) + " of the table " +
                                           Quoted(table) + ". Shorten them, or delete the index.");
@@ -112,6 +114,7 @@ void RaiseNoIndex(std::string_view table, std::string_view index) {
         "No such index " + Quoted(index) + " on table " + Quoted(table) + ". Check the spelling of the name.");
 }
 
+// `what` is a table or an index: either holds a relationship.
 void RaiseInRelationship(std::string_view what, std::string_view relationship) {
   Raise(ErrorNumber::ProviderFailure,
         "Cannot delete this index or table. It is either the current index or is used in a relationship. (" +

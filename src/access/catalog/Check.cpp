@@ -42,6 +42,7 @@ CheckResult CheckFile(Database& database, CheckKind kind, const CheckProgress& p
     report.Result().pages = database.GetPager().PageCount();
     PageOwners owners(database.GetPager(), report);
     CheckTables(database, owners, report);
+    // Pages of maps are shared by tables, so this is about the file.
     report.Begin(CheckPart::File, "");
     owners.CheckMapPages();
     if (report.IsStrict()) owners.ReportLeaks();

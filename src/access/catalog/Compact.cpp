@@ -1,3 +1,17 @@
+// A file compacted in its place. The new one is made and checked beside the old one, the old one copied, then the new
+// one renamed over it; so the name is never without a whole file. What lies where after each step, and what the next
+// call makes of a run that was stopped there:
+//
+//                       NAME   NAME.compact   NAME.compact-old   the next call
+//   nothing             old    -              -                  begins
+//   new file written    old    new            -                  removes it and begins
+//   old file copied     old    new            copy               removes both, the copy first, and begins
+//   renamed             new    -              copy               gives the copy its name as the backup: done
+//   copy named          new    -              -                  finds that nothing has changed: done
+//
+// A copy without a new file beside it therefore always is the backup of a file that has been replaced. The file is open
+// for this user alone until it is replaced, which also brings in what a log beside it holds. It is read several times,
+// and the new one is held in memory as a whole.
 #include "access/catalog/Compact.h"
 
 #include <algorithm>
@@ -28,6 +42,8 @@ class Compacting {
         source_(Open(path_, true)) {}
 
   CompactResult Run() {
+    // Somebody may have gone on with the new file since: then there is work to be done again, but the copy is a backup
+    // all the same.
     if (HasUnnamedBackup()) {
       if (!IsWrittenSinceTheBackup()) return FinishFormerRun();
       NameBackup();
@@ -36,6 +52,7 @@ class Compacting {
     try {
       CheckSource();
       WriteNewFile();
+      // Compacting a compacted file gives the same bytes, so calling it twice does no more than once.
       if (const auto former = FindFormerRun()) {
         RemoveLeftovers();
         return *former;
@@ -76,6 +93,7 @@ class Compacting {
     }
   }
 
+  // Damage that a rebuild mends (indexes, counters) may be there; what would be lost in one makes it refuse.
   void CheckSource() {
     const CheckResult result = CheckFile(source_, CheckKind::Ordinary, progress_);
     hadBrokenRelationships_ =
@@ -89,10 +107,13 @@ class Compacting {
   }
 
   void WriteNewFile() {
+    // With the permissions of the old file from the beginning, before anything is in it.
     const std::vector<Page> pages = RebuildPages(source_);
     Pager::Create(*fileSystem_, newPath_, pages, path_);
   }
 
+  // Read from the disk, not from memory. Strict, since nothing that was just made may have leftovers of any kind; and
+  // then row by row against the old file.
   void CheckNewFile() {
     Database made(Open(newPath_, false));
     const CheckResult result = CheckFile(made, CheckKind::Strict, progress_);
@@ -141,6 +162,8 @@ class Compacting {
     return fileSystem_->Exists(copyPath_) && !fileSystem_->Exists(newPath_);
   }
 
+  // The copy is made after the new file was written, and renaming keeps a file's time: so the file is the later one of
+  // the two only when somebody has changed it.
   [[nodiscard]] bool IsWrittenSinceTheBackup() {
     const auto stamp = [&](const std::string& path) {
       return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->ModificationStamp();
@@ -150,6 +173,7 @@ class Compacting {
 
   /// What a run gave that has left the file as it is now: compacting it once more would change nothing, and keep a
   /// second backup of it.
+  // The last backup tells how large the file was before.
   [[nodiscard]] std::optional<CompactResult> FindFormerRun() {
     CompactResult former;
     for (unsigned number = 1; fileSystem_->Exists(BackupName(number)); ++number) former.backup = BackupName(number);
@@ -167,6 +191,7 @@ class Compacting {
     if (two->Size() != size) return false;
     std::vector<std::uint8_t> oneChunk;
     std::vector<std::uint8_t> twoChunk;
+    // A megabyte of each at a time: files may be larger than memory has room for twice.
     for (std::uint64_t done = 0; done < size; done += oneChunk.size()) {
       oneChunk.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kCopyChunk, size - done)));
       twoChunk.resize(oneChunk.size());
@@ -189,6 +214,7 @@ class Compacting {
     return result_;
   }
 
+  // The number goes before the ending, so that programs still know the kind of the file.
   [[nodiscard]] std::string BackupName(unsigned number) const {
     const std::size_t nameStart = path_.find_last_of("/\\") + 1;  // 0 when there is no folder
     const std::size_t dot = path_.find_last_of('.');

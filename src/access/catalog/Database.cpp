@@ -9,6 +9,7 @@
 
 namespace tavi::access {
 
+// Hides the catalogue from the rooms above, which know tables alone.
 class Database::Implementation {
  public:
   explicit Implementation(std::unique_ptr<Pager> opened) : pager(std::move(opened)), catalog(*pager) {}

@@ -58,6 +58,7 @@ class IndexCheck {
     std::vector<IndexEntry> stored;
     for (auto cursor = table_.Tree(index_).SeekFirst(std::nullopt); cursor->Current() != nullptr; cursor->Next())
       stored.push_back(*cursor->Current());
+    // Without keys nothing can be said of single entries; the tree has been looked at.
     const KeyEncoder* encoder = FindEncoder();
     if (encoder == nullptr) {
       report_.Remark("The " + where_ +
@@ -70,6 +71,7 @@ class IndexCheck {
     if (!std::ranges::is_sorted(stored)) report_.Add("The entries of " + where_ + " are not in order.");
     std::ranges::sort(sorted);
     std::ranges::sort(expected);
+    // All rows are there, each once, so uniqueness is left to the program whose order it is.
     if (const std::size_t differing = CountOtherKeys(sorted, expected); differing > 0) {
       report_.Remark("The " + where_ + " holds " + std::to_string(differing) + " of its " +
                      std::to_string(stored.size()) +
@@ -95,6 +97,7 @@ class IndexCheck {
     std::vector<bool> wanted(table_.Columns().size());
     for (const std::size_t column : made_.columns) wanted[column] = true;
     std::vector<IndexEntry> entries;
+    // Moved rows come up where their link stands, which is the place that entries name.
     for (auto row = table_.Next(std::nullopt); row.has_value(); row = table_.Next(row)) {
       const RowValues values = table_.Read(*row, wanted);
       if ((made_.primaryKey || made_.definition.required) && encoder.AnyNull(values))

@@ -17,6 +17,7 @@ std::vector<Page> MemoryPager::Pages() const {
   return pages;
 }
 
+// A writer that fails here has spoilt the file that is being made, which is thrown away.
 void MemoryPager::Rollback() {
   RaiseFailure("A file that is being made cannot be rolled back.");
 }

@@ -13,6 +13,7 @@ namespace tavi::access {
 
 void CheckName(std::string_view name, std::string_view what) {
   const std::u32string points = ToCodePoints(name);
+  // These have a meaning of their own where names are written in statements.
   const bool badCharacter = std::ranges::any_of(points, [](char32_t c) {
     return c < U' ' || c == 0x7F || std::u32string_view(U".!`[]").find(c) != std::u32string_view::npos;
   });

@@ -30,6 +30,7 @@ constexpr std::size_t kMaximumDataSize = 64000;
 /// Reads a blob from front to back; each read is checked.
 class Reader {
  public:
+  // `base` is where these bytes begin in the blob, for messages that say at which byte of the whole.
   Reader(std::span<const std::uint8_t> bytes, std::size_t base) : bytes_(bytes), base_(base) {}
 
   [[nodiscard]] bool AtEnd() const { return place_ == bytes_.size(); }
@@ -87,6 +88,7 @@ void AppendName(Bytes& out, std::string_view name) {
   out.insert(out.end(), encoded.begin(), encoded.end());
 }
 
+/// The length counts itself and the kind as well.
 void AppendChunk(Bytes& out, std::uint16_t kind, const Bytes& body) {
   AppendU32(out, property_layout::kChunkHeaderSize + body.size());
   AppendU16(out, kind);
@@ -99,6 +101,7 @@ std::string ReadName(Reader& reader, bool wide, const char* what) {
 }
 
 /// A value: u16 length, u8 ddl flag, u8 type, u16 name number, u16 data length, data.
+/// The data's own length counts, not that of the type: Access stores some 16-bit types in four bytes.
 Property ReadProperty(Reader& chunk, const std::vector<std::string>& names) {
   const std::size_t length = chunk.U16("length of a value");
   if (length < property_layout::kValueDataOffset) chunk.Fail("value", "has only " + std::to_string(length) + " bytes");
@@ -248,6 +251,7 @@ void PropertyBlob::Set(std::string_view column, Property property) {
   group->properties.push_back(std::move(property));
 }
 
+// A column without properties has no chunk.
 void PropertyBlob::RemoveColumn(std::string_view column) {
   std::erase_if(groups_, [&](const Group& group) {
     return group.kind == property_layout::kChunkColumn && EqualIgnoringCase(group.name, column);

@@ -99,6 +99,7 @@ void CheckForeignRows(Table& table, std::size_t index, Table& primary, std::size
   }
 }
 
+/// One side of a relationship, seen from the table that it is listed in.
 void CheckSide(Database& database, Table& table, const LogicalIndexDefinition& logical, const std::string& where,
                CheckReport& report) {
   const std::shared_ptr<Table> other = TableOfPage(database, logical.partnerTable);
@@ -119,6 +120,7 @@ void CheckSide(Database& database, Table& table, const LogicalIndexDefinition& l
 
 }  // namespace
 
+// By what the definitions say, not the rows of MSysRelationships: the definitions are what changes of rows obey.
 void CheckRelationships(Database& database, Table& table, CheckReport& report) {
   for (const LogicalIndexDefinition& logical : table.Definition().logicalIndexes) {
     if (logical.kind != Kind::Relationship) continue;

@@ -21,6 +21,7 @@ auto BitsOf(Number number) {
 /// A sum of values that tells nearly all that differ apart.
 class ValueHash {
  public:
+  // The kind goes in as well: an empty text and no bytes are different values.
   void Add(const Value& value) {
     AddNumber(value.index());
     std::visit([this](const auto& content) { AddContent(content); }, value);
@@ -64,6 +65,8 @@ class ValueHash {
   std::uint64_t sum_ = 0xCBF29CE484222325U;
 };
 
+/// By bits, as a copy must be exact: comparing numbers would take 0 and -0 for the same and differ from itself where a
+/// value is no number.
 bool SameValue(const Value& left, const Value& right) {
   // Values are compared by their kind first: a Long 1 is not a Double 1.
   if (left.index() != right.index()) return false;
@@ -91,6 +94,7 @@ std::vector<SummedRow> SortedRows(Table& table) {
   return rows;
 }
 
+/// Lengths, numbers and places of columns may differ: a table that was laid out anew has others.
 bool SameColumns(const Table& left, const Table& right) {
   return std::ranges::equal(left.Columns(), right.Columns(), [](const Column& one, const Column& other) {
     return one.definition.name == other.definition.name && one.definition.type == other.definition.type;

@@ -45,6 +45,7 @@ void AccessRecordset::MovePrevious() {
   AsProvider([&] { Rows().MovePrevious(); });
 }
 
+// Values of the row as it is now, with what was set and not stored yet.
 Value AccessRecordset::Get(std::string_view fieldName) const {
   return AsProvider([&] {
     sql::ResultSet& rows = Rows();

@@ -116,6 +116,7 @@ int CompareValues(const Value& left, const Value& right) {
   RaiseTypeConflict();
 }
 
+// Never raises, as a sort may meet what a union has mixed.
 int OrderValues(const Value& left, const Value& right) {
   const ValueFamily family = FamilyOf(left);
   const ValueFamily other = FamilyOf(right);

@@ -106,6 +106,7 @@ Value Val(Arguments arguments, const Scope&) {
     std::from_chars(text.data() + 2, text.data() + text.size(), number, isHexadecimal ? 16 : 8);
     return static_cast<double>(static_cast<std::int32_t>(number));
   }
+  // The library reads no plus sign.
   if (text.starts_with('+')) text.erase(0, 1);
   // The library would read "inf" and "nan" as numbers; here only what begins with a digit or a point, behind a sign, is
   // one.
@@ -141,6 +142,7 @@ Value Format(Arguments arguments, const Scope&) {
   return FormatText(arguments[0], arguments.size() > 1 ? TextOf(arguments[1]) : std::string());
 }
 
+// Least and most arguments, then what a Null among them means.
 constexpr auto kRefuse = Function::Nulls::Refuse;
 constexpr Function kConversionFunctions[] = {
     {"CSTR", 1, 1, kRefuse, CStr},   {"CINT", 1, 1, kRefuse, CInt},        {"CLNG", 1, 1, kRefuse, CLng},

@@ -21,6 +21,7 @@ std::int32_t SecondOf(const Value& value) {
   return DateOf(value).SecondOfDay();
 }
 
+/// By the clock that was handed to the session.
 Value Today(Arguments, const Scope& scope) {
   return scope.Now().DayOnly();
 }
@@ -126,6 +127,7 @@ Value DatePart(Arguments arguments, const Scope&) {
                     FirstWeekOf(arguments, 3));
 }
 
+// Least and most arguments, then what a Null among them means. Weeks may be told how they begin by the last two.
 constexpr Function kDateFunctions[] = {
     {"DATE", 0, 0, kPropagate, Today},
     {"TIME", 0, 0, kPropagate, TimeNow},

@@ -195,6 +195,7 @@ Value EvaluateUnary(const Expression& expression, const Scope& scope) {
   return expression.op == Operator::Negate ? Negated(value) : value;
 }
 
+/// Conditions go the other way round: their truth is found out and then made a value.
 Value EvaluateBinary(const Expression& expression, const Scope& scope) {
   if (IsLogical(expression.op) || IsComparison(expression.op)) return ValueOf(EvaluateTruth(expression, scope));
   return Calculate(expression.op, Operand(*expression.arguments[0], scope).Get(),
@@ -254,6 +255,7 @@ Value Evaluate(const Expression& expression, const Scope& scope) {
   }
 }
 
+// For rows to be chosen not known is as good as false.
 bool IsTrue(const Expression& expression, const Scope& scope) {
   return EvaluateTruth(expression, scope) == Truth::True;
 }

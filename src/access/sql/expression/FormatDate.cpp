@@ -82,6 +82,7 @@ class DateFormatter {
   }
 
  private:
+  // The halves are written as in the marker, "am/pm" in small letters; AMPM, which has no stroke, gives capitals.
   [[nodiscard]] std::string HalfOfDay(std::string_view marker) const {
     constexpr int kNoon = 12 * 3600;
     const std::size_t slash = marker.find('/');
@@ -103,6 +104,7 @@ class DateFormatter {
       case 'q':
         return std::to_string((civil_.month - 1) / 3 + 1);
       case 'y':
+        // y alone is the day of the year.
         if (length == 1)
           return std::to_string(PartOfDate(Interval::DayOfYear, date_, kSunday, FirstWeek::WithFirstOfJanuary));
         return length == 2 ? Padded(civil_.year % 100, 2) : Padded(civil_.year, 4);
@@ -154,6 +156,7 @@ std::string FormatDate(Date date, std::string_view pattern) {
   return DateFormatter(date, pattern).Run();
 }
 
+// The same pieces as for writing: what is quoted makes no pattern of dates.
 bool IsDatePattern(std::string_view pattern) {
   for (std::size_t place = 0; place < pattern.size();) {
     const DatePiece piece = PieceAt(pattern, place);

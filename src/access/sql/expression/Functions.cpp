@@ -20,6 +20,7 @@ std::vector<const Function*> AllByName() {
   return all;
 }
 
+/// Names of functions are ASCII; anything else is found nowhere.
 std::string UpperAscii(std::string_view name) {
   std::string upper(name);
   for (char& character : upper) {
@@ -32,6 +33,7 @@ std::string UpperAscii(std::string_view name) {
 
 const Function* FindFunction(std::string_view name) {
   static const std::vector<const Function*> kFunctions = AllByName();
+  // The same function: the sign tells Access that a text is wanted and not a variant.
   if (name.ends_with('$')) name.remove_suffix(1);
   const std::string upper = UpperAscii(name);
   const auto found =

@@ -60,6 +60,7 @@ bool LikePattern::Accepts(const Piece& piece, char32_t character) {
     case Piece::Kind::Digit:
       return character >= U'0' && character <= U'9';
     case Piece::Kind::Set: {
+      // A set is tried with the character in both cases; [!...] holds what neither is in.
       const auto holds = [&](char32_t one) {
         return std::any_of(piece.ranges.begin(), piece.ranges.end(),
                            [one](const auto& range) { return range.first <= one && one <= range.second; });

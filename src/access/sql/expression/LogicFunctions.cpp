@@ -61,6 +61,7 @@ Value IsNumeric(Arguments arguments, const Scope&) {
          !std::holds_alternative<Guid>(value);
 }
 
+// A Null is what these functions are asked about, so they get it.
 constexpr auto kPass = Function::Nulls::Pass;
 constexpr Function kLogicFunctions[] = {
     {"IIF", 3, 3, kPass, nullptr, IIf},

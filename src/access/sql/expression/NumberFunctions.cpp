@@ -58,6 +58,7 @@ Value Fix(Arguments arguments, const Scope&) {
 }
 
 /// Rounds to the nearest, ties to the even digit.
+/// More decimals than 22 mean nothing to a double, and are refused.
 Value Round(Arguments arguments, const Scope&) {
   constexpr std::int32_t kMostDecimals = 22;
   const Value& value = arguments[0];
@@ -135,6 +136,7 @@ Value GenGuid(Arguments, const Scope&) {
   return guid;
 }
 
+// Least and most arguments, then what a Null among them means.
 constexpr Function kNumberFunctions[] = {
     {"ABS", 1, 1, kPropagate, Abs},         {"SGN", 1, 1, kPropagate, Sgn},
     {"INT", 1, 1, kPropagate, Int},         {"FIX", 1, 1, kPropagate, Fix},

@@ -135,6 +135,7 @@ Value Replace(Arguments arguments, const Scope&) {
   // Optional arguments are told by how many there are, as none can be left out in the middle.
   const std::size_t start = arguments.size() > 3 ? PlaceOf(arguments[3]) : 0;
   const std::int32_t most = arguments.size() > 4 ? LongOf(arguments[4]) : -1;
+  // -1 stands for all of them.
   if (most < -1) RaiseInvalidCall("the number of replacements is negative");
   const bool binary = IsBinary(arguments, 5);
   const std::u32string whole = Characters(arguments[0]);
@@ -207,6 +208,7 @@ Value StrReverse(Arguments arguments, const Scope&) {
 Value Asc(Arguments arguments, const Scope&) {
   return std::int32_t{ByteOfCharacter(FirstCharacter(arguments[0]), kWesternCodePage).value_or('?')};
 }
+/// The number of the code point, whichever alphabet it is of.
 Value AscW(Arguments arguments, const Scope&) {
   return static_cast<std::int32_t>(FirstCharacter(arguments[0]));
 }
@@ -247,6 +249,7 @@ Value StrConv(Arguments arguments, const Scope&) {
   }
 }
 
+// Least and most arguments, then what a Null among them means: here it always makes the result Null.
 constexpr Function kTextFunctions[] = {
     {"LEN", 1, 1, kPropagate, Len},           {"LEFT", 2, 2, kPropagate, Left},
     {"RIGHT", 2, 2, kPropagate, Right},       {"MID", 2, 3, kPropagate, Mid},

@@ -47,6 +47,7 @@ Insert ReadInsert(TokenStream& stream) {
   stream.ExpectWord("INTO");
   insert.position = stream.Peek().position;
   insert.table = stream.ExpectName("a table name");
+  // Names of columns, or none: what follows tells values from a select.
   if (stream.TakeSymbol("(")) {
     do insert.columns.push_back(stream.ExpectAnyName("a column name"));
     while (stream.TakeSymbol(","));
@@ -69,6 +70,7 @@ Update ReadUpdate(TokenStream& stream) {
   stream.ExpectWord("SET");
   do {
     Assignment assignment;
+    // The column may be named with its table, which a join of several needs.
     assignment.column = ReadColumn(stream);
     stream.ExpectSymbol("=");
     assignment.value = ReadExpression(stream);

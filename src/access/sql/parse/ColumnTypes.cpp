@@ -119,6 +119,8 @@ void ReadSeed(TokenStream& stream) {
 
 }  // namespace
 
+// Raises at the word or number that does not fit. Types without sizes leave a bracket behind them to whoever reads on,
+// who refuses it.
 void ReadColumnType(TokenStream& stream, ColumnDesign& column) {
   const TypeWord& word = ReadTypeWord(stream);
   column.type = word.type;

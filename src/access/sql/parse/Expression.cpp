@@ -30,6 +30,7 @@ void AddOperands(const Expression& expression, Operator chain, std::vector<const
 
 }  // namespace
 
+// With depth 1: whoever adds arguments deepens it.
 ExpressionPointer MakeExpression(ExpressionKind kind, std::size_t position) {
   auto expression = std::make_unique<Expression>();
   expression->kind = kind;

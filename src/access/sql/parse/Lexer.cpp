@@ -148,6 +148,7 @@ class Lexer {
       ++place_;
       while (IsDigit(At())) ++place_;
     }
+    // An exponent may have a sign of its own.
     const std::size_t sign = At(1) == '+' || At(1) == '-' ? 1 : 0;
     if ((At() == 'e' || At() == 'E') && IsDigit(At(1 + sign))) {
       whole = false;
@@ -237,6 +238,7 @@ class Lexer {
   std::vector<Token> tokens_;
 };
 
+// Enough to find the place by, and little enough for one line of a message.
 constexpr std::size_t kCharactersAround = 24;
 
 /// The statement's characters around a place, on one line, with marks where some are left out.
@@ -253,6 +255,7 @@ std::string TextAround(std::u32string_view before, std::u32string_view after) {
 
 }  // namespace
 
+// Compared for every keyword that a rule tries, so the length is looked at first.
 bool Token::IsWord(std::string_view keyword) const {
   if (kind != TokenKind::Name || text.size() != keyword.size()) return false;
   for (std::size_t i = 0; i < keyword.size(); ++i) {

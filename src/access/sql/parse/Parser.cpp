@@ -44,6 +44,7 @@ Statement Parse(std::string_view text, FunctionFinder findFunction) {
 ExpressionPointer ParseExpression(std::string_view text, FunctionFinder findFunction) {
   TokenStream stream(text, findFunction);
   stream.EnterPart("expression");
+  // Defaults may be stored with the sign before them.
   stream.TakeSymbol("=");
   ExpressionPointer expression = ReadExpression(stream);
   if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the expression");
