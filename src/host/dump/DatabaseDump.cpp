@@ -7,6 +7,11 @@
 #include "host/dump/JsonTree.h"
 #include "platform/values/Digits.h"
 
+// A dump is for comparing, by eye or by other programs, so everything in it has one order: tables, links, indexes and
+// relationships by name, columns by their permanent number, rows by their bytes as text. Nothing in it depends on where
+// a row lies, in which order things were made, or what was deleted in between.
+//
+// A table's rows are all in memory while it is written, since they are sorted.
 namespace tavi::host {
 
 namespace {
@@ -18,6 +23,7 @@ constexpr std::size_t kLongestFileName = 255;  // bytes that file systems take
 constexpr char kCutMark = '~';                 // stands in no name that is written whole
 constexpr std::size_t kCutDigestSize = 8;      // bytes of the digest that tells cut names apart
 
+/// A word of the form for each type; programs compare it.
 const char* TypeName(access::ColumnType type) {
   switch (type) {
     case access::ColumnType::Boolean:
@@ -54,6 +60,7 @@ const char* TypeName(access::ColumnType type) {
 }
 
 /// Positions of the columns in the order of their permanent numbers.
+/// A column keeps its number when others are removed or shown elsewhere; its place in the definition is an accident.
 std::vector<std::size_t> ColumnOrder(const access::Table& table) {
   std::vector<std::size_t> positions(table.Columns().size());
   for (std::size_t i = 0; i < positions.size(); ++i) positions[i] = i;
@@ -67,8 +74,10 @@ JsonTree ColumnTree(const access::Column& column, bool isJet3) {
   tree.Set("name", JsonTree::Text(definition.name));
   tree.Set("type", JsonTree::Text(TypeName(definition.type)));
   tree.Set("number", JsonTree::Number(definition.id));
+  // Lengths are stored in bytes. From Jet 4 on a character takes two of them, and people know lengths in characters.
   const bool isWideText = definition.type == access::ColumnType::Text && !isJet3;
   const std::size_t length = isWideText ? definition.length / 2U : definition.length;
+  // A long value has no length of its own; what the definition holds there means nothing.
   tree.Set("length", JsonTree::Number(definition.IsLongValue() ? 0 : length));
   if (definition.type == access::ColumnType::Numeric) {
     tree.Set("precision", JsonTree::Number(definition.precision));
@@ -83,6 +92,7 @@ JsonTree ColumnTree(const access::Column& column, bool isJet3) {
 JsonTree IndexTree(const access::Table& table, const access::LogicalIndexDefinition& logical) {
   access::RealIndexDefinition real;
   const auto& indexes = table.Definition().realIndexes;
+  // In a damaged file it may name none; the index is shown without columns then.
   if (logical.realIndex < indexes.size()) real = indexes[logical.realIndex];
   JsonTree columns = JsonTree::Array();
   for (const access::IndexColumn& column : real.columns) {
@@ -100,6 +110,7 @@ JsonTree IndexTree(const access::Table& table, const access::LogicalIndexDefinit
   return tree;
 }
 
+/// Byte by byte, so that a name becomes the same on every system, whatever its file system takes for a letter.
 std::string Escaped(std::string_view text) {
   constexpr std::string_view kKept = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789 ._-()";
   std::string escaped;
@@ -120,11 +131,14 @@ std::string CutMark(const std::string& table) {
   return kCutMark + HexadecimalText(std::span(digest).first(kCutDigestSize));
 }
 
+/// The name of a table's file. A name that is cut has a digest of the whole name behind the mark, so that two long
+/// names with one beginning stay two files.
 std::string FileName(const std::string& table) {
   std::string name = Escaped(table) + kTextFileEnding;
   if (name.size() <= kLongestFileName) return name;
   const std::string end = CutMark(table) + kTextFileEnding;
   std::size_t kept = table.size();
+  // From the end, byte by byte; an escape is never cut, since whole bytes are dropped before it is made.
   while (Escaped(table.substr(0, kept)).size() + end.size() > kLongestFileName) --kept;
   return Escaped(table.substr(0, kept)) + end;
 }
@@ -133,6 +147,7 @@ JsonTree TableTree(const access::Table& table, std::size_t rows, bool isJet3) {
   JsonTree columns = JsonTree::Array();
   for (const std::size_t i : ColumnOrder(table)) columns.Add(ColumnTree(table.Columns()[i], isJet3));
   std::vector<access::LogicalIndexDefinition> sorted = table.Definition().logicalIndexes;
+  // The name of an index is its own within a table; where a damaged file repeats one, the file's order stays.
   std::ranges::stable_sort(sorted, {}, &access::LogicalIndexDefinition::name);
   JsonTree indexes = JsonTree::Array();
   for (const access::LogicalIndexDefinition& logical : sorted) indexes.Add(IndexTree(table, logical));
@@ -156,6 +171,8 @@ JsonTree RelationshipTree(const access::Relationship& relationship) {
   return tree;
 }
 
+/// Raises ProviderFailure at the first row that cannot be read: a dump that left rows out would compare as another
+/// file.
 std::vector<std::string> LinesOf(access::Table& table) {
   const std::vector<std::size_t> order = ColumnOrder(table);
   std::vector<std::string> lines;
@@ -224,6 +241,7 @@ void DumpDatabase(access::Database& database,
     const std::shared_ptr<access::Table> table = database.OpenTable(name);
     const std::vector<std::string> lines = LinesOf(*table);
     tables.Add(TableTree(*table, lines.size(), isJet3));
+    // Table by table, so that only one is in memory; the schema comes last, as it has the number of rows of each.
     write(FileName(name), JoinLines(Header(*table), lines));
   }
   JsonTree relationships = JsonTree::Array();

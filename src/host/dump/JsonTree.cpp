@@ -4,12 +4,19 @@
 
 #include "platform/values/Text.h"
 
+// JSON for a text that people compare: what is short stands on one line, what is longer is broken into a line for each
+// member, and so on inwards. The layout depends on the contents alone, so that two dumps of one file have the same
+// lines.
+//
+// Whether something is short is found out by writing it flat first; that makes a cost of length times depth, and a
+// schema is a few levels deep.
 namespace tavi::host {
 
 namespace {
 
 constexpr std::size_t kLongestLine = 200;  // in UTF-16 units, the indentation left out
 
+/// What JSON demands, and a surrogate without its partner, which UTF-8 has no form for.
 std::string Escaped(char32_t character) {
   constexpr std::string_view kDigits = "0123456789abcdef";
   switch (character) {
@@ -39,6 +46,8 @@ std::string JsonString(std::string_view text) {
   return quoted + "\"";
 }
 
+/// In UTF-16 units, in which many languages count the length of a text, so that other writers of this form break lines
+/// at the same places.
 std::size_t LengthOf(const std::string& text) {
   std::size_t length = 0;
   for (const char32_t character : ToCodePoints(text)) length += character > 0xFFFF ? 2 : 1;
@@ -67,6 +76,7 @@ JsonTree& JsonTree::Add(JsonTree value) {
   return *this;
 }
 
+/// All on one line, with a blank behind each comma.
 std::string JsonTree::Flat() const {
   if (kind_ == Kind::Scalar) return scalar_;
   std::string text;

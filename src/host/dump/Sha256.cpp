@@ -4,6 +4,9 @@
 
 #include "host/dump/DatabaseDump.h"
 
+// The digest in the plain form of its standard: the bytes in blocks of 64, each spread to 64 words (Schedule) and mixed
+// into the state in 64 rounds (AddBlock). The last block has a one bit behind the bytes, zeros, and the length in bits;
+// where these do not fit, one more block follows.
 namespace tavi::host {
 
 namespace {
@@ -30,6 +33,7 @@ constexpr std::array<std::uint32_t, kRounds> kConstants = {
     0x19A4C116, 0x1E376C08, 0x2748774C, 0x34B0BCB5, 0x391C0CB3, 0x4ED8AA4A, 0x5B9CCA4F, 0x682E6FF3,
     0x748F82EE, 0x78A5636F, 0x84C87814, 0x8CC70208, 0x90BEFFFA, 0xA4506CEB, 0xBEF9A3F7, 0xC67178F2};
 
+/// The block's own 16 words, high byte first, and 48 more that are made of the earlier ones.
 std::array<std::uint32_t, kRounds> Schedule(std::span<const std::uint8_t> block) {
   std::array<std::uint32_t, kRounds> words{};
   for (std::size_t i = 0; i < kBlockSize; ++i) words[i / 4] = (words[i / 4] << 8U) | block[i];
@@ -73,6 +77,7 @@ std::array<std::uint8_t, 32> Sha256(std::span<const std::uint8_t> bytes) {
 
   std::vector<std::uint8_t> tail(rest.begin(), rest.end());
   tail.push_back(kEndMark);
+  // The end mark is counted already.
   const bool fits = tail.size() + kLengthSize <= kBlockSize;
   tail.resize((fits ? kBlockSize : 2 * kBlockSize) - kLengthSize);
   const std::uint64_t bits = std::uint64_t{bytes.size()} * 8;

@@ -8,10 +8,15 @@
 #include "platform/values/Digits.h"
 #include "platform/values/Text.h"
 
+// Values as other readers of Access files can write them, too, so that dumps of one file by several programs are
+// compared by line. Where programs differ by habit the form is fixed here: no locale, no negative zero, the fewest
+// digits of a floating-point number, seconds rounded, line breaks as escapes so that a row is one line.
 namespace tavi::host {
 
 namespace {
 
+// In bytes: a picture of a megabyte would make lines that nothing can compare. Its digest tells as well whether it is
+// the same.
 constexpr std::size_t kLongestHexadecimal = 256;
 
 std::string Hexadecimal(std::span<const std::uint8_t> bytes) {
@@ -22,11 +27,13 @@ std::string BytesText(const Bytes& bytes) {
   return bytes.size() > kLongestHexadecimal ? "sha256:" + Hexadecimal(Sha256(bytes)) : Hexadecimal(bytes);
 }
 
+/// "1.5e-7": no plus sign, no leading zeros.
 std::string ExponentText(const DecimalDigits& number) {
   const std::string rest = number.digits.substr(1);
   return number.digits.substr(0, 1) + (rest.empty() ? "" : "." + rest) + "e" + std::to_string(number.exponent);
 }
 
+/// Of a single's own digits and not those of the double nearest to it: 0.1, not 0.10000000149011612.
 template <typename Float>
 std::string FloatText(Float number) {
   if (std::isnan(number)) return "nan";
@@ -38,6 +45,9 @@ std::string FloatText(Float number) {
   return (number < 0 ? "-" : "") + (isPlain ? PlainText(digits) : ExponentText(digits));
 }
 
+/// Rounded to the nearest second, also across midnight: 23:59:59.7 is 00:00:00 of the next day. (Date itself stays on
+/// its day.) The whole part of a negative date counts backwards, but its fraction forwards, so that the next day is one
+/// more in either case.
 std::string DateText(Date date) {
   const double day = std::trunc(date.days);
   const double seconds = std::floor((std::abs(date.days) - std::abs(day)) * kSecondsOfDay + 0.5);
@@ -56,6 +66,7 @@ bool IsSurrogate(char32_t codePoint) {
   return codePoint >= 0xD800 && codePoint <= 0xDFFF;
 }
 
+/// A surrogate without its partner, as texts of damaged or old files hold one.
 std::string SurrogateText(char32_t codePoint) {
   const std::array<std::uint8_t, 2> bytes = {static_cast<std::uint8_t>(codePoint >> 8U),
                                              static_cast<std::uint8_t>(codePoint & 0xFFU)};

@@ -22,6 +22,7 @@ void RefuseImport(const std::string& fileName, std::size_t line, const std::stri
   throw Error(ErrorNumber::InvalidArgument, "tavi", PlaceInFile(fileName, line) + ": " + reason);
 }
 
+// Asked of the file and not of the layout, since an older file may have shorter columns.
 ColumnWidths::ColumnWidths(cDatabase& store, const std::string& table) {
   const std::unique_ptr<ado::Recordset> columns = store.OpenSchema(ado::SchemaKind::Columns);
   for (; !columns->AtEnd(); columns->MoveNext()) {
@@ -33,7 +34,9 @@ ColumnWidths::ColumnWidths(cDatabase& store, const std::string& table) {
 
 void ColumnWidths::Require(const std::string& where, const std::string& column, const std::string& text) const {
   const auto width = widths_.find(LowerCase(column));
+  // A column without a limit, such as a memo.
   if (width == widths_.end() || width->second <= 0) return;
+  // What counts is the text as it is stored, in which some characters take more than one.
   const std::string stored = cDatabase::StoredText(text);
   if (TextLength(stored) <= static_cast<std::size_t>(width->second)) return;
   throw Error(ErrorNumber::InvalidArgument, "tavi",

@@ -7,6 +7,9 @@
 #include "platform/values/Date.h"
 #include "platform/values/Text.h"
 
+// The fields of a member that files know. A value has one way of writing in plans, whether it comes from a file or from
+// the club, so that comparing texts tells what changes: M and F, ISO dates, y and n, texts trimmed. What a club's file
+// may hold besides, such as a sex of 3 or the zero date, is written as empty.
 namespace tavi::host {
 namespace {
 
@@ -25,6 +28,7 @@ std::int32_t SexNumber(const std::string& text) {
 
 }  // namespace
 
+// `town` is missing: it is no column but the last line of the address (ChangedAddress).
 const std::vector<MemberField>& MemberFields() {
   static const std::vector<MemberField> fields = {{"ebu_number", "EBUNumber"},
                                                   {"title", "Title"},
@@ -55,6 +59,7 @@ std::string StoredValue(const ado::Recordset& row, const MemberField& field) {
       return SexText(cDatabase::GetNumericField(row, field.column));
     case Kind::Day: {
       const Date day = cDatabase::GetDateField(row, field.column, Date{});
+      // The zero date, 30 December 1899, stands for none.
       return day.DayNumber() == 0 ? "" : day.DayOnly().Iso();
     }
     case Kind::YesNo:
@@ -62,6 +67,7 @@ std::string StoredValue(const ado::Recordset& row, const MemberField& field) {
     case Kind::Text:
       break;
   }
+  // As it was given once: what escaping has added is taken away again.
   const std::string text = Trim(cDatabase::PlainText(cDatabase::GetTextField(row, field.column)));
   return std::string_view(field.name) == "ebu_number" ? WithoutLeadingZeros(text) : text;
 }
@@ -82,8 +88,18 @@ std::string LiteralOf(const MemberField& field, const std::string& value) {
 
 namespace {
 
+// What follows is the address, of which the town is the last line when there are several. Nobody marks it, so the last
+// of several lines counts as the town; where it cannot be told which line is meant, none goes, and importing the same
+// file twice changes nothing the second time.
+//
+//   stored            the file says          becomes
+//   1 High St, Acol   town Deal              1 High St, Deal
+//   1 High St         town Acol              1 High St, Acol        one line is no town
+//   1 High St, Acol   address 2 High St      2 High St, Acol        the town stays
+//   a, b, c           town empty             a, b, c                which of them is the town, nobody can tell
 constexpr const char* kLineBreak = "\r\n";
 
+/// Without a break where either part is empty.
 std::string WithLastLine(const std::string& lines, const std::string& last) {
   return lines + (lines.empty() || last.empty() ? "" : kLineBreak) + last;
 }
@@ -104,12 +120,16 @@ std::string LastLine(const std::string& text) {
   return at == std::string::npos ? text : text.substr(at + 2);
 }
 
+/// Another address, with the town that is stored. Where the new one ends in that town already it is not put there
+/// twice.
 std::string WithOtherAddress(const std::string& stored, const std::string& address) {
   const std::size_t at = LastBreak(stored);
   const bool holdsTown = at != std::string::npos && LastLine(address) != stored.substr(at + 2);
   return address.empty() || stored == address || !holdsTown ? address : WithLastLine(address, stored.substr(at + 2));
 }
 
+/// Another town in place of the last of several lines, or behind the only one. An empty one takes the last of exactly
+/// two lines away.
 std::string WithOtherTown(const std::string& stored, const std::string& town) {
   const std::size_t at = LastBreak(stored);
   if (town.empty()) {
@@ -128,6 +148,7 @@ std::string ChangedAddress(const std::string& stored, const WrittenAddress& writ
                               : written.address               ? WithOtherAddress(lines, *written.address)
                               : written.town                  ? WithOtherTown(lines, *written.town)
                                                               : lines;
+  // Empty lines at the end alone are no change that anybody asked for.
   return changed == lines ? stored : changed;
 }
 

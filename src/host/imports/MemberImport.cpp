@@ -5,6 +5,9 @@
 #include "names/MemberValues.h"
 #include "names/NameUniqueness.h"
 
+// A plan for members, applied: a statement for each record, all within the caller's transaction. Names bring two things
+// with them that are not in the plan: the sound-alike keys, which are stored beside the names in the same statement,
+// and how much of a name tells it from others, which depends on all names together and is found out once, at the end.
 namespace tavi::host {
 namespace {
 
@@ -44,6 +47,7 @@ void MemberImport::Apply(const ImportPlan& plan, const ImportProgress& progress)
   bool touchesUniqueness = false;
   for (std::size_t i = 0; i < plan.changes.size(); ++i) {
     const RecordChange& change = plan.changes[i];
+    // Before the work, as it shows what one waits for.
     progress(i, change.name);
     if (change.isNew) {
       Add(change);
@@ -57,6 +61,7 @@ void MemberImport::Apply(const ImportPlan& plan, const ImportProgress& progress)
 
 void MemberImport::Add(const RecordChange& change) {
   // An empty text is stored where other parts of the component would store one; a date that is not known is null.
+  // By column: a field of the plan takes the place of the empty value.
   std::map<std::string, std::string> literals{{"FuzzedFirstName", "''"}, {"FuzzedLastName", "''"}};
   for (const MemberField& field : MemberFields()) literals[field.column] = LiteralOf(field, "");
   for (const FieldChange& field : change.fields) {
@@ -64,6 +69,7 @@ void MemberImport::Add(const RecordChange& change) {
       literals[part.column] = std::move(part.literal);
     }
   }
+  // A newcomer begins at the neutral handicap.
   std::string names = "MembershipNumber, Handicap";
   std::string values =
       std::to_string(change.members.front()) + ", " + cDatabase::SQLNumber(kNeutralHandicap, "the handicap");

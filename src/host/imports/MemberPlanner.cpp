@@ -8,9 +8,15 @@
 #include "host/scoring/MemberDirectory.h"
 #include "platform/values/Text.h"
 
+// Makes the plan of an import of members. Each line of the file is taken once, in order: who it is about (MemberRoll),
+// that his name is his, what changes, and that it fits its columns. after_ has every member as he will be, so that at
+// the end namesakes are looked for among all of them at once: a newcomer may have the name that another member has had,
+// when the same file changes that one's. Nothing is stored.
 namespace tavi::host {
 namespace {
 
+// What of a member and of a line is compared as a name. A column that the file lacks counts as an empty part, which
+// agrees with anything.
 PersonName NameIn(const StoredMember& member) {
   return {member.Value("first"), member.Value("known_as"), member.Value("last")};
 }
@@ -20,6 +26,7 @@ PersonName NameIn(const MemberLine& line) {
 }
 
 /// What makes two members bear the same name, initials aside.
+/// Initials are compared apart, because a file may lack them.
 std::string KeyWithoutInitials(const StoredMember& member) {
   return FoldName(member.Value("first")) + "\n" + FoldName(member.Value("last"));
 }
@@ -28,6 +35,7 @@ bool HaveSameInitials(const StoredMember& left, const StoredMember& right) {
   return FoldName(left.Value("initials")) == FoldName(right.Value("initials"));
 }
 
+/// True for the fields that namesakes are told by.
 bool ChangesName(const RecordChange& change) {
   return std::ranges::any_of(change.fields, [](const FieldChange& field) {
     return field.field == "first" || field.field == "initials" || field.field == "last";
@@ -39,6 +47,8 @@ bool ChangesName(const RecordChange& change) {
 MemberPlanner::MemberPlanner(cDatabase& store, const MemberFile& file)
     : keys_(*store.GetPlatform().nameKeyService), file_(file), roll_(store), widths_(store, "Members") {
   after_ = roll_.Members();
+  // Numbers are given behind all that are in use and all that the file gives, also further down, so that none is given
+  // to two.
   if (!after_.empty()) highest_ = std::max(0, after_.rbegin()->first);
   for (const MemberLine& line : file.members) highest_ = std::max(highest_, line.number.value_or(0));
 }
@@ -51,6 +61,7 @@ ImportPlan MemberPlanner::Plan(bool allowNamesakes) {
 
 void MemberPlanner::Take(const MemberLine& line) {
   const std::string nationalNumber = line.Value("ebu_number").value_or("");
+  // Found among the members as they were: a line cannot be about somebody whom an earlier line adds.
   const StoredMember* member = roll_.Find(PlaceInFile(file_.name, line.line), line.number, nationalNumber);
   if (member != nullptr) {
     RequireOnce(line, *member);
@@ -58,6 +69,7 @@ void MemberPlanner::Take(const MemberLine& line) {
   }
   RecordChange change = member == nullptr ? Newcomer(line) : ChangeOf(*member, line);
   const std::int32_t number = change.members.front();
+  // Only these can become somebody's namesake; those who are so already stay as they are.
   if (change.isNew || ChangesName(change)) otherNamed_[number] = &line;
   if (change.name.empty()) {
     Refuse(line, "the member " + std::to_string(number) + " has no name; expected a first name or a surname");
@@ -72,6 +84,7 @@ void MemberPlanner::Take(const MemberLine& line) {
   }
 }
 
+/// A new member: empty in all fields that the file does not give, but active, and of the usual type.
 RecordChange MemberPlanner::Newcomer(const MemberLine& line) {
   StoredMember member;
   for (const MemberField& field : MemberFields()) member.values[field.name] = "";
@@ -91,6 +104,7 @@ RecordChange MemberPlanner::Newcomer(const MemberLine& line) {
   return change;
 }
 
+/// A member who is there. He keeps his club number whatever the file says: results and awards refer to it.
 RecordChange MemberPlanner::ChangeOf(const StoredMember& member, const MemberLine& line) {
   if (line.number && *line.number != member.number) {
     Remark(line, "nobody has the club number " + std::to_string(*line.number) + "; taken for member " +
@@ -114,6 +128,7 @@ std::vector<FieldChange> MemberPlanner::ChangedFields(const MemberLine& line,
     if (field.name == std::string("address")) {
       after = ChangedAddress(value, {line.Value("address"), line.Value("town")});
     }
+    // A yes or no has no empty state.
     const bool saysNothing = field.kind == MemberField::Kind::YesNo && after.empty();
     if (saysNothing || after == value) continue;
     changes.push_back({field.name, value, after});
@@ -122,6 +137,7 @@ std::vector<FieldChange> MemberPlanner::ChangedFields(const MemberLine& line,
   return changes;
 }
 
+/// The same number twice is refused when the file is read; this finds a member who stands once by each of his numbers.
 void MemberPlanner::RequireOnce(const MemberLine& line, const StoredMember& member) {
   const auto [earlier, isNew] = lines_.emplace(member.number, line.line);
   if (isNew) return;
@@ -129,6 +145,9 @@ void MemberPlanner::RequireOnce(const MemberLine& line, const StoredMember& memb
                    "; expected each member once");
 }
 
+/// Whether the line is about the member whose number it has. Couples share a surname, and their numbers are taken for
+/// each other; so a first name that is clearly another one is refused as well. Who marries changes one part, and then
+/// both numbers have to say who it is.
 void MemberPlanner::RequireHisName(const MemberLine& line, const StoredMember& member) {
   const PersonName written = NameIn(line);
   const NameAgreement agreement = CompareNames(NameIn(member), written, keys_);
@@ -147,6 +166,7 @@ void MemberPlanner::RequireHisName(const MemberLine& line, const StoredMember& m
 }
 
 void MemberPlanner::RequireNoNamesakes() const {
+  // By name first, so that the work grows with the members and not with their square.
   std::map<std::string, std::vector<const StoredMember*>> byName;
   for (const auto& [number, member] : after_) byName[KeyWithoutInitials(member)].push_back(&member);
   for (const auto& [number, line] : otherNamed_) {

@@ -8,6 +8,10 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// The members as an import sees them, and how names are compared for it. The comparison asks the opposite question of a
+// search: a number says already who it is, and the name has only to be one that he might be written with. So anything
+// that may be the same passes (a slip, an initial, half of a double name, the sound, a part that is missing), and only
+// what is clearly another name is told.
 namespace tavi::host {
 namespace {
 
@@ -23,18 +27,22 @@ std::vector<std::string> PartsOf(const std::string& name) {
   return parts;
 }
 
+/// A name without a key sounds like nothing.
 bool SoundsAlike(const std::string& left, const std::string& right, NameKeyMode mode, const NameKeyService& keys) {
   const std::string key = keys.Key(mode, left);
   return !key.empty() && key == keys.Key(mode, right);
 }
 
+/// One part of a name, first name or surname, from the cheapest comparison to the dearest.
 bool MayBeSame(const std::string& left, const std::string& right, NameKeyMode mode, const NameKeyService& keys) {
   const std::string foldedLeft = FoldName(left);
   const std::string foldedRight = FoldName(right);
+  // A part that is missing says nothing against it.
   if (foldedLeft.empty() || foldedRight.empty() || FoldedEqual(foldedLeft, foldedRight)) return true;
   const bool isLong = std::min(foldedLeft.size(), foldedRight.size()) >= kShortestForSlips;
   if (isLong && WithinOneSlip(foldedLeft, foldedRight)) return true;
   if (SoundsAlike(left, right, mode, keys)) return true;
+  // "Smith" and "Smith-Jones", in either direction.
   const std::vector<std::string> parts = PartsOf(right);
   return std::ranges::any_of(PartsOf(left),
                              [&](const std::string& part) { return std::ranges::count(parts, part) > 0; });
@@ -48,6 +56,7 @@ bool IsInitial(const std::string& left, const std::string& right) {
   return shorter == 1 && (foldedLeft.starts_with(foldedRight) || foldedRight.starts_with(foldedLeft));
 }
 
+/// Any of the names that one goes by with any of the other's.
 bool FirstNamesFit(const PersonName& stored, const PersonName& written, const NameKeyService& keys) {
   for (const std::string& left : {stored.first, stored.knownAs}) {
     for (const std::string& right : {written.first, written.knownAs}) {
@@ -74,6 +83,7 @@ bool FitsWholeName(const PersonName& stored, const std::string& written, const N
   if (blank == std::string::npos) {
     return FirstNamesFit(stored, {clean, "", ""}, keys) || MayBeSame(stored.last, clean, NameKeyMode::Surname, keys);
   }
+  // "Mary Ann van Dyk": nobody can tell from the text where the surname begins, so each place is tried.
   for (; blank != std::string::npos; blank = clean.find(' ', blank + 1)) {
     const PersonName split{clean.substr(0, blank), "", clean.substr(blank + 1)};
     if (CompareNames(stored, split, keys) == NameAgreement::Fits) return true;
@@ -94,6 +104,7 @@ MemberRoll::MemberRoll(cDatabase& store) {
   for (const MemberField& field : MemberFields()) columns += std::string(", ") + field.column;
   const auto rows = store.OpenRecordset("Select " + columns + " From Members");
   for (; !rows->AtEnd(); rows->MoveNext()) {
+    // Nobody can mean a row without a number; it would count as member 0 otherwise.
     if (IsNull(rows->Get("MembershipNumber"))) continue;
     StoredMember member;
     member.number = cDatabase::GetNumericField(*rows, "MembershipNumber");
@@ -107,8 +118,10 @@ const StoredMember* MemberRoll::Find(const std::string& place, std::optional<std
   const auto found = number ? members_.find(*number) : members_.end();
   const StoredMember* byNumber = found == members_.end() ? nullptr : &found->second;
   if (nationalNumber.empty()) return byNumber;
+  // Both numbers say the same, even where other members bear that EBU number too.
   if (byNumber != nullptr && byNumber->Value("ebu_number") == nationalNumber) return byNumber;
   const StoredMember* byNational = ByNationalNumber(place, nationalNumber);
+  // Only one of the two is known: a member whose EBU number is new to the club, or one who is known by that alone.
   if (byNumber == nullptr || byNational == nullptr) return byNumber == nullptr ? byNational : byNumber;
   throw Error(ErrorNumber::InvalidArgument, "tavi",
               place + ": the club number is that of member " + byNumber->NumberAndName() + ", but the EBU number " +
@@ -120,6 +133,7 @@ const StoredMember* MemberRoll::ByNationalNumber(const std::string& place, const
   const StoredMember* found = nullptr;
   for (const auto& [number, member] : members_) {
     if (member.Value("ebu_number") != nationalNumber) continue;
+    // All are looked through, because the first one would be a guess.
     if (found != nullptr) {
       throw Error(ErrorNumber::InvalidArgument, "tavi",
                   place + ": the EBU number " + nationalNumber + " is that of two members, " + found->NumberAndName() +

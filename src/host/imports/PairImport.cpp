@@ -8,6 +8,8 @@
 #include "members/Partnerships.h"
 #include "platform/values/Text.h"
 
+// Regular pairs. A pair is stored under its lower and its higher number, in whatever order it was entered, and that is
+// how it is known here. Both players must be members already: a pairs file has too little to make a member of.
 namespace tavi::host {
 namespace {
 
@@ -19,6 +21,7 @@ struct StoredPair {
   bool active = true;
 };
 
+/// All pairs of the club, inactive ones too, which stay so unless the file says otherwise.
 std::map<PairKey, StoredPair> ReadPairs(cDatabase& store) {
   std::map<PairKey, StoredPair> pairs;
   const auto rows = store.OpenRecordset("Select LowerPlayer, HigherPlayer, KnownAs, Active From Partnerships");
@@ -51,6 +54,7 @@ class Planner {
   }
 
  private:
+  /// Plans one line. What it does not say stays, in a new pair what new ones have: no name of its own, and active.
   void Take(const PairLine& line) {
     const StoredMember& first = Player(line, 0);
     const StoredMember& second = Player(line, 1);
@@ -70,6 +74,7 @@ class Planner {
     const std::string knownAs = line.knownAs.value_or(before.knownAs);
     const bool active = line.active.value_or(before.active);
     if (knownAs != before.knownAs) change.fields.push_back({"known_as", before.knownAs, knownAs});
+    // A new pair shows this field at least, so that a dry run has a line for it.
     if (change.isNew || active != before.active) {
       change.fields.push_back({"active", change.isNew ? "" : YesOrNo(before.active), YesOrNo(active)});
     }
@@ -80,6 +85,7 @@ class Planner {
     }
   }
 
+  /// The member of one place of a line. Retired ones may be paired, but it is remarked.
   const StoredMember& Player(const PairLine& line, std::size_t place) {
     const PairPlayer& player = line.players.at(place);
     const StoredMember* member = roll_.Find(PlaceInFile(file_.name, line.line), player.number, player.nationalNumber);
@@ -130,6 +136,7 @@ void PairImport::Apply(const ImportPlan& plan, const ImportProgress& progress) {
 void PairImport::Store(const RecordChange& change) {
   const std::int32_t first = change.members.front();
   const std::int32_t second = change.members.back();
+  // With the mean of the players' handicaps, and in the order of the file; its other fields by the statement below.
   if (change.isNew) MakeRegularPartnership(store_, first, second, kMeanOfPlayers, true, "");
   std::string assignments;
   for (const FieldChange& field : change.fields) {

@@ -16,9 +16,21 @@
 #include "platform/values/Text.h"
 #include "util/SettingsStore.h"
 
+// An evening as a careful scoring program stores it, by the public operations. The order within an event is fixed by
+// what they do:
+//
+//   1. Register the competition. One of this name and day is found again; its results are cleared, its awards marked.
+//   2. Ask each contestant's handicap before any result is noted; net scores are made of it.
+//   3. Note all results. Noting one clears the awards of its players in this competition.
+//   4. So awards are passed only when all results are noted.
+//   5. End the update, which deletes the awards that were not passed again, and ask for the handicaps with this event.
+//
+// All events of a file are one transaction. Scoring a file twice would give its awards new numbers, so what is there is
+// read before and after, and when both are the same the transaction is not committed at all.
 namespace tavi::host {
 namespace {
 
+// Behind every place that there is, so that contestants without one stand at the end.
 constexpr int kPlaceOfUnplaced = 1'000'000;
 
 /// The codes stored in ScoringMethod; only 0 (match points) counts for handicaps.
@@ -38,6 +50,7 @@ std::int16_t ScoringCode(Event::Scoring scoring) {
   return 4;
 }
 
+/// An individual has no second player, and a team may have an odd number of them.
 std::int32_t NumberOf(const ScoredContestant& scored, std::size_t position) {
   return position < scored.players.size() ? scored.players[position].number : kNoMember;
 }
@@ -46,6 +59,8 @@ std::string NameOf(const ScoredContestant& scored, std::size_t position) {
   return position < scored.players.size() ? scored.players[position].name : std::string();
 }
 
+/// By session, then North-South before East-West where both have winners of their own, then by place; those who share
+/// one by score, the better first.
 auto RankingOrder(const Event& event, const ScoredContestant& scored) {
   const Contestant& contestant = scored.contestant;
   return std::make_tuple(contestant.session, event.winners == 2 && contestant.direction == "EW" ? 1 : 0,
@@ -65,6 +80,8 @@ void AddRemarks(const std::vector<ScoredContestant>& contestants, std::vector<st
 
 /// Makes a visitor of who bears the name of a member and a national number of somebody else, where the member plays
 /// too, under the right one.
+/// Two people of one name, only one of whom is a member: without this, both would be the same member, and the file
+/// would be refused because he plays twice. Only who was recognised by name can be wrong.
 void PartNamesakes(std::vector<ScoredContestant>& contestants) {
   std::set<std::pair<int, std::int32_t>> knownByNumber;
   for (const ScoredContestant& entry : contestants) {
@@ -88,12 +105,15 @@ void PartNamesakes(std::vector<ScoredContestant>& contestants) {
 }  // namespace
 
 std::string StorableCompetitionName(const std::string& name) {
+  // A competition is looked for by its name with escapes and stored without: one with a percent sign or a line break
+  // would not be found again.
   return TidyText(ReplaceAll(name, "%", ""));
 }
 
 ScoredEvent EveningScorer::Prepare(Event event, const std::string& fileName) {
   ScoredEvent scored;
   event.name = StorableCompetitionName(event.name);
+  // A name of percent signs only.
   if (event.name.empty()) event.name = "Event";
   for (const Contestant& contestant : event.contestants) {
     ScoredContestant entry;
@@ -104,11 +124,14 @@ ScoredEvent EveningScorer::Prepare(Event event, const std::string& fileName) {
     scored.contestants.push_back(std::move(entry));
   }
   PartNamesakes(scored.contestants);
+  // After the namesakes were parted: what is told is how each was recognised in the end.
   AddRemarks(scored.contestants, event.remarks);
   scored.event = std::move(event);
+  // A handicap is an average percentage at match points, and a team's result is no player's.
   scored.countsForHandicaps = scored.event.kind != Event::Kind::Teams &&
                               scored.event.scoring == Event::Scoring::MatchPoints && scored.event.HasPercentages();
   RequireEverybodyOnce(scored, fileName);
+  // Stable: contestants without place and score stay in the order of the file.
   std::stable_sort(scored.contestants.begin(), scored.contestants.end(),
                    [&](const ScoredContestant& left, const ScoredContestant& right) {
                      return RankingOrder(scored.event, left) < RankingOrder(scored.event, right);
@@ -116,6 +139,8 @@ ScoredEvent EveningScorer::Prepare(Event event, const std::string& fileName) {
   return scored;
 }
 
+/// A player who stands twice in a session would have two results of one evening. In different sessions of an event
+/// everybody plays again.
 void EveningScorer::RequireEverybodyOnce(const ScoredEvent& scored, const std::string& fileName) const {
   std::map<std::tuple<int, std::int32_t, std::string>, std::string> seen;
   for (const ScoredContestant& entry : scored.contestants) {
@@ -154,6 +179,7 @@ void EveningScorer::StoreOne(ScoredEvent& scored) {
   FindHandicapsAfter(scored);
 }
 
+/// The file is open from here on, until the update ends.
 void EveningScorer::Register(ScoredEvent& scored) {
   const Event& event = scored.event;
   const bool teams = event.kind == Event::Kind::Teams;
@@ -171,6 +197,7 @@ void EveningScorer::FindHandicapsBefore(ScoredEvent& scored) {
     const Handicaps handicaps = database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), scored.event.name,
                                                              scored.event.date, individual);
     entry.handicapBefore = handicaps.PartnershipHandicap();
+    // A handicap is an average score: who plays to it nets the neutral 50.
     entry.net = RoundDecimalHalfEven(*entry.contestant.actualPercentage - *entry.handicapBefore + kNeutralHandicap, 2);
     entry.name = individual ? NameOf(entry, 0)
                             : database_.GetPairName(NumberOf(entry, 0), NameOf(entry, 0), NumberOf(entry, 1),
@@ -178,6 +205,7 @@ void EveningScorer::FindHandicapsBefore(ScoredEvent& scored) {
   }
 }
 
+/// Without percentages there is nothing to note: results are percentages in the club's file.
 void EveningScorer::NoteResults(const ScoredEvent& scored) {
   if (!scored.event.HasPercentages()) return;
   for (const ScoredContestant& entry : scored.contestants) {
@@ -211,6 +239,7 @@ void EveningScorer::FindHandicapsAfter(ScoredEvent& scored) {
     }
     if (!scored.countsForHandicaps) continue;
     entry.handicapAfter =
+        // No competition is left out this time, so that this event counts too.
         database_.CalculateHandicaps(NumberOf(entry, 0), NumberOf(entry, 1), "", kNoCompetitionDate, individual)
             .PartnershipHandicap();
   }
@@ -235,6 +264,7 @@ void AddRows(cDatabase& store, const std::string& statement, std::string_view un
   }
 }
 
+/// The competitions of an event's name and day, of which a club's file may hold several.
 std::vector<std::string> NumbersOf(cDatabase& store, const Event& event) {
   std::vector<std::string> numbers;
   const auto rows =
@@ -250,6 +280,7 @@ std::vector<std::string> ReadStoredEvents(const std::vector<ScoredEvent>& events
   const std::shared_ptr<cDatabase> store = ThreadStore();
   std::vector<std::string> texts;
   for (const ScoredEvent& scored : events) {
+    // Everything that scoring an event changes, in an order that does not depend on when it was stored.
     for (const std::string& number : NumbersOf(*store, scored.event)) {
       AddRows(*store, "Select * From Competitions Where ID = " + number, "", texts);
       const auto results = static_cast<std::ptrdiff_t>(texts.size());

@@ -6,18 +6,32 @@
 #include "names/NameText.h"
 #include "platform/values/Text.h"
 
+// Who a player of a result file is. The order of the ways is that of their reliability, and each way has a bar against
+// the mistake that it is prone to:
+//
+//   national number    unless the name is exactly another member's and does not resemble the first one's: a slip of the
+//                      pen in the number
+//   name, exactly      of one member only; of several, the one who goes by just that name
+//   club number        only where the name agrees, for a visitor has the number of his own club
+//   name, nearly       one slip, an initial or the sound, of one member only, and no national number against it
+//
+// Whoever is left is a visitor and stored by name. A wrong guess would change a member's handicap, a missed one is seen
+// in the ranking; so in doubt nobody is taken, and whatever was not plain is a remark. The members are walked once,
+// folded once, and looked through for each player: some hundred comparisons of short texts.
 namespace tavi::host {
 namespace {
 
 /// Shorter names are too much alike for slips to be forgiven.
 constexpr std::size_t kShortestTypedForSlips = 6;
 
+// What one step of a walk gives.
 struct WalkedMember {
   std::int32_t number = 0;
   std::string name;
   bool retired = false;
 };
 
+/// The walk ends before anything else is asked, because walks close the file at their end.
 std::vector<WalkedMember> WalkAll(MembershipDatabase& database, std::int16_t nameFormat) {
   std::vector<WalkedMember> members;
   WalkedMember member;
@@ -37,21 +51,26 @@ std::string Joined(const std::string& first, const std::string& last) {
 }  // namespace
 
 MemberDirectory::MemberDirectory(MembershipDatabase& database) : database_(database) {
+  // The host's own setting, given back below.
   const bool before = database.IncludeInactiveMembers;
   database.IncludeInactiveMembers = true;
   const std::vector<WalkedMember> shown = WalkAll(database, name_format::kFirstAndLast);
   const std::vector<WalkedMember> familiar = WalkAll(database, name_format::kFamiliar);
   database.IncludeInactiveMembers = before;
+  // Two walks of the same members, in the same order: they differ in how names are written.
   for (std::size_t i = 0; i < shown.size() && i < familiar.size(); ++i) {
     Member member;
     member.number = shown[i].number;
     member.shown = shown[i].name;
     member.retired = shown[i].retired;
+    // A retired member's names are not looked at: only by the national number is he recognised, and then it is
+    // remarked.
     if (!member.retired) AddWritings(member, familiar[i].name);
     members_.emplace(member.number, std::move(member));
   }
 }
 
+/// All ways in which scorers write a member: with and without initials, and by the familiar name.
 void MemberDirectory::AddWritings(Member& member, const std::string& familiarForm) {
   std::string first;
   std::string initials;
@@ -66,11 +85,13 @@ void MemberDirectory::AddWritings(Member& member, const std::string& familiarFor
   }
 }
 
+// The steps of the file's head, in their order.
 ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
   const std::string clean = CleanWrittenName(player.name);
   const Member* byNumber = ByNationalNumber(player.nationalNumber);
   std::vector<const Member*> byName = ByWriting(FoldName(clean));
   if (byNumber != nullptr) {
+    // A number that belongs to one member, with exactly another one's name: somebody mistyped a figure.
     const bool otherName = byName.size() == 1 && byName.front() != byNumber && !NameFits(*byNumber, clean);
     if (!otherName) {
       return {byNumber->number, byNumber->shown,
@@ -80,12 +101,14 @@ ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
             player.name + ": the national number " + player.nationalNumber + " is " + byNumber->shown +
                 "'s; taken for the member of that name"};
   }
+  // A number that is no member's does not make a visitor of who has a member's name: it may be new, or mistyped.
   const std::string unknownNumber =
       player.nationalNumber.empty() ? "" : player.name + ": no member has the national number " + player.nationalNumber;
   if (byName.size() == 1) {
     return {byName.front()->number, byName.front()->shown,
             unknownNumber.empty() ? "" : unknownNumber + "; taken for the member of that name"};
   }
+  // Before namesakes are given up: the club number may tell which of them it is.
   if (const Member* member = ByClubNumber(player, clean)) return {member->number, member->shown, ""};
   if (byName.size() > 1) {
     return {kNoMember, player.name,
@@ -97,6 +120,7 @@ ResolvedPlayer MemberDirectory::Resolve(const EventPlayer& player) {
   return {kNoMember, player.name, player.name + " is not a member; stored by name"};
 }
 
+/// An active member first, then a retired one.
 const MemberDirectory::Member* MemberDirectory::ByNationalNumber(const std::string& number) const {
   if (number.empty()) return nullptr;
   const auto found = std::find_if(members_.begin(), members_.end(),
@@ -104,6 +128,7 @@ const MemberDirectory::Member* MemberDirectory::ByNationalNumber(const std::stri
   return found == members_.end() ? RetiredByNationalNumber(number) : &found->second;
 }
 
+/// Their numbers are not kept here; the component answers club numbers and national ones alike.
 const MemberDirectory::Member* MemberDirectory::RetiredByNationalNumber(const std::string& number) const {
   if (number.size() > kLongestWholeNumber || !IsFigures(number)) return nullptr;
   // A club number of the same figures is answered too; it is somebody else's.
@@ -112,6 +137,7 @@ const MemberDirectory::Member* MemberDirectory::RetiredByNationalNumber(const st
   return retired ? &found->second : nullptr;
 }
 
+/// Active members with this name in any of their writings; more than one only where they cannot be told apart.
 std::vector<const MemberDirectory::Member*> MemberDirectory::ByWriting(const std::string& folded) const {
   std::vector<const Member*> found;
   for (const auto& [number, member] : members_) {
@@ -129,6 +155,7 @@ std::vector<const MemberDirectory::Member*> MemberDirectory::ByWriting(const std
   return plain.size() == 1 ? plain : found;
 }
 
+/// The member of a club number, if the written name is his but for a slip, or is his surname with his initial.
 const MemberDirectory::Member* MemberDirectory::ByClubNumber(const EventPlayer& player,
                                                              const std::string& clean) const {
   if (player.clubNumber.size() > kLongestWholeNumber || !IsFigures(player.clubNumber)) {
@@ -145,6 +172,7 @@ const MemberDirectory::Member* MemberDirectory::ByClubNumber(const EventPlayer& 
   return near || initial ? &member : nullptr;
 }
 
+/// "A Smith": members of that surname with a name that begins with the letter.
 std::vector<const MemberDirectory::Member*> MemberDirectory::ByInitial(const std::string& clean) const {
   std::vector<const Member*> found;
   const std::size_t blank = clean.find(' ');
@@ -173,6 +201,7 @@ std::vector<const MemberDirectory::Member*> MemberDirectory::BySlip(const std::s
 
 std::vector<const MemberDirectory::Member*> MemberDirectory::BySound(const std::string& clean) {
   std::vector<const Member*> found;
+  // A single word sounds like too many.
   if (clean.find(' ') == std::string::npos) return found;
   const MatchList matches = database_.FindNearestMatches(clean);
   if (matches.LowerBound == 0) return found;
@@ -183,6 +212,8 @@ std::vector<const MemberDirectory::Member*> MemberDirectory::BySound(const std::
   return found;
 }
 
+// From the strictest likeness to the loosest. As soon as one of them finds several, nobody is taken: a looser one that
+// finds only one of them has no better reason.
 const MemberDirectory::Member* MemberDirectory::OneNear(const EventPlayer& player, const std::string& clean) {
   for (const std::vector<const Member*>& candidates : {ByInitial(clean), BySlip(FoldName(clean)), BySound(clean)}) {
     if (candidates.size() == 1 && NumberAllows(*candidates.front(), player)) return candidates.front();
@@ -197,6 +228,7 @@ bool MemberDirectory::NumberAllows(const Member& member, const EventPlayer& play
          WithinOneSlip(member.nationalNumber, player.nationalNumber);
 }
 
+/// Whether a name may be that of the member whose number stands beside it: more is forgiven than without a number.
 bool MemberDirectory::NameFits(const Member& member, const std::string& clean) {
   const std::string folded = FoldName(clean);
   const auto near = [&](const std::string& writing) { return WithinOneSlip(writing, folded); };

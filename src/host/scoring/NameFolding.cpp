@@ -9,6 +9,12 @@
 #include "host/text/Figures.h"
 #include "platform/values/Text.h"
 
+// Names as scorers write them, brought to one form. Folding goes letter by letter: upper case, no accents, nothing but
+// letters and figures, words joined, so that "Mary-Ann O'Neil", "MARY ANN ONEIL" and "Mary Ann O’Neil" are one text. It
+// is for comparing only; a folded name is never stored or shown.
+//
+// "Seán MacDonald" becomes SEANMCDONALD, "Müller" MULLER, and "M?ller", as a file has it whose character set lacked the
+// letter, M?LLER, in which the question mark fits any letter.
 namespace tavi::host {
 namespace {
 
@@ -21,6 +27,7 @@ constexpr std::array<std::pair<std::u32string_view, std::string_view>, 27> kPlai
     {U"Ƒ", "F"},          {U"Ṁ", "M"},          {U"Ṗ", "P"},
 }};
 
+/// Letters of other scripts are their own.
 std::string PlainLetter(char32_t letter) {
   if (letter < 0x80) return std::string(1, static_cast<char>(letter));
   for (const auto& [accented, plain] : kPlainLetters) {
@@ -29,10 +36,13 @@ std::string PlainLetter(char32_t letter) {
   return FromCodePoints(std::u32string(1, letter));
 }
 
+/// Accents that are characters of their own, as some programs write them behind the letter.
 bool IsCombiningMark(char32_t c) {
   return c >= 0x0300 && c <= 0x036F;
 }
 
+/// Everything of ASCII that is neither letter, figure nor question mark, and the dashes, quotes and apostrophes that
+/// editors put in place of the plain ones. The letter is in upper case already.
 bool IsDropped(char32_t c) {
   const bool plainSymbol = c < 0x80 && c != U'?' && (c < U'0' || (c > U'9' && c < U'A') || c > U'Z');
   const bool quote = (c >= 0x2010 && c <= 0x2027) || c == 0x00B4 || c == 0x00A0 || c == 0x00AD || c == 0x02BC;
@@ -46,6 +56,7 @@ bool IsTitle(const std::string& word) {
   return std::find(kTitles.begin(), kTitles.end(), upper) != kTitles.end();
 }
 
+/// The pieces between blanks, however many of these there are.
 std::vector<std::string> Words(const std::string& text) {
   std::vector<std::string> words;
   for (std::string& word : Split(text, ' ')) {
@@ -64,18 +75,21 @@ std::string FoldName(const std::string& name) {
       const char32_t upper = UpperCase(c);
       if (!IsDropped(upper)) plain += PlainLetter(upper);
     }
+    // Longer than MAC and one letter: "Mac" and "Mace" are names of their own.
     folded += plain.starts_with("MAC") && plain.size() > 4 ? "MC" + plain.substr(3) : plain;
   }
   return folded;
 }
 
 std::string CleanWrittenName(const std::string& name) {
+  // From a bracket on it is a remark, such as "(sub)".
   std::string text = name.substr(0, name.find_first_of("(["));
   for (const char* apostrophe : {"’", "‘", "´", "`"}) text = ReplaceAll(text, apostrophe, "'");
   if (const std::size_t comma = text.find(','); comma != std::string::npos) {
     text = text.substr(comma + 1) + " " + text.substr(0, comma);
   }
   std::vector<std::string> words = Words(ReplaceAll(text, ".", " "));
+  // Two words always stay: with fewer, a title may be all of a name that there is ("Dr Lee").
   while (words.size() > 2 && IsTitle(words.front())) words.erase(words.begin());
   while (words.size() > 2 && IsFigures(words.back())) words.pop_back();
   std::string clean;
@@ -95,6 +109,8 @@ bool WithinOneSlip(const std::string& left, const std::string& right) {
   if (longer.size() - shorter.size() > 1) return false;
   std::size_t first = 0;
   while (first < shorter.size() && shorter[first] == longer[first]) ++first;
+  // Up to the first difference both are the same; what follows must be the same behind one letter more, behind one
+  // letter that differs, or behind two that changed places. So one walk is enough, without a table of distances.
   if (longer.size() > shorter.size()) return shorter.substr(first) == longer.substr(first + 1);
   const bool changed = shorter.substr(first + 1) == longer.substr(first + 1);
   const bool exchanged = first + 1 < shorter.size() && shorter[first] == longer[first + 1] &&
