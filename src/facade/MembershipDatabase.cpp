@@ -57,6 +57,9 @@ MembershipDatabase::MembershipDatabase(std::shared_ptr<const Platform> platform)
 
 MembershipDatabase::~MembershipDatabase() = default;
 
+// --- Location, opening and closing -----------------------------------------------------------------------------------
+//
+// What the store says of its file. Looking for it opens nothing, so that a host can ask before there is one.
 bool MembershipDatabase::DatabaseExists() const {
   return FileExists(ThreadStore()->DatabaseFilePath());
 }
@@ -81,6 +84,10 @@ void MembershipDatabase::CloseDatabase() {
   ThreadStore()->CloseDB(true);
 }
 
+// --- Members ---------------------------------------------------------------------------------------------------------
+//
+// The room's functions bear the names of the operations, and are called with their namespace so that a member function
+// does not call itself.
 std::int32_t MembershipDatabase::AddNewMember(const std::string& FirstName, const std::string& Initials,
                                               const std::string& LastName, std::optional<double> Handicap) {
   return tavi::AddNewMember(*ThreadStore(), FirstName, Initials, LastName, Handicap);
@@ -161,6 +168,9 @@ MatchList MembershipDatabase::FindNearestMatches(const std::string& Name) {
   return {1, std::move(numbers)};
 }
 
+// --- Walks and address lists -----------------------------------------------------------------------------------------
+//
+// Each object has a walk of its own, whose position it keeps between calls.
 bool MembershipDatabase::GetFirstMember(std::int32_t& Number, std::string& Name, double& ParScore,
                                         std::int16_t NameFormat) {
   return state_->walk.GetFirstMember(*ThreadStore(), IncludeInactiveMembers, Number, Name, ParScore, NameFormat);
@@ -223,6 +233,9 @@ std::int32_t MembershipDatabase::CheckMembershipID(std::int32_t MembershipID, co
   return tavi::CheckMembershipID(*ThreadStore(), MembershipID, Name, Par, Retired);
 }
 
+// --- Regular partnerships --------------------------------------------------------------------------------------------
+//
+// A pair's record is found whichever of the two numbers comes first.
 bool MembershipDatabase::AddRegularPair(std::int32_t Player1MembershipNo, std::int32_t Player2MembershipNo) {
   tavi::AddRegularPair(*ThreadStore(), Player1MembershipNo, Player2MembershipNo);
   // Always False, as scoring programs know it.
@@ -250,6 +263,10 @@ std::string MembershipDatabase::GetPairName(std::int32_t Player1ID, const std::s
 }
 
 // By name and not by position: fourteen arguments, many of one type, are easily exchanged.
+// --- Competitions, results, master points ----------------------------------------------------------------------------
+//
+// What belongs to one update of a competition, from SetCompetitionEx to EndResultUpdate, is kept in the state of the
+// object that began it: whether the competition counts for handicaps, and the settings for them.
 std::int32_t MembershipDatabase::SetCompetitionEx(const std::string& CompName, Date CompDate, bool Individual,
                                                   std::int16_t ScoringMethod, std::int16_t ButlerType, bool IsSwiss,
                                                   bool QualiFinal, std::int16_t MasterPointsLevel,
@@ -314,6 +331,9 @@ void MembershipDatabase::EndResultUpdate(std::int32_t CompetitionID) {
   tavi::EndResultUpdate(*ThreadStore(), CompetitionID);
 }
 
+// --- Handicaps -------------------------------------------------------------------------------------------------------
+//
+// Settings are read once in an object's life, by whatever operation needs them first.
 HandiCalcSettings MembershipDatabase::HandicalcOptions() {
   return state_->handicapSettings.HandicalcOptions(*ThreadStore());
 }

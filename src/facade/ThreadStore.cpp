@@ -55,6 +55,7 @@ void FindDatabaseFolder(cDatabase& store) {
   const std::string documents = DocumentsFolder(*platform.shellFolders);
 
   const auto attempt = [](auto step) { Attempt("Unexpected exception in TaviMembership initialisation", step); };
+  // The user's setting comes last and wins over the machine's, which wins over the documents folder.
   std::string folder = kFolderOfLastResort;
   attempt([&] {
     if (!documents.empty()) folder = PathJoin(documents, kFolderBelowDocuments);
@@ -65,6 +66,8 @@ void FindDatabaseFolder(cDatabase& store) {
   attempt([&] { store.SetDatabaseFolder(folder); });
 }
 
+// A slot that is filled again gives up its store, and with it the file of the club before, unless an operation still
+// holds it.
 void SetThreadStore(std::shared_ptr<cDatabase> store) {
   Slot() = std::move(store);
 }

@@ -58,6 +58,7 @@ bool HeldSettings::HeldDisabled() const {
   return Require().Disabled();
 }
 
+// A copy, so that a caller who changes it changes nothing here until he stores it.
 HandiCalcSettings HeldSettings::HandicalcOptions(cDatabase& database) {
   LoadHandicalcSettings(database);
   return held_->Clone();

@@ -47,6 +47,7 @@ RememberedHandicaps RecalculatePartnerships(cDatabase& database, HeldSettings& h
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const std::optional<std::int32_t> lower = NumberIn(*rows, "Partnerships", "LowerPlayer");
     const std::optional<std::int32_t> higher = NumberIn(*rows, "Partnerships", "HigherPlayer");
+    // A row that does not say who plays has no results to be found by.
     if (!lower || !higher) continue;
     const Handicaps handicaps = CalculateHandicaps(database, held, RequestFor(*lower, *higher, false), &findings);
     Store(*rows, handicaps.PartnershipHandicap());

@@ -7,6 +7,7 @@
 namespace tavi {
 namespace {
 
+/// Nobody leaves the place empty: "K12__7" for a result of member 7 with a visitor.
 std::string NumberInKey(std::int32_t memberNumber) {
   return memberNumber == kNoMember ? std::string() : std::to_string(memberNumber);
 }

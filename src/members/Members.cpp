@@ -92,6 +92,7 @@ std::shared_ptr<cPlayerDetails> FindActiveMember(cDatabase& database, std::int32
   });
 }
 
+// A retired member is treated like a number that is nobody's.
 std::string GetNameAndEBUNumber(cDatabase& database, std::int32_t MemberNo, std::int16_t NameFormat,
                                 std::string& EBUNumber, const std::string& DefaultName) {
   const auto member = FindActiveMember(database, MemberNo);
@@ -155,6 +156,7 @@ void StoreHandicapOfBoth(cDatabase& database, std::int32_t first, std::int32_t s
   UpdateMembersHandicap(database, handicap, WhereNumberIs(first) + " Or " + NumberIs(second));
 }
 
+// Zero is also what a row without a stratum has.
 std::int16_t GetPlayerStratum(cDatabase& database, std::int32_t memberNumber) {
   return WhileOpen(database, [&] {
     const auto row = database.OpenRecordset("Select Stratum from Members where " + NumberIs(memberNumber));

@@ -107,6 +107,7 @@ std::int32_t AddNewMember(cDatabase& database, const std::string& FirstName, con
   details.LastName = LastName;
   details.Handicap = Handicap && *Handicap >= kLowestHandicap ? *Handicap : kNeutralHandicap;
   details.MemberType = kStandardMember;
+  // The first day of 1800 stands for one that is not known.
   details.JoinDate = unknown;
   details.LastPaid = unknown;
   details.NextDue = unknown;

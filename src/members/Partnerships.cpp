@@ -18,6 +18,7 @@ std::string InsertStatement(std::int32_t P1, std::int32_t P2, double handicap, c
          ", " + cDatabase::SQLNumber(handicap, "the pair's handicap") + ", " + cDatabase::SQLString(knownAs) + ")";
 }
 
+/// With a new handicap and name, as if it were new; HigherFirst stays as it was entered first.
 std::string ReactivateStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
   return "Update Partnerships Set Active = 1, Handicap = " + cDatabase::SQLNumber(handicap, "the pair's handicap") +
          ", KnownAs = " + cDatabase::SQLString(knownAs) + " Where " + PairWhereClause(P1, P2);
@@ -109,6 +110,7 @@ void StorePairHandicap(cDatabase& database, std::int32_t P1, std::int32_t P2, do
   UpdatePairHandicap(database, handicap, PairWhereClause(P1, P2));
 }
 
+// Both places are looked at: a player is the lower number of some pairs and the higher of others.
 void DeletePairsOf(cDatabase& database, std::int32_t memberNumber) {
   const std::string number = std::to_string(memberNumber);
   database.Execute("Update Partnerships set Active = 0 where LowerPlayer = " + number + " Or HigherPlayer = " + number);

@@ -40,6 +40,7 @@ class FamilyReader {
     Family family;
     for (std::string word; words >> word;) {
       if (family.place != Family().place) Refuse(word + " stands after the family's place");
+      // A word of figures is the place, everything else a form.
       if (!TakePlace(word, family)) family.forms.push_back(NewForm(word));
     }
     if (family.forms.empty() && family.place != Family().place) Refuse("a place without a name");
@@ -83,6 +84,8 @@ class TableWriter {
   explicit TableWriter(std::ostream& out) : out_(out) {}
 
   /// The texts one after the other, and where each begins.
+  // As one literal, a few texts a line, so that compilers and people can take the file. Where a text begins is written
+  // beside it; where the last one ends, too.
   void Texts(const std::string& name, const std::vector<std::string>& texts) {
     constexpr std::size_t kPerLine = 12;
     std::vector<std::size_t> starts{0};
@@ -149,11 +152,13 @@ void MakeTable(const std::string& function, const std::string& text, const std::
   if (!in) throw std::runtime_error(" cannot be read");
   FamilyReader reader(function == "SurnameTable");
   for (std::string line; std::getline(in, line);) reader.Read(line);
+  // An empty table would build, and nobody would be found by it.
   if (reader.families.empty()) throw std::runtime_error(" holds no families");
   // Families without a place come last, in the order of the text.
   std::ranges::stable_sort(reader.families, {}, &Family::place);
   std::ofstream out(code);
   WriteTable(out, function, reader.families);
+  // A full disk shows here at the latest.
   out.close();
   if (!out) throw std::runtime_error(" is read, but " + code + " cannot be written");
 }

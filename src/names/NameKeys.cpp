@@ -1,3 +1,6 @@
+// A key is the head of the family that lists a name, or of the form most like it; for a name that is like none it is
+// made of the consonants. docs/name-keys.md tells the steps with examples. Keys of the three kinds cannot meet: heads
+// are letters alone, those of consonants begin with 1, those of other alphabets' characters with 2.
 #include "names/NameKeys.h"
 
 #include <algorithm>
@@ -67,6 +70,7 @@ std::string KeyOfRemains(std::string_view name) {
   return characters.empty() ? std::string() : CharacterKey(characters);
 }
 
+/// By majority: a Latin initial does not make a Greek name a Latin one.
 bool IsOfOtherAlphabet(const NameLetters& letters) {
   return letters.latin.empty() || letters.otherLetters > letters.latin.size();
 }
@@ -90,6 +94,7 @@ std::string KeyOf(std::string_view letters, const NameDictionary& dictionary, st
   std::string key;
   if (letters.size() <= kLongestListed) key = dictionary.HeadOf(letters);
   if (key.empty()) key = SkeletonKey(letters, fewConsonants);
+  // The column's width.
   if (key.size() > kLongestKey) key.resize(kLongestKey);
   return key;
 }
@@ -122,6 +127,7 @@ std::string FirstNameKey(std::string_view name) {
 }
 
 bool IsShortFormOf(std::string_view shortName, std::string_view fullName) {
+  // What has the same key and sounds like the full name is a spelling of it, and no short form.
   constexpr int kSoundsAlike = 60;
   const std::string shortLetters = PlainLetters(shortName);
   const std::string fullLetters = PlainLetters(fullName);

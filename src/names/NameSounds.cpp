@@ -251,6 +251,7 @@ class Reader {
   }
 
  private:
+  // YATES and YORK, but not YVONNE.
   [[nodiscard]] bool BeginsWithConsonantY() const {
     return position_ == 0 && letters_.size() > 1 && letters_[0] == 'Y' && IsVowel(letters_[1]);
   }

@@ -56,6 +56,7 @@ constexpr std::array kLikenesses{
     Likeness{"Y2i", 50},
 };
 
+/// Sounds are written in ASCII, so a table of all pairs is small and needs no search.
 constexpr std::size_t kSounds = 128;
 using Matrix = std::array<std::array<unsigned char, kSounds>, kSounds>;
 
@@ -97,15 +98,19 @@ int Missing(std::string_view sounds, std::size_t position) {
       return position == 0 ? 90 : 50;
     case 'Y':
       return 50;
+    // Behind a vowel it is often not heard.
     case 'R':
       return before != '\0' && IsVowelSound(before) ? 55 : 85;
+    // A plural or a genitive that came to a name: Williams and William.
     case 'S':
       return isLast ? 60 : 90;
+    // Behind N, L, S or R they are often not heard: Sandford, Holdsworth.
     case 'T':
     case 'D':
       return before == 'N' || before == 'L' || before == 'S' || before == 'R' ? 55 : 90;
     case 'G':
       return before == 'N' ? 55 : 90;
+    // Thompson and Thomson.
     case 'P':
     case 'B':
       return before == 'M' ? 40 : 95;

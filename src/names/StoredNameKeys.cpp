@@ -44,6 +44,7 @@ RowOutcome RefreshRow(ado::Recordset& row, const NameKeyService& keys, NameKeyRe
     names = NamesOf(row);
     const StoredNames fresh = WithFreshKeys(names, keys);
     if (fresh == names) return RowOutcome::Done;
+    // A key that is too long for an older file's column is refused by the field, before the row is stored.
     ifItFails = RowOutcome::ValueRefused;
     row.Set(kFirstNameKey, fresh.firstNameKey);
     row.Set(kSurnameKey, fresh.surnameKey);

@@ -10,6 +10,9 @@ namespace tavi {
 namespace {
 
 constexpr std::array kTableStatements{
+    // A row for each member, who stays in it when he retires (Active = 0). FuzzedFirstName and FuzzedLastName are the
+    // sound-alike keys of the names, UniquenessFlag how much of a name must be shown, HandicalcSeed a starting
+    // handicap.
     "Create Table Members (MembershipNumber Long Not Null, EBUNumber Text (20), Title Text (20), FirstName Text (50), "
     "MiddleInitials Text (50), LastName Text (50), FuzzedFirstName Text (50), FuzzedLastName Text (50), "
     "KnownAs Text (50), Sex Integer Default 0, DOB Date, email Text (255), HouseID Text (100), Address Memo, "
@@ -19,29 +22,41 @@ constexpr std::array kTableStatements{
     "Active Bit Default -1, Handicap Double Default 50, UniquenessFlag Integer, Stratum Integer Default 0, "
     "HandicalcSeed Double, HandicalcSeedDate Date)",
 
+    // A row for each pair, known by its numbers in ascending order; HigherFirst is 1 when it was entered the other way
+    // round.
     "Create Table Partnerships (LowerPlayer Long Not Null, HigherPlayer Long Not Null, HigherFirst Short, "
     "Handicap Double Default 50, KnownAs Text (255), Active Bit Default -1, HandicalcSeed Double, "
     "HandicalcSeedDate Date)",
 
+    // A competition is known by name and date to scoring programs, by ID to results and awards. Truth values of the
+    // first versions are numbers of 16 bits, later ones are Bit.
     "Create Table Competitions (ID Counter, CompetitionName Text (255), CompetitionDate Date, Individual Short, "
     "ScoringMethod Short, ButlerType Short, MasterPointsType Short, IncludeInHandicapCalculations Short, "
     "NumberOfTables Integer, NumberOfWinners Short, MasterPointsColour Integer, IsTeams Bit Default 0, "
     "IsSwiss Bit Default 0, IsExternal Bit Default 0, QualiFinal Bit Default 0, NatCode Text (20) Default 'EBU')",
 
+    // A row for the two players of a result together; -1 stands for who is no member, and for the partner in an
+    // individual one.
     "Create Table Results (Competition Long, Player Long, Partner Long, ActualPercentage Double, NetPercentage Double)",
 
+    // A row for each player's award, by number or, with the number -1, by name. RecordUpdated is 0 while a competition
+    // that is stored again has not passed the award again.
     "Create Table MasterPoints (ID Counter, MembershipNumber Long, NonMemberName Text (255), CompetitionID Long, "
     "SessionNo Integer Default -1, MasterPoints Double, Colour Integer Default -1, Status Short, RecordUpdated Short, "
     "TempMPTotal Double, MPTotalsString Memo)",
 
+    // One row, which is made when it is first needed.
     "Create Table Settings (MasterPointMethod Short, LastMPCertificate Long, LastMPUploadNo Long, "
     "MPCertificatePrefix Text (4), CountyList Text (100), LastUploadDate Date, LastGotEBUNos Date)",
 
+    // The club's names in the course of time; the row with the highest ClubID is the current one.
     "Create Table ClubNames (ClubID Counter, ClubName Text (255), ClubEBUNumber Text (20), "
     "Affiliation Text (10) Default 'EBU')",
 
+    // What each type of members pays, and when.
     "Create Table ClubPolicies (MemberType Text (50), SpecificDate Short, SubsDueDate Date, Subs Currency)",
 
+    // One row, how handicaps are calculated.
     "Create Table HandicalcSettings (MaxWeeks Short, MaxResults Short, SamePartnerWeighting Short, "
     "RegularPairMultiplier Double, RegularPairAdd Double, UnknownPlayerHandicap Double, Disabled Bit Default 0)"};
 

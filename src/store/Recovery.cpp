@@ -37,6 +37,7 @@ std::map<std::string, std::int64_t> StatedRowCounts(ado::Connection& file) {
 }
 
 /// What a person should know of a table; empty when all of it was saved.
+/// "Members: 412 of 415 rows saved", and below it what went wrong, a line each.
 std::string Describe(const RecoveredTable& table) {
   std::string text;
   if (table.error) text += "\r\n  " + table.error->Description();
@@ -102,6 +103,7 @@ std::vector<TableTask> Recovery::Tasks() const {
 
 void Recovery::CopyTables() {
   const std::map<std::string, std::int64_t> counts = StatedRowCounts(*old_);
+  // All copies live until the end, since rows of one may wait for those of another.
   std::vector<std::string> names;
   std::deque<TableRecovery> copies;
   for (TableTask& task : Tasks()) {

@@ -28,6 +28,7 @@ constexpr std::size_t kLongestPrefix = 4;
 /// 4 December 2000: the answer of both dates while none is stored.
 constexpr Date kNoDateYet{36864.0};
 
+/// Only this column is written: what others have stored in the rest of the row since it was read stays.
 void Store(ado::Recordset& settings, const char* column, const Value& value) {
   settings.Set(column, value);
   settings.Update();
@@ -171,6 +172,7 @@ void cDatabase::SetLatestClubName(const std::string& name) {
   });
 }
 
+// Empty for a club without a name, too.
 std::string cDatabase::ClubID() {
   return WhileOpen(*this, [&] {
     const auto row = OpenRecordset("Select top 1 ClubEBUNumber from ClubNames Order by ClubID Desc");

@@ -216,6 +216,8 @@ TableRecovery::Fate TableRecovery::SaveRow() {
   }
 }
 
+// Each column is asked for by itself, so that a damaged one, such as a memo whose page is gone, costs only its own
+// value.
 std::optional<Value> TableRecovery::ReadOld(const std::string& column) {
   if (!HasField(*oldRows_, column)) return std::nullopt;
   try {
@@ -249,6 +251,7 @@ Value TableRecovery::NewReference(const Value& oldReference) {
   const std::int32_t number = NumberOf(oldReference).value_or(0);
   if (const auto entry = carried_.identifiers.Find(kCompetitionsTable, number)) return *entry;
   if (number != 0 && carried_.competitionsMayFollow) isWaiting_ = true;
+  // Whatever they meant, no competition of the new file has such a number.
   if (number <= 0) return oldReference;
   isDangling_ = true;
   return Null{};

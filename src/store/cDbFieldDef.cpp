@@ -32,6 +32,7 @@ constexpr const char* kFieldLimitText =
     "Bexmoor Club Option Pack, who should be able to help you fix your "
     "database.";
 
+/// One message for each column, except for a full table.
 void ShowAddFailure(const MessageBoxes& boxes, const Error& error, bool& fieldLimitMessageShown) {
   // A full table has this number. Once is enough for all columns that do not fit. That a column of the name is there
   // already (ProviderBadStatus) is what was wanted, and nothing to be shown.
@@ -45,6 +46,7 @@ void ShowAddFailure(const MessageBoxes& boxes, const Error& error, bool& fieldLi
 }
 
 void AddColumn(cDatabase& database, const cDbFieldDef& change) {
+  // Only Text needs a length.
   std::string type = change.FieldType;
   if (type == "Text") type += " (" + std::to_string(change.TextFieldLength) + ")";
   // Together: a column that is there is never filled later.

@@ -74,6 +74,7 @@ bool HoldsNoElement(std::string_view text) {
   }
 }
 
+/// Created when it is missing, as the first program on a machine finds none.
 std::string SettingsFolder(const ShellFolders& shell) {
   std::int32_t folderNumber = kCommonApplicationDataFolder;
   const std::string commonFolder = SpecialFolderPath(shell, folderNumber, true);
@@ -98,6 +99,7 @@ std::optional<std::string> FileValue(const Platform& platform, const std::string
 }
 
 /// Puts a value into the settings file; a file that cannot be read is left as it is.
+/// MakeSure raises what keeps the file from being made; loading it fails for a file that is somebody else's to mend.
 void CopyIntoFile(const Platform& platform, const std::string& keyPath, const std::string& valueName,
                   const std::string& value) {
   SettingsFile::MakeSure(platform);

@@ -1,3 +1,5 @@
+// The calls of NativeFiles.h on Windows. Every file is shared for all that others may want to do with it: the component
+// holds them for a moment only, and must not be what stops another program. None of the calls raises an error.
 #include <windows.h>
 
 #include <string>
@@ -13,6 +15,7 @@ std::wstring WidePath(std::string_view path) {
   return windows::ToWidePath(NativePath(path));
 }
 
+/// The system would take the path to end there, and name another file.
 bool CanBePath(std::string_view path) {
   return path.find('\0') == std::string_view::npos;
 }
@@ -85,6 +88,8 @@ bool IsNativeFile(std::string_view path) noexcept {
   }
 }
 
+// Opened for their attributes alone, which is granted also where reading is not. The disk's number and the file's on it
+// tell a file whatever its name is.
 bool IsSameNativeFile(std::string_view path, std::string_view other) noexcept {
   try {
     const OpenFile first(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING);
@@ -108,6 +113,7 @@ bool MakeNativeFolder(std::string_view path) noexcept {
   }
 }
 
+// CREATE_NEW makes sure of it in one step with the look whether it is there.
 bool MakeNativeFile(std::string_view path, std::string_view text) noexcept {
   try {
     const OpenFile file(path, GENERIC_WRITE, CREATE_NEW);

@@ -64,6 +64,7 @@ std::string FunctionName(const Operation& operation) {
 }
 
 /// What makes a value in C++ of one that automation gives.
+/// A date is a structure of one number and is made with braces; conversions of other types are functions.
 std::string Converted(const Type& type, const std::string& value) {
   const std::string conversion = type.given;
   if (conversion.empty()) return value;

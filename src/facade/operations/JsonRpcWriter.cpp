@@ -50,6 +50,7 @@ std::vector<Argument> ArgumentsOf(const Call& call) {
   return arguments;
 }
 
+/// The types in JSON's words, as the server tells its clients of them.
 std::string TypeWord(const Type* type) {
   std::string word = type == nullptr ? "nothing" : type->word;
   if (word == "variant text") return "text";

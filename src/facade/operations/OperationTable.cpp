@@ -39,6 +39,8 @@ std::string Trimmed(const std::string& text) {
 }
 
 /// What stands before a separator, trimmed; the rest is left. All of the text where there is no separator.
+/// The one tool for taking a head apart from left to right: "5 method Name(a: text): double" gives up "5", "method",
+/// "Name", the arguments, and leaves the result.
 std::string CutBefore(std::string& text, const std::string& separator) {
   const std::size_t place = text.find(separator);
   std::string before = Trimmed(text.substr(0, place));
@@ -75,6 +77,7 @@ class TableReader {
     }
   }
 
+  // The last paragraph need not be followed by a blank line.
   std::vector<Class> End() {
     EndParagraph();
     if (classes_.empty()) Refuse(lineNumber_, "there are no operations");
@@ -113,6 +116,7 @@ class TableReader {
     Operation operation;
     const std::string kind = TakeHead(operation);
     TakeFields(operation);
+    // A property takes no arguments: its name and a type say all of both halves.
     if (kind != "property" && kind != "variable") return Add(std::move(operation));
     if (operation.result == nullptr || !operation.arguments.empty()) Refuse("a " + kind + " is a name and a type");
     Operation writing = operation;
@@ -172,6 +176,7 @@ class TableReader {
     return argument;
   }
 
+  // Types are looked up by their words here and compared by their addresses afterwards.
   [[nodiscard]] const Type* TypeOf(const std::string& word) const {
     const Type* type = FindType(word);
     if (type == nullptr) Refuse("\"" + word + "\" is no type");
@@ -195,6 +200,7 @@ class TableReader {
   void Add(Operation operation) {
     std::vector<Operation>& all = classes_.back().operations;
     for (const Operation& other : all) {
+      // A number is what compiled programs call by, so it must never come to mean something else.
       if ((other.number == operation.number) != (other.name == operation.name)) {
         Refuse(operation.name + " " + std::to_string(operation.number) + " and " + other.name + " " +
                std::to_string(other.number) + ": the halves of a property alone share name and number");

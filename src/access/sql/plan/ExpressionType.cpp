@@ -105,6 +105,7 @@ DataType TypeOfCall(const Expression& call, const SelectPlan& plan) {
   return DataType::WChar;
 }
 
+/// Of a column of a derived table the type is the one that its select gives.
 DataType TypeOfColumn(const Slot& slot, const SelectPlan& plan) {
   if (slot.kind == Slot::Kind::Item) return TypeOf(*plan.select->items[slot.column].expression, plan);
   if (slot.kind == Slot::Kind::None) return DataType::WChar;
@@ -114,6 +115,7 @@ DataType TypeOfColumn(const Slot& slot, const SelectPlan& plan) {
                       : source.derived->outputs[slot.column].column.type;
 }
 
+/// A sub-select as a value gives its first column.
 DataType TypeOfSubselect(const SelectPlan* subselect) {
   const bool isKnown = subselect != nullptr && !subselect->outputs.empty();
   return isKnown ? subselect->outputs.front().column.type : DataType::WChar;

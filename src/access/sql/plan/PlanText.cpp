@@ -47,6 +47,7 @@ void WriteList(const Expression& expression, std::size_t first, std::string& tex
   text += expression.subselect ? "Select ...)" : ")";
 }
 
+/// Between, In, Is Null, Like, comparisons with Any or All, Exists: each with its Not where the text has it.
 void WriteCondition(const Expression& expression, std::string& text) {
   const std::string negation = expression.negated ? "Not " : "";
   if (expression.kind != ExpressionKind::Exists) Write(*expression.arguments[0], text);

@@ -99,6 +99,7 @@ bool SameKey(const RowValues& left, const RowValues& right) {
   return true;
 }
 
+// Among rows of one hash, which nearly always are one; `hash` is that of the row.
 std::optional<std::size_t> DistinctRows::Find(const RowValues& row, std::uint64_t hash) const {
   const auto [first, last] = numbers_.equal_range(hash);
   for (auto it = first; it != last; ++it) {
@@ -131,6 +132,7 @@ void HashIndex::Find(std::uint64_t hash, std::vector<std::uint32_t>& candidates)
   for (auto added = first; added != last; ++added) candidates.push_back(added->second);
 }
 
+// As of the making: entries that were added since do not count.
 double HashIndex::RowsPerKey() const {
   if (distinct_ == 0) return 1.0;
   return static_cast<double>(entries_.size()) / static_cast<double>(distinct_);

@@ -36,6 +36,7 @@ Aggregator::Aggregator(const Expression& call) : distinct_(call.distinct), name_
   const auto found = kKinds.find(name);
   if (found == kKinds.end()) throw StatementError("Undefined aggregate function '" + call.name + "' in expression.");
   kind_ = found->second;
+  // StDevP and VarP take the rows for all there are, the others for a sample.
   ofPopulation_ = name.back() == 'P';
   const bool ofRows = call.arguments.empty() || call.arguments[0]->kind == ExpressionKind::Star;
   if (ofRows && kind_ != Kind::Count) throw StatementError("The function " + call.name + " needs one argument.");
@@ -71,6 +72,7 @@ void Aggregator::Add(const Value& value) {
 }
 
 void Aggregator::AddNumber(const Value& value) {
+  // A text is not converted, not even one that looks like a number.
   if (FamilyOf(value) != ValueFamily::Number) {
     throw EngineError(ErrorNumber::ProviderTypeConflict,
                       "Data type mismatch in criteria expression. " + name_ + " needs numbers.");
@@ -91,6 +93,7 @@ Value Aggregator::Result() const {
   switch (kind_) {
     case Kind::CountRows:
     case Kind::Count:
+      // Counts are whole numbers of 32 bits for record sets.
       return static_cast<std::int32_t>(count_);
     case Kind::Minimum:
     case Kind::Maximum:

@@ -11,6 +11,7 @@ namespace tavi::access::sql {
 
 namespace {
 
+/// `time` goes into the catalogue, as the moment of the change.
 class DefinitionRunner {
  public:
   DefinitionRunner(Database& changed, Date time) : database_(changed), now_(time) {}
@@ -23,6 +24,7 @@ class DefinitionRunner {
   void operator()(const DropTable& statement) const { database_.DropTable(statement.table); }
   void operator()(const AddColumn& statement) const {
     database_.AddColumn(statement.table, statement.column, now_);
+    // What a column brings along (PRIMARY KEY, UNIQUE, REFERENCES) is made when the column is there.
     if (statement.index) database_.CreateIndex(statement.table, *statement.index, now_);
     if (statement.relationship) Relate(*statement.relationship);
   }
@@ -58,6 +60,7 @@ class DefinitionRunner {
     const std::shared_ptr<Table> table = database_.OpenTable(name);
     std::vector<std::string> names;
     for (const Index& index : table->Indexes()) {
+      // In the order of the key, in which the referring columns are matched with it.
       if (!index.primaryKey) continue;
       for (const std::size_t column : index.columns) names.push_back(table->Columns()[column].definition.name);
     }
@@ -110,6 +113,7 @@ ColumnDesign DesignFor(const OutputColumn& output, const SelectPlan& plan) {
   ColumnDesign design;
   design.name = output.column.name;
   design.type = TypeFor(output.column.type);
+  // Rules, defaults and automatic numbering do not come along: the rows are values here.
   const bool isTableColumn = output.slot && plan.sources[output.slot->source].table;
   if (!isTableColumn) return design;
   const ColumnDefinition& origin = plan.sources[output.slot->source].table->Columns()[output.slot->column].definition;

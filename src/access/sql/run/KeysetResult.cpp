@@ -81,6 +81,7 @@ const std::optional<std::vector<SourceRow>>& KeysetResult::RowAt(std::size_t row
   return block_.rows[row - block_.first];
 }
 
+// Rows that are gone or cannot be read have their places in the block, so that places in it are those of the set.
 void KeysetResult::ReadBlock(std::size_t first, std::size_t count) {
   block_.rows.clear();
   block_.first = first;
@@ -151,11 +152,13 @@ void KeysetResult::MoveNext() {
   Update();
   if (position_ >= Count()) RaiseNoCurrentRow();
   runner_.GoOnUnlessCancelled();
+  // A row that was deleted meanwhile is passed over, which takes reading it.
   do {
     ++position_;
   } while (position_ < Count() && !RowAt(position_));
 }
 
+// Where no row is left before, the position stays.
 void KeysetResult::MovePrevious() {
   Update();
   for (std::size_t row = position_; row > 0; --row) {
@@ -198,6 +201,7 @@ Value KeysetResult::ComputedValue(std::size_t column, const std::vector<SourceRo
   return scope.OutputValue(column);
 }
 
+// At the first assignment, before somebody has filled a whole row.
 void KeysetResult::RefuseReadOnly() const {
   Pager& pager = runner_.GetPager();
   if (pager.IsReadOnly()) throw ReadOnlyError(pager.Path());
@@ -270,6 +274,7 @@ void KeysetResult::StoreEdits() {
   runner_.Change([&](StatementContext&, TableChanges& changes) {
     RefreshTables();
     for (std::size_t source = 0; source < width_; ++source) {
+      // The edits are sorted by source, so those of one stand together, and each row is written once.
       const auto first = edits_.lower_bound({source, 0});
       if (first == edits_.end() || first->first.first != source) continue;
       const RowPointer pointer = PointerAt(position_, source);

@@ -71,6 +71,7 @@ void IndexRange::SetEnds(const AccessPath& path, std::vector<Value> equals, cons
     if (!key) isUsable_ = false;
     return key;
   };
+  // No bounds are left then, and at most one entry is found.
   isOneKey_ = index.definition.unique && path.equals.size() == index.columns.size();
   if (!path.equals.empty()) first_ = last_ = keyOf(nullptr);
   const bool ascending = path.equals.size() >= index.ascending.size() || index.ascending[path.equals.size()];
@@ -141,6 +142,7 @@ bool RowSearch::RunOuter(const PlanNode& node, Visit visit) {
       found = true;
       return PassOn(node, visit);
     });
+    // Stopped within, or a partner was found: no row of nulls then.
     if (!goOn || found) return goOn;
     for (std::size_t i = 0; i < scope_.rows.size(); ++i) {
       if ((node.parts[1]->sources >> i & 1U) != 0) scope_.rows[i].present = false;
@@ -175,6 +177,7 @@ bool RowSearch::RunTable(const PlanNode& node, Visit visit) {
   std::vector<std::uint32_t> rows;
   if (node.path.kind != AccessPath::Kind::Scan && Candidates(node.path, node.source, rows)) {
     std::sort(rows.begin(), rows.end());
+    // An index in memory may hold a row twice, when its value was changed and changed back.
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     const bool mayBeGone = UsesMemory(node.path);
     for (const std::uint32_t packed : rows) {
@@ -244,6 +247,7 @@ const std::vector<RowValues>& RowSearch::DerivedRows(std::size_t source) {
   return *scope_.Context().derived[&derived];
 }
 
+// Kept for the life of the search: the rows of a derived table stay as they are in a statement.
 const HashIndex& RowSearch::DerivedIndex(std::size_t source, std::size_t column) {
   const auto found = derivedIndexes_.find({source, column});
   if (found != derivedIndexes_.end()) return found->second;
@@ -297,6 +301,7 @@ bool RowSearch::MemoryCandidates(const AccessPath& path, std::size_t source, std
     if (fits && !IsNull(value)) DerivedIndex(source, column).Find(HashOf(value), rows);
     return fits;
   }
+  // No row equals null: there are no candidates, and no scan is needed.
   if (IsNull(value)) return true;
   if (FamilyOf(value) != FamilyOf(planned.table->Columns()[column].definition.type)) return false;
   // A nested level is run again for rows of the level around it.

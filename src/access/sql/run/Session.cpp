@@ -39,6 +39,7 @@ bool IsQuery(const Statement& statement) {
   return select != nullptr && select->into.empty();
 }
 
+/// What changes neither rows nor transactions, which have been dealt with before.
 bool IsDefinition(const Statement& statement) {
   return !std::holds_alternative<Select>(statement) && !std::holds_alternative<Insert>(statement) &&
          !std::holds_alternative<Update>(statement) && !std::holds_alternative<Delete>(statement);
@@ -52,6 +53,8 @@ std::vector<ResultColumn> ColumnsOf(const SelectPlan& plan) {
 
 /// The statement behind a leading EXPLAIN; nothing when the text does not begin with that word.
 std::optional<std::string_view> ExplainedStatement(std::string_view text) {
+  // The word is no part of the grammar. It is cut off before parsing, so that the statement behind it is remembered,
+  // and its plan with it, as if it had been run.
   constexpr std::string_view kWord = "EXPLAIN";
   constexpr std::string_view kBlanks = " \t\r\n";
   const std::size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
@@ -66,6 +69,7 @@ std::optional<std::string_view> ExplainedStatement(std::string_view text) {
 /// A plan's lines as the rows of one column.
 std::unique_ptr<ResultSet> PlanRowsOf(const std::string& plan) {
   std::vector<RowValues> rows;
+  // A definition would give an empty result, which says nothing.
   std::string_view lines = plan.empty() ? "definition, no plan" : std::string_view(plan);
   while (!lines.empty()) {
     const std::size_t end = std::min(lines.find('\n'), lines.size());
@@ -91,6 +95,7 @@ std::shared_ptr<PreparedStatement> Session::Prepare(std::string_view key, Parsin
 }
 
 void Session::MakeReady(PreparedStatement& prepared) {
+  // A result set that runs on an older plan keeps it alive; this statement gets a new one.
   if (prepared.plan && IsStillGood(*prepared.plan, runner_.GetDatabase())) return;
   PlanContext context{runner_.GetDatabase(), runner_.IndexesInMemory(), options_};
   Plan(prepared, context);
@@ -163,6 +168,7 @@ bool Session::HasTable(std::string_view name) {
   return runner_.GetDatabase().FindTable(name) != nullptr;
 }
 
+// Planning only reads, so that also a statement that would change rows is planned under the readers' lock.
 std::string Session::Explain(std::string_view text) {
   const auto parse = [&] { return Parse(text, FindFunction); };
   std::shared_ptr<PreparedStatement> prepared = Prepare(text, parse);
