@@ -93,7 +93,7 @@ class Compacting {
     }
   }
 
-  // Damage that a rebuild mends (indexes, counters) may be there; what would be lost in one makes it refuse.
+  /// Damage that a rebuild mends (indexes, counters) may be there; what would be lost in one makes it refuse.
   void CheckSource() {
     const CheckResult result = CheckFile(source_, CheckKind::Ordinary, progress_);
     hadBrokenRelationships_ =
@@ -112,8 +112,8 @@ class Compacting {
     Pager::Create(*fileSystem_, newPath_, pages, path_);
   }
 
-  // Read from the disk, not from memory. Strict, since nothing that was just made may have leftovers of any kind; and
-  // then row by row against the old file.
+  /// Read from the disk, not from memory. Strict, since nothing that was just made may have leftovers of any kind; and
+  /// then row by row against the old file.
   void CheckNewFile() {
     Database made(Open(newPath_, false));
     const CheckResult result = CheckFile(made, CheckKind::Strict, progress_);
@@ -140,8 +140,8 @@ class Compacting {
     result_.bytesBefore = CopyFile(*fileSystem_, *old, copyPath_, path_);
   }
 
-  // In this order: a stop between the steps leaves the new file, and its name, beside the old one, or the copy of the
-  // old one beside the new file, which then has only not got its name yet.
+  /// In this order: a stop between the steps leaves the new file, and its name, beside the old one, or the copy of the
+  /// old one beside the new file, which then has only not got its name yet.
   CompactResult Swap() {
     result_.bytesAfter = SizeOf(newPath_);
     fileSystem_->SyncFolderOf(path_);
@@ -162,8 +162,8 @@ class Compacting {
     return fileSystem_->Exists(copyPath_) && !fileSystem_->Exists(newPath_);
   }
 
-  // The copy is made after the new file was written, and renaming keeps a file's time: so the file is the later one of
-  // the two only when somebody has changed it.
+  /// The copy is made after the new file was written, and renaming keeps a file's time: so the file is the later one of
+  /// the two only when somebody has changed it.
   [[nodiscard]] bool IsWrittenSinceTheBackup() {
     const auto stamp = [&](const std::string& path) {
       return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->ModificationStamp();
@@ -173,7 +173,7 @@ class Compacting {
 
   /// What a run gave that has left the file as it is now: compacting it once more would change nothing, and keep a
   /// second backup of it.
-  // The last backup tells how large the file was before.
+  /// The last backup tells how large the file was before.
   [[nodiscard]] std::optional<CompactResult> FindFormerRun() {
     CompactResult former;
     for (unsigned number = 1; fileSystem_->Exists(BackupName(number)); ++number) former.backup = BackupName(number);
@@ -214,7 +214,7 @@ class Compacting {
     return result_;
   }
 
-  // The number goes before the ending, so that programs still know the kind of the file.
+  /// The number goes before the ending, so that programs still know the kind of the file.
   [[nodiscard]] std::string BackupName(unsigned number) const {
     const std::size_t nameStart = path_.find_last_of("/\\") + 1;  // 0 when there is no folder
     const std::size_t dot = path_.find_last_of('.');

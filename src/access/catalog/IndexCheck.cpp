@@ -27,7 +27,7 @@ class IndexCheck {
         report_(report),
         where_("index '" + made_.name + "' of table '" + table.Name() + "'") {}
 
-  // Two guards: a tree that is damaged in one place may still tell something of its entries.
+  /// Two guards: a tree that is damaged in one place may still tell something of its entries.
   void Run() {
     report_.Guard("The " + where_, [&] { CheckPages(); });
     report_.Guard("The " + where_, [&] { CheckEntries(); });
@@ -53,7 +53,7 @@ class IndexCheck {
     }
   }
 
-  // The whole tree is walked by its leaves, as searches would reach them.
+  /// The whole tree is walked by its leaves, as searches would reach them.
   void CheckEntries() {
     std::vector<IndexEntry> stored;
     for (auto cursor = table_.Tree(index_).SeekFirst(std::nullopt); cursor->Current() != nullptr; cursor->Next())
@@ -92,7 +92,7 @@ class IndexCheck {
     }
   }
 
-  // A null in a key that must not have one is a finding about the row; it has its entry all the same.
+  /// A null in a key that must not have one is a finding about the row; it has its entry all the same.
   std::vector<IndexEntry> MakeEntries(const KeyEncoder& encoder) {
     std::vector<bool> wanted(table_.Columns().size());
     for (const std::size_t column : made_.columns) wanted[column] = true;
@@ -125,7 +125,7 @@ class IndexCheck {
     return differing;
   }
 
-  // An entry under a wrong key appears twice: as missing under its own, as unwanted under the other.
+  /// An entry under a wrong key appears twice: as missing under its own, as unwanted under the other.
   void Compare(const std::vector<IndexEntry>& stored, const std::vector<IndexEntry>& expected) {
     std::vector<IndexEntry> missing;
     std::vector<IndexEntry> unwanted;
@@ -137,7 +137,7 @@ class IndexCheck {
       report_.Add("The " + where_ + " has an entry for the " + NameOf(entry.row) + " that no such row has.");
   }
 
-  // Rows whose key is all null may be several in a unique index.
+  /// Rows whose key is all null may be several in a unique index.
   void CheckUnique(const std::vector<IndexEntry>& stored) {
     if (!made_.definition.unique) return;
     for (std::size_t i = 1; i < stored.size(); ++i) {

@@ -60,6 +60,7 @@ void PageOwners::ClaimMap(RowPointer map, const std::string& owner) {
   });
 }
 
+// Only now is it known which rows of a page of maps are in use, whichever tables they serve.
 void PageOwners::CheckMapPages() {
   std::set<PageNumber> pages;
   for (const auto& [map, owner] : maps_) pages.insert(map.page);

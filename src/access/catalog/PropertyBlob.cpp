@@ -30,7 +30,7 @@ constexpr std::size_t kMaximumDataSize = 64000;
 /// Reads a blob from front to back; each read is checked.
 class Reader {
  public:
-  // `base` is where these bytes begin in the blob, for messages that say at which byte of the whole.
+  /// `base` is where these bytes begin in the blob, for messages that say at which byte of the whole.
   Reader(std::span<const std::uint8_t> bytes, std::size_t base) : bytes_(bytes), base_(base) {}
 
   [[nodiscard]] bool AtEnd() const { return place_ == bytes_.size(); }
@@ -95,6 +95,7 @@ void AppendChunk(Bytes& out, std::uint16_t kind, const Bytes& body) {
   out.insert(out.end(), body.begin(), body.end());
 }
 
+/// The length counts bytes. Names are those of properties, or of the columns that have them.
 std::string ReadName(Reader& reader, bool wide, const char* what) {
   const std::size_t size = reader.U16(what);
   return DecodePropertyText(reader.Take(size, what), wide);
@@ -161,6 +162,7 @@ PropertyBlob PropertyBlob::Parse(std::span<const std::uint8_t> bytes) {
 // Always in the form of Access 2000, since files of Access 97 are not written.
 Bytes PropertyBlob::Serialize() const {
   Bytes out(property_layout::kMagic.begin(), property_layout::kMagic.end());
+  // Names are numbered by their place in this chunk, so that it must come first.
   Bytes names;
   for (const std::string& name : names_) AppendName(names, name);
   AppendChunk(out, property_layout::kChunkNames, names);
@@ -237,6 +239,7 @@ void PropertyBlob::Set(std::string_view column, Property property) {
   auto group = std::ranges::find_if(groups_, [&](const Group& candidate) {
     return candidate.kind == property_layout::kChunkColumn && EqualIgnoringCase(candidate.name, column);
   });
+  // Found by name, as columns have no other tie to their properties: renaming one means renaming its chunk.
   if (group == groups_.end()) {
     groups_.push_back({property_layout::kChunkColumn, std::string(column), {}, {}});
     group = std::prev(groups_.end());

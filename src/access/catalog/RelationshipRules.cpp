@@ -129,7 +129,7 @@ class DeletePlanner {
     }
   }
 
-  // What the relationship says for deletes: rows go too, lose their reference, or hold the row that they refer to.
+  /// What the relationship says for deletes: rows go too, lose their reference, or hold the row that they refer to.
   void Add(const LogicalIndexDefinition& side, const Partner& foreign, RowPointer child) {
     const TableRow row{foreign.table, child};
     if (side.cascadeDeletes == format::logical_index::kCascadeYes) {

@@ -21,7 +21,7 @@ auto BitsOf(Number number) {
 /// A sum of values that tells nearly all that differ apart.
 class ValueHash {
  public:
-  // The kind goes in as well: an empty text and no bytes are different values.
+  /// The kind goes in as well: an empty text and no bytes are different values.
   void Add(const Value& value) {
     AddNumber(value.index());
     std::visit([this](const auto& content) { AddContent(content); }, value);

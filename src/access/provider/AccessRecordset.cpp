@@ -8,6 +8,7 @@ namespace tavi::access {
 
 AccessRecordset::AccessRecordset(std::shared_ptr<OpenFile> file, std::unique_ptr<sql::ResultSet> rows, bool isReadOnly)
     : file_(std::move(file)), rows_(std::move(rows)), isReadOnly_(isReadOnly) {
+  // They do not change while the record set is open.
   for (const sql::ResultColumn& column : rows_->Columns()) fields_.push_back({column.name, column.type});
 }
 

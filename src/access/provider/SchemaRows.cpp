@@ -80,6 +80,7 @@ RowValues ColumnRow(const Table& table, std::size_t position) {
           hasDefault ? Value{column.defaultExpression} : Value{}};
 }
 
+/// Positions are sorted and not columns, as a row tells the position in the table too.
 std::unique_ptr<sql::ResultSet> ListColumns(Database& database) {
   std::vector<RowValues> rows;
   for (const auto& table : UserTables(database)) {
@@ -142,6 +143,7 @@ void AddIndexRows(const Table& table, std::vector<RowValues>& rows) {
             [](const Index* left, const Index* right) { return CompareIgnoringCase(left->name, right->name) < 0; });
   for (const Index* index : indexes) {
     for (std::size_t i = 0; i < index->columns.size(); ++i) {
+      // The numbers of columns begin at 1, here as in ListColumns.
       rows.push_back({table.Name(), index->name, index->primaryKey, index->definition.unique,
                       static_cast<std::int32_t>(i + 1), table.Columns()[index->columns[i]].definition.name,
                       index->ascending[i] ? kAscending : kDescending});
@@ -175,6 +177,7 @@ std::unique_ptr<sql::ResultSet> ListSchema(Database& database, ado::SchemaKind k
     case ado::SchemaKind::Indexes:
       return ListIndexes(database);
   }
+  // Programs ask by number, and may ask for one that ADO has and this provider has not.
   throw sql::StatementError("The schema list " + std::to_string(static_cast<int>(kind)) + " is not known.");
 }
 

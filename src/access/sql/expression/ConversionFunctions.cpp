@@ -45,6 +45,7 @@ Value CDate(Arguments arguments, const Scope&) {
   return DateOf(arguments[0]);
 }
 
+/// A single has 24 bits: what is left of the digits is rounded, what is too large is refused.
 Value CSng(Arguments arguments, const Scope&) {
   const double number = NumberOf(arguments[0]);
   if (std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())) RaiseOverflow();
@@ -89,6 +90,7 @@ Value CBool(Arguments arguments, const Scope&) {
 }
 
 /// The number with a blank in the place of its sign when it has none.
+/// The blank is the place of the sign, so that columns of such texts stand in line.
 Value Str(Arguments arguments, const Scope&) {
   const bool isNegative = NumberOf(arguments[0]) < 0.0;
   return (isNegative ? "" : " ") + TextOf(arguments[0]);

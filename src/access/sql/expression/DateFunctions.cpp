@@ -102,6 +102,7 @@ Value TimeSerial(Arguments arguments, const Scope&) {
   return DateOfParts(0, minutes * 60 + LongOf(arguments[2]));
 }
 
+/// A date with a time loses it here, and its day in TimeValue.
 Value DateValue(Arguments arguments, const Scope&) {
   return DateOf(arguments[0]).DayOnly();
 }
@@ -114,6 +115,8 @@ Value DateAdd(Arguments arguments, const Scope&) {
   return AddInterval(IntervalOf(TextOf(arguments[0])), std::trunc(NumberOf(arguments[1])), DateOf(arguments[2]));
 }
 
+/// Borders that lie between the dates, see CountIntervals. More than a Long holds, such as the seconds of 70 years, is
+/// an overflow.
 Value DateDiff(Arguments arguments, const Scope&) {
   const std::int64_t difference = CountIntervals(IntervalOf(TextOf(arguments[0])), DateOf(arguments[1]),
                                                  DateOf(arguments[2]), FirstDayOf(arguments, 3));

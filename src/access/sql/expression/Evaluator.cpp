@@ -52,6 +52,7 @@ Truth Not(Truth truth) {
   return FromBool(truth == Truth::False);
 }
 
+/// For the conditions that have their Not inside: Not In, Not Like, Not Between.
 Truth NotIf(bool negated, Truth truth) {
   return negated ? Not(truth) : truth;
 }
@@ -59,6 +60,7 @@ Truth NotIf(bool negated, Truth truth) {
 /// Raises a type conflict for values that have no order between them, such as a text and a number.
 Truth Compare(Operator op, const Value& left, const Value& right) {
   if (IsNull(left) || IsNull(right)) return Truth::Unknown;
+  // One comparison answers all six operators.
   const int order = CompareValues(left, right);
   switch (op) {
     case Operator::Equal:
@@ -106,6 +108,7 @@ Truth EvaluateBetween(const Expression& expression, const Scope& scope) {
   const Operand one(*expression.arguments[1], scope);
   const Operand other(*expression.arguments[2], scope);
   const bool isSwapped = !IsNull(one.Get()) && !IsNull(other.Get()) && CompareValues(one.Get(), other.Get()) > 0;
+  // Exchanged only where both are known: with a Null there is no telling which is the lower.
   const Value& low = isSwapped ? other.Get() : one.Get();
   const Value& high = isSwapped ? one.Get() : other.Get();
   return NotIf(expression.negated, And(Compare(Operator::GreaterOrEqual, tested.Get(), low),
@@ -124,6 +127,7 @@ Truth EvaluateIn(const Expression& expression, const Scope& scope) {
       if (found == Truth::True) break;
     }
   }
+  // The items behind the first argument, one by one until one is equal: those behind it are not evaluated.
   for (std::size_t i = 1; i < expression.arguments.size() && found != Truth::True; ++i) {
     found = Or(found, Compare(Operator::Equal, tested.Get(), Operand(*expression.arguments[i], scope).Get()));
   }
@@ -206,6 +210,7 @@ Value EvaluateCall(const Expression& expression, const Scope& scope) {
   if (IsAggregate(expression)) return scope.AggregateValue(expression);
   const Function* function = expression.function;
   if (function == nullptr || !function->Accepts(expression.arguments.size())) {
+    // Only for trees that no parser has made, which refuses such calls itself.
     throw Error(ErrorNumber::ProviderSyntax, kErrorSource,
                 "Undefined function '" + expression.name + "' in expression.");
   }

@@ -46,6 +46,7 @@ DatePiece PieceAt(std::string_view pattern, std::size_t place) {
     const std::string_view here = pattern.substr(place, marker.size());
     if (EqualIgnoringCase(here, marker)) return {DatePiece::Kind::HalfOfDay, here, marker.size()};
   }
+  // c both, d day, w weekday and week, m month or minute, q quarter, y year, h hour, n minute, s second, t time.
   constexpr std::string_view kLetters = "cdwmqyhnst";
   if (kLetters.find(letter) == std::string_view::npos) return {DatePiece::Kind::Text, pattern.substr(place, 1), 1};
   std::size_t length = 1;
@@ -82,7 +83,7 @@ class DateFormatter {
   }
 
  private:
-  // The halves are written as in the marker, "am/pm" in small letters; AMPM, which has no stroke, gives capitals.
+  /// The halves are written as in the marker, "am/pm" in small letters; AMPM, which has no stroke, gives capitals.
   [[nodiscard]] std::string HalfOfDay(std::string_view marker) const {
     constexpr int kNoon = 12 * 3600;
     const std::size_t slash = marker.find('/');
@@ -90,7 +91,7 @@ class DateFormatter {
     return std::string(second_ < kNoon ? marker.substr(0, slash) : marker.substr(slash + 1));
   }
 
-  // Lengths beyond the longest known one are those of the longest, but for t, which stands for itself then.
+  /// Lengths beyond the longest known one are those of the longest, but for t, which stands for itself then.
   [[nodiscard]] std::string Field(char letter, std::size_t length) const {
     switch (letter) {
       case 'd':

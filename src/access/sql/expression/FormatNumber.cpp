@@ -38,8 +38,8 @@ class Digits {
   void Shift(int places) { point_ += IsZero() ? 0 : places; }
 
   /// Rounds to a number of decimals.
-  // Halves go away from zero. Of a number whose first digit lies two places or more behind the last one that is kept
-  // nothing is left.
+  /// Halves go away from zero. Of a number whose first digit lies two places or more behind the last one that is kept
+  /// nothing is left.
   void Round(int decimals) {
     const int kept = point_ + decimals;
     if (kept >= static_cast<int>(digits_.size())) return;
@@ -78,7 +78,7 @@ class Digits {
     point_ = read.exponent + 1;
   }
 
-  // Carries over nines: 99.9 becomes 100, which has a digit more before the point.
+  /// Carries over nines: 99.9 becomes 100, which has a digit more before the point.
   void Increment() {
     std::size_t place = digits_.size();
     while (place > 0 && digits_[place - 1] == '9') digits_[--place] = '0';
@@ -90,7 +90,7 @@ class Digits {
     }
   }
 
-  // Zeros at either end say nothing: the point moves with those that go from the front.
+  /// Zeros at either end say nothing: the point moves with those that go from the front.
   void Normalize() {
     digits_.erase(digits_.find_last_not_of('0') + 1);
     const std::size_t zeros = std::min(digits_.find_first_not_of('0'), digits_.size());
@@ -188,7 +188,7 @@ class LayoutReader {
     layout_.scientific = true;
   }
 
-  // A quote that is not closed reaches to the end.
+  /// A quote that is not closed reaches to the end.
   void ReadQuoted(char quote) {
     ++place_;
     const std::size_t end =

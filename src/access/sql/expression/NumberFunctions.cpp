@@ -24,6 +24,7 @@ bool IsWhole(const Value& value) {
 
 Value Abs(Arguments arguments, const Scope&) {
   const Value& value = arguments[0];
+  // A text becomes the number that it writes.
   if (std::holds_alternative<std::string>(value)) return std::abs(NumberOf(value));
   return NumberOf(value) < 0.0 ? Negated(value) : value;
 }
@@ -46,6 +47,7 @@ Value Cut(const Value& value, double (*cut)(double)) {
     if (goesDown && __builtin_sub_overflow(result, kUnit, &result)) RaiseOverflow();
     return Currency{result};
   }
+  // A date stays a date: of one since 1900 Int is the day without the time.
   const double whole = cut(NumberOf(value));
   return std::holds_alternative<Date>(value) ? Value(DateOfNumber(whole)) : Value(whole);
 }

@@ -58,6 +58,7 @@ std::u32string SearchForm(const std::u32string& text, bool binary) {
   return form;
 }
 
+/// Characters, not bytes.
 Value Len(Arguments arguments, const Scope&) {
   return AsLong(TextLength(TextOf(arguments[0])));
 }
@@ -157,6 +158,7 @@ Value Replace(Arguments arguments, const Scope&) {
   return result + FromCodePoints(std::u32string_view(text).substr(done));
 }
 
+/// The length is bounded before the text is made.
 Value Space(Arguments arguments, const Scope&) {
   const std::size_t count = CountOf(arguments[0]);
   CheckLength(count);
@@ -197,6 +199,7 @@ Value StrComp(Arguments arguments, const Scope&) {
   return order < 0 ? -1 : order > 0 ? 1 : 0;
 }
 
+/// By code points: an accent that is a character of its own moves to the other neighbour.
 Value StrReverse(Arguments arguments, const Scope&) {
   std::u32string text = Characters(arguments[0]);
   std::reverse(text.begin(), text.end());

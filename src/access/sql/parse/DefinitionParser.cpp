@@ -21,6 +21,7 @@
 namespace tavi::access::sql {
 namespace {
 
+// The name that Access gives a primary key.
 constexpr const char* kPrimaryKeyName = "PrimaryKey";
 
 /// PRIMARY KEY or UNIQUE, if one comes next: an index without a name and columns.
@@ -247,6 +248,7 @@ void ReadIndexOptions(TokenStream& stream, IndexDesign& index) {
   } while (stream.TakeSymbol(","));
 }
 
+/// UNIQUE stood before INDEX and is handed on; the options behind the columns can add to it.
 Statement ReadCreateIndex(TokenStream& stream, bool unique) {
   CreateIndex create;
   stream.EnterPart("CREATE INDEX statement");
@@ -283,6 +285,7 @@ Statement ReadAlterAdd(TokenStream& stream, std::string table) {
   return add;
 }
 
+/// The design is that of a new column: what is not said becomes what it is for one, but the default stays.
 Statement ReadAlterColumn(TokenStream& stream, std::string table) {
   stream.TakeWord("COLUMN");
   ColumnConstraints constraints;
@@ -321,6 +324,7 @@ Statement ReadAlter(TokenStream& stream) {
   stream.FailExpecting("ADD, ALTER or DROP");
 }
 
+// An index is named with its table, since two tables may have indexes of one name.
 Statement ReadDrop(TokenStream& stream) {
   stream.EnterPart("DROP statement");
   if (stream.TakeWord("TABLE")) return DropTable{stream.ExpectName("a table name")};

@@ -75,8 +75,8 @@ class ExpressionReader {
     return Balanced(op.op, position, operands, 0, operands.size());
   }
 
-  // The operands from `from` up to `to` as a tree of as little depth as can be, in their order: of a thousand
-  // conditions ten levels instead of a thousand.
+  /// The operands from `from` up to `to` as a tree of as little depth as can be, in their order: of a thousand
+  /// conditions ten levels instead of a thousand.
   ExpressionPointer Balanced(Operator op, std::size_t position, std::vector<ExpressionPointer>& operands,
                              std::size_t from, std::size_t to) {
     if (to - from == 1) return std::move(operands[from]);
@@ -85,7 +85,7 @@ class ExpressionReader {
     return Binary(op, position, std::move(left), Balanced(op, position, operands, middle, to));
   }
 
-  // The place of a node is that of its operator.
+  /// The place of a node is that of its operator.
   ExpressionPointer Binary(Operator op, std::size_t position, ExpressionPointer left, ExpressionPointer right) {
     ExpressionPointer node = MakeExpression(ExpressionKind::Binary, position);
     node->op = op;
@@ -99,8 +99,8 @@ class ExpressionReader {
     node.arguments.push_back(std::move(argument));
   }
 
-  // Not takes a whole comparison, a sign only a power: -2 ^ 2 is -4. A sign before a number that is written out becomes
-  // part of the number.
+  /// Not takes a whole comparison, a sign only a power: -2 ^ 2 is -4. A sign before a number that is written out
+  /// becomes part of the number.
   ExpressionPointer ReadPrefix() {
     const std::size_t position = stream_.Peek().position;
     if (stream_.TakeWord("NOT")) return Unary(Operator::Not, position, ReadBinary(Tightness::Comparison));
@@ -141,7 +141,7 @@ class ExpressionReader {
            (ahead == 0 && word.IsWord("IS"));
   }
 
-  // The bounds of Between are read tighter than And, which stands between them.
+  /// The bounds of Between are read tighter than And, which stands between them.
   ExpressionPointer ReadPredicate(ExpressionPointer tested) {
     const std::size_t position = stream_.Peek().position;
     const bool negated = stream_.TakeWord("NOT");
@@ -179,7 +179,7 @@ class ExpressionReader {
     stream_.ExpectSymbol(")");
   }
 
-  // The sub-select has a number in the select around it; its own columns are counted from 1 again.
+  /// The sub-select has a number in the select around it; its own columns are counted from 1 again.
   void SetSubselect(Expression& node) {
     node.number = stream_.NextNumber();
     node.subselect = ReadSelect(stream_);
@@ -191,7 +191,7 @@ class ExpressionReader {
     return (word.IsWord("ALL") || word.IsWord("ANY") || word.IsWord("SOME")) && stream_.Peek(1).IsSymbol("(");
   }
 
-  // SOME is another word for ANY.
+  /// SOME is another word for ANY.
   ExpressionPointer ReadQuantified(ExpressionPointer left, Operator op, std::size_t position) {
     ExpressionPointer node = MakeExpression(ExpressionKind::Quantified, position);
     node->op = op;
@@ -203,8 +203,8 @@ class ExpressionReader {
     return node;
   }
 
-  // The order matters: a name with a bracket behind it is a call, and the words for constants are tried before columns.
-  // What is none of these is a column, so that its error says all that could have stood here.
+  /// The order matters: a name with a bracket behind it is a call, and the words for constants are tried before
+  /// columns. What is none of these is a column, so that its error says all that could have stood here.
   ExpressionPointer ReadPrimary() {
     const Token& token = stream_.Peek();
     if (token.kind == TokenKind::Literal) {
@@ -219,7 +219,7 @@ class ExpressionReader {
     return ReadColumn(stream_);
   }
 
-  // Brackets leave no trace but the shape of the tree.
+  /// Brackets leave no trace but the shape of the tree.
   ExpressionPointer ReadParentheses() {
     const std::size_t position = stream_.Take().position;
     ExpressionPointer inner;
@@ -263,8 +263,8 @@ class ExpressionReader {
     return call;
   }
 
-  // Aggregates are found by the plan and have numbers; all others are looked up once, here, and called through what was
-  // found.
+  /// Aggregates are found by the plan and have numbers; all others are looked up once, here, and called through what
+  /// was found.
   void CheckCall(Expression& call) {
     const bool isAggregate = IsAggregate(call);
     if (isAggregate) {

@@ -70,7 +70,7 @@ class Lexer {
     while (place_ < statement_.size() && IsBlank(statement_[place_])) ++place_;
   }
 
-  // One character tells the kind, but for the point, which may begin a number, and &, which joins texts.
+  /// One character tells the kind, but for the point, which may begin a number, and &, which joins texts.
   void ReadToken() {
     const char character = At();
     if (IsNameStart(character)) return ReadName();
@@ -83,14 +83,14 @@ class Lexer {
     ReadSymbol();
   }
 
-  // Keywords are names here: which of them is meant depends on the place, and is the parser's business.
+  /// Keywords are names here: which of them is meant depends on the place, and is the parser's business.
   void ReadName() {
     const std::size_t start = place_;
     while (IsNamePart(At())) ++place_;
     Add(TokenKind::Name, start, std::string(statement_.substr(start, place_ - start)));
   }
 
-  // There is no way to write the closing sign in such a name; the database refuses such names too.
+  /// There is no way to write the closing sign in such a name; the database refuses such names too.
   void ReadQuotedName(char closing) {
     const std::size_t start = place_;
     const std::size_t end = statement_.find(closing, start + 1);
@@ -103,7 +103,7 @@ class Lexer {
     Add(TokenKind::QuotedName, start, std::string(statement_.substr(start + 1, end - start - 1)));
   }
 
-  // Either quote opens a text, which ends at the same one. A doubled one stands for itself.
+  /// Either quote opens a text, which ends at the same one. A doubled one stands for itself.
   void ReadText(char quote) {
     const std::size_t start = place_++;
     std::string text;
@@ -121,7 +121,7 @@ class Lexer {
     AddLiteral(start, std::move(text));
   }
 
-  // Dates in statements are month first wherever the program runs; those in texts are day first.
+  /// Dates in statements are month first wherever the program runs; those in texts are day first.
   void ReadDate() {
     const std::size_t start = place_;
     const std::size_t end = statement_.find('#', start + 1);
@@ -138,11 +138,12 @@ class Lexer {
     AddLiteral(start, *date);
   }
 
-  // A sign is no part of it: "1-1" has three tokens. An E that no digits follow begins a name.
+  /// A sign is no part of it: "1-1" has three tokens. An E that no digits follow begins a name.
   void ReadNumber() {
     const std::size_t start = place_;
     bool whole = true;
     while (IsDigit(At())) ++place_;
+    // A point makes it a Double, also one that no digits follow.
     if (At() == '.') {
       whole = false;
       ++place_;
@@ -203,7 +204,7 @@ class Lexer {
     AddLiteral(start, static_cast<std::int32_t>(number));
   }
 
-  // Pairs are tried first, as each begins with a single one. The pair != is known only to be refused with advice.
+  /// Pairs are tried first, as each begins with a single one. The pair != is known only to be refused with advice.
   void ReadSymbol() {
     constexpr std::string_view kPairs[] = {"<=", ">=", "<>", "!="};
     constexpr std::string_view kSingles = "(),;.!+-*/\\^&=<>";
@@ -223,7 +224,7 @@ class Lexer {
     Add(TokenKind::Symbol, place_ - 1, std::string(pair.substr(0, 1)));
   }
 
-  // The place stands behind the token by now, so its length follows.
+  /// The place stands behind the token by now, so its length follows.
   void Add(TokenKind kind, std::size_t start, std::string text) {
     tokens_.push_back({kind, start, place_ - start, std::move(text), {}});
   }

@@ -37,7 +37,7 @@ class SourceReader {
   }
 
  private:
-  // Joins group from the left unless brackets say otherwise; each has its condition behind it.
+  /// Joins group from the left unless brackets say otherwise; each has its condition behind it.
   std::unique_ptr<Source> ReadJoins() {
     std::unique_ptr<Source> left = ReadPrimary();
     for (;;) {
@@ -51,7 +51,7 @@ class SourceReader {
     }
   }
 
-  // Nothing when no join begins here. A plain JOIN is an inner one; OUTER says nothing that LEFT and RIGHT do not.
+  /// Nothing when no join begins here. A plain JOIN is an inner one; OUTER says nothing that LEFT and RIGHT do not.
   std::optional<Source::Join> ReadJoinWords() {
     std::optional<Source::Join> kind;
     const Token& word = stream_.Peek();
@@ -84,7 +84,7 @@ class SourceReader {
     return join;
   }
 
-  // Brackets hold a sub-select, or sources that are to be joined before others.
+  /// Brackets hold a sub-select, or sources that are to be joined before others.
   std::unique_ptr<Source> ReadPrimary() {
     const std::size_t position = stream_.Peek().position;
     if (stream_.TakeSymbol("(")) {
@@ -104,6 +104,7 @@ class SourceReader {
     return source;
   }
 
+  /// Its columns are found by its own names; the name behind the bracket is that of all its columns outside.
   std::unique_ptr<Source> ReadSubselect(std::size_t position) {
     auto source = std::make_unique<Source>();
     source->kind = Source::Kind::Subselect;
@@ -117,7 +118,7 @@ class SourceReader {
     return source;
   }
 
-  // A name without AS must be no reserved word, which begins the next part.
+  /// A name without AS must be no reserved word, which begins the next part.
   void ReadAlias(Source& source) {
     if (stream_.TakeWord("AS")) {
       source.alias = stream_.ExpectName("another name for the table");
@@ -156,6 +157,7 @@ class SelectReader {
   }
 
  private:
+  /// A select is deeper than the deepest thing in it.
   void Deepen(Select& select, std::uint16_t depth) { select.depth = std::max(select.depth, stream_.Above(depth)); }
 
   ExpressionPointer ReadIn(Select& select) {
@@ -164,6 +166,7 @@ class SelectReader {
     return expression;
   }
 
+  /// One select without what stands behind a union. Parts are named as they are entered, for errors.
   std::shared_ptr<Select> ReadOne() {
     auto select = std::make_shared<Select>();
     stream_.EnterPart("SELECT statement");
@@ -186,6 +189,7 @@ class SelectReader {
     return select;
   }
 
+  /// DISTINCT compares the rows that come out, DISTINCTROW those that they were made of.
   void ReadPredicates(Select& select) {
     select.distinct = stream_.TakeWord("DISTINCT");
     select.distinctRow = !select.distinct && stream_.TakeWord("DISTINCTROW");
@@ -199,6 +203,7 @@ class SelectReader {
     if (select.topPercent && *select.top > 100) stream_.Fail(position, "Syntax error: TOP takes at most 100 PERCENT");
   }
 
+  /// Another name may be a reserved word, as AS says that one follows.
   SelectItem ReadItem(Select& select) {
     SelectItem item;
     const Token& token = stream_.Peek();
@@ -233,6 +238,7 @@ class SelectReader {
     }
   }
 
+  /// Only once, at the end: a select within a union has no order of its own.
   void ReadOrder(Select& select) {
     if (!stream_.TakeWord("ORDER")) return;
     stream_.EnterPart("ORDER BY clause");

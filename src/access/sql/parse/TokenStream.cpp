@@ -42,6 +42,7 @@ const Token& TokenStream::Peek(std::size_t ahead) const {
   return tokens_[std::min(place_ + ahead, tokens_.size() - 1)];
 }
 
+// The reference stays good: tokens are made once and never change.
 const Token& TokenStream::Take() {
   const Token& token = Peek();
   if (place_ + 1 < tokens_.size()) ++place_;
