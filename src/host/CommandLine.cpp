@@ -117,6 +117,7 @@ void AddFind(CLI::App& app, Choices& choices) {
   });
 }
 
+// Reads from standard input, so that the keys of a whole list cost one start of the program.
 void AddKeys(CLI::App& app, Choices& choices) {
   app.add_subcommand("keys", "Write the sound-alike keys of names: lines \"first\" or \"last\", a tab and a name")
       ->callback([&choices] { choices.action = [](const Context& context) { return WriteKeys(context); }; });

@@ -34,6 +34,7 @@ const char* NameOf(access::CheckPart part) {
   return "file";
 }
 
+/// With a bar for a large file, which is gone when the result is written.
 access::CheckResult RunCheck(const Context& context, access::Database& database, bool strict) {
   CheckProgressBar bar(context);
   return access::CheckFile(database, strict ? access::CheckKind::Strict : access::CheckKind::Ordinary, bar.Progress());
@@ -66,6 +67,7 @@ NameKeyCount CountKeys(const Context& context, access::Database& database, const
   return result.findings.empty() ? CountNameKeys(database, *context.platform->nameKeyService) : NameKeyCount();
 }
 
+/// Findings and remarks have the same members.
 Json JsonOf(const std::vector<access::CheckFinding>& findings) {
   Json list = Json::Array();
   for (const access::CheckFinding& finding : findings)
@@ -123,6 +125,7 @@ void WriteText(const Context& context, const std::string& file, const access::Ch
     WriteRemarks(context, keys, missing);
     return;
   }
+  // The number last: a person sees the end of a long list.
   context.out << name << ": damaged (" << (result.isCutShort ? "more than " : "") << result.findings.size()
               << (result.findings.size() == 1 ? " finding" : " findings") << ")\n"
               << Advice(result) << '\n';

@@ -43,6 +43,7 @@ Value OneValue(ado::Connection& connection, const std::string& statement) {
 // All questions over one connection, so that the figures are of one opening of the file.
 int ShowInfo(const Context& context) {
   const std::string file = context.ClubFile();
+  // By the provider, as all programs open it: what is told is what they see.
   const std::unique_ptr<ado::Connection> connection = Connect(context, file);
   const auto count = [&](const std::string& table) {
     return CellOf(OneValue(*connection, "Select Count(*) From " + table));
@@ -105,6 +106,7 @@ int Dump(const Context& context, const std::string& file, const std::string& fol
   const std::unique_ptr<access::Database> database = OpenToRead(context, file);
   const std::string target = AbsolutePath(NativePath(folder));
   MakeFolder(target);
+  // The names of the files are safe in any file system (DatabaseDump.h), whatever tables are called.
   DumpDatabase(*database, [&](const std::string& name, const std::string& text) {
     WriteFile(PathOf(JoinPath(target, NativePath(name))), text);
   });

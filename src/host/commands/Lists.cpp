@@ -129,6 +129,7 @@ int ListMembers(const Context& context, bool all) {
     std::string initials;
     std::string last;
     const std::string nationalNumber = club->GetEBUNoAndNames(member.number, first, initials, last);
+    // A row without a number is shown all the same: the list is where somebody would notice it.
     table.Add({Number(member.number), member.name, nationalNumber, Handicap(member.handicap), !member.retired});
   }
   club->CloseDatabase();
@@ -147,6 +148,7 @@ int ListPairs(const Context& context, bool all) {
     double handicap = 0.0;
     const bool active = club->IsRegularPair(pair.firstNumber, pair.secondNumber, alias, handicap);
     table.Add({std::int64_t{pair.firstNumber}, pair.firstName, std::int64_t{pair.secondNumber}, pair.secondName,
+               // An inactive pair's handicap is not kept up to date, so none is shown.
                pair.pairName, active ? Cell(Handicap(handicap)) : Cell(), active});
   }
   // Those without a number stand at the end: walks pass them over, and nobody would know of them.

@@ -18,6 +18,7 @@ namespace {
 
 constexpr int kPercentagePlaces = 2;
 
+/// Handicaps and master points have two decimals as well.
 Cell Percentage(const std::optional<double>& value) {
   return value ? Cell(Decimals{*value, kPercentagePlaces}) : Cell();
 }
@@ -91,6 +92,7 @@ void CloseAfter(MembershipDatabase& club, ScoredFile& file) {
 void WriteRemarks(const Context& context, const ScoredEvent& scored) {
   for (const std::string& remark : scored.event.remarks) context.error << "note: " << Printable(remark) << '\n';
   if (!scored.event.HasPercentages()) {
+    // A result is a percentage in the club's file; see EveningScorer.
     context.error << "note: " << Printable(scored.event.name)
                   << " has no percentages: its master points are stored, its results are not\n";
   }
@@ -114,6 +116,7 @@ void WriteJson(const Context& context, const std::vector<ScoredFile>& files) {
   for (const ScoredFile& file : files) {
     Json entry = {{"file", file.path}, {"stored", file.stored}};
     if (!file.error.empty()) entry["error"] = file.error;
+    // Of a file that was refused there are none.
     entry["events"] = Json::Array();
     for (const ScoredEvent& scored : file.events) {
       entry["events"].Add({{"competition", scored.competition},
@@ -138,6 +141,7 @@ std::vector<ScoredFile> ScoreFiles(const Context& context, MembershipDatabase& c
   for (const std::string& path : paths) {
     // Shown before the work on a file, as that is what one waits for.
     progress.Show(files.size(), path);
+    // Filled as far as the work comes; an error leaves in it what it has reached.
     ScoredFile file;
     file.path = path;
     try {
@@ -173,6 +177,7 @@ int Score(const Context& context, const std::vector<std::string>& paths) {
   }
   int exitCode = kSucceeded;
   for (const ScoredFile& file : files) {
+    // One file that was refused makes the command fail, though the others are stored.
     if (file.error.empty()) continue;
     context.error << "tavi: " << PrintableLines(file.error) << '\n';
     exitCode = kFailed;

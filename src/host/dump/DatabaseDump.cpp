@@ -96,6 +96,7 @@ JsonTree IndexTree(const access::Table& table, const access::LogicalIndexDefinit
   if (logical.realIndex < indexes.size()) real = indexes[logical.realIndex];
   JsonTree columns = JsonTree::Array();
   for (const access::IndexColumn& column : real.columns) {
+    // An index knows its columns by permanent number; of a damaged one the name is empty.
     const access::ColumnDefinition* definition = table.Definition().FindColumn(column.columnId);
     JsonTree tree = JsonTree::Object();
     tree.Set("name", JsonTree::Text(definition == nullptr ? std::string() : definition->name));
@@ -103,6 +104,7 @@ JsonTree IndexTree(const access::Table& table, const access::LogicalIndexDefinit
   }
   JsonTree tree = JsonTree::Object();
   tree.Set("name", JsonTree::Text(logical.name)).Set("columns", std::move(columns));
+  // A primary key is unique even where its flag does not say so.
   tree.Set("unique", JsonTree::Flag(real.unique || logical.kind == Kind::PrimaryKey));
   tree.Set("primaryKey", JsonTree::Flag(logical.kind == Kind::PrimaryKey));
   tree.Set("ignoreNulls", JsonTree::Flag(real.ignoreNulls)).Set("required", JsonTree::Flag(real.required));
@@ -215,6 +217,7 @@ std::vector<access::Relationship> FindUserRelationships(access::Database& databa
     if (entry.isSystem) systemTables.insert(access::NameKey(entry.name));
   std::vector<access::Relationship> relationships;
   for (const access::Relationship& relationship : database.Relationships()) {
+    // Names of tables without regard to case, as the database compares them.
     const bool isSystem = systemTables.contains(access::NameKey(relationship.primaryTable)) ||
                           systemTables.contains(access::NameKey(relationship.foreignTable));
     if (!isSystem) relationships.push_back(relationship);

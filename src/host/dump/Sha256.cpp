@@ -80,12 +80,14 @@ std::array<std::uint8_t, 32> Sha256(std::span<const std::uint8_t> bytes) {
   // The end mark is counted already.
   const bool fits = tail.size() + kLengthSize <= kBlockSize;
   tail.resize((fits ? kBlockSize : 2 * kBlockSize) - kLengthSize);
+  // High byte first, in the last eight bytes of the last block.
   const std::uint64_t bits = std::uint64_t{bytes.size()} * 8;
   for (std::size_t i = kLengthSize; i-- > 0;) tail.push_back(static_cast<std::uint8_t>(bits >> (8 * i)));
   for (std::size_t i = 0; i < tail.size(); i += kBlockSize) AddBlock(state, std::span(tail).subspan(i, kBlockSize));
 
   std::array<std::uint8_t, 32> digest{};
   for (std::size_t i = 0; i < digest.size(); ++i) {
+    // Each word of the state, its high byte first.
     digest[i] = static_cast<std::uint8_t>(state[i / 4] >> (24 - 8 * (i % 4)));
   }
   return digest;

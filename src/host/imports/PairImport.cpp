@@ -61,11 +61,13 @@ class Planner {
     if (first.number == second.number) {
       Refuse(line, "member " + std::to_string(first.number) + " is paired with themself; expected two members");
     }
+    // The same pair in either order is the same pair, in the file as in the club.
     const PairKey key = std::minmax(first.number, second.number);
     if (!seen_.insert(key).second) Refuse(line, "the pair stands twice in the file; expected it once");
     widths_.Require(PlaceInFile(file_.name, line.line), "KnownAs", line.knownAs.value_or(""));
     RecordChange change;
     change.line = line.line;
+    // In the order of the file, in which a new pair is entered; one that is there keeps its own.
     change.members = {first.number, second.number};
     change.name = first.Name() + " & " + second.Name();
     const auto stored = pairs_.find(key);
@@ -95,6 +97,7 @@ class Planner {
                        "; expected members' numbers");
     }
     const PersonName name{member->Value("first"), member->Value("known_as"), member->Value("last")};
+    // The name is there only to make sure of the number.
     if (!player.name.empty() && !FitsWholeName(name, player.name, keys_)) {
       Refuse(line, "the number is that of member " + std::to_string(member->number) + ", " + member->Name() +
                        ", but the name here is " + player.name +
@@ -133,6 +136,8 @@ void PairImport::Apply(const ImportPlan& plan, const ImportProgress& progress) {
   }
 }
 
+/// Stores one change: a new pair first by the operation that all programs use, which also brings back one that is
+/// there, and then the fields that the file gives.
 void PairImport::Store(const RecordChange& change) {
   const std::int32_t first = change.members.front();
   const std::int32_t second = change.members.back();
@@ -141,6 +146,7 @@ void PairImport::Store(const RecordChange& change) {
   std::string assignments;
   for (const FieldChange& field : change.fields) {
     const bool isName = field.field == "known_as";
+    // The planner has let only these two fields through.
     assignments +=
         (assignments.empty() ? "" : ", ") + (isName ? "KnownAs = " + cDatabase::SQLString(field.after)
                                                     : std::string("Active = ") + (field.after == "y" ? "-1" : "0"));

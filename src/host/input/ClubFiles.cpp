@@ -140,6 +140,7 @@ PairFile ReadPairFile(const std::string& path, bool passOverUnknown) {
     pair.line = row.line;
     pair.players = {PlayerOf(file, row, "1"), PlayerOf(file, row, "2")};
     if (file.HasColumn("known_as")) pair.knownAs = file.Field(row, "known_as");
+    // A missing column and an empty cell alike leave the pair as it is.
     pair.active = YesOrNoInCell(file, row, "active");
     read.pairs.push_back(std::move(pair));
   }

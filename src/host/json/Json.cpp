@@ -7,16 +7,22 @@
 
 #include "host/json/JsonScalars.h"
 
+// A JSON value as a tree of plain members. Names of an object stand beside their values, by place, and are looked for
+// one after the other: objects here have a dozen members, and requests at most a hundred, for which that is quick
+// enough, and it keeps the order in which they were put in.
 namespace tavi::host {
 namespace {
 
 /// What an element of a list of values must be for the list to be an object.
+/// {"a", 1} is a member of that name; so {{"a", "b"}, {"c", "d"}} is an object, and who wants an array of pairs says so
+/// (Array).
 bool IsMember(const Json& value) {
   return value.IsArray() && value.size() == 2 && value[0].IsText();
 }
 
 }  // namespace
 
+/// What differs between the ways of writing.
 struct Json::Layout {
   bool isAscii = false;
   bool isIndented = false;
@@ -36,6 +42,7 @@ Json::Json(std::initializer_list<Json> values) : kind_(Kind::Array) {
     return;
   }
   kind_ = Kind::Object;
+  // By name, so that the last of two members of one name counts.
   for (const Json& member : values) (*this)[member[0].Text()] = member[1];
 }
 
@@ -56,11 +63,13 @@ Json Json::Nothing() {
 Json Json::FromUnsigned(std::uint64_t number) {
   const bool isLarge = number > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
   Json json(isLarge ? Kind::LargeWhole : Kind::Whole);
+  // The bits are the same for numbers that fit; those that do not are told by their kind.
   json.whole_ = std::bit_cast<std::int64_t>(number);
   return json;
 }
 
 bool Json::Flag() const {
+  // A fault of the caller, who has to ask first, and not of the JSON.
   if (!IsFlag()) throw std::logic_error("a JSON value is not true or false");
   return whole_ != 0;
 }
@@ -68,6 +77,7 @@ bool Json::Flag() const {
 double Json::Number() const {
   if (!IsNumber()) throw std::logic_error("a JSON value is no number");
   if (kind_ == Kind::Double) return double_;
+  // Whole numbers beyond 53 bits are rounded.
   return kind_ == Kind::Whole ? static_cast<double>(whole_) : static_cast<double>(std::bit_cast<std::uint64_t>(whole_));
 }
 
@@ -92,6 +102,7 @@ const Json& Json::at(const std::string& name) const {
 }
 
 Json& Json::operator[](const std::string& name) {
+  // So that an object grows as it is filled, and so do those within it.
   if (IsNull()) kind_ = Kind::Object;
   const auto found = std::find(names_.begin(), names_.end(), name);
   if (found != names_.end()) return parts_[static_cast<std::size_t>(found - names_.begin())];
@@ -117,8 +128,10 @@ std::string Json::Indented() const {
   return out;
 }
 
+// It goes down as deep as the value is: who takes JSON from others looks at its depth first (ScanJson).
 void Json::Write(std::string& out, const Layout& layout, std::size_t depth) const {
   switch (kind_) {
+    // A mark that was forgotten in a value; null is the nearest to it.
     case Kind::Nothing:
     case Kind::Null:
       out += "null";
@@ -159,6 +172,7 @@ void Json::WriteParts(std::string& out, const Layout& layout, std::size_t depth)
 
 bool operator==(const Json& left, const Json& right) {
   if (left.IsNumber() && right.IsNumber()) {
+    // 1 and 1.0 are equal, as they are the same number to JSON.
     const bool areDoubles = left.kind_ == Json::Kind::Double || right.kind_ == Json::Kind::Double;
     return areDoubles ? left.Number() == right.Number() : left.kind_ == right.kind_ && left.whole_ == right.whole_;
   }

@@ -14,6 +14,7 @@ class JsonBuilder final : public nlohmann::json_sax<Library> {
  public:
   [[nodiscard]] Json Take() { return std::move(root_); }
 
+  // The library calls these as it reads, and goes on as long as they answer true.
   bool null() override { return Put(nullptr); }
   bool boolean(bool value) override { return Put(value); }
   bool number_integer(number_integer_t value) override { return Put(value); }
@@ -34,6 +35,7 @@ class JsonBuilder final : public nlohmann::json_sax<Library> {
   }
 
  private:
+  /// Puts a value where it belongs: into the object under the name that was read last, or at the end of the array.
   Json& Place(Json value) {
     if (open_.empty()) return root_ = std::move(value);
     Json& parent = *open_.back();
@@ -62,6 +64,7 @@ class JsonBuilder final : public nlohmann::json_sax<Library> {
 
 namespace {
 
+/// Walks over a text for an observer. What that throws passes through the library.
 class Scanner final : public nlohmann::json_sax<Library> {
  public:
   explicit Scanner(JsonObserver& observer) : observer_(observer) {}
@@ -83,6 +86,7 @@ class Scanner final : public nlohmann::json_sax<Library> {
   bool end_object() override { return Leave(); }
   bool end_array() override { return Leave(); }
   bool parse_error(std::size_t /*position*/, const std::string& /*token*/, const Library::exception& problem) override {
+    // The only thing that the library finds out of range is a number; the text behind it has not been looked at.
     foundHugeNumber_ = dynamic_cast<const Library::out_of_range*>(&problem) != nullptr;
     return false;
   }
@@ -123,6 +127,7 @@ std::string JsonText(const std::string& text, bool isAscii) {
   const auto standsForItself = [](char c) { return c >= ' ' && c < '\x7f' && c != '"' && c != '\\'; };
   // As most texts do; the library takes several times as long to find out.
   if (std::all_of(text.begin(), text.end(), standsForItself)) return '"' + text + '"';
+  // Replacing: texts of old files may be no UTF-8, and a reply with one odd letter is better than none.
   return Library(text).dump(-1, ' ', isAscii, Library::error_handler_t::replace);
 }
 

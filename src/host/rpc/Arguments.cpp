@@ -3,9 +3,16 @@
 #include <algorithm>
 #include <string_view>
 
+// From the parameters of a request to one value for each argument. A value that was not given is marked apart from null
+// (Json::Nothing), for null may be meant. Both get the standard value where there is one; where there is none, only an
+// object may be null, which stands for no object.
+//
+// By position two ways of counting are taken, because arguments that are passed back are seldom wanted as input:
+// GetEBUNoAndNames is called with a number and three names, which are only passed back, or with the number alone.
 namespace tavi::host {
 namespace {
 
+/// The call as a message shows it, with brackets around what may be left out: "GetHandicap(MemberID)".
 std::string Signature(const Operation& operation) {
   std::string text = std::string(operation.name) + "(";
   for (const Argument& argument : operation.arguments) {
@@ -39,6 +46,8 @@ std::vector<Json> NothingGiven(const Operation& operation) {
   return std::vector<Json>(operation.arguments.size(), Json::Nothing());
 }
 
+/// The order does not matter. A name that is none is refused, because a slip of the pen would pass for a standard
+/// value.
 std::vector<Json> ByName(const Operation& operation, const Json& params) {
   std::vector<Json> values = NothingGiven(operation);
   for (std::size_t place = 0; place < params.size(); ++place) {
@@ -63,6 +72,8 @@ bool LeavesGaps(const Operation& operation, std::size_t given) {
   return false;
 }
 
+/// All from the first one on, unless that leaves an argument without a value that needs one: then those that are passed
+/// back are stepped over.
 std::vector<Json> ByPosition(const Operation& operation, const Json& params) {
   std::vector<Json> values = NothingGiven(operation);
   if (params.size() > values.size()) {

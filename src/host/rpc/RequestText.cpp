@@ -5,6 +5,13 @@
 #include <cstdlib>
 #include <istream>
 
+// From the bytes of the input to a request, at a bounded cost, whoever sends them. A line is at most 16 MiB; its depth
+// and the members of its objects are looked at before anything is built of it. Each of these ends one request and not
+// the session.
+//
+// A number that no double holds, such as 1e999, makes the library refuse the whole text, so that of a batch nobody
+// would know which request it was. Such a number is replaced by an object, which no argument takes, and the text read
+// again: then just the request that holds it is refused.
 namespace tavi::host {
 namespace {
 
@@ -30,6 +37,7 @@ class LimitCheck final : public JsonObserver {
   std::vector<int> members_;  ///< of each open object so far
 };
 
+/// Raises RpcError for what goes beyond the limits. What is no JSON at all is found out by parsing.
 bool HoldsHugeNumber(const std::string& text) {
   LimitCheck check;
   return ScanJson(text, check) == JsonScan::HugeNumber;
@@ -38,6 +46,7 @@ bool HoldsHugeNumber(const std::string& text) {
 /// The place behind the text that begins at `start`, its closing quotation mark included.
 std::size_t EndOfString(const std::string& json, std::size_t start) {
   std::size_t end = start + 1;
+  // A backslash takes the next character with it, whatever it is.
   while (end < json.size() && json[end] != '"') end += json[end] == '\\' ? 2U : 1U;
   return std::min(end + 1, json.size());
 }
@@ -53,6 +62,7 @@ std::string WithoutHugeNumbers(const std::string& json) {
       end = std::min(json.find_first_not_of("0123456789+-.eE", start), json.size());
     }
     const std::string piece = json.substr(start, end - start);
+    // Pieces that are neither texts nor numbers are single characters, which read as 0.
     const bool isHuge = piece[0] != '"' && std::isinf(std::strtod(piece.c_str(), nullptr));
     // The inner array keeps the object from being taken for arguments by name.
     result += isHuge && end > start + 1 ? R"({"too large a number":[")" + piece + R"("]})" : piece;
@@ -70,6 +80,7 @@ LineRead ReadLine(std::istream& in, std::string& line) {
   int next = in.get();
   if (next == kEnd) return LineRead::AtEnd;
   for (; next != kEnd && next != '\n'; next = in.get()) {
+    // The rest is read over without being kept, up to the end of the line, so that the next one is whole again.
     if (++length <= kLongestLine) line.push_back(static_cast<char>(next));
   }
   if (length <= kLongestLine) return LineRead::Read;
@@ -81,6 +92,8 @@ Json ParseRequest(const std::string& line) {
   try {
     if (!HoldsHugeNumber(line)) return Json::Parse(line);
     const std::string text = WithoutHugeNumbers(line);
+    // Once more, because the first walk ended at the number: what stands behind it has not been looked at. The objects
+    // that were put in count, too.
     static_cast<void>(HoldsHugeNumber(text));
     return Json::Parse(text);
   } catch (const JsonError& problem) {

@@ -8,9 +8,14 @@
 #include "host/text/Table.h"
 #include "platform/values/Error.h"
 
+// The protocol: lines in, lines out, one after the other. Whatever a request is, one of three things becomes of it: a
+// reply with its result, a reply with an error, or, for a notification, nothing. No error ends the session, since a
+// program that made one mistake should not lose its open walk. The component's errors keep their numbers; -326xx are
+// the protocol's own.
 namespace tavi::host {
 namespace {
 
+/// Flushed at once: the caller waits for it before it writes the next request.
 void WriteLine(std::ostream& out, const Json& json) {
   out << PrintableJson(json.Compact()) << '\n' << std::flush;
 }
@@ -30,6 +35,7 @@ Json ErrorReply(const Json& id, const Error& error) {
   return reply;
 }
 
+// An object or an array is no id, and would be sent back at whatever length.
 bool IsId(const Json& id) {
   return id.IsText() || id.IsNumber() || id.IsNull();
 }
@@ -45,6 +51,7 @@ Json IdOf(const Json& request) {
   throw RpcError(RpcCode::InvalidRequest, "Invalid request: " + problem);
 }
 
+/// What makes a request one, asked before its method is: the first that is missing is told.
 void RequireRequest(const Json& request) {
   if (!request.IsObject()) RefuseRequest("a JSON object is expected");
   const Json* version = request.Find("jsonrpc");
@@ -100,12 +107,14 @@ void MessageBoxNotifications::Show(MessageBoxIcon icon, const std::string& title
 }
 
 void Server::Take(const std::string& line) {
+  // Some programs end their output with one.
   if (IsBlankLine(line)) return;
   std::optional<Json> reply;
   try {
     const Json json = ParseRequest(line);
     reply = json.IsArray() ? AnswerAll(json) : Answer(json);
   } catch (const RpcError& problem) {
+    // The whole line is no request, so there is no id to answer.
     reply = ErrorReply(nullptr, problem.Code(), problem.what());
   } catch (const std::exception& problem) {
     reply = ErrorReply(nullptr, RpcCode::InternalError, std::string("Internal error: ") + problem.what());
@@ -115,6 +124,8 @@ void Server::Take(const std::string& line) {
 
 void Server::Serve(std::istream& in) {
   std::string line;
+  // Ends with the input, or when nobody reads the replies any more: nothing is carried out then of which nobody would
+  // know.
   for (LineRead read = ReadLine(in, line); read != LineRead::AtEnd && out_.good(); read = ReadLine(in, line)) {
     if (read == LineRead::Read) {
       Take(line);
@@ -132,6 +143,7 @@ std::optional<Json> Server::AnswerAll(const Json& batch) {
   for (const Json& request : batch) {
     if (std::optional<Json> reply = Answer(request)) replies.Add(std::move(*reply));
   }
+  // Notifications only: the protocol wants no empty array.
   if (replies.empty()) return std::nullopt;
   return replies;
 }
@@ -151,6 +163,7 @@ std::optional<Json> Server::Answer(const Json& request) {
   } catch (const std::exception& problem) {
     reply = ErrorReply(id, RpcCode::InternalError, std::string("Internal error: ") + problem.what());
   }
+  // It was carried out all the same.
   if (request.Find("id") == nullptr) return std::nullopt;
   return reply;
 }
@@ -161,6 +174,7 @@ Json Server::CallFor(const Json& request) {
 }
 
 int RunRpc(const Context& context) {
+  // As ever, but that message boxes go to the caller: on standard output everything has to be JSON.
   auto platform = std::make_shared<Platform>(*context.platform);
   platform->messageBoxes = std::make_shared<MessageBoxNotifications>(context.out);
   Context club = context;
@@ -168,6 +182,7 @@ int RunRpc(const Context& context) {
   Session session([&] { return club.OpenClub(); });
   Server server(session, context.out);
   server.Serve(context.in);
+  // Errors of closing are the command's; the objects' own end would hide them.
   session.Close();
   return kSucceeded;
 }

@@ -14,6 +14,7 @@ class PromptedLines final : public LineSource {
   std::optional<std::string> Next(const std::string& prompt) override {
     out_ << prompt << std::flush;
     std::optional<std::string> line = lines_.Next(prompt);
+    // The end key leaves the cursor behind the prompt.
     if (!line) out_ << '\n';
     if (line && line->ends_with('\r')) line->pop_back();
     return line;

@@ -9,8 +9,16 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
+// What the shell has to know of a statement without understanding it: where it ends, and whether it gives rows. For
+// both it is enough to step over what stands in quotes, brackets and between number signs, in which semicolons and
+// words mean nothing. A quote within quotes is doubled: it ends one piece and begins the next at once, so that it needs
+// no rule.
+//
+//   Insert Into T Values ('a;b', 'O''Neil', [x;y], #1/2/2001#);     one statement
 namespace tavi::host {
 
+// Numbers stay numbers, so that they stand to the right and are numbers in JSON. Amounts, decimals, dates, bytes and
+// identifiers become their exact text.
 Cell CellOf(const Value& value) {
   return std::visit(
       [&](const auto& content) -> Cell {
@@ -30,6 +38,7 @@ Cell CellOf(const Value& value) {
 }
 
 Table Query(ado::Connection& connection, const std::string& statement) {
+  // The provider has two calls, and only one of them tells how many rows were changed.
   if (!GivesRows(statement)) {
     Table table({"Rows"});
     table.Add({connection.Execute(statement)});
@@ -50,6 +59,7 @@ Table Query(ado::Connection& connection, const std::string& statement) {
 
 bool RollBackUnfinished(ado::Connection& connection) {
   if (connection.TransactionLevel() == 0) return false;
+  // From the innermost out: rolling one back leaves those around it open.
   while (connection.TransactionLevel() > 0) connection.RollbackTrans();
   return true;
 }
@@ -105,6 +115,7 @@ char ClosingOf(char opening) {
 }
 
 /// The place behind what begins at `begin` with a quote or bracket. A doubled quote begins the next piece at once.
+/// What is not closed goes to the end of the text.
 std::size_t BehindQuoted(std::string_view text, std::size_t begin) {
   const std::size_t end = text.find(ClosingOf(text[begin]), begin + 1);
   return end == std::string_view::npos ? text.size() : end + 1;
@@ -141,6 +152,8 @@ bool GivesRows(std::string_view statement) {
   const std::vector<std::string> words = WordsOf(statement);
   if (words.empty()) return false;
   if (words.front() == "EXPLAIN") return true;
+  // SELECT ... INTO makes a table and gives no rows. Parentheses before a select are no words, so that it is the first
+  // word with them, too.
   return words.front() == "SELECT" && std::find(words.begin(), words.end(), "INTO") == words.end();
 }
 
@@ -158,12 +171,14 @@ std::optional<std::size_t> PlaceInError(std::string_view description) {
 std::string MarkPlace(std::string_view statement, std::size_t character) {
   const std::u32string all = ToCodePoints(statement);
   const std::size_t place = std::min(character, all.size());
+  // Only the line of the error is shown; a statement may have many.
   const std::size_t lineBreak = place == 0 ? std::u32string::npos : all.rfind(U'\n', place - 1);
   const std::size_t begin = lineBreak == std::u32string::npos ? 0 : lineBreak + 1;
   const std::size_t end = std::min(all.find(U'\n', place), all.size());
   const auto part = [&](std::size_t from, std::size_t to) {
     return Printable(ReplaceAll(FromCodePoints(all.substr(from, to - from)), "\r", ""));
   };
+  // As wide as what stands before it is shown: wide letters and escapes count as the terminal shows them.
   return part(begin, end) + "\n" + std::string(DisplayWidth(part(begin, place)), ' ') + "^";
 }
 

@@ -9,6 +9,14 @@
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
 
+// The shell: lines are collected until a statement has its end, then it runs; a line that begins with a full stop is a
+// command, but only between statements, since a number may begin with one. The same shell serves a person and a file of
+// statements; they differ in what an error does. A person sees it and goes on; of a file the rest might build on what
+// failed, so it ends there.
+//
+// Each statement is shown at once and whole: its rows are read before the first is written. A transaction that is open
+// at the end was not committed, and is rolled back with a message, because its changes would be missed without a word
+// otherwise.
 namespace tavi::host {
 namespace {
 
@@ -27,6 +35,7 @@ constexpr const char* kHelp =
     "  .help             this text\n"
     "  .quit             leave (so does the end of the input)\n";
 
+/// False for blanks and semicolons only, which are no statement.
 bool HasText(const std::string& text) {
   return text.find_first_not_of(" \t\r\n;") != std::string::npos;
 }
@@ -49,6 +58,7 @@ int Shell::Run() {
     goOn = Take(*line);
   }
   // The last statement of a file may lack its semicolon.
+  // Not a person's: whoever leaves in the middle of a statement has not finished it.
   if (goOn && !interactive_ && HasText(unfinished_)) RunStatement(unfinished_);
   if (RollBackUnfinished(connection_)) {
     context_.error << "tavi: " << kRolledBack << '\n' << std::flush;
@@ -66,17 +76,20 @@ bool Shell::Take(const std::string& line) {
   if (unfinished_.empty() && Trim(line).starts_with(".")) {
     return RunCommand(Trim(ReplaceAll(line, "\r", "")));
   }
+  // With the line break, which may be within a text.
   unfinished_ += (unfinished_.empty() ? "" : "\n") + line;
   bool goOn = true;
   while (const auto end = EndOfStatement(unfinished_)) {
     const std::string statement = unfinished_.substr(0, *end);
     unfinished_.erase(0, *end);
     if (HasText(statement)) {
+      // Whole, however many lines it took.
       lines_.Remember(Trim(statement));
       goOn = RunStatement(statement.substr(0, statement.size() - 1));
     }
     if (!goOn) return false;
   }
+  // So that the next line can be a command again.
   if (!HasText(unfinished_)) unfinished_.clear();
   return goOn;
 }
@@ -102,6 +115,7 @@ bool Shell::RunCommand(const std::string& line) {
   } else if (word == ".bail" && (rest == "on" || rest == "off")) {
     bails_ = rest == "on";
   } else {
+    // Also a command with a wrong word behind it, which must not pass for done in a file.
     context_.error << "tavi: \"" << Printable(line) << "\" is no command; .help lists them.\n";
     if (!interactive_) exitCode_ = kFailed;
     return !bails_;
@@ -114,8 +128,10 @@ bool Shell::Attempt(const std::string& statement, Task task) {
   try {
     task();
     context_.out << std::flush;
+    // A reader that is gone ends the run, as nobody would see what further statements do.
     return context_.out.good();
   } catch (const Error& problem) {
+    // The engine counts in the statement without its leading blanks and without EXPLAIN, which is what was given here.
     const auto place = PlaceInError(problem.Description());
     if (place) context_.error << MarkPlace(statement, *place) << '\n';
     context_.error << "tavi: " << PrintableLines(problem.Description()) << '\n' << std::flush;
@@ -128,11 +144,14 @@ bool Shell::RunStatement(const std::string& statement) {
   const std::string tidy = statement.substr(statement.find_first_not_of(" \t\r\n"));
   const std::string text = (explains_ ? "EXPLAIN " : "") + tidy;
   return Attempt(tidy, [&] {
+    // Ctrl-C gives up the statement and leaves the person in the shell. In a file's run it ends the process, as it does
+    // with any command. While rows are written it does so for a person, too.
     std::optional<CancelKey> key;
     if (interactive_) key.emplace();
     const Table result = Query(connection_, text);
     key.reset();
     context_.Write(result);
+    // Behind the rows, which need not wait for the disk.
     if (flushes_) connection_.Flush();
   });
 }
@@ -142,6 +161,7 @@ void Shell::ListTables() {
   const auto rows = connection_.OpenSchema(ado::SchemaKind::Tables);
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const Value type = rows->Get("TABLE_TYPE");
+    // Tables of the system, and what is no table, are left out.
     if (const auto* text = std::get_if<std::string>(&type); text != nullptr && *text != "TABLE") continue;
     tables.Add({CellOf(rows->Get("TABLE_NAME"))});
   }
@@ -149,6 +169,7 @@ void Shell::ListTables() {
 }
 
 void Shell::ListColumns(const std::string& table) {
+  // By the table and not by a statement, so that any name will do.
   const auto columns = connection_.OpenRecordset(table, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly,
                                                  ado::SourceKind::TableDirect);
   Table list({"Column", "Type"});
@@ -179,6 +200,7 @@ int RunSql(const Context& context, const SqlRequest& request) {
     } catch (const Error& problem) {
       const auto place = PlaceInError(problem.Description());
       if (place) context.error << MarkPlace(request.statement, *place) << '\n';
+      // The message itself is written with those of all commands.
       throw;
     }
     if (RollBackUnfinished(*connection)) {
@@ -202,6 +224,7 @@ extern "C" void NoteCancelKey(int /*signal*/) {
 
 }  // namespace
 
+// What was pressed before this statement is not meant for it.
 CancelKey::CancelKey() {
   isPressed = false;
   former_ = std::signal(SIGINT, NoteCancelKey);
@@ -209,6 +232,7 @@ CancelKey::CancelKey() {
 
 CancelKey::~CancelKey() {
   isPressed = false;
+  // The former handler again, for whoever is around the shell.
   std::signal(SIGINT, former_ == SIG_ERR ? SIG_DFL : former_);
 }
 

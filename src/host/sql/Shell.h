@@ -30,7 +30,7 @@ class Shell {
   bool RunStatement(const std::string& statement);
   void ListTables();
   void ListColumns(const std::string& table);
-  /// Runs a task; an error is shown. False when it failed.
+  /// Runs a task; an error is shown, with its place in the statement. False when the run is to end.
   template <typename Task>
   bool Attempt(const std::string& statement, Task task);
 

@@ -13,6 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// As many as anybody will look back for; the file stays small.
 constexpr int kRememberedInputs = 1000;
 
 std::string Environment(const char* name) {
@@ -20,6 +21,7 @@ std::string Environment(const char* name) {
   return value == nullptr ? std::string() : std::string(value);
 }
 
+/// By the rules for the state of programs, which is no configuration and no data.
 fs::path HistoryFile() {
   if (const std::string named = Environment("TAVI_HISTORY"); !named.empty()) return named;
   const std::string state = Environment("XDG_STATE_HOME");
@@ -31,17 +33,22 @@ class TerminalLines final : public LineSource {
  public:
   explicit TerminalLines(std::ostream& out)
       : out_(out), file_(HistoryFile()), history_(history_init()), editor_(el_init("tavi", stdin, stdout, stderr)) {
+    // Without it the library takes each byte for a letter. Numbers and dates keep the plain locale.
     std::setlocale(LC_CTYPE, "");
     history(history_.get(), &event_, H_SETSIZE, kRememberedInputs);
     history(history_.get(), &event_, H_SETUNIQUE, 1);
+    // No file, the first time, is no failure.
     history(history_.get(), &event_, H_LOAD, file_.c_str());
     el_set(editor_.get(), EL_CLIENTDATA, this);
     el_set(editor_.get(), EL_PROMPT, &Prompt);
     el_set(editor_.get(), EL_EDITOR, "emacs");
+    // The library puts the terminal in order when a signal comes while a line is typed.
     el_set(editor_.get(), EL_SIGNAL, 1);
     el_set(editor_.get(), EL_HIST, history, history_.get());
+    // The person's own keys, last, so that they win.
     el_source(editor_.get(), nullptr);
   }
+  // The history is written once, at the end; where it cannot be, the session was right all the same.
   ~TerminalLines() override {
     std::error_code ignored;
     fs::create_directories(file_.parent_path(), ignored);
@@ -54,6 +61,7 @@ class TerminalLines final : public LineSource {
     prompt_ = prompt;
     int length = 0;
     const char* line = el_gets(editor_.get(), &length);
+    // The end key leaves the cursor behind the prompt.
     if (line == nullptr || length <= 0) {
       out_ << '\n' << std::flush;
       return std::nullopt;

@@ -13,6 +13,9 @@
 #include <cerrno>
 #endif
 
+// Paths as texts. The standard library's paths are used only at the edge, where a file call takes one: under Windows
+// they know nothing of the long form ("\\?\C:\..."), and their plain texts are in the code page of the machine. So
+// splitting, joining and listing are done here, on UTF-8, in which a separator is never a part of another character.
 namespace tavi::host {
 namespace {
 
@@ -32,6 +35,7 @@ std::filesystem::path PathOf(const std::string& text) {
 #endif
 }
 
+/// With the separators of the system, as people know them.
 std::string TextOf(const std::filesystem::path& path) {
   std::filesystem::path written = path;
   const std::u8string text = written.make_preferred().u8string();
@@ -41,6 +45,7 @@ std::string TextOf(const std::filesystem::path& path) {
 std::string AbsolutePath(const std::string& path) {
 #ifdef _WIN32
   const std::wstring wide = windows::ToWide(path);
+  // Asked for the size first, which has the end of the text in it.
   std::wstring full(::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr), L'\0');
   full.resize(::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr));
   return full.empty() ? path : windows::FromWide(full);
@@ -53,6 +58,7 @@ PathParts SplitPath(const std::string& path) {
   const std::size_t separator = path.find_last_of(kSeparators);
   if (separator == std::string::npos) return {"", path};
   const std::string folder = path.substr(0, separator);
+  // "/" and "C:\" keep their separator: without it, "C:" would be the current folder of that drive.
   const bool isRoot = folder.empty() || folder.ends_with(':');
   return {isRoot ? path.substr(0, separator + 1) : folder, path.substr(separator + 1)};
 }
@@ -66,9 +72,11 @@ std::error_code MakeFolders(const std::string& path) {
   std::error_code failure;
   if (std::filesystem::is_directory(PathOf(path), failure)) return {};
   const std::string outer = SplitPath(path).folder;
+  // What keeps the outer one from being made also keeps this one from it, and that failure is told.
   if (!outer.empty() && outer != path) static_cast<void>(MakeFolders(outer));
   std::filesystem::create_directory(PathOf(path), failure);
   std::error_code ignored;
+  // Another program may have made it in between.
   return std::filesystem::is_directory(PathOf(path), ignored) ? std::error_code() : failure;
 }
 
@@ -76,10 +84,12 @@ std::error_code MakePrivateFolder(const std::string& path) {
 #ifdef _WIN32
   return MakeFolders(path);
 #else
+  // With its rights from the beginning: between making and restricting it somebody could have entered.
   if (::mkdir(path.c_str(), S_IRWXU) == 0) return {};
   std::error_code failure(errno, std::generic_category());
   struct stat status {};
   if (failure != std::errc::file_exists || ::lstat(path.c_str(), &status) != 0) return failure;
+  // A link is none, as lstat does not follow it.
   if (!S_ISDIR(status.st_mode)) return failure;
   // What another user has made stays theirs to see.
   if (status.st_uid != ::geteuid()) return std::make_error_code(std::errc::operation_not_permitted);
@@ -113,6 +123,7 @@ std::vector<std::string> NamesIn(const std::string& folder, std::error_code& fai
 
 void RemoveAll(const std::string& path) {
   std::error_code ignored;
+  // Of the path itself: what a link leads to belongs to somebody else.
   if (std::filesystem::symlink_status(PathOf(path), ignored).type() == std::filesystem::file_type::directory) {
     for (const std::string& name : NamesIn(path, ignored)) RemoveAll(JoinPath(path, name));
   }

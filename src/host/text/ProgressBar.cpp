@@ -9,10 +9,12 @@
 namespace tavi::host {
 namespace {
 constexpr std::size_t kBarWidth = 30;
+// To the beginning of the line, and away with what is behind.
 constexpr const char* kClearLine = "\r\x1b[K";
 }  // namespace
 
 ProgressBar::~ProgressBar() {
+  // The line is left as it was, for the result or the next message.
   if (!shown_.empty()) out_ << kClearLine << std::flush;
 }
 
@@ -21,6 +23,7 @@ void ProgressBar::Show(std::size_t done, const std::string& label) {
   const std::size_t filled = std::min(kBarWidth, kBarWidth * done / total_);
   const std::string line = fmt::format("[{}{}] {}/{} {}", std::string(filled, '#'),
                                        std::string(kBarWidth - filled, '.'), done, total_, Printable(label));
+  // Most steps of many do not change what is shown.
   if (line == shown_) return;
   shown_ = line;
   out_ << kClearLine << line << std::flush;

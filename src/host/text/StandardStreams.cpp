@@ -4,16 +4,20 @@
 #include <cerrno>
 #include <iostream>
 
+// Output by the system's own call, because the library's streams only tell that a write failed, and a closed pipe has
+// to be told from a full disk. Errors of writing are remembered, never thrown: they are looked at once, at the end.
 namespace tavi::host {
 
 DescriptorOutput::DescriptorOutput(int descriptor) : descriptor_(descriptor) {
   setp(buffer_.data(), buffer_.data() + buffer_.size());
 }
 
+// A failure here is nobody's any more; who wants to know flushes before.
 DescriptorOutput::~DescriptorOutput() {
   WritePending();
 }
 
+// The buffer is full: it is written, and the character is the first of the next.
 DescriptorOutput::int_type DescriptorOutput::overflow(int_type character) {
   if (!WritePending()) return traits_type::eof();
   if (traits_type::eq_int_type(character, traits_type::eof())) return traits_type::not_eof(character);
@@ -31,9 +35,12 @@ bool DescriptorOutput::WritePending() {
     if (written >= 0) {
       at += written;
     } else if (errno != EINTR) {
+      // A signal in between is no failure: what has not been written yet is tried again.
       failure_ = std::error_code(errno, std::generic_category());
     }
   }
+  // Empty again, also after a failure: what follows is dropped, and is not to be written later without what came
+  // before.
   setp(buffer_.data(), buffer_.data() + buffer_.size());
   return !failure_;
 }

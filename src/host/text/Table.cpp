@@ -10,6 +10,11 @@
 #include "platform/values/Convert.h"
 #include "platform/values/Text.h"
 
+// Results in four forms. What they hold may have been typed by anybody, so that each form has its guard: for terminals
+// and lines everything that steers them is shown as an escape, spreadsheets get no formulas, JSON its own escapes. The
+// guard is applied when a cell is written; the table holds values as they are, and JSON gives them as they are.
+//
+// People's tables need all rows before the first is written, for the widths of the columns.
 namespace tavi::host {
 namespace {
 
@@ -28,6 +33,7 @@ std::string CellText(const Cell& cell) {
   return std::visit(Writer{}, cell);
 }
 
+/// Decimals are rounded here, too, so that all forms of one list show the same figures.
 Json CellJson(const Cell& cell) {
   struct Writer {
     Json operator()(std::monostate) const { return nullptr; }
@@ -65,6 +71,7 @@ std::string CsvText(const Cell& cell) {
 template <typename Text>
 void WriteLines(std::ostream& out, const char* separator, const std::vector<std::string>& header,
                 const std::vector<std::vector<Cell>>& rows, const Text& text) {
+  // The header's cells are texts and become cells on the way.
   const auto writeLine = [&](const auto& cells) {
     for (std::size_t i = 0; i < cells.size(); ++i) out << (i == 0 ? "" : separator) << text(cells[i]);
     out << '\n';
@@ -82,12 +89,14 @@ bool IsControlCharacter(char32_t c) {
   return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
+// East Asian letters and pictures, which terminals show in two columns.
 bool IsWide(char32_t c) {
   return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0xA4CF) || (c >= 0xAC00 && c <= 0xD7A3) ||
          (c >= 0xF900 && c <= 0xFAFF) || (c >= 0xFE30 && c <= 0xFE6F) || (c >= 0xFF00 && c <= 0xFF60) ||
          (c >= 0xFFE0 && c <= 0xFFE6) || (c >= 0x1F300 && c <= 0x1FAFF) || (c >= 0x20000 && c <= 0x3FFFD);
 }
 
+// Marks that are put on the letter before them, and characters without any width.
 bool IsCombining(char32_t c) {
   return (c >= 0x0300 && c <= 0x036F) || (c >= 0x1AB0 && c <= 0x1AFF) || (c >= 0x20D0 && c <= 0x20FF) ||
          (c >= 0xFE00 && c <= 0xFE0F) || c == 0x200B || c == 0x200D;
@@ -104,6 +113,7 @@ std::size_t DisplayWidth(const std::string& text) {
 std::string Printable(const std::string& text) {
   std::string shown;
   for (const char32_t c : ToCodePoints(text)) {
+    // Those with an escape that everybody knows; then the rest of what steers a terminal by its number.
     if (c == U'\n') {
       shown += "\\n";
     } else if (c == U'\r') {
@@ -121,6 +131,7 @@ std::string Printable(const std::string& text) {
   return shown;
 }
 
+// A document is written first and made harmless then: outside of texts there is nothing of the kind but line feeds.
 std::string PrintableJson(const std::string& json) {
   std::string shown;
   for (const char32_t c : ToCodePoints(json)) {
@@ -137,6 +148,7 @@ std::string PrintableJson(const std::string& json) {
 std::string PrintableLines(const std::string& message) {
   std::string shown;
   for (const std::string& line : Split(ReplaceAll(message, "\r\n", "\n"), '\n')) {
+    // Later lines are indented, so that a text in a message cannot pass for a message of its own.
     if (!line.empty()) shown += (shown.empty() ? "" : "\n  ") + Printable(line);
   }
   return shown;
@@ -148,6 +160,7 @@ void Table::Add(std::vector<Cell> row) {
 }
 
 void Table::Write(std::ostream& out, OutputFormat format) const {
+  // Every form ends with a line feed.
   if (format == OutputFormat::JsonText) {
     out << Json() << '\n';
   } else if (format == OutputFormat::Tabs) {
@@ -188,6 +201,7 @@ void Table::WriteAligned(std::ostream& out) const {
   std::vector<bool> numeric(columns_.size(), true);
   for (std::size_t i = 0; i < columns_.size(); ++i) {
     widths.push_back(DisplayWidth(Printable(columns_[i])));
+    // Numbers stand to the right in a column of nothing else; one without any value is no column of numbers.
     bool any = false;
     for (const std::vector<Cell>& row : rows_) {
       widths[i] = std::max(widths[i], DisplayWidth(Printable(CellText(row[i]))));
@@ -202,6 +216,7 @@ void Table::WriteAligned(std::ostream& out) const {
       const std::string padding(widths[i] - DisplayWidth(texts[i]), ' ');
       line += (i == 0 ? "" : "  ") + (numeric[i] ? padding + texts[i] : texts[i] + padding);
     }
+    // No blanks at the end, which would be copied and compared with.
     out << line.substr(0, line.find_last_not_of(' ') + 1) << '\n';
   };
   std::vector<std::string> header;
@@ -219,6 +234,7 @@ void Table::WriteAligned(std::ostream& out) const {
 
 namespace {
 
+// The wide forms are those of East Asian keyboards, which spreadsheets take for the plain ones.
 constexpr std::u32string_view kFormulaBegins = U"=+-@\uFF1D\uFF0B\uFF0D\uFF20";
 constexpr std::u32string_view kLayout = U"\t\r\n";
 
@@ -226,6 +242,7 @@ constexpr std::u32string_view kLayout = U"\t\r\n";
 
 bool IsFormula(const std::string& text) {
   for (const char32_t c : ToCodePoints(text)) {
+    // The first character that is no blank decides.
     if (c != U' ')
       return kFormulaBegins.find(c) != std::u32string_view::npos || kLayout.find(c) != std::u32string_view::npos;
   }
@@ -238,6 +255,7 @@ std::string CsvField(const std::string& text) {
   for (const char32_t c : ToCodePoints(text)) {
     const std::string character = FromCodePoints(std::u32string(1, c));
     const bool isLayout = kLayout.find(c) != std::u32string_view::npos;
+    // Blanks at the ends too, which many readers would drop.
     needsQuotes = needsQuotes || isLayout || c == U',' || c == U'"';
     field += c == U'"' ? "\"\"" : isLayout ? character : Printable(character);
   }

@@ -15,15 +15,21 @@
 #include "platform/values/Text.h"
 #include "platform/values/WideText.h"
 
+// Consoles of Windows read and write UTF-16 by calls of their own; bytes they take for the code page that is set, in
+// which most letters are missing. So each of the three streams is looked at: a console gets a buffer that converts, a
+// file or a pipe one that passes bytes on, and the library's streams are put on these for as long as this lives.
 namespace tavi::host {
 namespace {
 
+// Only a console has a mode; a null device is none either.
 bool IsConsole(HANDLE handle) {
   DWORD mode = 0;
   return ::GetConsoleMode(handle, &mode) != 0;
 }
 
 /// How many bytes at the end are the beginning of a character that is still to come.
+/// Output comes in pieces that end anywhere. A character is written only when all of its bytes are there; converted
+/// half, it would become two replacement characters.
 std::size_t UnfinishedBytes(const std::string& text) {
   constexpr std::size_t kLongest = 3;
   for (std::size_t count = 1; count <= std::min(kLongest, text.size()); ++count) {
@@ -44,6 +50,7 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
   /// `understandsSequences` tells whether the console can be made to follow escape sequences.
   ConsoleWriter(HANDLE console, bool* understandsSequences) : console_(console) {
     ::GetConsoleMode(console_, &formerMode_);
+    // Older systems refuse the second flag; then no bars are shown, which need it.
     const DWORD mode = formerMode_ | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING;
     const bool isSet = ::SetConsoleMode(console_, mode) != 0;
     if (understandsSequences != nullptr) *understandsSequences = isSet;
@@ -66,6 +73,7 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
     constexpr std::size_t kMostPending = 4096;
     const std::string_view added(bytes, static_cast<std::size_t>(count));
     pending_ += added;
+    // A line at a time: a call for each piece would be slow, and a person waits for whole lines.
     const bool isDue = pending_.size() > kMostPending || added.find('\n') != std::string_view::npos;
     return !isDue || WritePending() ? count : 0;
   }
@@ -82,6 +90,7 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
     for (std::size_t at = 0; at < text.size();) {
       DWORD written = 0;
       const auto count = static_cast<DWORD>(std::min(kMostAtATime, text.size() - at));
+      // It may write less than it was given.
       if (::WriteConsoleW(console_, text.data() + at, count, &written, nullptr) == 0 || written == 0) return false;
       at += written;
     }
@@ -152,16 +161,19 @@ class WindowsTerminal::ConsoleReader final : public std::streambuf {
     DWORD count = 0;
     const bool isRead =
         ::ReadConsoleW(console_, typed.data(), static_cast<DWORD>(typed.size()), &count, nullptr) != 0 && count > 0;
+    // The key is a character like others to the call; in the middle of a line it stays one.
     if (!isRead || (isLineStart_ && typed.front() == kEndKey)) return traits_type::eof();
     isLineStart_ = typed[count - 1] == L'\n';
     std::wstring text = unfinished_ + std::wstring(typed.data(), count);
     unfinished_.clear();
+    // A long line comes in pieces, too, and a piece may end between the halves of a character.
     if (IS_HIGH_SURROGATE(text.back())) {
       unfinished_ = text.back();
       text.pop_back();
     }
     line_ = ReplaceAll(windows::FromWide(text), "\r\n", "\n");
     setg(line_.data(), line_.data(), line_.data() + line_.size());
+    // Nothing but such a half: the rest is read at once.
     return line_.empty() ? underflow() : traits_type::to_int_type(line_.front());
   }
 
@@ -173,6 +185,7 @@ class WindowsTerminal::ConsoleReader final : public std::streambuf {
 };
 
 WindowsTerminal::WindowsTerminal() {
+  // Line feeds alone, in and out: other programs read the output, and a statement's text may hold either.
   for (FILE* stream : {stdin, stdout, stderr}) static_cast<void>(_setmode(_fileno(stream), _O_BINARY));
   const HANDLE in = ::GetStdHandle(STD_INPUT_HANDLE);
   const HANDLE out = ::GetStdHandle(STD_OUTPUT_HANDLE);
@@ -184,12 +197,14 @@ WindowsTerminal::WindowsTerminal() {
     fileOut_ = std::make_unique<FileWriter>(out);
   }
   if (IsConsole(error)) error_ = std::make_unique<ConsoleWriter>(error, &showsProgress_);
+  // Exchanged when everything has been made, so that a failure leaves the streams as they were.
   if (in_) formerIn_ = std::cin.rdbuf(in_.get());
   formerOut_ = out_ ? std::cout.rdbuf(out_.get()) : std::cout.rdbuf(fileOut_.get());
   if (error_) formerError_ = std::cerr.rdbuf(error_.get());
 }
 
 WindowsTerminal::~WindowsTerminal() {
+  // Before the buffers go, which the streams must not have then.
   std::cout.flush();
   std::cerr.flush();
   if (in_) std::cin.rdbuf(formerIn_);
@@ -207,6 +222,7 @@ std::vector<std::string> ProgramArguments() {
     void operator()(LPWSTR* list) const { ::LocalFree(list); }
   };
   int count = 0;
+  // The arguments of main are in the code page of the machine.
   const std::unique_ptr<LPWSTR, FreeLocally> list(::CommandLineToArgvW(::GetCommandLineW(), &count));
   std::vector<std::string> arguments;
   for (int i = 1; list && i < count; ++i) arguments.push_back(windows::FromWide(list.get()[i]));
