@@ -5,7 +5,7 @@
 
 #include "access/file/Bytes.h"
 
-// A sum for torn and stale writes, quick enough for every page of a file of 16 MiB at each begin of a log: four words
+// A sum for torn and stale writes, quick enough to read a file through for it when a log is begun: four words
 // of 8 bytes are worked on side by side. Each step can be undone when the word is known, so two stretches that differ
 // in one word never have the same sum; the length goes in at the start, as the last bytes, taken one by one, could pass
 // for words. The sums are in files, so nothing here may change.

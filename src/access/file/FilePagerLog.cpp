@@ -41,12 +41,14 @@ bool FilePager::ReadLogAndFile() {
   switch (log_.Refresh(taken)) {
     case RedoLog::Change::None:
       break;
+    // Only these pages have changed; all others stay cached.
     case RedoLog::Change::Statements:
       for (const PageNumber number : taken) cache_.Erase(number);
       ++generation_;
       // Whoever appended them may be gone.
       log_.FlushSoon();
       break;
+    // Somebody has made a checkpoint, or another log was begun: what was cached came from the old one.
     case RedoLog::Change::Replaced:
       log_.FlushSoon();
       DropCache();
@@ -120,6 +122,7 @@ bool FilePager::AppendToLog() {
   if (numbers.empty()) return false;
   std::vector<StatementPage> pages;
   pages.reserve(numbers.size());
+  // A list whose elements do not move, as spans lead into it.
   std::deque<Page> encoded;
   const auto stored = [&](const Page& page) {
     if (header_.databaseKey == 0) return page.All();
@@ -137,7 +140,8 @@ bool FilePager::AppendToLog() {
   return true;
 }
 
-// What the database file holds for the page; `base` is its committed content, if it was read.
+// What the database file holds for the page; `base` is its committed content, if it was read. A page that is not in the
+// log is in the file as it is committed, so nothing has to be read for it a second time.
 PageSums FilePager::ContentInDatabase(PageNumber number, const PageHandle& base) {
   if (const LoggedPage* logged = log_.Find(number)) return logged->before;
   if (number >= FilePageCount()) return {};
@@ -152,6 +156,7 @@ PageSums FilePager::ContentInDatabase(PageNumber number, const PageHandle& base)
   return PageSums::Of(stored.All());
 }
 
+// The writer's own copies become the cached pages. Nobody writes to them any more: the references were good until now.
 void FilePager::KeepChangedPages() {
   for (auto& [number, changed] : changes_.TakeAll()) cache_.Put(std::move(changed.live));
 }
@@ -179,6 +184,7 @@ void FilePager::CheckpointWhenLogIsLong() {
   if (log_.End() < checkpointAt_) return;
   try {
     if (!lock_.TryAcquireExclusive({*fileSystem_, std::min(options_.lockTimeout, kPatienceWithReaders)})) {
+      // Trying again after each statement would cost every one of them the wait for readers.
       checkpointAt_ = log_.End() + options_.checkpointBytes / kPartsOfPatience;
       return;
     }
@@ -195,6 +201,7 @@ void FilePager::Close() {
   if (state_ == State::Closed) return;
   Rollback();
   EndRead();
+  // What was not committed is given up, as by a crash.
   while (transactions_ > 0) RollbackTransaction();
   state_ = State::Closed;
   const std::exception_ptr failure = [this]() -> std::exception_ptr {
@@ -206,6 +213,7 @@ void FilePager::Close() {
     }
   }();
   cache_.Clear();
+  // All that follows happens whatever has failed: the file is let go of, and the error told at the end.
   log_.Release();
   if (lockFile_.IsHeld()) lockFile_.Release(lock_.TryBecomeAlone());
   file_.reset();
@@ -215,6 +223,7 @@ void FilePager::Close() {
 // The last checkpoint: when this pager has statements of its own in the log, or is the last one that could make it.
 void FilePager::LeaveLog() {
   if (readOnly_ || !log_.HasFile()) return;
+  // Alone means that nobody else has the file open at all; then the log can go with its name.
   const bool isAlone = lock_.TryBecomeAlone();
   if (isAlone || hasOwnStatements_) {
     BringLogIn(isAlone);
@@ -226,6 +235,8 @@ void FilePager::LeaveLog() {
   RaiseFailedFlush();
 }
 
+// Others who are in the way do not make closing fail: the log is flushed instead, and the next opener brings it in. A
+// log that does not belong to the file does.
 void FilePager::BringLogIn(bool isAlone) {
   if (const auto foreign = lockFile_.FindUse()) {
     return LeaveLogToOthers("was not brought into the file. " + foreign->Describe() + ".");
@@ -267,6 +278,7 @@ void FilePager::RequireSoundLog(const LockDeadline& deadline) {
 void FilePager::Flush() {
   if (readOnly_) return;
   {
+    // So that what others have just committed is in what is flushed.
     const ReadStatement upToDate(*this);
     if (!log_.IsDoubtful()) return log_.Flush();
   }

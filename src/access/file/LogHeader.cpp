@@ -9,6 +9,11 @@
 #include "access/file/Bytes.h"
 #include "platform/values/Error.h"
 
+// Which database file a log belongs to, and the header in which it says so. The first part of the header is written
+// once, with a checksum over it; the marks behind it are written later, one at a time, with checksums that are seeded
+// with the salt, so that none counts which was not written whole, or which is left of an older log. Only the mark of
+// doubt has none: whatever stands there counts.
+
 namespace tavi::access {
 
 namespace {
@@ -18,11 +23,13 @@ constexpr std::int64_t kCoarseStep = 10'000'000;   // the finest of the coarse f
 constexpr std::int64_t kCoarsest = 2'000'000'000;  // the coarsest
 constexpr std::uint64_t kPagesAtOnce = 64;
 
+/// Half a checksum serves for a sector of 512 bytes, of which a log has eight for each page.
 std::uint32_t Folded(std::uint64_t checksum) {
   return static_cast<std::uint32_t>(checksum ^ (checksum >> kUpperHalf));
 }
 
-// What one page adds to the sum of a file's content.
+/// What one page adds to the sum of a file's content. It is made of the page's sector sums, so that the sums that a log
+/// has of pages can stand in for pages that have changed since; and of its number, so that pages cannot change places.
 std::uint64_t Share(PageNumber number, const PageSums& sums) {
   std::array<std::uint8_t, PageSums::kSectors * sizeof(std::uint32_t)> bytes{};
   for (std::size_t i = 0; i < PageSums::kSectors; ++i) PutLittle(bytes, i * sizeof(std::uint32_t), sums.sectors[i]);
@@ -73,6 +80,7 @@ std::uint64_t LogOwner::ContentSum(File& database, std::uint64_t size, const Kno
   return sum;
 }
 
+// Evenly over the file, whatever its size; the first one is page 0.
 PageNumber LogOwner::WitnessPage(std::size_t index, std::uint64_t size) {
   return static_cast<PageNumber>(index * (size / kPageSize) / kWitnesses);
 }
@@ -83,6 +91,8 @@ std::uint32_t LogOwner::WitnessSum(File& database, PageNumber page) {
   return Folded(Checksum(0, stored.All()));
 }
 
+// Some file systems first tell the time of a change exactly, and keep it in steps of 10 milliseconds to 2 seconds. So a
+// time that lies on such a step may be the one that was remembered.
 bool IsSameMoment(std::int64_t remembered, std::int64_t now) {
   return remembered == now || (now % kCoarseStep == 0 && std::abs(remembered - now) < kCoarsest);
 }
@@ -116,6 +126,8 @@ constexpr std::size_t kDoubtfulSize = 8;
 constexpr std::size_t kMarkedContentOffset = 0x168;
 constexpr std::size_t kMarkedContentSize = 16;
 
+/// From three sources, as each alone may fail: the salt of the log before (never the same again), the clock, and the
+/// system's random numbers. 0 stands for "no log".
 std::uint64_t NewSalt(std::uint64_t old) {
   std::random_device random;
   const auto now = static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count());
@@ -148,6 +160,7 @@ LogHeader LogHeader::Begin(const LogHeader& older, const LogOwner& owner, std::u
   return header;
 }
 
+// Bytes that the file does not have yet are 0, which no valid header is.
 LogHeader LogHeader::ReadFrom(File& log) {
   LogHeader header;
   const std::uint64_t size = log.Size();
@@ -159,6 +172,9 @@ void LogHeader::WriteTo(File& log) const {
   log.WriteAt(0, bytes_);
 }
 
+// A header goes to the file in one write. Where that was torn its start is there, or a part of it, and behind that
+// zeros as far as the checksum: such a log never held anything. Marks do not count, as a failing flush may have set
+// one.
 bool LogHeader::IsUnfinished() const {
   std::array<std::uint8_t, kPageSizeOffset> start{};
   std::copy(kMagic.begin(), kMagic.end(), start.begin());
@@ -193,6 +209,7 @@ bool LogHeader::TakesDeltas() const {
   return GetLittle<std::uint32_t>(bytes_, kVersionOffset) == kVersion;
 }
 
+// Compares all that is written once; the salt in it is what makes two logs differ.
 bool LogHeader::IsOfSameLog(const LogHeader& other) const {
   return std::equal(bytes_.begin(), bytes_.begin() + kMarkOffset, other.bytes_.begin());
 }
@@ -216,6 +233,7 @@ LogOwner LogHeader::Owner() const {
   return owner;
 }
 
+// A mark that is torn counts as none: it was not flushed, and the database is untouched then.
 std::optional<std::uint64_t> LogHeader::Applying() const {
   const auto mark = std::span<const std::uint8_t>(bytes_).subspan(kMarkOffset);
   const auto end = GetLittle<std::uint64_t>(mark, 0);
@@ -224,11 +242,13 @@ std::optional<std::uint64_t> LogHeader::Applying() const {
   return end;
 }
 
+// The checksum is over the applying mark, so it is right for that checkpoint only.
 bool LogHeader::IsApplied() const {
   const auto mark = std::span<const std::uint8_t>(bytes_).subspan(kMarkOffset, kMarkSize);
   return GetLittle<std::uint64_t>(bytes_, kAppliedOffset) == Checksum(Salt(), mark);
 }
 
+// Anything but 0: the mark is written by openers that have just seen the disk fail, and a part of it has to do.
 bool LogHeader::IsDoubtful() const {
   return GetLittle<std::uint64_t>(bytes_, kDoubtfulOffset) != 0;
 }
@@ -249,6 +269,7 @@ void LogHeader::MarkContent(File& log, std::uint64_t sum) {
 }
 
 void LogHeader::MarkApplying(File& log, std::uint64_t end) {
+  // First the file, then what is known of it: where the write fails no checkpoint has begun for this opener.
   LogHeader marked = *this;
   const auto mark = std::span<std::uint8_t>(marked.bytes_).subspan(kMarkOffset, kMarkSize);
   PutLittle<std::uint64_t>(mark, 0, end);

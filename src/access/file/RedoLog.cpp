@@ -1,4 +1,10 @@
 // What a redo log says: reading it. Appending and applying have files of their own.
+//
+// Each opener keeps in memory where the newest image and the last delta of each logged page lie, and reads the rest
+// when a page is asked for. At the beginning of each statement Refresh brings this up to date: it reads the header,
+// which says whether it is still the same log, and what was appended since. So the cost is that of what is new, however
+// long the log has become. The writer appends behind what readers know; they take a statement only when it is there
+// whole, and look again the next time if it is not.
 #include "access/file/RedoLog.h"
 
 #include <algorithm>
@@ -32,7 +38,10 @@ RedoLog::Change RedoLog::Refresh(std::vector<PageNumber>& changed) {
   if (isFirstSight && !OpenFile()) return Change::None;
   fileSize_ = file_->Size();
   const LogHeader header = LogHeader::ReadFrom(*file_);
+  // A file that was just made, or emptied, by another opener. Only foreign bytes make it unknown.
   if (fileSize_ < kHeaderSize) return BecomeEmpty(!header.IsUnfinished() && !header.IsValid());
+  // Marks change during the life of a log; anything else in its header says that another one was begun. One that is
+  // shorter than what was read of it was emptied meanwhile.
   const bool isSame = salt_ != 0 && fileSize_ >= end_ && header.IsOfSameLog(header_);
   header_ = header;
   if (!isSame) {
@@ -44,8 +53,10 @@ RedoLog::Change RedoLog::Refresh(std::vector<PageNumber>& changed) {
     end_ = kHeaderSize;
     chain_ = salt_;
   }
+  // The database has all of it, and may have been changed since by programs that know nothing of logs.
   if (header_.IsApplied()) return BecomeEmpty(false);
   const bool more = fileSize_ > end_ && salt_ != ignored_ && ReadNewStatements(fileSize_, changed);
+  // What was cached while no log was known is not trusted either.
   if (!isSame || isFirstSight) return Change::Replaced;
   return more ? Change::Statements : Change::None;
 }
@@ -78,6 +89,7 @@ void RedoLog::RefuseLaterVersion() const {
                ") that this version does not know. Open the database with the version that wrote it.");
 }
 
+// Without an opener to flush it by, the log is not used at all.
 void RedoLog::BeginFlushing() {
   try {
     flush_.Begin(*file_, &LogHeader::MarkDoubtful);
@@ -87,6 +99,7 @@ void RedoLog::BeginFlushing() {
   }
 }
 
+// The file stays open, and with it what is known of flushes.
 void RedoLog::Forget() {
   salt_ = 0;
   isUnknown_ = false;
@@ -97,6 +110,7 @@ void RedoLog::Forget() {
   known_.clear();
 }
 
+// News only where there was something before.
 RedoLog::Change RedoLog::BecomeEmpty(bool isUnknown) {
   const bool wasEmpty = salt_ == 0;
   Forget();
@@ -115,6 +129,7 @@ bool RedoLog::ReadNewStatements(std::uint64_t size, std::vector<PageNumber>& cha
       if (file_->Size() >= size) throw;
       return any;
     }
+    // Either a torn end, which does not count, or a statement that another opener is writing at this moment.
     if (!statement || !IsNext(*statement)) return any;
     for (const LogEntry& entry : statement->entries) changed.push_back(entry.number);
     Keep(*statement);
@@ -122,6 +137,8 @@ bool RedoLog::ReadNewStatements(std::uint64_t size, std::vector<PageNumber>& cha
   }
 }
 
+// Checksums have shown that a statement is as it was written. What is asked here is whether it makes sense behind those
+// before it: nothing that is read may lead out of the file that the log is for.
 bool RedoLog::IsNext(const LogStatement& statement) const {
   // New pages are always logged, so that the database cannot grow by more than there are.
   const std::uint64_t pagesBefore = pages_.empty() ? header_.Owner().size / kPageSize : pageCount_;
@@ -130,6 +147,8 @@ bool RedoLog::IsNext(const LogStatement& statement) const {
                      [&](const LogEntry& entry) { return entry.number < statement.pageCount && Follows(entry); });
 }
 
+// A page that was not logged before has to bring what the database file holds for it; a delta has to begin where the
+// page's last one ended, which may be its image or the file.
 bool RedoLog::Follows(const LogEntry& entry) const {
   const LoggedPage* page = Find(entry.number);
   if (page == nullptr && !entry.before) return false;
@@ -153,16 +172,20 @@ void RedoLog::Remember(const LogEntry& entry) {
     ++page.deltaCount;
     return;
   }
+  // A checkpoint that did not come to its end may have written sectors of that image, so it is needed to recognise the
+  // file.
   if (page.imageOffset != 0 && header_.Applying()) page.olderImages.push_back(page.imageOffset);
   page.imageOffset = entry.image;
   page.lastDelta = 0;
   page.deltaCount = 0;
+  // With a new image the deltas before it are of no account any more.
   known_.erase(entry.number);
 }
 
 void RedoLog::ReadPage(PageNumber number, const LoggedPage& page, File& database,
                        std::span<std::uint8_t, kPageSize> target) {
   const auto known = known_.find(number);
+  // The base is the nearest state that is known whole; it is never torn (LogLayout.h says why).
   if (known != known_.end()) {
     std::copy(known->second.stored.begin(), known->second.stored.end(), target.begin());
   } else if (page.imageOffset != 0) {
@@ -181,12 +204,14 @@ void RedoLog::ReadPage(PageNumber number, const LoggedPage& page, File& database
                  "': another program has changed one of the two files, or the system has forgotten what it could not "
                  "write. Close the file everywhere and open it again.");
   }
+  // A page that is changed by every statement of an evening has thousands of deltas; without this each new one would
+  // cost reading all of them.
   if (deltas.size() < kManyDeltas) return;
   if (known_.size() >= kMostKnown) known_.clear();
   known_[number] = {page.lastDelta, {target.begin(), target.end()}};
 }
 
-// The last one first, back to one whose outcome is known.
+// The last one first, back to one whose outcome is known (`known` is its place, 0 for the image or the file).
 std::vector<LoggedDelta> RedoLog::DeltasSince(std::uint64_t known, const LoggedPage& page) {
   std::vector<LoggedDelta> deltas;
   for (std::uint64_t offset = page.lastDelta; offset > known; offset = deltas.back().previous) {
@@ -202,6 +227,7 @@ void RedoLog::Release() {
   file_.reset();
 }
 
+// The end stays where it is: what is the same log is not read again, another one is.
 void RedoLog::Ignore() {
   ignored_ = salt_;
   pages_.clear();

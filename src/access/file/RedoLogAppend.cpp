@@ -1,4 +1,9 @@
 // Statements are written into a redo log and flushed.
+//
+// A statement counts from the moment when all of its bytes are right, and not before, so there is no order to keep
+// while it is written. What has to be kept is what lies before it: an append begins by cutting off a torn end, and when
+// it fails the file gets its old length back. Then the caller's statement is refused, and nobody else has seen any of
+// it. Only when the bytes are written does this opener take the statement for its own (Keep), as others do who read it.
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -11,6 +16,7 @@ namespace tavi::access {
 
 using namespace log_layout;
 
+// The log holds what the database holds, so the same people may read it.
 void RedoLog::CreateFile() {
   file_ = fileSystem_.Open(path_, FileSystem::OpenMode::CreateNew);
   fileSystem_.CopyPermissions(databasePath_, path_);
@@ -25,21 +31,25 @@ void RedoLog::Append(const LogOwner& owner, std::span<const StatementPage> pages
   const bool begins = salt_ == 0 || (pages_.empty() && header_.Owner() != owner);
   AppendWhole(begins ? 0 : end_, [&] {
     if (begins) BeginLog(owner);
+    // A large statement is logged whole, and so is each one in a log that an earlier version has begun.
     const bool mayBeDeltas = header_.TakesDeltas() && pages.size() <= kMostPagesByDeltas;
     std::vector<NewLogEntry> entries;
     entries.reserve(pages.size());
     for (const StatementPage& page : pages) entries.push_back(EntryOf(page, mayBeDeltas));
     const auto image = [&](std::size_t i) { return std::span<const std::uint8_t>(pages[i].image); };
     LogStatement statement = WriteLogStatement(*file_, end_, chain_, pageCount, entries, image);
+    // Inside, so that a flush that fails takes the statement back like any other error of writing it.
     if (flush == FlushTime::EachStatement) flush_.Now();
     return statement;
   });
   if (flush == FlushTime::Soon) flush_.Soon();
 }
 
-// Appends what `write` writes at the end and returns; on an error the file becomes as long again as it was.
+// Appends what `write` writes at the end and returns; on an error the file becomes as long again as it was. A log that
+// was only just begun for it is forgotten, so that the next statement begins another.
 void RedoLog::AppendWhole(std::uint64_t oldEnd, const std::function<LogStatement()>& write) {
   try {
+    // A torn end, or, where a log begins, what was in the file before.
     if (fileSize_ > oldEnd) file_->Truncate(oldEnd);
     Keep(write());
     fileSize_ = end_;
@@ -49,7 +59,8 @@ void RedoLog::AppendWhole(std::uint64_t oldEnd, const std::function<LogStatement
       file_->Truncate(oldEnd);
       fileSize_ = oldEnd;
     } catch (const Error&) {
-      // What is left is a torn end, which does not count.
+      // What is left is a torn end, which does not count. The length is noted as too long, so that the next append cuts
+      // it off.
       fileSize_ = end_ + 1;
     }
     throw;
@@ -60,25 +71,30 @@ NewLogEntry RedoLog::EntryOf(const StatementPage& page, bool mayBeDelta) const {
   static constexpr std::array<std::uint8_t, kPageSize> kZeros{};
   const LoggedPage* logged = Find(page.number);
   NewLogEntry entry{.number = page.number, .before = page.before, .isFirst = logged == nullptr};
+  // A page that the file does not have begins as zeros, for the reader too.
   const bool isNew = logged == nullptr && !page.before.isInDatabase;
   const std::span<const std::uint8_t> base = isNew ? std::span<const std::uint8_t>(kZeros) : page.base;
   if (!mayBeDelta || base.empty() || (logged != nullptr && logged->deltaCount >= kMostDeltas)) return entry;
   std::vector<std::uint8_t> delta = DeltaBetween(base.first<kPageSize>(), page.image);
+  // A long delta saves little, and the page would be read in two places.
   if (delta.size() > kLongestDelta) return entry;
   entry.isWhole = false;
   entry.delta = std::move(delta);
+  // Where there is an image and no delta behind it this is 0 as well.
   entry.previous = logged == nullptr ? 0 : logged->lastDelta;
   entry.sum = SumOfPage(page.image);
   return entry;
 }
 
-// For a checkpoint: an image of each page that has changed since its last one.
+// For a checkpoint: an image of each page that has changed since its last one. They are a statement like others, one
+// that changes nothing: whoever reads it finds the same pages.
 void RedoLog::AppendImages(File& database) {
   std::vector<NewLogEntry> entries;
   for (const auto& [number, page] : pages_) {
     if (page.lastDelta != 0) entries.push_back({.number = number, .before = page.before, .isFirst = false});
   }
   if (entries.empty()) return;
+  // Ascending, as every statement has its pages.
   std::sort(entries.begin(), entries.end(),
             [](const auto& left, const auto& right) { return left.number < right.number; });
   std::array<std::uint8_t, kPageSize> image{};

@@ -1,4 +1,10 @@
 // A redo log is brought into its database file, and dropped; first it is made sure that it is its file.
+//
+// A checkpoint goes: images of all logged pages into the log, the applying mark, a flush of the log; then new pages,
+// old pages, the length and the time of the file, a flush of the file; then the applied mark, and the log goes. A crash
+// before the flush of the log leaves the file untouched. After it the file may hold any mixture of old and new sectors,
+// and the log has images of all of them, so it is done once more from the start. A crash behind the flush of the file
+// leaves a log that says nothing new.
 #include <algorithm>
 #include <array>
 
@@ -139,6 +145,7 @@ void RedoLog::ApplyTo(File& database) {
 
   std::vector<std::uint8_t> run;
   run.reserve(kChunkSize);
+  // Neighbouring pages are written in one call, up to 256 KB.
   for (std::size_t i = 0; i < numbers.size(); ++i) {
     run.resize(run.size() + kPageSize);
     file_->ReadAt(pages_.at(numbers[i]).imageOffset, std::span(run).last<kPageSize>());
@@ -177,6 +184,7 @@ void RedoLog::Remove() {
 }
 
 std::string RedoLog::SetAside(bool isAlone) {
+  // A log that was set aside is never written over: each may be all that is left of an evening.
   std::string target = FreeSetAsidePath();
   Forget();
   flush_.Settle();
