@@ -83,8 +83,7 @@
 //
 // What a page is: its last image in the run, changed by the deltas after it; without an image the page of the database
 // file, zeros where that has none, changed by all deltas. For this the following holds at all times:
-//  1. A delta begins where the record before it in the run ends, so who applies all of them in order is never on
-//  another
+//  1. A delta begins where the record before it in the run ends, so who applies all of them is never on another
 //     base than who wrote them. The checksum of the page afterwards proves it to each reader.
 //  2. Nothing is written into the database file but images that stand in the log, and these only when the log has been
 //     flushed behind them: a checkpoint appends an image of each page that has deltas behind its last one, sets the

@@ -2,8 +2,8 @@
 //
 // A statement counts from the moment when all of its bytes are right, and not before, so there is no order to keep
 // while it is written. What has to be kept is what lies before it: an append begins by cutting off a torn end, and when
-// it fails the file gets its old length back. Then the caller's statement is refused, and nobody else has seen any of
-// it. Only when the bytes are written does this opener take the statement for its own (Keep), as others do who read it.
+// it fails the file gets its old length back. Then the caller's statement is refused. Only when the bytes are written
+// does this opener take the statement for its own (Keep), as others do who read it.
 #include <algorithm>
 #include <array>
 #include <utility>
