@@ -2,10 +2,9 @@
 // for its side, which names the other table by page and the other side by number. So a change asks only the table's own
 // list, and finds the partner through it:
 //
-//   a row is added, or its foreign key changes   the primary table must have the key    (CheckPrimaryRows)
-//   a primary key changes                        rows that have it follow, or refuse    (PlanKeyChange)
-//   a row goes                                   rows that have its key go too, lose their reference, or refuse
-//   (PlanDelete)
+//   CheckPrimaryRows   a row is added, or its foreign key changes: the primary table must have the key
+//   PlanKeyChange      a primary key changes: rows that refer to it follow, or refuse
+//   PlanDelete         a row goes: rows that refer to it go too, lose their reference, or refuse
 //
 // All three look through indexes, never through tables, and change nothing; the changes are StoredTable's. A key with a
 // null in it neither refers to a row nor is referred to.

@@ -19,6 +19,7 @@ auto BitsOf(Number number) {
 }
 
 /// A sum of values that tells nearly all that differ apart.
+/// Lengths go in before contents, so that "ab" and "c" are not "a" and "bc".
 class ValueHash {
  public:
   /// The kind goes in as well: an empty text and no bytes are different values.

@@ -87,7 +87,7 @@ std::vector<IndexChange> TableIndexes::Plan(const RowValues* before, const RowVa
       if (nullsRefused && encoder.AnyNull(*after)) RaiseNullKey(*tableName_, indexes_[i].name);
       if (encoder.HasEntry(*after)) change.added = encoder.RowKey(*after);
     }
-    // Other values may have the same key: a name that is written with a capital now.
+    // Other values may have the same key: a name whose letters change case.
     if (change.removed == change.added) continue;
     if (change.added.has_value()) CheckAdded(change, *after);
     changes.push_back(std::move(change));

@@ -60,6 +60,7 @@ AccessConnection::~AccessConnection() {
   }
 }
 
+// Rows that the statement gives are dropped with its outcome.
 std::int64_t AccessConnection::Execute(std::string_view commandText) {
   return AsProvider([&] { return file_->Session().Run(commandText).affected; });
 }

@@ -151,6 +151,8 @@ void AddIndexRows(const Table& table, std::vector<RowValues>& rows) {
   }
 }
 
+/// By physical index, under the name that statements know it by: sides of relationships on the same tree are not
+/// listed.
 std::unique_ptr<sql::ResultSet> ListIndexes(Database& database) {
   std::vector<RowValues> rows;
   for (const auto& table : UserTables(database)) AddIndexRows(*table, rows);

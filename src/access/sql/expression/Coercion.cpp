@@ -71,6 +71,7 @@ std::string TextOf(const Value& value) {
   return ToText(value);
 }
 
+// Day counts beyond the calendar have no year, month and day.
 Date DateOfNumber(double days) {
   const Date date{days};
   if (!date.IsInCalendar()) RaiseOverflow("The date lies outside the years 100 to 9999");
@@ -86,6 +87,7 @@ Date DateOf(const Value& value) {
   return DateOfNumber(NumberOf(value));
 }
 
+// A text is true or false by the number that it writes; other texts are a conflict.
 Truth TruthOf(const Value& value) {
   if (IsNull(value)) return Truth::Unknown;
   if (const auto* truth = std::get_if<bool>(&value)) return *truth ? Truth::True : Truth::False;

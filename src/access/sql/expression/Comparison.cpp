@@ -92,6 +92,7 @@ int CompareSameFamily(ValueFamily family, const Value& left, const Value& right)
 
 }  // namespace
 
+// Whatever is no text, no bytes and no identifier counts as a number: amounts, dates and truth values too.
 ValueFamily FamilyOf(const Value& value) {
   if (IsNull(value)) return ValueFamily::None;
   if (std::holds_alternative<std::string>(value)) return ValueFamily::Text;

@@ -29,6 +29,7 @@ Whole InRange(const Value& value) {
 Value CStr(Arguments arguments, const Scope&) {
   return TextOf(arguments[0]);
 }
+/// InRange rounds before it looks at the range: 32767.4 is an Integer.
 Value CInt(Arguments arguments, const Scope&) {
   return InRange<std::int16_t>(arguments[0]);
 }
@@ -97,6 +98,7 @@ Value Str(Arguments arguments, const Scope&) {
 }
 
 /// The longest start of a text that is a number; blanks do not count; 0 when there is none. &H and &O as in statements.
+/// Val("1 2e3 km") is 12000.
 Value Val(Arguments arguments, const Scope&) {
   std::string text;
   for (const char character : TextOf(arguments[0])) {

@@ -107,13 +107,16 @@ std::int64_t StartOfFirstWeek(int year, int firstDay, FirstWeek firstWeek) {
   const int before = WeekdayFrom(january, firstDay) - 1;  // days of that week in the old year
   const std::int64_t start = january - before;
   if (firstWeek == FirstWeek::WithFirstOfJanuary) return start;
+  // Four of the seven days lie in the new year when at most three lie before it.
   constexpr int kMostDaysBefore = 3;
   const int allowed = firstWeek == FirstWeek::OfFourDays ? kMostDaysBefore : 0;
   return before <= allowed ? start : start + kDaysOfWeek;
 }
 
 /// Days before the first week belong to the last week of the old year; the last days of December may belong to the
-/// first week of the new year, but not where weeks begin anew with 1 January.
+/// first week of the new year, but not where weeks begin anew with 1 January. With weeks from Sunday, 1 January 2027, a
+/// Friday, is in week 1 by that rule, as that week began on 27 December; by the others, whose week 1 begins on 3
+/// January, it is in week 52 of 2026.
 std::int32_t WeekOfYear(std::int64_t day, int year, int firstDay, FirstWeek firstWeek) {
   std::int64_t start = StartOfFirstWeek(year, firstDay, firstWeek);
   if (day < start) {
@@ -159,6 +162,8 @@ Date AddInterval(Interval interval, double count, Date date) {
   }
 }
 
+// Each case subtracts two numbers of units and never two dates, as units are not of one length: from 31 January to 1
+// March there are two borders between months, whatever days lie between. `w` alone counts whole weeks of days.
 std::int64_t CountIntervals(Interval interval, Date from, Date to, int firstDay) {
   const CivilDay start = from.Civil();
   const CivilDay end = to.Civil();
@@ -186,6 +191,7 @@ std::int64_t CountIntervals(Interval interval, Date from, Date to, int firstDay)
   }
 }
 
+// Weeks and weekdays alone depend on the day that begins the week.
 std::int32_t PartOfDate(Interval interval, Date date, int firstDay, FirstWeek firstWeek) {
   const CivilDay civil = date.Civil();
   const DateParts parts = PartsOf(date);

@@ -277,6 +277,7 @@ std::vector<std::string_view> Sections(std::string_view pattern) {
 
 }  // namespace
 
+// The sign decides by the number as it is, before it is rounded: -0.001 takes the section for negative ones.
 std::string FormatNumber(const Value& number, std::string_view pattern) {
   const std::vector<std::string_view> sections = Sections(pattern);
   const double amount = NumberOf(number);

@@ -114,6 +114,7 @@ bool IsNumberLike(const Value& value) {
 
 std::string FormatText(const Value& value, std::string_view pattern) {
   if (std::holds_alternative<Bytes>(value) || std::holds_alternative<Guid>(value)) return TextOf(value);
+  // Without a pattern everything reads as it does when texts are joined.
   if (pattern.empty() || EqualIgnoringCase(pattern, "General Number")) return TextOf(value);
   for (const NamedPattern& named : kNamedPatterns) {
     if (EqualIgnoringCase(pattern, named.name)) return FormatText(value, named.pattern);

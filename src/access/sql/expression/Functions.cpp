@@ -32,6 +32,7 @@ std::string UpperAscii(std::string_view name) {
 }  // namespace
 
 const Function* FindFunction(std::string_view name) {
+  // Made by the first that asks, whichever thread it is.
   static const std::vector<const Function*> kFunctions = AllByName();
   // The same function: the sign tells Access that a text is wanted and not a variant.
   if (name.ends_with('$')) name.remove_suffix(1);

@@ -1,6 +1,8 @@
 // Patterns of Like as a row of pieces, of which each takes one character, or any number (AnyRun). Matching is that of
 // Wildcards.h, which goes back to the last run only, so that it takes time by the text's length times the pattern's at
-// worst. Case is taken out of single characters as they are read, and tried both ways in sets, where a range may hold
+// worst. "[A-C]*_#" is a set, a run, any one character and a digit: it takes "Bx1" and "c1234".
+//
+// Case is taken out of single characters as they are read, and tried both ways in sets, where a range may hold
 // either.
 #include <algorithm>
 
@@ -53,6 +55,7 @@ std::size_t LikePattern::ReadSet(std::u32string_view pattern, std::size_t place)
   return end + 1;
 }
 
+// Runs are never asked: they take what is left over by the pieces behind them.
 bool LikePattern::Accepts(const Piece& piece, char32_t character) {
   switch (piece.kind) {
     case Piece::Kind::Character:

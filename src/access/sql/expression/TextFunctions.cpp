@@ -82,6 +82,7 @@ Value Mid(Arguments arguments, const Scope&) {
   return FromCodePoints(std::u32string_view(text).substr(place, count));
 }
 
+/// Capitals and small letters of all scripts that have them, by one table on every system.
 Value UCase(Arguments arguments, const Scope&) {
   return UpperCase(TextOf(arguments[0]));
 }
@@ -93,6 +94,7 @@ Value TrimBoth(Arguments arguments, const Scope&) {
   return Trim(TextOf(arguments[0]));
 }
 
+/// Blanks alone; tabs and ends of lines stay.
 Value LTrim(Arguments arguments, const Scope&) {
   std::string text = TextOf(arguments[0]);
   return text.erase(0, std::min(text.find_first_not_of(' '), text.size()));

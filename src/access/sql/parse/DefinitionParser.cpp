@@ -58,6 +58,7 @@ void ReadKeyColumns(TokenStream& stream, IndexDesign& index) {
   stream.ExpectSymbol(")");
 }
 
+/// Names alone: the columns of a relationship have no direction.
 std::vector<std::string> ReadColumnNames(TokenStream& stream) {
   std::vector<std::string> names;
   stream.ExpectSymbol("(");

@@ -1,3 +1,5 @@
+// What all trees have in common, whoever walks them. Sub-selects are trees of their own, with their own columns and
+// aggregates, and are left out by every walk here.
 #include "access/sql/parse/Expression.h"
 
 #include <algorithm>

@@ -94,6 +94,7 @@ class ExpressionReader {
     return node;
   }
 
+  /// Keeps the depth of the node, and refuses one that becomes too deep.
   void AddArgument(Expression& node, ExpressionPointer argument) {
     node.depth = std::max(node.depth, stream_.Above(argument->depth));
     node.arguments.push_back(std::move(argument));
@@ -233,6 +234,7 @@ class ExpressionReader {
     return inner;
   }
 
+  /// The select behind it tells it from a column of this name.
   ExpressionPointer ReadExists() {
     ExpressionPointer node = MakeExpression(ExpressionKind::Exists, stream_.Take().position);
     stream_.ExpectSymbol("(");

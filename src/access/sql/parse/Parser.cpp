@@ -37,6 +37,7 @@ Statement Parse(std::string_view text, FunctionFinder findFunction) {
   TokenStream stream(text, findFunction);
   Statement statement = ParseStatement(stream);
   stream.TakeSymbol(";");
+  // One text is one statement: a second one behind the semicolon would go unseen.
   if (stream.Peek().kind != TokenKind::End) stream.FailExpecting("the end of the statement");
   return statement;
 }

@@ -72,6 +72,7 @@ class SourceReader {
     return kind;
   }
 
+  /// As deep as the deeper of both sides, and one more; the condition may make it deeper still.
   std::unique_ptr<Source> Join(Source::Join kind, std::size_t position, std::unique_ptr<Source> left,
                                std::unique_ptr<Source> right) {
     auto join = std::make_unique<Source>();

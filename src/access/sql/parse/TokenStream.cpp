@@ -2,7 +2,10 @@
 // never go back, so that a statement is read in one pass, with three tokens ahead at the most.
 //
 // A message is made of where the reader is (the part that was entered last), of what was found and of what was
-// expected.
+// expected. For "Select X From T Where A B" it is:
+//
+//   Syntax error (missing operator) in query expression 'A B' of the WHERE clause: 'B' was found where an operator or
+//   the end of the statement was expected (character 25 of "Select X From T Where A B").
 #include "access/sql/parse/TokenStream.h"
 
 #include <algorithm>
@@ -34,6 +37,7 @@ bool IsReserved(const Token& token) {
                                                       [&](std::string_view word) { return token.IsWord(word); });
 }
 
+// The whole text is cut before the first rule reads, so that an open quote is the error and not what it swallows.
 TokenStream::TokenStream(std::string_view statement, FunctionFinder findFunction)
     : statement_(statement), findFunction_(findFunction), tokens_(Tokenize(statement)) {}
 
