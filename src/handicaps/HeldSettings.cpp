@@ -67,6 +67,7 @@ HandiCalcSettings HeldSettings::HandicalcOptions(cDatabase& database) {
 void HeldSettings::SetHandicalcOptions(cDatabase& database, const std::shared_ptr<HandiCalcSettings>& settings) {
   // First of all, so that a value that cannot be stored changes nothing.
   const std::string insert = settings ? InsertStatement(*settings) : std::string();
+  // The object itself and no copy: a program that goes on changing it changes what this object calculates with.
   held_ = settings;
   Require().SetDisabled(false);
   InTransaction(database, [&] {

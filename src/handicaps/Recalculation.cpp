@@ -17,6 +17,8 @@ std::string KeyOf(std::int32_t memberNumber) {
 }
 
 /// A number by which a row is known; nothing where it has none.
+/// By ReadField, which names table and column: a number that cannot be read is damage, and not somebody without a
+/// number.
 std::optional<std::int32_t> NumberIn(const ado::Recordset& row, const char* table, std::string_view column) {
   return ReadField(
       row, column,
@@ -31,6 +33,7 @@ void Store(ado::Recordset& row, double handicap) {
   row.Update();
 }
 
+/// Without a competition: as of today, and nothing is left out.
 HandicapRequest RequestFor(std::int32_t player, std::int32_t partner, bool individual) {
   HandicapRequest request;
   request.PlayerID = player;
@@ -62,6 +65,7 @@ void RecalculateMembers(cDatabase& database, HeldSettings& held, const Remembere
   for (; !rows->AtEnd(); rows->MoveNext()) {
     const std::optional<std::int32_t> number = NumberIn(*rows, "Members", "MembershipNumber");
     if (!number) continue;
+    // The first of a member's partnerships has decided.
     const double* known = remembered.Find(KeyOf(*number));
     double handicap = known == nullptr ? 0.0 : *known;
     // 0 is also what a member without a partnership has in the list of remembered ones.

@@ -37,6 +37,7 @@ bool cPairMemberNumbers::BothNonMembers() const {
   return lower_ == kNoMember && higher_ == kNoMember;
 }
 
+// Two pairs of a member and a visitor are never the same: visitors have one number for all of them.
 bool cPairMemberNumbers::SameAs(const cPairMemberNumbers& Other) const {
   return higher_ == Other.higher_ && lower_ == Other.lower_ && BothMembers();
 }
@@ -48,6 +49,7 @@ cHandiCalcResultData cHandiCalcResultData::Create(std::int32_t nCompetitionID, D
   data.percentage_ = dPercent;
   data.date_ = dCompetitionDate;
   data.samePair_ = SamePair;
+  // No competition has the identifier 0: automatic numbers begin with 1.
   data.isSeed_ = nCompetitionID == 0;
   data.key_ = KeyOf(nCompetitionID, PairInfo, SamePair);
   return data;
@@ -82,6 +84,7 @@ void TrimSeeds(HandicapResultList& List, std::int16_t MaxResults) {
 }
 
 double AverageOf(const HandicapResultList& List, std::int32_t playerNumber, double unknownPlayerHandicap) {
+  // A member without results is an average player until he has some; of a visitor the club's settings say it.
   if (List.IsEmpty()) return playerNumber == kNoMember ? unknownPlayerHandicap : kNeutralHandicap;
   double sum = 0.0;
   for (const auto& [key, entry] : List) sum += entry.Percentage();

@@ -44,6 +44,7 @@ std::vector<std::string> AllEmailAddresses(cDatabase& store) {
   rows->Close();
   use.Close();
   std::vector<std::string> list;
+  // As they are written in the file, in its order; the capitals were for comparing only.
   for (const auto& [key, address] : addresses) list.push_back(address);
   return list;
 }
@@ -53,6 +54,7 @@ std::vector<EBUMembershipDetails> SearchEBUList(cDatabase& store, const std::str
   std::vector<EBUMembershipDetails> found;
   OpenUse use(store);
   std::string statement = "Select * from EBUMembershipList where LastName = " + cDatabase::SQLString(Surname);
+  // An empty name is no condition, also where rows have none.
   if (!GivenName.empty()) statement += " and FirstName = " + cDatabase::SQLString(GivenName);
   const auto rows = store.OpenRecordset(statement);
   // What was found before a row that cannot be read is of use all the same.

@@ -19,6 +19,7 @@ std::string WhereNumberIs(std::int32_t memberNumber) {
   return "Where " + NumberIs(memberNumber);
 }
 
+/// Compared with 0: True is -1 to the database, and 1 where statements write it.
 std::string WhereActiveNumberIs(std::int32_t memberNumber) {
   return WhereNumberIs(memberNumber) + " And Active <> 0";
 }
@@ -53,6 +54,7 @@ std::string NumberIs(std::int32_t memberNumber) {
 bool MemberExists(cDatabase& database, std::int32_t memberNumber) {
   return WhileOpen(database, [&] {
     const auto row = database.OpenRecordset("Select count(*) From Members " + WhereNumberIs(memberNumber));
+    // The count's column has a name that the database chooses, so it is taken by its place.
     return !row->AtEnd() && ToInt32(row->Get(row->Fields().front().name)) > 0;
   });
 }
@@ -124,6 +126,7 @@ std::int32_t EnteredNumberToClubNumber(cDatabase& database, std::int32_t Entered
   });
 }
 
+// Retired members' numbers are valid, too.
 bool IsValidMemberID(cDatabase& database, std::int32_t MemberID) {
   return WhileOpen(database, [&] {
     return !database.OpenRecordset("Select top 1 MembershipNumber From Members " + WhereNumberIs(MemberID))->AtEnd();

@@ -42,6 +42,7 @@ void Enrol(cDatabase& store, std::int32_t number, const PlayerNameParts& name, d
   member.LastName = name.Surname;
   member.Handicap = handicap;
   member.MemberType = kStandardMember;
+  // The days of joining and of the last payment are those of an unknown detail.
   member.NextDue = terms.NextDue;
   member.Subs = terms.Amount;
   member.RequiredID = number;

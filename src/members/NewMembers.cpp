@@ -86,6 +86,7 @@ std::int32_t NextAvailableMemberNo(cDatabase& database) {
 
 std::int32_t AddMember(cDatabase& database, const MemberDetails& details) {
   return InTransaction(database, [&] {
+    // Asked within the transaction: nobody else can take the number before the row is there.
     const std::int32_t number = details.RequiredID == kNoMember ? NextAvailableMemberNo(database) : details.RequiredID;
     // Before the first statement, although it is stored by the second.
     RequireNumber(details.Handicap, "the handicap");

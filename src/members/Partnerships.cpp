@@ -12,6 +12,7 @@
 namespace tavi {
 namespace {
 
+/// Active has its default, as has the seed: a new pair plays, and starts without one.
 std::string InsertStatement(std::int32_t P1, std::int32_t P2, double handicap, const std::string& knownAs) {
   return "Insert into Partnerships (LowerPlayer, HigherPlayer, HigherFirst, Handicap, KnownAs) Values (" +
          std::to_string(std::min(P1, P2)) + ", " + std::to_string(std::max(P1, P2)) + ", " + (P1 > P2 ? "1" : "0") +
@@ -74,6 +75,7 @@ void MakeRegularPartnership(cDatabase& database, std::int32_t P1, std::int32_t P
     std::string storedName;
     double storedHandicap = 0.0;
     bool inactive = false;
+    // An active pair is left as it is, with its own handicap and name.
     if (!IsRegularPartnership(database, P1, P2, storedName, storedHandicap, inactive)) {
       database.Execute(InsertStatement(P1, P2, handicap, KnownAs));
     } else if (inactive) {

@@ -127,12 +127,14 @@ void WriteTable(std::ostream& out, const std::string& function, const std::vecto
   for (const Family& family : families) {
     heads.push_back(letters.size());
     for (const std::string& form : family.forms) {
+      // Sounds and skeletons are computed here, when the system is built, and not in each program that starts.
       letters.push_back(form);
       sounds.push_back(SoundsOf(form));
       skeletons.push_back(SkeletonOf(sounds.back()));
     }
   }
   heads.push_back(letters.size());
+  // Numbers of forms are written with 16 bits.
   if (letters.size() > std::numeric_limits<std::uint16_t>::max()) throw std::runtime_error("1: too many names");
   out << "// Made by MakeNameTable.cpp. Do not edit.\n#include \"names/NameTables.h\"\n\nnamespace tavi {\nnamespace "
          "{\n\n";

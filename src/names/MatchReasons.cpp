@@ -38,6 +38,7 @@ std::string InitialsDifference(const cPlayerDetails& typed, const cPlayerDetails
   return score == name_score::kNothingKnown ? "initials are missing" : std::string();
 }
 
+/// A part that does not differ adds nothing.
 void Append(std::string& text, const std::string& more) {
   if (!text.empty() && !more.empty()) text += ", ";
   text += more;
@@ -60,6 +61,7 @@ std::string MatchReason(const cPlayerDetails& typed, const cPlayerDetails& membe
 NameMatch CompareNames(const std::shared_ptr<const NameKeyService>& keys, const std::string& typed,
                        const MemberName& member) {
   cPlayerDetails own(keys);
+  // A typed name is split at its blanks; a member's parts are stored as such.
   own.SetName(typed);
   cPlayerDetails other(keys);
   other.SetNameComponents(member.first, member.initials, member.last);

@@ -52,6 +52,7 @@ constexpr std::array<MarkRange, 9> kIgnored{{{0x0000, 0x002F},
                                              {0xFE00, 0xFE0F},
                                              {0xFEFF, 0xFEFF}}};
 
+/// What the reading of UTF-8 puts for bytes that are none.
 constexpr char32_t kInvalid = 0xFFFD;
 
 /// The ranges ascend and do not overlap.
@@ -86,6 +87,7 @@ void Decompose(char32_t character, const Visitor& visit) {
   if (found->second != 0) Decompose(found->second, visit);
 }
 
+/// A search from letter to letter will do: few names have one of these.
 std::string_view PlainForm(char32_t letter) {
   for (const LetterForm& form : kLetterForms) {
     if (form.letters.find(letter) != std::u32string_view::npos) return form.plain;

@@ -15,6 +15,7 @@ bool IsInitialOf(std::string_view left, std::string_view right) {
 }
 
 /// True when the letters of `part` occur in `whole` in their order.
+/// "AB" in "ACB": an initial in between was left out.
 bool OccursInOrder(std::u32string_view part, std::u32string_view whole) {
   std::size_t position = 0;
   for (const char32_t letter : part) {
@@ -31,6 +32,7 @@ std::int16_t CompareNamePart(std::string_view Own, std::string_view OwnKey, std:
                              std::string_view OtherKey) {
   // Two empty parts are the same by this first comparison, so "nothing is known" is left for one empty part.
   if (EqualIgnoringCase(Other, Own)) return name_score::kSame;
+  // A single letter has a key of its own, so that an initial is not taken for a name that sounds like it.
   if (OtherKey == OwnKey) return name_score::kSoundsAlike;
   if (IsInitialOf(Own, Other)) return name_score::kAbbreviation;
   return Own.empty() || Other.empty() ? name_score::kNothingKnown : name_score::kDifferent;

@@ -114,6 +114,7 @@ std::vector<std::int32_t> FindNearestMatches(cDatabase& database, const std::str
     for (; !rows->AtEnd(); rows->MoveNext()) {
       auto candidate = ReadMemberRow(*rows, service);
       const std::int16_t weight = typed.MatchWeight(*candidate);
+      // Equal keys are only a beginning: initials that contradict make it another name.
       if (weight >= 1) InsertByWeight(candidates, std::move(candidate), weight);
     }
     std::vector<std::int32_t> numbers;

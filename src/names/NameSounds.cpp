@@ -42,6 +42,7 @@ constexpr std::array kConsonantRules{
     SoundRule{"CHR", Place::Anywhere, "KR"},
     SoundRule{"CHL", Place::Anywhere, "KL"},
     SoundRule{"CHT", Place::Anywhere, "T"},
+    // After the spellings in which CH is K or silent (CHRISTINE, CHLOE, CHT) it is the sound of "church".
     SoundRule{"CH", Place::Anywhere, "C"},
     SoundRule{"CKS", Place::Anywhere, "KS"},
     SoundRule{"CK", Place::Anywhere, "K"},
@@ -56,6 +57,7 @@ constexpr std::array kConsonantRules{
     SoundRule{"DG", Place::BeforeFrontVowel, "J"},
     SoundRule{"DT", Place::Anywhere, "T"},
     SoundRule{"GHT", Place::Anywhere, "T"},
+    // HUGHES: GH is silent but at the start.
     SoundRule{"GH", Place::Start, "G"},
     SoundRule{"GH", Place::Anywhere, ""},
     SoundRule{"GN", Place::Start, "N"},
@@ -66,6 +68,7 @@ constexpr std::array kConsonantRules{
     SoundRule{"KH", Place::Anywhere, "K"},
     SoundRule{"LLM", Place::Anywhere, "LM"},
     SoundRule{"MB", Place::End, "M"},
+    // Between two consonants a P or D is swallowed: THOMPSON sounds as THOMSON; EDMONDS, REYNOLDS.
     SoundRule{"MPS", Place::Anywhere, "MS"},
     SoundRule{"MPT", Place::Anywhere, "MT"},
     SoundRule{"MN", Place::End, "M"},
@@ -82,6 +85,7 @@ constexpr std::array kConsonantRules{
     SoundRule{"SC", Place::BeforeFrontVowel, "S"},
     SoundRule{"SSI", Place::BeforeVowel, "X"},
     SoundRule{"SH", Place::Anywhere, "X"},
+    // As in CASTLE.
     SoundRule{"STL", Place::Anywhere, "SL"},
     SoundRule{"SZ", Place::Anywhere, "S"},
     SoundRule{"TCH", Place::Anywhere, "C"},
@@ -93,6 +97,7 @@ constexpr std::array kConsonantRules{
     SoundRule{"X", Place::Start, "S"},
     SoundRule{"X", Place::Anywhere, "KS"},
     SoundRule{"Z", Place::Anywhere, "S"},
+    // As in JOHNSON.
     SoundRule{"H", Place::BeforeConsonant, ""},
     SoundRule{"H", Place::End, ""},
     SoundRule{"W", Place::BeforeConsonant, ""},
@@ -109,6 +114,7 @@ constexpr std::array kVowelRules{
     SoundRule{"EAU", Place::Anywhere, "4"},
     SoundRule{"IEU", Place::Anywhere, "5"},
     SoundRule{"OUE", Place::Anywhere, "6"},
+    // PEARCE, PERCY and BURNS have the same vowel before the R; at the end of a name EAR is that of "dear".
     SoundRule{"EAR", Place::BeforeConsonant, "8R"},
     SoundRule{"ER", Place::BeforeConsonant, "8R"},
     SoundRule{"IR", Place::BeforeConsonant, "8R"},

@@ -26,6 +26,7 @@ StoredNames NamesOf(const ado::Recordset& row) {
   return {text("FirstName"), text("LastName"), text(kFirstNameKey), text(kSurnameKey)};
 }
 
+/// Done is a row whose keys are right, too.
 enum class RowOutcome { Done, ValueRefused, FileRefused };
 
 void NotePassedOver(NameKeyRefresh& result, const StoredNames& names, const Error& error) {

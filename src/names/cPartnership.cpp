@@ -9,6 +9,8 @@ namespace {
 constexpr const char* kAnd = " & ";
 
 /// A player's name in a format, without the surname.
+/// By a copy without the surname, so that each format leaves it out in its own way; the player belongs to other pairs
+/// too.
 std::string NameWithoutSurname(const cPlayerDetails& player, std::int16_t format) {
   const auto copy = player.Clone();
   copy->SetSurname("");

@@ -21,6 +21,7 @@ constexpr std::array<CompetitionKind, 4> kCompetitionKinds{{{"P", "Individual = 
                                                             {"S", "Individual = 0, IsSwiss = 1, IsTeams = 0"},
                                                             {"T", "Individual = 0, IsSwiss = 0, IsTeams = 1"}}};
 
+/// All three are set, whatever stood there: a code says the kind completely.
 std::string Assignments(const CompetitionKind& kind, bool setIsExternal) {
   return std::string(kind.assignments) + (setIsExternal ? ", IsExternal = 1" : "");
 }

@@ -101,6 +101,7 @@ std::vector<TableTask> Recovery::Tasks() const {
       {"Settings"}};
 }
 
+// Emptying comes before the first copy where tables refer to each other, and table by table otherwise.
 void Recovery::CopyTables() {
   const std::map<std::string, std::int64_t> counts = StatedRowCounts(*old_);
   // All copies live until the end, since rows of one may wait for those of another.
@@ -148,6 +149,8 @@ void Recovery::ConvertCompetitions() {
   }
 }
 
+// A step that fails is reported and the next one is done, but for trouble with the new file, which every step would
+// meet.
 void Recovery::Attempt(const std::string& step, const std::function<void()>& action) {
   try {
     action();

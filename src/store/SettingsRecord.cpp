@@ -94,6 +94,7 @@ std::int32_t cDatabase::GetLastMPCertificateNo() {
   return WhileOpen(*this, [&] { return GetNumericField(*OpenSettingsRow(), kCertificateColumn); });
 }
 
+// Counting goes on behind the given number.
 void cDatabase::ResetLastMPCertificateNo(std::int32_t LastCertNo) {
   WhileOpen(*this, [&] { Store(*OpenSettingsRow(), kCertificateColumn, LastCertNo); });
 }

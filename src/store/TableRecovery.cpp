@@ -91,6 +91,7 @@ void TableRecovery::Copy(std::optional<std::int64_t> stated) {
            " of them can be read.");
   }
   report_.found = std::max(met, report_.found);
+  // Awards and results that name a missing competition then wait for it instead of losing it.
   if (IsOfCompetitions()) carried_.competitionsMayFollow = !refused_.empty();
 }
 
@@ -140,6 +141,7 @@ void TableRecovery::Attempt(const std::function<void()>& copying) {
 
 void TableRecovery::CopyRows() {
   WriteDiagnostic("Recovering " + task_.specification);
+  // Before rows are deleted: a list of defaults that cannot be read must cost nothing.
   defaults_ = ParseDefaults(task_.defaults);
   DeleteOldRows();
   OpenRows();

@@ -66,6 +66,7 @@ void ShowRemoveFailure(const MessageBoxes& boxes, const cDbFieldDef& change, con
 
 }  // namespace
 
+// Removing needs no transaction of its own: it is one statement.
 std::optional<Error> TryChange(cDatabase& database, const cDbFieldDef& change) {
   try {
     if (change.Action == cDbFieldDef::ChangeAction::Add) {

@@ -91,6 +91,7 @@ bool IsSameFile(std::string_view path, std::string_view other) {
   return EqualIgnoringCase(ReplaceAll(path, "\\", "/"), ReplaceAll(other, "\\", "/")) || IsSameNativeFile(path, other);
 }
 
+// The last separator goes too: "C:\Club\a.mdb" gives "C:\Club", "C:a.mdb" gives "C".
 std::string ParentPath(std::string_view path) {
   const std::size_t end = path.find_last_of(":\\/");
   if (end == std::string_view::npos) {

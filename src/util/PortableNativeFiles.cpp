@@ -47,6 +47,7 @@ bool IsNativeFile(std::string_view path) noexcept {
   }
 }
 
+// Device and inode tell a file whatever its name is, and over links.
 bool IsSameNativeFile(std::string_view path, std::string_view other) noexcept {
   try {
     struct stat first {};

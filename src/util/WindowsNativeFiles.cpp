@@ -23,6 +23,7 @@ bool CanBePath(std::string_view path) {
 /// A file that is open while this object lives.
 class OpenFile {
  public:
+  // A path with a null character leaves it closed, as one that does not lead anywhere does.
   OpenFile(std::string_view path, DWORD access, DWORD disposition) {
     constexpr DWORD kShare = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     if (!CanBePath(path)) return;
@@ -55,6 +56,7 @@ class AppendTurn {
  public:
   explicit AppendTurn(const OpenFile& file) : file_(file.Handle()) {
     constexpr int kTries = 50;
+    // At 2^62 bytes, where no log ends.
     constexpr DWORD kHighOffset = 0x40000000;
     constexpr DWORD kKind = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
     byte_.OffsetHigh = kHighOffset;

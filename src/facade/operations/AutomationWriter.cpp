@@ -38,6 +38,7 @@ std::string DescribedArgument(const Argument& argument) {
   return Attributes(argument) + " " + AutomationType(argument) + " " + argument.name;
 }
 
+/// The type library tells apart whether a property takes a value or an object.
 std::string KindAttribute(Kind kind) {
   if (kind == Kind::Method) return "";
   if (kind == Kind::Get) return "propget, ";
@@ -110,6 +111,7 @@ void WriteCopy(std::ostream& out, const Class& one) {
   out << "\n/// Sets all properties to what an object of anybody's says. Raises its error when it cannot say.\n"
       << "inline void Copy(" << interface << "& from, " << one.name << "& to) {\n";
   for (const Operation& property : one.operations) {
+    // Properties that can only be read follow from the others.
     if (property.kind != Kind::Get || !HasOtherHalf(one, property)) continue;
     const std::string asked = "Ask(from, &" + interface + "::get_" + property.name + ")";
     out << "  to.Set" << property.name << "(" << Converted(*property.result, asked) << ");\n";

@@ -44,6 +44,7 @@ bool GivesNewValue(const Call& call) {
 /// The arguments of the operation, and before them the value that it belongs to.
 std::vector<Argument> ArgumentsOf(const Call& call) {
   std::vector<Argument> arguments = call.operation.arguments;
+  // The value comes as an argument by the class's own word, such as "settings".
   if (call.isOfAValue && !GivesNewValue(call)) {
     arguments.insert(arguments.begin(), {call.owner.asArgument, FindType(call.owner.name), Direction::In, ""});
   }
@@ -79,6 +80,7 @@ std::string CppType(const Call& call, const Argument& argument) {
 }
 
 /// The call itself in C++, as an expression.
+/// Arguments have been read into variables of their names, so they can be passed back by reference.
 std::string Expression(const Call& call) {
   const Operation& operation = call.operation;
   const std::string object = call.isOfAValue ? (GivesNewValue(call) ? "value" : call.owner.asArgument) : "club";

@@ -119,6 +119,7 @@ class TableReader {
     // A property takes no arguments: its name and a type say all of both halves.
     if (kind != "property" && kind != "variable") return Add(std::move(operation));
     if (operation.result == nullptr || !operation.arguments.empty()) Refuse("a " + kind + " is a name and a type");
+    // The value that is written has the type that is read; it is called "value" everywhere.
     Operation writing = operation;
     writing.kind = Kind::Let;
     writing.arguments = {{"value", std::exchange(writing.result, nullptr), Direction::In, ""}};
@@ -172,6 +173,7 @@ class TableReader {
     const std::string type = CutBefore(text, "=");
     argument.standard = text;
     argument.type = TypeOf(argument.standard == "none" ? type + " or none" : type);
+    // Results alone: nobody passes such a value to an operation.
     if (argument.type->given == nullptr) Refuse("no argument is of the type " + type);
     return argument;
   }
@@ -189,6 +191,7 @@ class TableReader {
       const std::string label = CutBefore(text, " ");
       if (label == "help") operation.help = text;
       if (label == "errors") operation.errors = text;
+      // Tests are names between blanks; the other fields are sentences.
       std::istringstream words(label == "tests" ? text : "");
       for (std::string word; words >> word;) operation.tests.push_back(word);
     }

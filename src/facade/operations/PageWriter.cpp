@@ -1,3 +1,5 @@
+// The rows of docs/operations.md: what people look up, with the tests that prove each operation. Both halves of a
+// property have a row, since each has its own errors and tests.
 #include "facade/operations/Writers.h"
 
 namespace tavi::operations {

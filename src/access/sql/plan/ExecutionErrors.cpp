@@ -1,3 +1,4 @@
+// The texts begin as programs know them from the database engine, and go on with what is wrong here and what to do.
 #include "access/sql/plan/ExecutionErrors.h"
 
 #include "access/file/EngineError.h"

@@ -74,6 +74,7 @@ DataType TypeOfBinary(const Expression& expression, const SelectPlan& plan) {
 DataType TypeOfAggregate(const Expression& call, const SelectPlan& plan) {
   const std::string name = UpperCase(call.name);
   if (name == "COUNT") return DataType::Integer;
+  // Min, Max, First and Last give one of the values themselves.
   const DataType argument = call.arguments.empty() ? DataType::Double : TypeOf(*call.arguments[0], plan);
   if (name == "MIN" || name == "MAX" || name == "FIRST" || name == "LAST") return argument;
   return argument == DataType::Currency && (name == "SUM" || name == "AVG") ? argument : DataType::Double;
@@ -82,6 +83,7 @@ DataType TypeOfAggregate(const Expression& call, const SelectPlan& plan) {
 /// Functions that are not listed give texts. Those that pass a value on have the type of their argument.
 DataType TypeOfCall(const Expression& call, const SelectPlan& plan) {
   const std::string name = UpperCase(call.name);
+  // A new function needs a place in one of these groups unless it gives texts.
   const auto isOneOf = [&](std::initializer_list<std::string_view> names) {
     return std::find(names.begin(), names.end(), name) != names.end();
   };
@@ -123,6 +125,7 @@ DataType TypeOfSubselect(const SelectPlan* subselect) {
 
 }  // namespace
 
+// The expression is bound. Conditions of all kinds (Between, In, Like, Exists ...) are truth values.
 DataType TypeOf(const Expression& expression, const SelectPlan& plan) {
   switch (expression.kind) {
     case ExpressionKind::Literal:

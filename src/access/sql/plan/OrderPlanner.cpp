@@ -15,6 +15,7 @@ namespace {
 /// Reading a row by an index costs about this many rows of a scan.
 constexpr double kRowByIndex = 2.0;
 
+/// Only a literal as it stands: ORDER BY 1 + 1 is an expression, and the same for all rows.
 std::optional<std::size_t> OutputPosition(const Expression& expression, const SelectPlan& plan) {
   if (expression.kind != ExpressionKind::Literal) return std::nullopt;
   std::int64_t position = 0;

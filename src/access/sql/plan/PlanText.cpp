@@ -162,6 +162,7 @@ void WriteNode(const PlanNode& node, const SelectPlan& plan, const std::string& 
     text += "\n";
     return;
   }
+  // A part of its own line only where there is something to say of it.
   if (node.kind == PlanNode::Kind::Outer || !node.filters.empty()) {
     text += indent + (node.kind == PlanNode::Kind::Outer ? "outer join" : "joined");
     WriteFilters(node, text);

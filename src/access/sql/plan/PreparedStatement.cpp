@@ -14,6 +14,7 @@ namespace {
 constexpr std::uint32_t kGrowthFactor = 4;
 constexpr std::uint32_t kGrowthRows = 100;
 
+/// Both must hold: a table that grows from 3 rows to 20 would otherwise cost a plan at each step.
 bool IsOtherSize(std::uint32_t planned, std::uint32_t now) {
   const std::uint32_t smaller = std::min(planned, now);
   const std::uint32_t larger = std::max(planned, now);
@@ -58,6 +59,7 @@ struct PlanMaker {
 
 }  // namespace
 
+// Raises for names that lead nowhere; the statement then keeps the plan that it had.
 void Plan(PreparedStatement& prepared, PlanContext& context) {
   prepared.plan = std::visit(PlanMaker{context}, prepared.statement);
 }
@@ -88,6 +90,7 @@ std::shared_ptr<PreparedStatement> StatementCache::Find(std::string_view text) {
 }
 
 void StatementCache::Put(std::string_view text, std::shared_ptr<PreparedStatement> statement) {
+  // So many texts of any length could take much memory.
   if (text.size() > kLongestText) return;
   if (const auto found = byText_.find(text); found != byText_.end()) {
     found->second->statement = std::move(statement);

@@ -87,6 +87,7 @@ std::uint64_t HashOf(const RowValues& values) {
 
 // Values of different families are never one key. Comparing them could raise a type conflict, so it is not tried.
 bool SameKey(const Value& left, const Value& right) {
+  // Groups and DISTINCT put nulls together, unlike comparisons.
   if (IsNull(left) || IsNull(right)) return IsNull(left) && IsNull(right);
   return FamilyOf(left) == FamilyOf(right) && CompareValues(left, right) == 0;
 }

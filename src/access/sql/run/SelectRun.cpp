@@ -49,6 +49,7 @@ class DistinctPointers {
 
   /// True when the current rows have not been there before.
   bool Add(const RowScope& scope) {
+    // Not asked for, or without effect.
     if (sources_ == 0) return true;
     std::vector<std::uint32_t> pointers;
     for (std::size_t i = 0; i < scope.rows.size(); ++i) {
@@ -80,6 +81,7 @@ class ValueRows {
     return goOn && !(mayStop && rows_.size() >= limit_);
   }
 
+  // Rows stay where they were gathered and are moved once, in their final order.
   std::vector<RowValues> Finish() {
     std::vector<RowValues> sorted;
     for (const std::size_t number : order_.Finish()) {
@@ -175,6 +177,7 @@ std::vector<RowValues> CollectAlone(StatementContext& context, const SelectPlan&
 }
 
 /// Sorts the rows of a union by its ORDER BY, whose keys are output columns.
+/// Stable, so that rows which tie keep the order of the parts.
 std::vector<RowValues> Sorted(const StatementContext& context, const SelectPlan& plan, std::vector<RowValues> rows) {
   SortQuestion question(context);
   std::vector<std::size_t> numbers(rows.size());
