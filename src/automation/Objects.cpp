@@ -33,6 +33,7 @@ std::shared_ptr<HandiCalcSettings> SettingsOf(_HandiCalcSettings* object) {
   return copy;
 }
 
+// The lower bound says whether anybody was found: 1, or 0 for nobody.
 void Return(SAFEARRAY** result, const MatchList& list) {
   SAFEARRAY* array = ::SafeArrayCreateVector(VT_I4, list.LowerBound, static_cast<ULONG>(list.Numbers.size()));
   if (array == nullptr) throw std::bad_alloc();
@@ -51,6 +52,7 @@ void Return(_Collection** result, const std::vector<std::string>& texts) {
   *result = MakeCollection(std::move(items)).Detach();
 }
 
+// Rows have no key; they are found by position.
 void Return(_Collection** result, const std::vector<EBUMembershipDetails>& rows) {
   std::vector<CollectionItem> items;
   for (const EBUMembershipDetails& row : rows) {
@@ -59,6 +61,7 @@ void Return(_Collection** result, const std::vector<EBUMembershipDetails>& rows)
   *result = MakeCollection(std::move(items)).Detach();
 }
 
+// A copy: what the caller changes in it counts only when he stores it again.
 void Return(_HandiCalcSettings** result, const HandiCalcSettings& settings) {
   *result = new HandiCalcSettingsObject(std::make_shared<HandiCalcSettings>(settings));
 }

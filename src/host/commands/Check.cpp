@@ -134,6 +134,7 @@ void WriteText(const Context& context, const std::string& file, const access::Ch
 }  // namespace
 
 int Check(const Context& context, const CheckRequest& request) {
+  // Without a file the one that --db names, be it a club's or not.
   const std::string file = NativePath(request.file.empty() ? context.AccessFile() : request.file);
   std::unique_ptr<access::Database> database;
   access::CheckResult result;

@@ -119,6 +119,7 @@ int Compact(const Context& context, const std::string& file) {
   {
     // The bar is gone before the table is written.
     CheckProgressBar bar(context);
+    // The new file takes the place of the old one in one step, which is kept as a backup; nobody else may have it open.
     result = access::CompactFile(access::NativeFileSystem(), path, bar.Progress());
   }
   Table table({"What", "Value"});

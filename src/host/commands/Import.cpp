@@ -24,6 +24,7 @@ std::unique_ptr<cDatabase> OpenStore(const Context& context) {
 }
 
 /// The number of a member, or those of a pair.
+/// A member's number stays a number; that of a pair is a text of two.
 Cell NumbersOf(const RecordChange& change) {
   if (change.members.size() == 1) return std::int64_t{change.members.front()};
   return std::to_string(change.members.front()) + " & " + std::to_string(change.members.back());
@@ -56,6 +57,7 @@ void WriteFigures(const Context& context, const std::string& path, const ImportP
   context.Write(table);
 }
 
+/// What was decided for the person, with the line that it is about, and which columns were left out.
 void WriteRemarks(const Context& context, const std::string& path, const ImportPlan& plan,
                   const std::vector<std::string>& passedOver) {
   for (const std::string& column : passedOver) {

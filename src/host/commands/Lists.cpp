@@ -148,7 +148,7 @@ int ListPairs(const Context& context, bool all) {
     double handicap = 0.0;
     const bool active = club->IsRegularPair(pair.firstNumber, pair.secondNumber, alias, handicap);
     table.Add({std::int64_t{pair.firstNumber}, pair.firstName, std::int64_t{pair.secondNumber}, pair.secondName,
-               // An inactive pair's handicap is not kept up to date, so none is shown.
+               // Of an inactive pair IsRegularPair tells 50, which stands for none.
                pair.pairName, active ? Cell(Handicap(handicap)) : Cell(), active});
   }
   // Those without a number stand at the end: walks pass them over, and nobody would know of them.

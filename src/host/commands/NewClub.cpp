@@ -62,6 +62,7 @@ void MakeClub(const Context& context, const ClubIdentity& identity) {
     if (IsNewClub(context, file, identity)) return;
     throw Error(ErrorNumber::InvalidArgument, "tavi", file + " exists already; choose another folder with --db FOLDER");
   }
+  // Nothing lies in the place until TakePlace.
   ClubDraft draft(context);
   draft.BeginEmpty(identity);
   draft.TakePlace();
@@ -117,6 +118,7 @@ std::vector<std::string> ResultFiles(const std::string& from) {
 int MakeSample(Context context, const std::string& from) {
   // Looked for first: without them nothing is made.
   const std::vector<std::string> files = ResultFiles(from);
+  // Without --db a sample never goes to the club that is set for this machine.
   if (context.folder.empty()) context.folder = NewFolder();
   std::ostringstream unshown;
   // The steps write tables of their own, which nobody wants here; notes and errors are still seen.

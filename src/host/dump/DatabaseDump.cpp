@@ -89,6 +89,8 @@ JsonTree ColumnTree(const access::Column& column, bool isJet3) {
   return tree;
 }
 
+/// A table's indexes in a file are of two kinds: a logical one has the name and says what it is for, a real one has the
+/// columns and the tree. Several of the former may share one of the latter, as a relationship does with a primary key.
 JsonTree IndexTree(const access::Table& table, const access::LogicalIndexDefinition& logical) {
   access::RealIndexDefinition real;
   const auto& indexes = table.Definition().realIndexes;
@@ -145,6 +147,8 @@ std::string FileName(const std::string& table) {
   return Escaped(table.substr(0, kept)) + end;
 }
 
+/// `rows` is counted in the rows that were read, not taken from the counter in the table's definition, which may
+/// differ.
 JsonTree TableTree(const access::Table& table, std::size_t rows, bool isJet3) {
   JsonTree columns = JsonTree::Array();
   for (const std::size_t i : ColumnOrder(table)) columns.Add(ColumnTree(table.Columns()[i], isJet3));
@@ -160,6 +164,7 @@ JsonTree TableTree(const access::Table& table, std::size_t rows, bool isJet3) {
   return tree;
 }
 
+/// The primary table is the one that is referred to.
 JsonTree RelationshipTree(const access::Relationship& relationship) {
   JsonTree tree = JsonTree::Object();
   tree.Set("name", JsonTree::Text(relationship.name));
@@ -188,6 +193,7 @@ std::vector<std::string> LinesOf(access::Table& table) {
   return lines;
 }
 
+/// Escaped as the values are, for a name may hold a tab.
 std::string Header(const access::Table& table) {
   std::string header;
   for (const std::size_t i : ColumnOrder(table))
@@ -201,6 +207,7 @@ struct UserObjects {
   std::vector<std::string> links;
 };
 
+/// Links are only named: their rows are in another file, which may not be there.
 UserObjects FindUserObjects(access::Database& database) {
   UserObjects objects;
   for (const access::CatalogEntry& entry : database.Tables())
@@ -256,6 +263,7 @@ void DumpDatabase(access::Database& database,
   write("schema.json", schema.Write() + "\n");
 }
 
+// In a statement of its own, or the caller's where one is open.
 std::string TableText(access::Database& database, const std::string& table) {
   const access::ReadStatement statement(database.GetPager());
   const std::shared_ptr<access::Table> opened = database.OpenTable(table);

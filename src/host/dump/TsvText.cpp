@@ -38,8 +38,10 @@ template <typename Float>
 std::string FloatText(Float number) {
   if (std::isnan(number)) return "nan";
   if (std::isinf(number)) return number > 0 ? "inf" : "-inf";
+  // Before the sign is looked at, as both zeros are one.
   if (number == Float{0}) return "0";
   const Float size = std::abs(number);
+  // People and spreadsheets read plain numbers; the bounds are a part of the form.
   const bool isPlain = static_cast<double>(size) >= 1e-5 && static_cast<double>(size) < 1e16;
   const DecimalDigits digits = FewestDigits(size);
   return (number < 0 ? "-" : "") + (isPlain ? PlainText(digits) : ExponentText(digits));
@@ -73,6 +75,7 @@ std::string SurrogateText(char32_t codePoint) {
   return "\\u" + Hexadecimal(bytes);
 }
 
+/// A field is one line without tabs, so that lines can be sorted, counted and compared.
 std::string EscapedText(const std::string& text) {
   std::string escaped;
   for (const char32_t codePoint : ToCodePoints(text)) {

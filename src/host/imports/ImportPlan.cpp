@@ -18,6 +18,7 @@ std::string PlaceInFile(const std::string& fileName, std::size_t line) {
   return fileName + ":" + std::to_string(line);
 }
 
+// Every refusal of an import names the line, which the person looks at in a spreadsheet.
 void RefuseImport(const std::string& fileName, std::size_t line, const std::string& reason) {
   throw Error(ErrorNumber::InvalidArgument, "tavi", PlaceInFile(fileName, line) + ": " + reason);
 }

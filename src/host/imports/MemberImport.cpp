@@ -30,6 +30,7 @@ std::vector<ColumnLiteral> LiteralsOf(const FieldChange& change, const NameKeySe
 }
 
 /// Whether a change bears on how much of a name tells it from others.
+/// A retired member does not count among the names that have to be told apart, so `active` matters as well.
 bool TouchesUniqueness(const RecordChange& change) {
   for (const FieldChange& field : change.fields) {
     if (field.field == "first" || field.field == "last" || field.field == "active") return true;

@@ -100,6 +100,7 @@ std::string StoredMember::NumberAndName() const {
 }
 
 MemberRoll::MemberRoll(cDatabase& store) {
+  // Retired members too: a file may bring one back, and his name may be somebody's namesake.
   std::string columns = "MembershipNumber";
   for (const MemberField& field : MemberFields()) columns += std::string(", ") + field.column;
   const auto rows = store.OpenRecordset("Select " + columns + " From Members");

@@ -136,8 +136,7 @@ void PairImport::Apply(const ImportPlan& plan, const ImportProgress& progress) {
   }
 }
 
-/// Stores one change: a new pair first by the operation that all programs use, which also brings back one that is
-/// there, and then the fields that the file gives.
+/// Stores one change: a new pair first by the operation that all programs use, and then the fields that the file gives.
 void PairImport::Store(const RecordChange& change) {
   const std::int32_t first = change.members.front();
   const std::int32_t second = change.members.back();

@@ -164,6 +164,7 @@ std::string CsvFile::Field(const Row& row, const std::string& column) const {
   return found == columns_.end() ? std::string() : row.fields[found->second];
 }
 
+// Spreadsheets leave empty columns at the right end, as wide as somebody once went.
 std::vector<std::string> CsvFile::ColumnNames() const {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < header_.size(); ++i) {
@@ -224,6 +225,7 @@ std::optional<std::int32_t> NumberInCell(const CsvFile& file, const CsvFile::Row
   return std::stoi(text);
 }
 
+// A text of figures, for nothing is counted with it.
 std::string NationalNumberInCell(const CsvFile& file, const CsvFile::Row& row, const std::string& column) {
   const std::string text = file.Field(row, column);
   if (text.empty()) return {};

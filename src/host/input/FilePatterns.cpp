@@ -49,9 +49,11 @@ std::vector<std::string> FilesOfPattern(const std::string& pattern) {
 }
 
 std::vector<std::string> FilesNamed(const std::vector<std::string>& names) {
+  // What follows is compiled on every system, and FilesOfPattern is tested there.
   if (!kTakesPatterns) return names;
   std::vector<std::string> files;
   for (const std::string& name : names) {
+    // A plain name is passed on, there or not: its reader says what is wrong with it.
     const bool isPattern = name.find_first_of("*?") != std::string::npos;
     const std::vector<std::string> meant = isPattern ? FilesOfPattern(name) : std::vector<std::string>{name};
     files.insert(files.end(), meant.begin(), meant.end());

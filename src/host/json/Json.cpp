@@ -32,6 +32,8 @@ struct Json::Layout {
   }
 };
 
+// Lists of the component's results become arrays by themselves, so that who writes a reply names its values and no
+// more.
 Json::Json(const std::vector<std::string>& texts) : kind_(Kind::Array), parts_(texts.begin(), texts.end()) {}
 
 Json::Json(const std::vector<std::int32_t>& numbers) : kind_(Kind::Array), parts_(numbers.begin(), numbers.end()) {}
@@ -91,6 +93,7 @@ std::size_t Json::size() const {
   return IsNull() || IsNothing() ? 0 : 1;
 }
 
+// No difference between an object without this member and what is no object: neither has it.
 const Json* Json::Find(const std::string& name) const {
   const auto found = std::find(names_.begin(), names_.end(), name);
   return found == names_.end() ? nullptr : &parts_[static_cast<std::size_t>(found - names_.begin())];
@@ -116,6 +119,7 @@ std::string Json::Compact() const {
   return out;
 }
 
+// For messages that may be cut anywhere, and for outputs that carry nothing else.
 std::string Json::CompactAscii() const {
   std::string out;
   Write(out, {.isAscii = true}, 0);

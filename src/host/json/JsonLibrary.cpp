@@ -9,6 +9,7 @@ namespace tavi::host {
 
 using Library = nlohmann::ordered_json;
 
+/// The library's own tree is passed over: it would be built once, and copied into this one at twice the memory.
 /// Puts together what the library reads.
 class JsonBuilder final : public nlohmann::json_sax<Library> {
  public:
@@ -22,6 +23,7 @@ class JsonBuilder final : public nlohmann::json_sax<Library> {
   bool number_float(number_float_t value, const string_t& /*text*/) override { return Put(value); }
   bool string(string_t& value) override { return Put(std::move(value)); }
   bool binary(binary_t& /*value*/) override { return false; }
+  // Comes before the value that it names, which may be a whole tree.
   bool key(string_t& name) override {
     name_ = std::move(name);
     return true;

@@ -20,6 +20,7 @@ void WriteLine(std::ostream& out, const Json& json) {
   out << PrintableJson(json.Compact()) << '\n' << std::flush;
 }
 
+/// The members in the order in which the protocol's own examples have them.
 Json ErrorReply(const Json& id, int code, const std::string& message) {
   return {{"jsonrpc", "2.0"}, {"error", {{"code", code}, {"message", message}}}, {"id", id}};
 }
@@ -66,6 +67,7 @@ void RequireRequest(const Json& request) {
 }
 
 /// The number of the object that a request is for.
+/// Beside the protocol's members, so that no operation needs an argument for it.
 std::int32_t ObjectOf(const Json& request) {
   const Json* object = request.Find("object");
   std::int32_t number = 1;

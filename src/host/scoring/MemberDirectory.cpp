@@ -167,6 +167,7 @@ const MemberDirectory::Member* MemberDirectory::ByClubNumber(const EventPlayer& 
   const Member& member = found->second;
   const bool near = std::any_of(member.writings.begin(), member.writings.end(),
                                 [&](const std::string& writing) { return WithinOneSlip(writing, folded); });
+  // A club number beside a name with only an initial is enough, though the initial alone may be that of several.
   const std::vector<const Member*> byInitial = ByInitial(clean);
   const bool initial = std::find(byInitial.begin(), byInitial.end(), &member) != byInitial.end();
   return near || initial ? &member : nullptr;

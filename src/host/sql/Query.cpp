@@ -64,6 +64,7 @@ bool RollBackUnfinished(ado::Connection& connection) {
   return true;
 }
 
+// The words by which a column of the type is made.
 std::string TypeName(ado::DataType type) {
   switch (type) {
     case ado::DataType::SmallInt:
@@ -159,6 +160,7 @@ bool GivesRows(std::string_view statement) {
 
 std::optional<std::size_t> PlaceInError(std::string_view description) {
   constexpr std::string_view kMark = "(character ";
+  // The engine's messages have the place in words, because they are read by people; errors carry no number for it.
   const std::size_t mark = description.find(kMark);
   if (mark == std::string_view::npos) return std::nullopt;
   const char* begin = description.data() + mark + kMark.size();

@@ -21,6 +21,7 @@ namespace tavi::host {
 namespace {
 
 constexpr const char* kPrompt = "tavi> ";
+// With a star, so that nobody leaves a transaction open without noticing.
 constexpr const char* kPromptInTransaction = "tavi*> ";
 constexpr const char* kPromptWithin = "  ... ";
 constexpr const char* kHelp =
@@ -41,6 +42,7 @@ bool HasText(const std::string& text) {
 }
 
 /// The table's name without brackets, blanks and a closing semicolon.
+/// People add what they are used to from statements.
 std::string TidyName(std::string name) {
   while (!name.empty() && (name.back() == ';' || name.back() == ' ')) name.pop_back();
   if (name.size() >= 2 && name.front() == '[' && name.back() == ']') name = name.substr(1, name.size() - 2);
@@ -50,6 +52,7 @@ std::string TidyName(std::string name) {
 }  // namespace
 
 int Shell::Run() {
+  // Nothing of the kind in a file's run, whose output is its results alone.
   if (interactive_) context_.out << "Statements end with a semicolon; .help tells more.\n" << std::flush;
   bool goOn = true;
   while (goOn) {
@@ -194,6 +197,7 @@ int RunSql(const Context& context, const SqlRequest& request) {
   if (request.statement.empty()) {
     exitCode = RunShell(context, *connection);
   } else {
+    // A statement on the command line needs no semicolon.
     const std::string text = (request.explain ? "EXPLAIN " : "") + request.statement;
     try {
       context.Write(Query(*connection, text));

@@ -42,6 +42,7 @@ std::string TextOf(const std::filesystem::path& path) {
   return {text.begin(), text.end()};
 }
 
+// From the current folder, whether the path is there or not; links are not followed.
 std::string AbsolutePath(const std::string& path) {
 #ifdef _WIN32
   const std::wstring wide = windows::ToWide(path);
@@ -63,6 +64,7 @@ PathParts SplitPath(const std::string& path) {
   return {isRoot ? path.substr(0, separator + 1) : folder, path.substr(separator + 1)};
 }
 
+// A folder that ends in a separator, such as the root, gets no second one.
 std::string JoinPath(const std::string& folder, const std::string& name) {
   if (folder.empty() || kSeparators.find(folder.back()) != std::string_view::npos) return folder + name;
   return folder + static_cast<char>(std::filesystem::path::preferred_separator) + name;

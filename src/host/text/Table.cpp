@@ -19,6 +19,7 @@ namespace tavi::host {
 namespace {
 
 /// The plain text of a cell.
+/// Doubles as people read numbers, with 15 digits at most; truth as a word, which needs no column of its own.
 std::string CellText(const Cell& cell) {
   struct Writer {
     std::string operator()(std::monostate) const { return {}; }
@@ -56,6 +57,7 @@ std::string TabText(const Cell& cell) {
   return Printable(ReplaceAll(CellText(cell), "\\", "\\\\"));
 }
 
+/// Columns' names are texts, too: a statement can give them any.
 /// Only texts may be formulas: a number with a sign is a number.
 bool IsFormulaCell(const Cell& cell) {
   const auto* text = std::get_if<std::string>(&cell);
@@ -104,6 +106,7 @@ bool IsCombining(char32_t c) {
 
 }  // namespace
 
+// Terminals differ in rare characters; what is wrong by a column here only shifts a line.
 std::size_t DisplayWidth(const std::string& text) {
   std::size_t width = 0;
   for (const char32_t c : ToCodePoints(text)) width += IsCombining(c) ? 0U : IsWide(c) ? 2U : 1U;
@@ -222,6 +225,7 @@ void Table::WriteAligned(std::ostream& out) const {
   std::vector<std::string> header;
   for (const std::string& name : columns_) header.push_back(Printable(name));
   writeLine(header);
+  // A line below the header, as long as the columns are wide.
   std::vector<std::string> rule;
   for (const std::size_t width : widths) rule.emplace_back(width, '-');
   writeLine(rule);
@@ -249,6 +253,7 @@ bool IsFormula(const std::string& text) {
   return false;
 }
 
+// A quote within quotes is doubled. Line breaks and tabs stay as they are, since spreadsheets take them between quotes.
 std::string CsvField(const std::string& text) {
   std::string field = IsFormula(text) ? "'" : "";
   bool needsQuotes = text.starts_with(' ') || text.ends_with(' ');

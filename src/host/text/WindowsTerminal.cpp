@@ -50,7 +50,7 @@ class WindowsTerminal::ConsoleWriter final : public std::streambuf {
   /// `understandsSequences` tells whether the console can be made to follow escape sequences.
   ConsoleWriter(HANDLE console, bool* understandsSequences) : console_(console) {
     ::GetConsoleMode(console_, &formerMode_);
-    // Older systems refuse the second flag; then no bars are shown, which need it.
+    // Older systems refuse the last flag; then no bars are shown, which need it.
     const DWORD mode = formerMode_ | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING;
     const bool isSet = ::SetConsoleMode(console_, mode) != 0;
     if (understandsSequences != nullptr) *understandsSequences = isSet;
