@@ -1,9 +1,9 @@
 # shellcheck shell=bash disable=SC2034
 # Sourced by run, test and other scripts: what a fresh Debian machine needs, and how a preset is configured and built.
-# Every step that has nothing to do is skipped in a few milliseconds.
+# Every step that has nothing to do takes some milliseconds.
 
 packages_to_build="g++ cmake ninja-build libcli11-dev libfmt-dev nlohmann-json3-dev libpugixml-dev libedit-dev pkg-config"
-packages_to_test="libgtest-dev libgmock-dev"
+packages_to_test="libgtest-dev"
 # Without these a build takes longer, or some tests, which are counted, are not run.
 packages_for_comfort="ccache"
 packages_for_more_tests="libsqlite3-dev mdbtools python3 nodejs"
@@ -40,34 +40,20 @@ install_packages() {
       apt-get install -y -qq --no-install-recommends "$@" >/dev/null
 }
 
-# get_packages NAME...: installs those that are missing; remembers in build/ that they were there. Leaves in the array
-# not_installed those that could not be installed and returns 1 then; within the next hour that is not tried again.
+# get_packages NAME...: installs those that are missing. Leaves in the array not_installed those that could not be
+# installed and returns 1 then.
 get_packages() {
-  not_installed=()
-  local stamp
-  stamp="build/.packages-$(printf '%s' "$*" | cksum | cut -d' ' -f1)"
-  [[ -e $stamp ]] && return
   mapfile -t not_installed < <(missing_packages "$@")
-  if ((${#not_installed[@]})) && [[ -z $(find "$stamp-failed" -mmin -60 2>/dev/null) ]]; then
-    say "Installing ${not_installed[*]}"
-    mkdir -p build
-    if install_packages "${not_installed[@]}"; then
-      not_installed=()
-      touch build/.packages-installed
-    else
-      touch "$stamp-failed"
-    fi
-  fi
-  ((${#not_installed[@]} == 0)) || return 1
-  mkdir -p build
-  rm -f "$stamp-failed"
-  touch "$stamp"
+  ((${#not_installed[@]})) || return 0
+  say "Installing ${not_installed[*]}"
+  install_packages "${not_installed[@]}"
 }
 
 # need_packages NAME...: the same for those without which nothing goes on.
 need_packages() {
   get_packages "$@" && return
   say "These packages are needed and could not be installed: ${not_installed[*]}"
+  say "With a network, as root: apt-get install ${not_installed[*]}"
   return 1
 }
 
@@ -80,13 +66,28 @@ want_packages() {
   return 1
 }
 
-# build_preset PRESET TARGET...: configures the preset once and whenever presets or packages have changed, then builds;
-# silent when everything is up to date.
+# would_like_packages WHAT NAME...: the same for those that nobody asked for: going on without them is no failure, and
+# what could not be installed is not tried again within the hour, because that takes time, and sudo wants a password.
+would_like_packages() {
+  local what=$1 failed=build/.could-not-install
+  shift
+  if [[ -n $(find "$failed" -mmin -60 2>/dev/null) ]]; then
+    mapfile -t not_installed < <(missing_packages "$@")
+    ((${#not_installed[@]} == 0)) ||
+      say "These packages could not be installed within the last hour, therefore $what: ${not_installed[*]}"
+  elif ! want_packages "$what" "$@"; then
+    mkdir -p build
+    touch "$failed"
+  fi
+}
+
+# build_preset PRESET TARGET...: configures the preset once and whenever presets or installed packages have changed,
+# then builds; silent when everything is up to date.
 build_preset() {
   local preset=$1
   shift
   local ninja_file=build/$preset/build.ninja
-  if [[ ! -e $ninja_file || CMakePresets.json -nt $ninja_file || build/.packages-installed -nt $ninja_file ]]; then
+  if [[ ! -e $ninja_file || CMakePresets.json -nt $ninja_file || /var/lib/dpkg/status -nt $ninja_file ]]; then
     say "Configuring build/$preset"
     cmake --preset "$preset" >/dev/null
     touch "$ninja_file"

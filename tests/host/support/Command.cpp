@@ -50,7 +50,8 @@ std::filesystem::path FolderOfTests() {
   constexpr std::uintmax_t kEnough = std::uintmax_t{512} << 20U;
   std::error_code error;
   const bool isChosen = std::getenv("TMPDIR") != nullptr;
-  if (!isChosen && std::filesystem::space(memory, error).available >= kEnough && !error) return memory;
+  const bool hasSpace = std::filesystem::space(memory, error).available >= kEnough && !error;
+  if (!isChosen && hasSpace && ::access(memory.c_str(), W_OK) == 0) return memory;
 #endif
   return std::filesystem::temp_directory_path();
 }
