@@ -25,8 +25,8 @@ namespace {
 
 namespace names = system_name;
 
-/// A damaged row, with nulls or values of other types, is an object with the number 0 or without a name, which no name
-/// leads to.
+/// A damaged row, with nulls or values of other types, still is an object, with the number 0 or an empty name: one such
+/// row must not cost a file all its tables.
 CatalogObject MakeObject(const SystemRow& row, RowPointer place) {
   CatalogObject object;
   object.id = row.Number(names::kId);

@@ -1,9 +1,8 @@
 // Columns added and dropped. As a rule neither touches the rows, so that both cost a few pages however large the table
 // is:
 //
-//   added     the next number, slot or fixed place. Rows that are there were written with fewer columns, and read as
-//   null
-//             in this one.
+//   added     the next number, slot or fixed place. Rows that are there were written with fewer columns: in this one
+//             they read as null.
 //   dropped   its record goes. Rows keep its bytes; number, slot and place are never given again, until the table is
 //             laid out anew by compacting.
 //
@@ -116,7 +115,8 @@ void RefuseUsedColumn(Catalog& catalog, const StoredTable& table, const ColumnDe
   }
 }
 
-/// The pages are the column's own and go by its map; the descriptors in the rows go with the record.
+/// The pages are the column's own and go by its map. The descriptors stay in the rows, where nobody reads them any
+/// more.
 void DropLongValues(Pager& pager, StoredTable& table, TableDefinition& definition, std::uint16_t columnId) {
   const auto maps = std::ranges::find(definition.longValueMaps, columnId, &LongValueMaps::columnId);
   if (maps == definition.longValueMaps.end()) return;

@@ -38,9 +38,8 @@ CompactResult CompactFile(const std::shared_ptr<FileSystem>& fileSystem, const s
 /// The pages of a file with the same contents as a database, laid out anew:
 ///
 ///   header             taken over as it is: sort order, code page, dates, key of an encoded file
-///   tables             all of the catalogue, the system's included; each keeps its number (the page of its
-///   definition),
-///                      because other rows refer to it. What was not in the catalogue is gone.
+///   tables             all of the catalogue, the system's included; each keeps its number, the page of its
+///                      definition, because other rows refer to it. What was not in the catalogue is gone.
 ///   columns            numbered 0, 1, ... in their old order, without gaps: dropped ones no longer count
 ///   rows, long values  value by value, in the order of the old pages
 ///   indexes            with the same names and numbers, built from the rows

@@ -14,7 +14,7 @@ namespace {
 using Kind = LogicalIndexDefinition::Kind;
 using Side = LogicalIndexDefinition::Side;
 
-/// Null when the catalogue has no table there: the other table was dropped by somebody who left this side behind.
+/// Null when the catalogue has no table there.
 std::shared_ptr<Table> TableOfPage(Database& database, PageNumber page) {
   for (const CatalogEntry& entry : database.Tables())
     if (entry.page == page && !entry.isLinked) return database.OpenTable(entry.name);

@@ -156,8 +156,7 @@ std::array<SystemTable, 4> MakeSystemTables() {
 
 namespace {
 
-/// Columns of system tables are looked for by name in each file: those of other programs may have more, in another
-/// order.
+/// By name, in each file anew: it may have been made by another program.
 std::size_t PositionOf(const Table& table, std::string_view column) {
   const std::optional<std::size_t> position = table.FindColumn(column);
   if (!position.has_value())

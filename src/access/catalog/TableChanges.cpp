@@ -3,8 +3,8 @@
 //
 //   definition page  ->  maps and roots  ->  definition  ->  row in MSysObjects  ->  rights in MSysACEs
 //
-// A dropped one goes the other way round: rows and long values, trees, maps, definition, then its rows in the system's
-// tables. Pages are marked free and keep their content; nothing is overwritten.
+// A dropped one goes part by part: rows and long values, trees, maps, definition, then its rows in the system's tables.
+// Pages are marked free and keep their content; nothing is overwritten.
 #include "access/catalog/Catalog.h"
 #include "access/catalog/ChangeErrors.h"
 #include "access/catalog/DefinitionChanges.h"
@@ -26,8 +26,7 @@ void RefuseRelated(Catalog& catalog, std::string_view table) {
   }
 }
 
-/// Access marks the pages of a dropped definition with a type of their own, so that a stale reference does not find a
-/// table.
+/// The pages get the type that Access gives those of a dropped table, so that none of them is taken for a definition.
 void FreeDefinition(Pager& pager, PageNumber page) {
   PageAllocator allocator(pager);
   for (const PageNumber part : TableDefinitionPages(pager, page)) {

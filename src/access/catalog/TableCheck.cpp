@@ -165,8 +165,8 @@ void TableCheck::CheckMoved(const Page& page, const RowEntry& entry, RowPointer 
   CheckRow(pager_.Read(target.page)->Slice(targetEntry.offset, targetEntry.length), row);
 }
 
-// The bytes of a row, wherever they lie; `row` is its identity. A row that was written before a column was added ends
-// before that column's place, and then its bit in the null mask says that it has no value there.
+// The bytes of a row, wherever they lie; `row` is its identity. A row that was written before a column was added may
+// end before that column's place; it has no value there, so that its place is not asked about.
 void TableCheck::CheckRow(std::span<const std::uint8_t> bytes, RowPointer row) {
   report_.Guard(Where("The " + NameOf(row)), [&] {
     const RowShape shape(bytes, definition_);

@@ -94,7 +94,7 @@ RowPointer AddMap(PageAllocator& allocator, PageNumber& mapPage) {
 }
 
 /// Gives each Memo and OLE column that has none its two maps. Maps are taken in the order of the columns' numbers and
-/// listed in that of their records, as Access does; a new file is compared with real ones byte for byte.
+/// listed in that of their records, as Access does.
 void AllocateLongValueMaps(PageAllocator& allocator, TableDefinition& definition, PageNumber& mapPage) {
   std::vector<const ColumnDefinition*> byId;
   for (const ColumnDefinition& column : definition.columns)
