@@ -90,6 +90,7 @@ std::uint32_t DateMask(const Page& page) {
   return static_cast<std::uint32_t>(static_cast<std::int32_t>(days));
 }
 
+/// In Jet 3 the characters have no mask of their own, so that no password is zeros.
 bool HasPassword(const Page& page, bool isJet3) {
   const std::size_t size = isJet3 ? header::kJet3PasswordSize : header::kPasswordSize;
   const std::uint32_t mask = isJet3 ? 0 : DateMask(page);
@@ -110,6 +111,7 @@ void ToggleHeaderMask(Page& page) {
 }
 
 DatabaseHeader DecodeHeader(std::span<const std::uint8_t> start, std::uint64_t fileSize, const std::string& path) {
+  // The smaller page of the two, as the version is not known yet.
   if (fileSize < format::jet3::kPageSize || start.size() < format::jet3::kPageSize) {
     RaiseUnrecognized(path, "Its " + std::to_string(fileSize) + " bytes are less than a page of an Access database.");
   }
@@ -125,6 +127,7 @@ DatabaseHeader DecodeHeader(std::span<const std::uint8_t> start, std::uint64_t f
     RaiseUnrecognized(path, "Its " + std::to_string(fileSize) + " bytes are less than a page of an Access database.");
   }
   ToggleMask(page, decoded.isJet3 ? header::kJet3MaskSize : header::kMaskSize);
+  // 0 for plain pages; else the key of all pages but this one.
   decoded.databaseKey = page.U32(header::kDatabaseKeyOffset);
   if (HasPassword(page, decoded.isJet3)) {
     RaiseFailure("Not a valid password. '" + path +

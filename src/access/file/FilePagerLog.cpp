@@ -70,6 +70,7 @@ bool FilePager::ReadLogAndFile() {
   return true;
 }
 
+// Whatever is remembered of pages elsewhere, definitions and plans, goes by the generation.
 void FilePager::DropCache() {
   cache_.Clear();
   ++generation_;
@@ -92,6 +93,7 @@ void FilePager::RefreshForReading(const LockDeadline& deadline) {
   if (!Refresh()) RaiseFailure("'" + path_ + "' is being changed by another program; try again when it has finished.");
 }
 
+// The writer waits here for readers, as the log that is set aside is the one that they read.
 void FilePager::RefreshForWriting(const LockDeadline& deadline) {
   if (Refresh()) return;
   const SoleUse use(lock_, deadline);
@@ -181,6 +183,7 @@ void FilePager::Checkpoint(bool isAlone) {
 
 // Readers are not disturbed by it: while one is reading it is put off, until the log has grown by another part.
 void FilePager::CheckpointWhenLogIsLong() {
+  // A long log costs memory for the places of its pages, and time at the next opening after a crash.
   if (log_.End() < checkpointAt_) return;
   try {
     if (!lock_.TryAcquireExclusive({*fileSystem_, std::min(options_.lockTimeout, kPatienceWithReaders)})) {
@@ -254,6 +257,7 @@ void FilePager::BringLogIn(bool isAlone) {
   }
 }
 
+// Flushed all the same: a close that returns has kept its promise, whoever brings the log in.
 void FilePager::LeaveLogToOthers(const std::string& why) {
   Report("The log of '" + path_ + "' " + why);
   log_.Flush();

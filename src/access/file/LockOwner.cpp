@@ -70,6 +70,7 @@ bool HoldsLock(const fs::path& process, bool isOwn, const LockRange& range, cons
   return false;
 }
 
+/// The name that the process goes by, when it may be read.
 std::string Describe(const fs::path& process, bool isOwn) {
   if (isOwn) return "another connection of this process";
   std::string name;

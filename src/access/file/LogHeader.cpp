@@ -168,6 +168,7 @@ LogHeader LogHeader::ReadFrom(File& log) {
   return header;
 }
 
+// In one write, marks included: they are zeros in a header that begins.
 void LogHeader::WriteTo(File& log) const {
   log.WriteAt(0, bytes_);
 }
@@ -193,12 +194,14 @@ bool LogHeader::IsWhole() const {
          Checksum(0, bytes.first(kChecksumOffset)) == GetLittle<std::uint64_t>(bytes, kChecksumOffset);
 }
 
+// Everything that the rest of this file takes for granted, so that no other question has to be asked of a valid header.
 bool LogHeader::IsValid() const {
   const auto version = GetLittle<std::uint32_t>(bytes_, kVersionOffset);
   return IsWhole() && (version == kVersion || version == kVersionOfWholePages) &&
          GetLittle<std::uint32_t>(bytes_, kPageSizeOffset) == kPageSize && Salt() != 0;
 }
 
+// A later version keeps magic, version and checksum where they are; nothing else of it is looked at.
 std::optional<std::uint32_t> LogHeader::LaterVersion() const {
   const auto version = GetLittle<std::uint32_t>(bytes_, kVersionOffset);
   if (version <= kVersion || !IsWhole()) return std::nullopt;

@@ -58,6 +58,7 @@ class SummingReader {
   std::size_t at_ = 0;
 };
 
+/// What the header of a statement says; nothing of it is checked by a sum yet.
 struct Header {
   bool hasDeltas = false;
   std::uint32_t count = 0;
@@ -82,6 +83,7 @@ std::optional<Header> ParseHeader(std::span<const std::uint8_t> bytes, std::uint
   return header;
 }
 
+/// Eight sums, for the sectors of a page that the file has.
 PageSums GetSums(std::span<const std::uint8_t> bytes) {
   PageSums sums;
   sums.isInDatabase = true;
@@ -172,6 +174,7 @@ std::optional<LogStatement> ReadLogStatement(File& log, std::uint64_t offset, st
   return statement;
 }
 
+// Not summed again: the page that comes out is proved by its own checksum.
 LoggedDelta ReadLoggedDelta(File& log, std::uint64_t offset, std::uint64_t end) {
   std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min<std::uint64_t>(kRecordGuess, end - offset)));
   log.ReadAt(offset, bytes);

@@ -81,6 +81,7 @@ std::array<std::uint8_t, kStatementHeaderSize> HeaderOf(std::uint32_t magic, std
   return header;
 }
 
+// The directory stands in front of the images, so who reads it knows all pages before the first image.
 LogStatement WriteWholePages(File& log, std::uint64_t offset, std::uint64_t chain, PageNumber pageCount,
                              std::span<const NewLogEntry> entries, const PageSource& page) {
   std::vector<std::uint8_t> directory(entries.size() * kEntrySize);
@@ -96,6 +97,7 @@ LogStatement WriteWholePages(File& log, std::uint64_t offset, std::uint64_t chai
   writer.Put(HeaderOf(kWholePagesMagic, entries.size(), pageCount, 0, chain));
   writer.Put(directory);
   for (std::size_t i = 0; i < entries.size(); ++i) {
+    // What is returned is what a reader would find, so the caller need not read its own statement.
     written.entries.push_back({.number = entries[i].number, .before = entries[i].before, .image = writer.Offset()});
     writer.Put(page(i));
   }
@@ -139,6 +141,7 @@ LogStatement WriteDeltas(File& log, std::uint64_t offset, std::uint64_t chain, P
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const NewLogEntry& entry = entries[i];
     const std::uint64_t at = writer.Offset();
+    // Put in one piece, as a reader sums each record as a whole.
     std::vector<std::uint8_t> record = HeadOf(entry);
     LogEntry told{.number = entry.number, .previous = entry.previous, .sum = entry.sum};
     if (entry.isFirst) told.before = entry.before;
@@ -157,6 +160,7 @@ LogStatement WriteDeltas(File& log, std::uint64_t offset, std::uint64_t chain, P
 
 LogStatement WriteLogStatement(File& log, std::uint64_t offset, std::uint64_t chain, PageNumber pageCount,
                                std::span<const NewLogEntry> entries, const PageSource& page) {
+  // Also in a log that takes deltas: without a delta there is nothing that records could say better.
   const bool areWhole = std::all_of(entries.begin(), entries.end(), [](const auto& entry) { return entry.isWhole; });
   return areWhole ? WriteWholePages(log, offset, chain, pageCount, entries, page)
                   : WriteDeltas(log, offset, chain, pageCount, entries, page);

@@ -14,6 +14,7 @@ void Page::RaisePastTheEnd(std::size_t offset, std::size_t length) const {
               std::to_string(offset) + " would lie past the end of the page.");
 }
 
+// All writers check as the readers do: an offset that comes from a damaged page must not lead out of this one.
 void Page::SetU8(std::size_t offset, std::uint8_t value) {
   Check(offset, 1);
   bytes_[offset] = value;

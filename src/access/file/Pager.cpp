@@ -51,6 +51,7 @@ std::unique_ptr<Pager> Pager::Open(const std::shared_ptr<FileSystem>& fileSystem
 
 void Pager::Create(FileSystem& fileSystem, const std::string& path, std::span<const Page> pages,
                    const std::string& permissionsOf) {
+  // Everything that can be refused is refused before there is a file.
   if (pages.empty() || pages.size() > format::kMaximumPageCount) {
     RaiseFailure("Could not create '" + path + "': an Access database cannot have " + std::to_string(pages.size()) +
                  " pages.");

@@ -49,6 +49,7 @@ class PosixBackgroundWork final : public BackgroundWork {
   PosixBackgroundWork(const PosixBackgroundWork&) = delete;
   PosixBackgroundWork& operator=(const PosixBackgroundWork&) = delete;
 
+  // The thread is made before the mutex is taken, and with all signals blocked, which it inherits.
   void Ask() override {
     if (!thread_.joinable()) {
       const WithoutSignals blocked;
@@ -74,6 +75,7 @@ class PosixBackgroundWork final : public BackgroundWork {
       // What is asked for, dropped and asked for again meanwhile begins the sooner.
       news_.wait_for(lock, delay_, [this] { return isEnding_; });
       if (isEnding_) return;
+      // What is asked for from here on is done in the next round: its bytes may come too late for this one.
       if (!std::exchange(isAsked_, false)) continue;
       isWorking_ = true;
       lock.unlock();

@@ -32,6 +32,7 @@ constexpr mode_t kAnyWrite = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 07777;
 
+/// `code` is the errno of the call, taken before anything else could change it.
 [[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, int code,
                                    const std::string& place = "") {
   RaiseFailure("Could not " + operation + " '" + path + "'" + place + ": " + std::generic_category().message(code) +
@@ -54,6 +55,7 @@ bool HasWriteBit(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 && (status.st_mode & kAnyWrite) != 0;
 }
 
+/// A folder that nobody may write takes no new files from the administrator either.
 void RequireFolderTakesFiles(const std::string& operation, const std::string& path) {
   if (!HasWriteBit(FolderOf(path))) RaiseSystemError(operation, path, EACCES);
 }
@@ -91,6 +93,7 @@ class PosixFile final : public File {
   PosixFile(Descriptor descriptor, std::string path, bool isReadOnly)
       : descriptor_(std::move(descriptor)), path_(std::move(path)), isReadOnly_(isReadOnly) {}
 
+  // By the place, not by a position of the opener, which two calls could fight for.
   void ReadAt(std::uint64_t offset, std::span<std::uint8_t> target) override {
     while (!target.empty()) {
       const ssize_t count =
@@ -167,6 +170,8 @@ class PosixFile final : public File {
 
   [[nodiscard]] bool IsReadOnly() const override { return isReadOnly_; }
 
+  // Locks of the open file, not of the process: two openers in one process keep each other out, and closing one does
+  // not give back the locks of another, as it does with the classic kind.
   bool TryLock(std::uint64_t offset, std::uint64_t length, LockKind kind) override {
     struct flock range = Range(offset, length, kind == LockKind::Shared ? F_RDLCK : F_WRLCK);
     if (Retry([&] { return ::fcntl(descriptor_.Value(), F_OFD_SETLK, &range); }) == 0) return true;
@@ -251,17 +256,20 @@ class PosixFileSystem final : public FileSystem {
     return std::make_unique<PosixFile>(std::move(descriptor), path, mode == OpenMode::ReadOnly);
   }
 
+  // Whatever it is: something else in the place of a file is an error of opening, not a missing file.
   bool Exists(const std::string& path) override {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0;
   }
 
+  // Also the folder, as the log is made in it.
   bool IsWritable(const std::string& path) override {
     const std::string folder = FolderOf(path);
     return HasWriteBit(path) && HasWriteBit(folder) && ::access(path.c_str(), W_OK) == 0 &&
            ::access(folder.c_str(), W_OK | X_OK) == 0;
   }
 
+  // Without links and dots, so that all who open the file name its log alike.
   std::string CanonicalPath(const std::string& path) override {
     const std::unique_ptr<char, decltype(&std::free)> resolved(::realpath(path.c_str(), nullptr), &std::free);
     return resolved == nullptr ? path : std::string(resolved.get());

@@ -35,6 +35,7 @@ std::uint16_t Entry(const Page& page, std::size_t row, const MapLayout& layout) 
   return page.U16(layout.rowDirectoryOffset + row * data::kRowEntrySize);
 }
 
+/// Only Jet 4 pages are written.
 void SetEntry(Page& page, std::size_t row, std::size_t offset, unsigned flags) {
   page.SetU16(data::kRowDirectoryOffset + row * data::kRowEntrySize, static_cast<std::uint16_t>(offset | flags));
 }
@@ -129,6 +130,8 @@ std::uint8_t KindOfMap(const Page& page, std::uint8_t row, const MapRow& place) 
   return kind;
 }
 
+// An inline map reaches from its start page as far as its bits go; a reference map wherever it has a bitmap page. The
+// place is given, not the bit, so that the same search serves for reading and for writing.
 std::optional<BitPlace> LocateBit(Pager& pager, RowPointer map, PageNumber number) {
   const MapLayout& layout = MapLayoutOf(pager);
   const PageHandle page = pager.Read(map.page);
@@ -245,6 +248,7 @@ void DeleteMapRow(Page& page, std::uint8_t row) {
   SetEntry(page, row, place.offset, data::kRowDeleted);
 }
 
+// Such a page can be given back: nobody names a row of it any more.
 bool HasOnlyDeletedRows(const Page& page) {
   for (std::size_t row = 0; row < CountRows(page); ++row) {
     if (FlagsIn(Entry(page, row, kJet4Layout)) != data::kRowDeleted) return false;

@@ -14,8 +14,8 @@
 #include "access/file/WindowsRangeLocks.h"
 #include "platform/values/WideText.h"
 
-// Handles are opened with all sharing, so that a file can be renamed, replaced or removed while others have it open, as
-// under other systems; only HoldUnwritten shares less, on purpose. Each read and write says its place itself, so that a
+// Handles are opened with all sharing, so that a file can be renamed or removed while others have it open; only
+// HoldUnwritten shares less, on purpose. Each read and write says its place itself, so that a
 // handle has no position that two calls could fight for. Times are counted in steps of 100 nanoseconds since 1601; they
 // are handed out as nanoseconds since 1970.
 
@@ -30,6 +30,7 @@ constexpr DWORD kShareEverything = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHA
 // The system counts bytes of a transfer in 32 bits.
 constexpr DWORD kLargestTransfer = DWORD{1} << 30U;
 
+/// A sharing violation is the system's way to say that another program has the file open for itself alone.
 [[noreturn]] void RaiseSystemError(const std::string& operation, const std::string& path, DWORD code,
                                    const std::string& place = "") {
   if (code == ERROR_SHARING_VIOLATION) {
@@ -54,6 +55,7 @@ bool HasReadOnlyAttribute(const std::string& path) {
   return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
+/// Not assignable: a file keeps the handle that it was opened with.
 class Handle {
  public:
   explicit Handle(HANDLE value) : value_(value) {}
@@ -77,6 +79,7 @@ Handle OpenHandle(const std::string& path, DWORD access, DWORD disposition, DWOR
       ::CreateFileW(ToWidePath(path).c_str(), access, kShareEverything, nullptr, disposition, flags, nullptr));
 }
 
+// The place of a transfer, in the two halves that the system takes.
 OVERLAPPED At(std::uint64_t offset) {
   OVERLAPPED position{};
   position.Offset = static_cast<DWORD>(offset & std::numeric_limits<DWORD>::max());
@@ -146,6 +149,7 @@ class WindowsFile final : public File {
     return static_cast<std::uint64_t>(size.QuadPart);
   }
 
+  // Longer or shorter; the handle has no position that would have to be moved there first.
   void Truncate(std::uint64_t size) override {
     FILE_END_OF_FILE_INFO end{};
     end.EndOfFile.QuadPart = static_cast<LONGLONG>(size);
@@ -193,6 +197,7 @@ class WindowsFile final : public File {
 
   bool IsReadOnly() const override { return isReadOnly_; }
 
+  // Compares disk and number with those of the time of opening. Where the system tells neither, the name has to do.
   bool IsStillAt(const std::string& path) override {
     const Handle named = OpenHandle(path, FILE_READ_ATTRIBUTES, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS);
     if (!named.IsOpen()) return false;
@@ -238,6 +243,7 @@ class WindowsFileSystem final : public FileSystem {
     return std::make_unique<WindowsFile>(std::move(handle), path, mode == OpenMode::ReadOnly);
   }
 
+  // Nobody who wants to write gets in while this handle is open; whoever only reads does.
   std::unique_ptr<File> HoldUnwritten(const std::string& path) override {
     Handle handle(::CreateFileW(ToWidePath(path).c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_DELETE, nullptr,
                                 OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));

@@ -31,6 +31,7 @@ constexpr std::uint64_t kPlaces = 256;
 // Of these tries one meets a free place, unless nearly everything is taken.
 constexpr int kTries = 8;
 
+/// Bytes from 2^31 on belong to no database page, and are used by the engine alone.
 bool IsOwnByte(std::uint64_t offset, std::uint64_t length) {
   return offset >= kFirstOwnByte && length <= kOwnBytes && offset + length <= kFirstOwnByte + kOwnBytes;
 }
@@ -83,6 +84,7 @@ bool WindowsRangeLocks::TryLock(std::uint64_t offset, std::uint64_t length, Lock
   return true;
 }
 
+// What is held inside of the range, and nothing else: the system would refuse a range that was not locked as such.
 void WindowsRangeLocks::Unlock(std::uint64_t offset, std::uint64_t length) {
   const auto isInside = [&](const Held& held) { return held.offset >= offset && held.offset - offset < length; };
   for (const Held& held : held_) {
@@ -91,6 +93,8 @@ void WindowsRangeLocks::Unlock(std::uint64_t offset, std::uint64_t length) {
   std::erase_if(held_, isInside);
 }
 
+// The system has no question for this, so it is tried: a lock of the whole range is taken for a moment and given back.
+// In that moment others who try it may find it locked, and try again.
 bool WindowsRangeLocks::IsLockedByOther(std::uint64_t offset, std::uint64_t length) {
   if (IsOwnByte(offset, length)) {
     for (std::uint64_t i = 0; i < length; ++i) {
@@ -122,6 +126,7 @@ bool WindowsRangeLocks::IsLockedByOther(std::uint64_t offset, std::uint64_t leng
   }
   std::sort(own.begin(), own.end(), [](const Held& left, const Held& right) { return left.offset < right.offset; });
   own.push_back({end, 0, LockKind::Shared, 0});
+  // The stretches between the own locks, one after the other, and the last one up to the end.
   for (const Held& held : own) {
     const std::uint64_t stop = std::min(held.offset, end);
     if (stop > start) {
@@ -202,6 +207,7 @@ bool WindowsRangeLocks::TryLockRange(std::uint64_t offset, std::uint64_t length,
   return isLocked;
 }
 
+// In the reverse order of locking: the own place is the last to go.
 void WindowsRangeLocks::Release(const Held& held) {
   if (!IsOwnByte(held.offset, held.length)) return UnlockNative(held.offset, held.length);
   if (held.kind == LockKind::Exclusive) UnlockOtherPlaces(held.offset, held.place);
