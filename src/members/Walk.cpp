@@ -1,5 +1,5 @@
 // A walk holds a record set of the store's file open between calls, and one use of the file with it. It ends at its
-// last row, at EndGet and when another one begins; only then the file may be closed. Each call reads the row that the
+// last row, at EndGet and when another one begins; the file stays open until then. Each call reads the row that the
 // cursor is on and moves behind it at its very end, so that an error of reading leaves the walk where it was and the
 // call can be made again.
 //

@@ -32,8 +32,9 @@ class FamilyReader {
  public:
   explicit FamilyReader(bool areSurnames) : areSurnames_(areSurnames) {}
 
-  // A line is a head, its other forms, and perhaps the family's place among the most common ones: "William Will Bill
-  // 2". What follows a # is a remark. Lines are sorted by their heads, so that people find the place of a new one.
+  // A line such as "William Will Bill 2" is a head, its other forms, and perhaps the family's place among the most
+  // common ones. What follows a # is a remark. Lines are sorted by their heads, so that people find the place of a new
+  // one.
   void Read(const std::string& line) {
     ++lineNumber_;
     std::istringstream words(line.substr(0, line.find('#')));

@@ -63,9 +63,9 @@ bool IsIn(std::span<const MarkRange> ranges, char32_t character) {
 }
 
 /// Calls `visit` for each character of the canonical decomposition of one.
-template <typename Visitor>
 /// Syllables of Hangul are taken apart by their numbers: each is a lead, a vowel and perhaps a tail, in the order of
 /// all their combinations. Parts of other characters may have parts of their own.
+template <typename Visitor>
 void Decompose(char32_t character, const Visitor& visit) {
   constexpr char32_t kFirstSyllable = 0xAC00;
   constexpr char32_t kLastSyllable = 0xD7A3;

@@ -222,9 +222,9 @@ constexpr RuleBook kFirstVowels(kVowelRules);
 constexpr RuleBook kEndings(kEndingRules);
 
 /// The first rule that fits at a place; null when none does.
-template <std::size_t Count>
 /// Each vowel letter has a rule of its own for the first syllable that holds anywhere, so that set always has one that
 /// fits.
+template <std::size_t Count>
 const SoundRule* RuleAt(const RuleBook<Count>& book, std::string_view letters, std::size_t position) {
   const auto letter = static_cast<std::size_t>(letters[position] - 'A');
   for (std::size_t number = book.starts[letter]; number < book.starts[letter + 1]; ++number) {

@@ -1,7 +1,6 @@
 // One slip makes of SMITH a text that shares with it what is left when one letter goes: SMITH without T is SMIH, and
 // SMIHT without its last letter is SMIH too. So each form is filed under the hashes of itself and of itself without
-// each of its letters, and a name is looked up under as many. Who is found is compared
-// letter by letter.
+// each of its letters, and a name is looked up under as many. Who is found is compared letter by letter.
 #include "names/SlipIndex.h"
 
 #include <algorithm>

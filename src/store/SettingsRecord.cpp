@@ -70,7 +70,7 @@ std::string cDatabase::MPCertificatePrefix() {
   return WhileOpen(*this, [&] {
     const auto settings = OpenSettingsRow();
     std::string prefix = GetTextField(*settings, kPrefixColumn);
-    // Derived once; from then on only a new name of the clubchanges it.
+    // Derived once; from then on only a new name of the club changes it.
     if (prefix.empty()) {
       prefix = DefaultMPPrefix("MP");
       Store(*settings, kPrefixColumn, prefix);

@@ -62,8 +62,8 @@ void NameBinder::AddLeaf(const Source& leaf) {
     source.plannedRowCount = source.table->RowCount();
     columns = source.table->Columns().size();
   }
-  // The same table may be named twice, but not under one name. A derived table may have none; its
-  // columns are then named alone.
+  // The same table may be named twice, but not under one name. A derived table may have none; its columns are then
+  // named alone.
   for (const PlannedSource& other : plan_.sources) {
     if (!source.name.empty() && EqualIgnoringCase(other.name, source.name)) {
       throw StatementError("Two tables of the statement have the name '" + source.name +

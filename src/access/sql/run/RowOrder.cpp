@@ -1,6 +1,5 @@
-// ORDER BY and TOP over numbered rows. Rows that tie keep the order in which they came, whose numbers are the last key;
-// so the order is the same whichever way the rows were found, and rows that tie with the last wanted one can all be
-// given, as TOP has it.
+// ORDER BY and TOP over numbered rows. Rows that tie keep the order in which they came, whose numbers are the last key.
+// Rows that tie with the last wanted one can all be given, as TOP has it.
 //
 // TOP n does not need all rows in memory. When 2 n + 1000 have gathered, those that come after the n-th are dropped;
 // what is left are n rows and those that tie with the n-th. A percentage is only known when all rows have come.

@@ -3,8 +3,8 @@
 // one row of each source is in memory, and a visitor that wants no more ends all loops by giving false (TOP, Exists).
 //
 // Candidates of a path are sorted by their place in the file before they are read. Pages are then read one after the
-// other, a row that several branches gave is given once, and rows come in the order in which a scan would give them:
-// answers do not depend on the plan, not even in the order of rows that no ORDER BY tells apart.
+// other, a row that several branches gave is given once, and the rows of a source come in the order in which a scan
+// would give them, whichever path was taken.
 //
 // A value may turn out to be one that cannot be looked up, such as a text where the column holds numbers. Then every
 // row is looked at, and evaluating the condition gives what it gives without an index, an error included.
@@ -79,8 +79,8 @@ void IndexRange::SetEnds(const AccessPath& path, std::vector<Value> equals, cons
   if (path.high != nullptr) (ascending ? last_ : first_) = keyOf(&high);
 }
 
-// A unique key is looked up alone. Otherwise the entries are walked from the first key on; keys that begin with the
-// last one belong to the range, since the last one may be only the beginning of a key.
+// The entries are walked from the first key on; keys that begin with the last one belong to the range, since the last
+// one may be only the beginning of a key.
 void IndexRange::Collect(std::vector<std::uint32_t>& rows) const {
   if (isEmpty_) return;
   const BTree& tree = table_.Tree(index_);

@@ -2,8 +2,8 @@
 // are no longer those of the plan (MakeReady), run. Parsing needs no lock; planning and running happen inside one
 // statement of the pager, so that the definitions which the plan was made for are those of the rows that it reads.
 //
-// A query takes the lock for readers. Everything else takes that for the writer before it looks at anything, and is
-// undone as a whole when it fails at any point (StatementRunner::Change).
+// A query takes the lock for readers. A change takes that for the writer before it looks at anything, and is undone as
+// a whole when it fails at any point (StatementRunner::Change).
 #include "access/sql/run/Session.h"
 
 #include "access/sql/expression/Functions.h"

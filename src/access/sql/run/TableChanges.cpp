@@ -1,6 +1,6 @@
-// All changes of rows, whoever makes them, go through here: values are converted to the columns' types, the table
-// checks its rules and keeps the file's indexes, and then the indexes in memory learn of it. In this order, so that a
-// refused change leaves them as they were.
+// All changes of rows by statements and record sets go through here: values are converted to the columns' types, the
+// table checks its rules and keeps the file's indexes, and then the indexes in memory learn of it. In this order, so
+// that a refused change leaves them as they were.
 #include "access/sql/run/TableChanges.h"
 
 #include <algorithm>
