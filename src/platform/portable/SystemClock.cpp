@@ -18,7 +18,7 @@ Date SystemClock::Now() const {
   constexpr int kTmYear = 1900;
   const Date day = Date::FromCivil(local.tm_year + kTmYear, local.tm_mon + 1, local.tm_mday);
   const int second = local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
-  return Date{day.days + second / kSecondsOfDay};
+  return Date::AtSecond(day.DayNumber(), second);
 }
 
 }  // namespace tavi

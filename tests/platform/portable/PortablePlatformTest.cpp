@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <sstream>
 
 #include "platform/portable/PortableServices.h"
@@ -13,6 +14,20 @@ TEST(SystemClock, TellsADayOfThisCenturyThatDoesNotRunBackwards) {
   EXPECT_GT(first, Date::FromCivil(2020, 1, 1));
   EXPECT_LT(first, Date::FromCivil(2100, 1, 1));
   EXPECT_GE(clock.Now(), first);
+}
+
+/// The local date and time of a moment.
+Date DateOf(std::time_t moment) {
+  const std::tm local = *std::localtime(&moment);
+  const Date day = Date::FromCivil(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday);
+  return Date::AtSecond(day.DayNumber(), (local.tm_hour * 60 + local.tm_min) * 60 + local.tm_sec);
+}
+
+TEST(SystemClock, TellsTheTimeOfDayToTheSecond) {
+  const std::time_t before = std::time(nullptr);
+  const Date told = SystemClock().Now();
+  EXPECT_GE(told, DateOf(before));
+  EXPECT_LE(told, DateOf(std::time(nullptr)));
 }
 
 TEST(FixedClock, StandsStill) {
