@@ -262,7 +262,6 @@ std::string MembershipDatabase::GetPairName(std::int32_t Player1ID, const std::s
                            TransferSurname, AlternateName);
 }
 
-// By name and not by position: fourteen arguments, many of one type, are easily exchanged.
 // --- Competitions, results, master points ----------------------------------------------------------------------------
 //
 // What belongs to one update of a competition, from SetCompetitionEx to EndResultUpdate, is kept in the state of the
@@ -273,6 +272,7 @@ std::int32_t MembershipDatabase::SetCompetitionEx(const std::string& CompName, D
                                                   std::int16_t NumberOfTables, std::int16_t NumberOfWinners,
                                                   const std::string& Gov, std::int16_t /*MasterPointsColour*/,
                                                   bool IncludeInHandicaps, std::int16_t NumberOfTeams) {
+  // By name and not by position: fourteen arguments, many of one type, are easily exchanged.
   CompetitionRegistration registration;
   registration.CompName = CompName;
   registration.CompDate = CompDate;

@@ -150,6 +150,7 @@ void SetActiveHandicap(cDatabase& database, std::int32_t MemberID, double NewHan
   UpdateMembersHandicap(database, NewHandicap, WhereActiveNumberIs(MemberID));
 }
 
+// Whether the member is active or not: a retired member who plays gets his handicap refreshed.
 void StoreHandicap(cDatabase& database, std::int32_t memberNumber, double handicap) {
   UpdateMembersHandicap(database, handicap, WhereNumberIs(memberNumber));
 }

@@ -115,6 +115,7 @@ std::string SurnameKey(std::string_view name) {
   NameLetters letters = LettersOf(name);
   if (IsOfOtherAlphabet(letters)) return KeyOfOthers(name, letters);
   const NameDictionary& dictionary = SurnameDictionary();
+  // The dictionary's own surnames are written in the same way.
   const std::string plain = WithPlainPrefix(std::move(letters.latin));
   return KeyOf(WithoutIrishO(plain, dictionary), dictionary, kFewConsonants);
 }

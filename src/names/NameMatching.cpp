@@ -9,6 +9,7 @@ constexpr int kFirstNameFactor = 10;
 constexpr int kSurnameFactor = 100;
 
 /// True when one of the two is the initial of the other.
+/// Compared as characters and not as bytes: an initial may have an accent.
 bool IsInitialOf(std::string_view left, std::string_view right) {
   const bool isShort = TextLength(left) == 1 || TextLength(right) == 1;
   return isShort && UpperCase(FirstCharacters(left, 1)) == UpperCase(FirstCharacters(right, 1));

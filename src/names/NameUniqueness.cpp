@@ -56,6 +56,7 @@ void SetNameUniquenessFlags(cDatabase& database, const std::string& FirstName) {
         "Select FirstName, MiddleInitials, LastName, UniquenessFlag From Members Where Active <> 0 " + condition +
             "Order By FirstName, LastName, MiddleInitials",
         ado::CursorType::Dynamic);
+    // All of them first: a flag is only known when the next row has been seen.
     const std::vector<ActiveMember> members = ReadMembers(*rows);
     // Backwards over the rows again, writing only what differs: opening an unchanged club must not change its file.
     for (auto member = members.rbegin(); member != members.rend(); ++member) {

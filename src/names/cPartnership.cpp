@@ -62,6 +62,7 @@ std::string cPartnership::Name(std::int16_t NameFormat, bool TransferSurname, bo
   const std::string text = TransferSurname && Player1->SameSurnameAs(*Player2)
                                ? SharedSurnameName(NameFormat)
                                : Player1->Name(NameFormat) + kAnd + Player2->Name(NameFormat);
+  // A pair of one name, or none, has an "&" too many.
   return WithoutStrayAnd(CollapseWhitespace(text, true));
 }
 

@@ -66,6 +66,7 @@ std::string cDatabase::DatabaseFilePath() const {
   return PathJoin(folder_, kFileName);
 }
 
+// The text is taken over in any case, so that a folder in other letters is shown as it was given last.
 void cDatabase::SetDatabaseFolder(const std::string& newFolder) {
   if (!EqualIgnoringCase(newFolder, folder_)) {
     NewDatabase();

@@ -45,6 +45,7 @@ std::string SpecialFolderPath(const ShellFolders& shell, std::int32_t& folderNum
   });
   if (located) return *located;
 
+  // With `create` the number bears the flag and is another one, so that the personal folder is not tried then.
   if (folderNumber != kCommonDocumentsFolder) return {};
   std::int32_t personal = kPersonalFolder;
   return SpecialFolderPath(shell, personal, create);

@@ -1,5 +1,5 @@
-// The calls of NativeFiles.h on POSIX systems. None of them raises an error: what is asked here (is the settings file
-// there, can a line be logged) must never stop an operation of the component.
+// The calls of NativeFiles.h on POSIX systems. None of them raises an error: whether a failure matters (a line that is
+// not logged does not) is for the caller to say.
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>

@@ -166,6 +166,7 @@ std::string GetSetting(const Platform& platform, RegistryRoot root, const std::s
     const std::optional<std::string> value = FileValue(platform, KeyPath, ValueName);
     if (IsFound(ValueName, value)) return *value;
   }
+  // Whatever the file does not hold, and all values of a user.
   const std::optional<std::string> found = platform.registry->ReadText(root, KeyPath, ValueName);
   if (!IsFound(ValueName, found)) return Default;
   if (isMachineWide) CopyIntoFile(platform, KeyPath, ValueName, *found);

@@ -55,12 +55,14 @@ class OpenFile {
 class AppendTurn {
  public:
   explicit AppendTurn(const OpenFile& file) : file_(file.Handle()) {
+    // A pause lasts a tick of the system's clock, so this is about a second at most.
     constexpr int kTries = 50;
     // At 2^62 bytes, where no log ends.
     constexpr DWORD kHighOffset = 0x40000000;
     constexpr DWORD kKind = LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY;
     byte_.OffsetHigh = kHighOffset;
     for (int tries = 0; tries < kTries; ++tries) {
+      // Any other error than that somebody else has it is not waited for: the text is written without the turn.
       isOurs_ = ::LockFileEx(file_, kKind, 0, 1, 0, &byte_) != 0;
       if (isOurs_ || ::GetLastError() != ERROR_LOCK_VIOLATION) return;
       ::Sleep(1);

@@ -26,8 +26,8 @@ bool BeginsWithDigit(const std::string& text) {
 
 }  // namespace
 
-// "1-3, 5" and "1&2&3&5" give the same: what ToPrettyString and ToString write can be read back. A number out of range
-// is an error after what stands before it has been taken.
+// "1-3, 5" and "1&2&3&5" give the same: what ToPrettyString and ToString write of positive numbers can be read back. A
+// number out of range is an error after what stands before it has been taken.
 void cIntegerList::SetTo(const std::string& InitString) {
   Clear();
   const std::string text = ReplaceAll(InitString, "&", ",");

@@ -23,6 +23,7 @@ void ResultSet::Set(std::size_t /*column*/, const Value& /*value*/) {
 void ResultSet::AddNew() {
   throw NotUpdatableError("rows that are computed and belong to no table");
 }
+// Nothing can be pending where nothing can be set.
 void ResultSet::Update() {}
 void ResultSet::CancelUpdate() {}
 

@@ -16,6 +16,7 @@ Value RowScope::SlotValue(const Slot& slot) const {
   const RowScope* scope = this;
   for (std::uint16_t level = 0; level < slot.depth && scope->outer_ != nullptr; ++level) scope = scope->outer_;
   if (slot.kind == Slot::Kind::Item) return Evaluate(*scope->plan_.select->items[slot.column].expression, *scope);
+  // An absent row is the missing side of an outer join: all its columns are null.
   const SourceRow& row = scope->rows[slot.source];
   return row.present ? row.values.at(slot.column) : Value{};
 }

@@ -275,6 +275,8 @@ bool RowSearch::Candidates(const AccessPath& path, std::size_t source, std::vect
                      [&](const AccessPath& branch) { return Candidates(branch, source, rows); });
 }
 
+// A search of one whole key after the other keeps the leaf of the last one in hand, as keys of a join often lie
+// together.
 bool RowSearch::IndexCandidates(const AccessPath& path, Table& table, std::vector<std::uint32_t>& rows) {
   const IndexRange range(path, table, scope_);
   if (!range.IsUsable()) return false;

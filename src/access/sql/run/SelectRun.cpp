@@ -21,6 +21,7 @@ namespace tavi::access::sql {
 
 namespace {
 
+/// By the positions of output columns, or by expressions; both are evaluated for the current row.
 std::vector<Value> SortKeys(const SelectPlan& plan, const RowScope& scope) {
   std::vector<Value> keys;
   keys.reserve(plan.order.size());
@@ -211,6 +212,7 @@ std::vector<RowValues> CollectValues(StatementContext& context, const SelectPlan
     before = part->select;
   }
   if (!plan.order.empty()) rows = Sorted(context, plan, std::move(rows));
+  // The limit is for the whole: no part can be cut off before repetitions are dropped and the order is known.
   if (rows.size() > limit) rows.resize(limit);
   return rows;
 }

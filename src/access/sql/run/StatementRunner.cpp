@@ -22,6 +22,7 @@ void StatementRunner::GoOnUnlessCancelled() const {
 
 void StatementRunner::Change(FunctionReference<void(StatementContext&, TableChanges&)> change) {
   Pager& pager = GetPager();
+  // Told before the lock of the writer is asked for.
   if (pager.IsReadOnly()) throw ReadOnlyError(pager.Path());
   WriteStatement writing(pager);
   TableChanges changes(memoryIndexes_);

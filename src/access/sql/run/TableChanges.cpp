@@ -29,6 +29,7 @@ void TableChanges::ForgetWhereChangesCascade(const Table& table) {
 
 RowPointer TableChanges::Insert(Table& table, RowValues& row) {
   RefuseSystemTable(table);
+  // In place: the caller sees what is stored, and the indexes in memory get the same.
   for (std::size_t i = 0; i < row.size(); ++i) row[i] = ConvertForColumn(row[i], table.Columns()[i].definition);
   const RowPointer pointer = table.Insert(row);
   memoryIndexes_.RowInserted(table, pointer, row);
