@@ -55,6 +55,7 @@ MembershipDatabase::MembershipDatabase(std::shared_ptr<const Platform> platform)
   FindDatabaseFolder(*ThreadStore());
 }
 
+// Here, where the state is a complete type.
 MembershipDatabase::~MembershipDatabase() = default;
 
 // --- Location, opening and closing -----------------------------------------------------------------------------------
@@ -80,6 +81,7 @@ void MembershipDatabase::OpenDatabase() {
   ThreadStore()->OpenDB();
 }
 
+// By force: operations such as each calculation of handicaps leave a use of the file behind.
 void MembershipDatabase::CloseDatabase() {
   ThreadStore()->CloseDB(true);
 }
@@ -290,6 +292,7 @@ std::int32_t MembershipDatabase::SetCompetitionEx(const std::string& CompName, D
   return state_->results.SetCompetitionEx(*ThreadStore(), registration);
 }
 
+// The older form, which knows neither Swiss events nor finals nor other governing bodies.
 std::int32_t MembershipDatabase::SetCompetition(const std::string& CompName, Date CompDate, bool Individual,
                                                 std::int16_t ScoringMethod, std::int16_t ButlerType,
                                                 std::int16_t MasterPoints, std::int16_t NumberOfTables,
@@ -309,6 +312,7 @@ void MembershipDatabase::NoteCompetitorResult(std::int32_t CompetitionID, std::i
       {CompetitionID, {Player1ID, P1Name, Player2ID, P2Name}, ActualPercent, NetPercent, AppliedHandicap});
 }
 
+// The colour of an award is its own; the competition's is not asked.
 void MembershipDatabase::AddMasterPoints(std::int32_t CompetitionID, std::int16_t SessionNo, std::int32_t Player1ID,
                                          const std::string& P1Name, std::int32_t Player2ID, const std::string& P2Name,
                                          double MasterPoints, std::int32_t MasterPointsColour) {

@@ -45,6 +45,7 @@ std::shared_ptr<cDatabase>& Slot() {
 
 }  // namespace
 
+// Here the store learns of names, which is a room above it.
 std::unique_ptr<cDatabase> MakeStore(std::shared_ptr<const Platform> platform) {
   return std::make_unique<cDatabase>(std::move(platform), NameSteps());
 }
@@ -72,6 +73,7 @@ void SetThreadStore(std::shared_ptr<cDatabase> store) {
   Slot() = std::move(store);
 }
 
+// A copy, by which the caller keeps the store alive while he uses it.
 std::shared_ptr<cDatabase> ThreadStore() {
   if (!Slot()) {
     throw Error(ErrorNumber::NoObject, "TaviMembership",

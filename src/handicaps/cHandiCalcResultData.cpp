@@ -22,6 +22,7 @@ std::string KeyOf(std::int32_t competition, const cPairMemberNumbers& pair, bool
 
 }  // namespace
 
+// In ascending order, so that a pair is the same whoever is named first; -1 comes before every member.
 cPairMemberNumbers cPairMemberNumbers::Create(std::int32_t Player, std::int32_t Partner) {
   cPairMemberNumbers pair;
   pair.lower_ = std::min(Player, Partner);

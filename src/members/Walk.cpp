@@ -123,6 +123,7 @@ bool Walk::GetNextEBURecord(cDatabase& store, std::string& EBUNumber, std::strin
   const std::string firstName = ToText(cursor_->Get("FirstName"));
   const std::string lastName = ToText(cursor_->Get("LastName"));
   EBUNumber = ToText(cursor_->Get("EBUNumber"));
+  // Format 10 alone is another one here: the list has no more than two parts of a name.
   const bool surnameFirst = ToDouble(NameFormat) == name_format::kSurnameFirst;
   Name = surnameFirst ? lastName + ", " + firstName : firstName + " " + lastName;
   cursor_->MoveNext();

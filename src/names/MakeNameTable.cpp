@@ -169,6 +169,7 @@ void MakeTable(const std::string& function, const std::string& text, const std::
 }  // namespace
 }  // namespace tavi
 
+// Ends with 2 for a wrong call and 1 for a wrong text; the build stops at either.
 int main(int count, char** arguments) {
   constexpr int kArguments = 4;
   if (count != kArguments) {
@@ -179,6 +180,7 @@ int main(int count, char** arguments) {
   try {
     tavi::MakeTable(arguments[1], text, arguments[3]);
   } catch (const std::exception& error) {
+    // As compilers write it, so that editors find the line.
     std::cerr << text << ":" << error.what() << "\n";
     return 1;
   }

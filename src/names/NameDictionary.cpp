@@ -84,6 +84,7 @@ std::string_view NameDictionary::HeadOf(std::string_view letters) const {
 }
 
 void NameDictionary::CompareBySound(Nearest& nearest) const {
+  // Skeletons of forms are not kept: a search in 15,000 forms computes some thirty of them.
   const auto skeletonOf = [this](std::size_t form) { return SkeletonOf(table_.SoundsOf(form)); };
   const std::string skeleton = SkeletonOf(nearest.sounds);
   for (const std::size_t form : std::ranges::equal_range(table_.bySkeleton, skeleton, {}, skeletonOf)) {

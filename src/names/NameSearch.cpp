@@ -75,6 +75,8 @@ std::shared_ptr<cPlayerDetails> ReadMemberRow(const ado::Recordset& row,
   return player;
 }
 
+// Compared by the database, without regard to case. A row without initials has an empty text there; one with a null,
+// which other programs may have written, is not found.
 std::int32_t GetMembershipID(cDatabase& database, const std::string& FirstName, const std::string& Initials,
                              const std::string& LastName, bool& Retired) {
   return WhileOpen(database, [&] {

@@ -35,6 +35,7 @@ void ClearNameParts(PlayerNameParts& parts) {
   parts = PlayerNameParts{};
 }
 
+// Both keys in one call, because the outside class makes them with one object.
 void MakeFuzzedNames(std::string& FuzzedFirstName, std::string& FuzzedSurname, const PlayerNameParts& parts,
                      const NameKeyService& service) {
   NameKeys keys = service.Keys(parts.Surname, parts.FirstName);

@@ -153,6 +153,7 @@ bool IsOneSlipAway(std::string_view left, std::string_view right) {
   const auto [first, second] = std::mismatch(left.begin(), left.end(), right.begin());
   const std::string_view leftRest = left.substr(static_cast<std::size_t>(first - left.begin()));
   const std::string_view rightRest = right.substr(static_cast<std::size_t>(second - right.begin()));
+  // Nothing differs at all.
   if (rightRest.empty()) return true;
   if (left.size() < right.size()) return rightRest.substr(1) == leftRest;
   if (leftRest.substr(1) == rightRest.substr(1)) return true;

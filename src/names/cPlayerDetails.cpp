@@ -134,6 +134,7 @@ std::int16_t cPlayerDetails::MatchWeight(const cPlayerDetails& other) const {
   const std::int16_t initials = CompareInitials(parts_.Initials, other.parts_.Initials);
   const bool nothingCompared = firstName == 1 && surname == 1;
   if (firstName == 0 || initials == 0 || surname == 0 || nothingCompared || bothNameless) return 0;
+  // 444 is the very name. The least is 121: no surname, an initial as first name, no initials.
   return CombineMatchScores(firstName, initials, surname);
 }
 

@@ -7,6 +7,7 @@
 namespace tavi {
 namespace {
 
+/// On other systems a path below the drives' root: ~/.local/share/tavimembership/c/Diagnostics/Tallyman.txt.
 constexpr std::string_view kLogFile = "C:\\Diagnostics\\Tallyman.txt";
 
 }  // namespace

@@ -30,6 +30,7 @@ bool WriteThrough(std::string_view path, int flags, std::string_view text) noexc
     const int file = ::open(NativePath(path).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, kFileRights);
     if (file < 0) return false;
     const ssize_t written = WithoutFileSizeSignal([&] { return ::write(file, text.data(), text.size()); });
+    // Network file systems tell some errors of writing only when a file is closed.
     return ::close(file) == 0 && written == static_cast<ssize_t>(text.size());
   } catch (...) {
     return false;

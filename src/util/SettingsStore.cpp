@@ -38,6 +38,8 @@ std::string Unescaped(std::string_view value) {
 }
 
 /// The chain of element names from the document to a value.
+/// "Software\Pelmont\Bridge\ClubDatabase" and "DB Folder" lead to
+///   <settings><hkey_local_machine><software><pelmont><bridge><clubdatabase><DB_Folder>
 std::vector<std::string> ElementPath(const std::string& keyPath, const std::string& valueName) {
   std::vector<std::string> path{"settings", "hkey_local_machine"};
   const std::string key = ReplaceAll(ReplaceAll(LowerCase(keyPath), "/", "\\"), " ", "_");
@@ -89,6 +91,7 @@ std::string SettingsPath(const ShellFolders& shell) {
 }
 
 /// The value of the settings file; a file that cannot be read holds none.
+/// Loading it makes the file where it is missing; that it cannot be made is no reason to fail a question.
 std::optional<std::string> FileValue(const Platform& platform, const std::string& keyPath,
                                      const std::string& valueName) {
   try {

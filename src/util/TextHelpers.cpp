@@ -6,6 +6,7 @@
 
 namespace tavi {
 
+// -42 with five digits is "-00042".
 std::string PaddedNumber(std::int32_t number, std::size_t digits) {
   std::string text = std::to_string(number);
   const std::size_t sign = number < 0 ? 1U : 0U;
