@@ -174,7 +174,7 @@ void StoredTable::UpdateCascading(RowPointer row, RowValues values, int depth) {
   }
 
   // The changed row must be there before the rows that follow it, as each of these asks for its primary row again.
-  rows_.Update(row, values);
+  rows_.Update(row, values, &before);
   indexes_.Apply(changes, row);
   for (const FollowingUpdate& update : following) {
     // Read when its turn comes: another relationship between the same tables may have changed it meanwhile.

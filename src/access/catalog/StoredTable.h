@@ -39,6 +39,10 @@ class StoredTable final : public Table {
   [[nodiscard]] RowValues Read(RowPointer row, const std::vector<bool>& wanted) override {
     return rows_.Read(row, wanted);
   }
+  void Read(RowPointer row, const std::vector<bool>& wanted, RowValues& values) override {
+    rows_.Read(row, wanted, values);
+  }
+  [[nodiscard]] std::int64_t CountRows() override { return rows_.Count(); }
   [[nodiscard]] bool Exists(RowPointer row) override { return rows_.Exists(row); }
   [[nodiscard]] std::optional<RowPointer> Next(std::optional<RowPointer> after) override { return rows_.Next(after); }
   void WalkPastDamage(const std::function<void(RowPointer)>& visit,

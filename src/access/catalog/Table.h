@@ -51,7 +51,11 @@ class Table {
 
   [[nodiscard]] virtual RowValues Read(RowPointer row) = 0;
   [[nodiscard]] virtual RowValues Read(RowPointer row, const std::vector<bool>& wanted) = 0;
+  /// Into `values`, as TableRows::Read.
+  virtual void Read(RowPointer row, const std::vector<bool>& wanted, RowValues& values) = 0;
   [[nodiscard]] virtual bool Exists(RowPointer row) = 0;
+  /// The number of live rows, counted.
+  [[nodiscard]] virtual std::int64_t CountRows() = 0;
   /// The next live row in page order; `after` none: the first.
   [[nodiscard]] virtual std::optional<RowPointer> Next(std::optional<RowPointer> after) = 0;
   /// All live rows in page order, however damaged the table is (see TableRows::WalkPastDamage).

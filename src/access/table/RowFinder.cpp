@@ -62,6 +62,13 @@ bool RowFinder::IsRow(const Page& page, std::size_t row) const {
   return IsRowOfItsOwn(DataPageReader(page, DataPageLayoutOf(*pager_)).Entry(row));
 }
 
+std::int64_t RowFinder::CountOnPage(const Page& page) const {
+  const DataPageReader reader(page, DataPageLayoutOf(*pager_));
+  std::int64_t count = 0;
+  for (std::size_t row = 0; row < reader.RowCount(); ++row) count += IsRowOfItsOwn(reader.Entry(row)) ? 1 : 0;
+  return count;
+}
+
 // The page is held by the caller, who asks for one row after the other; each costs a look at its directory entry.
 std::optional<std::uint8_t> RowFinder::NextOnPage(const Page& page, std::size_t from) const {
   const DataPageReader reader(page, DataPageLayoutOf(*pager_));

@@ -27,6 +27,8 @@ class RowFinder {
   /// True when row `row` of a page, below its row count, is a live one. Raises ProviderFailure when its place makes no
   /// sense.
   [[nodiscard]] bool IsRow(const Page& page, std::size_t row) const;
+  /// How many live rows a page has.
+  [[nodiscard]] std::int64_t CountOnPage(const Page& page) const;
   /// The first live row of a page whose number is at least `from`.
   [[nodiscard]] std::optional<std::uint8_t> NextOnPage(const Page& page, std::size_t from) const;
 

@@ -20,6 +20,16 @@ namespace {
 // tried against each page of a large table.
 constexpr int kMostCandidates = 16;
 
+/// Puts bytes of the same length in the place of a row's, where nothing else on the page changes.
+bool ReplaceEqualBytes(Page& page, std::uint8_t row, std::span<const std::uint8_t> bytes, std::uint16_t flags) {
+  const DataPageReader reader(page, Jet4DataPageLayout());
+  if (row >= reader.RowCount()) return false;
+  const RowEntry entry = reader.Entry(row);
+  if (entry.length != bytes.size() || entry.flags != flags) return false;
+  page.Put(entry.offset, bytes);
+  return true;
+}
+
 }  // namespace
 
 RowPointer RowSpace::Insert(std::span<const std::uint8_t> bytes, std::uint16_t flags, PageNumber hint) {
@@ -65,7 +75,9 @@ std::optional<RowPointer> RowSpace::InsertOn(PageNumber number, std::span<const 
 
 // The page stays on offer or goes by the room that is left: a shorter row makes room for others.
 bool RowSpace::TryReplace(RowPointer row, std::span<const std::uint8_t> bytes, std::uint16_t flags) {
-  DataPageEditor editor(pager_->Write(row.page));
+  Page& page = pager_->Write(row.page);
+  if (ReplaceEqualBytes(page, row.row, bytes, flags)) return true;
+  DataPageEditor editor(page);
   if (!editor.TakesInstead(row.row, bytes.size())) return false;
   editor.Replace(row.row, bytes, flags);
   Offer(row.page, editor.HasRoomForTypicalRow());

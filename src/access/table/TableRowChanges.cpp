@@ -8,6 +8,7 @@
 #include "access/file/Format.h"
 #include "access/file/PageAllocator.h"
 #include "access/table/TableRows.h"
+#include "access/table/ValueCodec.h"
 
 // Storing and changing rows, in an order that leaves nothing behind when a row is refused. First the row is laid out as
 // it will be, with long values only measured: all that can be wrong with values (types, lengths, a row that is too
@@ -104,19 +105,19 @@ RowPointer TableRows::Insert(const RowValues& values) {
   return row;
 }
 
-void TableRows::Update(RowPointer row, const RowValues& values) {
+void TableRows::Update(RowPointer row, const RowValues& values, const RowValues* before) {
   RequireValuePerColumn(*definition_, values);
   const FoundRow found = Require(row);
   const RowView view(found.bytes, Version(), row);
   LongValuePlan plan(values.size());
-  bool isChanged = false;
+  std::vector<std::size_t> changed;
   std::vector<std::size_t> replaced;
   for (std::size_t i = 0; i < values.size(); ++i) {
     const ColumnDefinition& column = definition_->columns[i];
     // Long values are compared as well, which reads them: a value that did not change keeps its place, and a program
     // that writes back all fields of a record costs nothing.
-    const bool isSame = IsSameStored(ReadValue(view, column, row), values[i]);
-    isChanged = isChanged || !isSame;
+    const bool isSame = IsSameStored(before != nullptr ? (*before)[i] : ReadValue(view, column, row), values[i]);
+    if (!isSame) changed.push_back(i);
     if (!column.IsLongValue()) continue;
     if (!isSame) replaced.push_back(i);
     if (IsNull(values[i])) continue;
@@ -128,7 +129,7 @@ void TableRows::Update(RowPointer row, const RowValues& values) {
       plan.Store(i, values[i], column);
     }
   }
-  if (!isChanged) return;
+  if (changed.empty() || PatchInPlace(found, view, values, changed)) return;
   Bytes bytes = EncodeRow(*definition_, values, plan.inRow);
   for (const std::size_t i : replaced) {
     const ColumnDefinition& column = definition_->columns[i];
@@ -141,6 +142,25 @@ void TableRows::Update(RowPointer row, const RowValues& values) {
   }
   if (!replaced.empty()) bytes = EncodeRow(*definition_, values, plan.inRow);
   ReplaceBytes(row, found.body, bytes);
+}
+
+// Numbers and dates that were there before have their bytes where they are; nothing else of the row or page changes.
+bool TableRows::PatchInPlace(const FoundRow& found, const RowView& view, const RowValues& values,
+                             const std::vector<std::size_t>& changed) {
+  if (view.ColumnCount() != definition_->columnIdCounter) return false;  // older than the table is now
+  std::vector<std::pair<std::size_t, Bytes>> patches;
+  for (const std::size_t i : changed) {
+    const ColumnDefinition& column = definition_->columns[i];
+    const bool isInPlace = column.IsFixed() && column.type != ColumnType::Boolean && !column.IsLongValue();
+    if (!isInPlace || IsNull(values[i]) || view.IsNull(column)) return false;
+    const Stored stored = view.Stored(column);
+    Bytes bytes = EncodeValue(values[i], column);
+    if (bytes.size() != stored.size()) return false;
+    patches.emplace_back(stored.data() - found.page->All().data(), std::move(bytes));
+  }
+  Page& page = pager_->Write(found.body.page);
+  for (const auto& [offset, bytes] : patches) page.Put(offset, bytes);
+  return true;
 }
 
 // In its own place, or back there if it was moved; else where it was moved to; else somewhere new. So there is never a

@@ -86,14 +86,19 @@ RowValues TableRows::Read(RowPointer row) const {
 }
 
 RowValues TableRows::Read(RowPointer row, const std::vector<bool>& wanted) const {
+  RowValues values;
+  Read(row, wanted, values);
+  return values;
+}
+
+void TableRows::Read(RowPointer row, const std::vector<bool>& wanted, RowValues& values) const {
   const FoundRow found = RequireToRead(row);
   const RowView view(found.bytes, Version(), row);
   // Places of columns that are not wanted stay null, so that the others keep their positions.
-  RowValues values(definition_->columns.size());
+  if (values.size() != definition_->columns.size()) values.assign(definition_->columns.size(), Null{});
   for (std::size_t i = 0; i < values.size() && i < wanted.size(); ++i) {
     if (wanted[i]) values[i] = ReadValue(view, definition_->columns[i], row);
   }
-  return values;
 }
 
 // A page that is no longer the table's was given back after its last row was deleted. `holder` keeps the page that is
@@ -131,6 +136,17 @@ std::optional<RowPointer> TableRows::Next(std::optional<RowPointer> after) const
     if (const auto row = finder.NextOnPage(page, 0)) return RowPointer{*number, *row};
   }
   return std::nullopt;
+}
+
+std::int64_t TableRows::Count() const {
+  const RowFinder finder(*pager_, definition_->page);
+  const UsageMap owned(*pager_, definition_->ownedPages);
+  PageHandle holder;
+  std::int64_t count = 0;
+  for (auto number = owned.Next(0); number; number = owned.Next(*number + 1)) {
+    count += finder.CountOnPage(RequireOwnedPage(*number, holder));
+  }
+  return count;
 }
 
 void TableRows::Walk(const std::function<bool(RowPointer)>& visit) const {

@@ -36,7 +36,8 @@ class TableRows {
   RowPointer Insert(const RowValues& values);
   /// Replaces a row; its RowPointer stays the same even when the bytes move to another page. Long values that did not
   /// change are kept where they are. Nothing is written when no value changes.
-  void Update(RowPointer row, const RowValues& values);
+  /// `before`: the values as they are stored, from a caller who has just read them; null: they are read.
+  void Update(RowPointer row, const RowValues& values, const RowValues* before = nullptr);
   void Delete(RowPointer row);
 
   /// True when a live row is there (and not the moved body of another one).
@@ -46,10 +47,15 @@ class TableRows {
   /// The values of some columns (positions in TableDefinition::columns); the others are null. Saves fetching long
   /// values.
   [[nodiscard]] RowValues Read(RowPointer row, const std::vector<bool>& wanted) const;
+  /// The same into `values`, for callers who read row after row: the others stay as they are, null where `values` had
+  /// another size.
+  void Read(RowPointer row, const std::vector<bool>& wanted, RowValues& values) const;
 
   /// The live rows in the order of pages and row numbers. `after` none starts at the first. Nothing at the end. Rows
   /// may be changed and deleted between calls, `after` included.
   [[nodiscard]] std::optional<RowPointer> Next(std::optional<RowPointer> after) const;
+  /// How many live rows there are, by their places on the pages. Raises as Next.
+  [[nodiscard]] std::int64_t Count() const;
   /// Calls `visit` for each live row; rows may not be changed meanwhile. Returns early when it gives false.
   void Walk(const std::function<bool(RowPointer)>& visit) const;
   /// As Walk to the end, but damage does not end it: for a page that cannot be read (one that is no data page of the
@@ -84,6 +90,8 @@ class TableRows {
   [[nodiscard]] LongValueMaps MapsForStoring(std::uint16_t columnId);
   [[nodiscard]] Bytes StoreLongValue(const PreparedLongValue& value, std::uint16_t columnId);
   void ReplaceBytes(RowPointer row, RowPointer body, const Bytes& bytes);
+  bool PatchInPlace(const FoundRow& found, const RowView& view, const RowValues& values,
+                    const std::vector<std::size_t>& changed);
 
   Pager* pager_;
   const TableDefinition* definition_;

@@ -132,6 +132,8 @@ struct SelectPlan {
   std::vector<OutputColumn> outputs;
   std::vector<SortKey> order;
   std::optional<OrderWalk> orderWalk;
+  /// Indexes of the file may give answers without the rows (Min, Max, distinct values).
+  bool usesFileIndexes = false;
   bool grouped = false;
   std::vector<const Expression*> groupBy;
   std::vector<const Expression*> aggregates;

@@ -133,6 +133,7 @@ std::unique_ptr<SelectPlan> PlanAlone(PlanContext& context, const Select& select
   CheckGroups(*plan);
   PlanDistinctRows(*plan);
   ChooseOrderWalk(context, *plan);
+  plan->usesFileIndexes = context.options.fileIndexes;
   return plan;
 }
 

@@ -16,6 +16,11 @@ class Aggregator {
 
   /// True when it counts rows whatever they hold.
   [[nodiscard]] bool CountsRows() const { return kind_ == Kind::CountRows; }
+  /// True when the least, or the greatest, value is all that it needs to see.
+  [[nodiscard]] bool IsMinimum() const { return kind_ == Kind::Minimum; }
+  [[nodiscard]] bool IsMaximum() const { return kind_ == Kind::Maximum; }
+  /// Of one that counts rows: so many.
+  void AddRows(std::int64_t count) { count_ += count; }
   /// Takes the argument's value in the next row. Raises ProviderTypeConflict for a value that cannot be added up.
   void Add(const Value& value);
   [[nodiscard]] Value Result() const;

@@ -7,7 +7,9 @@
 #include <limits>
 
 #include "access/sql/expression/Evaluator.h"
+#include "access/sql/run/IndexAnswers.h"
 #include "access/sql/run/PlanRun.h"
+#include "access/sql/run/RowSearch.h"
 
 namespace tavi::access::sql {
 
@@ -75,12 +77,21 @@ const ValueSet& RowScope::ValuesOf(const SelectPlan& subselect, const Expression
   const auto found = context_.valueSets.find(&subselect);
   if (found != context_.valueSets.end()) return found->second;
   ValueSet set;
-  for (const Value& value : SubselectValues(in, std::numeric_limits<std::size_t>::max())) {
+  const auto add = [&set](const Value& value) {
     if (IsNull(value)) {
       set.hasNull = true;
     } else {
       set.values.Add({value});
     }
+  };
+  if (const auto firstOfKeys = FirstRowsOfKeys(subselect)) {
+    RowScope scope(context_, subselect, nullptr);
+    RowSearch(scope, true).ForEachAmong(*firstOfKeys, [&] {
+      add(scope.OutputValue(0));
+      return true;
+    });
+  } else {
+    for (const Value& value : SubselectValues(in, std::numeric_limits<std::size_t>::max())) add(value);
   }
   return context_.valueSets.emplace(&subselect, std::move(set)).first->second;
 }

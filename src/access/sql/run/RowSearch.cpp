@@ -114,6 +114,12 @@ void RowSearch::ForEach(Visit visit) {
   }
 }
 
+void RowSearch::ForEachAmong(const std::vector<RowPointer>& rows, Visit visit) {
+  for (const RowPointer row : rows) {
+    if (!Offer(*plan_.root, row, visit)) return;
+  }
+}
+
 bool RowSearch::Run(const PlanNode& node, Visit visit) {
   switch (node.kind) {
     case PlanNode::Kind::Nested:
@@ -166,7 +172,7 @@ bool RowSearch::Offer(const PlanNode& node, RowPointer pointer, Visit visit) {
   row.present = true;
   row.pointer = pointer;
   if (wantsAny_[node.source]) {
-    row.values = plan_.sources[node.source].table->Read(pointer, wanted_[node.source]);
+    plan_.sources[node.source].table->Read(pointer, wanted_[node.source], row.values);
   }
   return PassOn(node, visit);
 }

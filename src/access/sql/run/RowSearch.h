@@ -47,6 +47,8 @@ class RowSearch {
   /// Puts each combination of rows that satisfies all conditions into the scope and calls `visit`, until it gives
   /// false.
   void ForEach(Visit visit);
+  /// The same with these rows of the one source in the place of all.
+  void ForEachAmong(const std::vector<RowPointer>& rows, Visit visit);
 
  private:
   bool Run(const PlanNode& node, Visit visit);

@@ -13,6 +13,7 @@
 #include "access/sql/expression/Evaluator.h"
 #include "access/sql/expression/Operators.h"
 #include "access/sql/run/Aggregator.h"
+#include "access/sql/run/IndexAnswers.h"
 #include "access/sql/run/PlanRun.h"
 #include "access/sql/run/RowOrder.h"
 #include "access/sql/run/RowSearch.h"
@@ -126,7 +127,10 @@ void AddRow(Group& group, const SelectPlan& plan, const RowScope& scope) {
 /// or not. Memory is that of one row for each group.
 std::vector<Group> CollectGroups(const SelectPlan& plan, RowScope& scope) {
   std::vector<Group> groups;
-  if (plan.groupBy.empty()) groups.push_back(MakeGroup(plan, scope));
+  if (plan.groupBy.empty()) {
+    groups.push_back(MakeGroup(plan, scope));
+    if (AggregateWithoutRows(plan, groups.front().aggregators)) return groups;
+  }
   DistinctRows keys;
   RowSearch(scope, true).ForEach([&] {
     std::size_t number = 0;
@@ -172,7 +176,13 @@ std::vector<RowValues> CollectAlone(StatementContext& context, const SelectPlan&
     CollectGrouped(plan, scope, rows);
   } else {
     DistinctPointers distinct(plan);
-    RowSearch(scope, true).ForEach([&] { return !distinct.Add(scope) || rows.Add(scope); });
+    const auto take = [&] { return !distinct.Add(scope) || rows.Add(scope); };
+    const auto firstOfKeys = plan.select->distinct ? FirstRowsOfKeys(plan) : std::nullopt;
+    if (firstOfKeys) {
+      RowSearch(scope, true).ForEachAmong(*firstOfKeys, take);
+    } else {
+      RowSearch(scope, true).ForEach(take);
+    }
   }
   return rows.Finish();
 }

@@ -160,6 +160,55 @@ TEST_F(AccessPathTest, TopByIndexGivesTheSameRows) {
   }
 }
 
+TEST_F(AccessPathTest, AnswersOfAnIndexAloneAreThoseOfAllRows) {
+  const std::vector<std::string> questions = {"Select Count(*) From T",
+                                              "Select Min(D), Max(D), Count(*) From T",
+                                              "Select Min(E) From T",
+                                              "Select Max(E) From T",
+                                              "Select Min(C), Max(H) From T",
+                                              "Select Min(ID), Max(ID) From T",
+                                              "Select Distinct D From T",
+                                              "Select Distinct E From T",
+                                              "Select Distinct E From T Order By E Desc",
+                                              "Select Distinct C From T",
+                                              "Select ID From T Where E In (Select E From T)",
+                                              "Select X From U Where X In (Select ID From T)",
+                                              "Select X From U Where X Not In (Select ID From T)",
+                                              "Select X From U Where X Not In (Select D From T)"};
+  const auto expectSame = [&] {
+    for (const std::string& question : questions) ExpectSameRows(question);
+  };
+  expectSame();
+  for (const char* change :
+       {"Update T Set E = 0 Where E < 5", "Delete From T Where ID < 20", "Insert into T (E, D) Values (-7.25, 44000)",
+        "Update T Set D = 46000 Where ID = 30", "Update T Set E = -E", "Update T Set D = Null", "Delete From T"}) {
+    file_.Run(change);
+    expectSame();
+  }
+}
+
+TEST_F(AccessPathTest, AColumnThatHoldsOneValueIsNotLookedUpInMemory) {
+  file_.RunAll({"Create Table Evenings (ID Long Constraint PrimaryKey Primary Key, Method Short)",
+                "Create Table Scores (Evening Long, Player Long)", "Create Index Player On Scores (Player)",
+                "Create Index Evening On Scores (Evening)"});
+  for (int evening = 0; evening < 100; ++evening) {
+    file_.Run("Insert into Evenings Values (" + std::to_string(evening) + ", 0)");
+    for (int i = 0; i < 10; ++i) {
+      file_.Run("Insert into Scores Values (" + std::to_string(evening) + ", " +
+                std::to_string((evening * 7 + i) % 50) + ")");
+    }
+  }
+  const auto question = [](int player) {
+    return "Select Evening From Scores Inner Join Evenings On Scores.Evening = Evenings.ID Where Player = " +
+           std::to_string(player) + " And Method = 0";
+  };
+  for (int player = 0; player < 50; ++player) {
+    const std::string plan = file_.Explain(question(player));
+    EXPECT_EQ(plan.find("in memory"), std::string::npos) << player << "\n" << plan;
+    EXPECT_EQ(file_.Rows(question(player)).size(), 20U);
+  }
+}
+
 TEST_F(AccessPathTest, IndexesInMemoryFollowChanges) {
   const std::string text = "Select ID From T Where G = 7";
   for (int i = 0; i < 4; ++i) ExpectSameRows(text);
