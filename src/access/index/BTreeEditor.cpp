@@ -277,8 +277,8 @@ void BTreeEditor::SplitNode(std::size_t depth, const NodeContent& content, std::
   ReplaceChild(depth - 1, branches);
 }
 
-// The node above is read as it is in the file, so the new last entry of this node, which it does not know yet, is put
-// in first: it parts this node from the next one, or (for the tail) goes further up. The neighbour is the one before;
+// The node above is read as it stands, so the new last entry of this node, which it does not know yet, is put in
+// first: it parts this node from the next one, or (for the tail) goes further up. The neighbour is the one before;
 // the first child takes the one behind it.
 void BTreeEditor::JoinSibling(std::size_t depth, const NodeContent& content, std::optional<EntryBytes> last) {
   const PageNumber own = path_[depth];

@@ -115,7 +115,7 @@ void TableRows::Update(RowPointer row, const RowValues& values, const RowValues*
   for (std::size_t i = 0; i < values.size(); ++i) {
     const ColumnDefinition& column = definition_->columns[i];
     // Long values are compared as well, which reads them: a value that did not change keeps its place, and a program
-    // that writes back all fields of a record costs nothing.
+    // that writes back all fields of a record stores none of them anew.
     const bool isSame = IsSameStored(before != nullptr ? (*before)[i] : ReadValue(view, column, row), values[i]);
     if (!isSame) changed.push_back(i);
     if (!column.IsLongValue()) continue;

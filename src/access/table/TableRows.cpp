@@ -94,7 +94,7 @@ RowValues TableRows::Read(RowPointer row, const std::vector<bool>& wanted) const
 void TableRows::Read(RowPointer row, const std::vector<bool>& wanted, RowValues& values) const {
   const FoundRow found = RequireToRead(row);
   const RowView view(found.bytes, Version(), row);
-  // Places of columns that are not wanted stay null, so that the others keep their positions.
+  // Places of columns that are not wanted stay as they are, so that the others keep their positions.
   if (values.size() != definition_->columns.size()) values.assign(definition_->columns.size(), Null{});
   for (std::size_t i = 0; i < values.size() && i < wanted.size(); ++i) {
     if (wanted[i]) values[i] = ReadValue(view, definition_->columns[i], row);
