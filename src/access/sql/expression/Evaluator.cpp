@@ -134,12 +134,21 @@ Truth EvaluateIn(const Expression& expression, const Scope& scope) {
   return NotIf(expression.negated, found);
 }
 
-/// The pattern is taken apart for each row, as it may be another one in each.
+/// The text of a value; `holder` has it where the value is none itself.
+std::string_view TextIn(const Value& value, std::string& holder) {
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  holder = TextOf(value);
+  return holder;
+}
+
 Truth EvaluateLike(const Expression& expression, const Scope& scope) {
   const Operand tested(*expression.arguments[0], scope);
   const Operand pattern(*expression.arguments[1], scope);
   if (IsNull(tested.Get()) || IsNull(pattern.Get())) return Truth::Unknown;
-  const bool matches = LikePattern(TextOf(pattern.Get())).Matches(TextOf(tested.Get()));
+  std::string patternHolder;
+  std::string testedHolder;
+  const LikePattern& taken = scope.PatternOf(expression, TextIn(pattern.Get(), patternHolder));
+  const bool matches = taken.Matches(TextIn(tested.Get(), testedHolder));
   return FromBool(matches != expression.negated);
 }
 
@@ -233,6 +242,12 @@ Value EvaluateCall(const Expression& expression, const Scope& scope) {
 
 const Value* Scope::ColumnReference(const Expression& /*column*/) const {
   return nullptr;
+}
+
+const LikePattern& Scope::PatternOf(const Expression& like, std::string_view text) const {
+  const auto found = patterns_.find(&like);
+  if (found != patterns_.end() && found->second.text == text) return found->second.pattern;
+  return patterns_.insert_or_assign(&like, KeptPattern{std::string(text), LikePattern(text)}).first->second.pattern;
 }
 
 std::optional<Truth> Scope::IsAmong(const Expression& /*in*/, const Value& /*tested*/) const {

@@ -1,9 +1,13 @@
 #pragma once
 
+#include <map>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "access/sql/expression/Coercion.h"
+#include "access/sql/expression/Operators.h"
 #include "access/sql/parse/Expression.h"
 #include "platform/values/Date.h"
 
@@ -26,6 +30,16 @@ class Scope {
   [[nodiscard]] virtual std::vector<Value> SubselectValues(const Expression& expression, std::size_t limit) const = 0;
   /// Local date and time, for Now(), Date(), Time().
   [[nodiscard]] virtual Date Now() const = 0;
+
+  /// The pattern of a Like, taken apart; kept for the next row, which mostly has the same one.
+  [[nodiscard]] const LikePattern& PatternOf(const Expression& like, std::string_view text) const;
+
+ private:
+  struct KeptPattern {
+    std::string text;
+    LikePattern pattern;
+  };
+  mutable std::map<const Expression*, KeptPattern> patterns_;
 };
 
 /// The value of an expression, by Access's rules: Null in, Null out (three-valued And, Or, Not); text compared by the

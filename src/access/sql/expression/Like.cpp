@@ -78,6 +78,12 @@ bool LikePattern::Accepts(const Piece& piece, char32_t character) {
 
 bool LikePattern::Matches(std::string_view text) const {
   const auto isRun = [](const Piece& piece) { return piece.kind == Piece::Kind::AnyRun; };
+  // Plain letters are characters as they stand; most texts have no others.
+  if (std::all_of(text.begin(), text.end(), [](char byte) { return static_cast<unsigned char>(byte) < 0x80; })) {
+    return FitsPattern(text, pieces_, isRun, [](const Piece& piece, char character) {
+      return Accepts(piece, static_cast<char32_t>(character));
+    });
+  }
   return FitsPattern(ToCodePoints(text), pieces_, isRun, Accepts);
 }
 
