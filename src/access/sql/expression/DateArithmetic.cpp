@@ -9,6 +9,7 @@
 #include "access/sql/expression/DateArithmetic.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 
 #include "access/sql/expression/Coercion.h"
@@ -100,10 +101,13 @@ std::int64_t WeekNumber(std::int64_t day, int firstDay) {
   return FloorDivide(day - WeekdayFrom(day, firstDay) + 1, kDaysOfWeek);
 }
 
-/// The day on which week 1 of a year begins.
-/// May lie in the old year, when the week with 1 January begins there.
-std::int64_t StartOfFirstWeek(int year, int firstDay, FirstWeek firstWeek) {
-  const std::int64_t january = DayNumberOf(year, 1, 1);
+int DaysInYear(int year) {
+  return std::chrono::year{year}.is_leap() ? 366 : 365;
+}
+
+/// The day on which week 1 of a year begins, by the day of its 1 January. May lie in the old year, when the week with 1
+/// January begins there.
+std::int64_t StartOfFirstWeek(std::int64_t january, int firstDay, FirstWeek firstWeek) {
   const int before = WeekdayFrom(january, firstDay) - 1;  // days of that week in the old year
   const std::int64_t start = january - before;
   if (firstWeek == FirstWeek::WithFirstOfJanuary) return start;
@@ -117,12 +121,15 @@ std::int64_t StartOfFirstWeek(int year, int firstDay, FirstWeek firstWeek) {
 /// first week of the new year, but not where weeks begin anew with 1 January. With weeks from Sunday, 1 January 2027, a
 /// Friday, is in week 1 by that rule, as that week began on 27 December; by the others, whose week 1 begins on 3
 /// January, it is in week 52 of 2026.
+///
+/// The years beside this one are counted in days, as those beside the first and the last of the calendar have no dates.
 std::int32_t WeekOfYear(std::int64_t day, int year, int firstDay, FirstWeek firstWeek) {
-  std::int64_t start = StartOfFirstWeek(year, firstDay, firstWeek);
+  const std::int64_t january = DayNumberOf(year, 1, 1);
+  std::int64_t start = StartOfFirstWeek(january, firstDay, firstWeek);
   if (day < start) {
-    start = StartOfFirstWeek(year - 1, firstDay, firstWeek);
+    start = StartOfFirstWeek(january - DaysInYear(year - 1), firstDay, firstWeek);
   } else if (firstWeek != FirstWeek::WithFirstOfJanuary) {
-    const std::int64_t next = StartOfFirstWeek(year + 1, firstDay, firstWeek);
+    const std::int64_t next = StartOfFirstWeek(january + DaysInYear(year), firstDay, firstWeek);
     if (day >= next) start = next;
   }
   return static_cast<std::int32_t>((day - start) / kDaysOfWeek) + 1;
