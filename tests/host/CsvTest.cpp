@@ -47,6 +47,16 @@ TEST(Csv, TakesTheSeparatorThatALineBeforeTheHeaderNames) {
   EXPECT_THAT(CsvRefusal("sep=;\n"), HasSubstr("the file is empty"));
 }
 
+TEST(Csv, TellsTheHeadersLineBehindALineThatNamesTheSeparator) {
+  const CsvFile file = CsvFile::Parse("sep=;\r\na;b\r\n1;2\r\n", "list.csv");
+  try {
+    file.RefuseHeader("no");
+    ADD_FAILURE() << "nothing was raised";
+  } catch (const Error& error) {
+    EXPECT_THAT(error.Description(), HasSubstr("list.csv:2: no"));
+  }
+}
+
 TEST(Csv, PassesOverRowsThatHaveNoContents) {
   const CsvFile file = CsvFile::Parse("a,b\n\n,\n ,\"\"\n,,\n1,2\n", "list.csv");
   ASSERT_EQ(file.Rows().size(), 1U);

@@ -42,6 +42,11 @@ TEST(TsvText, AmountsHaveNoTrailingZeros) {
   EXPECT_EQ(TsvText(Decimal{true, 0, 1110554, 3}), "-1110.554");
 }
 
+TEST(TsvText, DatesThatAreNoNumbersAreShownAsSuch) {
+  EXPECT_EQ(TsvText(Date{std::numeric_limits<double>::quiet_NaN()}), "nan");
+  EXPECT_EQ(TsvText(Date{-std::numeric_limits<double>::infinity()}), "-inf");
+}
+
 TEST(TsvText, DatesHaveTheirTimeOfDayEvenBefore1899) {
   EXPECT_EQ(TsvText(Date{44532.0}), "2021-12-02T00:00:00");
   EXPECT_EQ(TsvText(Date{-1.25}), "1899-12-29T06:00:00");

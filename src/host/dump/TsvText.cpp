@@ -51,6 +51,8 @@ std::string FloatText(Float number) {
 /// its day.) The whole part of a negative date counts backwards, but its fraction forwards, so that the next day is one
 /// more in either case.
 std::string DateText(Date date) {
+  // A damaged file may hold what is no number; it has no day.
+  if (!std::isfinite(date.days)) return FloatText(date.days);
   const double day = std::trunc(date.days);
   const double seconds = std::floor((std::abs(date.days) - std::abs(day)) * kSecondsOfDay + 0.5);
   Date shown{day};

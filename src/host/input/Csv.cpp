@@ -151,6 +151,7 @@ CsvFile CsvFile::Parse(std::string_view bytes, const std::string& fileName) {
 
 void CsvFile::SetHeader(const Row& header) {
   header_ = header.fields;
+  headerLine_ = header.line;
   for (std::size_t i = 0; i < header.fields.size(); ++i) {
     // Names without regard to case. Columns without a name may repeat: they are asked for by nobody.
     if (!header.fields[i].empty() && !columns_.emplace(LowerCase(header.fields[i]), i).second) {
@@ -176,7 +177,7 @@ std::vector<std::string> CsvFile::ColumnNames() const {
 }
 
 void CsvFile::RefuseHeader(const std::string& reason) const {
-  RefuseLine(fileName_, 1, reason);
+  RefuseLine(fileName_, headerLine_, reason);
 }
 
 void CsvFile::Refuse(const Row& row, const std::string& reason) const {

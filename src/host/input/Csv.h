@@ -44,6 +44,7 @@ class CsvFile {
 
   std::string fileName_;
   std::vector<std::string> header_;
+  std::size_t headerLine_ = 1;  // a line that names the separator may stand before it
   std::map<std::string, std::size_t> columns_;
   std::vector<Row> rows_;
 };

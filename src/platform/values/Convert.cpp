@@ -58,7 +58,9 @@ std::optional<std::int64_t> RoundedText(std::string_view text) {
   const std::string_view fraction = point == std::string_view::npos ? std::string_view() : text.substr(point + 1);
   // The comparison is one of texts: "49" < "5" < "51", digit by digit as fractions compare.
   // No trailing zeros are written, so that a fraction of just "5" is exactly one half.
-  if (fraction > "5" || (fraction == "5" && whole % 2 != 0)) ++whole;
+  const bool isRoundedUp = fraction > "5" || (fraction == "5" && whole % 2 != 0);
+  if (isRoundedUp && whole == std::numeric_limits<std::int64_t>::max()) return std::nullopt;
+  if (isRoundedUp) ++whole;
   return negative ? -whole : whole;
 }
 

@@ -42,6 +42,7 @@ std::string NumberText(double number) {
 
 std::string ExactNumberText(double number) {
   std::string text = NumberText(number);
+  if (!std::isfinite(number)) return text;
   // 17 digits always read back the same, so that the loop ends with a text that does.
   for (int digits = kSignificantDigits + 1; digits <= kMostDigits && ParseNumber(text) != number; ++digits) {
     text = TextOf(number, digits);

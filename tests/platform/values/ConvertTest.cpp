@@ -52,6 +52,7 @@ TEST(NumberText, WritesExponentsOnlyForVeryLargeAndVerySmallNumbers) {
 }
 
 TEST(ExactNumberText, HasTheDigitsThatItTakesToReadTheSameNumberBack) {
+  EXPECT_EQ(ExactNumberText(std::numeric_limits<double>::infinity()), "Infinity");
   EXPECT_EQ(ExactNumberText(50.0), "50");
   EXPECT_EQ(ExactNumberText(0.9), "0.9");
   EXPECT_EQ(ExactNumberText(100000.0), "100000");
@@ -145,6 +146,8 @@ TEST(ToInt32, RoundsDecimalsExactly) {
   EXPECT_EQ(ToInt32(Decimal{true, 0, 35, 1}), -4);
   EXPECT_EQ(ToInt32(Decimal{false, 0, 2500000000000000001U, 18}), 3);
   EXPECT_EQ(Raised([] { return ToInt32(Decimal{false, 1, 0, 0}); }), kOverflow);
+  // 2^63 - 0.1, which rounds to more than 64 bits hold.
+  EXPECT_EQ(Raised([] { return ToInt32(Decimal{false, 4, 0xFFFFFFFFFFFFFFFFU, 1}); }), kOverflow);
 }
 
 TEST(ToInt32, RaisesOverflowAndNeverWraps) {
