@@ -2,7 +2,9 @@
 // Rows that tie with the last wanted one can all be given, as TOP has it.
 //
 // TOP n does not need all rows in memory. When 2 n + 1000 have gathered, those that come after the n-th are dropped;
-// what is left are n rows and those that tie with the n-th. A percentage is only known when all rows have come.
+// what is left are n rows and those that tie with the n-th. As these may be most of a table, the next time is when
+// twice as many have gathered, so that a row is looked at a few times only, however many tie. A percentage is only
+// known when all rows have come.
 #include "access/sql/run/RowOrder.h"
 
 #include <algorithm>
@@ -28,6 +30,8 @@ RowOrder::RowOrder(const StatementContext& context, const SelectPlan& plan, bool
   if (plan.select == nullptr || !plan.select->top) return;
   topPercent_ = plan.select->topPercent;
   top_ = static_cast<std::size_t>(std::max<std::int64_t>(0, *plan.select->top));
+  // In 64 bits: TOP takes numbers of which the double does not fit into 32.
+  pruneAbove_ = 2 * std::uint64_t{*top_} + kSpareRows;
 }
 
 int RowOrder::Compare(const Row& left, const Row& right) const {
@@ -56,7 +60,7 @@ bool RowOrder::Add(std::vector<Value> keys) {
   rows_.push_back(std::move(row));
   // Without keys any n rows will do, so the n-th is the last that is taken.
   if (limited && !HasKeys()) return rows_.size() < *top_;
-  if (limited && !rowsComeInOrder_ && rows_.size() > 2 * *top_ + kSpareRows) Prune(*top_);
+  if (limited && !rowsComeInOrder_ && rows_.size() > pruneAbove_) Prune(*top_);
   return true;
 }
 
@@ -74,6 +78,7 @@ void RowOrder::Prune(std::size_t keep) {
   std::nth_element(rows_.begin(), last, rows_.end(), before);
   const Row limit = *last;
   std::erase_if(rows_, [&](const Row& row) { return Compare(row, limit) > 0; });
+  pruneAbove_ = 2 * std::uint64_t{rows_.size()} + kSpareRows;
 }
 
 std::vector<std::size_t> RowOrder::Finish() {

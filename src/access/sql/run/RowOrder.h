@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -58,6 +59,7 @@ class RowOrder {
   bool rowsComeInOrder_;
   bool topPercent_ = false;
   std::optional<std::size_t> top_;
+  std::uint64_t pruneAbove_ = 0;  ///< so many rows are kept before what is not wanted is dropped
   bool refused_ = false;
   std::size_t count_ = 0;
   std::vector<Row> rows_;

@@ -35,6 +35,13 @@ TEST_F(SelectTest, TopKeepsTheTiesOfTheLastRow) {
             (Texts{"Monday", "Monday", "Teams"}));
 }
 
+TEST_F(SelectTest, TopOfManyRowsKeepsTheTiesOfTheLast) {
+  const std::string all = " From Members As A, Members As B, Members As C, Members As D, Members As E Order By ";
+  EXPECT_EQ(Rows("Select Top 1 A.MembershipNumber" + all + "-A.MembershipNumber").size(), 625U);
+  EXPECT_EQ(Rows("Select Top 2 E.MembershipNumber" + all + "-E.MembershipNumber - D.MembershipNumber").size(), 125U);
+  EXPECT_EQ(Rows("Select Top 2147483647 A.MembershipNumber" + all + "-B.MembershipNumber").size(), 3125U);
+}
+
 TEST_F(SelectTest, TopWithoutOrderGivesExactlyThatMany) {
   EXPECT_EQ(Rows("Select Top 2 MembershipNumber From Members"), (Texts{"1", "2"}));
   EXPECT_EQ(Rows("Select Top 0 MembershipNumber From Members"), (Texts{}));
