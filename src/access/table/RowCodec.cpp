@@ -12,7 +12,7 @@
 // A row is always written as the definition is at that moment: with a place for every fixed column, an offset for every
 // variable one that the table ever had, and a bit for every number given out. So a dropped column still costs a row its
 // fixed place, or two bytes of offset, and all rows of one age have their values in the same places. A row that changes
-// is laid out anew, whatever its age.
+// is laid out anew, whatever its age, but for one in which numbers take the place of numbers.
 
 namespace tavi::access {
 
