@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
-#include <cstring>
 
 #include "access/file/Bytes.h"
 
@@ -21,27 +19,7 @@ namespace {
 
 constexpr std::size_t kWordSize = sizeof(std::uint64_t);
 
-/// The 453 bytes of the mask are not a multiple of 8: the last word has 5 of them.
-std::size_t WordBytes(std::size_t word) {
-  return std::min(kWordSize, format::index::kMaskSize - word * kWordSize);
-}
-
 }  // namespace
-
-// Called several times for each step of a search in a page, hence one load where the machine's byte order is that of
-// the page.
-std::uint64_t LoadMaskWord(const Page& page, std::size_t word) {
-  const auto bytes = page.Slice(format::index::kMaskOffset + word * kWordSize, WordBytes(word));
-  std::uint64_t bits = 0;
-  if constexpr (std::endian::native == std::endian::little) {
-    if (bytes.size() == kWordSize) {
-      std::memcpy(&bits, bytes.data(), kWordSize);
-      return bits;
-    }
-  }
-  for (std::size_t i = 0; i < bytes.size(); ++i) bits |= std::uint64_t{bytes[i]} << (8U * i);
-  return bits;
-}
 
 EntryMask::EntryMask(const Page& page) {
   for (std::size_t word = 0; word < kMaskWords; ++word) words_[word] = LoadMaskWord(page, word);

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 #include "access/file/Format.h"
@@ -15,8 +18,23 @@ namespace tavi::access {
 inline constexpr std::size_t kBitsPerWord = 64;
 inline constexpr std::size_t kMaskWords = (format::index::kMaskSize * 8 + kBitsPerWord - 1) / kBitsPerWord;
 
-/// One word of the mask of a page.
-[[nodiscard]] std::uint64_t LoadMaskWord(const Page& page, std::size_t word);
+/// One word of the mask of a page. Inline, and one load where the machine's byte order is that of the page, as it is
+/// called several times for each step of a search in a page.
+[[nodiscard]] inline std::uint64_t LoadMaskWord(const Page& page, std::size_t word) {
+  constexpr std::size_t kWordSize = sizeof(std::uint64_t);
+  // The 453 bytes of the mask are not a multiple of 8: the last word has 5 of them.
+  const std::size_t size = std::min(kWordSize, format::index::kMaskSize - word * kWordSize);
+  const auto bytes = page.Slice(format::index::kMaskOffset + word * kWordSize, size);
+  std::uint64_t bits = 0;
+  if constexpr (std::endian::native == std::endian::little) {
+    if (size == kWordSize) {
+      std::memcpy(&bits, bytes.data(), kWordSize);
+      return bits;
+    }
+  }
+  for (std::size_t i = 0; i < size; ++i) bits |= std::uint64_t{bytes[i]} << (8U * i);
+  return bits;
+}
 
 /// The whole mask of an index page, taken out to be changed. Bit numbers are those of the page, up to 8 x mask bytes.
 class EntryMask {
