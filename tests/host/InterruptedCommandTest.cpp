@@ -32,12 +32,7 @@ using Arguments = std::vector<std::string>;
 using Contents = std::map<std::string, std::string>;
 
 /// How often a whole command is interrupted at least; all places are taken when there are fewer.
-constexpr std::size_t kInterruptions = 10;
-#ifdef __SANITIZE_ADDRESS__
-constexpr std::size_t kInterruptionsOfALongRun = 12;
-#else
-constexpr std::size_t kInterruptionsOfALongRun = 24;
-#endif
+constexpr std::size_t kInterruptions = 24;
 constexpr std::size_t kLastCalls = 8;
 
 class InterruptedCommand : public ::testing::Test {
@@ -63,8 +58,7 @@ class InterruptedCommand : public ::testing::Test {
     ASSERT_EQ(whole.code, 0) << whole.told;
     const std::size_t calls = std::stoul(whole.said);
     const Contents expected = Read();
-    const std::size_t step =
-        std::max<std::size_t>(1, calls / access::test::Lengthened(kInterruptions, kInterruptionsOfALongRun));
+    const std::size_t step = std::max<std::size_t>(1, calls / access::test::Lengthened(kInterruptions));
     // At the end a command is done but for its traces: none of the last calls is passed over.
     const auto after = [&](std::size_t call) {
       const std::size_t last = calls - std::min(calls, kLastCalls);

@@ -34,8 +34,4 @@ std::size_t Lengthened(std::size_t usual) {
   return usual / kShare * Length();
 }
 
-std::size_t Lengthened(std::size_t usual, std::size_t least) {
-  return Length() < 2 ? Lengthened(usual) : std::max(Lengthened(usual), least);
-}
-
 }  // namespace tavi::access::test

@@ -11,8 +11,5 @@ namespace tavi::access::test {
 /// How much such a test does: the usual amount (under the sanitizers a quarter of it) times the environment variable
 /// TAVI_LENGTH, a whole number from 1.
 [[nodiscard]] std::size_t Lengthened(std::size_t usual);
-/// The same, but from a TAVI_LENGTH of 2 on (./test all) not less than `least`, under the sanitizers too: for tests
-/// whose usual amount is small so that an ordinary run is quick.
-[[nodiscard]] std::size_t Lengthened(std::size_t usual, std::size_t least);
 
 }  // namespace tavi::access::test
