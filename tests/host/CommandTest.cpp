@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <sstream>
 
+#include "host/CommandLine.h"
 #include "host/json/Json.h"
 #include "host/support/Command.h"
 #include "platform/Matchers.h"
@@ -71,7 +73,11 @@ TEST_F(Command, HelpSucceedsAndWrongUseGivesTwo) {
   EXPECT_EQ(folder_.Run({}).code, 2);
   EXPECT_EQ(folder_.Run({"frobnicate"}).code, 2);
   EXPECT_EQ(folder_.Run({"score"}).code, 2);
-  EXPECT_EQ(folder_.Run({"members", "--today", "yesterday"}).code, 2);
+  std::istringstream in;
+  std::ostringstream out;
+  std::ostringstream error;
+  EXPECT_EQ(RunCommandLine({"--db", folder_.Club(), "--today", "yesterday", "members"}, Terminal{in, out, error}), 2);
+  EXPECT_THAT(error.str(), HasSubstr("\"yesterday\" is no date; expected yyyy-mm-dd"));
 }
 
 TEST_F(Command, NewMakesAnEmptyClubAndRefusesToReplaceOne) {
@@ -244,6 +250,18 @@ TEST_F(Command, ARetiredMemberIsRecognisedByNumberOnly) {
   EXPECT_THAT(folder_.Query("Select Player, Partner From Results Order By Partner"), ElementsAre("11\t7", "8\t9"));
 }
 
+TEST_F(Command, AMemberWhoseNumberNobodyHasIsRecognisedByTheNameWhichIsSaid) {
+  MakeClub();
+  const std::string pairs = PairXml("1", "60", PlayerXml("Ann Lee", "999999") + PlayerXml("Bob Ray"));
+  const Outcome scored = folder_.Run({"score", folder_.Write("week.xml", Evening(pairs))});
+  ASSERT_EQ(scored.code, 0) << scored.error;
+  const std::string remark = "no member has the national number 999999; taken for the member of that name";
+  EXPECT_THAT(scored.error, HasSubstr("Ann Lee: " + remark));
+  EXPECT_EQ(scored.error.find("taken for"), scored.error.rfind("taken for"))
+      << "who gives no number has none that is unknown";
+  EXPECT_THAT(folder_.Query("Select Player, Partner From Results"), ElementsAre("7\t8"));
+}
+
 TEST_F(Command, ScoringTheSameFileTwiceChangesNothing) {
   MakeClub();
   const std::string file = folder_.Write("week.xml", Evening(kTwoPairs));
@@ -368,7 +386,9 @@ TEST_F(Command, AVisitorMayBearTheNameOfAMemberWhoPlaysToo) {
 
 TEST_F(Command, FindGivesTheMemberOrThoseWhoSoundAlike) {
   MakeClub();
-  EXPECT_THAT(folder_.Run({"find", "Ann Lee"}).out, HasSubstr("7\tAnn Lee\t990101\t50.00\t444\tsame name"));
+  const Outcome found = folder_.Run({"find", "Ann Lee"});
+  EXPECT_THAT(found.out, HasSubstr("7\tAnn Lee\t990101\t50.00\t444\tsame name"));
+  EXPECT_EQ(found.code, 0) << found.error;
   EXPECT_THAT(folder_.Run({"find", "Anne", "Lea"}).out,
               HasSubstr("7\tAnn Lee\t990101\t50.00\t334\tsurname sounds alike, first name sounds alike"));
   EXPECT_EQ(folder_.Run({"find", "Nobody Whatsoever"}).code, 1);

@@ -12,6 +12,8 @@ TEST(NearestName, IsTheOneWithTheFewestSlips) {
   EXPECT_EQ(NearestName("E-Mail", kNames), "email");
   EXPECT_EQ(NearestName("firstname", kNames), "first");
   EXPECT_EQ(NearestName("clubnumber", kNames), "club_number");
+  EXPECT_EQ(NearestName("se", {"sexes"}), "");
+  EXPECT_EQ(NearestName("na", {"name"}), "name") << "a short beginning";
 }
 
 TEST(NearestName, IsEmptyWhereNoneIsNear) {

@@ -152,7 +152,10 @@ TEST_F(SqlCommand, CommandsListTablesAndColumns) {
   const Outcome tables = folder_.Run({"sql"}, ".tables\n");
   EXPECT_NE(tables.out.find("\nMembers\n"), std::string::npos) << tables.out;
   EXPECT_EQ(tables.out.find("MSys"), std::string::npos);
-  EXPECT_EQ(folder_.Run({"sql"}, ".columns T\n").out, "Column\tType\nID\tLong\nName\tText\n");
+  for (const char* written : {"T", "[T]", "t;", "[T] ;"}) {
+    EXPECT_EQ(folder_.Run({"sql"}, ".columns " + std::string(written) + "\n").out,
+              "Column\tType\nID\tLong\nName\tText\n");
+  }
   EXPECT_EQ(folder_.Run({"sql"}, ".explain on\nDelete From T;\n.explain off\nSelect ID From T;").out,
             "Plan\nT: scan\nID\n1\n");
   EXPECT_NE(folder_.Run({"sql"}, ".help").out.find(".quit"), std::string::npos);

@@ -52,6 +52,7 @@ TEST(UsebioReader, ReadsNameDateAndResultsOfAPairsEvent) {
   EXPECT_DOUBLE_EQ(*events[0].contestants[0].actualPercentage, 55.5);
   EXPECT_EQ(events[0].contestants[0].players[1].name, "Bob Ray");
   EXPECT_TRUE(events[0].HasPercentages());
+  EXPECT_EQ(events[0].remarks, std::vector<std::string>());
 }
 
 TEST(UsebioReader, TakesTheEqualsSignOffAPlaceAndKeepsThatItWasATie) {
@@ -73,6 +74,16 @@ TEST(UsebioReader, CountsMasterPointsInHundredths) {
   ASSERT_EQ(contestant.awards.size(), 1U);
   EXPECT_DOUBLE_EQ(contestant.awards[0].points, 0.24);
   EXPECT_EQ(contestant.awards[0].colour, ColourCode("GREEN"));
+}
+
+TEST(UsebioReader, RefusesMasterPointsThatAreNoWholeNumber) {
+  for (const char* written : {"0.24", "-24", "many", "24000000000"}) {
+    const std::string award = "<PERCENTAGE>50</PERCENTAGE><MASTER_POINTS><MASTER_POINTS_AWARDED>" +
+                              std::string(written) + "</MASTER_POINTS_AWARDED></MASTER_POINTS>";
+    EXPECT_THAT(
+        UsebioRefusal(File(Participants(PairElement("1", award, PlayerElement("Ann Lee") + PlayerElement("Bob Ray"))))),
+        HasSubstr("MASTER_POINTS_AWARDED is \"" + std::string(written) + "\"; expected a whole number"));
+  }
 }
 
 TEST(UsebioReader, DropsLeadingZerosAndFigureNumbersThatMeanNone) {
@@ -163,6 +174,21 @@ TEST(UsebioReader, RefusesBytesThatAreNotInTheDeclaredEncoding) {
   const std::string text =
       "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n" + File(Participants(kFirst + "<!-- \xEB -->"));
   EXPECT_THAT(UsebioRefusal(text), HasSubstr("says that it is UTF-8"));
+}
+
+TEST(UsebioReader, TakesTheFirstAndLastCharactersOfEachLengthAndRefusesWhatIsNone) {
+  const std::string declaration = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n";
+  for (const char* character : {"\xC2\xA0", "\xDF\xBF", "\xE0\xA0\x80", "\xED\x9F\xBF", "\xEE\x80\x80",
+                                "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBF"}) {
+    const std::string text = declaration + File(Participants(kFirst + "<!-- " + character + " -->"));
+    EXPECT_EQ(ReadUsebio(text, "week.xml").size(), 1U);
+  }
+  // Longer than need be, halves of a pair of UTF-16, beyond the last character, cut off.
+  for (const char* bytes : {"\xC0\xAF", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xED\xBF\xBF", "\xF0\x8F\xBF\xBF",
+                            "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xE2\x82", "\x80"}) {
+    const std::string text = declaration + File(Participants(kFirst + "<!-- " + bytes + " -->"));
+    EXPECT_THAT(UsebioRefusal(text), HasSubstr("says that it is UTF-8"));
+  }
 }
 
 TEST(UsebioReader, SaysWhichEncodingIsClaimedAndWhatTheBytesAreInstead) {

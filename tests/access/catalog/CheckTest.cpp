@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 
 #include "access/catalog/Compact.h"
 #include "access/catalog/support/TestFile.h"
@@ -40,6 +41,17 @@ class CheckTest : public testing::Test {
     std::string all;
     for (const std::string& finding : CheckDatabase(file_.Get(), CheckKind::Strict)) all += finding + "\n";
     return all;
+  }
+  /// Results, whose players are members.
+  void RelateResults() {
+    file_.Write([](Database& database) {
+      TableDesign design;
+      design.name = "Results";
+      design.columns = {MakeColumn("Player", ColumnType::Long)};
+      database.CreateTable(design, kNow);
+      Relationship relationship{"MembersResults", "Members", {"ID"}, "Results", {"Player"}, true, false, false};
+      database.CreateRelationship(relationship, kNow);
+    });
   }
   Page& WriteRowPage(Database& database) { return database.GetPager().Write(place_.page); }
   std::size_t RowOffset(Database& database) {
@@ -244,14 +256,7 @@ TEST_F(CheckTest, RemarksOnPagesThatAreOfferedToAColumnThatDoesNotOwnThem) {
 }
 
 TEST_F(CheckTest, FindsAMissingRelatedRow) {
-  file_.Write([](Database& database) {
-    TableDesign design;
-    design.name = "Results";
-    design.columns = {MakeColumn("Player", ColumnType::Long)};
-    database.CreateTable(design, kNow);
-    Relationship relationship{"MembersResults", "Members", {"ID"}, "Results", {"Player"}, true, false, false};
-    database.CreateRelationship(relationship, kNow);
-  });
+  RelateResults();
   const std::string findings = Findings([](Database& database) {
     const auto table = database.OpenTable("Results");
     TableRows rows(database.GetPager(), table->Definition());
@@ -259,6 +264,30 @@ TEST_F(CheckTest, FindsAMissingRelatedRow) {
     table->Tree(0).Insert({table->Encoder(0).RowKey({4711}), row});
   });
   EXPECT_FINDING(findings, "has no row in table 'Members'");
+}
+
+TEST_F(CheckTest, FindsSidesOfARelationshipThatDoNotFit) {
+  RelateResults();
+  using Side = LogicalIndexDefinition::Side;
+  const std::vector<std::function<void(LogicalIndexDefinition&)>> changes = {
+      [](LogicalIndexDefinition& side) { side.cascadeUpdates = 1; },
+      [](LogicalIndexDefinition& side) { side.cascadeDeletes = 1; },
+      [](LogicalIndexDefinition& side) { side.side = Side::Primary; },
+      [](LogicalIndexDefinition& side) { ++side.partnerNumber; },
+  };
+  for (const auto& change : changes) {
+    TableDefinition sound;
+    const std::string findings = Findings([&](Database& database) {
+      sound = database.OpenTable("Results")->Definition();
+      TableDefinition hurt = sound;
+      for (LogicalIndexDefinition& side : hurt.logicalIndexes)
+        if (side.side == Side::Foreign) change(side);
+      WriteTableDefinition(database.GetPager(), hurt, true);
+    });
+    EXPECT_FINDING(findings, "is not the same on its other side, table 'Members'");
+    file_.Write([&](Database& database) { WriteTableDefinition(database.GetPager(), sound, true); });
+    file_.Reopen();
+  }
 }
 
 TEST(CheckOfDamage, SurvivesEveryByteOfTheDefinitionBeingWrong) {

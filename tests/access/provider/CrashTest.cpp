@@ -4,10 +4,8 @@
 #include <gtest/gtest.h>
 #include <fstream>
 #include <map>
-#include <span>
 
 #include "access/catalog/Check.h"
-#include "access/file/Bytes.h"
 #include "access/file/Pager.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/StoppingFileSystem.h"
@@ -24,16 +22,6 @@ constexpr std::uint64_t kCheckpointBytes = std::uint64_t{120} << 10U;
 
 std::unique_ptr<Database> OpenFile(const std::shared_ptr<FileSystem>& fileSystem) {
   return std::make_unique<Database>(Pager::Open(fileSystem, kEveningPath, {}));
-}
-
-/// A checksum of all files.
-std::uint64_t BytesOf(const MemoryFileSystem& files) {
-  std::uint64_t sum = 0;
-  for (const std::string& path : files.Paths()) {
-    sum = Checksum(sum, std::span(reinterpret_cast<const std::uint8_t*>(path.data()), path.size()));
-    sum = Checksum(sum, files.Contents(path));
-  }
-  return sum;
 }
 
 /// What may be found at a point of the evening.
@@ -111,7 +99,7 @@ class CrashTest : public testing::TestWithParam<bool> {
 
   // The digest of what is recovered, which has no faults. The same bytes are recovered and checked once.
   std::uint64_t DigestAfterCheck(const std::shared_ptr<MemoryFileSystem>& found) {
-    const std::uint64_t bytes = BytesOf(*found);
+    const std::uint64_t bytes = found->Sum();
     const auto known = checked_.find(bytes);
     if (known != checked_.end()) return known->second;
     const auto database = OpenFile(found);

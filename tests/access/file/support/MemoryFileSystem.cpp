@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <random>
+#include <span>
 #include <utility>
 
+#include "access/file/Bytes.h"
 #include "access/file/EngineError.h"
 
 namespace tavi::access::test {
@@ -261,6 +263,15 @@ void MemoryFileSystem::FailNextFlush(const std::string& path, std::uint32_t seed
 MemoryFileSystem::Bytes MemoryFileSystem::Contents(const std::string& path) const {
   const auto node = Find(path);
   return node ? node->bytes.ToVector() : Bytes{};
+}
+
+std::uint64_t MemoryFileSystem::Sum() const {
+  std::uint64_t sum = 0;
+  for (const auto& [path, node] : names_) {
+    sum = Checksum(sum, std::span(reinterpret_cast<const std::uint8_t*>(path.data()), path.size()));
+    sum = Checksum(sum ^ node->bytes.Sum(), {});
+  }
+  return sum;
 }
 
 void MemoryFileSystem::SetContents(const std::string& path, const Bytes& bytes) {

@@ -47,6 +47,8 @@ class MemoryFileSystem final : public FileSystem {
 
   /// The content of a file.
   [[nodiscard]] Bytes Contents(const std::string& path) const;
+  /// A checksum of the files' paths and contents, quick among file systems that one another's crashes have left.
+  [[nodiscard]] std::uint64_t Sum() const;
   /// The time of a file's last change, in nanoseconds; set as by a program that copies it with its times.
   [[nodiscard]] std::int64_t Stamp(const std::string& path) const;
   void SetStamp(const std::string& path, std::int64_t stamp);

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -22,13 +23,20 @@ class SharedBytes {
   /// Grows when the stretch goes past the end.
   void Write(std::uint64_t offset, std::span<const std::uint8_t> source);
   [[nodiscard]] std::vector<std::uint8_t> ToVector() const;
+  /// A checksum of all bytes, quick where copies of them were summed before. Copies that share bytes are summed by one
+  /// thread.
+  [[nodiscard]] std::uint64_t Sum() const;
 
  private:
   static constexpr std::size_t kChunkSize = 4096;
-  using Chunk = std::array<std::uint8_t, kChunkSize>;
+  using ChunkBytes = std::array<std::uint8_t, kChunkSize>;
+  struct Chunk {
+    ChunkBytes bytes{};
+    std::optional<std::uint64_t> sum;  // of the bytes, where it was asked for
+  };
 
-  /// A chunk that no copy shares.
-  [[nodiscard]] Chunk& Own(std::size_t index);
+  /// The bytes of a chunk that no copy shares, to be changed.
+  [[nodiscard]] ChunkBytes& Own(std::size_t index);
 
   std::uint64_t size_ = 0;
   std::vector<std::shared_ptr<Chunk>> chunks_;  // null: all zero; past the size all bytes are zero

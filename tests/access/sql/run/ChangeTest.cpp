@@ -118,6 +118,8 @@ TEST_F(ChangeTest, ATableIsMadeOfASelect) {
             4);
   EXPECT_EQ(Rows("Select * From Copies").front(), "1|John Smith|50|null");
   EXPECT_EQ(NumberOf(file_.Refused("Select * Into Copies From Members")), 0x80004005U);
+  EXPECT_EQ(file_.Run("Select * Into Names From (Select FirstName From Members Where Active <> 0) As Active"), 4);
+  EXPECT_EQ(Rows("Select * From Names").front(), "John");
   file_.ExpectSound();
 }
 

@@ -70,6 +70,15 @@ TEST(Definition, AColumnTakesAnotherTypeWithItsValues) {
   file.ExpectSound();
 }
 
+TEST(Definition, AColumnOfATableWithoutRowsBecomesACounter) {
+  SqlFile file;
+  file.RunAll({"Create Table T (A Long, B Text (5))", "Insert into T Values (5, 'x')", "Delete From T"});
+  file.Run("Alter Table T Alter Column A Counter");
+  file.RunAll({"Insert into T (B) Values ('y')", "Insert into T (B) Values ('z')"});
+  EXPECT_EQ(file.Rows("Select * From T"), (Texts{"1|y", "2|z"}));
+  file.ExpectSound();
+}
+
 TEST(Definition, ATextColumnGrowsInPlaceAndShrinksOnlyWhereTheValuesFit) {
   SqlFile file;
   file.RunAll({"Create Table T (A Text (5), Constraint K Primary Key (A))", "Insert into T Values ('abcde')"});

@@ -51,6 +51,8 @@ TEST_F(SelectTest, TopWithoutOrderGivesExactlyThatMany) {
 TEST_F(SelectTest, TopPercentRoundsUp) {
   EXPECT_EQ(Rows("Select Top 50 Percent MembershipNumber From Members Order By MembershipNumber"),
             (Texts{"1", "2", "3"}));
+  EXPECT_EQ(Rows("Select Top 100 Percent MembershipNumber From Members").size(), 5U);
+  EXPECT_EQ(NumberOf(file_.Refused("Select Top 101 Percent MembershipNumber From Members")), 0x80040E14U);
 }
 
 TEST_F(SelectTest, TopReadsAnIndexInItsOrder) {
@@ -199,6 +201,8 @@ TEST_F(SelectTest, SelectsCanBeRead) {
 TEST_F(SelectTest, UnionsDropRepetitionsUnlessAll) {
   EXPECT_EQ(Rows("Select Player From Results Union Select Partner From Results Order By Player"),
             (Texts{"1", "2", "4", "7"}));
+  EXPECT_EQ(Rows("Select Player From Results Union Select Partner From Results Order By Player Desc"),
+            (Texts{"7", "4", "2", "1"}));
   EXPECT_EQ(Rows("Select Player From Results Union All Select Partner From Results").size(), 8U);
   EXPECT_EQ(Rows("Select Top 1 Player From Results Union All Select Top 2 Partner From Results"),
             (Texts{"1", "2", "1"}));
@@ -237,13 +241,15 @@ TEST_F(SelectTest, ColumnsAreNamed) {
 TEST_F(SelectTest, TypesOfColumnsAreKnown) {
   const auto rows = file_.Open(
       "Select MembershipNumber, FirstName, Handicap, UniquenessFlag, Active, Notes, DateOfJoining, "
-      "MembershipNumber + 1, Handicap > 3, FirstName & 'x', Date() From Members");
+      "MembershipNumber + 1, Handicap > 3, FirstName & 'x', Date(), MembershipNumber + Handicap, 1 + DateOfJoining, "
+      "MembershipNumber * '2' From Members");
   std::vector<ado::DataType> types;
   for (const auto& column : rows->Columns()) types.push_back(column.type);
   using ado::DataType;
-  EXPECT_EQ(types, (std::vector{DataType::Integer, DataType::WChar, DataType::Double, DataType::SmallInt,
-                                DataType::Boolean, DataType::WChar, DataType::Date, DataType::Integer,
-                                DataType::Boolean, DataType::WChar, DataType::Date}));
+  EXPECT_EQ(types,
+            (std::vector{DataType::Integer, DataType::WChar, DataType::Double, DataType::SmallInt, DataType::Boolean,
+                         DataType::WChar, DataType::Date, DataType::Integer, DataType::Boolean, DataType::WChar,
+                         DataType::Date, DataType::Double, DataType::Date, DataType::Double}));
 }
 
 TEST_F(SelectTest, DatesAreComparedWithNumbers) {
