@@ -93,8 +93,21 @@ class Compacting {
     }
   }
 
+  /// Says of a page that cannot be read just this; the check would begin with what follows from it.
+  void ReadThrough(Database& database) {
+    Pager& pager = database.GetPager();
+    const ReadStatement statement(pager);
+    try {
+      for (PageNumber page = 0; page < pager.PageCount(); ++page) static_cast<void>(pager.Read(page));
+    } catch (const Error& error) {
+      RaiseFailure("'" + path_ + "' could not be compacted; it stays as it is. " + error.Description() +
+                   " Check the disk, and try again.");
+    }
+  }
+
   /// Damage that a rebuild mends (indexes, counters) may be there; what would be lost in one makes it refuse.
   void CheckSource() {
+    ReadThrough(source_);
     const CheckResult result = CheckFile(source_, CheckKind::Ordinary, progress_);
     hadBrokenRelationships_ =
         std::ranges::find(result.findings, CheckPart::Relationship, &CheckFinding::part) != result.findings.end();
@@ -116,6 +129,7 @@ class Compacting {
   /// then row by row against the old file.
   void CheckNewFile() {
     Database made(Open(newPath_, false));
+    ReadThrough(made);
     const CheckResult result = CheckFile(made, CheckKind::Strict, progress_);
     if (!result.remarks.empty()) RaiseDifferent(result.remarks.front().text);
     for (const CheckFinding& finding : result.findings) {
@@ -153,7 +167,13 @@ class Compacting {
   /// The last change of all; where a power failure comes before its flush the next call does it again.
   void NameBackup() {
     result_.backup = FreeBackupName();
-    fileSystem_->Rename(copyPath_, result_.backup);
+    try {
+      fileSystem_->Rename(copyPath_, result_.backup);
+    } catch (const Error& error) {
+      RaiseFailure("'" + path_ + "' is compacted, but the backup of what it was before has not got its name: " +
+                   error.Description() + " It is '" + copyPath_ +
+                   "'. Make room on the disk and compact the file once more, which names the backup.");
+    }
     fileSystem_->SyncFolderOf(path_);
   }
 
@@ -166,7 +186,7 @@ class Compacting {
   /// the two only when somebody has changed it.
   [[nodiscard]] bool IsWrittenSinceTheBackup() {
     const auto stamp = [&](const std::string& path) {
-      return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->ModificationStamp();
+      return fileSystem_->Open(path, FileSystem::OpenMode::ReadOnly)->Times().written;
     };
     return stamp(path_) > stamp(copyPath_);
   }

@@ -98,17 +98,19 @@ void FilePager::ReadHeader() {
 void FilePager::RecoverWhenAlone(const LockDeadline& deadline) {
   if (readOnly_ || !log_.HasFile() || lockFile_.FindUse()) return;
   if (!lock_.TryBecomeAlone()) return;
+  bool isOfFile = true;
   try {
     const SoleUse use(lock_, deadline);
     // Read again, as somebody may have brought it in while we were not alone.
-    if (!Refresh()) SetLogAside(true);
-    if (log_.HasFile()) Checkpoint(true);
+    isOfFile = RefreshAfterCrash();
+    if (isOfFile && log_.HasFile()) Checkpoint(true);
   } catch (const Error& error) {
     // The file can be used all the same: its pages are looked for in the log first.
-    // The next statement reads log and file anew, whatever the time of the file says.
-    stamp_.reset();
+    // The next statement reads log and file anew, whatever the times of the file say.
+    times_.reset();
     Report("The log of '" + path_ + "' could not be brought into the file yet: " + error.Description());
   }
+  if (!isOfFile) SetLogAside(true);
   lock_.LeaveAlone();
 }
 
@@ -118,7 +120,7 @@ void FilePager::StayAlone(const LockDeadline& deadline) {
   RefuseForeignUse();
   lock_.BecomeAlone(deadline);
   const SoleUse use(lock_, deadline);
-  if (!Refresh()) SetLogAside(true);
+  if (!RefreshAfterCrash()) SetLogAside(true);
   if (log_.HasFile()) Checkpoint(true);
 }
 
@@ -241,8 +243,9 @@ void FilePager::RequireTransaction(const std::string& what) const {
 
 void FilePager::RefuseForeignChange() const {
   RefuseForeignUse();
-  // Without a stamp a checkpoint of our own has failed in the middle, and the log says what counts.
-  if (!stamp_ || file_->ModificationStamp() == stamp_) return;
+  // Without times a checkpoint of our own has failed in the middle, and the log says what counts. A file that has only
+  // been looked at by a backup program has another time of change.
+  if (!times_ || file_->Times().written == times_->written) return;
   RaiseFailure("'" + path_ +
                "' has been changed by another program since the transaction was begun. Roll the transaction back and "
                "begin it again.");

@@ -81,6 +81,7 @@ class FilePager final : public Pager {
 
   // What others have committed (rule 5; FilePagerLog.cpp, as all that follows but the pages).
   [[nodiscard]] bool Refresh();
+  [[nodiscard]] bool RefreshAfterCrash();
   [[nodiscard]] bool ReadLogAndFile();
   void DropCache();
   void RefreshForReading(const LockDeadline& deadline);
@@ -96,6 +97,7 @@ class FilePager final : public Pager {
 
   // Committing.
   [[nodiscard]] bool AppendToLog();
+  [[nodiscard]] LogOwner OwnerOfNewLog() { return LogOwner::Of(*file_, options_.largestReadAtOnce); }
   [[nodiscard]] PageSums ContentInDatabase(PageNumber number, const PageHandle& base);
   void KeepChangedPages();
 
@@ -122,8 +124,8 @@ class FilePager final : public Pager {
   PageCache cache_;
 
   State state_ = State::Idle;
-  bool hasOwnStatements_ = false;  // this pager has committed since the last checkpoint
-  std::optional<std::int64_t> stamp_;
+  bool hasOwnStatements_ = false;   // this pager has committed since the last checkpoint
+  std::optional<FileTimes> times_;  // of the file whose pages are cached, once it is known to be the log's
   std::uint64_t fileSize_ = 0;
   PageNumber pageCount_ = 0;
   std::uint64_t generation_ = 0;

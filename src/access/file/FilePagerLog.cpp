@@ -30,10 +30,15 @@ bool FilePager::Refresh() {
   try {
     return ReadLogAndFile();
   } catch (...) {
-    // Part of the changes may have been read. Without the stamp the next statement trusts no page that is cached.
-    stamp_.reset();
+    // Part of the changes may have been read. Without times the next statement trusts no page that is cached.
+    times_.reset();
     throw;
   }
+}
+
+// For who is alone with a log that a dead program left: whatever may have happened to the file since, its times too.
+bool FilePager::RefreshAfterCrash() {
+  return Refresh() && (!log_.HasStatements() || log_.BelongsTo(*file_, RedoLog::Proof::Content));
 }
 
 bool FilePager::ReadLogAndFile() {
@@ -56,16 +61,16 @@ bool FilePager::ReadLogAndFile() {
       fileSize_ = file_->Size();
       break;
   }
-  const std::int64_t stamp = file_->ModificationStamp();
-  const bool isRewritten = stamp_ != stamp;
+  const FileTimes times = file_->Times();
+  const bool isRewritten = times_ != times;
   if (isRewritten) {
     DropCache();
     fileSize_ = file_->Size();
   }
-  stamp_.reset();
+  times_.reset();
   if (log_.IsUnknown() && !readOnly_) return false;
-  if (isRewritten && log_.HasStatements() && !log_.BelongsTo(*file_)) return false;
-  stamp_ = stamp;
+  if (isRewritten && log_.HasStatements() && !log_.BelongsTo(*file_, RedoLog::Proof::Times)) return false;
+  times_ = times;
   pageCount_ = log_.HasStatements() ? log_.PageCount() : static_cast<PageNumber>(FilePageCount());
   return true;
 }
@@ -108,7 +113,7 @@ void FilePager::SetLogAside(bool isAlone) {
                                                 "written the file, or another file was put in its place.";
   const std::string target = log_.SetAside(isAlone);
   DropCache();
-  stamp_.reset();
+  times_.reset();
   hasOwnStatements_ = false;
   RaiseFailure("The log of '" + path_ + reason + " It was not applied but set aside as '" + target +
                "'; what was stored last may be missing in the file. It can be used as it is: try again.");
@@ -138,7 +143,8 @@ bool FilePager::AppendToLog() {
     if (changed.base != nullptr) page.base = stored(*changed.base);
     pages.push_back(page);
   }
-  log_.Append(log_.HasStatements() ? LogOwner{} : LogOwner::Of(*file_), pages, pageCount_, options_.flush);
+  log_.Append(log_.HasStatements() ? LogOwner{} : OwnerOfNewLog(), pages, pageCount_, options_.flush);
+  log_.FindContentSoon(*file_);
   return true;
 }
 
@@ -169,16 +175,16 @@ void FilePager::KeepChangedPages() {
 
 void FilePager::Checkpoint(bool isAlone) {
   // Until the end the state of the file is not known to this pager.
-  stamp_.reset();
+  times_.reset();
   if (log_.HasStatements()) log_.ApplyTo(*file_);
   if (isAlone) {
     log_.Remove();
   } else {
-    log_.Reset(LogOwner::Of(*file_));
+    log_.Reset(OwnerOfNewLog());
   }
   hasOwnStatements_ = false;
   fileSize_ = file_->Size();
-  stamp_ = file_->ModificationStamp();
+  times_ = file_->Times();
 }
 
 // Readers are not disturbed by it: while one is reading it is put off, until the log has grown by another part.

@@ -17,6 +17,15 @@ struct FileIdentity {
   std::uint64_t names = 1;
 };
 
+/// When a file was changed last, in nanoseconds since 1970.
+struct FileTimes {
+  /// Its content: changes whenever any program writes the file, and can be set by any.
+  std::int64_t written = 0;
+  /// Anything of it, this time included, by the system's own clock: nobody sets it. 0 where the system does not tell.
+  std::int64_t changed = 0;
+  bool operator==(const FileTimes&) const = default;
+};
+
 /// What the engine needs of files, as a small interface: the native one serves programs; the tests have one in memory,
 /// one that fails at a chosen call, and one that loses what was not flushed. Errors are tavi::Error ProviderFailure
 /// whose description names the file, the operation and the system's reason.
@@ -32,10 +41,9 @@ class File {
   virtual void Truncate(std::uint64_t size) = 0;
   /// Returns when everything written is on the device.
   virtual void Sync() = 0;
-  /// A stamp that changes whenever any program writes the file (nanoseconds of its last change).
-  [[nodiscard]] virtual std::int64_t ModificationStamp() = 0;
-  /// Sets the stamp to this moment as exactly as the system keeps it, so that no two states of a file have the same;
-  /// never fails.
+  [[nodiscard]] virtual FileTimes Times() = 0;
+  /// Sets the time of writing to this moment as exactly as the system keeps it, so that no two states of a file have
+  /// the same; never fails.
   virtual void StampNow() noexcept = 0;
   [[nodiscard]] virtual FileIdentity Identity() = 0;
   /// True when a path still leads to this very file, and not to another one that has taken its name since it was

@@ -21,7 +21,7 @@ namespace {
 constexpr unsigned kUpperHalf = 32;
 constexpr std::int64_t kCoarseStep = 10'000'000;   // the finest of the coarse file systems, in nanoseconds
 constexpr std::int64_t kCoarsest = 2'000'000'000;  // the coarsest
-constexpr std::uint64_t kPagesAtOnce = 64;
+constexpr PageNumber kPagesAtOnce = 64;
 
 /// Half a checksum serves for a sector of 512 bytes, of which a log has eight for each page.
 std::uint32_t Folded(std::uint64_t checksum) {
@@ -49,12 +49,12 @@ PageSums PageSums::Of(std::span<const std::uint8_t> stored) {
   return sums;
 }
 
-LogOwner LogOwner::Of(File& database) {
+LogOwner LogOwner::Of(File& database, std::uint64_t largestRead) {
   LogOwner owner;
   owner.size = database.Size();
-  owner.stamp = database.ModificationStamp();
+  owner.times = database.Times();
   owner.fileNumber = database.Identity().number;
-  if (owner.IsSummed()) {
+  if (owner.size <= largestRead) {
     owner.contentSum = ContentSum(database, owner.size, [](PageNumber) { return nullptr; });
     return owner;
   }
@@ -63,18 +63,19 @@ LogOwner LogOwner::Of(File& database) {
 }
 
 std::uint64_t LogOwner::ContentSum(File& database, std::uint64_t size, const KnownPages& known) {
-  const std::uint64_t count = size / kPageSize;
+  return ContentSumOf(database, 0, static_cast<PageNumber>(size / kPageSize), known);
+}
+
+std::uint64_t LogOwner::ContentSumOf(File& database, PageNumber first, PageNumber end, const KnownPages& known) {
   std::uint64_t sum = 0;
   std::vector<std::uint8_t> chunk;
-  for (std::uint64_t first = 0; first < count; first += kPagesAtOnce) {
-    const std::uint64_t end = std::min(first + kPagesAtOnce, count);
-    chunk.resize(static_cast<std::size_t>((end - first) * kPageSize));
-    database.ReadAt(first * kPageSize, chunk);
-    for (std::uint64_t page = first; page < end; ++page) {
-      const auto number = static_cast<PageNumber>(page);
-      const auto stored = std::span(chunk).subspan(static_cast<std::size_t>((page - first) * kPageSize), kPageSize);
-      const PageSums* sums = known(number);
-      sum += Share(number, sums != nullptr ? *sums : PageSums::Of(stored));
+  while (first < end) {
+    const PageNumber count = std::min(kPagesAtOnce, end - first);
+    chunk.resize(count * kPageSize);
+    database.ReadAt(std::uint64_t{first} * kPageSize, chunk);
+    for (PageNumber i = 0; i < count; ++i, ++first) {
+      const PageSums* sums = known(first);
+      sum += Share(first, sums != nullptr ? *sums : PageSums::Of(std::span(chunk).subspan(i * kPageSize, kPageSize)));
     }
   }
   return sum;
@@ -125,6 +126,7 @@ constexpr std::size_t kDoubtfulOffset = 0x160;
 constexpr std::size_t kDoubtfulSize = 8;
 constexpr std::size_t kMarkedContentOffset = 0x168;
 constexpr std::size_t kMarkedContentSize = 16;
+constexpr std::size_t kChangedOffset = 0x178;
 
 /// From three sources, as each alone may fail: the salt of the log before (never the same again), the clock, and the
 /// system's random numbers. 0 stands for "no log".
@@ -150,13 +152,14 @@ LogHeader LogHeader::Begin(const LogHeader& older, const LogOwner& owner, std::u
   PutLittle<std::uint32_t>(bytes, kPageSizeOffset, kPageSize);
   PutLittle<std::uint64_t>(bytes, kSaltOffset, NewSalt(older.Salt()));
   PutLittle<std::uint64_t>(bytes, kDatabaseSizeOffset, owner.size);
-  PutLittle<std::uint64_t>(bytes, kStampOffset, static_cast<std::uint64_t>(owner.stamp));
+  PutLittle<std::uint64_t>(bytes, kStampOffset, static_cast<std::uint64_t>(owner.times.written));
   PutLittle<std::uint64_t>(bytes, kDatabaseNumberOffset, owner.fileNumber);
   PutLittle<std::uint64_t>(bytes, kLogNumberOffset, logNumber);
   PutLittle<std::uint64_t>(bytes, kContentSumOffset, owner.contentSum);
   for (std::size_t i = 0; i < LogOwner::kWitnesses; ++i)
     PutLittle<std::uint32_t>(bytes, kWitnessesOffset + i * kWitnessSize, owner.witnesses[i]);
   PutLittle<std::uint64_t>(bytes, kChecksumOffset, Checksum(0, bytes.first(kChecksumOffset)));
+  PutLittle<std::uint64_t>(bytes, kChangedOffset, static_cast<std::uint64_t>(owner.times.changed));
   return header;
 }
 
@@ -228,7 +231,8 @@ std::uint64_t LogHeader::LogNumber() const {
 LogOwner LogHeader::Owner() const {
   LogOwner owner;
   owner.size = GetLittle<std::uint64_t>(bytes_, kDatabaseSizeOffset);
-  owner.stamp = static_cast<std::int64_t>(GetLittle<std::uint64_t>(bytes_, kStampOffset));
+  owner.times.written = static_cast<std::int64_t>(GetLittle<std::uint64_t>(bytes_, kStampOffset));
+  owner.times.changed = static_cast<std::int64_t>(GetLittle<std::uint64_t>(bytes_, kChangedOffset));
   owner.fileNumber = GetLittle<std::uint64_t>(bytes_, kDatabaseNumberOffset);
   owner.contentSum = GetLittle<std::uint64_t>(bytes_, kContentSumOffset);
   for (std::size_t i = 0; i < LogOwner::kWitnesses; ++i)
@@ -256,7 +260,8 @@ bool LogHeader::IsDoubtful() const {
   return GetLittle<std::uint64_t>(bytes_, kDoubtfulOffset) != 0;
 }
 
-std::optional<std::uint64_t> LogHeader::MarkedContent() const {
+std::optional<std::uint64_t> LogHeader::Content() const {
+  if (const auto atOnce = GetLittle<std::uint64_t>(bytes_, kContentSumOffset); atOnce != 0) return atOnce;
   const auto content = std::span<const std::uint8_t>(bytes_).subspan(kMarkedContentOffset, kMarkedContentSize);
   const auto sum = GetLittle<std::uint64_t>(content, 0);
   if (GetLittle<std::uint64_t>(content, kMarkedSize) != Checksum(Salt(), content.first(kMarkedSize)))

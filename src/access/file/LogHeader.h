@@ -29,30 +29,31 @@ struct PageSums {
 /// A generation of a database file, as the log that belongs to it remembers it: no other has all of this. A generation
 /// begins when a checkpoint, or another program, has written the file.
 struct LogOwner {
-  /// Of files up to this length in bytes the whole content is remembered, as one sum. Clubs' files have 1 to 5 MB; the
-  /// first statement after a checkpoint reads the file once for it, which would be felt in far larger ones.
-  static constexpr std::uint64_t kLargestSummed = std::uint64_t{16} << 20U;
-  /// Of larger files checksums of so many pages are kept, from the first one on evenly over the file.
+  /// Of files whose content is not known yet checksums of so many pages are kept, from the first one on evenly over the
+  /// file.
   static constexpr std::size_t kWitnesses = 64;
 
   std::uint64_t size = 0;
-  /// When it was written last; every checkpoint gives another one.
-  std::int64_t stamp = 0;
+  /// When it was changed last; every checkpoint gives other times.
+  FileTimes times;
   /// What tells the file from others on its disk.
   std::uint64_t fileNumber = 0;
-  /// Of all its pages; 0 for a larger file.
+  /// Of all its pages; 0 for a file that has not been read through for it.
   std::uint64_t contentSum = 0;
-  /// 0 for a file whose whole content is remembered.
+  /// 0 for a file whose content is known.
   std::array<std::uint32_t, kWitnesses> witnesses{};
 
-  [[nodiscard]] static LogOwner Of(File& database);
+  /// Reads a file of up to `largestRead` bytes through.
+  [[nodiscard]] static LogOwner Of(File& database, std::uint64_t largestRead = ~std::uint64_t{0});
 
-  [[nodiscard]] bool IsSummed() const { return size <= kLargestSummed; }
   /// The sums that stand in for a page that is not to be read, null for a page that is.
   using KnownPages = std::function<const PageSums*(PageNumber)>;
   /// The sum of the content of the file's first `size` bytes, which it must have. It does not depend on the order of
   /// the pages, and counts each with its number.
   [[nodiscard]] static std::uint64_t ContentSum(File& database, std::uint64_t size, const KnownPages& known);
+  /// What the pages from `first` to the one before `end` add to that sum.
+  [[nodiscard]] static std::uint64_t ContentSumOf(File& database, PageNumber first, PageNumber end,
+                                                  const KnownPages& known);
 
   /// The page whose checksum is the witness `index`, in a file of the size.
   [[nodiscard]] static PageNumber WitnessPage(std::size_t index, std::uint64_t size);
@@ -92,8 +93,8 @@ class LogHeader {
   [[nodiscard]] std::optional<std::uint64_t> Applying() const;
   [[nodiscard]] bool IsApplied() const;
   [[nodiscard]] bool IsDoubtful() const;
-  /// The content of a large file when the applying mark was set, nothing when it was not remembered.
-  [[nodiscard]] std::optional<std::uint64_t> MarkedContent() const;
+  /// The content of the database when the log was begun; nothing while it is not known.
+  [[nodiscard]] std::optional<std::uint64_t> Content() const;
   void MarkContent(File& log, std::uint64_t sum);
   void MarkApplying(File& log, std::uint64_t end);
   void MarkApplied(File& log);

@@ -19,7 +19,7 @@
 //   0x28    8     number of the database file on its disk, 0 when the system tells none
 //   0x30    8     number of the log file on its disk, 0 when the system tells none
 //   0x38    8     content: sum, modulo 2^64, over all pages of the database file then, of the checksum of the page's
-//                 eight sector checksums (below), seed = its number; 0 for a file of more than 16 MiB
+//                 eight sector checksums (below), seed = its number; 0 when it was too large to be read at once
 //   0x40    256   witnesses: in such a file checksums [4] of 64 of its pages, of page 0 first; else 0
 //   0x140   8     checksum of bytes 0x00-0x13F, seed 0; at this place in later layouts too
 //
@@ -28,10 +28,12 @@
 //   0x150   8     checksum of the 8 bytes before, seed = salt
 //   0x158   8     applied: checksum of the 16 bytes before, seed = salt; written when the database has been flushed
 //   0x160   8     doubtful: not 0 when a flush of the log has failed
-//   0x168   8     of a file of more than 16 MiB its content as above when the applying mark was set, the logged pages
-//                 counted by what stood there before
+//   0x168   8     content as above of a file that was too large, written when it has been read, at the latest before
+//   the
+//                 applying mark; the logged pages counted by what stood there before
 //   0x170   8     checksum of the 8 bytes before, seed = salt
-//   0x178   8     0
+//   0x178   8     when the database file had been changed last, by the system's own clock, when the log was begun; 0
+//                 where the system does not tell, and in logs of an earlier version
 //
 //   From offset 0x180 on: statements, back to back, each in one of two forms.
 //
@@ -69,6 +71,7 @@
 //   0030  2c 1a 00 00 00 00 00 00 f1 f2 f3 f4 f5 f6 f7 f8   the log is file 6700; content
 //   0040  00 00 00 00 ..                                    no witnesses
 //   0140  c1 c2 c3 c4 c5 c6 c7 c8 00 00 00 00 00 00 00 00   header checksum; no checkpoint has begun
+//   0170  00 00 00 00 00 00 00 00 u1 u2 u3 u4 u5 u6 u7 u8   last changed
 //   0180  44 4c 54 41 01 00 00 00 10 00 00 00 3a 00 00 00   "DLTA", 1 page, 16 pages after it, 58 bytes of records
 //   0190  s1 s2 s3 s4 s5 s6 s7 s8 00 00 00 00 00 00 00 00   chain = salt
 //   01a0  06 00 00 00 a1 a2 a3 a4 00 00 00 00 00 00 00 00   page 6, its checksum afterwards, no delta before
@@ -100,11 +103,15 @@
 // Which database file the log belongs to: the one that has the content it had when the log was begun, so that a file
 // that was touched, or copied or moved together with its log, keeps it. Each sector of each logged page must be as it
 // was when the page was first logged, or, under the mark, as in an image of that page. The other pages must be as they
-// were: they are if number, size and last change of the file are, and the log's own number (without the mark; a
-// checkpoint changes them); else if the content is, with the checksums of the log for the logged pages, which may be
-// old or new by sectors. A file of more than 16 MiB is known by its last change and witnesses, and by its number while
-// the log has the number that its header says; else both were copied or moved. Under the mark the last change and the
-// size say nothing any more, and the content tells, which a checkpoint of such a file reads for it.
+// were: the content must, with the checksums of the log for the logged pages, which may be old or new by sectors. While
+// programs have the file open, and for who only reads it, they are also when number, size and times of the file are as
+// they were, and the log's own number (without the mark; a checkpoint changes them). Who is alone with a log that a
+// dead program left reads the content, since times can be set.
+//
+// Reading a large file would make its first statement wait, so this is done in the background (LogContent) while it has
+// the times of the header, which it has until a checkpoint. Where the writer died before, the file must have its
+// number, both times and the witnesses; where the system tells the time of writing only, this and the witnesses, and
+// its number while the log has the number that its header says; else both were copied or moved.
 //
 // After a flush that failed the system may have forgotten what it could not write, and a later flush that succeeds says
 // nothing about it: the log may have holes that show only after a power failure. It is doubtful then. Nothing is

@@ -29,6 +29,9 @@ struct PagerOptions {
   bool alone = false;
   /// Size of the redo log in bytes from which on a commit makes a checkpoint.
   std::uint64_t checkpointBytes = std::uint64_t{64} << 20U;
+  /// Files of up to so many bytes are read through when a log is begun for them, 30 ms for the largest; larger ones in
+  /// the background while statements go on.
+  std::uint64_t largestReadAtOnce = std::uint64_t{64} << 20U;
   /// When a finished statement is flushed.
   FlushTime flush = FlushTime::Soon;
   /// Told in words what people should know although nothing failed (a log set aside, a checkpoint put off). May be

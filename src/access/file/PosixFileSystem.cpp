@@ -68,6 +68,11 @@ auto Retry(Call call) {
   return result;
 }
 
+std::int64_t Nanoseconds(const struct timespec& time) {
+  constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+  return time.tv_sec * kNanosecondsPerSecond + time.tv_nsec;
+}
+
 /// Closing is not looked at: what counts was flushed before, and a flush tells of errors.
 class Descriptor {
  public:
@@ -133,10 +138,9 @@ class PosixFile final : public File {
     if (Retry([&] { return ::fsync(descriptor_.Value()); }) != 0) RaiseSystemError("flush", path_, errno);
   }
 
-  std::int64_t ModificationStamp() override {
-    constexpr std::int64_t kNanosecondsPerSecond = 1000000000;
+  FileTimes Times() override {
     const struct stat status = Status();
-    return status.st_mtim.tv_sec * kNanosecondsPerSecond + status.st_mtim.tv_nsec;
+    return {Nanoseconds(status.st_mtim), Nanoseconds(status.st_ctim)};
   }
 
   void StampNow() noexcept override {

@@ -31,7 +31,8 @@ RedoLog::RedoLog(FileSystem& fileSystem, std::string databasePath, bool readOnly
       databasePath_(std::move(databasePath)),
       path_(databasePath_ + ".redo"),
       readOnly_(readOnly),
-      flush_(fileSystem, path_) {}
+      flush_(fileSystem, path_),
+      content_(fileSystem) {}
 
 RedoLog::Change RedoLog::Refresh(std::vector<PageNumber>& changed) {
   const bool isFirstSight = file_ == nullptr;
@@ -223,6 +224,7 @@ std::vector<LoggedDelta> RedoLog::DeltasSince(std::uint64_t known, const LoggedP
 }
 
 void RedoLog::Release() {
+  content_.End();
   flush_.End();
   file_.reset();
 }

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "access/file/FileSystem.h"
+#include "access/file/LogContent.h"
 #include "access/file/LogFlush.h"
 #include "access/file/LogHeader.h"
 #include "access/file/LogStatement.h"
@@ -74,14 +75,20 @@ class RedoLog {
   /// put together from has changed under it.
   void ReadPage(PageNumber number, const LoggedPage& page, File& database, std::span<std::uint8_t, kPageSize> target);
 
-  /// Whether the statements belong to the database file as it now is; see LogHeader.h.
-  [[nodiscard]] bool BelongsTo(File& database);
+  /// What must be as the log remembers it: the file's number and times, which is quickly seen, or else its content; or
+  /// the content in any case.
+  enum class Proof { Times, Content };
+  /// Whether the statements belong to the database file as it now is; see LogLayout.h. Without its content, where that
+  /// is not known.
+  [[nodiscard]] bool BelongsTo(File& database, Proof proof);
 
   /// Appends a statement, making the file when there is none. It is flushed soon, or before the call returns. On an
   /// error, also of that flush, the file is as it was before.
   void Append(const LogOwner& owner, std::span<const StatementPage> pages, PageNumber pageCount,
               FlushTime flush = FlushTime::Soon);
 
+  /// Lets the content of the database be read and remembered soon, in the background, unless it is known.
+  void FindContentSoon(File& database);
   /// Lets what others have appended be flushed soon: they may be gone.
   void FlushSoon();
   /// Returns when all that stands in the file is durable, whoever appended it. Raises ProviderFailure for a doubtful
@@ -140,10 +147,11 @@ class RedoLog {
   [[nodiscard]] bool HasFittingSize(const LogOwner& owner, std::uint64_t size) const;
   [[nodiscard]] bool IsUntouched(File& database, const LogOwner& owner);
   [[nodiscard]] std::uint64_t ContentOf(File& database, const LogOwner& owner) const;
-  [[nodiscard]] bool IsThatLargeFile(File& database, const LogOwner& owner);
+  [[nodiscard]] bool HasItsTimes(File& database, const LogOwner& owner);
   [[nodiscard]] bool HasWitnesses(File& database, const LogOwner& owner) const;
   [[nodiscard]] bool Recognises(File& database, std::uint64_t size, PageNumber number, const LoggedPage& page);
   [[nodiscard]] std::vector<PageSums> SumsOfImages(const LoggedPage& page);
+  void MarkContent(File& database);
   void MarkApplying(File& database);
   void MakeDurable();
   void WriteAnew();
@@ -155,6 +163,7 @@ class RedoLog {
   bool readOnly_;
   std::unique_ptr<File> file_;
   LogFlush flush_;
+  LogContent content_;
 
   LogHeader header_;           // as last read; valid when salt_ is not 0
   std::uint64_t salt_ = 0;     // 0: the file has no header yet

@@ -108,6 +108,7 @@ void RedoLog::AppendImages(File& database) {
 void RedoLog::BeginLog(const LogOwner& owner) {
   // A flush that fails marks the header.
   flush_.Settle();
+  content_.Stop();
   header_ = LogHeader::Begin(header_, owner, file_->Identity().number);
   header_.WriteTo(*file_);
   salt_ = header_.Salt();
@@ -123,6 +124,10 @@ bool RedoLog::IsDoubtful() {
   const LogHeader now = LogHeader::ReadFrom(*file_);
   if (now.IsOfSameLog(header_)) header_ = now;
   return now.IsDoubtful();
+}
+
+void RedoLog::FindContentSoon(File& database) {
+  if (!header_.Content()) content_.FindSoon(database, *file_);
 }
 
 void RedoLog::FlushSoon() {

@@ -25,7 +25,7 @@ bool RedoLog::ApplyingHasBegun() const {
   return mark && *mark <= end_;
 }
 
-bool RedoLog::BelongsTo(File& database) {
+bool RedoLog::BelongsTo(File& database, Proof proof) {
   const LogOwner owner = header_.Owner();
   const std::uint64_t size = database.Size();
   if (!HasFittingSize(owner, size)) return false;
@@ -33,10 +33,9 @@ bool RedoLog::BelongsTo(File& database) {
     return Recognises(database, size, entry.first, entry.second);
   });
   if (!recognises) return false;
-  if (owner.IsSummed()) return IsUntouched(database, owner) || ContentOf(database, owner) == owner.contentSum;
-  if (!IsThatLargeFile(database, owner) || !HasWitnesses(database, owner)) return false;
-  const std::optional<std::uint64_t> marked = header_.MarkedContent();
-  return !ApplyingHasBegun() || !marked || ContentOf(database, owner) == *marked;
+  if (proof == Proof::Times && IsUntouched(database, owner)) return true;
+  if (const std::optional<std::uint64_t> content = header_.Content()) return ContentOf(database, owner) == *content;
+  return HasItsTimes(database, owner) && HasWitnesses(database, owner);
 }
 
 // A checkpoint lets the file grow, and never shrink.
@@ -48,7 +47,7 @@ bool RedoLog::HasFittingSize(const LogOwner& owner, std::uint64_t size) const {
 bool RedoLog::IsUntouched(File& database, const LogOwner& owner) {
   const std::uint64_t number = file_->Identity().number;
   return !ApplyingHasBegun() && number != 0 && number == header_.LogNumber() &&
-         database.Identity().number == owner.fileNumber && database.ModificationStamp() == owner.stamp;
+         database.Identity().number == owner.fileNumber && database.Times() == owner.times;
 }
 
 // As it was before the log's statements.
@@ -59,11 +58,16 @@ std::uint64_t RedoLog::ContentOf(File& database, const LogOwner& owner) const {
   });
 }
 
-bool RedoLog::IsThatLargeFile(File& database, const LogOwner& owner) {
-  // Of a log that was copied or moved the database file was copied or moved too, and has another number.
+// All that is known of a file whose content was not yet read when the log's writer died.
+bool RedoLog::HasItsTimes(File& database, const LogOwner& owner) {
   const bool isInPlace = file_->Identity().number == header_.LogNumber();
   if (isInPlace && database.Identity().number != owner.fileNumber) return false;
-  return ApplyingHasBegun() || IsSameMoment(owner.stamp, database.ModificationStamp());
+  // Under the mark, only in a log of an earlier version.
+  if (ApplyingHasBegun()) return true;
+  const FileTimes times = database.Times();
+  if (!IsSameMoment(owner.times.written, times.written)) return false;
+  // Without such a time a copy of both, which has other numbers, is taken for what it is by the one that it has.
+  return owner.times.changed == 0 || (isInPlace && IsSameMoment(owner.times.changed, times.changed));
 }
 
 bool RedoLog::HasWitnesses(File& database, const LogOwner& owner) const {
@@ -122,12 +126,17 @@ std::vector<PageSums> RedoLog::SumsOfImages(const LoggedPage& page) {
 // appended after it is flushed here too.
 void RedoLog::MarkApplying(File& database) {
   if (!ApplyingHasBegun()) {
-    // Of a small file the header has it already.
-    if (const LogOwner owner = header_.Owner(); !owner.IsSummed())
-      header_.MarkContent(*file_, ContentOf(database, owner));
+    MarkContent(database);
     header_.MarkApplying(*file_, end_);
   }
   MakeDurable();
+}
+
+// From the first page on that is written the times of the file say nothing any more.
+void RedoLog::MarkContent(File& database) {
+  content_.Settle();
+  if (const LogHeader now = LogHeader::ReadFrom(*file_); now.IsOfSameLog(header_)) header_ = now;
+  if (!header_.Content()) header_.MarkContent(*file_, ContentOf(database, header_.Owner()));
 }
 
 void RedoLog::ApplyTo(File& database) {
@@ -164,6 +173,7 @@ void RedoLog::ApplyTo(File& database) {
 
 void RedoLog::Reset(const LogOwner& owner) {
   flush_.Settle();
+  content_.Stop();
   Forget();
   file_->Truncate(0);
   fileSize_ = 0;
@@ -188,6 +198,7 @@ std::string RedoLog::SetAside(bool isAlone) {
   std::string target = FreeSetAsidePath();
   Forget();
   flush_.Settle();
+  content_.Stop();
   if (isAlone) {
     Release();
     fileSystem_.Rename(path_, target);

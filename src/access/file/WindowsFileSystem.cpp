@@ -163,14 +163,16 @@ class WindowsFile final : public File {
     if (!isReadOnly_ && ::FlushFileBuffers(handle_.Value()) == 0) RaiseSystemError("flush", path_, ::GetLastError());
   }
 
-  std::int64_t ModificationStamp() override {
+  // The system's time of a change is set as late as when an opener is gone, so that it would tell ourselves from
+  // others.
+  FileTimes Times() override {
     constexpr std::int64_t kNanosecondsPerTick = 100;
     constexpr std::int64_t kTicksTo1970 = 116444736000000000;
     FILE_BASIC_INFO times{};
     if (::GetFileInformationByHandleEx(handle_.Value(), FileBasicInfo, &times, sizeof times) == 0) {
       RaiseSystemError("examine", path_, ::GetLastError());
     }
-    return (times.LastWriteTime.QuadPart - kTicksTo1970) * kNanosecondsPerTick;
+    return {.written = (times.LastWriteTime.QuadPart - kTicksTo1970) * kNanosecondsPerTick};
   }
 
   // By the handle, as the name may belong to another file by now.

@@ -334,6 +334,47 @@ TEST(Compact, LeavesTheFileAloneWhenAnyCallFails) {
   }
 }
 
+TEST(Compact, SaysThatAFileCannotBeReadAndNotWhatFollowsFromIt) {
+  using Operation = InterceptedFileSystem::Operation;
+  const auto club = MakeClub();
+  for (const bool andAllLater : {false, true}) {
+    for (std::size_t call = 0;; call += andAllLater ? 1 : 5) {
+      const auto memory = club->AfterCrash(CrashKind::Kept, 0);
+      const auto before = memory->Contents(kPath);
+      const auto failing = std::make_shared<FailingFileSystem>(memory);
+      failing->FailCall(call, {Operation::Read}, andAllLater);
+      try {
+        CompactFile(failing, kPath);
+      } catch (const Error& error) {
+        EXPECT_NE(error.Description().find("Input/output error"), std::string::npos)
+            << call << ": " << error.Description();
+        EXPECT_NE(error.Description().find(kPath), std::string::npos) << call << ": " << error.Description();
+      }
+      if (!failing->HasFailed()) {
+        EXPECT_GT(call, 70U);
+        break;
+      }
+      EXPECT_TRUE(memory->Contents(kPath) == before || memory->Exists(kBackup)) << call;
+    }
+  }
+}
+
+TEST(Compact, SaysWhatToDoWhenTheDiskHasNoRoomForTheBackupsName) {
+  using Operation = InterceptedFileSystem::Operation;
+  const auto memory = MakeClub();
+  const auto before = memory->Contents(kPath);
+  const auto failing = std::make_shared<FailingFileSystem>(memory);
+  failing->FailCall(1, {Operation::Rename});
+  const std::string refusal = Refusal(failing);
+  EXPECT_NE(refusal.find("is compacted"), std::string::npos) << refusal;
+  EXPECT_NE(refusal.find("It is 'club.mdb.compact-old'"), std::string::npos) << refusal;
+  ExpectSound(memory, kPath);
+  EXPECT_TRUE(memory->Contents("club.mdb.compact-old") == before);
+  EXPECT_EQ(CompactFile(memory, kPath).backup, kBackup);
+  EXPECT_TRUE(memory->Contents(kBackup) == before);
+  ExpectNoTraces(*memory);
+}
+
 TEST(Compact, LeavesTheOldOrTheNewFileWhenTheMachineStopsAtAnyInstant) {
   const Contents expected = ContentsOf(MakeClub(), kPath);
   std::set<bool> seen;

@@ -32,12 +32,17 @@ using Bytes = MemoryFileSystem::Bytes;
 // before.
 class LogOwnerTest : public ::testing::Test {
  protected:
-  LogOwnerTest() {
-    Pager::Create(*memory_, kPath, MakeSmallDatabase(8));
+  LogOwnerTest() { LeaveLog(8, {}); }
+
+  void LeaveLog(PageNumber pages, const PagerOptions& options, bool hasTimeToRead = false, bool tellsChanges = true) {
+    memory_ = std::make_shared<MemoryFileSystem>();
+    if (!tellsChanges) memory_->KeepNoChangeTimes();
+    Pager::Create(*memory_, kPath, MakeSmallDatabase(pages));
     oldest_ = memory_->Contents(kPath);
     WriteText(*Pager::Open(memory_, kPath, {}), 6, "a generation later");
-    const auto pager = Pager::Open(memory_, kPath, {});
+    const auto pager = Pager::Open(memory_, kPath, options);
     WriteText(*pager, 3, "ours");
+    if (hasTimeToRead) memory_->RunBackgroundWork();
     memory_ = memory_->AfterCrash(CrashKind::Kept, 0);
   }
 
@@ -46,9 +51,9 @@ class LogOwnerTest : public ::testing::Test {
     const auto failing = std::make_shared<FailingFileSystem>(memory_);
     auto pager = Pager::Open(failing, kPath, {.readOnly = true});
     pager.reset();
-    // The images, the content of a large file, the mark, the page.
-    failing->FailCall(memory_->Contents(kPath).size() > LogOwner::kLargestSummed ? 3 : 2,
-                      {FailingFileSystem::Operation::Write}, true);
+    // The images, the content where the log does not know it yet, the mark, the page.
+    const auto log = memory_->Open(kLog, FileSystem::OpenMode::ReadOnly);
+    failing->FailCall(LogHeader::ReadFrom(*log).Content() ? 2 : 3, {FailingFileSystem::Operation::Write}, true);
     EXPECT_EQ(ReadText(*Pager::Open(failing, kPath, {}), 3), "ours");
     memory_ = memory_->AfterCrash(CrashKind::Kept, 0);
     ASSERT_TRUE(memory_->Exists(kLog));
@@ -90,7 +95,30 @@ class LogOwnerTest : public ::testing::Test {
     return changed;
   }
 
-  std::shared_ptr<MemoryFileSystem> memory_ = std::make_shared<MemoryFileSystem>();
+  // The same as by a program that then gives the file the time that the former one had (cp --preserve, touch -r).
+  std::shared_ptr<MemoryFileSystem> WithTimeKept(const Bytes& content) {
+    auto changed = With(content, false);
+    changed->SetStamp(kPath, memory_->Stamp(kPath));
+    return changed;
+  }
+
+  std::shared_ptr<MemoryFileSystem> CopyWithLog(const Bytes& content) {
+    auto copy = std::make_shared<MemoryFileSystem>();
+    copy->SetContents("folder", Bytes{});  // other numbers than where it comes from
+    copy->SetContents(kPath, content);
+    copy->SetStamp(kPath, memory_->Stamp(kPath));
+    copy->SetContents(kLog, memory_->Contents(kLog));
+    return copy;
+  }
+
+  // A page changed that is neither logged nor one of those of which checksums are kept in any case.
+  [[nodiscard]] Bytes WithAnotherPage5() const {
+    Bytes changed = memory_->Contents(kPath);
+    changed[5 * kPageSize + 100] ^= 1U;
+    return changed;
+  }
+
+  std::shared_ptr<MemoryFileSystem> memory_;
   Bytes oldest_;
 };
 
@@ -191,48 +219,79 @@ TEST_F(LogOwnerTest, AFileThatWasChangedAfterItWasCopiedWithItsLogSetsItAside) {
   }
 }
 
-// A file that is too large to be summed: it is known by number, last change and some of its pages.
+TEST_F(LogOwnerTest, AnotherFileWithTheSameNumberAndTheSameTimeSetsTheLogAside) {
+  ExpectSetAside(WithTimeKept(WithAnotherPage5()));
+  LeaveLog(8, {}, false, false);
+  ExpectSetAside(WithTimeKept(WithAnotherPage5()));
+}
+
+TEST_F(LogOwnerTest, AnotherFileWithTheSameNumberAndTheSameTimeIsNoticedWhileItIsInUse) {
+  const auto pager = Pager::Open(memory_, kPath, {});
+  WriteText(*pager, 3, "once more");
+  const Bytes other = WithAnotherPage5();
+  const std::int64_t stamp = memory_->Stamp(kPath);
+  memory_->SetContents(kPath, other);
+  memory_->SetStamp(kPath, stamp);
+  EXPECT_THROW(static_cast<void>(ReadText(*pager, 3)), Error);
+  EXPECT_TRUE(memory_->Exists(kAside));
+  pager->Close();
+  EXPECT_EQ(memory_->Contents(kPath), other);
+}
+
+// A file that is too large to be read when its log is begun; it was read in the background.
 class LogOwnerOfLargeFileTest : public LogOwnerTest {
  protected:
-  static constexpr PageNumber kPages = LogOwner::kLargestSummed / kPageSize + 1;
+  static constexpr PageNumber kPages = 200;
 
-  LogOwnerOfLargeFileTest() {
-    memory_ = std::make_shared<MemoryFileSystem>();
-    Pager::Create(*memory_, kPath, MakeSmallDatabase(kPages));
-    WriteText(*Pager::Open(memory_, kPath, {}), 6, "a generation later");
-    const auto pager = Pager::Open(memory_, kPath, {});
-    WriteText(*pager, 3, "ours");
-    memory_ = memory_->AfterCrash(CrashKind::Kept, 0);
+  LogOwnerOfLargeFileTest() : LogOwnerOfLargeFileTest(true) {}
+  explicit LogOwnerOfLargeFileTest(bool hasTimeToRead) { LeaveLargeLog(hasTimeToRead); }
+
+  void LeaveLargeLog(bool hasTimeToRead, bool tellsChanges = true) {
+    LeaveLog(kPages, {.largestReadAtOnce = 0}, hasTimeToRead, tellsChanges);
   }
 
-  std::shared_ptr<MemoryFileSystem> CopyWithLog(const Bytes& content) {
-    auto copy = std::make_shared<MemoryFileSystem>();
-    copy->SetContents("folder", Bytes{});  // other numbers than where it comes from
-    copy->SetContents(kPath, content);
-    copy->SetStamp(kPath, memory_->Stamp(kPath));
-    copy->SetContents(kLog, memory_->Contents(kLog));
-    return copy;
+  [[nodiscard]] bool LogKnowsContent() const {
+    return LogHeader::ReadFrom(*memory_->Open(kLog, FileSystem::OpenMode::ReadOnly)).Content().has_value();
   }
 };
 
 TEST_F(LogOwnerOfLargeFileTest, ItsLogIsAppliedToItAndToACopyMadeTogetherWithTheLog) {
-  ExpectApplied(CopyWithLog(memory_->Contents(kPath)));
+  EXPECT_TRUE(LogKnowsContent());
+  const auto copy = CopyWithLog(memory_->Contents(kPath));
+  copy->SetStamp(kPath, 0);
+  ExpectApplied(copy);
   ExpectApplied(memory_);
 }
 
-TEST_F(LogOwnerOfLargeFileTest, AnotherNightsFileThatWasCopiedBesideTheLogSetsItAside) {
-  const auto copy = CopyWithLog(memory_->Contents(kPath));
-  copy->SetStamp(kPath, memory_->Stamp(kPath) - 86'400'000'000'000);
-  ExpectSetAside(copy);
+TEST_F(LogOwnerOfLargeFileTest, AFileThatWasMerelyTouchedKeepsItsLog) {
+  memory_->SetStamp(kPath, memory_->Stamp(kPath) + 1);
+  ExpectApplied(memory_);
 }
 
-// Page 5 is neither logged nor one of those of which checksums are kept.
+TEST_F(LogOwnerOfLargeFileTest, AFileWithTheSameContentKeepsItsLog) {
+  for (const bool isNewFile : {false, true}) ExpectApplied(With(memory_->Contents(kPath), isNewFile));
+}
+
+TEST_F(LogOwnerOfLargeFileTest, AnotherFileWithTheSameNumberAndTheSameTimeSetsTheLogAside) {
+  ExpectSetAside(WithTimeKept(WithAnotherPage5()));
+  LeaveLargeLog(true, false);
+  ExpectSetAside(WithTimeKept(WithAnotherPage5()));
+}
+
+TEST_F(LogOwnerOfLargeFileTest, AnotherNightsFileThatWasCopiedBesideTheLogSetsItAside) {
+  ExpectSetAside(CopyWithLog(WithAnotherPage5()));
+}
+
 TEST_F(LogOwnerOfLargeFileTest, ABackupInThePlaceOfAHalfWrittenFileSetsTheLogAside) {
-  BeginCheckpoint();
-  Bytes backup = memory_->Contents(kPath);
-  backup[5 * kPageSize + 100] ^= 1U;
-  for (const bool isNewFile : {false, true}) ExpectSetAside(With(backup, isNewFile));
-  ExpectSetAside(CopyWithLog(backup));
+  for (const bool hadTimeToRead : {true, false}) {
+    LeaveLargeLog(hadTimeToRead);
+    EXPECT_EQ(LogKnowsContent(), hadTimeToRead);
+    BeginCheckpoint();
+    const Bytes backup = WithAnotherPage5();
+    for (const bool isNewFile : {false, true}) ExpectSetAside(With(backup, isNewFile));
+    ExpectSetAside(WithTimeKept(backup));
+    ExpectSetAside(CopyWithLog(backup));
+  }
 }
 
 TEST_F(LogOwnerOfLargeFileTest, AHalfWrittenCheckpointIsFinishedAlsoInACopy) {
@@ -243,11 +302,32 @@ TEST_F(LogOwnerOfLargeFileTest, AHalfWrittenCheckpointIsFinishedAlsoInACopy) {
   ExpectApplied(memory_);
 }
 
-TEST_F(LogOwnerOfLargeFileTest, AFileThatWasWrittenSinceOrIsAnotherSetsItsLogAside) {
-  for (const bool isNewFile : {false, true}) ExpectSetAside(With(memory_->Contents(kPath), isNewFile));
+// Its log's writer died before the file was read: what is known of it are its number, its times, and some pages.
+class LogOwnerOfUnreadFileTest : public LogOwnerOfLargeFileTest {
+ protected:
+  LogOwnerOfUnreadFileTest() : LogOwnerOfLargeFileTest(false) { EXPECT_FALSE(LogKnowsContent()); }
+};
+
+TEST_F(LogOwnerOfUnreadFileTest, ItsLogIsAppliedToIt) {
+  ExpectApplied(memory_);
 }
 
-TEST_F(LogOwnerOfLargeFileTest, ACopyWithAChangeInARememberedPageSetsTheLogAside) {
+TEST_F(LogOwnerOfUnreadFileTest, AnotherFileWithTheSameNumberAndTheSameTimeSetsTheLogAside) {
+  ExpectSetAside(WithTimeKept(WithAnotherPage5()));
+}
+
+TEST_F(LogOwnerOfUnreadFileTest, AFileThatWasTouchedSinceOrIsAnotherSetsItsLogAside) {
+  for (const bool isNewFile : {false, true}) ExpectSetAside(With(memory_->Contents(kPath), isNewFile));
+  ExpectSetAside(WithTimeKept(memory_->Contents(kPath)));
+  ExpectSetAside(CopyWithLog(memory_->Contents(kPath)));
+}
+
+TEST_F(LogOwnerOfUnreadFileTest, WhereTheSystemTellsOneTimeOnlyACopyIsKnownByIt) {
+  LeaveLargeLog(false, false);
+  ExpectApplied(CopyWithLog(memory_->Contents(kPath)));
+  const auto copy = CopyWithLog(memory_->Contents(kPath));
+  copy->SetStamp(kPath, memory_->Stamp(kPath) - 86'400'000'000'000);
+  ExpectSetAside(copy);
   Bytes changed = memory_->Contents(kPath);
   changed[LogOwner::WitnessPage(7, changed.size()) * kPageSize + 100] ^= 1U;
   ExpectSetAside(CopyWithLog(changed));

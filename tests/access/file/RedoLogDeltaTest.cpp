@@ -174,7 +174,7 @@ TEST_F(RedoLogDeltaTest, ADeltaOnAnotherBaseThanItsOwnIsRefused) {
   changed[6 * kPageSize + 200] ^= 1U;
   memory_->SetContents(kPath, changed);
   EXPECT_THROW(Read(log, 6), Error);
-  EXPECT_FALSE(log.BelongsTo(*database_));
+  EXPECT_FALSE(log.BelongsTo(*database_, RedoLog::Proof::Times));
 }
 
 TEST_F(RedoLogDeltaTest, AStatementWhoseDeltaDoesNotFollowItsPageDoesNotCount) {

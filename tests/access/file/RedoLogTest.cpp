@@ -19,7 +19,7 @@ using test::MemoryFileSystem;
 LogOwner MakeOwner() {
   LogOwner owner;
   owner.size = 16 * kPageSize;
-  owner.stamp = 0x1122334455667788;
+  owner.times.written = 0x1122334455667788;
   owner.fileNumber = 6699;
   owner.contentSum = 0x99AABBCCDDEEFF00;
   for (std::uint32_t i = 0; i < LogOwner::kWitnesses; ++i) owner.witnesses[i] = 100 + i;
@@ -187,7 +187,7 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   database->ReadAt(6 * kPageSize, old.AllMutable());
   const StatementPage entry{6, PageSums::Of(old.All()), page.All()};
   log.Append(LogOwner::Of(*database), {&entry, 1}, 16);
-  EXPECT_TRUE(log.BelongsTo(*database));
+  EXPECT_TRUE(log.BelongsTo(*database, RedoLog::Proof::Times));
   log.ApplyTo(*database);
   EXPECT_EQ(memory_.Contents(kPath)[6 * kPageSize], 0xEE);
   const auto bytes = Bytes();
@@ -206,7 +206,7 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   RedoLog other(memory_, kPath, false);
   static_cast<void>(other.Refresh(changed_));
   EXPECT_TRUE(other.HasStatements());
-  EXPECT_TRUE(other.BelongsTo(*database));
+  EXPECT_TRUE(other.BelongsTo(*database, RedoLog::Proof::Times));
   // Without the mark it is a log of another state.
   auto unmarked = memory_.Contents(kLog);
   std::fill(unmarked.begin() + 0x148, unmarked.begin() + 0x160, std::uint8_t{0});
@@ -214,7 +214,7 @@ TEST_F(RedoLogTest, ApplyingMarksTheLogBeforeItTouchesTheDatabase) {
   RedoLog third(memory_, kPath, false);
   static_cast<void>(third.Refresh(changed_));
   EXPECT_TRUE(third.HasStatements());
-  EXPECT_FALSE(third.BelongsTo(*database));
+  EXPECT_FALSE(third.BelongsTo(*database, RedoLog::Proof::Times));
 }
 
 TEST_F(RedoLogTest, AnyBytesAreReadWithoutHarm) {

@@ -30,7 +30,7 @@ class InterceptedFile final : public File {
     Ask(Operation::Sync);
     inner_->Sync();
   }
-  std::int64_t ModificationStamp() override { return inner_->ModificationStamp(); }
+  FileTimes Times() override { return inner_->Times(); }
   void StampNow() noexcept override { inner_->StampNow(); }
   FileIdentity Identity() override { return inner_->Identity(); }
   bool IsStillAt(const std::string& path) override { return inner_->IsStillAt(path); }

@@ -71,12 +71,12 @@ class MemoryFile final : public File {
       for (const auto& change : node_->unflushed) MemoryFileSystem::Apply(change, node_->durable);
     }
     node_->unflushed.clear();
-    node_->durableStamp = node_->stamp;
+    node_->durableTimes = node_->times;
     if (seed) RaiseFailure("Could not flush '" + path_ + "': Input/output error.");
   }
 
-  std::int64_t ModificationStamp() override { return node_->stamp; }
-  void StampNow() noexcept override { node_->stamp = ++system_.clock_; }
+  FileTimes Times() override { return node_->times; }
+  void StampNow() noexcept override { node_->times = system_.Tick(); }
   FileIdentity Identity() override {
     const auto names = std::count_if(system_.names_.begin(), system_.names_.end(),
                                      [this](const auto& entry) { return entry.second == node_; });
@@ -120,7 +120,7 @@ class MemoryFile final : public File {
   void Change(MemoryFileSystem::Change change) {
     MemoryFileSystem::Apply(change, node_->bytes);
     node_->unflushed.push_back(std::move(change));
-    node_->stamp = ++system_.clock_;
+    node_->times = system_.Tick();
   }
 
   void RemoveOwn(std::uint64_t start, std::uint64_t end) {
@@ -184,7 +184,7 @@ std::unique_ptr<File> MemoryFileSystem::Open(const std::string& path, OpenMode m
     if (node) RaiseFailure("Could not create '" + path + "': File exists.");
     if (folderIsReadOnly_) RaiseFailure("Could not create '" + path + "': Permission denied.");
     node = std::make_shared<Node>();
-    node->stamp = ++clock_;
+    node->times = Tick();
     node->number = static_cast<std::uint64_t>(++clock_);
     names_[path] = node;
     NamesChanged();
@@ -285,17 +285,21 @@ void MemoryFileSystem::SetContents(const std::string& path, const Bytes& bytes) 
   node->bytes = SharedBytes(bytes);
   node->durable = node->bytes;
   node->unflushed.clear();
-  node->stamp = ++clock_;
-  node->durableStamp = node->stamp;
+  node->times = node->durableTimes = Tick();
+}
+
+FileTimes MemoryFileSystem::Tick() {
+  ++clock_;
+  return {clock_, keepsChangeTimes_ ? clock_ : 0};
 }
 
 std::int64_t MemoryFileSystem::Stamp(const std::string& path) const {
   const auto node = Find(path);
-  return node ? node->stamp : 0;
+  return node ? node->times.written : 0;
 }
 
 void MemoryFileSystem::SetStamp(const std::string& path, std::int64_t stamp) {
-  if (const auto node = Find(path)) node->stamp = node->durableStamp = stamp;
+  if (const auto node = Find(path)) node->times = node->durableTimes = {stamp, Tick().changed};
 }
 
 std::vector<std::string> MemoryFileSystem::Paths() const {
@@ -328,6 +332,7 @@ std::shared_ptr<MemoryFileSystem> MemoryFileSystem::AfterCrash(CrashKind kind, s
   }
   auto after = std::make_shared<MemoryFileSystem>();
   after->clock_ = clock_;
+  after->keepsChangeTimes_ = keepsChangeTimes_;
   for (const auto& [path, node] : *names) {
     const auto found = std::make_shared<Node>();
     found->bytes = kind == CrashKind::Kept ? node->bytes : node->durable;
@@ -335,8 +340,7 @@ std::shared_ptr<MemoryFileSystem> MemoryFileSystem::AfterCrash(CrashKind kind, s
     found->durable = found->bytes;
     found->isReadOnly = node->isReadOnly;
     const bool isLate = kind == CrashKind::Kept || (kind == CrashKind::Torn && choose(2) == 0);
-    found->stamp = isLate ? node->stamp : node->durableStamp;
-    found->durableStamp = found->stamp;
+    found->times = found->durableTimes = isLate ? node->times : node->durableTimes;
     found->number = node->number;
     after->names_[path] = found;
   }

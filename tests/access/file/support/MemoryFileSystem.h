@@ -52,7 +52,9 @@ class MemoryFileSystem final : public FileSystem {
   /// The time of a file's last change, in nanoseconds; set as by a program that copies it with its times.
   [[nodiscard]] std::int64_t Stamp(const std::string& path) const;
   void SetStamp(const std::string& path, std::int64_t stamp);
-  /// Gives a file another content, durably, as another program would (the modification stamp changes).
+  /// From now on nobody learns when a file was changed but from the time that programs can set.
+  void KeepNoChangeTimes() { keepsChangeTimes_ = false; }
+  /// Gives a file another content, durably, as another program would (its times change).
   void SetContents(const std::string& path, const Bytes& bytes);
   [[nodiscard]] std::vector<std::string> Paths() const;
   /// Sets or takes away the read-only attribute of a file.
@@ -101,8 +103,8 @@ class MemoryFileSystem final : public FileSystem {
     SharedBytes bytes;
     SharedBytes durable;
     std::vector<Change> unflushed;
-    std::int64_t stamp = 0;
-    std::int64_t durableStamp = 0;
+    FileTimes times;
+    FileTimes durableTimes;
     std::uint64_t number = 0;
     bool isReadOnly = false;
     std::vector<Lock> locks;
@@ -114,6 +116,7 @@ class MemoryFileSystem final : public FileSystem {
   static void ApplySome(const std::vector<Change>& changes, SharedBytes& bytes,
                         const std::function<std::size_t(std::size_t)>& choose);
   std::shared_ptr<Node> Find(const std::string& path) const;
+  FileTimes Tick();
   void NamesChanged() { unflushedNames_.push_back(names_); }
 
   Names names_;
@@ -123,6 +126,7 @@ class MemoryFileSystem final : public FileSystem {
   bool folderIsReadOnly_ = false;
   std::uint64_t capacity_ = ~std::uint64_t{0};
   std::int64_t clock_ = 0;
+  bool keepsChangeTimes_ = true;
   std::function<void()> onPause_;
   std::vector<class MemoryWork*> works_;
   std::chrono::milliseconds paused_{0};
