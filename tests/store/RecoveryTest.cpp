@@ -514,8 +514,15 @@ TEST_F(RecoveryTest, TextsThatAreTooLongAreShortenedAndReported) {
        "Insert into Members (MembershipNumber, Title) Values (1, '" + std::string(30, 'x') + "')"});
   const RecoveryReport report = Recover();
   EXPECT_EQ(Figures(report, "Members"), "1 1 0 1");
-  EXPECT_THAT(Message(), HasSubstr("of Title was shortened to 20 characters."));
+  EXPECT_THAT(Message(), HasSubstr("\"" + std::string(30, 'x') + "\" of Title was shortened to 20 characters."));
   EXPECT_THAT(club_.Column("Select Title From Members"), ElementsAre(std::string(20, 'x')));
+}
+
+TEST_F(RecoveryTest, OfALongTextThatIsShortenedTheReportHasTheBeginning) {
+  Old({"Alter Table Members Drop Column Title", "Alter Table Members Add Column Title Text (100)",
+       "Insert into Members (MembershipNumber, Title) Values (1, '" + std::string(61, 'x') + "')"});
+  static_cast<void>(Recover());
+  EXPECT_THAT(Message(), HasSubstr("\"" + std::string(60, 'x') + "...\" of Title was shortened to 20 characters."));
 }
 
 TEST_F(RecoveryTest, ASecondRowWithTheKeyOfAnotherIsLostAndReported) {
