@@ -43,6 +43,10 @@ TEST(Jet3Row, AShortRowHasOneByteOffsets) {
   EXPECT_EQ(DecodedOld(bytes, definition), (RowValues{std::int32_t{7}, "A\u00E9"s, "B"s, true}));
 }
 
+TEST(Jet3Row, ARowMayHaveNothingButAnEmptyText) {
+  EXPECT_EQ(DecodedOld(FromHex("01 | 01 01 | 01 | 01"), PlanTable({TextColumn("t", 50)})), (RowValues{""s}));
+}
+
 TEST(Jet3Row, NullsAndColumnsThatCameLaterAreNull) {
   const TableDefinition definition =
       PlanTable({{"n", ColumnType::Long}, TextColumn("t", 50), TextColumn("u", 50), {"m", ColumnType::Long}});
