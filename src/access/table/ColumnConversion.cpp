@@ -187,9 +187,26 @@ bool HasColumnType(const Value& value, const ColumnDefinition& column) {
   }
 }
 
+void CheckStoredForm(const Value& value, const ColumnDefinition& column) {
+  const auto* text = std::get_if<std::string>(&value);
+  if (text == nullptr || HasStoredForm(*text)) return;
+  RaiseFailure("The field '" + column.name +
+               "' cannot hold the text: it begins with the character U+FEFF (a byte-order mark), which the file takes "
+               "for the mark of another form. Leave that character out.");
+}
+
+/// The negative zero is a number of its own in an index, and none to people and to comparisons: it becomes 0.
+Value WithoutNegativeZero(const Value& value) {
+  if (const auto* number = std::get_if<double>(&value); number != nullptr && *number == 0.0) return 0.0;
+  if (const auto* number = std::get_if<float>(&value); number != nullptr && *number == 0.0F) return 0.0F;
+  if (const auto* date = std::get_if<Date>(&value); date != nullptr && date->days == 0.0) return Date{0.0};
+  return value;
+}
+
 /// Texts are limited by UTF-16 units, as a column states its length in bytes of these, whether or not a value is stored
 /// compressed. Memo and OLE have a limit of their own, where they are stored.
 void CheckLength(const Value& value, const ColumnDefinition& column) {
+  CheckStoredForm(value, column);
   if (const auto* text = std::get_if<std::string>(&value); text != nullptr && column.type == ColumnType::Text) {
     const std::size_t limit = column.length / sizeof(char16_t);
     const std::size_t length = Utf16Length(*text);
@@ -208,12 +225,12 @@ Value ConvertForColumn(const Value& value, const ColumnDefinition& column) {
   if (IsNull(value)) return column.type == ColumnType::Boolean ? Value{false} : Value{};
   if (HasColumnType(value, column)) {
     CheckLength(value, column);
-    return value;
+    return WithoutNegativeZero(value);
   }
   try {
     Value converted = Converted(value, column);
     CheckLength(converted, column);
-    return converted;
+    return WithoutNegativeZero(converted);
   } catch (const Error& error) {
     // The general conversions do not know the field.
     if (error.Is(ErrorNumber::TypeMismatch)) RaiseMismatch(column);

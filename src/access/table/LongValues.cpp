@@ -82,6 +82,8 @@ PreparedLongValue PrepareLongValue(const Value& value, const ColumnDefinition& c
     prepared.form = FormFor(Utf16Length(*text) * sizeof(char16_t));
     const bool compress = prepared.form == Form::Inline || (prepared.form == Form::Single && column.IsCompressed());
     prepared.data = EncodeText(*text, compress);
+    // Switches of mode may make it longer than that.
+    prepared.form = std::max(prepared.form, FormFor(prepared.data.size()));
   } else if (const auto* bytes = std::get_if<Bytes>(&value); column.type == ColumnType::Ole && bytes != nullptr) {
     prepared.form = FormFor(bytes->size());
     prepared.data = *bytes;

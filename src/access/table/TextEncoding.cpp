@@ -8,7 +8,8 @@
 
 // Most texts are ASCII, which is the same in UTF-8 and in compressed form and is copied as it is; each function looks
 // for that first, and goes by UTF-16 only when it has to. Compressed values with a switch of mode were seen in memos
-// alone; they are read, and never written.
+// alone. They are read; written they are only for a text that begins with U+FEFF, which in the plain form would begin
+// with the mark of the compressed one.
 
 namespace tavi::access {
 
@@ -52,6 +53,35 @@ void AppendLatin(std::string& text, Stored bytes) {
       text.push_back(static_cast<char>(0x80U | (byte & 0x3FU)));
     }
   }
+}
+
+bool BeginsWithTheMark(std::string_view text) {
+  return text.starts_with("\uFEFF");
+}
+
+bool IsLatin(char16_t unit) {
+  return unit >= 0x01 && unit <= 0xFF;
+}
+
+/// One byte of a plain segment that is 00 would end it.
+bool FitsPlainSegment(char16_t unit) {
+  return (unit & 0xFFU) != 0 && unit > 0xFF;
+}
+
+/// The compressed form with a switch wherever a character does not fit the mode: "\uFEFFab" is FF FE 00 FF FE 00 61 62.
+/// The text has this form (HasStoredForm).
+Bytes EncodeSegments(std::string_view text) {
+  Bytes bytes(text_layout::kCompressedMark.begin(), text_layout::kCompressedMark.end());
+  bool isCompressed = true;
+  for (const char16_t unit : ToUtf16(text)) {
+    if (isCompressed != IsLatin(unit)) {
+      bytes.push_back(text_layout::kModeSwitch);
+      isCompressed = !isCompressed;
+    }
+    bytes.push_back(static_cast<std::uint8_t>(unit & 0xFFU));
+    if (!isCompressed) bytes.push_back(static_cast<std::uint8_t>(unit >> 8U));
+  }
+  return bytes;
 }
 
 /// In turn one byte for each character and two. A 00 ends a segment of either kind, which is why a plain one holds no
@@ -109,8 +139,6 @@ std::string DecodePlainText(Stored stored) {
   return text;
 }
 
-// Nothing marks the plain form: a text that begins with U+FEFF has the bytes FF FE there, and is read as a compressed
-// one.
 Bytes EncodePlainText(std::string_view text) {
   Bytes bytes;
   bytes.reserve(text.size() * kUnitSize);
@@ -132,13 +160,17 @@ bool IsCompressible(std::string_view text) {
     return text.size() >= text_layout::kMinimumCompressedLength && text.find('\0') == std::string_view::npos;
   }
   const std::u16string units = ToUtf16(text);
-  return units.size() >= text_layout::kMinimumCompressedLength &&
-         std::ranges::all_of(units, [](char16_t unit) { return unit >= 0x01 && unit <= 0xFF; });
+  return units.size() >= text_layout::kMinimumCompressedLength && std::ranges::all_of(units, IsLatin);
 }
 
-// All in one segment, or not compressed at all: a switch of mode is never written. Short texts stay plain, as the mark
-// would take what is saved.
+bool HasStoredForm(std::string_view text) {
+  return !BeginsWithTheMark(text) ||
+         std::ranges::all_of(ToUtf16(text), [](char16_t unit) { return IsLatin(unit) || FitsPlainSegment(unit); });
+}
+
+// All in one segment, or not compressed at all. Short texts stay plain, as the mark would take what is saved.
 Bytes EncodeText(std::string_view text, bool compress) {
+  if (BeginsWithTheMark(text)) return EncodeSegments(text);
   if (!compress || !IsCompressible(text)) return EncodePlainText(text);
   Bytes bytes(text_layout::kCompressedMark.begin(), text_layout::kCompressedMark.end());
   if (IsAscii(text)) {

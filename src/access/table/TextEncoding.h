@@ -23,11 +23,15 @@ namespace tavi::access {
 /// As DecodeText, for places where text is never compressed (names, fixed-length columns).
 [[nodiscard]] std::string DecodePlainText(std::span<const std::uint8_t> stored);
 
-/// The plain form.
+/// The plain form, for the same places.
 [[nodiscard]] Bytes EncodePlainText(std::string_view text);
 /// True for a text that Access compresses where it may: at least 3 characters, all in 0001-00FF.
 [[nodiscard]] bool IsCompressible(std::string_view text);
-/// The compressed form when `compress` is set and the text IsCompressible, else the plain one.
+/// False for a text that begins with U+FEFF, whose bytes are the mark of the compressed form, and holds a NUL or
+/// another character with a 00 byte in it (U+0100), by which that form switches: it could not be read back.
+[[nodiscard]] bool HasStoredForm(std::string_view text);
+/// The compressed form when `compress` is set and the text IsCompressible, else the plain one; a text that begins with
+/// U+FEFF gets the compressed one with switches of mode. The text HasStoredForm.
 [[nodiscard]] Bytes EncodeText(std::string_view text, bool compress);
 /// Number of UTF-16 units of a text: what the length of a column limits.
 [[nodiscard]] std::size_t Utf16Length(std::string_view text);

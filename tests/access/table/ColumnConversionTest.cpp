@@ -1,4 +1,6 @@
 #include <gtest/gtest.h>
+
+#include <cmath>
 #include <limits>
 #include <string>
 
@@ -109,6 +111,21 @@ TEST(ConvertForColumn, TheLengthOfATextCountsUtf16Units) {
             Value("\u00C9\u00C9\u00C9\u00C9\u00C9"s));
   ExpectRefused("\U0001F0A1\U0001F0A1\U0001F0A1"s, TextColumn("Name", 5), ErrorNumber::ProviderFailure,
                 "The field is too small");
+}
+
+TEST(ConvertForColumn, ATextThatCouldNotBeReadBackIsRefused) {
+  ExpectRefused("\uFEFF\u0100"s, TextColumn("Name", 5), ErrorNumber::ProviderFailure,
+                "The field 'Name' cannot hold the text");
+  ExpectRefused("\uFEFF\u0100"s, {"Notes", ColumnType::Memo}, ErrorNumber::ProviderFailure, "The field 'Notes' cannot");
+}
+
+TEST(ConvertForColumn, TheNegativeZeroBecomesZero) {
+  const auto isNegative = [](const Value& value) { return std::signbit(std::get<double>(value)); };
+  EXPECT_FALSE(isNegative(Convert(-0.0, {"x", ColumnType::Double})));
+  EXPECT_FALSE(isNegative(Convert("-0"s, {"x", ColumnType::Double})));
+  EXPECT_TRUE(isNegative(Convert(-1.0, {"x", ColumnType::Double})));
+  EXPECT_FALSE(std::signbit(std::get<float>(Convert(-0.0F, {"x", ColumnType::Single}))));
+  EXPECT_FALSE(std::signbit(std::get<Date>(Convert(Date{-0.0}, {"x", ColumnType::Date})).days));
 }
 
 TEST(ConvertForColumn, MemosHaveNoLimitOfTheirOwn) {

@@ -29,6 +29,18 @@ TEST(TextEncoding, ModeSwitchesLeadToPlainCharactersAndBack) {
             "([__\u533A\u5206\u540D] = \u533A)");
 }
 
+TEST(TextEncoding, ATextThatBeginsLikeTheMarkIsReadBackAsItWas) {
+  EXPECT_EQ(ToHex(EncodeText("\uFEFFab", false)), "ff fe 00 ff fe 00 61 62");
+  for (const char* text : {"\uFEFF", "\uFEFFabc", "\uFEFF\uFEFF", "\uFEFF\u00C9\u533A\u5206 = 7", "\uFEFF\U0001F0A1"}) {
+    EXPECT_TRUE(HasStoredForm(text)) << text;
+    EXPECT_EQ(DecodeText(EncodeText(text, true)), text);
+    EXPECT_EQ(DecodeText(EncodeText(text, false)), text);
+  }
+  EXPECT_FALSE(HasStoredForm("\uFEFF\u0100"));
+  EXPECT_FALSE(HasStoredForm(std::string("\uFEFFa\0", 5)));
+  EXPECT_TRUE(HasStoredForm("\u0100\uFEFF"));
+}
+
 TEST(TextEncoding, CompressedTextMayEndInEitherMode) {
   EXPECT_EQ(DecodeText(FromHex("FF FE 41 00 3A 53")), "A\u533A");
   EXPECT_EQ(DecodeText(FromHex("FF FE 41 00")), "A");
