@@ -63,19 +63,20 @@ function(tavi_use_room_headers name)
   endif()
 endfunction()
 
-# tavi_room(NAME FOR "what it is for" [AT_A_TIME COUNT] SOURCES ... [USES ...]): a static library of one room; USES are
-# the rooms below it, and libraries from elsewhere. scripts/draw-house draws the house from these calls. Nobody would
-# notice a call upwards in a program, which links the upper room too. So each room is also linked alone with those that
+# tavi_room(NAME FOR "what it is for" [AT_A_TIME COUNT] SOURCES ... [USES ...] [INSIDE ...]): a static library of one
+# room; USES are the rooms below it, and libraries from elsewhere; rooms INSIDE it are kept from those above. These calls
+# are the only list of rooms: scripts/check-arrows checks includes by it, scripts/draw-house draws it. Nobody would notice
+# a call upwards in a program, which links the upper room too. So each room is also linked alone with those that
 # it uses, and the build fails where one of its calls leads nowhere.
 function(tavi_room name)
-  cmake_parse_arguments(ROOM "" "FOR;AT_A_TIME" "SOURCES;USES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "FOR;AT_A_TIME" "SOURCES;USES;INSIDE" ${ARGN})
   if(NOT ROOM_AT_A_TIME)
     set(ROOM_AT_A_TIME ${TAVI_FILES_AT_A_TIME})
   endif()
   add_library(${name} STATIC ${ROOM_SOURCES})
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON
     UNITY_BUILD_BATCH_SIZE ${ROOM_AT_A_TIME})
-  target_link_libraries(${name} PUBLIC tavi_options ${ROOM_USES})
+  target_link_libraries(${name} PUBLIC tavi_options ${ROOM_USES} ${ROOM_INSIDE})
   if(TARGET tavi_room_headers)
     target_precompile_headers(${name} REUSE_FROM tavi_room_headers)
   elseif(TAVI_PRECOMPILE)

@@ -18,14 +18,13 @@ inline bool IsInterfaceOfObjects(REFIID wanted, REFIID own) {
          wanted == IID_ISupportErrorInfo;
 }
 
-/// What every object of the server is: counted by references, callable through its interface and by name, with rich
-/// errors, and able to tell its class. An object is used on the thread that created it.
-template <typename Interface, typename Class>
-class AutomationObject : public Interface, public IProvideClassInfo, public ISupportErrorInfo {
+/// An object that lives as long as somebody has a reference to it; the one who makes it has the first.
+template <typename... Interfaces>
+class CountedObject : public Interfaces... {
  public:
-  AutomationObject() = default;
-  AutomationObject(const AutomationObject&) = delete;
-  AutomationObject& operator=(const AutomationObject&) = delete;
+  CountedObject() = default;
+  CountedObject(const CountedObject&) = delete;
+  CountedObject& operator=(const CountedObject&) = delete;
 
   STDMETHODIMP QueryInterface(REFIID wanted, void** result) override {
     if (result == nullptr) return E_POINTER;
@@ -36,11 +35,29 @@ class AutomationObject : public Interface, public IProvideClassInfo, public ISup
   }
   STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
   STDMETHODIMP_(ULONG) Release() override {
+    // Read once: another thread may take the last reference away right behind the subtraction.
     const ULONG left = --references_;
     if (left == 0) delete this;
     return left;
   }
 
+ protected:
+  // Only the last Release destroys it.
+  virtual ~CountedObject() = default;
+
+  /// One of the interfaces of this object, without a new reference; null for others.
+  virtual void* Find(REFIID wanted) = 0;
+
+ private:
+  // The system's own threads release objects too, when an apartment ends.
+  std::atomic<ULONG> references_{1};
+};
+
+/// What every object of the server is: callable through its interface and by name, with rich errors, and able to tell
+/// its class. An object is used on the thread that created it.
+template <typename Interface, typename Class>
+class AutomationObject : public CountedObject<Interface, IProvideClassInfo, ISupportErrorInfo> {
+ public:
   STDMETHODIMP GetTypeInfoCount(UINT* count) override {
     return Answer([&] { *count = 1; }, count);
   }
@@ -88,11 +105,7 @@ class AutomationObject : public Interface, public IProvideClassInfo, public ISup
   }
 
  protected:
-  // Only the last Release destroys it.
-  virtual ~AutomationObject() = default;
-
-  /// One of the interfaces of this object, without a new reference; null for others.
-  virtual void* Find(REFIID wanted) {
+  void* Find(REFIID wanted) override {
     if (wanted == IID_ISupportErrorInfo) return static_cast<ISupportErrorInfo*>(this);
     if (wanted == IID_IProvideClassInfo) return static_cast<IProvideClassInfo*>(this);
     return IsInterfaceOfObjects(wanted, __uuidof(Interface)) ? static_cast<Interface*>(this) : nullptr;
@@ -119,7 +132,6 @@ class AutomationObject : public Interface, public IProvideClassInfo, public ISup
   }
 
   ModuleLock lock_;
-  std::atomic<ULONG> references_{1};
   windows::ComPointer<ITypeInfo> information_;
 };
 

@@ -10,25 +10,9 @@ namespace {
 
 /// A class object. It keeps the library loaded while somebody has it; once other apartments have it, as long as they
 /// are connected, for the system may forget a reference of its own to what it has handed to them.
-class ClassFactory final : public IClassFactory, public IExternalConnection {
+class ClassFactory final : public CountedObject<IClassFactory, IExternalConnection> {
  public:
   explicit ClassFactory(const CreatableClass& made) : made_(made) {}
-  ClassFactory(const ClassFactory&) = delete;
-  ClassFactory& operator=(const ClassFactory&) = delete;
-
-  STDMETHODIMP QueryInterface(REFIID wanted, void** result) override {
-    if (result == nullptr) return E_POINTER;
-    *result = Find(wanted);
-    if (*result == nullptr) return E_NOINTERFACE;
-    AddRef();
-    return S_OK;
-  }
-  STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-  STDMETHODIMP_(ULONG) Release() override {
-    const ULONG left = --references_;
-    if (left == 0) delete this;
-    return left;
-  }
 
   STDMETHODIMP CreateInstance(IUnknown* outer, REFIID wanted, void** result) override {
     if (result == nullptr) return E_POINTER;
@@ -69,16 +53,12 @@ class ClassFactory final : public IClassFactory, public IExternalConnection {
   }
 
  private:
-  // Only the last Release destroys it.
-  virtual ~ClassFactory() = default;
-
-  void* Find(REFIID wanted) {
+  void* Find(REFIID wanted) override {
     if (wanted == IID_IUnknown || wanted == IID_IClassFactory) return static_cast<IClassFactory*>(this);
     return wanted == IID_IExternalConnection ? static_cast<IExternalConnection*>(this) : nullptr;
   }
 
   const CreatableClass& made_;
-  std::atomic<ULONG> references_{1};
   std::mutex connectionsMutex_;
   DWORD connections_ = 0;
   std::optional<ModuleLock> lock_{std::in_place};

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <TaviMembership.h>
-
 #include <memory>
 #include <string>
 #include <vector>
@@ -39,5 +38,23 @@ class CollectionObject final : public AutomationObject<_Collection, ::Collection
 
 /// A new collection of these items.
 windows::ComPointer<_Collection> MakeCollection(std::vector<CollectionItem> items);
+
+/// Walks the items of a collection for scripts.
+class ItemEnumerator final : public CountedObject<IEnumVARIANT> {
+ public:
+  ItemEnumerator(CollectionItems items, std::size_t position) : items_(std::move(items)), position_(position) {}
+
+  STDMETHODIMP Next(ULONG count, VARIANT* values, ULONG* fetched) override;
+  STDMETHODIMP Skip(ULONG count) override;
+  STDMETHODIMP Reset() override;
+  STDMETHODIMP Clone(IEnumVARIANT** result) override;
+
+ private:
+  void* Find(REFIID wanted) override;
+
+  ModuleLock lock_;
+  CollectionItems items_;
+  std::size_t position_;
+};
 
 }  // namespace tavi::automation

@@ -75,6 +75,7 @@ void ClearCompetitorMasterPoints(cDatabase& database, std::int32_t CompetitionID
       "Delete from MasterPoints Where CompetitionID = " + std::to_string(CompetitionID) + " And ";
   if (MemberID != kNoMember) {
     database.Execute(statement + NumberIs(MemberID));
+    // All members of no name share a number: without a name, "theirs" would be everybody's.
   } else if (!Name.empty() && IsStorable(Name)) {
     database.Execute(statement + "MembershipNumber < 0 and NonMemberName = " + cDatabase::SQLString(Name));
   }

@@ -14,7 +14,6 @@
 #include "members/AddressLists.h"
 #include "members/Members.h"
 #include "members/MembershipCheck.h"
-#include "members/NewMembers.h"
 #include "members/Partnerships.h"
 #include "members/Walk.h"
 #include "names/NameSearch.h"

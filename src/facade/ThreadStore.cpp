@@ -5,7 +5,7 @@
 #include <exception>
 #include <string>
 
-#include "names/NameUniqueness.h"
+#include "names/NameColumns.h"
 #include "util/Diagnostics.h"
 #include "util/Paths.h"
 #include "util/SettingsStore.h"

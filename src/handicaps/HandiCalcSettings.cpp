@@ -1,3 +1,4 @@
+// The settings of the handicap calculation as values that know their limits.
 #include "handicaps/HandiCalcSettings.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ constexpr double kTolerance = 0.00001;
 constexpr double kNoise = 1e-12;
 
 bool IsActive(double difference) {
+  // As near as that, a number is meant to be 1, or 0, and switches nothing on.
   return std::abs(difference) > kTolerance + kNoise;
 }
 

@@ -4,7 +4,6 @@
 #include "members/MembershipCheck.h"
 
 #include "members/Members.h"
-#include "members/NewMembers.h"
 #include "names/NameSearch.h"
 #include "names/cPlayerDetails.h"
 #include "platform/values/Convert.h"

@@ -1,7 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <string>
 #include <string_view>
+
+#include "names/cPlayerDetails.h"
 
 /// How well two writings of a name agree. The scores are combined to the weight by which found members are sorted.
 namespace tavi {
@@ -26,5 +30,26 @@ std::int16_t CompareInitials(std::string_view Own, std::string_view Other);
 
 /// 100 x surname + 10 x first name + initials: the surname weighs most.
 std::int16_t CombineMatchScores(std::int16_t FirstNameScore, std::int16_t InitialsScore, std::int16_t SurnameScore);
+
+/// Why a member is offered for a typed name, in words: "same name", or what differs, the surname first: "surname sounds
+/// alike, first name is short for Katherine". For two names that do not match (MatchWeight 0) "different name".
+[[nodiscard]] std::string MatchReason(const cPlayerDetails& typed, const cPlayerDetails& member);
+
+/// How well a member's name fits a typed one, and why (MatchReason).
+struct NameMatch {
+  std::int16_t weight = 0;  ///< 121 to 444; 0: another name
+  std::string reason;
+};
+
+/// The parts of a member's name.
+struct MemberName {
+  std::string first;
+  std::string initials;
+  std::string last;
+};
+
+/// Compares a typed full name with a member's. Errors of the platform's name-key service pass on.
+[[nodiscard]] NameMatch CompareNames(const std::shared_ptr<const NameKeyService>& keys, const std::string& typed,
+                                     const MemberName& member);
 
 }  // namespace tavi

@@ -89,16 +89,18 @@ void Recovery::Recover(const std::string& oldFile) {
 std::vector<TableTask> Recovery::Tasks() const {
   const std::string body = GetSetting(database_.GetPlatform(), RegistryRoot::CurrentUser, kSettingsKey,
                                       kGoverningBodySetting, kUsualGoverningBody);
-  return {
-      {"ClubNames:ClubID", "Affiliation=" + body},
-      {"ClubPolicies"},
-      {"Competitions:ID", std::string("IsTeams=0,IsSwiss=0,IsExternal=0,Qualifinal=0,NatCode=") + kUsualGoverningBody},
-      {"HandicalcSettings", "Disabled=0"},
-      {"MasterPoints:ID", "Colour=-1,SessionNo=-1", "CompetitionID"},
-      {"Members"},
-      {"Partnerships"},
-      {"Results", "", "Competition"},
-      {"Settings"}};
+  const ColumnDefaults ofCompetitions{
+      {"isteams", "0"}, {"isswiss", "0"}, {"isexternal", "0"}, {"qualifinal", "0"}, {"natcode", kUsualGoverningBody}};
+  return {{"ClubNames", "ClubID", {}, "", "Affiliation=" + body},
+          {"ClubPolicies"},
+          {"Competitions", "ID", ofCompetitions},
+          {"HandicalcSettings", "", {{"disabled", "0"}}},
+          // A colour below 0 is taken from the competition, once all awards are there.
+          {"MasterPoints", "ID", {{"colour", "-1"}, {"sessionno", "-1"}}, "CompetitionID"},
+          {"Members"},
+          {"Partnerships"},
+          {"Results", "", {}, "Competition"},
+          {"Settings"}};
 }
 
 // Emptying comes before the first copy where tables refer to each other, and table by table otherwise.
@@ -108,7 +110,7 @@ void Recovery::CopyTables() {
   std::vector<std::string> names;
   std::deque<TableRecovery> copies;
   for (TableTask& task : Tasks()) {
-    names.push_back(ParseTableSpecification(task.specification).table);
+    names.push_back(task.table);
     copies.emplace_back(database_, *old_, carried_, std::move(task), observer_);
   }
   // Rows of the current file would keep those from being deleted that they refer to, or go with them when they are new.

@@ -1,3 +1,14 @@
+#include "store/TableRecovery.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/values/Convert.h"
+#include "platform/values/Error.h"
+#include "platform/values/Text.h"
+#include "store/EmptyTables.h"
+#include "util/Diagnostics.h"
+
 // One table of an old file, row by row. A damaged file gives what it has left, so nothing that goes wrong with a value
 // or a row ends the copy:
 //
@@ -9,15 +20,6 @@
 //
 // Only trouble with the new file ends everything, as every further row would meet it. Each row is a statement of its
 // own; a recovery that is stopped has saved whole rows, and starts each table anew when it is called again.
-#include "store/TableRecovery.h"
-
-#include <algorithm>
-#include <utility>
-
-#include "platform/values/Convert.h"
-#include "platform/values/Text.h"
-#include "store/EmptyTables.h"
-#include "util/Diagnostics.h"
 
 namespace tavi {
 namespace {
@@ -69,13 +71,8 @@ bool IsOfTheNewFile(const Error& error) {
 
 TableRecovery::TableRecovery(cDatabase& database, ado::Connection& old, CarriedOver& carried, TableTask task,
                              RecoveryObserver* observer)
-    : database_(database),
-      old_(old),
-      carried_(carried),
-      task_(std::move(task)),
-      observer_(observer),
-      specification_(ParseTableSpecification(task_.specification)) {
-  report_.name = specification_.table;
+    : database_(database), old_(old), carried_(carried), task_(std::move(task)), observer_(observer) {
+  report_.name = task_.table;
 }
 
 // The old table's count is a statement of a file that may be damaged: it says how many rows should have been there, and
@@ -140,9 +137,9 @@ void TableRecovery::Attempt(const std::function<void()>& copying) {
 }
 
 void TableRecovery::CopyRows() {
-  WriteDiagnostic("Recovering " + task_.specification);
+  WriteDiagnostic("Recovering " + task_.table + (task_.identifier.empty() ? "" : ":" + task_.identifier));
   // Before rows are deleted: a list of defaults that cannot be read must cost nothing.
-  defaults_ = ParseDefaults(task_.defaults);
+  task_.defaults.merge(ParseDefaults(task_.defaultsFromSetting));
   DeleteOldRows();
   OpenRows();
   for (std::int64_t place = 0; !oldRows_->AtEnd(); oldRows_->MoveNext(), ++place) {
@@ -153,7 +150,7 @@ void TableRecovery::CopyRows() {
 
 // Rows of the new file that a relationship keeps are no reason to lose the old ones, which are added beside them.
 void TableRecovery::DeleteOldRows() {
-  const std::string& table = specification_.table;
+  const std::string& table = task_.table;
   try {
     database_.Execute("Delete from " + table);
   } catch (const Error& error) {
@@ -165,7 +162,7 @@ void TableRecovery::DeleteOldRows() {
 
 // The old table is walked as a table: a statement on it would fail at the first damage.
 void TableRecovery::OpenRows() {
-  const std::string& table = specification_.table;
+  const std::string& table = task_.table;
   newRows_ = database_.OpenRecordset(table, ado::CursorType::Dynamic, true);
   oldRows_ =
       old_.OpenRecordset(table, ado::CursorType::ForwardOnly, ado::LockType::Pessimistic, ado::SourceKind::TableDirect);
@@ -189,7 +186,7 @@ void TableRecovery::CopyRow(std::int64_t place) {
   report_.valuesLost += valuesLost_;
   danglingReferences_ += isDangling_ ? 1 : 0;
   if (!firstDamage_.empty()) Remark(firstDamage_);
-  if (!specification_.identifier.empty()) EnterIdentifier();
+  if (!task_.identifier.empty()) EnterIdentifier();
 }
 
 // All columns of the new file are asked for, so that those which the old file has beside them stay behind, and those
@@ -236,7 +233,7 @@ std::optional<Value> TableRecovery::ReadOld(const std::string& column) {
 // The identifier is not carried over: the new file gives its own, and what refers to the row follows by the map.
 std::optional<Value> TableRecovery::ValueFor(const std::string& column) {
   std::optional<Value> value = ReadOld(column);
-  if (EqualIgnoringCase(column, specification_.identifier)) {
+  if (EqualIgnoringCase(column, task_.identifier)) {
     if (value) oldIdentifier_ = NumberOf(*value);
     return std::nullopt;
   }
@@ -244,8 +241,8 @@ std::optional<Value> TableRecovery::ValueFor(const std::string& column) {
   if (value && IsOfCompetitions() && EqualIgnoringCase(column, "Qualifinal")) carried_.conversionNeeded = false;
   if (value && EqualIgnoringCase(column, task_.competitionColumn)) value = NewReference(*value);
   if (value && !IsNull(*value)) return value;
-  const auto fallback = defaults_.find(LowerCase(column));
-  return fallback == defaults_.end() ? value : Value(fallback->second);
+  const auto fallback = task_.defaults.find(LowerCase(column));
+  return fallback == task_.defaults.end() ? value : Value(fallback->second);
 }
 
 // Left as it was, a number that belongs to no competition might belong to another one in the new file.
@@ -275,7 +272,7 @@ void TableRecovery::Store(const std::string& column, const Value& value) {
 // Counts as a lost value also when most of the text is saved: somebody should look at it.
 void TableRecovery::StoreShortened(const std::string& column, const std::string& text, const Error& refusal) {
   ++valuesLost_;
-  const std::size_t width = WidthOf(database_, specification_.table, column);
+  const std::size_t width = WidthOf(database_, task_.table, column);
   std::string what = "The value " + Quoted(text) + " of " + column + " was refused: " + refusal.Description();
   if (width > 0 && TextLength(text) > width) {
     newRows_->Set(column, FirstCharacters(text, width));
@@ -290,7 +287,7 @@ void TableRecovery::EnterIdentifier() {
     report_.error = Error(ErrorNumber::Component, "Recover", "ID field not found in old record");
     return;
   }
-  carried_.identifiers.Enter(specification_.table, *oldIdentifier_, ToInt32(newRows_->Get(specification_.identifier)));
+  carried_.identifiers.Enter(task_.table, *oldIdentifier_, ToInt32(newRows_->Get(task_.identifier)));
 }
 
 // Each reason once: a relationship can refuse thousands of rows with one text.
@@ -308,7 +305,18 @@ void TableRecovery::Remark(const std::string& text) {
 }
 
 bool TableRecovery::IsOfCompetitions() const {
-  return EqualIgnoringCase(specification_.table, kCompetitionsTable);
+  return EqualIgnoringCase(task_.table, kCompetitionsTable);
+}
+
+ColumnDefaults ParseDefaults(const std::string& text) {
+  ColumnDefaults defaults;
+  if (text.empty()) return defaults;
+  for (const std::string& item : Split(text, ',')) {
+    const std::size_t equals = item.find('=');
+    if (equals == std::string::npos) throw Error(ErrorNumber::Component, "Recovery", "Illegal defaults setting");
+    defaults[LowerCase(Trim(item.substr(0, equals)))] = Trim(item.substr(equals + 1));
+  }
+  return defaults;
 }
 
 }  // namespace tavi

@@ -7,13 +7,56 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "store/RecoveryReport.h"
-#include "store/RecoveryTask.h"
 #include "store/cDatabase.h"
 
+/// One table of an old file and how it is copied, and what the copies of all tables share.
 namespace tavi {
+
+/// Values of columns that an old file lacks, by their names in lower case.
+using ColumnDefaults = std::map<std::string, std::string>;
+
+/// Reads "IsTeams=0,IsSwiss=0". An empty text has no items. Raises "Illegal defaults setting" (source "Recovery") for
+/// an item without "=".
+ColumnDefaults ParseDefaults(const std::string& text);
+
+/// Which identifier the copy of a row got in the new file, by the table and its identifier in the old one. Identifiers
+/// of different tables are different things: competition 5 and award 5 have nothing to do with each other.
+class IdentifierMap {
+ public:
+  void Enter(const std::string& table, std::int32_t oldIdentifier, std::int32_t newIdentifier) {
+    entries_.try_emplace({table, oldIdentifier}, newIdentifier);
+  }
+  [[nodiscard]] std::optional<std::int32_t> Find(const std::string& table, std::int32_t oldIdentifier) const {
+    const auto found = entries_.find({table, oldIdentifier});
+    return found == entries_.end() ? std::nullopt : std::optional(found->second);
+  }
+
+ private:
+  std::map<std::pair<std::string, std::int32_t>, std::int32_t> entries_;
+};
+
+/// A table as it is to be copied.
+struct TableTask {
+  std::string table;
+  std::string identifier{};         ///< its column of identifiers, which the new file gives out anew; may be empty
+  ColumnDefaults defaults{};        ///< for columns that the old file lacks, and for its empty values
+  std::string competitionColumn{};  ///< holds an identifier of Competitions; may be empty
+  /// Further defaults with a value out of a setting, which anybody can write: read (ParseDefaults) when the table's
+  /// turn comes, so that a setting that cannot be one costs this table alone.
+  std::string defaultsFromSetting{};
+};
+
+/// What the copies of all tables of one recovery share.
+struct CarriedOver {
+  IdentifierMap identifiers;
+  bool acceptsNegativeIdentifiers = false;  ///< random automatic numbers; without it they count as not found
+  bool conversionNeeded = true;             ///< false as soon as the old Competitions table shows the current layout
+  bool competitionsMayFollow = false;  ///< competitions were refused and are tried again, so their numbers may come
+};
 
 /// The table that rows of other tables refer to.
 inline constexpr const char* kCompetitionsTable = "Competitions";
@@ -71,8 +114,6 @@ class TableRecovery {
   RecoveryObserver* observer_;
 
   RecoveredTable report_;
-  TableSpecification specification_;
-  std::map<std::string, std::string> defaults_;
   std::unique_ptr<ado::Recordset> oldRows_;
   std::unique_ptr<ado::Recordset> newRows_;
   std::int64_t danglingReferences_ = 0;

@@ -1,5 +1,6 @@
 #include "util/TextHelpers.h"
 
+#include <algorithm>
 #include <array>
 
 #include "platform/values/Digits.h"
@@ -21,6 +22,15 @@ std::string HexadecimalNumber(std::int32_t number) {
                                           static_cast<std::uint8_t>(bits >> 16U), static_cast<std::uint8_t>(bits >> 8U),
                                           static_cast<std::uint8_t>(bits)};
   return "0x" + HexadecimalText(bytes);
+}
+
+bool IsFigures(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+std::string WithoutLeadingZeros(std::string_view number) {
+  const std::size_t digit = number.find_first_not_of('0');
+  return digit == std::string_view::npos ? std::string() : std::string(number.substr(digit));
 }
 
 }  // namespace tavi

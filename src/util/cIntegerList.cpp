@@ -33,6 +33,7 @@ void cIntegerList::SetTo(const std::string& InitString) {
   const std::string text = ReplaceAll(InitString, "&", ",");
   if (Trim(text).empty()) return;
   for (std::string& piece : Split(text, ',')) {
+    // A piece may run downwards: "7-5" is 5, 6 and 7.
     const std::int16_t start = ParseLeadingNumber(piece);
     std::int16_t end = start;
     if (piece.starts_with("-")) {

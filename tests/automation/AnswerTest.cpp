@@ -8,7 +8,6 @@
 #include "automation/ClassFactory.h"
 #include "automation/CollectionObject.h"
 #include "automation/Conversion.h"
-#include "automation/ItemEnumerator.h"
 #include "automation/ModuleUse.h"
 #include "facade/ThreadStore.h"
 

@@ -7,6 +7,7 @@
 #include <iostream>
 
 #include "composition/Composition.h"
+#include "platform/ConnectionTo.h"
 #include "store/Layout.h"
 #include "store/cDatabase.h"
 
@@ -22,7 +23,7 @@ class NoMessages : public tavi::MessageBoxes {
 void MakeFile(const tavi::Platform& platform, const std::string& folder) {
   const std::string file = folder + "\\ClubMembers.mdb";
   tavi::CreateEmptyDatabase(file, platform.clock->Now());
-  const auto connection = platform.databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file);
+  const auto connection = platform.databaseProvider->Open(tavi::ConnectionTo(file));
   tavi::CreateBaseFile(*connection);
   connection->Close();
 }

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "facade/support/Club.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi {
 namespace {
@@ -48,8 +49,8 @@ TEST_F(FolderChangeTest, AfterAHandicapWaitsForTheEndOfTheFileTooBecauseItLeftIt
 }
 
 TEST_F(FolderChangeTest, BringsTheOtherFileUpToDateThoughTheOpenOneWasLookedAtMeanwhile) {
-  const auto other = club_.SharedPlatform()->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" +
-                                                                    club_.Folder().Path("other/ClubMembers.mdb"));
+  const auto other =
+      club_.SharedPlatform()->databaseProvider->Open(ConnectionTo(club_.Folder().Path("other/ClubMembers.mdb")));
   other->Execute("Alter Table Members Drop Column Stratum");
   other->Close();
   club_->OpenDatabase();

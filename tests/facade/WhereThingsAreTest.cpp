@@ -9,6 +9,7 @@
 #include "composition/Composition.h"
 #include "facade/MembershipDatabase.h"
 #include "facade/ThreadStore.h"
+#include "platform/ConnectionTo.h"
 #include "platform/TemporaryFolder.h"
 #include "store/Layout.h"
 
@@ -53,8 +54,7 @@ class WhereThingsAreTest : public ::testing::Test {
     home_.MakeFolder(folder);
     const std::string path = home_.Path(folder) + "/" + kClubFileName;
     CreateEmptyDatabase(path, kNow);
-    const auto connection =
-        MakePlatform({kNow})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);
+    const auto connection = MakePlatform({kNow})->databaseProvider->Open(ConnectionTo(path));
     CreateBaseFile(*connection);
     connection->Close();
   }

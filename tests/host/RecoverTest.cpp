@@ -8,6 +8,7 @@
 #include "composition/Composition.h"
 #include "host/json/Json.h"
 #include "host/support/Command.h"
+#include "platform/ConnectionTo.h"
 #include "platform/Matchers.h"
 #include "store/support/DamagedBytes.h"
 
@@ -131,8 +132,7 @@ TEST_F(Recover, WhatIsNoDatabaseLeavesNoNewFile) {
 TEST_F(Recover, AFileThatIsNoClubsIsRefusedAndLeavesNothing) {
   const std::string other = folder_.Path("other.mdb");
   CreateEmptyDatabase(other, Date{45000});
-  const auto connection =
-      MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + other);
+  const auto connection = MakePlatform({})->databaseProvider->Open(ConnectionTo(other));
   connection->Execute("Create Table Albums (Title Text (50))");
   connection->Close();
   const Outcome outcome = folder_.Run({"recover", other});
@@ -219,8 +219,7 @@ TEST_F(Recover, AClubFileThatIsDamagedItselfIsReplacedAllTheSame) {
 
 TEST_F(Recover, AClubFileThatIsInUseStaysAsItIs) {
   ASSERT_EQ(folder_.Run({"new", "--name", "Current"}).code, 0);
-  const auto connection =
-      MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + folder_.ClubFile());
+  const auto connection = MakePlatform({})->databaseProvider->Open(ConnectionTo(folder_.ClubFile()));
   const Outcome outcome = folder_.Run({"recover", "--replace", OldFile()});
   EXPECT_EQ(outcome.code, 2);
   EXPECT_THAT(outcome.error, HasSubstr("in use"));
@@ -303,8 +302,7 @@ TEST_F(Recover, AnOldFileWithALogKeepsBoth) {
 }
 
 TEST_F(Recover, WhatACrashLeftInTheLogIsSavedAndStaysThere) {
-  const auto connection =
-      MakePlatform({})->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + OldFile());
+  const auto connection = MakePlatform({})->databaseProvider->Open(ConnectionTo(OldFile()));
   connection->Execute("Insert into Members (MembershipNumber, LastName) Values (99, 'in the log')");
   const std::string file = ReadFile(OldFile());
   const std::string log = ReadFile(OldFile() + ".redo");

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "members/Members.h"
-#include "members/NewMembers.h"
 #include "members/Partnerships.h"
 #include "members/Walk.h"
 #include "store/support/FakeFile.h"

@@ -1,4 +1,4 @@
-#include "names/MatchReasons.h"
+#include "names/NameMatching.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "names/NameUniqueness.h"
+#include "names/NameColumns.h"
 
 #include <gtest/gtest.h>
 

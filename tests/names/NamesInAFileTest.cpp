@@ -4,8 +4,8 @@
 #include <array>
 #include <random>
 
+#include "names/NameColumns.h"
 #include "names/NameSearch.h"
-#include "names/NameUniqueness.h"
 #include "platform/Matchers.h"
 #include "platform/values/Text.h"
 #include "store/OpenUse.h"

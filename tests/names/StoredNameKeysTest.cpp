@@ -1,4 +1,4 @@
-#include "names/StoredNameKeys.h"
+#include "names/NameColumns.h"
 
 #include <gtest/gtest.h>
 

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "platform/ConnectionTo.h"
 #include "platform/Matchers.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/support/ThisSystem.h"
@@ -56,7 +57,7 @@ class RecoveryTest : public ::testing::Test {
   [[nodiscard]] std::string OldPath() const { return club_.folder.Path("old.mdb"); }
   [[nodiscard]] std::string OldContent() const { return club_.folder.ReadFile("old.mdb"); }
   [[nodiscard]] std::unique_ptr<ado::Connection> Connect() const {
-    return club_.platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + OldPath());
+    return club_.platform->databaseProvider->Open(ConnectionTo(OldPath()));
   }
   void Old(const Texts& statements) const {
     const auto connection = Connect();

@@ -5,6 +5,7 @@
 #include "composition/Composition.h"
 #include "facade/MembershipDatabase.h"
 #include "facade/ThreadStore.h"
+#include "platform/ConnectionTo.h"
 #include "platform/TemporaryFolder.h"
 #include "platform/values/WideText.h"
 #include "store/Layout.h"
@@ -38,8 +39,7 @@ class ClubFoldersTest : public ::testing::Test {
   std::unique_ptr<MembershipDatabase> MakeClub(const std::string& folder) {
     files_.push_back(folder + "\\ClubMembers.mdb");
     CreateEmptyDatabase(files_.back(), kNow);
-    const auto connection =
-        platform_->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=\"" + files_.back() + "\"");
+    const auto connection = platform_->databaseProvider->Open(ConnectionTo("\"" + files_.back() + "\""));
     CreateBaseFile(*connection);
     connection->Close();
     auto club = std::make_unique<MembershipDatabase>(platform_);

@@ -5,6 +5,7 @@
 #include "access/file/FileSystem.h"
 #include "access/file/support/TemporaryFolder.h"
 #include "access/provider/AccessProvider.h"
+#include "platform/ConnectionTo.h"
 #include "platform/portable/PortableServices.h"
 #include "windows/FlushCounter.h"
 
@@ -32,7 +33,7 @@ TEST_F(FlushTest, ClosingAChangedFileFlushesTheLogAndThenTheFile) {
   constexpr Date kNow{46000.0};
   Database::CreateFile(*system_, path_, kNow);
   const auto provider = MakeAccessProvider(system_, std::make_shared<FixedClock>(kNow), ProviderOptions{});
-  const auto open = [&] { return provider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path_); };
+  const auto open = [&] { return provider->Open(ConnectionTo(path_)); };
   auto connection = open();
   connection->Execute("Create Table T (A Long)");
   connection->Execute("Insert Into T (A) Values (1)");

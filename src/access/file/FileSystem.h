@@ -98,13 +98,13 @@ class FileSystem {
   virtual void CopyPermissions(const std::string& from, const std::string& to) = 0;
   /// Makes creations, removals and renames in a file's folder durable.
   virtual void SyncFolderOf(const std::string& path) = 0;
-  /// Waits a little before a lock is tried again.
-  virtual void Pause(std::chrono::milliseconds duration) = 0;
+  /// Waits a little before a lock is tried again; for 0 it only lets others go first.
+  virtual void Pause(std::chrono::milliseconds duration);
   /// The time by a clock that nobody sets, by which waits are measured.
   [[nodiscard]] virtual std::chrono::steady_clock::time_point Now() { return std::chrono::steady_clock::now(); }
   /// Makes ready for work beside the caller's. `work` runs in a thread of its own and must not throw.
   [[nodiscard]] virtual std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
-                                                                          std::function<void()> work) = 0;
+                                                                          std::function<void()> work);
   /// Opens a file for reading, or makes it, in such a way that nobody can open it for writing; others may hold it
   /// likewise. Null where somebody has it open for writing, where it cannot be made, and where the system does not know
   /// such a thing.

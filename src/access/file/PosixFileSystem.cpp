@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <limits>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "access/file/EngineError.h"
@@ -311,19 +310,6 @@ class PosixFileSystem final : public FileSystem {
     if (::fsync(descriptor.Value()) != 0 && errno != EINVAL && errno != EROFS) {
       RaiseSystemError("flush the folder", folder, errno);
     }
-  }
-
-  void Pause(std::chrono::milliseconds duration) override {
-    if (duration.count() > 0) {
-      std::this_thread::sleep_for(duration);
-    } else {
-      std::this_thread::yield();
-    }
-  }
-
-  std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
-                                                    std::function<void()> work) override {
-    return NativeBackgroundWork(delay, std::move(work));
   }
 
  private:

@@ -6,7 +6,6 @@
 #include <compare>
 #include <limits>
 #include <optional>
-#include <thread>
 #include <utility>
 
 #include "access/file/EngineError.h"
@@ -299,19 +298,6 @@ class WindowsFileSystem final : public FileSystem {
 
   // Folders are journalled by the system and need no flush.
   void SyncFolderOf(const std::string& /*path*/) override {}
-
-  void Pause(std::chrono::milliseconds duration) override {
-    if (duration.count() > 0) {
-      std::this_thread::sleep_for(duration);
-    } else {
-      std::this_thread::yield();
-    }
-  }
-
-  std::unique_ptr<BackgroundWork> NewBackgroundWork(std::chrono::milliseconds delay,
-                                                    std::function<void()> work) override {
-    return NativeBackgroundWork(delay, std::move(work));
-  }
 
  private:
   static DWORD FinalPath(const Handle& file, std::wstring& target) {

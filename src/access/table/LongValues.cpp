@@ -9,8 +9,7 @@
 #include "access/file/EngineError.h"
 #include "access/file/Format.h"
 #include "access/table/DataPage.h"
-#include "access/table/RowFinder.h"
-#include "access/table/RowSpace.h"
+#include "access/table/RowPlaces.h"
 #include "access/table/TextEncoding.h"
 #include "access/table/ValueCodec.h"
 

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "host/commands/OpenFile.h"
-#include "names/StoredNameKeys.h"
+#include "names/NameColumns.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "store/cDatabase.h"

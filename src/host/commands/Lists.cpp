@@ -7,8 +7,8 @@
 #include "host/commands/ClubCheck.h"
 #include "host/commands/Commands.h"
 #include "host/text/Table.h"
-#include "names/MatchReasons.h"
 #include "names/MemberValues.h"
+#include "names/NameMatching.h"
 #include "names/NameText.h"
 
 // Lists of members and pairs, made with the operations that every program has, and nothing else where they do. A walk

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <string_view>
 
-#include "host/text/Figures.h"
 #include "platform/values/Date.h"
 #include "platform/values/Text.h"
+#include "util/TextHelpers.h"
 
 // The fields of a member that files know. A value has one way of writing in plans, whether it comes from a file or from
 // the club, so that comparing texts tells what changes: M and F, ISO dates, y and n, texts trimmed. What a club's file

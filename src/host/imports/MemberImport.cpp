@@ -3,7 +3,7 @@
 #include "host/imports/MemberFields.h"
 #include "members/Members.h"
 #include "names/MemberValues.h"
-#include "names/NameUniqueness.h"
+#include "names/NameColumns.h"
 
 // A plan for members, applied: a statement for each record, all within the caller's transaction. Names bring two things
 // with them that are not in the plan: the sound-alike keys, which are stored beside the names in the same statement,

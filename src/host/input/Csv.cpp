@@ -4,11 +4,11 @@
 #include <map>
 
 #include "host/results/Xml.h"
-#include "host/text/Figures.h"
 #include "host/text/NearestName.h"
 #include "platform/values/Date.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
+#include "util/TextHelpers.h"
 
 // Comma-separated files as the spreadsheets of all countries write them. The separator is found out from the first
 // line: where the comma is the decimal mark, spreadsheets put semicolons between fields. A row is what stands between

@@ -8,10 +8,10 @@
 
 #include "host/results/Event.h"
 #include "host/results/Xml.h"
-#include "host/text/Figures.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
+#include "util/TextHelpers.h"
 
 // From the elements of a result file to events. Writers differ in nearly everything, whatever version a file claims to
 // have: leaves stand in any order, and most of them may be missing or empty. So each is looked for by name at its own

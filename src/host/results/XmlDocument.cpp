@@ -1,10 +1,10 @@
 #include <algorithm>
 
 #include "host/results/Xml.h"
-#include "host/text/Figures.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 #include "platform/values/Text.h"
+#include "util/TextHelpers.h"
 
 // What readers ask of a parsed document: leaves by name, with their values checked. A value that cannot be read is
 // refused here, with the line of its element, what it says and an example of what was expected, so that every reader's

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "host/text/Figures.h"
 #include "names/NameText.h"
 #include "platform/values/Text.h"
+#include "util/TextHelpers.h"
 
 // Who a player of a result file is. The order of the ways is that of their reliability, and each way has a bar against
 // the mistake that it is prone to:

@@ -6,8 +6,9 @@
 #include <utility>
 #include <vector>
 
-#include "host/text/Figures.h"
+#include "names/NameSounds.h"
 #include "platform/values/Text.h"
+#include "util/TextHelpers.h"
 
 // Names as scorers write them, brought to one form. Folding goes letter by letter: upper case, no accents, nothing but
 // letters and figures, words joined, so that "Mary-Ann O'Neil", "MARY ANN ONEIL" and "Mary Ann O’Neil" are one text. It
@@ -85,6 +86,7 @@ std::string CleanWrittenName(const std::string& name) {
   // From a bracket on it is a remark, such as "(sub)".
   std::string text = name.substr(0, name.find_first_of("(["));
   for (const char* apostrophe : {"’", "‘", "´", "`"}) text = ReplaceAll(text, apostrophe, "'");
+  // "Smith, John".
   if (const std::size_t comma = text.find(','); comma != std::string::npos) {
     text = text.substr(comma + 1) + " " + text.substr(0, comma);
   }
@@ -103,19 +105,8 @@ bool FoldedEqual(const std::string& left, const std::string& right) {
 }
 
 bool WithinOneSlip(const std::string& left, const std::string& right) {
-  if (FoldedEqual(left, right)) return true;
-  const std::string& shorter = left.size() <= right.size() ? left : right;
-  const std::string& longer = left.size() <= right.size() ? right : left;
-  if (longer.size() - shorter.size() > 1) return false;
-  std::size_t first = 0;
-  while (first < shorter.size() && shorter[first] == longer[first]) ++first;
-  // Up to the first difference both are the same; what follows must be the same behind one letter more, behind one
-  // letter that differs, or behind two that changed places. So one walk is enough, without a table of distances.
-  if (longer.size() > shorter.size()) return shorter.substr(first) == longer.substr(first + 1);
-  const bool changed = shorter.substr(first + 1) == longer.substr(first + 1);
-  const bool exchanged = first + 1 < shorter.size() && shorter[first] == longer[first + 1] &&
-                         shorter[first + 1] == longer[first] && shorter.substr(first + 2) == longer.substr(first + 2);
-  return changed || exchanged;
+  // Only here does a question mark fit any letter; what a slip is, is the names' rule.
+  return FoldedEqual(left, right) || IsOneSlipAway(left, right);
 }
 
 }  // namespace tavi::host

@@ -10,6 +10,7 @@
 #include "access/file/support/InterceptedFileSystem.h"
 #include "access/file/support/LongRun.h"
 #include "access/file/support/MemoryFileSystem.h"
+#include "access/file/support/PagerFixture.h"
 #include "access/file/support/Random.h"
 #include "access/file/support/SmallDatabase.h"
 #include "platform/values/Error.h"
@@ -29,25 +30,11 @@ using test::SetPageText;
 using test::WriteText;
 using Operation = FailingFileSystem::Operation;
 
-class PagerFlushTest : public ::testing::Test {
+class PagerFlushTest : public test::PagerFixture {
  protected:
-  PagerFlushTest() { Pager::Create(*memory_, kPath, MakeSmallDatabase(8)); }
-
   [[nodiscard]] std::string AfterPowerFailure(PageNumber number) const {
     return ReadText(*Pager::Open(memory_->AfterCrash(CrashKind::Dropped, 0), kPath, {}), number);
   }
-  // The error of a statement, or of whatever is done.
-  template <typename Action>
-  static std::string ErrorOf(Action action) {
-    try {
-      action();
-    } catch (const Error& error) {
-      return error.Description();
-    }
-    return {};
-  }
-
-  std::shared_ptr<MemoryFileSystem> memory_ = std::make_shared<MemoryFileSystem>();
 };
 
 TEST_F(PagerFlushTest, AStatementIsFlushedInTheBackground) {
@@ -127,7 +114,7 @@ TEST_F(PagerFlushTest, AFailedFlushIsTheErrorOfTheNextStatement) {
     WriteText(*pager, 3, text);
     memory_->FailNextFlush(kLog, 1);
     memory_->RunBackgroundWork();
-    const std::string error = ErrorOf([&] {
+    const std::string error = FailureOf([&] {
       if (isRead) {
         static_cast<void>(ReadText(*pager, 3));
       } else {
@@ -152,7 +139,7 @@ TEST_F(PagerFlushTest, AFailedFlushIsTheErrorOfTheCloseThatFollowsIt) {
   WriteText(*pager, 3, "one");
   memory_->FailNextFlush(kLog, 1);
   memory_->RunBackgroundWork();
-  EXPECT_NE(ErrorOf([&] { pager->Close(); }).find("Input/output error"), std::string::npos);
+  EXPECT_NE(FailureOf([&] { pager->Close(); }).find("Input/output error"), std::string::npos);
   // The close has brought it into the file all the same.
   EXPECT_EQ(memory_->Paths(), std::vector<std::string>{kPath});
   EXPECT_EQ(AfterPowerFailure(3), "one");
@@ -164,7 +151,7 @@ TEST_F(PagerFlushTest, AfterAFailedFlushACheckpointComesFirst) {
     const auto pager = Pager::Open(memory_, kPath, {.flush = FlushTime::EachStatement});
     WriteText(*pager, 3, "one " + std::to_string(seed));
     memory_->FailNextFlush(kLog, seed);
-    EXPECT_NE(ErrorOf([&] { WriteText(*pager, 4, "two"); }), "");
+    EXPECT_NE(FailureOf([&] { WriteText(*pager, 4, "two"); }), "");
     EXPECT_NE(ReadText(*pager, 4), "two");
     EXPECT_EQ(AfterPowerFailure(3), "one " + std::to_string(seed));
     WriteText(*pager, 4, "three " + std::to_string(seed));
@@ -188,7 +175,7 @@ TEST_F(PagerFlushTest, AFlushThatFailedForOneIsKnownToAll) {
     WriteText(*other, 4, "two " + std::to_string(seed));
     EXPECT_EQ(AfterPowerFailure(3), "one " + std::to_string(seed));
     EXPECT_EQ(AfterPowerFailure(4), "two " + std::to_string(seed));
-    EXPECT_NE(ErrorOf([&] { pager->Close(); }), "");
+    EXPECT_NE(FailureOf([&] { pager->Close(); }), "");
   }
 }
 
@@ -220,7 +207,7 @@ TEST_F(PagerFlushTest, AFlushThatFailedDuringAStatementOfAnotherIsKnownAtItsEnd)
     other->BeginWrite();
     SetPageText(other->Write(4), "two " + std::to_string(seed));
     memory_->FailNextFlush(kLog, seed);
-    EXPECT_NE(ErrorOf([&] { pager->Flush(); }), "");
+    EXPECT_NE(FailureOf([&] { pager->Flush(); }), "");
     other->Commit();
     EXPECT_EQ(AfterPowerFailure(3), "one " + std::to_string(seed));
     EXPECT_EQ(AfterPowerFailure(4), "two " + std::to_string(seed));
@@ -253,8 +240,8 @@ TEST_F(PagerFlushTest, MakingADoubtfulLogDurableDisturbsNobodyWhoIsAppendingToIt
   memory_->FailNextFlush(kLog, 1);
   memory_->RunBackgroundWork();
   busy->Arm([&] { other->Commit(); });
-  EXPECT_NE(ErrorOf([&] { pager->Flush(); }), "");  // the flush that failed
-  EXPECT_NE(ErrorOf([&] { pager->Flush(); }), "");  // the other one is writing
+  EXPECT_NE(FailureOf([&] { pager->Flush(); }), "");  // the flush that failed
+  EXPECT_NE(FailureOf([&] { pager->Flush(); }), "");  // the other one is writing
   if (other->InWrite()) other->Commit();
   busy->Arm(nullptr);
   EXPECT_EQ(ReadText(*pager, 4), "two");
@@ -273,9 +260,9 @@ TEST_F(PagerFlushTest, ACheckpointOfADoubtfulLogThatFailsLosesNothing) {
       WriteText(*pager, 3, text);
       memory_->FailNextFlush(kLog, static_cast<std::uint32_t>(call));
       memory_->RunBackgroundWork();
-      EXPECT_NE(ErrorOf([&] { static_cast<void>(ReadText(*pager, 3)); }), "");
+      EXPECT_NE(FailureOf([&] { static_cast<void>(ReadText(*pager, 3)); }), "");
       failing->FailCall(call, {operation});
-      const bool isStored = ErrorOf([&] { WriteText(*pager, 4, "two"); }).empty();
+      const bool isStored = FailureOf([&] { WriteText(*pager, 4, "two"); }).empty();
       const bool hasFailed = failing->HasFailed();
       failing->FailNothing();
       EXPECT_EQ(ReadText(*pager, 3), text);

@@ -7,6 +7,7 @@
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
+#include "access/file/support/PagerFixture.h"
 #include "access/file/support/SmallDatabase.h"
 #include "platform/values/Error.h"
 
@@ -26,10 +27,8 @@ using test::WriteText;
 
 constexpr std::uint64_t kWholeFile = std::numeric_limits<std::uint64_t>::max();
 
-class PagerSharingTest : public ::testing::Test {
+class PagerSharingTest : public test::PagerFixture {
  protected:
-  void SetUp() override { Pager::Create(*memory_, kPath, MakeSmallDatabase(8)); }
-
   std::unique_ptr<Pager> Open(std::uint64_t checkpointBytes = 1U << 26U, bool readOnly = false) {
     PagerOptions options;
     options.lockTimeout = std::chrono::milliseconds(100);
@@ -49,7 +48,6 @@ class PagerSharingTest : public ::testing::Test {
     }
   }
 
-  std::shared_ptr<MemoryFileSystem> memory_ = std::make_shared<MemoryFileSystem>();
   std::vector<std::string> reports_;
 };
 

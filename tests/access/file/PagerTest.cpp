@@ -8,6 +8,7 @@
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
+#include "access/file/support/PagerFixture.h"
 #include "access/file/support/SmallDatabase.h"
 #include "platform/values/Error.h"
 
@@ -24,10 +25,8 @@ using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
 
-class PagerTest : public ::testing::Test {
+class PagerTest : public test::PagerFixture {
  protected:
-  void SetUp() override { Pager::Create(*memory_, kPath, MakeSmallDatabase(8)); }
-
   std::unique_ptr<Pager> Open(PagerOptions options = {}) { return Pager::Open(memory_, kPath, options); }
   std::string StoredText(PageNumber number) {
     Page page(number);
@@ -35,8 +34,6 @@ class PagerTest : public ::testing::Test {
     page.Put(0, std::span(bytes).subspan(number * kPageSize, kPageSize));
     return PageText(page);
   }
-
-  std::shared_ptr<MemoryFileSystem> memory_ = std::make_shared<MemoryFileSystem>();
 };
 
 TEST_F(PagerTest, ReadsThePagesOfTheFile) {

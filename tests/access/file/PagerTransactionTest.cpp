@@ -8,6 +8,7 @@
 #include "access/file/support/ClubPaths.h"
 #include "access/file/support/FailingFileSystem.h"
 #include "access/file/support/MemoryFileSystem.h"
+#include "access/file/support/PagerFixture.h"
 #include "access/file/support/SmallDatabase.h"
 #include "platform/values/Error.h"
 
@@ -25,10 +26,8 @@ using test::ReadText;
 using test::SetPageText;
 using test::WriteText;
 
-class PagerTransactionTest : public ::testing::Test {
+class PagerTransactionTest : public test::PagerFixture {
  protected:
-  void SetUp() override { Pager::Create(*memory_, kPath, MakeSmallDatabase(8)); }
-
   std::unique_ptr<Pager> Open(PagerOptions options = {}) {
     options.lockTimeout = std::chrono::milliseconds(100);
     return Pager::Open(memory_, kPath, options);
@@ -37,22 +36,11 @@ class PagerTransactionTest : public ::testing::Test {
   std::string FoundAfterCrash(PageNumber number) {
     return ReadText(*Pager::Open(memory_->AfterCrash(CrashKind::Kept, 0), kPath, {}), number);
   }
-  template <typename Action>
-  static std::string FailureOf(Action action) {
-    try {
-      action();
-      return "";
-    } catch (const Error& error) {
-      return error.Description();
-    }
-  }
   static void AddPage(Pager& pager, const std::string& text) {
     WriteStatement statement(pager);
     SetPageText(pager.WriteNew(pager.PageCount()), text);
     statement.Commit();
   }
-
-  std::shared_ptr<MemoryFileSystem> memory_ = std::make_shared<MemoryFileSystem>();
 };
 
 TEST_F(PagerTransactionTest, ItsStatementsAreOneForOthersAndForACrash) {

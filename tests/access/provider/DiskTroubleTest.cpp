@@ -13,6 +13,7 @@
 #include "access/provider/AccessProvider.h"
 #include "access/provider/support/Evening.h"
 #include "access/provider/support/Inspection.h"
+#include "platform/ConnectionTo.h"
 #include "platform/values/Convert.h"
 #include "platform/values/Error.h"
 
@@ -271,7 +272,7 @@ TEST(RealDiskTrouble, AFileWhoseWritePermissionIsTakenAwayIsReadAndWorksAgainAft
   const std::string path = folder.File("club.mdb");
   Database::CreateFile(*NativeFileSystem(), path, Date{45000});
   const auto provider = MakeAccessProvider(NativeFileSystem(), std::make_shared<EveningClock>(), {});
-  const auto open = [&] { return provider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path); };
+  const auto open = [&] { return provider->Open(ConnectionTo(path)); };
   const auto countRows = [](ado::Connection& connection) {
     const auto rows = connection.OpenRecordset("Select Count(*) As N From Members", ado::CursorType::ForwardOnly,
                                                ado::LockType::ReadOnly, ado::SourceKind::CommandText);

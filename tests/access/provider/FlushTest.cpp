@@ -4,6 +4,7 @@
 #include "access/catalog/Database.h"
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/provider/ProviderFile.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi::access::test {
 namespace {
@@ -20,7 +21,7 @@ class FlushTest : public ::testing::Test {
   std::unique_ptr<ado::Connection> Open(const std::string& more = "") { return Open(memory_, more); }
   static std::unique_ptr<ado::Connection> Open(const std::shared_ptr<FileSystem>& fileSystem, const std::string& more) {
     return MakeAccessProvider(fileSystem, std::make_shared<NoonClock>(), {})
-        ->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + std::string(kPath) + more);
+        ->Open(ConnectionTo(std::string(kPath) + more));
   }
   [[nodiscard]] std::size_t RowsAfterPowerFailure() const {
     const auto connection = Open(memory_->AfterCrash(CrashKind::Dropped, 0), "");

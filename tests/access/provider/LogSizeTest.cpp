@@ -7,6 +7,7 @@
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/file/support/Random.h"
 #include "access/provider/ProviderFile.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi::access::test {
 namespace {
@@ -18,8 +19,8 @@ class LogSizeTest : public ::testing::Test {
  protected:
   LogSizeTest() {
     Database::CreateFile(*memory_, kGrownFile, Date{45000});
-    connection_ = MakeAccessProvider(memory_, std::make_shared<NoonClock>(), {})
-                      ->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + std::string(kGrownFile));
+    connection_ =
+        MakeAccessProvider(memory_, std::make_shared<NoonClock>(), {})->Open(ConnectionTo(std::string(kGrownFile)));
     connection_->Execute(
         "Create Table Members (Id Counter Primary Key, LastName Text (30), Born DateTime, Points Long)");
     connection_->Execute("Create Index ByName On Members (LastName)");

@@ -9,6 +9,7 @@
 #include "access/catalog/Database.h"
 #include "access/file/support/TemporaryFolder.h"
 #include "access/provider/AccessProvider.h"
+#include "platform/ConnectionTo.h"
 #include "platform/values/Error.h"
 
 namespace tavi::access::test {
@@ -27,7 +28,7 @@ class ProviderFile {
   }
 
   [[nodiscard]] std::unique_ptr<ado::Connection> Open(const std::string& more = "") const {
-    return provider_->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path_ + more);
+    return provider_->Open(ConnectionTo(path_ + more));
   }
   [[nodiscard]] const std::string& Path() const { return path_; }
   [[nodiscard]] const ado::Provider& Provider() const { return *provider_; }

@@ -1,4 +1,5 @@
 #include "access/provider/ProviderFile.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi::access::test {
 namespace {
@@ -142,7 +143,7 @@ TEST_F(ProviderTest, PathsAreMadeNative) {
     return file_.Path();
   };
   const auto provider = MakeAccessProvider(NativeFileSystem(), std::make_shared<NoonClock>(), options);
-  const auto connection = provider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=C:\\Club\\ClubMembers.mdb");
+  const auto connection = provider->Open(ConnectionTo("C:\\Club\\ClubMembers.mdb"));
   EXPECT_EQ(asked, "C:\\Club\\ClubMembers.mdb");
 }
 

@@ -5,6 +5,7 @@
 
 #include "access/file/support/MemoryFileSystem.h"
 #include "access/provider/ProviderFile.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi::access::test {
 namespace {
@@ -97,7 +98,7 @@ TEST(ProviderTransaction, AFullDiskAtTheCommitStoresNothing) {
   const auto memory = std::make_shared<MemoryFileSystem>();
   Database::CreateFile(*memory, "club.mdb", Date{45000});
   const auto provider = MakeAccessProvider(memory, std::make_shared<NoonClock>(), {});
-  const auto open = [&] { return provider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=club.mdb"); };
+  const auto open = [&] { return provider->Open(ConnectionTo("club.mdb")); };
   const auto connection = open();
   connection->Execute("Create Table T (A Long)");
   connection->BeginTrans();

@@ -7,7 +7,7 @@
 #include "access/file/UsageMap.h"
 #include "access/table/DataPage.h"
 #include "access/table/LongValues.h"
-#include "access/table/RowFinder.h"
+#include "access/table/RowPlaces.h"
 #include "access/table/RowView.h"
 #include "access/table/support/Hex.h"
 #include "access/table/support/TestTable.h"

@@ -6,7 +6,7 @@
 #include "access/file/Format.h"
 #include "access/table/DataPage.h"
 #include "access/table/ReferredBytes.h"
-#include "access/table/RowFinder.h"
+#include "access/table/RowPlaces.h"
 #include "access/table/RowView.h"
 #include "access/table/TableRows.h"
 #include "access/table/support/TestTable.h"

@@ -11,7 +11,7 @@
 #include "access/file/PageAllocator.h"
 #include "access/file/UsageMap.h"
 #include "access/table/DataPage.h"
-#include "access/table/RowFinder.h"
+#include "access/table/RowPlaces.h"
 #include "access/table/TableRows.h"
 #include "access/table/support/TestTable.h"
 #include "platform/values/Error.h"

@@ -5,7 +5,8 @@
 #include <vector>
 
 #include "composition/Composition.h"
-#include "names/NameUniqueness.h"
+#include "names/NameColumns.h"
+#include "platform/ConnectionTo.h"
 #include "store/support/FakeFile.h"
 #include "store/support/MemoryFolder.h"
 
@@ -25,7 +26,7 @@ class ClubFile {
   [[nodiscard]] std::string Content() const { return folder.ReadFile("ClubMembers.mdb"); }
   /// A connection beside the store.
   [[nodiscard]] std::unique_ptr<ado::Connection> Connect() const {
-    return platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + FilePath());
+    return platform->databaseProvider->Open(ConnectionTo(FilePath()));
   }
   /// Runs statements on the file without the store.
   void Prepare(const std::vector<std::string>& statements) const {

@@ -4,6 +4,7 @@
 
 #include "access/catalog/Database.h"
 #include "composition/Composition.h"
+#include "platform/ConnectionTo.h"
 #include "store/Layout.h"
 
 namespace tavi::testing {
@@ -19,7 +20,7 @@ Bytes NewClubFile() {
   const std::string path = folder.Path("New.mdb");
   access::Database::CreateFile(*folder.Files(), path, day);
   const auto platform = MakePlatform({day, nullptr, folder.Files()});
-  const auto connection = platform->databaseProvider->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);
+  const auto connection = platform->databaseProvider->Open(ConnectionTo(path));
   CreateBaseFile(*connection);
   connection->Close();
   return folder.Files()->Contents(path);

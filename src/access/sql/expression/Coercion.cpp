@@ -82,6 +82,7 @@ Date DateOfNumber(double days) {
 Date DateOf(const Value& value) {
   if (const auto* date = std::get_if<Date>(&value)) return *date;
   if (const auto* text = std::get_if<std::string>(&value)) {
+    // Before it is tried as a number: "1/2/2001" is a date, and "2.5" no date with a point.
     if (const std::optional<Date> date = ParseDateText(*text, DateOrder::DayFirst)) return *date;
   }
   return DateOfNumber(NumberOf(value));

@@ -149,11 +149,13 @@ Value Format(Arguments arguments, const Scope&) {
 // Least and most arguments, then what a Null among them means.
 constexpr auto kRefuse = Function::Nulls::Refuse;
 constexpr Function kConversionFunctions[] = {
-    {"CSTR", 1, 1, kRefuse, CStr},   {"CINT", 1, 1, kRefuse, CInt},        {"CLNG", 1, 1, kRefuse, CLng},
-    {"CDBL", 1, 1, kRefuse, CDbl},   {"CSNG", 1, 1, kRefuse, CSng},        {"CCUR", 1, 1, kRefuse, CCur},
-    {"CDATE", 1, 1, kRefuse, CDate}, {"CBOOL", 1, 1, kRefuse, CBool},      {"CBYTE", 1, 1, kRefuse, CByte},
-    {"STR", 1, 1, kPropagate, Str},  {"VAL", 1, 1, kPropagate, Val},       {"HEX", 1, 1, kPropagate, Hex},
-    {"OCT", 1, 1, kPropagate, Oct},  {"FORMAT", 1, 4, kPropagate, Format},
+    {"CSTR", 1, 1, kRefuse, Gives::Text, CStr},    {"CINT", 1, 1, kRefuse, Gives::Short, CInt},
+    {"CLNG", 1, 1, kRefuse, Gives::Long, CLng},    {"CDBL", 1, 1, kRefuse, Gives::Double, CDbl},
+    {"CSNG", 1, 1, kRefuse, Gives::Single, CSng},  {"CCUR", 1, 1, kRefuse, Gives::Currency, CCur},
+    {"CDATE", 1, 1, kRefuse, Gives::Date, CDate},  {"CBOOL", 1, 1, kRefuse, Gives::Boolean, CBool},
+    {"CBYTE", 1, 1, kRefuse, Gives::Byte, CByte},  {"STR", 1, 1, kPropagate, Gives::Text, Str},
+    {"VAL", 1, 1, kPropagate, Gives::Double, Val}, {"HEX", 1, 1, kPropagate, Gives::Text, Hex},
+    {"OCT", 1, 1, kPropagate, Gives::Text, Oct},   {"FORMAT", 1, 4, kPropagate, Gives::Text, Format},
 };
 
 }  // namespace

@@ -14,6 +14,7 @@ const Function* FindFunction(std::string_view name);
 
 /// For the tables below.
 inline constexpr auto kPropagate = Function::Nulls::Propagate;
+using Gives = Function::Result;
 
 /// The tables that FindFunction looks through, by subject.
 std::span<const Function> TextFunctions();

@@ -64,13 +64,13 @@ Value IsNumeric(Arguments arguments, const Scope&) {
 // A Null is what these functions are asked about, so they get it.
 constexpr auto kPass = Function::Nulls::Pass;
 constexpr Function kLogicFunctions[] = {
-    {"IIF", 3, 3, kPass, nullptr, IIf},
-    {"SWITCH", 2, Function::kAnyNumber, kPass, nullptr, Switch},
-    {"CHOOSE", 2, Function::kAnyNumber, kPass, nullptr, Choose},
-    {"NZ", 1, 2, kPass, nullptr, Nz},
-    {"ISNULL", 1, 1, kPass, TestNull},
-    {"ISDATE", 1, 1, kPass, IsDate},
-    {"ISNUMERIC", 1, 1, kPass, IsNumeric},
+    {"IIF", 3, 3, kPass, Gives::OfChoice, nullptr, IIf},
+    {"SWITCH", 2, Function::kAnyNumber, kPass, Gives::Text, nullptr, Switch},
+    {"CHOOSE", 2, Function::kAnyNumber, kPass, Gives::Text, nullptr, Choose},
+    {"NZ", 1, 2, kPass, Gives::OfArgument, nullptr, Nz},
+    {"ISNULL", 1, 1, kPass, Gives::Boolean, TestNull},
+    {"ISDATE", 1, 1, kPass, Gives::Boolean, IsDate},
+    {"ISNUMERIC", 1, 1, kPass, Gives::Boolean, IsNumeric},
 };
 
 }  // namespace

@@ -140,14 +140,14 @@ Value GenGuid(Arguments, const Scope&) {
 
 // Least and most arguments, then what a Null among them means.
 constexpr Function kNumberFunctions[] = {
-    {"ABS", 1, 1, kPropagate, Abs},         {"SGN", 1, 1, kPropagate, Sgn},
-    {"INT", 1, 1, kPropagate, Int},         {"FIX", 1, 1, kPropagate, Fix},
-    {"ROUND", 1, 2, kPropagate, Round},     {"SQR", 1, 1, kPropagate, Sqr},
-    {"EXP", 1, 1, kPropagate, Exp},         {"LOG", 1, 1, kPropagate, Log},
-    {"SIN", 1, 1, kPropagate, Sin},         {"COS", 1, 1, kPropagate, Cos},
-    {"TAN", 1, 1, kPropagate, Tan},         {"ATN", 1, 1, kPropagate, Atn},
-    {"RND", 0, 1, kPropagate, Rnd},         {"GENUNIQUEID", 0, 0, kPropagate, GenUniqueId},
-    {"GENGUID", 0, 0, kPropagate, GenGuid},
+    {"ABS", 1, 1, kPropagate, Gives::OfArgument, Abs},     {"SGN", 1, 1, kPropagate, Gives::Long, Sgn},
+    {"INT", 1, 1, kPropagate, Gives::OfArgument, Int},     {"FIX", 1, 1, kPropagate, Gives::OfArgument, Fix},
+    {"ROUND", 1, 2, kPropagate, Gives::OfArgument, Round}, {"SQR", 1, 1, kPropagate, Gives::Double, Sqr},
+    {"EXP", 1, 1, kPropagate, Gives::Double, Exp},         {"LOG", 1, 1, kPropagate, Gives::Double, Log},
+    {"SIN", 1, 1, kPropagate, Gives::Double, Sin},         {"COS", 1, 1, kPropagate, Gives::Double, Cos},
+    {"TAN", 1, 1, kPropagate, Gives::Double, Tan},         {"ATN", 1, 1, kPropagate, Gives::Double, Atn},
+    {"RND", 0, 1, kPropagate, Gives::Double, Rnd},         {"GENUNIQUEID", 0, 0, kPropagate, Gives::Long, GenUniqueId},
+    {"GENGUID", 0, 0, kPropagate, Gives::Guid, GenGuid},
 };
 
 }  // namespace

@@ -256,17 +256,17 @@ Value StrConv(Arguments arguments, const Scope&) {
 
 // Least and most arguments, then what a Null among them means: here it always makes the result Null.
 constexpr Function kTextFunctions[] = {
-    {"LEN", 1, 1, kPropagate, Len},           {"LEFT", 2, 2, kPropagate, Left},
-    {"RIGHT", 2, 2, kPropagate, Right},       {"MID", 2, 3, kPropagate, Mid},
-    {"UCASE", 1, 1, kPropagate, UCase},       {"LCASE", 1, 1, kPropagate, LCase},
-    {"TRIM", 1, 1, kPropagate, TrimBoth},     {"LTRIM", 1, 1, kPropagate, LTrim},
-    {"RTRIM", 1, 1, kPropagate, RTrim},       {"INSTR", 2, 4, kPropagate, InStr},
-    {"INSTRREV", 2, 4, kPropagate, InStrRev}, {"REPLACE", 3, 6, kPropagate, Replace},
-    {"SPACE", 1, 1, kPropagate, Space},       {"STRING", 2, 2, kPropagate, String},
-    {"STRCOMP", 2, 3, kPropagate, StrComp},   {"STRREVERSE", 1, 1, kPropagate, StrReverse},
-    {"ASC", 1, 1, kPropagate, Asc},           {"ASCW", 1, 1, kPropagate, AscW},
-    {"CHR", 1, 1, kPropagate, Chr},           {"CHRW", 1, 1, kPropagate, ChrW},
-    {"STRCONV", 2, 2, kPropagate, StrConv},
+    {"LEN", 1, 1, kPropagate, Gives::Long, Len},           {"LEFT", 2, 2, kPropagate, Gives::Text, Left},
+    {"RIGHT", 2, 2, kPropagate, Gives::Text, Right},       {"MID", 2, 3, kPropagate, Gives::Text, Mid},
+    {"UCASE", 1, 1, kPropagate, Gives::Text, UCase},       {"LCASE", 1, 1, kPropagate, Gives::Text, LCase},
+    {"TRIM", 1, 1, kPropagate, Gives::Text, TrimBoth},     {"LTRIM", 1, 1, kPropagate, Gives::Text, LTrim},
+    {"RTRIM", 1, 1, kPropagate, Gives::Text, RTrim},       {"INSTR", 2, 4, kPropagate, Gives::Long, InStr},
+    {"INSTRREV", 2, 4, kPropagate, Gives::Long, InStrRev}, {"REPLACE", 3, 6, kPropagate, Gives::Text, Replace},
+    {"SPACE", 1, 1, kPropagate, Gives::Text, Space},       {"STRING", 2, 2, kPropagate, Gives::Text, String},
+    {"STRCOMP", 2, 3, kPropagate, Gives::Long, StrComp},   {"STRREVERSE", 1, 1, kPropagate, Gives::Text, StrReverse},
+    {"ASC", 1, 1, kPropagate, Gives::Long, Asc},           {"ASCW", 1, 1, kPropagate, Gives::Long, AscW},
+    {"CHR", 1, 1, kPropagate, Gives::Text, Chr},           {"CHRW", 1, 1, kPropagate, Gives::Text, ChrW},
+    {"STRCONV", 2, 2, kPropagate, Gives::Text, StrConv},
 };
 
 }  // namespace

@@ -174,6 +174,21 @@ struct Function {
     Refuse,     ///< ProviderTypeConflict ("Invalid use of Null."): the conversions CStr, CInt, ...
     Pass        ///< the function knows
   };
+  /// The type of what it gives, as it is known before it is called.
+  enum class Result : std::uint8_t {
+    Text,
+    Boolean,
+    Byte,
+    Short,
+    Long,
+    Single,
+    Double,
+    Currency,
+    Date,
+    Guid,
+    OfArgument,  ///< that of the first argument
+    OfChoice     ///< the wider one of the second and the third
+  };
   /// The arguments' values; the scope for the time.
   using Call = Value (*)(std::span<const Value> arguments, const Scope& scope);
   /// The value of an argument.
@@ -185,6 +200,7 @@ struct Function {
   std::uint8_t minimumArguments = 0;
   std::uint8_t maximumArguments = 0;  ///< kAnyNumber: no limit
   Nulls nulls = Nulls::Propagate;
+  Result result = Result::Text;
   Call call = nullptr;
   LazyCall lazyCall = nullptr;  ///< instead of `call`
 

@@ -80,29 +80,34 @@ DataType TypeOfAggregate(const Expression& call, const SelectPlan& plan) {
   return argument == DataType::Currency && (name == "SUM" || name == "AVG") ? argument : DataType::Double;
 }
 
-/// Functions that are not listed give texts. Those that pass a value on have the type of their argument.
+/// As its row in the functions' table says. Those that pass a value on have the type of their argument.
 DataType TypeOfCall(const Expression& call, const SelectPlan& plan) {
-  const std::string name = UpperCase(call.name);
-  // A new function needs a place in one of these groups unless it gives texts.
-  const auto isOneOf = [&](std::initializer_list<std::string_view> names) {
-    return std::find(names.begin(), names.end(), name) != names.end();
-  };
-  if (isOneOf({"NOW", "DATE", "TIME", "DATEADD", "DATESERIAL", "DATEVALUE", "TIMESERIAL", "TIMEVALUE", "CDATE"})) {
-    return DataType::Date;
-  }
-  if (isOneOf({"LEN", "INSTR", "DATEDIFF", "CLNG", "SGN", "ASC"})) return DataType::Integer;
-  if (isOneOf({"YEAR", "MONTH", "DAY", "HOUR", "MINUTE", "SECOND", "WEEKDAY", "DATEPART", "CINT"})) {
-    return DataType::SmallInt;
-  }
-  if (isOneOf({"CDBL", "SQR", "LOG", "EXP", "RND", "VAL", "SIN", "COS", "TAN", "ATN"})) return DataType::Double;
-  if (name == "CSNG") return DataType::Single;
-  if (name == "CCUR") return DataType::Currency;
-  if (isOneOf({"CBOOL", "ISNULL", "ISNUMERIC", "ISDATE"})) return DataType::Boolean;
-  const bool hasArguments = !call.arguments.empty();
-  if (hasArguments && isOneOf({"ABS", "INT", "FIX", "ROUND", "NZ"})) return TypeOf(*call.arguments[0], plan);
-  // Which of the two it will be only the row tells, so that the wider one is announced.
-  if (name == "IIF" && call.arguments.size() == 3) {
-    return WiderType(TypeOf(*call.arguments[1], plan), TypeOf(*call.arguments[2], plan));
+  switch (call.function->result) {
+    case Function::Result::Text:
+      break;
+    case Function::Result::Boolean:
+      return DataType::Boolean;
+    case Function::Result::Byte:
+      return DataType::UnsignedTinyInt;
+    case Function::Result::Short:
+      return DataType::SmallInt;
+    case Function::Result::Long:
+      return DataType::Integer;
+    case Function::Result::Single:
+      return DataType::Single;
+    case Function::Result::Double:
+      return DataType::Double;
+    case Function::Result::Currency:
+      return DataType::Currency;
+    case Function::Result::Date:
+      return DataType::Date;
+    case Function::Result::Guid:
+      return DataType::Guid;
+    case Function::Result::OfArgument:
+      return TypeOf(*call.arguments[0], plan);
+    case Function::Result::OfChoice:
+      // Which of the two it will be only the row tells, so that the wider one is announced.
+      return WiderType(TypeOf(*call.arguments[1], plan), TypeOf(*call.arguments[2], plan));
   }
   return DataType::WChar;
 }

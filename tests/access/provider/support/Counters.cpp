@@ -5,6 +5,7 @@
 
 #include "access/provider/AccessProvider.h"
 #include "access/provider/support/Evening.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi::access::test {
 
@@ -48,8 +49,7 @@ std::unique_ptr<ado::Connection> OpenCounters(const std::string& path) {
   ProviderOptions options;
   options.pager.lockTimeout = std::chrono::minutes(1);
   options.pager.checkpointBytes = std::uint64_t{1} << 20U;
-  return MakeAccessProvider(NativeFileSystem(), std::make_shared<EveningClock>(), options)
-      ->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path);
+  return MakeAccessProvider(NativeFileSystem(), std::make_shared<EveningClock>(), options)->Open(ConnectionTo(path));
 }
 
 void MakeCounters(ado::Connection& connection) {

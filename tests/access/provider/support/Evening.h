@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "access/file/support/MemoryFileSystem.h"
+#include "platform/ConnectionTo.h"
 #include "platform/Platform.h"
 #include "platform/ado/Provider.h"
 
@@ -48,6 +49,6 @@ class EveningClock final : public Clock {
 /// A new file system in memory with an empty database under the path kEveningPath.
 [[nodiscard]] std::shared_ptr<MemoryFileSystem> NewEveningFile();
 inline constexpr char kEveningPath[] = "club.mdb";
-inline constexpr char kEveningSource[] = "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=club.mdb";
+inline const std::string kEveningSource = ConnectionTo("club.mdb");
 
 }  // namespace tavi::access::test

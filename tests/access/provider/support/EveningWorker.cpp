@@ -3,6 +3,7 @@
 #include <iostream>
 
 #include "access/provider/AccessProvider.h"
+#include "platform/ConnectionTo.h"
 
 namespace tavi::access::test {
 
@@ -35,8 +36,8 @@ void EveningWorker::Run() {
 void EveningWorker::Open() {
   ProviderOptions options;
   options.pager.checkpointBytes = kCheckpointBytes;
-  connection_ = MakeAccessProvider(NativeFileSystem(), std::make_shared<EveningClock>(), options)
-                    ->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + path_);
+  connection_ =
+      MakeAccessProvider(NativeFileSystem(), std::make_shared<EveningClock>(), options)->Open(ConnectionTo(path_));
 }
 
 void EveningWorker::Report() {

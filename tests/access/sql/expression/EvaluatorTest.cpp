@@ -12,16 +12,6 @@
 namespace tavi::access::sql {
 namespace {
 
-struct ResultCase {
-  std::string_view expression;
-  std::string_view result;
-};
-
-template <std::size_t kCount>
-void ExpectResults(const ResultCase (&cases)[kCount]) {
-  for (const ResultCase& one : cases) EXPECT_EQ(ResultOf(one.expression), one.result) << one.expression;
-}
-
 TEST(Evaluate, WholeNumbersGiveLongUntilTheyDoNotFit) {
   const ResultCase cases[] = {
       {"1 + 2", "3L"},

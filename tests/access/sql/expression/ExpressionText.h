@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <string>
 #include <string_view>
 
@@ -14,5 +16,16 @@ namespace tavi::access::sql {
 std::string ResultOf(std::string_view expression);
 /// The description of the error that evaluating the expression raises; empty when none.
 std::string ErrorOf(std::string_view expression);
+
+/// A line of a table of expressions: what ResultOf gives for one.
+struct ResultCase {
+  std::string_view expression;
+  std::string_view result;
+};
+
+template <std::size_t kCount>
+void ExpectResults(const ResultCase (&cases)[kCount]) {
+  for (const ResultCase& one : cases) EXPECT_EQ(ResultOf(one.expression), one.result) << one.expression;
+}
 
 }  // namespace tavi::access::sql

@@ -8,18 +8,8 @@
 namespace tavi::access::sql {
 namespace {
 
-struct ClubStatement {
-  std::string_view text;
-  std::string_view tree;
-};
-
-template <std::size_t kCount>
-void ExpectClubTrees(const ClubStatement (&cases)[kCount]) {
-  for (const ClubStatement& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
-}
-
 TEST(ClubStatementTrees, OfTheLayoutCheck) {
-  const ClubStatement cases[] = {
+  const TreeCase cases[] = {
       {"Select Top 1 HandicalcSeed From Members", "(select top 1 [HandicalcSeed] from Members)"},
       {"Create Table EBUMembershipList (EBUNumber Long PRIMARY KEY, FirstName Text (50), LastName Text (50), "
        "CountyCode Text "
@@ -54,11 +44,11 @@ TEST(ClubStatementTrees, OfTheLayoutCheck) {
       {"Select top 1 ClubID from ClubNames Where ClubName = 'Melfort'",
        "(select top 1 [ClubID] from ClubNames where (= ClubName 'Melfort'))"},
   };
-  ExpectClubTrees(cases);
+  ExpectTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfMembers) {
-  const ClubStatement cases[] = {
+  const TreeCase cases[] = {
       {"Select Top 1 MembershipNumber from Members Order by MembershipNumber Desc",
        "(select top 1 [MembershipNumber] from Members order [MembershipNumber desc])"},
       {"Select count(*) From Members Where MembershipNumber = 17",
@@ -134,11 +124,11 @@ TEST(ClubStatementTrees, OfMembers) {
       {"Select * from Members where FirstName = 'Jane' And LastName = 'Doe' And Active <> 0",
        "(select [*] from Members where (And (And (= FirstName 'Jane') (= LastName 'Doe')) (<> Active 0L)))"},
   };
-  ExpectClubTrees(cases);
+  ExpectTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfPartnerships) {
-  const ClubStatement cases[] = {
+  const TreeCase cases[] = {
       {"Select * from Partnerships Where LowerPlayer = 3 And HigherPlayer = 7",
        "(select [*] from Partnerships where (And (= LowerPlayer 3L) (= HigherPlayer 7L)))"},
       {"Update Partnerships set Active = 0 Where LowerPlayer = 3 And HigherPlayer = 7",
@@ -164,11 +154,11 @@ TEST(ClubStatementTrees, OfPartnerships) {
        "HigherPlayer 7L)) "
        "(>= HandicalcSeedDate 36526L)))"},
   };
-  ExpectClubTrees(cases);
+  ExpectTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfCompetitionsAndResults) {
-  const ClubStatement cases[] = {
+  const TreeCase cases[] = {
       {"Select * from Competitions Where CompetitionName = 'Club Pairs' And CompetitionDate = 37014",
        "(select [*] from Competitions where (And (= CompetitionName 'Club Pairs') (= CompetitionDate 37014L)))"},
       {"Delete from Results where Competition = 5", "(delete from Results where (= Competition 5L))"},
@@ -189,11 +179,11 @@ TEST(ClubStatementTrees, OfCompetitionsAndResults) {
        "(insert Results [Competition, Player, Partner, ActualPercentage, NetPercentage] values [5L, 3L, 7L, 52.08, "
        "54.5833333333333])"},
   };
-  ExpectClubTrees(cases);
+  ExpectTrees(cases);
 }
 
 TEST(ClubStatementTrees, OfHandicaps) {
-  const ClubStatement cases[] = {
+  const TreeCase cases[] = {
       {"Delete from HandicalcSettings", "(delete from HandicalcSettings)"},
       {"Insert Into HandicalcSettings (MaxWeeks, MaxResults, SamePartnerWeighting, RegularPairMultiplier, "
        "RegularPairAdd, "
@@ -225,7 +215,7 @@ TEST(ClubStatementTrees, OfHandicaps) {
        "(And (= "
        "Player 7L) (= Partner 3L))) (<> IncludeInHandicapCalculations 0L)) order [Competitions.CompetitionDate desc])"},
   };
-  ExpectClubTrees(cases);
+  ExpectTrees(cases);
 }
 
 }  // namespace

@@ -6,16 +6,6 @@
 namespace tavi::access::sql {
 namespace {
 
-struct TreeCase {
-  std::string_view text;
-  std::string_view tree;
-};
-
-template <std::size_t kCount>
-void ExpectTrees(const TreeCase (&cases)[kCount]) {
-  for (const TreeCase& one : cases) EXPECT_EQ(TreeText(Parse(one.text)), one.tree) << one.text;
-}
-
 TEST(ParseExpression, OperatorsBindAsTheyShould) {
   const TreeCase cases[] = {
       {"1+2*3", "(+ 1L (* 2L 3L))"},

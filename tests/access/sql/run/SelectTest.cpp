@@ -252,6 +252,21 @@ TEST_F(SelectTest, TypesOfColumnsAreKnown) {
                          DataType::Date, DataType::Double, DataType::Date, DataType::Double}));
 }
 
+TEST_F(SelectTest, TheTypeOfAFunctionsResultIsKnown) {
+  const auto rows = file_.Open(
+      "Select CByte(1), CInt(1), CLng(1), CSng(1), CDbl(1), CCur(1), CDate(1), CBool(1), GenGUID(), InStrRev('a', "
+      "'a'), "
+      "StrComp('a', 'b'), AscW('a'), Left('a', 1), Abs(Handicap), IIf(Active, MembershipNumber, Handicap) From "
+      "Members");
+  std::vector<ado::DataType> types;
+  for (const auto& column : rows->Columns()) types.push_back(column.type);
+  using ado::DataType;
+  EXPECT_EQ(types, (std::vector{DataType::UnsignedTinyInt, DataType::SmallInt, DataType::Integer, DataType::Single,
+                                DataType::Double, DataType::Currency, DataType::Date, DataType::Boolean, DataType::Guid,
+                                DataType::Integer, DataType::Integer, DataType::Integer, DataType::WChar,
+                                DataType::Double, DataType::Double}));
+}
+
 TEST_F(SelectTest, DatesAreComparedWithNumbers) {
   EXPECT_EQ(Rows("Select ID From Competitions Where CompetitionDate = 45007"), (Texts{"2", "3"}));
   EXPECT_EQ(Rows("Select ID From Competitions Where CompetitionDate >= 45001 And CompetitionDate <= 45007"),

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "platform/ConnectionTo.h"
 #include "platform/values/Convert.h"
 
 namespace tavi::testing {
@@ -83,7 +84,7 @@ std::string FaultyClub::FilePath() const {
 }
 
 std::unique_ptr<ado::Connection> FaultyClub::PlainConnection() const {
-  return plainProvider_->Open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + FilePath());
+  return plainProvider_->Open(ConnectionTo(FilePath()));
 }
 
 void FaultyClub::ExecuteAtFirst(const std::string& statement) const {

@@ -5,6 +5,7 @@
 #include "composition/Composition.h"
 #include "facade/ThreadStore.h"
 #include "facade/support/FakeSurroundings.h"
+#include "platform/ConnectionTo.h"
 #include "platform/values/Convert.h"
 #include "store/Layout.h"
 
@@ -12,7 +13,6 @@ namespace tavi::testing {
 namespace {
 
 constexpr const char* kFileName = "ClubMembers.mdb";
-constexpr const char* kConnection = "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=";
 
 }  // namespace
 
@@ -32,7 +32,7 @@ void SharedClub::MakeFile(const std::string& folder) const {
   if (!folder.empty()) folder_.MakeFolder(folder);
   const std::string path = folder_.Path(folder) + "/" + kFileName;
   CreateEmptyDatabase(path, kToday);
-  const auto connection = platform_->databaseProvider->Open(kConnection + path);
+  const auto connection = platform_->databaseProvider->Open(ConnectionTo(path));
   CreateBaseFile(*connection);
   connection->Close();
 }
@@ -44,7 +44,7 @@ std::unique_ptr<MembershipDatabase> SharedClub::NewObject() const {
 }
 
 std::vector<std::string> SharedClub::Column(const std::string& query, const std::string& folder) const {
-  const auto connection = platform_->databaseProvider->Open(kConnection + folder_.Path(folder) + "/" + kFileName);
+  const auto connection = platform_->databaseProvider->Open(ConnectionTo(folder_.Path(folder) + "/" + kFileName));
   const auto rows = connection->OpenRecordset(query, ado::CursorType::ForwardOnly, ado::LockType::ReadOnly,
                                               ado::SourceKind::CommandText);
   std::vector<std::string> texts;

@@ -2,13 +2,24 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "platform/Platform.h"
 #include "store/cDatabase.h"
 
-/// The sound-alike keys that the table Members keeps with the names. A search compares them with fresh ones, so that
-/// members whose stored keys were made by another function are not found until their keys are made anew.
+/// What the table Members keeps beside the names themselves, and what therefore goes stale when they change:
+/// - UniquenessFlag: how much of a name tells a member from the other active ones, so that names are shown no longer
+///   than they must be (cPlayerDetails::UniquenessFlag has the values);
+/// - FuzzedFirstName and FuzzedLastName: the sound-alike keys. A search compares them with fresh ones, so that members
+///   whose stored keys were made by another function are not found until their keys are made anew.
 namespace tavi {
+
+/// Writes the flag of every active member, or of those of one first name. Errors of the store pass on.
+void SetNameUniquenessFlags(cDatabase& database, const std::string& FirstName);
+
+/// What a file keeps beside the names themselves, to be brought up to date in a file that is new to the store: the
+/// flags, whose errors pass on, and the sound-alike keys.
+[[nodiscard]] std::vector<FirstOpenStep> NameSteps();
 
 /// A member's names and their keys as the columns FirstName, LastName, FuzzedFirstName and FuzzedLastName hold them.
 struct StoredNames {
