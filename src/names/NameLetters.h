@@ -32,7 +32,7 @@ std::string WithPlainPrefix(std::string letters);
 struct Decomposition {
   char32_t composed;
   char32_t first;
-  char32_t second;
+  char32_t second = 0;
 };
 
 /// Combining marks from `first` to `last`: accents and the like that belong to the letter before them.
