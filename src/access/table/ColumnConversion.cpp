@@ -195,14 +195,6 @@ void CheckStoredForm(const Value& value, const ColumnDefinition& column) {
                "for the mark of another form. Leave that character out.");
 }
 
-/// The negative zero is a number of its own in an index, and none to people and to comparisons: it becomes 0.
-Value WithoutNegativeZero(const Value& value) {
-  if (const auto* number = std::get_if<double>(&value); number != nullptr && *number == 0.0) return 0.0;
-  if (const auto* number = std::get_if<float>(&value); number != nullptr && *number == 0.0F) return 0.0F;
-  if (const auto* date = std::get_if<Date>(&value); date != nullptr && date->days == 0.0) return Date{0.0};
-  return value;
-}
-
 /// Texts are limited by UTF-16 units, as a column states its length in bytes of these, whether or not a value is stored
 /// compressed. Memo and OLE have a limit of their own, where they are stored.
 void CheckLength(const Value& value, const ColumnDefinition& column) {
@@ -225,18 +217,26 @@ Value ConvertForColumn(const Value& value, const ColumnDefinition& column) {
   if (IsNull(value)) return column.type == ColumnType::Boolean ? Value{false} : Value{};
   if (HasColumnType(value, column)) {
     CheckLength(value, column);
-    return WithoutNegativeZero(value);
+    return value;
   }
   try {
     Value converted = Converted(value, column);
     CheckLength(converted, column);
-    return WithoutNegativeZero(converted);
+    return converted;
   } catch (const Error& error) {
     // The general conversions do not know the field.
     if (error.Is(ErrorNumber::TypeMismatch)) RaiseMismatch(column);
     if (error.Is(ErrorNumber::Overflow)) RaiseOutOfRange(column);
     throw;
   }
+}
+
+Value ConvertForStatement(const Value& value, const ColumnDefinition& column) {
+  Value converted = ConvertForColumn(value, column);
+  if (auto* number = std::get_if<double>(&converted); number != nullptr && *number == 0.0) *number = 0.0;
+  if (auto* number = std::get_if<float>(&converted); number != nullptr && *number == 0.0F) *number = 0.0F;
+  if (auto* date = std::get_if<Date>(&converted); date != nullptr && date->days == 0.0) date->days = 0.0;
+  return converted;
 }
 
 }  // namespace tavi::access

@@ -16,8 +16,12 @@ using RowValues = std::vector<Value>;
 /// Boolean). A value that has the column's type already stays as it is, but for a Numeric that gets the column's scale.
 /// Raises ProviderTypeConflict ("Data type mismatch in criteria expression.") when it does not convert or is out of
 /// range, and ProviderFailure ("The field is too small to accept the amount of data you attempted to add.") for a text
-/// or binary value that is longer than the column. The description names the column.
+/// or binary value that is longer than the column, or a text without a stored form (TextEncoding.h). The description
+/// names the column.
 [[nodiscard]] Value ConvertForColumn(const Value& value, const ColumnDefinition& column);
+/// The same for what a statement stores: a negative zero, which equals 0 and has another key in an index, becomes 0. A
+/// copy of a file's rows keeps it.
+[[nodiscard]] Value ConvertForStatement(const Value& value, const ColumnDefinition& column);
 
 /// Raises ProviderFailure unless there is one value for each column.
 void RequireValuePerColumn(const TableDefinition& definition, const RowValues& values);

@@ -220,7 +220,7 @@ void KeysetResult::Set(std::size_t column, const Value& value) {
   const Place place = PlaceOf(column);
   RefuseReadOnly();
   // Converted at once, so that an unfit value is an error of the assignment and not of the storing.
-  edits_[place] = ConvertForColumn(value, tables_[place.first]->Columns()[place.second].definition);
+  edits_[place] = ConvertForStatement(value, tables_[place.first]->Columns()[place.second].definition);
 }
 
 // The defaults are those of this moment; the automatic number comes when the row is stored.

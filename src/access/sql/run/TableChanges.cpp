@@ -30,7 +30,7 @@ void TableChanges::ForgetWhereChangesCascade(const Table& table) {
 RowPointer TableChanges::Insert(Table& table, RowValues& row) {
   RefuseSystemTable(table);
   // In place: the caller sees what is stored, and the indexes in memory get the same.
-  for (std::size_t i = 0; i < row.size(); ++i) row[i] = ConvertForColumn(row[i], table.Columns()[i].definition);
+  for (std::size_t i = 0; i < row.size(); ++i) row[i] = ConvertForStatement(row[i], table.Columns()[i].definition);
   const RowPointer pointer = table.Insert(row);
   memoryIndexes_.RowInserted(table, pointer, row);
   return pointer;
@@ -41,7 +41,7 @@ RowPointer TableChanges::Insert(Table& table, RowValues& row) {
 void TableChanges::Update(Table& table, RowPointer row, const RowValues& before, RowValues& after) {
   RefuseSystemTable(table);
   for (std::size_t i = 0; i < after.size(); ++i) {
-    if (after[i] != before[i]) after[i] = ConvertForColumn(after[i], table.Columns()[i].definition);
+    if (after[i] != before[i]) after[i] = ConvertForStatement(after[i], table.Columns()[i].definition);
   }
   if (before == after) return;
   table.Update(row, after);
@@ -92,7 +92,7 @@ Value Defaults::ValueFor(const Table& table, const Column& column, Date now) {
     if (parsed_.size() > kMostExpressions) parsed_.clear();
     ExpressionPointer& expression = parsed_[text];
     if (!expression) expression = ParseExpression(text, FindFunction);
-    return ConvertForColumn(Evaluate(*expression, DefaultScope(now)), column.definition);
+    return ConvertForStatement(Evaluate(*expression, DefaultScope(now)), column.definition);
   } catch (const Error& error) {
     throw EngineError(ErrorNumber::ProviderFailure, "The default value of column '" + column.definition.name +
                                                         "' of table '" + table.Name() + "' (" + text +
