@@ -122,21 +122,21 @@ std::string DecodeText(Stored stored) {
   return DecodePlainText(stored);
 }
 
-// One pass for the usual case: as long as only ASCII comes, bytes are taken over, one of two.
+// One pass without a question for the usual case: what all units have in common tells at its end whether they were
+// ASCII.
 std::string DecodePlainText(Stored stored) {
-  std::string text;
-  text.reserve(stored.size() / kUnitSize);
-  for (std::size_t i = 0; i + 1 < stored.size(); i += kUnitSize) {
-    // The first character beyond ASCII: all of it goes by UTF-16 then, as pairs of units may follow.
-    if (stored[i + 1] != 0 || stored[i] >= kFirstNonAscii) {
-      std::u16string units;
-      units.reserve(stored.size() / kUnitSize);
-      AppendUnits(units, stored);
-      return FromUtf16(units);
-    }
-    text.push_back(static_cast<char>(stored[i]));
+  std::string text(stored.size() / kUnitSize, '\0');
+  unsigned seen = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const unsigned unit = GetLittle<char16_t>(stored, i * kUnitSize);
+    seen |= unit;
+    text[i] = static_cast<char>(unit);
   }
-  return text;
+  if (seen < kFirstNonAscii) return text;
+  std::u16string units;
+  units.reserve(text.size());
+  AppendUnits(units, stored);
+  return FromUtf16(units);
 }
 
 Bytes EncodePlainText(std::string_view text) {

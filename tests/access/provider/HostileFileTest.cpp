@@ -71,7 +71,7 @@ void UseDamagedFiles(const Bytes& sound, const std::string& name, std::size_t mu
 }
 
 TEST(HostileFile, OfOurOwnMakingIsAnsweredOrRefused) {
-  UseDamagedFiles(MakeFileOfEverything(), "own file", Lengthened(2000), SeedOr(97));
+  UseDamagedFiles(MakeFileOfEverything(), "own file", Lengthened(1000), SeedOr(97));
 }
 
 TEST(HostileFile, OfAnotherProgramIsAnsweredOrRefused) {
@@ -86,7 +86,7 @@ TEST(HostileFile, OfAnotherProgramIsAnsweredOrRefused) {
   for (const auto& path : paths) {
     std::ifstream file(path, std::ios::binary);
     const Bytes bytes{std::istreambuf_iterator<char>(file), {}};
-    UseDamagedFiles(bytes, path.filename().string(), Lengthened(40), SeedOr(97));
+    UseDamagedFiles(bytes, path.filename().string(), Lengthened(24), SeedOr(97));
   }
 }
 
