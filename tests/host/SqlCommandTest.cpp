@@ -218,7 +218,7 @@ TEST_F(SqlCommand, CtrlCGivesUpTheStatementAndNotTheShell) {
   const std::string more = folder_.Write("more", "Select 'go' & 'ing on';\r.quit\r");
   const std::string tavi = std::string(TAVI_PROGRAM) + " --db " + folder_.Club() + " sql";
   const std::string shown =
-      RunProgram("(cat " + endless + "; sleep 1; for i in 1 2 3 4 5; do cat " + key + "; sleep 0.5; done; cat " + more +
+      RunProgram("(cat " + endless + "; sleep 0.5; for i in 1 2 3 4 5 6; do cat " + key + "; sleep 0.5; done; cat " + more +
                  ") | TERM=xterm TAVI_HISTORY=" + folder_.Path("history") + " timeout 60 script -qec '" + tavi +
                  "' /dev/null")
           .text;

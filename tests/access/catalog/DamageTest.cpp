@@ -15,7 +15,7 @@
 namespace tavi::access::test {
 namespace {
 
-constexpr std::size_t kRounds = 60;
+constexpr std::size_t kRounds = 40;
 
 /// A table with rows on many pages, moved and deleted rows, memos of every form, and indexes of two levels.
 void FillFile(Database& database) {
