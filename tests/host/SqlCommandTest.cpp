@@ -218,8 +218,8 @@ TEST_F(SqlCommand, CtrlCGivesUpTheStatementAndNotTheShell) {
   const std::string more = folder_.Write("more", "Select 'go' & 'ing on';\r.quit\r");
   const std::string tavi = std::string(TAVI_PROGRAM) + " --db " + folder_.Club() + " sql";
   const std::string shown =
-      RunProgram("(cat " + endless + "; sleep 0.5; for i in 1 2 3 4 5 6; do cat " + key + "; sleep 0.5; done; cat " + more +
-                 ") | TERM=xterm TAVI_HISTORY=" + folder_.Path("history") + " timeout 60 script -qec '" + tavi +
+      RunProgram("(cat " + endless + "; sleep 0.5; for i in 1 2 3 4 5 6; do cat " + key + "; sleep 0.5; done; cat " +
+                 more + ") | TERM=xterm TAVI_HISTORY=" + folder_.Path("history") + " timeout 60 script -qec '" + tavi +
                  "' /dev/null")
           .text;
   EXPECT_NE(shown.find("The statement was cancelled. Nothing of it was stored."), std::string::npos) << shown;
