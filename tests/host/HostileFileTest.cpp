@@ -272,7 +272,7 @@ TEST_F(CrowdedFile, AnAnswerThatNeedsMoreMemoryThanThereIsIsRefusedInWords) {
 #endif
 
 TEST_F(HostileFile, OfAClubIsAnsweredOrRefusedByEveryCommandInBounds) {
-  UseDamagedCopies("club", OwnFile(), access::test::Lengthened(40), access::test::SeedOr(2003));
+  UseDamagedCopies("club", OwnFile(), access::test::Lengthened(30), access::test::SeedOr(2003));
 }
 
 TEST_F(HostileFile, OfAnotherProgramIsAnsweredOrRefusedByEveryCommandInBounds) {

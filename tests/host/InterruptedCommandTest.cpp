@@ -32,7 +32,7 @@ using Arguments = std::vector<std::string>;
 using Contents = std::map<std::string, std::string>;
 
 /// How often a whole command is interrupted at least; all places are taken when there are fewer.
-constexpr std::size_t kInterruptions = 12;
+constexpr std::size_t kInterruptions = 10;
 constexpr std::size_t kLastCalls = 8;
 
 class InterruptedCommand : public ::testing::Test {
