@@ -1,5 +1,5 @@
 // A file of its own: the server for Windows asks for the time, but has no use for streams, which would make it a
-// third larger.
+// quarter larger.
 #include <ctime>
 
 #include "platform/portable/PortableServices.h"

@@ -37,16 +37,6 @@ class PagerSharingTest : public test::PagerFixture {
     options.report = [this](const std::string& text) { reports_.push_back(text); };
     return Pager::Open(memory_, kPath, options);
   }
-  template <typename Action>
-  static std::string FailureOf(Action action) {
-    try {
-      action();
-      return "";
-    } catch (const Error& error) {
-      EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
-      return error.Description();
-    }
-  }
 
   std::vector<std::string> reports_;
 };

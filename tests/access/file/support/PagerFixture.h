@@ -17,13 +17,14 @@ class PagerFixture : public ::testing::Test {
  protected:
   PagerFixture() { Pager::Create(*memory_, kPath, MakeSmallDatabase(8)); }
 
-  /// What the error says that an action raises; empty when it raises none.
+  /// What the provider's failure says that an action raises; empty when it raises none.
   template <typename Action>
   static std::string FailureOf(Action action) {
     try {
       action();
       return "";
     } catch (const Error& error) {
+      EXPECT_TRUE(error.Is(ErrorNumber::ProviderFailure));
       return error.Description();
     }
   }
